@@ -1,0 +1,7 @@
+file(GLOB cli_sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/cli/*.cpp)
+if(cli_sources)
+  add_executable(tovik_program ${cli_sources})
+  set_target_properties(tovik_program PROPERTIES OUTPUT_NAME tovik)
+  target_link_libraries(tovik_program PRIVATE tovik)
+  tovik_warnings(tovik_program)
+endif()

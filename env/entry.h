@@ -1,0 +1,51 @@
+/* The entry frame of every exported routine: handle checks against the registry of live handles, one worker call,
+ * std::bad_alloc as 1001, one report, the int for the caller. No exception crosses the C boundary. */
+#pragma once
+
+#include <new>
+
+#include "env/environment.h"
+#include "env/problem.h"
+
+namespace tovik {
+
+enum class In { callback_refused, callback_allowed };
+
+/* Looks handles up before touching them: 1002, 1806, 1804, then 1009 in this order. On success the outputs are set. */
+int check_handles(ConstEnvHandle env, Environment** env_out, In in = In::callback_refused);
+int check_handles(ConstEnvHandle env, ConstProbHandle lp, Environment** env_out, Problem** problem_out,
+                  In in = In::callback_refused);
+
+template <class Worker>
+Status guarded(Worker&& worker) noexcept {
+  try {
+    return worker();
+  } catch (const std::bad_alloc&) {
+    return Status(1001);
+  } catch (...) {
+    return Status(1003);
+  }
+}
+
+/* worker: Status(Environment&) */
+template <class Worker>
+int with_environment(ConstEnvHandle handle, Worker&& worker, In in = In::callback_refused) {
+  Environment* env = nullptr;
+  if (int code = check_handles(handle, &env, in); code != 0) {
+    return env != nullptr ? report(*env, code) : code;
+  }
+  return report(*env, guarded([&] { return worker(*env); }));
+}
+
+/* worker: Status(Environment&, Problem&) */
+template <class Worker>
+int with_problem(ConstEnvHandle handle, ConstProbHandle lp, Worker&& worker, In in = In::callback_refused) {
+  Environment* env = nullptr;
+  Problem* problem = nullptr;
+  if (int code = check_handles(handle, lp, &env, &problem, in); code != 0) {
+    return env != nullptr ? report(*env, code) : code;
+  }
+  return report(*env, guarded([&] { return worker(*env, *problem); }));
+}
+
+}  // namespace tovik

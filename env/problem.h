@@ -1,0 +1,70 @@
+/* The problem record: one model, what solving derived from it, and the rule by which changes discard derived data. */
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "env/environment.h"
+#include "env/solution.h"
+
+namespace tovik {
+
+namespace model {
+class Model;
+}
+
+/* Derived data that a subsystem hangs on a problem (live factor, presolved copy, ...); freed through this interface. */
+struct Derived {
+  virtual ~Derived() = default;
+};
+
+/* The starting information for the next optimization. Statuses: 0 at lower, 1 basic, 2 at upper, 3 free (superbasic).
+ * Row statuses describe the row's slack; both vectors are empty when there is no starting basis. */
+struct Start {
+  std::vector<int> column_status;
+  std::vector<int> row_status;
+  std::vector<double> primal, row_primal, dual, row_dual;  // optional starting values; empty when absent
+  int change_level = 0;  // 2 objective, 3 added columns, 1 other changes; a larger one replaces a smaller
+  bool has_basis() const { return !column_status.empty() || !row_status.empty(); }
+};
+
+/* Stored pricing norms by basis position, with the basis head that they belong to (column j, or -i-1 for row i). */
+struct Norms {
+  std::vector<double> dual, column, row;
+  std::vector<int> head;
+};
+
+struct Problem {
+  explicit Problem(Environment& environment);
+  ~Problem();
+  Problem(const Problem&) = delete;
+  Problem& operator=(const Problem&) = delete;
+
+  Environment* env;
+  std::string name;
+  int status = 0;  // solution status; 0 = no solution
+  int type = 0;    // problem type 0, 1, 3, 5, 7, 8, 10, 11, 13
+  std::unique_ptr<model::Model> model;
+  std::unique_ptr<Solution> solution;  // null until the first optimization
+  Start start;
+  Norms norms;
+  std::unique_ptr<Derived> simplex;    // live basis and factor between optimizations
+  bool factor_current = false;
+  std::unique_ptr<Derived> presolve;
+  std::unique_ptr<Derived> mip;
+  std::unique_ptr<Problem> working;    // nested problem solved in this one's place
+  std::unique_ptr<Problem> derived;    // second nested problem
+};
+
+/* What a change of the model does to the derived data; the table stands in change.cpp. */
+enum class Change {
+  names, objective_sense, objective, bounds, ranges, rhs, matrix, senses, add_columns, delete_columns, rows,
+  column_types, sets, whole_problem, quadratic, problem_type, norms, unscaling
+};
+
+/* Discards the derived data that `change` makes invalid. Never fails. */
+void invalidate(Problem& problem, Change change);
+
+}  // namespace tovik

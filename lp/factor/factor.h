@@ -1,0 +1,76 @@
+/* Sparse LU factor of a simplex basis with Forrest-Tomlin updates.
+ *
+ * Basis columns are named by variable: 0..n-1 structural columns of the matrix, n+i the unit column e_i (logical of row i).
+ * build() permutes the caller's head so that head[i] is the variable pivoted in row i; positions and rows then share one
+ * index space, and all vectors have dimension m:
+ *   ftran:  solves B x = b;   in b by row, out x by position
+ *   btran:  solves B' y = c;  in c by position, out y by row
+ * See the notes in factor.cpp for Markowitz search, singleton passes, dense tail and hyper-sparse solves. */
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "lp/linalg/lp_data.h"
+#include "lp/linalg/sparse_vector.h"
+
+namespace tovik::lp::factor {
+
+struct Settings {
+  double threshold = 0.1;       // Markowitz threshold u in (0, 1): |pivot| >= u * max of its column (or row)
+  double pivot_absolute = 1e-10;
+  double drop = 1e-14;
+};
+
+/* A variable that was removed from a singular basis, and the row whose logical replaced it. */
+struct Exchange {
+  int removed;  // variable index
+  int row;      // logical n + row entered the basis
+};
+
+struct Stats {
+  std::int64_t builds = 0, updates = 0, build_work = 0, solve_work = 0;
+  std::int64_t hyper_solves = 0, plain_solves = 0;
+  int bump = 0;                     // order of the Markowitz kernel in the last build
+  std::int64_t basis_nonzeros = 0, factor_nonzeros = 0;
+};
+
+class Factor {
+ public:
+  /* Keeps a reference to the matrix; it must outlive the factor and not change while built. */
+  explicit Factor(const Matrix& matrix);
+  ~Factor();
+  Factor(const Factor&) = delete;
+  Factor& operator=(const Factor&) = delete;
+
+  void set(const Settings& settings);
+
+  /* Factors the basis `head` (m variables). Permutes head (see above). Returns the rank deficiency: 0 when regular;
+   * otherwise exchanges() lists what was replaced, head holds the repaired basis, and the factor is of the repaired one. */
+  int build(std::vector<int>& head);
+  const std::vector<Exchange>& exchanges() const;
+
+  /* expected_density: running average of the result density of this kind of solve; steers hyper-sparse mode.
+   * With v.want_pack the partial result that update() needs is packed: the spike in ftran, the row eta in btran. */
+  void ftran(SparseVector& v, double expected_density);
+  void btran(SparseVector& v, double expected_density);
+
+  /* Replaces the basic variable of position r. column: packed spike of ftran(a_q), with the full result in its array
+   * (pivot = column.array[r]); row: packed partial result of btran(e_r). Returns false when the new diagonal
+   * disagrees with its independent value, so that the caller refactors: the factor is then unusable. */
+  bool update(const SparseVector& column, const SparseVector& row, int r);
+
+  int updates() const;                     // since the last build
+  std::int64_t work() const;               // ticks so far: entries touched in builds, solves and updates
+  std::int64_t work_of_build() const;      // ticks of the last build
+  std::int64_t work_since_build() const;   // ticks of solves and updates since
+  bool wants_rebuild() const;              // update file or memory has grown past what pays
+  const Stats& stats() const;
+
+ private:
+  struct Impl;
+  std::unique_ptr<Impl> impl_;
+};
+
+}  // namespace tovik::lp::factor
