@@ -1,0 +1,342 @@
+#include "lp/simplex/core.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace tovik::lp::simplex {
+
+namespace {
+constexpr double kColumnPriceRatio = 0.7;  // price by columns when rows would touch more than this share of all entries
+constexpr double kLargestThreshold = 0.99999;
+}  // namespace
+
+Core::Core(LpData scaled, const Options& solve_options, Control& solve_control)
+    : n(scaled.num_columns()),
+      m(scaled.num_rows()),
+      total(n + m),
+      lp(std::move(scaled)),
+      factor(lp.matrix),
+      options(solve_options),
+      control(&solve_control),
+      random(solve_options.seed),
+      primal_tolerance(solve_options.primal_tolerance),
+      dual_tolerance(solve_options.dual_tolerance),
+      threshold(solve_options.markowitz) {
+  const auto size = static_cast<size_t>(total);
+  cost.assign(size, 0.0);
+  lower.resize(size);
+  upper.resize(size);
+  for (int j = 0; j < n; ++j) {
+    cost[j] = lp.cost[j];
+    lower[j] = lp.lower[j];
+    upper[j] = lp.upper[j];
+  }
+  for (int i = 0; i < m; ++i) {
+    lower[n + i] = -lp.row_upper[i];
+    upper[n + i] = -lp.row_lower[i];
+  }
+  work_cost = cost;
+  work_lower = lower;
+  work_upper = upper;
+  nonbasic.assign(size, 1);
+  move.assign(size, 0);
+  value.assign(size, 0.0);
+  d.assign(size, 0.0);
+  head.assign(static_cast<size_t>(m), 0);
+  x.assign(static_cast<size_t>(m), 0.0);
+  x_lower = x;
+  x_upper = x;
+  random_value.resize(size);
+  for (double& r : random_value) r = random.real();
+  buffer_.resize(m);
+}
+
+void Core::place_nonbasic(int j, int prefer) {
+  const double low = work_lower[j];
+  const double high = work_upper[j];
+  if (low == high) {
+    move[j] = 0;
+    value[j] = low;
+  } else if (low == -kInf && high == kInf) {
+    move[j] = 0;
+    value[j] = 0;
+  } else if (high == kInf || (low != -kInf && (prefer > 0 || (prefer == 0 && std::fabs(low) <= std::fabs(high))))) {
+    move[j] = 1;
+    value[j] = low;
+  } else {
+    move[j] = -1;
+    value[j] = high;
+  }
+}
+
+void Core::set_logical_basis() {
+  for (int j = 0; j < n; ++j) {
+    nonbasic[j] = 1;
+    place_nonbasic(j, 0);
+  }
+  for (int i = 0; i < m; ++i) {
+    nonbasic[n + i] = 0;
+    move[n + i] = 0;
+    head[i] = n + i;
+  }
+  has_factor = false;
+  update_basis_pattern();
+}
+
+void Core::set_basis(const std::vector<At>& status) {
+  int basics = 0;
+  for (int j = 0; j < total; ++j) {
+    if (status[j] == At::basic && basics < m) {
+      nonbasic[j] = 0;
+      move[j] = 0;
+      head[basics++] = j;
+    } else {
+      nonbasic[j] = 1;
+      place_nonbasic(j, status[j] == At::upper ? -1 : status[j] == At::lower ? 1 : 0);
+    }
+  }
+  for (int i = 0; i < m && basics < m; ++i) {
+    if (!nonbasic[n + i]) continue;
+    nonbasic[n + i] = 0;
+    move[n + i] = 0;
+    head[basics++] = n + i;
+  }
+  has_factor = false;
+  update_basis_pattern();
+}
+
+std::vector<At> Core::basis_status() const {
+  std::vector<At> status(static_cast<size_t>(total));
+  for (int j = 0; j < total; ++j) {
+    if (!nonbasic[j]) {
+      status[j] = At::basic;
+    } else if (move[j] < 0 || (move[j] == 0 && lower[j] == -kInf && upper[j] != kInf)) {
+      status[j] = At::upper;
+    } else if (is_free(j)) {
+      status[j] = At::free;
+    } else {
+      status[j] = At::lower;
+    }
+  }
+  return status;
+}
+
+void Core::update_basis_pattern() {
+  std::vector<char> active(static_cast<size_t>(n));
+  for (int j = 0; j < n; ++j) active[j] = static_cast<char>(nonbasic[j] && !is_fixed(j));
+  rows.build(lp.matrix, active);
+}
+
+void Core::use_original_bounds() {
+  work_lower = lower;
+  work_upper = upper;
+  bounds_perturbed = false;
+  for (int j = 0; j < total; ++j) {
+    if (nonbasic[j]) place_nonbasic(j, move[j]);
+  }
+}
+
+void Core::use_original_costs() {
+  work_cost = cost;
+  costs_perturbed = false;
+  costs_shifted = false;
+}
+
+void Core::exchange(int q, int p, int leaving_move) {
+  const int out = head[p];
+  head[p] = q;
+  nonbasic[q] = 0;
+  move[q] = 0;
+  if (q < n) rows.deactivate(q);
+  nonbasic[out] = 1;
+  if (work_lower[out] == work_upper[out]) {
+    move[out] = 0;
+    value[out] = work_lower[out];
+  } else if (leaving_move > 0) {
+    move[out] = 1;
+    value[out] = work_lower[out];
+  } else if (leaving_move < 0) {
+    move[out] = -1;
+    value[out] = work_upper[out];
+  } else {
+    place_nonbasic(out, 0);
+  }
+  if (out < n && !is_fixed(out)) rows.activate(out);
+  x_lower[p] = work_lower[q];
+  x_upper[p] = work_upper[q];
+}
+
+FactorState Core::refactor() {
+  factor::Settings settings;
+  settings.threshold = threshold;
+  factor.set(settings);
+  ++counters.factorizations;
+  const int deficiency = factor.build(head);
+  has_factor = true;
+  if (deficiency == 0) return FactorState::good;
+  if (repairs >= options.singular_limit) return FactorState::singular;
+  ++repairs;
+  threshold = std::min(kLargestThreshold, threshold < 0.1 ? 0.1 : threshold + 0.1);
+  for (const factor::Exchange& e : factor.exchanges()) {
+    const int out = e.removed;
+    nonbasic[out] = 1;
+    place_nonbasic(out, 0);
+    if (out < n && !is_fixed(out)) rows.activate(out);
+    const int in = n + e.row;
+    nonbasic[in] = 0;
+    move[in] = 0;
+    if (options.display > 0) control->log("Slack removed by singularity.\n");
+  }
+  return FactorState::repaired;
+}
+
+void Core::ftran(SparseVector& v, Density& density) {
+  factor.ftran(v, density.value());
+  density.update(v);
+}
+
+void Core::btran(SparseVector& v, Density& density) {
+  factor.btran(v, density.value());
+  density.update(v);
+}
+
+void Core::price(const SparseVector& rho, SparseVector& alpha) {
+  bool by_columns = rho.count < 0;
+  if (!by_columns && rho.count > 0.1 * m) {
+    by_columns = static_cast<double>(rows.row_work(rho)) > kColumnPriceRatio * static_cast<double>(rows.active_entries());
+  }
+  std::int64_t touched;
+  if (by_columns) {
+    ++counters.price_column;
+    touched = rows.price_by_columns(rho, alpha);
+  } else {
+    ++counters.price_row;
+    touched = rows.price_by_rows(rho, row_ap_density.value(), alpha);
+  }
+  counters.price_touched += touched;
+  charge(touched);
+  row_ap_density.update(alpha);
+}
+
+void Core::load_column(int q, SparseVector& v) const {
+  v.clear();
+  if (q >= n) {
+    v.set_unit(q - n);
+    return;
+  }
+  int count = 0;
+  for (int k = lp.matrix.start[q]; k < lp.matrix.start[q + 1]; ++k) {
+    v.index[count++] = lp.matrix.index[k];
+    v.array[lp.matrix.index[k]] = lp.matrix.value[k];
+  }
+  v.count = count;
+}
+
+void Core::add_column(int q, double multiplier, SparseVector& v) const {
+  const auto add = [&](int i, double amount) {
+    const double old = v.array[i];
+    const double sum = old + amount;
+    if (old == 0) v.index[v.count++] = i;
+    v.array[i] = std::fabs(sum) < kTiny ? kZero : sum;
+  };
+  if (q >= n) {
+    add(q - n, multiplier);
+    return;
+  }
+  for (int k = lp.matrix.start[q]; k < lp.matrix.start[q + 1]; ++k) {
+    add(lp.matrix.index[k], multiplier * lp.matrix.value[k]);
+  }
+}
+
+void Core::compute_primal() {
+  buffer_.clear();
+  double* const b = buffer_.array.data();
+  for (int j = 0; j < n; ++j) {
+    if (!nonbasic[j] || value[j] == 0) continue;
+    for (int k = lp.matrix.start[j]; k < lp.matrix.start[j + 1]; ++k) b[lp.matrix.index[k]] -= value[j] * lp.matrix.value[k];
+  }
+  for (int i = 0; i < m; ++i) {
+    if (nonbasic[n + i]) b[i] -= value[n + i];
+  }
+  charge(static_cast<std::int64_t>(lp.matrix.index.size()) + m);
+  buffer_.count = -1;
+  buffer_.reindex();
+  factor.ftran(buffer_, 1.0);
+  for (int p = 0; p < m; ++p) {
+    x[p] = b[p];
+    x_lower[p] = work_lower[head[p]];
+    x_upper[p] = work_upper[head[p]];
+  }
+  buffer_.count = -1;
+  buffer_.clear();
+}
+
+double Core::column_dot(int j, const std::vector<double>& y) const {
+  if (j >= n) return y[j - n];
+  double sum = 0;
+  for (int k = lp.matrix.start[j]; k < lp.matrix.start[j + 1]; ++k) sum += lp.matrix.value[k] * y[lp.matrix.index[k]];
+  return sum;
+}
+
+void Core::compute_dual() {
+  buffer_.clear();
+  int count = 0;
+  for (int p = 0; p < m; ++p) {
+    const double c = work_cost[head[p]];
+    if (c == 0) continue;
+    buffer_.array[p] = c;
+    buffer_.index[count++] = p;
+  }
+  buffer_.count = count;
+  if (count > 0) factor.btran(buffer_, 1.0);
+  for (int j = 0; j < n; ++j) d[j] = nonbasic[j] ? work_cost[j] - (count > 0 ? column_dot(j, buffer_.array) : 0.0) : 0.0;
+  for (int i = 0; i < m; ++i) d[n + i] = nonbasic[n + i] ? work_cost[n + i] - buffer_.array[i] : 0.0;
+  charge(static_cast<std::int64_t>(lp.matrix.index.size()) + m);
+  buffer_.count = -1;
+  buffer_.clear();
+}
+
+double Core::objective() const {
+  double sum = lp.offset;
+  for (int j = 0; j < total; ++j) {
+    if (nonbasic[j] && value[j] != 0) sum += work_cost[j] * value[j];
+  }
+  for (int p = 0; p < m; ++p) sum += work_cost[head[p]] * x[p];
+  return sum;
+}
+
+Core::Infeasibility Core::primal_infeasibility() const {
+  Infeasibility result;
+  for (int p = 0; p < m; ++p) {
+    const double violation = std::max(x_lower[p] - x[p], x[p] - x_upper[p]);
+    if (violation <= 0) continue;
+    result.largest = std::max(result.largest, violation);
+    if (violation > primal_tolerance) {
+      ++result.count;
+      result.sum += violation;
+    }
+  }
+  return result;
+}
+
+Core::Infeasibility Core::dual_infeasibility() const {
+  Infeasibility result;
+  for (int j = 0; j < total; ++j) {
+    if (!nonbasic[j]) continue;
+    double violation;
+    if (work_lower[j] == -kInf && work_upper[j] == kInf) {
+      violation = std::fabs(d[j]);
+    } else {
+      violation = -move[j] * d[j];
+    }
+    if (violation <= 0) continue;
+    result.largest = std::max(result.largest, violation);
+    if (violation > dual_tolerance) {
+      ++result.count;
+      result.sum += violation;
+    }
+  }
+  return result;
+}
+
+}  // namespace tovik::lp::simplex
