@@ -1,0 +1,99 @@
+/* Where readers get their bytes and lines from.
+ *
+ * ByteSource   the bytes of one opened file, of a compressor's output or of a block of memory.
+ * LineReader   cuts a source into lines without copying them, in a buffer of fixed size; memory does not grow
+ * with the file.
+ *
+ * A compressed name is read through "gzip -cd -- NAME" or "bzip2 -cd -- NAME", started with an argument
+ * vector and never through a shell. What a compressor delivered counts only when finish() says that it ended
+ * well, so a reader must build its result aside and drop it when finish() is false: half a file is never
+ * loaded. */
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <string_view>
+#include <vector>
+
+#include "env/error.h"
+
+namespace tovik::fileio {
+
+enum class Compression { none, gzip, bzip2 };
+
+/* By the ending of the name alone: .bz2 and .gz in either case, .Z in upper case only. */
+Compression compression_of(std::string_view name);
+
+/* The keyword rule of file types and suffixes: each character of `pattern` (upper case) equals the text's
+ * character or its lower-case form. The text may go on after the pattern. */
+bool starts_with_keyword(std::string_view text, std::string_view pattern);
+bool ends_with_keyword(std::string_view text, std::string_view pattern);
+
+class ByteSource {
+ public:
+  virtual ~ByteSource() = default;
+  /* Reads up to `capacity` bytes (at least 1 asked); 0 at the end of the data and after a failure. */
+  virtual std::size_t read(char* buffer, std::size_t capacity) = 0;
+  /* Call once, after the last read: true when all of the file arrived. A source that was not read to its end
+   * may answer either way. */
+  virtual bool finish() = 0;
+};
+
+/* Bytes that the caller keeps alive. */
+class MemorySource final : public ByteSource {
+ public:
+  explicit MemorySource(std::string_view bytes) : rest_(bytes) {}
+  std::size_t read(char* buffer, std::size_t capacity) override;
+  bool finish() override { return true; }
+
+ private:
+  std::string_view rest_;
+};
+
+struct OpenRequest {
+  const char* name = nullptr;
+  const char* default_extension = nullptr;  // with its dot, any case; null: the name is tried as it is only
+  bool allow_compressed = true;
+};
+
+/* Opens a file for reading. Prints its own errors: 1421 for a null or empty name, 1423 with the name (and
+ * once more with the name that the default extension made), 1001. */
+Status open_for_reading(Environment& env, const OpenRequest& request, std::unique_ptr<ByteSource>& source);
+
+/* The lines of a source, in place.
+ *
+ *   LineReader lines(source);
+ *   while (lines.next()) parse(lines.line(), lines.number());
+ *
+ * line() is without its line feed and lives until the next call of next(). The byte behind it can be read and
+ * is a line feed, so a scanner needs no end test of its own. A line that does not fit the buffer is delivered
+ * in part: complete() is false and what next() delivers is its continuation, with the same number. */
+class LineReader {
+ public:
+  static constexpr std::size_t kDefaultBuffer = std::size_t{1} << 20;
+  explicit LineReader(ByteSource& source, std::size_t buffer_size = kDefaultBuffer);
+
+  bool next();  // false when no line is left
+  std::string_view line() const { return line_; }
+  int number() const { return number_; }       // physical line, from 1; stays at the largest int beyond
+  bool complete() const { return complete_; }  // the line ends with a line feed or with the data
+  /* Of an incomplete line: gives the last `count` bytes back, they begin the next piece. At least one byte
+   * must stay. */
+  void give_back(std::size_t count);
+  /* Skips what is still to come of the current line. */
+  void skip_rest_of_line();
+
+ private:
+  bool refill();
+
+  ByteSource& source_;
+  std::vector<char> buffer_;  // one byte more than is ever filled: room for the closing line feed
+  std::size_t begin_ = 0;     // first byte not yet delivered
+  std::size_t end_ = 0;       // end of the bytes in the buffer
+  bool at_end_ = false;
+  bool complete_ = true;
+  int number_ = 0;
+  std::string_view line_;
+};
+
+}  // namespace tovik::fileio
