@@ -1,0 +1,87 @@
+"""Models to run, their known answers, and the cache of uncompressed copies."""
+
+import bz2
+import csv
+import gzip
+import os
+import re
+import shutil
+import tempfile
+from dataclasses import dataclass
+from pathlib import Path
+
+MODEL_NAME = re.compile(r"\.(mps|lp|mpsx|rlp)(\.(bz2|gz))?$", re.IGNORECASE)
+
+
+@dataclass
+class Model:
+    name: str  # path below the folder, without extensions: what tables print
+    source: Path
+    status: str = ""  # known status, empty when unknown
+    objective: float | None = None
+    relaxed: bool = False  # solve as an LP: integer marks are ignored
+    nonzeros: int = 0
+
+
+def find(folder, pattern=None, names=None):
+    """The models below `folder` whose name matches `pattern` and, when given, stands in the list `names`."""
+    folder = Path(folder)
+    sources = [folder] if folder.is_file() else sorted(p for p in folder.rglob("*") if MODEL_NAME.search(p.name))
+    root = folder.parent if folder.is_file() else folder
+    reference, reference_root = _read_reference(root)
+    models = []
+    for source in sources:
+        name = MODEL_NAME.sub("", source.relative_to(root).as_posix())
+        if pattern and not re.search(pattern, name):
+            continue
+        if names is not None and name not in names and Path(name).name not in names:
+            continue
+        models.append(_with_answer(Model(name, source), reference, reference_root))
+    return models
+
+
+def read_list(file):
+    """One model name a line, with or without its folder; '#' starts a comment."""
+    lines = (line.split("#")[0].strip() for line in Path(file).read_text().splitlines())
+    return {MODEL_NAME.sub("", line) for line in lines if line}
+
+
+def _read_reference(root):
+    for folder in [root, *root.resolve().parents]:
+        file = folder / "reference.csv"
+        if file.is_file():
+            with open(file, newline="") as stream:
+                return {row["file"]: row for row in csv.DictReader(stream)}, folder
+    return {}, root
+
+
+def _with_answer(model, reference, reference_root):
+    path = model.source.resolve()
+    if not path.is_relative_to(reference_root.resolve()):
+        return model
+    key = path.relative_to(reference_root.resolve()).as_posix()
+    model.relaxed = key.startswith("lp/")
+    row = reference.get(key)
+    if row:
+        model.status = row["status"]
+        model.objective = float(row["objective"]) if row["objective"] else None
+        model.nonzeros = int(row["nonzeros"] or 0)
+    return model
+
+
+def uncompressed(model):
+    """The path of an uncompressed copy, made once, so that no program is charged for decompression."""
+    suffix = model.source.suffix.lower()
+    if suffix not in (".bz2", ".gz"):
+        return model.source
+    cache = Path(tempfile.gettempdir()) / "tovik-models"
+    origin = model.source.resolve()
+    target = cache / origin.parent.relative_to(origin.anchor) / origin.stem
+    if not target.exists() or target.stat().st_mtime < origin.stat().st_mtime:
+        target.parent.mkdir(parents=True, exist_ok=True)
+        partial = target.with_suffix(f".part{os.getpid()}")
+        opener = bz2.open if suffix == ".bz2" else gzip.open
+        with opener(origin) as packed, open(partial, "wb") as plain:
+            shutil.copyfileobj(packed, plain)
+        partial.replace(target)
+    return target

@@ -1,0 +1,173 @@
+"""The programs under test: their command lines, and what their output says."""
+
+import json
+import os
+import re
+import shutil
+import signal
+import subprocess
+import tempfile
+import threading
+import time
+from dataclasses import asdict, dataclass
+
+GRACE_SECONDS = 5.0  # a program that overruns its own limit by this much is killed
+
+
+@dataclass
+class Run:
+    """One model solved once. Seconds are wall clock of the whole process unless the name says otherwise."""
+
+    status: str = "error"  # optimal, infeasible, unbounded, inf-or-unbd, limit, numerical, error
+    objective: float | None = None
+    seconds: float = 0.0
+    cpu_seconds: float = 0.0
+    read_seconds: float | None = None
+    iterations: int | None = None
+    memory_mb: float = 0.0
+    exit_code: int = 0
+    violation: float | None = None  # largest violation on the original model, as the program states it
+    check_failed: bool = False
+    note: str = ""
+
+    @property
+    def solve_seconds(self):
+        return max(0.0, self.seconds - (self.read_seconds or 0.0))
+
+    def time(self, kind):
+        return self.seconds if kind == "total" else self.solve_seconds
+
+    def as_dict(self):
+        return asdict(self) | {"solve_seconds": self.solve_seconds}
+
+
+@dataclass
+class Settings:
+    method: str = "default"  # default, dual, primal, barrier
+    presolve: str = "default"  # default, on, off
+    limit: float = 60.0
+    threads: int = 1
+    extra: tuple = ()  # further arguments for tovik
+
+
+class Tovik:
+    name = "tovik"
+
+    def __init__(self, program):
+        self.program = program
+
+    def command(self, path, model, settings):
+        command = [self.program, str(path), "--json", "-q", "-t", f"{settings.limit:g}", "--threads", str(settings.threads)]
+        if model.relaxed:
+            command.append("--relax")
+        if settings.method != "default":
+            command += ["--method", settings.method]
+        if settings.presolve != "default":
+            command += ["--set", f"PREIND={1 if settings.presolve == 'on' else 0}"]
+        return command + list(settings.extra)
+
+    def read(self, run, out, err):
+        try:
+            report = json.loads(out)
+        except json.JSONDecodeError:
+            run.note = _last_line(err) or _last_line(out) or f"no report, exit code {run.exit_code}"
+            return
+        run.status = _TOVIK_STATUS.get(report["status"], "limit" if report["status"] else "error")
+        run.objective = report["objective"]
+        run.iterations = (report["simplex_iterations"] or 0) + (report["barrier_iterations"] or 0)
+        run.read_seconds = report["read_seconds"]
+        run.violation = _largest(report["primal_infeasibility"], report["integrality"])
+        run.check_failed = run.exit_code == 9
+        run.note = report["error"] or ""
+
+
+_TOVIK_STATUS = {1: "optimal", 2: "unbounded", 3: "infeasible", 4: "inf-or-unbd", 5: "optimal", 6: "numerical", 20: "unbounded",
+                 101: "optimal", 102: "optimal", 103: "infeasible", 109: "numerical", 110: "numerical", 115: "optimal",
+                 116: "numerical", 117: "numerical", 118: "unbounded", 119: "inf-or-unbd"}
+
+
+class Clp:
+    """The distribution's clp, run as a peer. It solves the relaxation: integer marks are read and ignored."""
+
+    name = "clp"
+    ACTIONS = {"dual": "-dualsimplex", "primal": "-primalsimplex", "barrier": "-barrier", "default": "-solve"}
+
+    def __init__(self, program):
+        self.program = program
+
+    def command(self, path, model, settings):
+        command = [self.program, str(path), "-seconds", f"{settings.limit:g}"]
+        if settings.presolve != "default":
+            command += ["-presolve", settings.presolve]
+        return command + [self.ACTIONS[settings.method]]
+
+    def read(self, run, out, err):
+        found = re.search(r"imported from .* in ([-+.\deE]+) seconds", out)
+        run.read_seconds = float(found.group(1)) if found else None
+        found = re.search(r"^(\w+) objective ([-+.\deE]+|nan|-?inf) - (\d+) iterations", out, re.MULTILINE)
+        if found:
+            words = {"Optimal": "optimal", "PrimalInfeasible": "infeasible", "DualInfeasible": "unbounded", "Stopped": "limit"}
+            run.status = words.get(found.group(1), "numerical")
+            run.iterations = int(found.group(3))
+            if run.status == "optimal":
+                run.objective = float(found.group(2))
+        elif re.search(r"infeasible or unbounded|Analysis indicates", out):
+            run.status = "inf-or-unbd"
+        elif re.search(r"problem (is )?(primal )?infeasible", out, re.IGNORECASE):
+            run.status = "infeasible"
+        elif not run.note:
+            run.note = _last_line(out)
+
+
+def find_solvers(only_tovik, only_clp, tovik_path):
+    solvers = []
+    if not only_clp:
+        solvers.append(Tovik(tovik_path))
+    if not only_tovik:
+        clp = shutil.which("clp")
+        if clp:
+            solvers.append(Clp(clp))
+    return solvers
+
+
+def execute(solver, path, model, settings):
+    """Runs `solver` once and measures the process from start to end."""
+    run = Run()
+    with tempfile.TemporaryFile() as out, tempfile.TemporaryFile() as err:
+        started = time.perf_counter()
+        process = subprocess.Popen(solver.command(path, model, settings), stdin=subprocess.DEVNULL, stdout=out, stderr=err)
+        killed = threading.Event()
+
+        def kill():
+            killed.set()
+            process.kill()
+
+        timer = threading.Timer(settings.limit + GRACE_SECONDS, kill)
+        timer.start()
+        _, wait_status, usage = os.wait4(process.pid, 0)
+        timer.cancel()
+        run.seconds = time.perf_counter() - started
+        process.returncode = run.exit_code = os.waitstatus_to_exitcode(wait_status)
+        run.cpu_seconds = usage.ru_utime + usage.ru_stime
+        run.memory_mb = usage.ru_maxrss / 1024
+        texts = []
+        for stream in (out, err):
+            stream.seek(0)
+            texts.append(stream.read().decode(errors="replace"))
+    if killed.is_set():
+        run.status, run.note = "limit", f"killed {GRACE_SECONDS:g} s after its limit"
+    elif run.exit_code < 0:
+        run.note = f"ended by signal {signal.Signals(-run.exit_code).name}"
+    else:
+        solver.read(run, *texts)
+    return run
+
+
+def _largest(*values):
+    known = [value for value in values if value is not None]
+    return max(known) if known else None
+
+
+def _last_line(text):
+    lines = [line.strip() for line in text.splitlines() if line.strip()]
+    return lines[-1][:200] if lines else ""
