@@ -207,6 +207,57 @@ typedef struct TVKchannel *ChannelHandle;
 #define TVK_PARAM_NAME_MAX 64  /* TVKgetparamname */
 #define TVK_PARAM_DESC_MAX 256 /* TVKgetparamdesc */
 
+/* Every routine of this section returns 0, or 1002 for a bad environment, 1804 from inside an info callback, 1013 for a
+ * number that is no parameter (of the routine's type), 1004 for a null argument that is not optional, or what stands
+ * with it. A failed routine changes nothing. Settings belong to one environment; do not change them while an
+ * optimization runs in it. Numbers without a name are internal switches: they can be set, but are never listed.
+ * Double parameters whose minimum equals their maximum take any value.
+ *
+ *   TVKsetintparam (env, TVK_PARAM_ITLIM, 5000);
+ *   TVKsetdblparam (env, TVK_PARAM_TILIM, 60.0); */
+
+/* Set a value. 1014 and 1015: value below or above the range; 1026: text longer than 511 bytes; 1807: polishing is to
+ * start both by its own time (TVK_PARAM_POLISHTIME) and by one of the TVK_PARAM_POLISHAFTER conditions.
+ * TVK_PARAM_SCRIND connects (1) and disconnects (0) standard output with the results, warning and error channels. */
+TVK_API int TVKsetintparam(EnvHandle env, int number, int value);
+TVK_API int TVKsetdblparam(EnvHandle env, int number, double value);
+TVK_API int TVKsetstrparam(EnvHandle env, int number, const char *text);
+
+/* Current value; buffer holds TVK_STR_PARAM_MAX bytes. */
+TVK_API int TVKgetintparam(ConstEnvHandle env, int number, int *value_p);
+TVK_API int TVKgetdblparam(ConstEnvHandle env, int number, double *value_p);
+TVK_API int TVKgetstrparam(ConstEnvHandle env, int number, char *buffer);
+
+/* Default and range; each output may be null. default_text holds TVK_STR_PARAM_MAX bytes. The largest thread counts
+ * depend on the machine. */
+TVK_API int TVKinfointparam(ConstEnvHandle env, int number, int *default_p, int *min_p, int *max_p);
+TVK_API int TVKinfodblparam(ConstEnvHandle env, int number, double *default_p, double *min_p, double *max_p);
+TVK_API int TVKinfostrparam(ConstEnvHandle env, int number, char *default_text);
+
+/* Name of a number, TVK_PARAM_NAME_MAX bytes: "TVK_PARAM_ITLIM" for 1020; empty for a number without a name. */
+TVK_API int TVKgetparamname(ConstEnvHandle env, int number, char *name);
+
+/* Number of an exact name, or 1028 and -1 for a name that there is not. */
+TVK_API int TVKgetparamnum(ConstEnvHandle env, const char *name, int *number_p);
+
+/* One of TVK_PARAMTYPE_..; type_p may be null. */
+TVK_API int TVKgetparamtype(ConstEnvHandle env, int number, int *type_p);
+
+/* What the parameter does, one line of less than TVK_PARAM_DESC_MAX bytes; it says so when a parameter is only stored.
+ * Empty for a number without a name. */
+TVK_API int TVKgetparamdesc(ConstEnvHandle env, int number, char *buffer);
+
+/* Numbers of the named parameters that differ from their defaults, ascending. Stores at most `space` of them, their
+ * count in *count_p and in *surplus_p space minus the number of changed ones. 1207 if that is negative; with space 0
+ * (numbers may be null then) this 1207 prints no message, and -surplus numbers are wanted:
+ *
+ *   int count, surplus;
+ *   TVKgetchgparam (env, &count, NULL, 0, &surplus); */
+TVK_API int TVKgetchgparam(ConstEnvHandle env, int *count_p, int *numbers, int space, int *surplus_p);
+
+/* Every parameter back to its default, standard output disconnected, the random seed renewed. */
+TVK_API int TVKsetdefaults(EnvHandle env);
+
 /* ==== Section: models, copy, modification, names, query (model/) ==== */
 
 /* ==== Section: files (fileio/) ==== */

@@ -28,7 +28,8 @@ struct Entry {
   double real_default = 0, real_minimum = 0, real_maximum = 0;  // minimum = maximum: no range check
   const char* text_default = nullptr;
   Ceiling ceiling = Ceiling::constant;
-  const char* description = "";
+  const char* description = "";  // "" for a hidden entry
+  bool has_effect = true;        // false: stored only, nothing reads it yet
   constexpr bool registered() const { return type != Type::none; }
 };
 
@@ -42,9 +43,18 @@ void reset(Environment& env);
 /* All registered entries in ascending number. */
 std::span<const Entry> entries();
 
+/* Says honestly in a description that a parameter is only stored. */
+inline constexpr char kUnusedNote[] = "Stored, without effect in this version. ";
+
+/* Adds the work of one pass over all blocks. */
+void count_walk(Environment& env);
+
 /* The entry of a number; one with type none for an unregistered number of a block; null outside of all
  * blocks. */
 const Entry* locate(Environment& env, int number);
+
+/* The entry of a number between 1001 and 5999 if it has this type, else null. */
+const Entry* locate_typed(Environment& env, int number, Type type);
 
 /* The named entry of exactly this text, or null. */
 const Entry* find_name(std::string_view name);
