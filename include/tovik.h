@@ -32,7 +32,604 @@ typedef struct TVKchannel *ChannelHandle;
 
 /* ==== Section: environment, errors, channels (env/) ==== */
 
+/* Everything happens inside an environment: it owns the parameter values, four message channels, the problem objects
+ * created in it and their solver state. Two environments share nothing and may be used on two threads at once; one
+ * environment (with its problems) is used by one thread at a time.
+ *
+ *     int status;
+ *     EnvHandle env = TVKopenTOVIK(&status);
+ *     ProbHandle lp = TVKcreateprob(env, &status, "example");
+ *     ...
+ *     TVKfreeprob(env, &lp);
+ *     TVKcloseTOVIK(&env);
+ *
+ * Each routine checks its handles first, without following pointers that it does not know, so that a null, freed or
+ * foreign handle yields a code and never a crash: 1002 no such environment, 1009 no such problem, 1806 a problem of
+ * another environment, 1804 a call from inside the info callback that is not allowed there. Then it checks its
+ * arguments. A failed routine changes nothing and writes one line to the environment's error channel:
+ * "TOVIK Error %5d: ", the text of the code, a period and a newline. */
+
+/* Size in bytes of a buffer that holds any text of TVKgeterrorstring or TVKgetstatstring. */
+#define TVK_TEXT_BUFFER_SIZE 256
+
+/* Error codes. A text with conversions (%d, %s) is filled in the line that a failing routine writes. */
+enum TVKerrorcode {
+  TVK_ERROR_OUT_OF_MEMORY = 1001,
+  TVK_ERROR_NO_ENVIRONMENT = 1002,
+  TVK_ERROR_BAD_ARGUMENT = 1003,
+  TVK_ERROR_NULL_POINTER = 1004,
+  TVK_ERROR_CALLBACK = 1006,
+  TVK_ERROR_NO_PROBLEM = 1009,
+  TVK_ERROR_SIZE_LIMITS_TOO_LARGE = 1012,
+  TVK_ERROR_PARAMETER_NUMBER = 1013,
+  TVK_ERROR_PARAMETER_TOO_SMALL = 1014,
+  TVK_ERROR_PARAMETER_TOO_BIG = 1015,
+  TVK_ERROR_NOT_FOR_MIP = 1017,
+  TVK_ERROR_NOT_FOR_QP = 1018,
+  TVK_ERROR_CHILD_OF_CHILD = 1019,
+  TVK_ERROR_THREAD_LIMIT = 1020,
+  TVK_ERROR_CLOSE_CHILD = 1021,
+  TVK_ERROR_PROBLEM_TYPE = 1022,
+  TVK_ERROR_FIXED_PROBLEM = 1023,
+  TVK_ERROR_NOT_MILP = 1024,
+  TVK_ERROR_STRING_TOO_LONG = 1026,
+  TVK_ERROR_DECOMPRESSION = 1027,
+  TVK_ERROR_PARAMETER_NAME = 1028,
+  TVK_ERROR_NOT_MIQP = 1029,
+  TVK_ERROR_NOT_FOR_QCP = 1031,
+  TVK_ERROR_NO_CHANNEL = 1051,
+  TVK_ERROR_NO_FILE_DESTINATION = 1052,
+  TVK_ERROR_NO_FUNCTION_DESTINATION = 1053,
+  TVK_ERROR_PRESOLVE_INFEASIBLE_OR_UNBOUNDED = 1101,
+  TVK_ERROR_NO_PRESOLVED_PROBLEM = 1103,
+  TVK_ERROR_PRESOLVE_ABORTED = 1106,
+  TVK_ERROR_BASIS_MEMORY = 1107,
+  TVK_ERROR_COPY_SOS = 1108,
+  TVK_ERROR_COPY_ORDER = 1109,
+  TVK_ERROR_RECOVER_MIP_SOLUTION_MEMORY = 1110,
+  TVK_ERROR_COMPUTE_QP_SOLUTION_MEMORY = 1111,
+  TVK_ERROR_START_MEMORY = 1112,
+  TVK_ERROR_LOAD_UNPRESOLVED_BASIS = 1114,
+  TVK_ERROR_FIND_PRESOLVED_BASIS = 1115,
+  TVK_ERROR_PRESOLVE_INFEASIBLE = 1117,
+  TVK_ERROR_PRESOLVE_UNBOUNDED = 1118,
+  TVK_ERROR_NOT_FOR_DUAL_FORMULATION = 1119,
+  TVK_ERROR_UNCRUSH_FORM = 1120,
+  TVK_ERROR_CRUSH_FORM = 1121,
+  TVK_ERROR_PRESOLVE_PARAMETER = 1122,
+  TVK_ERROR_PRESOLVE_TIME_LIMIT = 1123,
+  TVK_ERROR_INDEX_RANGE = 1200,
+  TVK_ERROR_COLUMN_INDEX_RANGE = 1201,
+  TVK_ERROR_ROW_INDEX_RANGE = 1203,
+  TVK_ERROR_BEGIN_TOO_SMALL = 1205,
+  TVK_ERROR_END_TOO_BIG = 1206,
+  TVK_ERROR_ARRAY_TOO_SHORT = 1207,
+  TVK_ERROR_ARRAY_TOO_LONG = 1208,
+  TVK_ERROR_DEFAULT_NAMES = 1209,
+  TVK_ERROR_NAME_NOT_FOUND = 1210,
+  TVK_ERROR_RHS_IN_OBJECTIVE = 1211,
+  TVK_ERROR_RELAXATION_CONSTRAINT_TYPE = 1212,
+  TVK_ERROR_PIECEWISE_LINEAR = 1213,
+  TVK_ERROR_SENSE_ENTRY = 1215,
+  TVK_ERROR_NO_RANGE_VALUES = 1216,
+  TVK_ERROR_NO_SOLUTION = 1217,
+  TVK_ERROR_NO_NAMES = 1219,
+  TVK_ERROR_NOT_FIXED = 1221,
+  TVK_ERROR_DUPLICATE_ENTRY = 1222,
+  TVK_ERROR_NO_BARRIER_SOLUTION = 1223,
+  TVK_ERROR_NULL_NAME = 1224,
+  TVK_ERROR_NOT_A_NUMBER = 1225,
+  TVK_ERROR_NOT_ASCENDING = 1226,
+  TVK_ERROR_COUNT_ENTRY = 1227,
+  TVK_ERROR_COUNT_OVERLAP = 1228,
+  TVK_ERROR_BOUND_INDICATOR = 1229,
+  TVK_ERROR_NODE_INDEX_RANGE = 1230,
+  TVK_ERROR_ARC_INDEX_RANGE = 1231,
+  TVK_ERROR_NO_DUAL_SOLUTION = 1232,
+  TVK_ERROR_NUMBER_TOO_BIG = 1233,
+  TVK_ERROR_PARALLEL_THREAD = 1234,
+  TVK_ERROR_INDEX_NOT_BASIC = 1251,
+  TVK_ERROR_NEED_OPTIMAL_SOLUTION = 1252,
+  TVK_ERROR_BASIS_STATUS_ENTRY = 1253,
+  TVK_ERROR_NEED_UNBOUNDED_SOLUTION = 1254,
+  TVK_ERROR_SUPERBASIS_INCOMPATIBLE = 1255,
+  TVK_ERROR_BASIS_SINGULAR = 1256,
+  TVK_ERROR_PRICING_INDICATOR = 1257,
+  TVK_ERROR_NO_FACTORIZATION = 1258,
+  TVK_ERROR_NO_SENSITIVITY = 1260,
+  TVK_ERROR_NO_BASIC_SOLUTION = 1261,
+  TVK_ERROR_NO_BASIS = 1262,
+  TVK_ERROR_STRONG_BRANCHING_ABORTED = 1263,
+  TVK_ERROR_NO_NORMS = 1264,
+  TVK_ERROR_NEED_DUAL_UNBOUNDED_SOLUTION = 1265,
+  TVK_ERROR_STRONG_BRANCHING_TIME_LIMIT = 1266,
+  TVK_ERROR_ILLEGAL_PIVOT = 1267,
+  TVK_ERROR_CONDITION_NUMBER_TIME_LIMIT = 1268,
+  TVK_ERROR_NO_KAPPA = 1269,
+  TVK_ERROR_OPTIMIZATION_METHOD = 1292,
+  TVK_ERROR_NO_FILE_NAME = 1421,
+  TVK_ERROR_OPEN_FOR_WRITING = 1422,
+  TVK_ERROR_OPEN_FOR_READING = 1423,
+  TVK_ERROR_FILE_TYPE = 1424,
+  TVK_ERROR_XML_PARSE = 1425,
+  TVK_ERROR_TOO_MANY_ROWS = 1431,
+  TVK_ERROR_TOO_MANY_COLUMNS = 1432,
+  TVK_ERROR_TOO_MANY_COEFFICIENTS = 1433,
+  TVK_ERROR_LINE_NUMBER_CONVERSION = 1434,
+  TVK_ERROR_LINE_EXPONENT_RANGE = 1435,
+  TVK_ERROR_NO_OBJECTIVE_SENSE = 1436,
+  TVK_ERROR_LINE_QUADRATIC_SENSE = 1437,
+  TVK_ERROR_LINE_LAZY_OR_CUT = 1438,
+  TVK_ERROR_LINE_INDICATOR = 1439,
+  TVK_ERROR_LINE_NO_NAME_SECTION = 1441,
+  TVK_ERROR_LINE_SOS_TYPE = 1442,
+  TVK_ERROR_COLUMN_REPEATS_ROW = 1443,
+  TVK_ERROR_ENTRY_REPEATS_ROW = 1444,
+  TVK_ERROR_ROW_REPEATS = 1445,
+  TVK_ERROR_COLUMN_REPEATS = 1446,
+  TVK_ERROR_LINE_ENTRY_REPEATS = 1447,
+  TVK_ERROR_LINE_NOT_A_ROW = 1448,
+  TVK_ERROR_LINE_NOT_A_COLUMN = 1449,
+  TVK_ERROR_LINE_NO_ROW_SENSE = 1453,
+  TVK_ERROR_LINE_FX_AFTER_BOUND = 1454,
+  TVK_ERROR_LINE_FR_AFTER_BOUND = 1455,
+  TVK_ERROR_LINE_BV_AFTER_BOUND = 1456,
+  TVK_ERROR_LINE_BOUND_TYPE = 1457,
+  TVK_ERROR_LINE_REPEATED_UPPER_BOUND = 1458,
+  TVK_ERROR_LINE_REPEATED_LOWER_BOUND = 1459,
+  TVK_ERROR_LINE_NO_BOUND_TYPE = 1460,
+  TVK_ERROR_LINE_NO_QMATRIX_SECTION = 1461,
+  TVK_ERROR_LINE_EXPECTED_ENDATA = 1462,
+  TVK_ERROR_LINE_INTEGER_LIMIT = 1463,
+  TVK_ERROR_LINE_NAME_TOO_LONG = 1464,
+  TVK_ERROR_LINE_TOO_LONG = 1465,
+  TVK_ERROR_LINE_NO_ROWS_SECTION = 1471,
+  TVK_ERROR_LINE_NO_COLUMNS_SECTION = 1472,
+  TVK_ERROR_LINE_EXPECTED_BOUND_SECTIONS = 1473,
+  TVK_ERROR_LINE_RANGES_OUT_OF_ORDER = 1474,
+  TVK_ERROR_LINE_EXPECTED_QMATRIX = 1475,
+  TVK_ERROR_LINE_NO_OBJECTIVE_ROW = 1476,
+  TVK_ERROR_MORE_ROW_REPEATS = 1477,
+  TVK_ERROR_MORE_COLUMN_REPEATS = 1478,
+  TVK_ERROR_LINE_PAIR_REPEATS = 1479,
+  TVK_ERROR_LINE_INTORG = 1480,
+  TVK_ERROR_LINE_INTEND = 1481,
+  TVK_ERROR_LINE_SOSORG = 1482,
+  TVK_ERROR_LINE_SOSEND = 1483,
+  TVK_ERROR_TOO_MANY_RIM_VECTORS = 1484,
+  TVK_ERROR_TOO_MANY_RIM_NONZEROS = 1485,
+  TVK_ERROR_LINE_NO_ROW_NAME = 1486,
+  TVK_ERROR_LINE_OBJECTIVE_SENSE = 1487,
+  TVK_ERROR_NETWORK_FILE_INCONSISTENT = 1530,
+  TVK_ERROR_NOT_MIN_COST_FLOW = 1531,
+  TVK_ERROR_ROW_IDENTIFIER = 1532,
+  TVK_ERROR_BAD_CHARACTER = 1537,
+  TVK_ERROR_NETWORK_FILE_END = 1538,
+  TVK_ERROR_BASIS_INCOMPLETE = 1550,
+  TVK_ERROR_LINE_BASIS_INDICATOR = 1551,
+  TVK_ERROR_NO_ENDATA = 1552,
+  TVK_ERROR_LINE_ENTRY_COUNT = 1553,
+  TVK_ERROR_NO_SUPERBASES = 1554,
+  TVK_ERROR_BASIC_VARIABLE_COUNT = 1555,
+  TVK_ERROR_NO_VECTOR_SOLUTION = 1556,
+  TVK_ERROR_NOT_SAV_FILE = 1560,
+  TVK_ERROR_SAV_FILE_TOO_SHORT = 1561,
+  TVK_ERROR_SAV_FILE_WRITE = 1562,
+  TVK_ERROR_FILE_FORMAT = 1563,
+  TVK_ERROR_LINES_ADJACENT_SIGNS = 1602,
+  TVK_ERROR_LINE_SENSE_IN_OBJECTIVE = 1603,
+  TVK_ERROR_LINES_ADJACENT_SIGN_AND_SENSE = 1604,
+  TVK_ERROR_LINE_QUADRATIC_IN_CONSTRAINT = 1605,
+  TVK_ERROR_LINES_ADJACENT_SIGN_AND_QUADRATIC = 1606,
+  TVK_ERROR_LINE_EXPECTED_SIGN = 1607,
+  TVK_ERROR_LINE_EXPECTED_SIGN_OR_SENSE = 1608,
+  TVK_ERROR_LINE_EXPECTED_IDENTIFIER_FIRST = 1609,
+  TVK_ERROR_LINE_EXPECTED_RHS = 1610,
+  TVK_ERROR_LINE_EXPECTED_NUMBER_FIRST = 1611,
+  TVK_ERROR_LINE_EXPECTED_EXPONENT = 1612,
+  TVK_ERROR_LINE_EXPONENT_NOT_2 = 1613,
+  TVK_ERROR_LINE_EXPECTED_POWER_OR_PRODUCT = 1614,
+  TVK_ERROR_LINE_EXPECTED_NUMBER = 1615,
+  TVK_ERROR_LINE_EXPECTED_IDENTIFIER = 1616,
+  TVK_ERROR_LINE_IDENTIFIER = 1617,
+  TVK_ERROR_LINE_EXPONENT_WITH_NUMBER = 1618,
+  TVK_ERROR_LINE_QUADRATIC_DIVISOR = 1619,
+  TVK_ERROR_LINE_NO_BOUND_SENSE = 1621,
+  TVK_ERROR_LINE_BOUND_SENSE = 1622,
+  TVK_ERROR_LINE_NO_BOUND_NUMBER = 1623,
+  TVK_ERROR_LINE_EXPECTED_COLON = 1627,
+  TVK_ERROR_NUMBER_NOT_REPRESENTABLE = 1650,
+  TVK_ERROR_LINE_TOO_FEW_ENTRIES = 1660,
+  TVK_ERROR_LINE_HEADER = 1661,
+  TVK_ERROR_NO_IIS = 1701,
+  TVK_ERROR_IIS_NO_SOLUTION = 1702,
+  TVK_ERROR_IIS_FEASIBLE = 1703,
+  TVK_ERROR_IIS_MAYBE_FEASIBLE = 1704,
+  TVK_ERROR_IIS_UNSCALED_INFEASIBILITIES = 1705,
+  TVK_ERROR_IIS_FAILED = 1706,
+  TVK_ERROR_IIS_NEEDS_BASIC_SOLUTION = 1707,
+  TVK_ERROR_IIS_LOAD = 1709,
+  TVK_ERROR_IIS_OBJECTIVE_LIMIT = 1710,
+  TVK_ERROR_IIS_ITERATION_LIMIT = 1711,
+  TVK_ERROR_IIS_TIME_LIMIT = 1712,
+  TVK_ERROR_IIS_OPTIMIZE = 1713,
+  TVK_ERROR_NO_CONFLICT = 1719,
+  TVK_ERROR_CONFLICT_NOT_REPRODUCED = 1720,
+  TVK_ERROR_TUNING_MIXED_SETS = 1730,
+  TVK_ERROR_TEMPORARY_FILE_OPEN = 1801,
+  TVK_ERROR_TEMPORARY_FILE_READ = 1802,
+  TVK_ERROR_TEMPORARY_FILE_WRITE = 1803,
+  TVK_ERROR_IN_INFO_CALLBACK = 1804,
+  TVK_ERROR_SEARCH_VERSUS_CALLBACKS = 1805,
+  TVK_ERROR_NOT_MEMBER = 1806,
+  TVK_ERROR_INCOMPATIBLE_PARAMETERS = 1807,
+  TVK_ERROR_NOT_MIP = 3003,
+  TVK_ERROR_PRIORITY_ENTRY = 3006,
+  TVK_ERROR_DIRECTION_ENTRY = 3007,
+  TVK_ERROR_SOS_TYPE_ENTRY = 3009,
+  TVK_ERROR_SOS_WEIGHTS_NOT_UNIQUE = 3010,
+  TVK_ERROR_LINE_DIRECTION = 3012,
+  TVK_ERROR_NO_SOS = 3015,
+  TVK_ERROR_NO_ORDER = 3016,
+  TVK_ERROR_INTEGER_MAGNITUDE = 3018,
+  TVK_ERROR_MIP_SUBPROBLEM = 3019,
+  TVK_ERROR_NO_MIP_START = 3020,
+  TVK_ERROR_COLUMN_TYPE_ENTRY = 3021,
+  TVK_ERROR_NO_INTEGER_VALUES = 3023,
+  TVK_ERROR_NO_SOLUTION_POOL = 3024,
+  TVK_ERROR_LINE_NO_SOS_TYPE = 3301,
+  TVK_ERROR_NO_TREE = 3412,
+  TVK_ERROR_TREE_MEMORY_LIMIT = 3413,
+  TVK_ERROR_FILTER_NOT_BINARY = 3414,
+  TVK_ERROR_NO_INFO_ON_STORED_NODES = 3504,
+  TVK_ERROR_MUTEX = 3601,
+  TVK_ERROR_THREAD = 3603,
+  TVK_ERROR_PERMUTATION = 4005,
+  TVK_ERROR_Q_NOT_SEMIDEFINITE = 5002,
+  TVK_ERROR_NOT_QP = 5004,
+  TVK_ERROR_DUPLICATE_PAIR = 5011,
+  TVK_ERROR_Q_NOT_SYMMETRIC = 5012,
+  TVK_ERROR_Q_NOT_INDEFINITE = 5014,
+  TVK_ERROR_CUT_SENSE = 6002,
+  TVK_ERROR_ROBUST_DATA = 9017,
+  TVK_ERROR_NOT_MIQCP = 9019,
+  TVK_ERROR_VARIABILITY_TEST_MODEL = 9024,
+  TVK_ERROR_PRESOLVE_TICK_LIMIT = 9025,
+  TVK_ERROR_IIS_TICK_LIMIT = 9026,
+  TVK_ERROR_STRONG_BRANCHING_TICK_LIMIT = 9027,
+  TVK_ERROR_TEAM_THREAD_COUNT = 9030,
+  TVK_ERROR_TEAM_THREAD_STATE = 9031,
+  TVK_ERROR_TEAM_TASK_SIGNALLED = 9033,
+  TVK_ERROR_TEAM_TASK_RELATION = 9034,
+  TVK_ERROR_TEAM_ROOT_TASK = 9035,
+  TVK_ERROR_TEAM_SIGNALS_BLOCKED = 9036
+};
+/* Solution statuses: what the last optimization found out. Codes from 101 are those of mixed-integer problems. */
+enum TVKstatuscode {
+  TVK_STATUS_NONE = 0,
+  TVK_STATUS_OPTIMAL = 1,
+  TVK_STATUS_UNBOUNDED = 2,
+  TVK_STATUS_INFEASIBLE = 3,
+  TVK_STATUS_UNBOUNDED_OR_INFEASIBLE = 4,
+  TVK_STATUS_OPTIMAL_UNSCALED_INFEASIBLE = 5,
+  TVK_STATUS_NON_OPTIMAL = 6,
+  TVK_STATUS_ITERATION_LIMIT = 10,
+  TVK_STATUS_TIME_LIMIT = 11,
+  TVK_STATUS_OBJECTIVE_LIMIT = 12,
+  TVK_STATUS_USER_ABORT = 13,
+  TVK_STATUS_RELAXED_SUM_FEASIBLE = 14,
+  TVK_STATUS_RELAXED_SUM_OPTIMAL = 15,
+  TVK_STATUS_RELAXED_NUMBER_FEASIBLE = 16,
+  TVK_STATUS_RELAXED_NUMBER_OPTIMAL = 17,
+  TVK_STATUS_RELAXED_SQUARES_FEASIBLE = 18,
+  TVK_STATUS_RELAXED_SQUARES_OPTIMAL = 19,
+  TVK_STATUS_OPTIMAL_FACE_UNBOUNDED = 20,
+  TVK_STATUS_PRIMAL_OBJECTIVE_LIMIT = 21,
+  TVK_STATUS_DUAL_OBJECTIVE_LIMIT = 22,
+  TVK_STATUS_FEASIBLE = 23,
+  TVK_STATUS_CONFLICT_FEASIBLE = 30,
+  TVK_STATUS_CONFLICT_MINIMAL = 31,
+  TVK_STATUS_CONFLICT_NON_MINIMAL = 32,
+  TVK_STATUS_CONFLICT_TIME_LIMIT = 33,
+  TVK_STATUS_CONFLICT_ITERATION_LIMIT = 34,
+  TVK_STATUS_CONFLICT_NODE_LIMIT = 35,
+  TVK_STATUS_CONFLICT_OBJECTIVE_LIMIT = 36,
+  TVK_STATUS_CONFLICT_MEMORY_LIMIT = 37,
+  TVK_STATUS_CONFLICT_USER_ABORT = 38,
+  TVK_STATUS_CONFLICT_TICK_LIMIT = 39,
+  TVK_STATUS_MIP_OPTIMAL = 101,
+  TVK_STATUS_MIP_OPTIMAL_TOLERANCE = 102,
+  TVK_STATUS_MIP_INFEASIBLE = 103,
+  TVK_STATUS_MIP_SOLUTION_LIMIT = 104,
+  TVK_STATUS_MIP_NODE_LIMIT = 105,
+  TVK_STATUS_MIP_NODE_LIMIT_NO_SOLUTION = 106,
+  TVK_STATUS_MIP_TIME_LIMIT = 107,
+  TVK_STATUS_MIP_TIME_LIMIT_NO_SOLUTION = 108,
+  TVK_STATUS_MIP_ERROR = 109,
+  TVK_STATUS_MIP_ERROR_NO_SOLUTION = 110,
+  TVK_STATUS_MIP_MEMORY_LIMIT = 111,
+  TVK_STATUS_MIP_MEMORY_LIMIT_NO_SOLUTION = 112,
+  TVK_STATUS_MIP_USER_ABORT = 113,
+  TVK_STATUS_MIP_USER_ABORT_NO_SOLUTION = 114,
+  TVK_STATUS_MIP_OPTIMAL_UNSCALED_INFEASIBLE = 115,
+  TVK_STATUS_MIP_ERROR_TREE = 116,
+  TVK_STATUS_MIP_ERROR_NO_SOLUTION_NO_TREE = 117,
+  TVK_STATUS_MIP_UNBOUNDED = 118,
+  TVK_STATUS_MIP_INFEASIBLE_OR_UNBOUNDED = 119,
+  TVK_STATUS_MIP_RELAXED_SUM_FEASIBLE = 120,
+  TVK_STATUS_MIP_RELAXED_SUM_OPTIMAL = 121,
+  TVK_STATUS_MIP_RELAXED_NUMBER_FEASIBLE = 122,
+  TVK_STATUS_MIP_RELAXED_NUMBER_OPTIMAL = 123,
+  TVK_STATUS_MIP_RELAXED_SQUARES_FEASIBLE = 124,
+  TVK_STATUS_MIP_RELAXED_SQUARES_OPTIMAL = 125,
+  TVK_STATUS_RELAXATION_ABORTED = 126,
+  TVK_STATUS_MIP_FEASIBLE = 127,
+  TVK_STATUS_POPULATE_SOLUTION_LIMIT = 128,
+  TVK_STATUS_ALL_SOLUTIONS_FOUND = 129,
+  TVK_STATUS_ALL_SOLUTIONS_FOUND_TOLERANCE = 130,
+  TVK_STATUS_MIP_ITERATION_LIMIT = 131,
+  TVK_STATUS_MIP_ITERATION_LIMIT_NO_SOLUTION = 132,
+  TVK_STATUS_MIP_TICK_LIMIT = 133,
+  TVK_STATUS_MIP_TICK_LIMIT_NO_SOLUTION = 134,
+  TVK_STATUS_TICK_LIMIT = 900
+};
+/* ---- Opening and closing ---- */
+
+/* Opens an environment with default parameters. `*status_p` receives 0, or the error code with a null result: 1001 out
+ * of memory. A null status_p opens nothing and gives null. When the process environment variable
+ * MERU_TOVIK_PARAMETER_FILE is set, the parameter file that it names is read; a file that cannot be read is told on
+ * standard output and does not fail the open. Set-user-id programs ignore the variable. */
+TVK_API EnvHandle TVKopenTOVIK(int *status_p);
+
+/* Closes the environment `*env_p` with all that is left in it (problems, channels, child environments; their handles
+ * become invalid) and sets `*env_p` to null. Files attached to channels are flushed, not closed.
+ * Errors: 1004 env_p null; 1002; 1804 from inside the info callback or from a message function that is being served
+ * by one of the environment's channels; 1021 for a child environment, which stays usable. */
+TVK_API int TVKcloseTOVIK(EnvHandle *env_p);
+
+/* Creates a child environment for a parallel worker: parameters and callbacks are copied from `env`, the random
+ * generator is seeded afresh, the channels have no destinations. The child lives until TVKfreeparenv or until `env` is
+ * closed. Problems of `env` may be used with the child's handle and the other way round. `*status_p` receives 0, or the
+ * code with a null result: 1004 status_p null (nothing is stored), 1019 `env` is a child itself, 1020 there are
+ * TVKEgetmaxthreads children already, 1001. */
+TVK_API EnvHandle TVKparenv(EnvHandle env, int *status_p);
+
+/* Frees the child `*child_p` of `env` with all that is left in it and sets `*child_p` to null. Errors: 1004 child_p
+ * null; 1002 `*child_p` is not a child of `env`; 1804 as for TVKcloseTOVIK. */
+TVK_API int TVKfreeparenv(EnvHandle env, EnvHandle *child_p);
+
+/* The version, "12.2.0.0"; null for an invalid handle. The text is constant. */
+TVK_API const char *TVKversion(ConstEnvHandle env);
+
+/* Stores in `*time_p` a time stamp in seconds; the difference of two stamps is the time between them. Parameter
+ * TVK_PARAM_CLOCKTYPE selects processor time of the process (1) or wall-clock time (2, and 0). Errors: 1004. */
+TVK_API int TVKgettime(ConstEnvHandle env, double *time_p);
+
+/* Number of threads that the library may use: the processors available to the process, at least 1; 0 for an invalid
+ * handle. Also the number of child environments that an environment can have. */
+TVK_API int TVKEgetmaxthreads(ConstEnvHandle env);
+
+/* Number of the thread that a child environment was made for (1 and up), 0 for an environment opened by TVKopenTOVIK
+ * and for an invalid handle. */
+TVK_API int TVKEgetThreadNumber(ConstEnvHandle env);
+
+/* An opaque pointer that a language binding keeps with the environment; null unless set. Child environments inherit
+ * it. TVKEgetJNI gives null for an invalid handle. */
+TVK_API int TVKEsetJNI(EnvHandle env, void *handle);
+TVK_API void *TVKEgetJNI(ConstEnvHandle env);
+
+/* Enter and leave a critical section: `lock` points to an initialized pthread_mutex_t. Null does nothing. */
+TVK_API void TVKEgeneric_lock(void *lock);
+TVK_API void TVKEgeneric_unlock(void *lock);
+
+/* ---- Callbacks and stopping ---- */
+
+/* Registers the function that the continuous optimizers call while they run (null: none): `wherefrom` is 1 on each
+ * simplex iteration and 7 during presolve, `handle` is the pointer given here. A result other than 0 stops the
+ * optimization, which then ends with status TVK_STATUS_USER_ABORT. `cbdata` is opaque. The function must not free the
+ * problem that is being optimized. */
+TVK_API int TVKsetlpcallbackfunc(EnvHandle env,
+                                 int (*func)(ConstEnvHandle env, void *cbdata, int wherefrom, void *handle),
+                                 void *handle);
+/* Reads it back; either address may be null. */
+TVK_API int TVKgetlpcallbackfunc(ConstEnvHandle env, int (**func_p)(ConstEnvHandle, void *, int, void *),
+                                 void **handle_p);
+
+/* Registers the function that is called around optimizations (null: none): with code 2 when a continuous optimizer
+ * starts and 3 when it ends, with 0 before and 1 after branch-and-cut. */
+TVK_API int TVKsetprofcallbackfunc(EnvHandle env, void (*func)(ConstEnvHandle env, int code, void *handle),
+                                   void *handle);
+
+/* Gives the library an int that the caller owns: optimizers stop soon after it became non-zero (set it from another
+ * thread or a signal handler). The int must stay valid until another one, or null for none, is set. */
+TVK_API int TVKsetterminate(EnvHandle env, volatile int *terminate_p);
+
+/* ---- Texts ---- */
+
+/* Writes "TOVIK Error %5d: " with the code, the text of the code with its conversions left as they are, a period and a
+ * newline to `buffer` (TVK_TEXT_BUFFER_SIZE bytes) and returns it. For an unknown code the buffer says "Unknown error
+ * code" and the result is null; for a code outside 1..99999 the result is null and the buffer is left alone. `env` may
+ * be null. */
+TVK_API char *TVKgeterrorstring(ConstEnvHandle env, int errcode, char *buffer);
+
+/* Copies the text of a solution status to `buffer` (TVK_TEXT_BUFFER_SIZE bytes) and returns it; for an unknown status
+ * the text is "Unknown status value" and the result null. `env` may be null. */
+TVK_API char *TVKgetstatstring(ConstEnvHandle env, int statind, char *buffer);
+
+/* ---- Message channels ----
+ * All text goes to channels: lists of destinations (files and functions). Each environment has four: results (logs and
+ * results), warning, error and log. They have no destinations until the caller adds some, sets a log file, or sets
+ * parameter TVK_PARAM_SCRIND to 1 (standard output for results, warning and error). A message reaches the destination
+ * that was added last first; destinations may be added and removed while one is delivered: a removed one is not
+ * reached any more, an added one first by the next message. Messages of any length are delivered whole and carry their
+ * own newlines. The library flushes files but never closes them. */
+
+/* Creates a channel without destinations; null after an error (1001). */
+TVK_API ChannelHandle TVKaddchannel(EnvHandle env);
+
+/* Flushes the files of a channel, frees it and sets `*channel_p` to null. Deleting a standard channel silences it for
+ * good. Errors: 1004 channel_p null; 1051 no such channel in this environment. */
+TVK_API int TVKdelchannel(EnvHandle env, ChannelHandle *channel_p);
+
+/* Flushes the files of a channel and removes all its destinations. Errors: 1051. */
+TVK_API int TVKdisconnectchannel(EnvHandle env, ChannelHandle channel);
+
+/* Flushes the files of a channel. Errors: 1051. */
+TVK_API int TVKflushchannel(ConstEnvHandle env, ChannelHandle channel);
+
+/* Adds or removes a file destination. A file that was added twice gets each message twice; one call removes the
+ * newest, without flushing it. Errors: 1051 no channel; 1052 fp null, or no such destination; 1001. */
+TVK_API int TVKaddfpdest(ConstEnvHandle env, ChannelHandle channel, FILE *fp);
+TVK_API int TVKdelfpdest(ConstEnvHandle env, ChannelHandle channel, FILE *fp);
+
+/* Adds or removes a function destination: the function gets `handle` (may be null) and the text. Removal wants the same
+ * function and handle. Errors: 1051 no channel; 1053 function null, or no such destination; 1001. */
+TVK_API int TVKaddfuncdest(ConstEnvHandle env, ChannelHandle channel, void *handle,
+                           void (*msgfunction)(void *handle, const char *text));
+TVK_API int TVKdelfuncdest(ConstEnvHandle env, ChannelHandle channel, void *handle,
+                           void (*msgfunction)(void *handle, const char *text));
+
+/* Formats by the rules of printf, delivers to every destination and returns the length of the text. A null channel (or
+ * one that does not exist any more) delivers nothing. */
+#if defined(__GNUC__)
+__attribute__((format(printf, 2, 3)))
+#endif
+TVK_API int TVKmsg(ChannelHandle channel, const char *format, ...);
+
+/* Delivers `text` as it is and returns its length. */
+TVK_API int TVKmsgstr(ChannelHandle channel, const char *text);
+
+/* The four standard channels; each address may be null. A channel that was deleted is null. */
+TVK_API int TVKgetchannels(ConstEnvHandle env, ChannelHandle *results_p, ChannelHandle *warning_p,
+                           ChannelHandle *error_p, ChannelHandle *log_p);
+
+/* Flushes the files of the four standard channels. */
+TVK_API int TVKflushstdchannels(ConstEnvHandle env);
+
+/* Makes `fp` the log file, a destination of all four standard channels, in place of the one set before (which is
+ * neither flushed nor closed); null for none. TVKgetlogfile returns it (null without one). Errors: 1001; 1004 fp_p
+ * null. */
+TVK_API int TVKsetlogfile(EnvHandle env, FILE *fp);
+TVK_API int TVKgetlogfile(ConstEnvHandle env, FILE **fp_p);
+
+/* ---- Run-time services ----
+ * The standard library's routines of the same names, for callers that must share the library's run-time: what one of
+ * them allocated or opened is freed or closed by its partner here. */
+TVK_API FILE *TVKfopen(const char *filename, const char *mode);
+TVK_API int TVKfclose(FILE *stream);
+TVK_API int TVKfputs(const char *text, FILE *stream);
+TVK_API void *TVKmalloc(size_t size);
+TVK_API void *TVKrealloc(void *ptr, size_t size);
+TVK_API void TVKfree(void *ptr);
+TVK_API void *TVKmemcpy(void *dst, const void *src, size_t n);
+TVK_API size_t TVKstrlen(const char *s);
+TVK_API char *TVKstrcpy(char *dst, const char *src);
+TVK_API int TVKputenv(char *assignment);
+
+/* Sort `n` keys in ascending order: TVKEisort for any length, TVKEinsort by insertion for a few or nearly sorted
+ * keys. */
+TVK_API void TVKEisort(int n, int *keys);
+TVK_API void TVKEinsort(int n, int *keys);
+
 /* ==== Section: problem objects and solution query (env/) ==== */
+
+/* A problem object holds one model (columns, rows, objective, names, column types) and what solving it left: a solution
+ * with its status, a basis for the next start. Nearly every change of the model makes the solution unavailable (status
+ * 0, queries 1217); changes of objective, bounds, ranges and right-hand sides keep the basis. */
+
+/* Problem types. A problem of a fixed type cannot be modified (1023). */
+#define TVK_PROBTYPE_LP 0
+#define TVK_PROBTYPE_MILP 1
+#define TVK_PROBTYPE_FIXED_MILP 3
+#define TVK_PROBTYPE_QP 5
+#define TVK_PROBTYPE_MIQP 7
+#define TVK_PROBTYPE_FIXED_MIQP 8
+#define TVK_PROBTYPE_QCP 10
+#define TVK_PROBTYPE_MIQCP 11
+#define TVK_PROBTYPE_FIXED_MIQCP 13
+
+/* Creates an empty problem (no rows, no columns, minimize, type 0) with the name `probname`. `*status_p` (if not null)
+ * receives 0 or the code that goes with a null result: 1002, 1004 probname null, 1001. */
+TVK_API ProbHandle TVKcreateprob(ConstEnvHandle env, int *status_p, const char *probname);
+
+/* Creates a copy of the model of `lp`, with names and column types, in `env`. The solution and the basis are not
+ * copied. `*status_p` as in TVKcreateprob, and 1009, 1806. */
+TVK_API ProbHandle TVKcloneprob(ConstEnvHandle env, ConstProbHandle lp, int *status_p);
+
+/* Frees the problem `*lp_p` with all that belongs to it and sets `*lp_p` to null. Errors: 1004 lp_p null, 1009, 1806. */
+TVK_API int TVKfreeprob(ConstEnvHandle env, ProbHandle *lp_p);
+
+/* The problem type, -1 after an error. */
+TVK_API int TVKgetprobtype(ConstEnvHandle env, ConstProbHandle lp);
+
+/* Changes the problem type. 0 drops the column types, 1 adds them (all 'C'). Each change discards the solution and
+ * the basis; asking for the present type changes nothing. While TVK_PARAM_DATACHECK is 1 a line on the warning channel
+ * tells which data are freed. Errors: 3, 8 and 13 need a mixed-integer problem of the matching kind with a solution:
+ * 1024, 1029, 9019; 1018 for 5 and 7, 1031 for 10 and 11: quadratic data cannot be held; 1022 for any other number. */
+TVK_API int TVKchgprobtype(ConstEnvHandle env, ProbHandle lp, int type);
+
+/* Sets to zero each objective coefficient, right-hand side, range value, bound and matrix coefficient with an absolute
+ * value less than `eps` and removes those matrix entries. Errors: 1023 for a fixed problem; 1001. */
+TVK_API int TVKcleanup(ConstEnvHandle env, ProbHandle lp, double eps);
+
+/* Drops the scaling that optimizers keep for the next start (model and solution are in the caller's units in any
+ * case). */
+TVK_API int TVKunscaleprob(ConstEnvHandle env, ProbHandle lp);
+
+/* ---- Solution query ----
+ * All routines check in this order: handles; a null array that is required (1004); the range begin..end, inclusive,
+ * of the rows or columns (a line 1205 and/or 1206, then 1200); 1017 dual values of a mixed-integer problem; 1217 no
+ * solution; 1232 no dual values; 3023 a mixed-integer solution whose values are not available.
+ * Signs, in the objective sense of the problem: slack = rhs - activity for every row, ranged rows included;
+ * pi = change of the objective value per unit of right-hand side; dj = obj - A'pi. */
+
+/* Status of the solution, TVK_STATUS_..., 0 without one or after an error. */
+TVK_API int TVKgetstat(ConstEnvHandle env, ConstProbHandle lp);
+
+/* Everything at once; each output may be null. x and dj hold one value for each column, pi and slack one for each row.
+ *
+ *     int status; double value; double *x = malloc(columns * sizeof(double));
+ *     TVKlpopt(env, lp);
+ *     if (TVKsolution(env, lp, &status, &value, x, NULL, NULL, NULL) == 0 && status == TVK_STATUS_OPTIMAL) ... */
+TVK_API int TVKsolution(ConstEnvHandle env, ConstProbHandle lp, int *lpstat_p, double *objval_p, double *x, double *pi,
+                        double *slack, double *dj);
+
+/* What there is; each output may be null. Method: of the optimizer that made the solution (1 primal simplex, 2 dual
+ * simplex, 4 barrier; 11 or 12 for mixed-integer), -1 without solution. Type: 0 none, 1 basic (primal and dual values
+ * and a basis), 2 primal and dual values, 3 primal values only. The indicators are 1 when the solution is primal or
+ * dual feasible, else 0. A problem without solution is no error. */
+TVK_API int TVKsolninfo(ConstEnvHandle env, ConstProbHandle lp, int *solnmethod_p, int *solntype_p, int *pfeasind_p,
+                        int *dfeasind_p);
+
+/* Objective value of the solution. */
+TVK_API int TVKgetobjval(ConstEnvHandle env, ConstProbHandle lp, double *objval_p);
+
+/* Entries begin..end of the solution, into positions 0..end-begin of the array: column values, row duals, row slacks,
+ * reduced costs, row activities. */
+TVK_API int TVKgetx(ConstEnvHandle env, ConstProbHandle lp, double *x, int begin, int end);
+TVK_API int TVKgetpi(ConstEnvHandle env, ConstProbHandle lp, double *pi, int begin, int end);
+TVK_API int TVKgetslack(ConstEnvHandle env, ConstProbHandle lp, double *slack, int begin, int end);
+TVK_API int TVKgetdj(ConstEnvHandle env, ConstProbHandle lp, double *dj, int begin, int end);
+TVK_API int TVKgetax(ConstEnvHandle env, ConstProbHandle lp, double *ax, int begin, int end);
+
+/* By how much the point `x` (one value for each column; null: the current solution) violates each row, or the bounds
+ * of each column: positive above the upper limit, negative below the lower one, 0 within. A value that is not a number
+ * stays one. A semi-continuous or semi-integer column may also be 0; integrality is not looked at. */
+TVK_API int TVKgetrowinfeas(ConstEnvHandle env, ConstProbHandle lp, const double *x, double *infeas, int begin, int end);
+TVK_API int TVKgetcolinfeas(ConstEnvHandle env, ConstProbHandle lp, const double *x, double *infeas, int begin, int end);
+
+/* Method of the solution as in TVKsolninfo; 0 after an error (1217 without solution). */
+TVK_API int TVKgetmethod(ConstEnvHandle env, ConstProbHandle lp);
+
+/* Counters of the last optimization: simplex iterations, those of them in phase 1, barrier iterations, and the primal
+ * and dual pushes and exchanges of crossover. 0 before the first one and after an error. */
+TVK_API int TVKgetitcnt(ConstEnvHandle env, ConstProbHandle lp);
+TVK_API int TVKgetphase1cnt(ConstEnvHandle env, ConstProbHandle lp);
+TVK_API int TVKgetbaritcnt(ConstEnvHandle env, ConstProbHandle lp);
+TVK_API int TVKgetcrossppushcnt(ConstEnvHandle env, ConstProbHandle lp);
+TVK_API int TVKgetcrosspexchcnt(ConstEnvHandle env, ConstProbHandle lp);
+TVK_API int TVKgetcrossdpushcnt(ConstEnvHandle env, ConstProbHandle lp);
+TVK_API int TVKgetcrossdexchcnt(ConstEnvHandle env, ConstProbHandle lp);
 
 /* ==== Section: parameters (param/) ==== */
 
