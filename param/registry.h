@@ -33,7 +33,8 @@ struct Entry {
   constexpr bool registered() const { return type != Type::none; }
 };
 
-/* Sets every parameter of a new environment to its default; the last step of building its settings. */
+/* Sets every parameter of a new environment to its default; the last step of building its settings. The
+ * random state stays as it is. */
 Status install(Environment& env);
 
 /* Resets every parameter, hidden ones too, detaches standard output and reseeds the random state. Echoes

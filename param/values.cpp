@@ -85,6 +85,18 @@ Status range_verdict(const Entry& entry, double value) {
   return {};
 }
 
+/* Texts come first: they alone can run out of memory, and then nothing has changed. */
+void restore_defaults(Environment& env) {
+  count_walk(env);
+  for (const Entry& entry : entries()) {
+    if (entry.type == Type::text) env.settings.set_text(entry.number, entry.text_default);
+  }
+  for (const Entry& entry : entries()) {
+    if (entry.type == Type::integer) env.settings.set_integer(entry.number, entry.int_default);
+    if (entry.type == Type::real) env.settings.set_real(entry.number, entry.real_default);
+  }
+}
+
 bool echoes(const Environment& env) {
   return env.settings.integer(kEcho) == 1;
 }
@@ -143,23 +155,16 @@ Status set_text(Environment& env, int number, const char* value) {
   return {};
 }
 
-/* Texts come first: they alone can run out of memory, and then nothing has changed. */
 void reset(Environment& env) {
-  count_walk(env);
-  for (const Entry& entry : entries()) {
-    if (entry.type == Type::text) env.settings.set_text(entry.number, entry.text_default);
-  }
-  for (const Entry& entry : entries()) {
-    if (entry.type == Type::integer) env.settings.set_integer(entry.number, entry.int_default);
-    if (entry.type == Type::real) env.settings.set_real(entry.number, entry.real_default);
-  }
+  restore_defaults(env);
   detach_screen(env);
   reseed(env);
 }
 
+/* A new environment draws from the state that it was born with until a seed is set or everything is reset. */
 Status install(Environment& env) {
   return guarded([&] {
-    reset(env);
+    restore_defaults(env);
     return Status();
   });
 }

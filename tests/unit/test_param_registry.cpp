@@ -31,8 +31,7 @@ TEST_F(Registry, LookUpsAndWalksAreCountedAsWork) {
 }
 
 TEST_F(Registry, TheSeedReachesBothRandomWordsWhenSetAndWhenReset) {
-  EXPECT_EQ(env_.random.state, 201004084u);
-  env_.random.step();
+  EXPECT_EQ(env_.random.state, 1u) << "a fresh environment keeps the state it was born with";
   EXPECT_TRUE(set_integer(env_, kRandomSeed, 5).ok());
   EXPECT_EQ(env_.random.state, 5u);
   EXPECT_EQ(env_.random.companion, 5u);
