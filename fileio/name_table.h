@@ -7,6 +7,8 @@
 #include <string_view>
 #include <vector>
 
+#include "model/name_block.h"
+
 namespace tovik::fileio {
 
 class NameTable {
@@ -28,6 +30,8 @@ class NameTable {
   };
   Interned intern(std::string_view name);
   void reserve(int count);
+  /* Hands the texts over, in order; the table may only be destroyed afterwards. */
+  model::NameBlock release();
 
  private:
   struct Slot {
@@ -38,8 +42,8 @@ class NameTable {
   void grow(std::size_t slots);
 
   std::vector<char> text_;
-  std::vector<std::uint64_t> begin_;  // size() + 1 entries
-  std::vector<Slot> slots_;           // a power of two; id kNone is empty
+  std::vector<std::size_t> begin_;  // size() + 1 entries
+  std::vector<Slot> slots_;         // a power of two; id kNone is empty
 };
 
 }  // namespace tovik::fileio

@@ -71,6 +71,7 @@ Status open_for_reading(Environment& env, const OpenRequest& request, std::uniqu
 class LineReader {
  public:
   static constexpr std::size_t kDefaultBuffer = std::size_t{1} << 20;
+  static constexpr std::size_t kReadableSlack = 32;
   explicit LineReader(ByteSource& source, std::size_t buffer_size = kDefaultBuffer);
 
   bool next();  // false when no line is left
@@ -87,7 +88,8 @@ class LineReader {
   bool refill();
 
   ByteSource& source_;
-  std::vector<char> buffer_;  // one byte more than is ever filled: room for the closing line feed
+  std::size_t capacity_;      // bytes ever filled
+  std::vector<char> buffer_;  // capacity, then room for the closing line feed and the slack
   std::size_t begin_ = 0;     // first byte not yet delivered
   std::size_t end_ = 0;       // end of the bytes in the buffer
   bool at_end_ = false;
