@@ -26,6 +26,7 @@ namespace tovik::model {
 struct ModelData {
   std::string problem_name;  // empty: the problem keeps its name
   std::string objective_name;
+  std::string bounds_name;  // name of the bound set; empty: none
   int objective_sense = 1;  // 1 minimize, -1 maximize
   double objective_offset = 0;
   std::vector<double> objective, lower, upper;
