@@ -1,0 +1,449 @@
+#include "lp/simplex/dual.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "lp/simplex/perturb.h"
+
+namespace tovik::lp::simplex {
+namespace {
+
+constexpr double kPivotMismatch = 1e-7;      // relative gap of the pivot by row and by column: refactor
+constexpr double kFreshMismatch = 1e-4;      // the same on a fresh factor: give the row up for now
+constexpr double kSmallPivot = 1e-7;         // pivots below this share of the row's largest ask for a fresh factor first
+constexpr double kBoxFree = 1000.0;          // bounds of free variables in the first phase
+constexpr int kRounds = 12;                  // phase changes before giving up
+constexpr int kTroubles = 60;                // numerical rejections in a row before giving up
+constexpr double kProgress = 1e-9;           // relative growth of the objective that counts as progress
+constexpr double kStrongestPerturbation = 1e4;
+
+double bound_product(double d, double low, double high) { return d > 0 ? d * low : d * high; }
+
+}  // namespace
+
+Dual::Dual(Core& core, Observer* observer) : core_(core), observer_(observer) {
+  leaving_.resize(core.m);
+  entering_.resize(core);
+  rho_.resize(core.m);
+  alpha_column_.resize(core.m);
+  flip_column_.resize(core.m);
+  tau_.resize(core.m);
+  alpha_row_.resize(core.n);
+}
+
+// ---- phases ---------------------------------------------------------------------------------------------------------
+
+void Dual::set_phase1_bounds() {
+  phase1_ = true;
+  for (int j = 0; j < core_.total; ++j) {
+    const bool has_lower = core_.lower[j] != -kInf;
+    const bool has_upper = core_.upper[j] != kInf;
+    core_.work_lower[j] = has_lower ? 0.0 : has_upper ? -1.0 : -kBoxFree;
+    core_.work_upper[j] = has_upper ? 0.0 : has_lower ? 1.0 : kBoxFree;
+    if (core_.nonbasic[j]) core_.place_nonbasic(j, core_.d[j] >= 0 ? 1 : -1);
+  }
+}
+
+void Dual::clear_phase1_bounds() {
+  phase1_ = false;
+  core_.work_lower = core_.lower;
+  core_.work_upper = core_.upper;
+  for (int j = 0; j < core_.total; ++j) {
+    if (core_.nonbasic[j]) core_.place_nonbasic(j, core_.d[j] > 0 ? 1 : core_.d[j] < 0 ? -1 : core_.move[j]);
+  }
+}
+
+Outcome Dual::solve(const Settings& settings, std::int64_t iteration_budget) {
+  iteration_end_ = core_.counters.iterations + iteration_budget;
+  trouble_count_ = 0;
+  phase1_ = false;
+  leaving_.resize(core_.m);
+  core_.use_original_bounds();
+  core_.use_original_costs();
+  const bool fresh_basis = !core_.has_factor;
+  if (fresh_basis && core_.refactor() == FactorState::singular) return Outcome::singular;
+  if (!(settings.keep_norms && norms_.fits(core_.m))) {
+    const bool logical = std::all_of(core_.head.begin(), core_.head.end(), [&](int j) { return j >= core_.n; });
+    if (logical || !settings.exact_norms) {
+      norms_.reset(core_.m);
+    } else {
+      norms_.compute(core_, rho_);
+    }
+  }
+  perturb_scale_ = 1;
+  if (settings.perturb) perturb_costs(core_, perturb_scale_);
+  core_.compute_dual();
+  clear_phase1_bounds();  // boxed variables to their dual feasible bounds
+  for (int round = 0; round < kRounds; ++round) {
+    if (core_.dual_infeasibility().count > 0) {
+      set_phase1_bounds();
+      const PhaseEnd end = run_phase();
+      core_.compute_dual();
+      clear_phase1_bounds();
+      if (end == PhaseEnd::stopped) return stop_;
+      if (end == PhaseEnd::trouble) return Outcome::trouble;
+      if (core_.dual_infeasibility().count > 0) {
+        if (!core_.costs_perturbed && !core_.costs_shifted) return Outcome::infeasible_or_unbounded;
+        core_.use_original_costs();
+        core_.compute_dual();
+        clear_phase1_bounds();
+        continue;
+      }
+    }
+    const PhaseEnd end = run_phase();
+    if (end == PhaseEnd::stopped) return stop_;
+    if (end == PhaseEnd::trouble) return Outcome::trouble;
+    if (end == PhaseEnd::unbounded) return Outcome::infeasible;
+    if (end == PhaseEnd::optimal) {
+      if (core_.costs_perturbed || core_.costs_shifted) {
+        core_.use_original_costs();
+        core_.compute_dual();
+      }
+      return Outcome::optimal;
+    }
+    core_.compute_dual();
+    clear_phase1_bounds();
+  }
+  return Outcome::trouble;
+}
+
+Dual::PhaseEnd Dual::run_phase() {
+  last_progress_iteration_ = core_.counters.iterations;
+  last_progress_objective_ = -kInf;
+  bool refactor = false;
+  bool keep_taboo = false;
+  for (;;) {
+    if (!rebuild(refactor || !core_.has_factor)) {
+      stop_ = Outcome::singular;
+      return PhaseEnd::stopped;
+    }
+    leaving_.rebuild(core_, norms_.view(), keep_taboo);
+    keep_taboo = false;
+    if (free_infeasible_ > 0 && !phase1_) return PhaseEnd::dual_infeasible;
+    const std::int64_t before = core_.counters.iterations;
+    Step step = Step::moved;
+    while (step == Step::moved) {
+      if (check_limits()) return PhaseEnd::stopped;
+      step = iterate();
+      if (step == Step::moved && wanted_ != Rebuild::none) break;
+    }
+    refactor = wanted_ == Rebuild::refactor;
+    if (core_.counters.iterations > before) trouble_count_ = 0;
+    if (step == Step::moved) continue;
+    if (step == Step::stopped) return PhaseEnd::stopped;
+    if (step == Step::numerical) {
+      if (++trouble_count_ > kTroubles) return PhaseEnd::trouble;
+      if (trouble_count_ % 8 == 0) core_.threshold = std::min(0.9, core_.threshold < 0.1 ? 0.1 : core_.threshold + 0.2);
+      keep_taboo = leaving_.taboo_count() > 0 && core_.counters.iterations == before;
+      refactor = true;
+      continue;
+    }
+    if (step == Step::no_leaving) {
+      if (!fresh_) continue;  // look again with recomputed values
+      if (leaving_.taboo_count() == 0) return PhaseEnd::optimal;
+      if (++trouble_count_ > kTroubles) return PhaseEnd::trouble;
+      core_.threshold = std::min(0.9, core_.threshold < 0.1 ? 0.1 : core_.threshold + 0.2);
+      refactor = true;
+      continue;
+    }
+    return PhaseEnd::unbounded;  // no entering column, proven
+  }
+}
+
+bool Dual::rebuild(bool refactor) {
+  if (refactor) {
+    norms_.save(core_);
+    const FactorState state = core_.refactor();
+    if (state == FactorState::singular) return false;
+    norms_.restore(core_);
+  }
+  core_.compute_dual();
+  correct_duals();
+  core_.compute_primal();
+  objective_ = dual_objective();
+  wanted_ = Rebuild::none;
+  fresh_ = true;
+  return true;
+}
+
+void Dual::correct_duals() {
+  free_infeasible_ = 0;
+  const double tolerance = core_.dual_tolerance;
+  for (int j = 0; j < core_.total; ++j) {
+    if (!core_.nonbasic[j]) continue;
+    const double low = core_.work_lower[j];
+    const double high = core_.work_upper[j];
+    if (low == high) continue;
+    if (low == -kInf && high == kInf) {
+      if (std::fabs(core_.d[j]) > tolerance) ++free_infeasible_;
+      continue;
+    }
+    if (core_.move[j] * core_.d[j] >= -tolerance) continue;
+    if (high - low < kInf) {
+      core_.place_nonbasic(j, -core_.move[j]);
+    } else {
+      shift_cost(core_, j);
+    }
+  }
+}
+
+double Dual::dual_objective() const {
+  double sum = phase1_ ? 0.0 : core_.lp.offset;
+  for (int j = 0; j < core_.total; ++j) {
+    if (core_.nonbasic[j] && core_.value[j] != 0) sum += core_.d[j] * core_.value[j];
+  }
+  return sum;
+}
+
+bool Dual::check_limits() {
+  Counters& c = core_.counters;
+  Stop stop = core_.control->iteration_callback();
+  if (stop == Stop::none) {
+    if (c.iterations >= core_.options.iteration_limit) {
+      stop_ = Outcome::iteration_limit;
+      return true;
+    }
+    if (c.iterations >= iteration_end_) {
+      stop_ = Outcome::trouble;
+      return true;
+    }
+    stop = core_.control->poll();
+    if (stop == Stop::none && c.iterations % 100 == 0) stop = core_.control->poll_clock();
+  }
+  switch (stop) {
+    case Stop::none: return false;
+    case Stop::time_limit: stop_ = Outcome::time_limit; break;
+    case Stop::tick_limit: stop_ = Outcome::tick_limit; break;
+    case Stop::user_abort: stop_ = Outcome::user_abort; break;
+  }
+  return true;
+}
+
+// ---- one iteration --------------------------------------------------------------------------------------------------
+
+int Dual::choose_row() {
+  for (;;) {
+    const int p = leaving_.choose(core_, norms_.view());
+    if (p < 0) return p;
+    rho_.clear();
+    rho_.set_unit(p);
+    rho_.want_pack = true;
+    core_.btran(rho_, core_.row_ep_density);
+    rho_.want_pack = false;
+    const bool stands = norms_.exact(p, std::max(DualNorms::kFloor, rho_.norm2()));
+    const double low = core_.x_lower[p];
+    const double high = core_.x_upper[p];
+    delta_ = core_.x[p] < low ? core_.x[p] - low : core_.x[p] - high;
+    if (stands) return p;
+  }
+}
+
+Dual::Step Dual::iterate() {
+  const int p = choose_row();
+  if (p < 0) return Step::no_leaving;
+  DualEntering::Pick pick;
+  if (!price_and_choose(p, pick)) {
+    if (!fresh_) {
+      wanted_ = core_.factor.updates() > 0 ? Rebuild::refactor : Rebuild::recompute;
+      return Step::moved;
+    }
+    if (phase1_) {  // cannot happen but for rounding: every column is boxed
+      leaving_.make_taboo(p);
+      return Step::numerical;
+    }
+    if (prove_infeasible(p)) return Step::no_entering;
+    leaving_.make_taboo(p);
+    ++core_.counters.rejected_pivots;
+    return Step::moved;
+  }
+  if (core_.factor.updates() > 0 && std::fabs(pick.alpha) < kSmallPivot * entering_.largest_alpha()) {
+    wanted_ = Rebuild::refactor;
+    return Step::numerical;
+  }
+  core_.load_column(pick.variable, alpha_column_);
+  alpha_column_.want_pack = true;
+  core_.ftran(alpha_column_, core_.column_density);
+  alpha_column_.want_pack = false;
+  const double by_column = alpha_column_.array[p];
+  const double gap = std::fabs(by_column - pick.alpha);
+  const double size = std::min(std::fabs(by_column), std::fabs(pick.alpha));
+  if (core_.factor.updates() > 0 ? gap > kPivotMismatch * size : gap > kFreshMismatch * size) {
+    ++core_.counters.rejected_pivots;
+    if (core_.factor.updates() == 0) leaving_.make_taboo(p);
+    wanted_ = Rebuild::refactor;
+    return Step::numerical;
+  }
+  apply(p, pick);
+  return Step::moved;
+}
+
+bool Dual::price_and_choose(int p, DualEntering::Pick& pick) {
+  (void)p;
+  alpha_row_.clear();
+  core_.price(rho_, alpha_row_);
+  entering_.load(core_, rho_, alpha_row_);
+  pick = entering_.choose(core_, delta_);
+  return pick.variable >= 0;
+}
+
+/* Moves the flipped variables to their other bounds and solves for the change of the basic values. */
+void Dual::solve_flips() {
+  flip_column_.clear();
+  for (int j : entering_.flips()) {
+    const double change = core_.move[j] * (core_.work_upper[j] - core_.work_lower[j]);
+    objective_ += core_.d[j] * change;
+    core_.move[j] = static_cast<signed char>(-core_.move[j]);
+    core_.value[j] = core_.move[j] > 0 ? core_.work_lower[j] : core_.work_upper[j];
+    core_.add_column(j, change, flip_column_);
+  }
+  core_.counters.bound_flips += static_cast<std::int64_t>(entering_.flips().size());
+  core_.ftran(flip_column_, core_.flip_density);
+}
+
+void Dual::apply(int p, const DualEntering::Pick& pick) {
+  const int q = pick.variable;
+  const int out = core_.head[p];
+  const int leaving_move = delta_ < 0 ? 1 : -1;
+  const double bound = leaving_move > 0 ? core_.x_lower[p] : core_.x_upper[p];
+  if (!entering_.flips().empty()) {
+    solve_flips();
+    update_values(-1, 1.0);
+    delta_ = core_.x[p] - bound;
+  }
+  tau_.copy(rho_);
+  core_.ftran(tau_, core_.dse_density);
+  objective_ += pick.theta * delta_;
+  update_duals(pick.theta);
+  core_.d[q] = 0;
+  core_.d[out] = -pick.theta;
+  const double pivot = alpha_column_.array[p];
+  const double step = delta_ / pivot;
+  const double entering_value = core_.value[q] + step;
+  norms_.update(p, alpha_column_, pivot, tau_);
+  update_values(p, step);
+  core_.exchange(q, p, leaving_move);
+  core_.x[p] = entering_value;
+  leaving_.set(p, DualLeaving::violation2(entering_value, core_.x_lower[p], core_.x_upper[p], core_.primal_tolerance),
+               norms_.view()[p]);
+  if (!core_.factor.update(alpha_column_, rho_, p)) wanted_ = Rebuild::refactor;
+  if (core_.factor.wants_rebuild() ||
+      (core_.options.refactor_limit > 0 && core_.factor.updates() >= core_.options.refactor_limit)) {
+    wanted_ = Rebuild::refactor;
+  }
+  fresh_ = false;
+  ++core_.counters.iterations;
+  if (phase1_) {
+    ++core_.counters.phase1_iterations;
+    ++core_.counters.dual_phase1;
+  } else {
+    ++core_.counters.dual_phase2;
+  }
+  if (pick.theta == 0) ++core_.counters.degenerate;
+  if (core_.d[out] * core_.move[out] < -core_.dual_tolerance && core_.work_lower[out] != core_.work_upper[out]) {
+    shift_cost(core_, out);
+  }
+  report(q, out, leaving_move < 0);
+  watch_progress();
+}
+
+void Dual::update_duals(double theta) {
+  if (theta == 0) return;
+  const std::vector<int>& index = entering_.row_index();
+  const std::vector<double>& alpha = entering_.row_alpha();
+  const size_t size = index.size();
+  const double tolerance = core_.dual_tolerance;
+  for (size_t k = 0; k < size; ++k) {
+    const int j = index[k];
+    const double updated = core_.d[j] - theta * alpha[k];
+    core_.d[j] = updated;
+    if (core_.move[j] * updated < -tolerance) shift_cost(core_, j);
+  }
+  core_.charge(static_cast<std::int64_t>(size));
+}
+
+/* x -= step * column: the entering column's when p >= 0 (without row p), the flips' otherwise. */
+void Dual::update_values(int p, double step) {
+  const SparseVector& column = p >= 0 ? alpha_column_ : flip_column_;
+  const double tolerance = core_.primal_tolerance;
+  const double* const weight = norms_.view().data();
+  const auto move = [&](int i) {
+    const double value = core_.x[i] - step * column.array[i];
+    core_.x[i] = value;
+    leaving_.set(i, DualLeaving::violation2(value, core_.x_lower[i], core_.x_upper[i], tolerance), weight[i]);
+  };
+  if (column.count >= 0 && column.count < 0.4 * core_.m) {
+    for (int k = 0; k < column.count; ++k) move(column.index[k]);
+    core_.charge(3 * static_cast<std::int64_t>(column.count));
+  } else {
+    for (int i = 0; i < core_.m; ++i) {
+      if (column.array[i] != 0) move(i);
+    }
+    core_.charge(2 * static_cast<std::int64_t>(core_.m));
+  }
+}
+
+void Dual::report(int entering, int leaving, bool to_upper) {
+  (void)to_upper;
+  if (observer_ == nullptr) return;
+  IterationEvent event;
+  event.phase1 = phase1_;
+  event.entering = entering;
+  event.leaving = leaving;
+  event.objective = objective_;
+  observer_->iteration(core_, event);
+}
+
+/* A long stall is answered by a stronger perturbation. */
+void Dual::watch_progress() {
+  const double size = std::max(1.0, std::fabs(objective_));
+  if (objective_ > last_progress_objective_ + kProgress * size) {
+    last_progress_objective_ = objective_;
+    last_progress_iteration_ = core_.counters.iterations;
+    return;
+  }
+  const std::int64_t patience = std::max(1000, core_.m / 2);
+  if (core_.counters.iterations - last_progress_iteration_ < patience) return;
+  last_progress_iteration_ = core_.counters.iterations;
+  if (perturb_scale_ >= kStrongestPerturbation) return;
+  perturb_scale_ *= 10;
+  perturb_costs(core_, perturb_scale_);
+  if (wanted_ == Rebuild::none) wanted_ = Rebuild::recompute;
+}
+
+/* The row says: sum of z_j x_j = 0 with z = rho'[A I]. Infeasible when no point within the bounds can meet it. */
+bool Dual::prove_infeasible(int p) {
+  (void)p;
+  constexpr double kNegligible = 1e-9;
+  double least = 0;      // smallest and largest value of the row's activity over the bounds
+  double largest = 0;
+  double scale = 0;
+  const auto add = [&](int j, double z) {
+    if (std::fabs(z) <= kNegligible) {
+      const double low = core_.lower[j];
+      const double high = core_.upper[j];
+      if (low == -kInf || high == kInf) return;
+    }
+    const double a = bound_product(z, core_.lower[j], core_.upper[j]);
+    const double b = bound_product(-z, core_.lower[j], core_.upper[j]);
+    least += a;
+    largest -= b;
+    scale = std::max(scale, std::fabs(z));
+  };
+  for (int i = 0; i < core_.m; ++i) {
+    if (rho_.array[i] != 0) add(core_.n + i, rho_.array[i]);
+  }
+  for (int j = 0; j < core_.n; ++j) {
+    const double z = core_.column_dot(j, rho_.array);
+    if (z != 0) add(j, z);
+  }
+  core_.charge(static_cast<std::int64_t>(core_.lp.matrix.index.size()));
+  const double needed = core_.primal_tolerance * std::max(scale, 1e-12);
+  if (!(least > needed) && !(largest < -needed)) return false;
+  farkas_ = rho_.array;
+  if (least > needed) {
+    for (double& y : farkas_) y = -y;
+  }
+  return true;
+}
+
+}  // namespace tovik::lp::simplex

@@ -1,0 +1,113 @@
+#include "lp/simplex/dual_leaving.h"
+
+#include <algorithm>
+#include <functional>
+
+namespace tovik::lp::simplex {
+namespace {
+constexpr double kListColumnDensity = 0.05;  // above this a scan of all rows costs no more than the update does
+constexpr int kListKeep = 500;               // rows kept at least when a list is cut
+constexpr double kListShare = 0.01;          // lists up to this share of the rows are not cut
+constexpr double kRefill = 0.99;             // rebuild when the best listed merit falls below this share of the cut-off
+}  // namespace
+
+void DualLeaving::resize(int rows) {
+  infeasibility_.assign(static_cast<size_t>(rows), 0.0);
+  in_list_.assign(static_cast<size_t>(rows), 0);
+  taboo_.assign(static_cast<size_t>(rows), 0);
+  list_.clear();
+  list_.reserve(static_cast<size_t>(rows));
+  taboo_count_ = 0;
+}
+
+void DualLeaving::rebuild(const Core& core, const std::vector<double>& weight, bool keep_taboo) {
+  for (int p = 0; p < core.m; ++p) {
+    infeasibility_[p] = violation2(core.x[p], core.x_lower[p], core.x_upper[p], core.primal_tolerance);
+  }
+  if (!keep_taboo && taboo_count_ > 0) {
+    std::fill(taboo_.begin(), taboo_.end(), 0);
+    taboo_count_ = 0;
+  }
+  make_list(core, weight);
+}
+
+void DualLeaving::make_list(const Core& core, const std::vector<double>& weight) {
+  for (int p : list_) in_list_[p] = 0;
+  list_.clear();
+  cutoff_ = 0;
+  listed_ = core.m > kListKeep && core.column_density.value() < kListColumnDensity;
+  if (!listed_) return;
+  merit_.clear();
+  for (int p = 0; p < core.m; ++p) {
+    if (infeasibility_[p] > 0) merit_.push_back(infeasibility_[p] / weight[p]);
+  }
+  const auto uncut = std::max<size_t>(kListKeep, static_cast<size_t>(kListShare * core.m));
+  if (merit_.size() > uncut) {
+    const auto keep = std::max<size_t>(kListKeep, merit_.size() / 100);
+    std::nth_element(merit_.begin(), merit_.begin() + static_cast<std::ptrdiff_t>(keep), merit_.end(), std::greater<>());
+    cutoff_ = merit_[keep];
+  }
+  for (int p = 0; p < core.m; ++p) {
+    if (infeasibility_[p] > cutoff_ * weight[p]) {
+      in_list_[p] = 1;
+      list_.push_back(p);
+    }
+  }
+}
+
+int DualLeaving::scan(Core& core, const std::vector<double>& weight) const {
+  double best_infeasibility = 0;
+  double best_weight = 1;
+  int best = -1;
+  const auto look = [&](int from, int to) {
+    for (int p = from; p < to; ++p) {
+      if (infeasibility_[p] * best_weight > best_infeasibility * weight[p] && !taboo_[p]) {
+        best_infeasibility = infeasibility_[p];
+        best_weight = weight[p];
+        best = p;
+      }
+    }
+  };
+  const int first = core.random.below(core.m);
+  look(first, core.m);
+  look(0, first);
+  core.counters.rows_scanned += core.m;
+  core.charge(core.m / 4);
+  return best;
+}
+
+int DualLeaving::choose(Core& core, const std::vector<double>& weight) {
+  if (core.m == 0) return -1;
+  if (!listed_) return scan(core, weight);
+  for (int round = 0; round < 2; ++round) {
+    double best_infeasibility = 0;
+    double best_weight = 1;
+    int best = -1;
+    const size_t size = list_.size();
+    size_t kept = 0;
+    for (size_t k = 0; k < size; ++k) {
+      const int p = list_[k];
+      const double squared = infeasibility_[p];
+      if (squared == 0) {
+        in_list_[p] = 0;
+        continue;
+      }
+      list_[kept++] = p;
+      if (squared * best_weight > best_infeasibility * weight[p] && !taboo_[p]) {
+        best_infeasibility = squared;
+        best_weight = weight[p];
+        best = p;
+      }
+    }
+    list_.resize(kept);
+    core.counters.rows_scanned += static_cast<std::int64_t>(size);
+    core.charge(static_cast<std::int64_t>(size));
+    if (cutoff_ == 0 || (best >= 0 && best_infeasibility >= kRefill * cutoff_ * best_weight)) return best;
+    make_list(core, weight);
+    core.charge(core.m);
+    if (!listed_) return scan(core, weight);
+  }
+  return scan(core, weight);
+}
+
+}  // namespace tovik::lp::simplex

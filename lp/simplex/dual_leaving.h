@@ -1,0 +1,53 @@
+/* Choice of the leaving row in the dual simplex: the largest infeasibility^2 / weight.
+ * Holds     infeasibility[p] = squared violation of basic p (0 when within tolerance), size m.
+ * Modes     dense: every choice scans all rows. Listed: only rows whose merit passes a cut-off are kept in a list; rows are
+ *           added as their merit grows, and the list is rebuilt when its best falls below the cut-off, so that in a
+ *           hyper-sparse run no choice looks at all rows.
+ * Order     rebuild() after the values were recomputed; touch() for every value that an update changed. */
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "lp/simplex/core.h"
+
+namespace tovik::lp::simplex {
+
+class DualLeaving {
+ public:
+  void resize(int rows);
+  /* Recomputes all infeasibilities from the core's values, forgets taboo rows when asked, chooses the mode. */
+  void rebuild(const Core& core, const std::vector<double>& weight, bool keep_taboo);
+  /* Best row or -1. */
+  int choose(Core& core, const std::vector<double>& weight);
+  void set(int p, double squared, double weight) {
+    infeasibility_[p] = squared;
+    if (listed_ && !in_list_[p] && squared > cutoff_ * weight) {
+      in_list_[p] = 1;
+      list_.push_back(p);
+    }
+  }
+  /* Takes a row out of consideration until the next rebuild that forgets taboo rows. */
+  void make_taboo(int p) {
+    taboo_[p] = 1;
+    ++taboo_count_;
+  }
+  int taboo_count() const { return taboo_count_; }
+  static double violation2(double x, double low, double high, double tolerance) {
+    const double v = x < low - tolerance ? low - x : x > high + tolerance ? x - high : 0.0;
+    return v * v;
+  }
+
+ private:
+  void make_list(const Core& core, const std::vector<double>& weight);
+  int scan(Core& core, const std::vector<double>& weight) const;
+  std::vector<double> infeasibility_;
+  std::vector<char> in_list_, taboo_;
+  std::vector<int> list_;
+  std::vector<double> merit_;  // work space of make_list
+  double cutoff_ = 0;
+  bool listed_ = false;
+  int taboo_count_ = 0;
+};
+
+}  // namespace tovik::lp::simplex

@@ -1,0 +1,48 @@
+#include "lp/simplex/dual_norms.h"
+
+#include <algorithm>
+
+namespace tovik::lp::simplex {
+
+void DualNorms::compute(Core& core, SparseVector& work) {
+  weight_.resize(static_cast<size_t>(core.m));
+  for (int p = 0; p < core.m; ++p) {
+    work.clear();
+    work.set_unit(p);
+    core.btran(work, core.row_ep_density);
+    weight_[p] = std::max(kFloor, work.norm2());
+  }
+  work.clear();
+}
+
+void DualNorms::update(int p, const SparseVector& column, double pivot, const SparseVector& tau) {
+  const double pivot_weight = weight_[p];
+  const double inverse = 1.0 / pivot;
+  const auto step = [&](int i) {
+    const double ratio = column.array[i] * inverse;
+    const double updated = weight_[i] + ratio * (ratio * pivot_weight - 2.0 * tau.array[i]);
+    weight_[i] = std::max(updated, std::max(kFloor, ratio * ratio * kFloor));
+  };
+  if (column.count >= 0) {
+    for (int k = 0; k < column.count; ++k) step(column.index[k]);
+  } else {
+    for (int i = 0; i < static_cast<int>(weight_.size()); ++i) {
+      if (column.array[i] != 0) step(i);
+    }
+  }
+  weight_[p] = std::max(kFloor, pivot_weight * inverse * inverse);
+}
+
+void DualNorms::save(const Core& core) {
+  if (by_variable_.size() != static_cast<size_t>(core.total)) by_variable_.assign(static_cast<size_t>(core.total), 1.0);
+  for (int p = 0; p < core.m; ++p) by_variable_[core.head[p]] = weight_[p];
+}
+
+void DualNorms::restore(const Core& core) {
+  for (int p = 0; p < core.m; ++p) {
+    weight_[p] = by_variable_[core.head[p]];
+  }
+  for (int p = 0; p < core.m; ++p) by_variable_[core.head[p]] = 1.0;
+}
+
+}  // namespace tovik::lp::simplex

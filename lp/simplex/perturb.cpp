@@ -1,0 +1,44 @@
+#include "lp/simplex/perturb.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace tovik::lp::simplex {
+namespace {
+constexpr double kBase = 5e-7;         // relative size of the perturbation before scaling
+constexpr double kLogical = 1e-12;     // logicals move by rounding noise only
+constexpr double kLargeCost = 100.0;   // above this the size follows the fourth root of the largest cost
+constexpr double kBoxedShare = 0.01;
+}  // namespace
+
+void perturb_costs(Core& core, double scale) {
+  double largest = 0;
+  std::int64_t boxed = 0;
+  for (int j = 0; j < core.total; ++j) {
+    if (j < core.n) largest = std::max(largest, std::fabs(core.cost[j]));
+    if (core.upper[j] - core.lower[j] < kInf) ++boxed;
+  }
+  if (largest > kLargeCost) largest = std::sqrt(std::sqrt(largest));
+  if (static_cast<double>(boxed) < kBoxedShare * core.total) largest = std::min(largest, 1.0);
+  const double base = kBase * scale * largest;
+  for (int j = 0; j < core.n; ++j) {
+    const double low = core.lower[j];
+    const double high = core.upper[j];
+    if (low == high || (low == -kInf && high == kInf)) continue;
+    const double size = (1.0 + core.random_value[j]) * (std::fabs(core.work_cost[j]) + 1.0) * base;
+    const bool up = high == kInf || (low != -kInf && core.cost[j] >= 0);
+    core.work_cost[j] += up ? size : -size;
+  }
+  for (int j = core.n; j < core.total; ++j) core.work_cost[j] += (0.5 - core.random_value[j]) * kLogical;
+  core.costs_perturbed = true;
+}
+
+void shift_cost(Core& core, int j) {
+  const double target = core.move[j] * (1.0 + core.random_value[j]) * 0.5 * core.dual_tolerance;
+  core.work_cost[j] += target - core.d[j];
+  core.d[j] = target;
+  core.costs_shifted = true;
+  ++core.counters.shifts;
+}
+
+}  // namespace tovik::lp::simplex

@@ -1,0 +1,417 @@
+#include "lp/simplex/solver.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace tovik::lp::simplex {
+namespace {
+
+constexpr double kInnerShare = 0.1;        // the engine works to a tenth of the user's tolerances
+constexpr double kTightest = 1e-10;        // no tolerance of the engine is tightened below this
+constexpr int kTightenings = 4;
+constexpr int kRounds = 12;                // dual/primal alternations before giving up
+constexpr std::int64_t kUnlimited = std::int64_t{1} << 60;
+
+LpData scale_lp(const LpData& lp, const Scaling& scaling) {
+  LpData scaled = lp;
+  if (!scaling.active()) return scaled;
+  for (int j = 0; j < lp.num_columns(); ++j) {
+    const double c = scaling.column[j];
+    scaled.cost[j] *= c;
+    scaled.lower[j] /= c;
+    scaled.upper[j] /= c;
+    for (int k = lp.matrix.start[j]; k < lp.matrix.start[j + 1]; ++k) {
+      scaled.matrix.value[k] *= c * scaling.row[lp.matrix.index[k]];
+    }
+  }
+  for (int i = 0; i < lp.num_rows(); ++i) {
+    scaled.row_lower[i] *= scaling.row[i];
+    scaled.row_upper[i] *= scaling.row[i];
+  }
+  return scaled;
+}
+
+/* Sum with the error of each addition carried along (Neumaier). */
+struct Sum {
+  double sum = 0, error = 0;
+  void add(double v) {
+    const double t = sum + v;
+    error += std::fabs(sum) >= std::fabs(v) ? (sum - t) + v : (v - t) + sum;
+    sum = t;
+  }
+  void add_product(double a, double b) {
+    const double p = a * b;
+    add(p);
+    error += std::fma(a, b, -p);
+  }
+  double value() const { return sum + error; }
+};
+
+/* a_j'y for all columns, compensated. */
+std::vector<double> transpose_product(const LpData& lp, const std::vector<double>& y) {
+  std::vector<double> z(static_cast<size_t>(lp.num_columns()));
+  for (int j = 0; j < lp.num_columns(); ++j) {
+    Sum sum;
+    for (int k = lp.matrix.start[j]; k < lp.matrix.start[j + 1]; ++k) {
+      sum.add_product(lp.matrix.value[k], y[lp.matrix.index[k]]);
+    }
+    z[j] = sum.value();
+  }
+  return z;
+}
+
+std::vector<double> product(const LpData& lp, const std::vector<double>& x) {
+  std::vector<Sum> sums(static_cast<size_t>(lp.num_rows()));
+  for (int j = 0; j < lp.num_columns(); ++j) {
+    if (x[j] == 0) continue;
+    for (int k = lp.matrix.start[j]; k < lp.matrix.start[j + 1]; ++k) {
+      sums[lp.matrix.index[k]].add_product(lp.matrix.value[k], x[j]);
+    }
+  }
+  std::vector<double> activity(sums.size());
+  for (size_t i = 0; i < sums.size(); ++i) activity[i] = sums[i].value();
+  return activity;
+}
+
+/* Wrong-signed part of a reduced cost, given where the variable stands in a minimization. */
+double dual_violation(double d, At status, double low, double high) {
+  if (low == high || status == At::basic) return status == At::basic ? std::fabs(d) : 0.0;
+  if (status == At::lower) return std::max(0.0, -d);
+  if (status == At::upper) return std::max(0.0, d);
+  return std::fabs(d);
+}
+
+}  // namespace
+
+Violation measure_violation(const LpData& lp, const Answer& answer) {
+  Violation v;
+  for (int j = 0; j < lp.num_columns(); ++j) {
+    const double bound = std::max(lp.lower[j] - answer.x[j], answer.x[j] - lp.upper[j]);
+    if (bound > v.column) {
+      v.column = bound;
+      v.worst_column = j;
+    }
+    const double wrong = dual_violation(answer.d[j], answer.column_status[j], lp.lower[j], lp.upper[j]);
+    if (wrong > v.dual) {
+      v.dual = wrong;
+      v.worst_dual = j;
+    }
+  }
+  for (int i = 0; i < lp.num_rows(); ++i) {
+    const double bound = std::max(lp.row_lower[i] - answer.activity[i], answer.activity[i] - lp.row_upper[i]);
+    if (bound > v.row) {
+      v.row = bound;
+      v.worst_row = i;
+    }
+    const double wrong = dual_violation(answer.y[i], answer.row_status[i], lp.row_lower[i], lp.row_upper[i]);
+    if (wrong > v.dual) {
+      v.dual = wrong;
+      v.worst_dual = lp.num_columns() + i;
+    }
+  }
+  return v;
+}
+
+Solver::Solver(const LpData& lp, const Options& options, Control& control, Observer* observer)
+    : lp_(lp), scaling_(compute_scaling(lp.matrix, options.scaling)), options_(options), observer_(observer) {
+  core_ = std::make_unique<Core>(scale_lp(lp_, scaling_), options_, control);
+  dual_ = std::make_unique<Dual>(*core_, observer_);
+  primal_ = std::make_unique<Primal>(*core_);
+  core_->set_logical_basis();
+}
+
+Solver::~Solver() = default;
+
+void Solver::set_control(Control& control, Observer* observer) {
+  core_->control = &control;
+  observer_ = observer;
+  dual_->set_observer(observer);
+}
+
+void Solver::set_options(const Options& options) {
+  options_ = options;
+  core_->options = options;
+}
+
+void Solver::set_basis(const std::vector<At>& columns, const std::vector<At>& rows) {
+  std::vector<At> status(columns);
+  status.reserve(static_cast<size_t>(core_->total));
+  for (At at : rows) status.push_back(at == At::lower ? At::upper : at == At::upper ? At::lower : at);
+  core_->use_original_bounds();
+  core_->set_basis(status);
+  has_basis_ = true;
+  keep_norms_ = false;
+}
+
+void Solver::set_dual_norms(const std::vector<double>& norms, const std::vector<int>& head) {
+  if (norms.size() != head.size() || static_cast<int>(norms.size()) != core_->m) return;
+  std::vector<double> by_variable(static_cast<size_t>(core_->total), 1.0);
+  for (size_t p = 0; p < head.size(); ++p) by_variable[head[p]] = norms[p];
+  std::vector<double> weights(static_cast<size_t>(core_->m));
+  for (int p = 0; p < core_->m; ++p) weights[p] = by_variable[core_->head[p]];
+  dual_->norms().set(std::move(weights));
+  keep_norms_ = true;
+}
+
+void Solver::forget_basis() {
+  core_->use_original_bounds();
+  core_->set_logical_basis();
+  has_basis_ = false;
+  keep_norms_ = false;
+}
+
+void Solver::change_bounds(int j, double low, double high) {
+  lp_.lower[j] = low;
+  lp_.upper[j] = high;
+  const double c = column_scale(j);
+  const bool was_fixed = core_->is_fixed(j);
+  core_->lower[j] = low / c;
+  core_->upper[j] = high / c;
+  if (core_->nonbasic[j] && was_fixed != core_->is_fixed(j)) {
+    if (was_fixed) {
+      core_->rows.activate(j);
+    } else {
+      core_->rows.deactivate(j);
+    }
+  }
+}
+
+void Solver::change_row_bounds(int i, double low, double high) {
+  lp_.row_lower[i] = low;
+  lp_.row_upper[i] = high;
+  const double r = row_scale(i);
+  core_->lower[core_->n + i] = -high * r;
+  core_->upper[core_->n + i] = -low * r;
+}
+
+void Solver::change_cost(int j, double c) {
+  lp_.cost[j] = c;
+  core_->cost[j] = c * column_scale(j);
+}
+
+bool Solver::ensure_factor() {
+  if (core_->has_factor) return true;
+  return core_->refactor() != FactorState::singular;
+}
+
+void Solver::prepare() {
+  core_->options = options_;
+  core_->primal_tolerance = options_.primal_tolerance * kInnerShare;
+  core_->dual_tolerance = options_.dual_tolerance * kInnerShare;
+  core_->repairs = 0;
+  answer_ = Answer{};
+}
+
+Outcome Solver::solve(Method method) {
+  prepare();
+  Outcome outcome = Outcome::trouble;
+  for (int round = 0; round <= kTightenings; ++round) {
+    outcome = run(method);
+    extract();
+    answer_.outcome = outcome;
+    has_basis_ = true;
+    if (outcome != Outcome::optimal) break;
+    const double primal_excess = answer_.violation.primal() / options_.primal_tolerance;
+    const double dual_excess = answer_.violation.dual / options_.dual_tolerance;
+    answer_.unscaled_infeasible = primal_excess > 1 || dual_excess > 1;
+    if (!answer_.unscaled_infeasible || round == kTightenings) break;
+    if (primal_excess > 1) {
+      core_->primal_tolerance = std::max(kTightest, core_->primal_tolerance / std::min(1e3, 3 * primal_excess));
+    }
+    if (dual_excess > 1) {
+      core_->dual_tolerance = std::max(kTightest, core_->dual_tolerance / std::min(1e3, 3 * dual_excess));
+    }
+    core_->has_factor = false;  // a fresh factor for the last digits
+  }
+  return outcome;
+}
+
+Outcome Solver::run(Method method) { return method == Method::dual ? run_dual() : run_primal(); }
+
+Outcome Solver::run_dual() {
+  Dual::Settings settings;
+  Outcome last = Outcome::trouble;
+  for (int round = 0; round < kRounds; ++round) {
+    settings.keep_norms = keep_norms_ || round > 0;
+    settings.perturb = round < 3;
+    answer_.method = Method::dual;
+    last = dual_->solve(settings, kUnlimited);
+    keep_norms_ = true;
+    if (last == Outcome::infeasible && verify_infeasible(dual_->farkas())) return last;
+    if (last == Outcome::optimal && core_->dual_infeasibility().count == 0) return last;
+    if (last != Outcome::optimal && last != Outcome::infeasible && last != Outcome::infeasible_or_unbounded &&
+        last != Outcome::trouble && last != Outcome::singular) {
+      return last;
+    }
+    // Clean up by the primal; a budget keeps it from wandering while the dual could do better.
+    const bool cleaning = last == Outcome::optimal && round + 2 < kRounds;
+    const std::int64_t budget =
+        cleaning ? std::max<std::int64_t>(1000, core_->counters.iterations / 10) : kUnlimited;
+    answer_.method = Method::primal;
+    keep_norms_ = false;
+    last = primal_->solve(budget);
+    if (last == Outcome::infeasible && verify_infeasible(primal_->infeasibility_duals())) return last;
+    if (last == Outcome::unbounded && verify_ray()) return last;
+    if (last != Outcome::trouble && last != Outcome::infeasible && last != Outcome::unbounded && last != Outcome::singular) {
+      return last;
+    }
+    core_->threshold = std::min(0.9, core_->threshold < 0.1 ? 0.1 : core_->threshold + 0.2);
+  }
+  return last;
+}
+
+Outcome Solver::run_primal() {
+  Outcome last = Outcome::trouble;
+  for (int round = 0; round < kRounds; ++round) {
+    answer_.method = Method::primal;
+    keep_norms_ = false;
+    last = primal_->solve(kUnlimited);
+    if (last == Outcome::infeasible && verify_infeasible(primal_->infeasibility_duals())) return last;
+    if (last == Outcome::unbounded && verify_ray()) return last;
+    if (last != Outcome::trouble && last != Outcome::infeasible && last != Outcome::unbounded && last != Outcome::singular) {
+      return last;
+    }
+    core_->threshold = std::min(0.9, core_->threshold < 0.1 ? 0.1 : core_->threshold + 0.2);
+    Dual::Settings settings;
+    answer_.method = Method::dual;
+    last = dual_->solve(settings, kUnlimited);
+    if (last == Outcome::infeasible && verify_infeasible(dual_->farkas())) return last;
+    if (last == Outcome::optimal && core_->dual_infeasibility().count == 0) return last;
+    if (last == Outcome::iteration_limit || last == Outcome::time_limit || last == Outcome::tick_limit ||
+        last == Outcome::user_abort) {
+      return last;
+    }
+  }
+  return last;
+}
+
+void Solver::extract() {
+  Core& core = *core_;
+  const int n = core.n;
+  const int m = core.m;
+  answer_.x.assign(static_cast<size_t>(n), 0.0);
+  answer_.d.assign(static_cast<size_t>(n), 0.0);
+  answer_.y.assign(static_cast<size_t>(m), 0.0);
+  if (!ensure_factor()) return;
+  core.use_original_costs();
+  core.use_original_bounds();
+  core.compute_primal();
+  core.compute_dual();
+  for (int j = 0; j < n; ++j) {
+    if (core.nonbasic[j]) {
+      const double v = core.value[j];
+      answer_.x[j] = v == core.lower[j] ? lp_.lower[j] : v == core.upper[j] ? lp_.upper[j] : v * column_scale(j);
+    }
+  }
+  for (int p = 0; p < m; ++p) {
+    if (core.head[p] < n) answer_.x[core.head[p]] = core.x[p] * column_scale(core.head[p]);
+  }
+  for (int i = 0; i < m; ++i) answer_.y[i] = -core.d[n + i] * row_scale(i);
+  const std::vector<At> status = core.basis_status();
+  answer_.column_status.assign(status.begin(), status.begin() + n);
+  answer_.row_status.resize(static_cast<size_t>(m));
+  for (int i = 0; i < m; ++i) {
+    const At at = status[n + i];
+    answer_.row_status[i] = at == At::lower ? At::upper : at == At::upper ? At::lower : at;
+  }
+  answer_.activity = product(lp_, answer_.x);
+  const std::vector<double> z = transpose_product(lp_, answer_.y);
+  Sum objective;
+  objective.add(lp_.offset);
+  for (int j = 0; j < n; ++j) {
+    answer_.d[j] = lp_.cost[j] - z[j];
+    objective.add_product(lp_.cost[j], answer_.x[j]);
+  }
+  answer_.objective = objective.value();
+  answer_.violation = measure_violation(lp_, answer_);
+  answer_.has_values = true;
+  answer_.primal_feasible = answer_.violation.primal() <= options_.primal_tolerance;
+  answer_.dual_feasible = answer_.violation.dual <= options_.dual_tolerance;
+}
+
+/* y'A x over the columns' box must miss y'r over the rows' box. Tiny entries that meet an infinite bound are what keeps a
+ * true certificate from passing; they are allowed only below 1e-9 of the largest product. */
+bool Solver::verify_infeasible(const std::vector<double>& scaled_row) {
+  if (scaled_row.size() != static_cast<size_t>(core_->m)) return false;
+  std::vector<double> y(scaled_row.size());
+  double largest = 0;
+  for (size_t i = 0; i < y.size(); ++i) {
+    y[i] = scaled_row[i] * row_scale(static_cast<int>(i));
+    largest = std::max(largest, std::fabs(y[i]));
+  }
+  if (largest == 0) return false;
+  for (double& v : y) {
+    v /= largest;
+    if (std::fabs(v) < 1e-13) v = 0;
+  }
+  const std::vector<double> z = transpose_product(lp_, y);
+  Sum low, high;         // of y'(row activity by its bounds) - z'x over the box
+  bool low_finite = true, high_finite = true;
+  double magnitude = 0;
+  const auto add = [&](double w, double lower, double upper) {
+    if (w == 0) return;
+    const double a = w > 0 ? lower : upper;
+    const double b = w > 0 ? upper : lower;
+    const bool negligible = std::fabs(w) <= 1e-9;
+    if (std::isinf(a)) {
+      if (!negligible) low_finite = false;
+    } else {
+      low.add_product(w, a);
+      magnitude = std::max(magnitude, std::fabs(w * a));
+    }
+    if (std::isinf(b)) {
+      if (!negligible) high_finite = false;
+    } else {
+      high.add_product(w, b);
+      magnitude = std::max(magnitude, std::fabs(w * b));
+    }
+  };
+  for (int i = 0; i < core_->m; ++i) add(y[i], lp_.row_lower[i], lp_.row_upper[i]);
+  for (int j = 0; j < core_->n; ++j) add(-z[j], lp_.lower[j], lp_.upper[j]);
+  const double needed = 1e-9 * std::max(1.0, magnitude);
+  const bool above = low_finite && low.value() > needed;
+  const bool below = high_finite && high.value() < -needed;
+  if (!above && !below) return false;
+  answer_.farkas = y;
+  if (below) {
+    for (double& v : answer_.farkas) v = -v;
+  }
+  return true;
+}
+
+/* The direction in the user's space must keep A x within the rows' infinite sides, respect the columns' and improve. */
+bool Solver::verify_ray() {
+  const int q = primal_->ray_variable();
+  if (q < 0) return false;
+  Core& core = *core_;
+  std::vector<double> ray(static_cast<size_t>(core.n), 0.0);
+  const double direction = primal_->ray_direction();
+  if (q < core.n) ray[q] = direction * column_scale(q);
+  const SparseVector& column = primal_->ray_column();
+  for (int p = 0; p < core.m; ++p) {
+    const int j = core.head[p];
+    if (j < core.n && column.array[p] != 0) ray[j] -= direction * column.array[p] * column_scale(j);
+  }
+  double largest = 0;
+  for (double v : ray) largest = std::max(largest, std::fabs(v));
+  if (largest == 0) return false;
+  for (double& v : ray) v /= largest;
+  constexpr double kTolerance = 1e-7;
+  Sum slope;
+  for (int j = 0; j < core.n; ++j) {
+    if (std::fabs(ray[j]) < 1e-12) ray[j] = 0;
+    if ((ray[j] > kTolerance && lp_.upper[j] < kInf) || (ray[j] < -kTolerance && lp_.lower[j] > -kInf)) return false;
+    slope.add_product(lp_.cost[j], ray[j]);
+  }
+  const std::vector<double> activity = product(lp_, ray);
+  for (int i = 0; i < core.m; ++i) {
+    if ((activity[i] > kTolerance && lp_.row_upper[i] < kInf) || (activity[i] < -kTolerance && lp_.row_lower[i] > -kInf)) {
+      return false;
+    }
+  }
+  if (!(slope.value() < -1e-9)) return false;
+  answer_.ray = std::move(ray);
+  return true;
+}
+
+}  // namespace tovik::lp::simplex
