@@ -1,3 +1,4 @@
+# Languages, compilers, flags, and the two functions that every other file uses.
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
@@ -17,6 +18,16 @@ if(CCACHE_PROGRAM)
   set(CMAKE_C_COMPILER_LAUNCHER ${CCACHE_PROGRAM})
 endif()
 find_package(Threads REQUIRED)
+
+# Everything is compiled and linked alike, third-party headers apart, so that sanitizers see the whole program.
+if(TOVIK_SANITIZE)
+  add_compile_options(-fsanitize=${TOVIK_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer -O1)
+  add_link_options(-fsanitize=${TOVIK_SANITIZE})
+endif()
+if(TOVIK_COVERAGE)
+  add_compile_options(--coverage -fprofile-update=atomic)
+  add_link_options(--coverage)
+endif()
 
 set(TOVIK_FOLDER_TARGETS "" CACHE INTERNAL "")
 # tovik_folder(NAME): an object library from NAME/*.cpp; an empty folder gives none.

@@ -1,6 +1,8 @@
 # tests/<group>/test_<name>.cpp becomes the program test_<group>_<name>. Groups unit and property see the inner
-# components; the other groups see the public header only.
+# components; the other groups see the public header only. Labels: the group, and `parallel` for test programs whose
+# name says that they run threads; the thread sanitizer runs those.
 find_package(GTest REQUIRED)
+find_package(Python3 REQUIRED COMPONENTS Interpreter)
 include(GoogleTest)
 foreach(group unit property api fileio regress)
   file(GLOB tests CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/tests/${group}/test_*.cpp)
@@ -16,6 +18,50 @@ foreach(group unit property api fileio regress)
     endif()
     target_compile_definitions(${target} PRIVATE TOVIK_SOURCE_DIR="${CMAKE_CURRENT_SOURCE_DIR}")
     tovik_warnings(${target})
-    gtest_discover_tests(${target} DISCOVERY_TIMEOUT 60)
+    set(labels ${group})
+    if(name MATCHES "parallel|thread|concurrent")
+      list(APPEND labels parallel)
+    endif()
+    gtest_discover_tests(${target} DISCOVERY_TIMEOUT 60 PROPERTIES LABELS "${labels}" TIMEOUT 600)
   endforeach()
 endforeach()
+
+# The public header as a C compiler sees it.
+add_executable(test_api_c99 tests/api/compile_c99.c)
+target_link_libraries(test_api_c99 PRIVATE tovik)
+target_compile_options(test_api_c99 PRIVATE -Wall -Wextra -pedantic -Wstrict-prototypes -Werror)
+add_test(NAME api.c99 COMMAND test_api_c99)
+
+# The installed tree, used from outside by both of its doors.
+add_test(NAME install.consumers COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/tests/install/run
+  ${CMAKE_COMMAND} ${CMAKE_CURRENT_BINARY_DIR} ${CMAKE_C_COMPILER} ${CMAKE_CXX_COMPILER})
+set_tests_properties(install.consumers PROPERTIES LABELS install TIMEOUT 300)
+
+# The example models and programs.
+file(GLOB example_models CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/examples/*.lp ${CMAKE_CURRENT_SOURCE_DIR}/examples/*.mps)
+if(TARGET tovik_program AND TARGET example_production)
+  add_test(NAME examples COMMAND Python3::Interpreter ${CMAKE_CURRENT_SOURCE_DIR}/tests/install/check_examples.py
+    --program $<TARGET_FILE:tovik_program> --example $<TARGET_FILE:example_production> ${example_models})
+endif()
+
+# House rules.
+set(ci ${CMAKE_CURRENT_SOURCE_DIR}/.ci)
+add_test(NAME house.exports COMMAND Python3::Interpreter ${ci}/check_exports.py $<TARGET_FILE:tovik>)
+add_test(NAME house.includes COMMAND Python3::Interpreter ${ci}/check_includes.py)
+add_test(NAME house.words COMMAND Python3::Interpreter ${ci}/check_words.py)
+add_test(NAME house.parameters COMMAND Python3::Interpreter ${ci}/check_parameters.py)
+add_test(NAME house.header COMMAND ${ci}/check_header ${CMAKE_C_COMPILER} ${CMAKE_CXX_COMPILER})
+find_program(CLANG_FORMAT clang-format-14)
+if(CLANG_FORMAT)
+  add_test(NAME house.format COMMAND ${ci}/check_format ${CLANG_FORMAT})
+  set_tests_properties(house.format PROPERTIES LABELS house)
+endif()
+set_tests_properties(house.exports house.includes house.words house.parameters house.header PROPERTIES LABELS house)
+
+if(TOVIK_COVERAGE)
+  find_program(GCOVR gcovr REQUIRED)
+  add_custom_target(coverage COMMAND ${CMAKE_CTEST_COMMAND} --output-on-failure
+    COMMAND ${GCOVR} --root ${CMAKE_CURRENT_SOURCE_DIR} --exclude tests/ --exclude build/ --print-summary
+      --html-details ${CMAKE_CURRENT_BINARY_DIR}/coverage.html
+    WORKING_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR} USES_TERMINAL)
+endif()

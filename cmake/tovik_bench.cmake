@@ -1,0 +1,10 @@
+# bench/micro_<name>.cpp becomes the program bench_<name>; it sees the inner components.
+find_package(benchmark REQUIRED)
+file(GLOB micro_sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/bench/micro_*.cpp)
+foreach(source IN LISTS micro_sources)
+  get_filename_component(name ${source} NAME_WE)
+  string(REPLACE "micro_" "bench_" target ${name})
+  add_executable(${target} ${source})
+  target_link_libraries(${target} PRIVATE tovik_inner benchmark::benchmark_main)
+  tovik_warnings(${target})
+endforeach()
