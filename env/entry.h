@@ -1,5 +1,5 @@
-/* The entry frame of every exported routine: handle checks against the registry of live handles, one worker call,
- * std::bad_alloc as 1001, one report, the int for the caller. No exception crosses the C boundary. */
+/* The entry frame of every exported routine: handle checks against the registry of live handles, one worker
+ * call, std::bad_alloc as 1001, one report, the int for the caller. No exception crosses the C boundary. */
 #pragma once
 
 #include <new>
@@ -11,10 +11,11 @@ namespace tovik {
 
 enum class In { callback_refused, callback_allowed };
 
-/* Looks handles up before touching them: 1002, 1806, 1804, then 1009 in this order. On success the outputs are set. */
-int check_handles(ConstEnvHandle env, Environment** env_out, In in = In::callback_refused);
+/* Looks handles up before touching them: 1002, 1009 for a problem that is not live, 1806, 1804, then 1009 for
+ * a null problem. env_out is set unless the code is 1002; problem_out is set on success. */
+int check_handles(ConstEnvHandle env, Environment** env_out, In in = In::callback_refused) noexcept;
 int check_handles(ConstEnvHandle env, ConstProbHandle lp, Environment** env_out, Problem** problem_out,
-                  In in = In::callback_refused);
+                  In in = In::callback_refused) noexcept;
 
 template <class Worker>
 Status guarded(Worker&& worker) noexcept {

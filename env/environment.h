@@ -1,4 +1,7 @@
-/* The environment record: everything that one opened environment owns. Created by TVKopenTOVIK or TVKparenv. */
+/* The environment record: everything that one opened environment owns. Created by TVKopenTOVIK or TVKparenv.
+ * An opened environment is owned by its caller's handle; a child by its parent. Neither ever moves.
+ * Threads   nothing in it is locked by itself: one thread uses an environment at a time. `lock` is for the
+ * workers of a parallel optimizer that share their master's state. */
 #pragma once
 
 #include <cstdint>
@@ -11,6 +14,7 @@
 #include "env/error.h"
 #include "env/limits.h"
 #include "env/random.h"
+#include "env/registry.h"
 #include "env/settings.h"
 #include "include/tovik.h"
 
@@ -35,40 +39,58 @@ struct Callbacks {
   volatile int* terminate = nullptr;
 };
 
-struct ErrorIndex;
-
 struct Environment {
-  Environment();
+  Environment();  // with its four channels; parameters are not yet set
   ~Environment();
   Environment(const Environment&) = delete;
   Environment& operator=(const Environment&) = delete;
 
   void* binding_handle = nullptr;
   Settings settings;
-  Channel* error_channel = nullptr;
+  std::vector<std::unique_ptr<Channel>> channels;  // the four standard ones and the callers' own
+  Channel* error_channel = nullptr;                // null once the caller deleted it; so the next three
   Channel* warning_channel = nullptr;
   Channel* results_channel = nullptr;
   Channel* log_channel = nullptr;
-  std::vector<std::unique_ptr<Channel>> channels;  // the four standard ones and the callers' own
   std::vector<std::unique_ptr<Problem>> problems;
-  std::vector<Environment*> children;              // owned by the registry until TVKfreeparenv
+  std::vector<std::unique_ptr<Environment>> children;
   Environment* parent = nullptr;
   Random random;
-  int thread_number = 0;
-  int in_callback = 0;
+  int thread_number = 0;  // of a child: 1 and up
+  int in_callback = 0;    // an informational callback is running
   int size_limits[3] = {2100000000, 2100000000, 2100000000};
-  std::unique_ptr<ErrorIndex> error_index;
   std::recursive_mutex lock;
-  WorkCounter* work = nullptr;                     // the counter in force
   WorkCounter own_work;
-  std::vector<WorkCounter*> saved_work;
+  WorkCounter* work = &own_work;  // the counter in force
   LimitFrames limits;
   int team_nesting = 0;
   Callbacks callbacks;
   FILE* log_file = nullptr;
-  bool ready = false;
+  bool ready = false;  // opened completely
+  LiveHandle live;     // last: a handle is live while the record is whole
 
   void add_work(std::uint64_t count) { work->add(count); }
+  bool delivering() const;  // called from a destination function of one of the channels, children's included
 };
+
+/* Work done while it lives does not count. */
+class UncountedWork {
+ public:
+  explicit UncountedWork(Environment& env) : counter_(*env.work), saved_(*env.work) {}
+  ~UncountedWork() { counter_ = saved_; }
+  UncountedWork(const UncountedWork&) = delete;
+  UncountedWork& operator=(const UncountedWork&) = delete;
+
+ private:
+  WorkCounter& counter_;
+  WorkCounter saved_;
+};
+
+/* Threads that the library may use: the processors available to the process, at least 1. */
+int thread_limit();
+
+/* Seconds on the environment's clock: processor time of the process or wall-clock time, as
+ * TVK_PARAM_CLOCKTYPE says. Only differences mean something. */
+double clock_seconds(const Environment& env);
 
 }  // namespace tovik

@@ -1,6 +1,6 @@
 /* The result value of every worker, and the reporter that turns it into the caller's int.
- * A Status is a code and the note whether its line has been printed already, so that each failure is reported once.
- * Internal codes (9000-9009) must never leave the component that makes them. */
+ * A Status is a code and the note whether its line has been printed already, so that each failure is reported
+ * once. Internal codes (9000-9009) must never leave the component that makes them. */
 #pragma once
 
 namespace tovik {
@@ -22,12 +22,14 @@ class [[nodiscard]] Status {
   bool reported_ = false;
 };
 
-/* Prints the line of `code` with its conversions filled from the arguments and returns it as reported. The arguments
- * must fit the message's conversions (texts longer than any buffer are delivered whole). */
-Status fail(Environment& env, int code, ...);
+/* Prints the line of `code` with its conversions filled from the arguments and returns it as reported. The
+ * arguments must fit the message's conversions (texts longer than any buffer are delivered whole). The
+ * conclusions of presolve are printed only while the presolve display is on. */
+Status fail(Environment& env, int code, ...) noexcept;
 
-/* Prints the line of a status that is not yet reported; returns the positive code for the caller. */
-int report(Environment& env, Status status);
+/* Prints the line of a status that is not yet reported (a text with conversions as it stands); returns the
+ * positive code for the caller. A code below 0 counts as reported. */
+int report(Environment& env, Status status) noexcept;
 
 /* Message text of a code, or null. */
 const char* error_text(int code);

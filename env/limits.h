@@ -1,4 +1,5 @@
-/* Limit frames: one per running optimizer call, nested; an inner frame never outlives the outer one's deadlines. */
+/* Limit frames: one per running optimizer call, nested; an inner frame never outlives the outer one's
+ * deadlines. */
 #pragma once
 
 #include <cstdint>

@@ -1,12 +1,14 @@
-/* The problem record: one model, what solving derived from it, and the rule by which changes discard derived data. */
+/* The problem record: one model, what solving derived from it, and the rule by which changes discard derived
+ * data. */
 #pragma once
 
-#include <cstdint>
+#include <cstddef>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "env/environment.h"
+#include "env/registry.h"
 #include "env/solution.h"
 
 namespace tovik {
@@ -15,13 +17,17 @@ namespace model {
 class Model;
 }
 
-/* Derived data that a subsystem hangs on a problem (live factor, presolved copy, ...); freed through this interface. */
+/* Derived data that a subsystem hangs on a problem (live factor, presolved copy, ...); freed through this
+ * interface. */
 struct Derived {
   virtual ~Derived() = default;
 };
 
-/* The starting information for the next optimization. Statuses: 0 at lower, 1 basic, 2 at upper, 3 free (superbasic).
- * Row statuses describe the row's slack; both vectors are empty when there is no starting basis. */
+/* The starting information for the next optimization. Statuses: 0 at lower, 1 basic, 2 at upper, 3 free
+ * (superbasic). Row statuses describe the row's slack; both vectors are empty when there is no starting
+ * basis. Added columns leave the start as it is: where column vectors are shorter than the model, the columns
+ * missing at the end are nonbasic at their bound nearest to zero. Every other change of the dimensions drops
+ * the start. */
 struct Start {
   std::vector<int> column_status;
   std::vector<int> row_status;
@@ -30,7 +36,8 @@ struct Start {
   bool has_basis() const { return !column_status.empty() || !row_status.empty(); }
 };
 
-/* Stored pricing norms by basis position, with the basis head that they belong to (column j, or -i-1 for row i). */
+/* Stored pricing norms by basis position, with the basis head that they belong to (column j, or -i-1 for row
+ * i). */
 struct Norms {
   std::vector<double> dual, column, row;
   std::vector<int> head;
@@ -50,21 +57,47 @@ struct Problem {
   std::unique_ptr<Solution> solution;  // null until the first optimization
   Start start;
   Norms norms;
-  std::unique_ptr<Derived> simplex;    // live basis and factor between optimizations
+  std::unique_ptr<Derived> simplex;  // live basis and factor between optimizations
   bool factor_current = false;
   std::unique_ptr<Derived> presolve;
   std::unique_ptr<Derived> mip;
-  std::unique_ptr<Problem> working;    // nested problem solved in this one's place
-  std::unique_ptr<Problem> derived;    // second nested problem
+  std::unique_ptr<Problem> working;  // nested problem solved in this one's place
+  std::unique_ptr<Problem> derived;  // second nested problem
+  LiveHandle live;                   // last: a handle is live while the record is whole
+
+  std::size_t rows() const;  // of the model
+  std::size_t columns() const;
+  bool mixed_integer() const { return type == 1 || type == 7 || type == 11; }
+  bool fixed() const { return type == 3 || type == 8 || type == 13; }  // cannot be modified: 1023
 };
+
+/* Brings the solution up to date: one that the working problem holds in this problem's place is carried back.
+ */
+void update_solution(Problem& problem) noexcept;
 
 /* What a change of the model does to the derived data; the table stands in change.cpp. */
 enum class Change {
-  names, objective_sense, objective, bounds, ranges, rhs, matrix, senses, add_columns, delete_columns, rows,
-  column_types, sets, whole_problem, quadratic, problem_type, norms, unscaling
+  names,
+  objective_sense,
+  objective,
+  bounds,
+  ranges,
+  rhs,
+  matrix,
+  senses,
+  add_columns,
+  delete_columns,
+  rows,
+  column_types,
+  sets,
+  whole_problem,
+  quadratic,
+  problem_type,
+  norms,
+  unscaling
 };
 
 /* Discards the derived data that `change` makes invalid. Never fails. */
-void invalidate(Problem& problem, Change change);
+void invalidate(Problem& problem, Change change) noexcept;
 
 }  // namespace tovik

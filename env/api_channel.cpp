@@ -1,0 +1,160 @@
+/* Message channels: destinations, messages, the log file. */
+#include <algorithm>
+#include <array>
+
+#include "env/entry.h"
+#include "env/handles.h"
+
+using namespace tovik;
+
+namespace {
+
+/* The channel behind a handle, or null for a handle that is not live. */
+Channel* live_channel(ChannelHandle channel) {
+  return is_live(channel, HandleKind::channel) ? from_handle(channel) : nullptr;
+}
+
+/* worker: Status(Channel&) */
+template <class Worker>
+int with_channel(ConstEnvHandle env, ChannelHandle handle, Worker&& worker, In in = In::callback_refused) {
+  return with_environment(
+      env,
+      [&](Environment&) -> Status {
+        Channel* channel = live_channel(handle);
+        return channel != nullptr ? worker(*channel) : TVK_ERROR_NO_CHANNEL;
+      },
+      in);
+}
+
+Status delete_channel(Environment& env, ChannelHandle& handle) {
+  const auto is_handle = [&](const auto& channel) { return to_handle(channel.get()) == handle; };
+  const auto found = std::find_if(env.channels.begin(), env.channels.end(), is_handle);
+  if (found == env.channels.end()) return TVK_ERROR_NO_CHANNEL;
+  for (Channel** standard :
+       {&env.error_channel, &env.warning_channel, &env.results_channel, &env.log_channel}) {
+    if (*standard == found->get()) *standard = nullptr;
+  }
+  (*found)->disconnect();
+  env.channels.erase(found);
+  handle = nullptr;
+  return 0;
+}
+
+void set_log_file(Environment& env, FILE* file) {
+  const std::array channels{env.results_channel, env.warning_channel, env.error_channel, env.log_channel};
+  for (Channel* channel : channels) {
+    if (channel != nullptr) channel->reserve();
+  }
+  for (Channel* channel : channels) {
+    if (channel != nullptr && env.log_file != nullptr) channel->remove_file(env.log_file);
+  }
+  for (Channel* channel : channels) {
+    if (channel != nullptr && file != nullptr) channel->add_file(file);
+  }
+  env.log_file = file;
+}
+
+}  // namespace
+
+ChannelHandle TVKaddchannel(EnvHandle env) {
+  Channel* channel = nullptr;
+  with_environment(env, [&](Environment& e) -> Status {
+    e.channels.push_back(std::make_unique<Channel>());
+    channel = e.channels.back().get();
+    return 0;
+  });
+  return to_handle(channel);
+}
+
+int TVKdelchannel(EnvHandle env, ChannelHandle* channel_p) {
+  return with_environment(env, [&](Environment& e) -> Status {
+    if (channel_p == nullptr) return TVK_ERROR_NULL_POINTER;
+    return delete_channel(e, *channel_p);
+  });
+}
+
+int TVKdisconnectchannel(EnvHandle env, ChannelHandle channel) {
+  return with_channel(env, channel, [](Channel& c) -> Status {
+    c.disconnect();
+    return 0;
+  });
+}
+
+int TVKflushchannel(ConstEnvHandle env, ChannelHandle channel) {
+  const auto flush = [](Channel& c) -> Status {
+    c.flush();
+    return 0;
+  };
+  return with_channel(env, channel, flush, In::callback_allowed);
+}
+
+int TVKaddfpdest(ConstEnvHandle env, ChannelHandle channel, FILE* fp) {
+  return with_channel(env, channel, [&](Channel& c) -> Status { return c.add_file(fp); });
+}
+
+int TVKdelfpdest(ConstEnvHandle env, ChannelHandle channel, FILE* fp) {
+  return with_channel(env, channel, [&](Channel& c) -> Status { return c.remove_file(fp); });
+}
+
+int TVKaddfuncdest(ConstEnvHandle env, ChannelHandle channel, void* handle,
+                   void (*msgfunction)(void*, const char*)) {
+  return with_channel(env, channel,
+                      [&](Channel& c) -> Status { return c.add_function(handle, msgfunction); });
+}
+
+int TVKdelfuncdest(ConstEnvHandle env, ChannelHandle channel, void* handle,
+                   void (*msgfunction)(void*, const char*)) {
+  return with_channel(env, channel,
+                      [&](Channel& c) -> Status { return c.remove_function(handle, msgfunction); });
+}
+
+int TVKmsg(ChannelHandle channel, const char* format, ...) {
+  if (format == nullptr) return 0;
+  std::va_list arguments;
+  va_start(arguments, format);
+  const int length = message_list(live_channel(channel), format, arguments);
+  va_end(arguments);
+  return length;
+}
+
+int TVKmsgstr(ChannelHandle channel, const char* text) {
+  return text != nullptr ? message(live_channel(channel), "%s", text) : 0;
+}
+
+int TVKgetchannels(ConstEnvHandle env, ChannelHandle* results_p, ChannelHandle* warning_p,
+                   ChannelHandle* error_p, ChannelHandle* log_p) {
+  const auto store = [&](Environment& e) -> Status {
+    if (results_p != nullptr) *results_p = to_handle(e.results_channel);
+    if (warning_p != nullptr) *warning_p = to_handle(e.warning_channel);
+    if (error_p != nullptr) *error_p = to_handle(e.error_channel);
+    if (log_p != nullptr) *log_p = to_handle(e.log_channel);
+    return 0;
+  };
+  return with_environment(env, store, In::callback_allowed);
+}
+
+int TVKflushstdchannels(ConstEnvHandle env) {
+  const auto flush = [](Environment& e) -> Status {
+    for (Channel* channel : {e.results_channel, e.log_channel, e.error_channel, e.warning_channel}) {
+      if (channel != nullptr) channel->flush();
+    }
+    return 0;
+  };
+  return with_environment(env, flush, In::callback_allowed);
+}
+
+int TVKsetlogfile(EnvHandle env, FILE* fp) {
+  return with_environment(env, [&](Environment& e) -> Status {
+    set_log_file(e, fp);
+    return 0;
+  });
+}
+
+int TVKgetlogfile(ConstEnvHandle env, FILE** fp_p) {
+  const auto store = [&](Environment& e) -> Status {
+    if (fp_p == nullptr) return TVK_ERROR_NULL_POINTER;
+    *fp_p = e.log_file;
+    return 0;
+  };
+  return with_environment(env, store, In::callback_allowed);
+}

@@ -1,0 +1,94 @@
+/* What each kind of change discards. The table is the rule; the code below it only carries it out. */
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
+#include "env/problem.h"
+
+namespace tovik {
+namespace {
+
+enum Dropped : unsigned {
+  kStatus = 1u << 0,        // the solution status becomes 0: queries find no solution
+  kWorking = 1u << 1,       // working problem, after its solution was carried back
+  kSecond = 1u << 2,        // second nested problem
+  kPresolve = 1u << 3,      // presolved copy
+  kFactor = 1u << 4,        // the factor stays, marked as not current
+  kSimplex = 1u << 5,       // factor, simplex state and start: no warm start remains
+  kSolution = 1u << 6,      // solution arrays
+  kNorms = 1u << 7,         // stored pricing norms
+  kMixedInteger = 1u << 8,  // tree bookkeeping, MIP start and cached mixed-integer data
+};
+
+constexpr unsigned kBase = kStatus | kWorking | kSecond | kPresolve;
+constexpr unsigned kDerived = kBase | kSimplex | kNorms | kMixedInteger;
+constexpr unsigned kEverything = kDerived | kFactor | kSolution;
+
+struct Rule {
+  Change change;
+  unsigned dropped;
+  int level;  // change level left in the start: 2 objective, 3 added columns, 1 others, 0 none
+};
+
+constexpr Rule kRules[] = {
+    {Change::names, kWorking | kSecond, 0},
+    {Change::objective_sense, kBase | kFactor, 1},
+    {Change::objective, kBase | kFactor, 2},
+    {Change::bounds, kBase | kFactor, 1},
+    {Change::ranges, kBase | kFactor, 1},
+    {Change::rhs, kBase, 1},
+    {Change::matrix, kBase | kSimplex, 1},
+    {Change::senses, kBase | kSimplex, 1},
+    {Change::add_columns, kBase, 3},
+    {Change::delete_columns, kBase | kSimplex | kNorms, 1},  // norms name their columns by index
+    {Change::rows, kDerived, 1},
+    {Change::column_types, kDerived, 1},
+    {Change::sets, kDerived, 1},
+    {Change::whole_problem, kEverything, 1},
+    {Change::quadratic, kEverything, 1},
+    {Change::problem_type, kEverything, 1},
+    {Change::norms, kNorms, 0},
+    {Change::unscaling, kFactor | kNorms, 0},
+};
+
+const Rule& rule_of(Change change) {
+  return *std::find_if(std::begin(kRules), std::end(kRules),
+                       [&](const Rule& r) { return r.change == change; });
+}
+
+void clear_start(Start& start) {
+  const int level = start.change_level;
+  start = Start{};
+  start.change_level = level;
+}
+
+}  // namespace
+
+void update_solution(Problem& problem) noexcept {
+  if (problem.solution || !problem.working || !problem.working->solution) return;
+  problem.solution = std::move(problem.working->solution);
+  problem.status = problem.working->status;
+}
+
+void invalidate(Problem& problem, Change change) noexcept {
+  const Rule& rule = rule_of(change);
+  const auto drops = [&](Dropped what) { return (rule.dropped & what) != 0; };
+  if (drops(kWorking)) {
+    update_solution(problem);
+    problem.working.reset();
+  }
+  if (drops(kSecond)) problem.derived.reset();
+  if (drops(kPresolve)) problem.presolve.reset();
+  if (drops(kFactor) || drops(kSimplex)) problem.factor_current = false;
+  if (drops(kSimplex)) {
+    problem.simplex.reset();
+    clear_start(problem.start);
+  }
+  if (drops(kMixedInteger)) problem.mip.reset();
+  if (drops(kNorms)) problem.norms = Norms{};
+  if (drops(kSolution)) problem.solution.reset();
+  if (drops(kStatus)) problem.status = 0;
+  problem.start.change_level = std::max(problem.start.change_level, rule.level);
+}
+
+}  // namespace tovik

@@ -1,0 +1,42 @@
+#include "env/environment.h"
+
+#include <time.h>
+
+#include <algorithm>
+#include <thread>
+
+#include "env/problem.h"
+
+namespace tovik {
+
+Environment::Environment() : live(this, HandleKind::environment) {
+  for (Channel** slot : {&error_channel, &warning_channel, &results_channel, &log_channel}) {
+    channels.push_back(std::make_unique<Channel>());
+    *slot = channels.back().get();
+  }
+}
+
+Environment::~Environment() {
+  for (const auto& channel : channels) channel->disconnect();
+}
+
+bool Environment::delivering() const {
+  return std::any_of(channels.begin(), channels.end(), [](const auto& c) { return c->delivering(); }) ||
+         std::any_of(children.begin(), children.end(), [](const auto& child) { return child->delivering(); });
+}
+
+int thread_limit() {
+  return std::max(1, static_cast<int>(std::thread::hardware_concurrency()));
+}
+
+double clock_seconds(const Environment& env) {
+  constexpr int kProcessorTime = 1;
+  const clockid_t clock = env.settings.integer(TVK_PARAM_CLOCKTYPE) == kProcessorTime
+                              ? CLOCK_PROCESS_CPUTIME_ID
+                              : CLOCK_MONOTONIC;
+  timespec now{};
+  clock_gettime(clock, &now);
+  return static_cast<double>(now.tv_sec) + 1e-9 * static_cast<double>(now.tv_nsec);
+}
+
+}  // namespace tovik

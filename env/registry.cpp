@@ -1,0 +1,73 @@
+#include "env/registry.h"
+
+#include <array>
+#include <atomic>
+#include <cstdint>
+#include <mutex>
+#include <unordered_map>
+
+namespace tovik {
+namespace {
+
+struct Registry {
+  std::mutex mutex;
+  std::unordered_map<const void*, HandleKind> live;
+  std::atomic<std::uint64_t> removals{1};
+};
+
+/* Never destroyed: an application may close its environments from a destructor of its own at exit. */
+Registry& registry() {
+  union Immortal {
+    Registry value;
+    Immortal() : value() {}
+    ~Immortal() {}
+  };
+  static Immortal instance;
+  return instance.value;
+}
+
+struct Remembered {
+  const void* handle;
+  HandleKind kind;
+  std::uint64_t removals;  // count at the look-up; 0 matches none
+};
+
+constexpr std::size_t kRemembered = 16;
+thread_local std::array<Remembered, kRemembered> remembered{};
+
+Remembered& place_of(const void* handle) {
+  const auto bits = reinterpret_cast<std::uintptr_t>(handle);
+  return remembered[(bits >> 4 ^ bits >> 12) % kRemembered];
+}
+
+}  // namespace
+
+bool is_live(const void* handle, HandleKind kind) noexcept {
+  if (handle == nullptr) return false;
+  Registry& all = registry();
+  Remembered& place = place_of(handle);
+  if (place.handle == handle && place.kind == kind &&
+      place.removals == all.removals.load(std::memory_order_acquire)) {
+    return true;
+  }
+  std::lock_guard guard(all.mutex);
+  const auto found = all.live.find(handle);
+  if (found == all.live.end() || found->second != kind) return false;
+  place = {handle, kind, all.removals.load(std::memory_order_relaxed)};
+  return true;
+}
+
+LiveHandle::LiveHandle(const void* record, HandleKind kind) : record_(record) {
+  Registry& all = registry();
+  std::lock_guard guard(all.mutex);
+  all.live.emplace(record, kind);
+}
+
+LiveHandle::~LiveHandle() {
+  Registry& all = registry();
+  std::lock_guard guard(all.mutex);
+  all.live.erase(record_);
+  all.removals.fetch_add(1, std::memory_order_release);
+}
+
+}  // namespace tovik

@@ -1,0 +1,39 @@
+#include "env/solution_access.h"
+
+#include "include/tovik.h"
+
+namespace tovik {
+namespace {
+
+bool has_values(const Problem& problem) {
+  const Solution& solution = *problem.solution;
+  return solution.x.size() == problem.columns() && solution.slack.size() == problem.rows();
+}
+
+}  // namespace
+
+bool has_duals(const Problem& problem) {
+  const Solution& solution = *problem.solution;
+  return solution.dj.size() == problem.columns() && solution.pi.size() == problem.rows();
+}
+
+const Solution* find_solution(const Problem& problem, Wanted wanted, Status& why) {
+  const bool exists = problem.status != 0 && problem.solution != nullptr;
+  why = 0;
+  if (problem.mixed_integer()) {
+    if (wanted == Wanted::duals) {
+      why = TVK_ERROR_NOT_FOR_MIP;
+    } else if (!exists) {
+      why = TVK_ERROR_NO_SOLUTION;
+    } else if (wanted == Wanted::values && !has_values(problem)) {
+      why = TVK_ERROR_NO_INTEGER_VALUES;
+    }
+  } else if (!exists || !has_values(problem)) {
+    why = TVK_ERROR_NO_SOLUTION;
+  } else if (wanted == Wanted::duals && !has_duals(problem)) {
+    why = TVK_ERROR_NO_DUAL_SOLUTION;
+  }
+  return why.ok() ? problem.solution.get() : nullptr;
+}
+
+}  // namespace tovik

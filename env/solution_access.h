@@ -1,0 +1,20 @@
+/* What of a problem's solution a query may read. */
+#pragma once
+
+#include "env/error.h"
+#include "env/problem.h"
+
+namespace tovik {
+
+/* any: status and objective; values: x and slack; duals: pi and dj. */
+enum class Wanted { any, values, duals };
+
+/* The solution when its wanted part exists; else null and `why` is the code that says why not: 1017 dual
+ * values of a mixed-integer problem, 1217 no solution, 1232 no dual values, 3023 no values of a mixed-integer
+ * solution. */
+const Solution* find_solution(const Problem& problem, Wanted wanted, Status& why);
+
+/* Whether a continuous problem's solution comes with dual values. */
+bool has_duals(const Problem& problem);
+
+}  // namespace tovik
