@@ -1,11 +1,10 @@
 /* Sparse LU factor of a simplex basis with Forrest-Tomlin updates.
  *
- * Basis columns are named by variable: 0..n-1 structural columns of the matrix, n+i the unit column e_i (logical of row i).
- * build() permutes the caller's head so that head[i] is the variable pivoted in row i; positions and rows then share one
- * index space, and all vectors have dimension m:
- *   ftran:  solves B x = b;   in b by row, out x by position
- *   btran:  solves B' y = c;  in c by position, out y by row
- * See the notes in factor.cpp for Markowitz search, singleton passes, dense tail and hyper-sparse solves. */
+ * Basis columns are named by variable: 0..n-1 structural columns of the matrix, n+i the unit column e_i
+ * (logical of row i). build() permutes the caller's head so that head[i] is the variable pivoted in row i;
+ * positions and rows then share one index space, and all vectors have dimension m: ftran:  solves B x = b; in
+ * b by row, out x by position btran:  solves B' y = c;  in c by position, out y by row See the notes in
+ * factor.cpp for Markowitz search, singleton passes, dense tail and hyper-sparse solves. */
 #pragma once
 
 #include <cstdint>
@@ -18,7 +17,7 @@
 namespace tovik::lp::factor {
 
 struct Settings {
-  double threshold = 0.1;       // Markowitz threshold u in (0, 1): |pivot| >= u * max of its column (or row)
+  double threshold = 0.1;  // Markowitz threshold u in (0, 1): |pivot| >= u * max of its column (or row)
   double pivot_absolute = 1e-10;
   double drop = 1e-14;
 };
@@ -32,9 +31,12 @@ struct Exchange {
 struct Stats {
   std::int64_t builds = 0, updates = 0, build_work = 0, solve_work = 0;
   std::int64_t hyper_solves = 0, plain_solves = 0;
-  int bump = 0;                     // order of the Markowitz kernel in the last build
+  int bump = 0;  // order of the Markowitz kernel in the last build
   std::int64_t basis_nonzeros = 0, factor_nonzeros = 0;
 };
+
+/* How triangular solves run: chosen by density, or always one way (for tests). */
+enum class SolveMode { automatic, sparse, plain };
 
 class Factor {
  public:
@@ -45,27 +47,40 @@ class Factor {
   Factor& operator=(const Factor&) = delete;
 
   void set(const Settings& settings);
+  void set_update_limit(int limit);  // wants_rebuild() at so many updates; counts from the next build
+  void set_rebuild_overhead(std::int64_t ticks);  // what a rebuild costs the caller on top of build()
 
-  /* Factors the basis `head` (m variables). Permutes head (see above). Returns the rank deficiency: 0 when regular;
-   * otherwise exchanges() lists what was replaced, head holds the repaired basis, and the factor is of the repaired one. */
+  /* Factors the basis `head` (m variables). Permutes head (see above). Returns the rank deficiency: 0 when
+   * regular; otherwise exchanges() lists what was replaced, head holds the repaired basis, and the factor is
+   * of the repaired one. */
   int build(std::vector<int>& head);
   const std::vector<Exchange>& exchanges() const;
 
+  /* Repeated solves with the basis and its transpose for random right-hand sides of +-1; returns the larger
+   * residual, relative to the sizes of the basis, the solution and the right-hand side. About 1e-16 is
+   * normal; above 1e-12 the factor deserves a larger threshold. For the basis last built, before any update.
+   */
+  double residual_check();
+
   /* expected_density: running average of the result density of this kind of solve; steers hyper-sparse mode.
-   * With v.want_pack the partial result that update() needs is packed: the spike in ftran, the row eta in btran. */
+   * With v.want_pack the partial result that update() needs is packed, in the factor's own numbering: the
+   * spike in ftran, the row eta in btran; the flag is reset. */
   void ftran(SparseVector& v, double expected_density);
   void btran(SparseVector& v, double expected_density);
 
-  /* Replaces the basic variable of position r. column: packed spike of ftran(a_q), with the full result in its array
-   * (pivot = column.array[r]); row: packed partial result of btran(e_r). Returns false when the new diagonal
-   * disagrees with its independent value, so that the caller refactors: the factor is then unusable. */
+  /* Replaces the basic variable of position r. column: packed spike of ftran(a_q), with the full result in
+   * its array (pivot = column.array[r]); row: packed partial result of btran(e_r). Returns false when the new
+   * diagonal disagrees with its independent value by more than 1e-6 of its size, or at the update limit: the
+   * caller then refactors, the factor is unusable. */
   bool update(const SparseVector& column, const SparseVector& row, int r);
 
-  int updates() const;                     // since the last build
-  std::int64_t work() const;               // ticks so far: entries touched in builds, solves and updates
-  std::int64_t work_of_build() const;      // ticks of the last build
-  std::int64_t work_since_build() const;   // ticks of solves and updates since
-  bool wants_rebuild() const;              // update file or memory has grown past what pays
+  void force_mode(SolveMode mode);
+
+  int updates() const;                    // since the last build
+  std::int64_t work() const;              // ticks so far: entries touched in builds, solves and updates
+  std::int64_t work_of_build() const;     // ticks of the last build
+  std::int64_t work_since_build() const;  // ticks of solves and updates since
+  bool wants_rebuild() const;             // update file or memory has grown past what pays
   const Stats& stats() const;
 
  private:

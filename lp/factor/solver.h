@@ -1,0 +1,55 @@
+/* FTRAN and BTRAN with a factored basis.
+ *
+ * Each solve moves its right-hand side into slot order, sweeps through two triangles with the row etas
+ * between them, and moves the result back. A sweep runs in one of two modes: sparse  visits only slots that
+ * receive a value, in order, through a SlotSet; turns plain half-way when it has visited too many; plain runs
+ * through all slots of the triangle and skips zeros. Both modes do the same operations in the same order: a
+ * sweep gives the same bits in either. */
+#pragma once
+
+#include <cstdint>
+
+#include "lp/factor/factor.h"
+#include "lp/factor/lu.h"
+#include "lp/factor/workspace.h"
+#include "lp/linalg/sparse_vector.h"
+
+namespace tovik::lp::factor {
+
+struct SolveCounts {
+  std::int64_t work = 0;               // entries and slots touched
+  std::int64_t extra_work = 0;         // share of it caused by updates since the build
+  std::int64_t sparse = 0, plain = 0;  // solves by the mode of their last sweep
+};
+
+class Solver {
+ public:
+  explicit Solver(const Lu& lu) : lu_(lu) {}
+  void resize();  // after each build
+  void force(SolveMode mode) { forced_ = mode; }
+
+  void ftran(SparseVector& v, double expected_density);
+  void btran(SparseVector& v, double expected_density);
+
+  Workspace& workspace() { return work_; }
+  const SolveCounts& counts() const { return counts_; }
+
+ private:
+  void load(SparseVector& v, const std::vector<int>& slot_of);
+  void store(SparseVector& v, const std::vector<int>& slot_of);
+  void pack(SparseVector& v);
+  bool start_plain(double expected_density) const;
+  void ftran_etas();
+  void ftran_etas_by_rows();
+  void ftran_etas_by_columns();
+  void btran_etas();
+  template <bool kUp, class Lines>
+  void sweep(const Lines& lines, int first, int end, bool plain);
+
+  const Lu& lu_;
+  Workspace work_;
+  SolveCounts counts_;
+  SolveMode forced_ = SolveMode::automatic;
+};
+
+}  // namespace tovik::lp::factor

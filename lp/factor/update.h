@@ -1,0 +1,15 @@
+/* Forrest-Tomlin update (Math. Programming 2, 1972) in the slot numbering of lu.h. */
+#pragma once
+
+#include "lp/factor/lu.h"
+#include "lp/linalg/sparse_vector.h"
+
+namespace tovik::lp::factor {
+
+/* Replaces the column in position r; x is a zero array over the slots, zero again afterwards. See
+ * Factor::update for the other arguments. Returns false when the new diagonal disagrees with pivot * old
+ * diagonal; lu is then spoilt. */
+bool replace_column(const SparseVector& column, const SparseVector& row, int r, std::vector<double>& x,
+                    Lu& lu);
+
+}  // namespace tovik::lp::factor
