@@ -30,6 +30,20 @@ struct UpperLines {
   static double scaled(const PivotLine& pivot, double x) { return x * pivot.inverse; }
 };
 
+/* Four sums run at once: one would wait for the result of each addition. */
+double dot(const int* index, const double* value, int length, const double* x) {
+  double sum0 = 0.0, sum1 = 0.0, sum2 = 0.0, sum3 = 0.0;
+  int k = 0;
+  for (; k + 4 <= length; k += 4) {
+    sum0 += value[k] * x[index[k]];
+    sum1 += value[k + 1] * x[index[k + 1]];
+    sum2 += value[k + 2] * x[index[k + 2]];
+    sum3 += value[k + 3] * x[index[k + 3]];
+  }
+  for (; k < length; ++k) sum0 += value[k] * x[index[k]];
+  return (sum0 + sum1) + (sum2 + sum3);
+}
+
 }  // namespace
 
 void Solver::resize() {
