@@ -28,6 +28,16 @@ foreach(group unit property api fileio regress)
   endforeach()
 endforeach()
 
+# The tests of the program run it; without the program they skip.
+if(TARGET tovik_program)
+  add_dependencies(test_api_program tovik_program)
+  target_compile_definitions(test_api_program PRIVATE TOVIK_PROGRAM="$<TARGET_FILE:tovik_program>")
+else()
+  target_compile_definitions(test_api_program PRIVATE TOVIK_PROGRAM="")
+endif()
+find_package(nlohmann_json REQUIRED)
+target_link_libraries(test_api_program PRIVATE nlohmann_json::nlohmann_json)
+
 # The public header as a C compiler sees it.
 add_executable(test_api_c99 tests/api/compile_c99.c)
 target_link_libraries(test_api_c99 PRIVATE tovik)

@@ -1,0 +1,81 @@
+#include "console.h"
+
+#include <cstring>
+
+namespace tovik::cli {
+
+Console::Console(const Environment& environment, FILE* stream, Shown shown)
+    : environment_(environment), stream_(stream), shown_(shown) {
+  std::setvbuf(stream, nullptr, _IOLBF, 1 << 16);  // whoever reads a pipe sees progress at once
+  EnvHandle env = environment.handle();
+  environment.check(TVKgetchannels(env, &results_, &warning_, &error_, nullptr));
+  environment.check(TVKaddfuncdest(env, results_, this, on_result));
+  environment.check(TVKaddfuncdest(env, warning_, this, on_problem));
+  environment.check(TVKaddfuncdest(env, error_, this, on_error));
+}
+
+Console::~Console() {
+  EnvHandle env = environment_.handle();
+  TVKdelfuncdest(env, results_, this, on_result);
+  TVKdelfuncdest(env, warning_, this, on_problem);
+  TVKdelfuncdest(env, error_, this, on_error);
+  if (log_ != nullptr) TVKsetlogfile(env, nullptr);
+}
+
+bool Console::open_log(const std::string& name) {
+  log_.reset(std::fopen(name.c_str(), "w"));
+  if (log_ == nullptr) return false;
+  environment_.check(TVKsetlogfile(environment_.handle(), log_.get()));
+  return true;
+}
+
+void Console::say(const std::string& text) {
+  saying_ = true;
+  TVKmsgstr(results_, text.c_str());
+  saying_ = false;
+}
+
+void Console::complain(const std::string& text) {
+  TVKmsgstr(error_, (text + "\n").c_str());
+}
+
+void Console::begin_model(const std::string& label) {
+  label_ = label;
+  first_error_.clear();
+  presolve_seconds_.reset();
+}
+
+void Console::on_result(void* self, const char* text) {
+  auto& console = *static_cast<Console*>(self);
+  double seconds = 0;
+  if (std::sscanf(text, "Presolve time = %lf sec.", &seconds) == 1) console.presolve_seconds_ = seconds;
+  if (console.shown_ == Shown::everything || (console.shown_ == Shown::said && console.saying_)) {
+    std::fputs(text, console.stream_);
+  }
+}
+
+void Console::on_problem(void* self, const char* text) {
+  static_cast<Console*>(self)->write_problem(text);
+}
+
+void Console::on_error(void* self, const char* text) {
+  auto& console = *static_cast<Console*>(self);
+  if (console.silenced_ > 0) return;
+  if (console.first_error_.empty()) console.first_error_.assign(text, std::strcspn(text, "\n"));
+  console.write_problem(text);
+}
+
+void Console::write_problem(const char* text) {
+  if (silenced_ > 0) return;
+  if (stream_ == stdout) std::fflush(stdout);  // keeps the order on a terminal
+  for (const char* line = text; *line != '\0';) {
+    const char* end = std::strchr(line, '\n');
+    const std::size_t length = end == nullptr ? std::strlen(line) : static_cast<std::size_t>(end - line) + 1;
+    if (at_line_start_ && *line != '\n' && !label_.empty()) std::fprintf(stderr, "%s: ", label_.c_str());
+    std::fwrite(line, 1, length, stderr);
+    at_line_start_ = end != nullptr;
+    line += length;
+  }
+}
+
+}  // namespace tovik::cli

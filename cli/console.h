@@ -1,0 +1,75 @@
+/* Where text goes.
+ * The library's results channel (its log) and the program's own lines go to one stream: standard output, or
+ * standard error when standard output belongs to JSON. Warnings and errors go to standard error; while a
+ * label is set, each of their lines begins with it ("model.mps: TOVIK Error  1423: ..."). What passes the
+ * results channel also reaches the log file, whether it is shown or not. The console attaches itself to the
+ * environment's channels and must be destroyed before the environment. */
+#pragma once
+
+#include <cstdio>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "library.h"
+
+namespace tovik::cli {
+
+enum class Shown { everything, said, nothing };  // of what passes the results channel
+
+class Console {
+ public:
+  Console(const Environment& environment, FILE* stream, Shown shown);
+  ~Console();
+  Console(const Console&) = delete;
+  Console& operator=(const Console&) = delete;
+
+  /* All four channels also into this file from now on. False when it cannot be opened. */
+  bool open_log(const std::string& name);
+  /* The program's own lines: of the log, and of the closing block, which a quiet console still shows. */
+  void note(const std::string& text) { TVKmsgstr(results_, text.c_str()); }
+  void say(const std::string& text);
+  /* The program's own error line, in the log file too. */
+  void complain(const std::string& text);
+
+  /* Starts a new model: forgets the last error and presolve time; `label` names the model in messages, "" for
+   * none. */
+  void begin_model(const std::string& label);
+  void set_label(const std::string& label) { label_ = label; }
+  /* Errors of a question whose answer may be "no" are not shown while one of these lives. */
+  class Silence {
+   public:
+    explicit Silence(Console& console) : console_(console) { ++console_.silenced_; }
+    ~Silence() { --console_.silenced_; }
+    Silence(const Silence&) = delete;
+    Silence& operator=(const Silence&) = delete;
+
+   private:
+    Console& console_;
+  };
+
+  const std::string& first_error() const { return first_error_; }
+  std::optional<double> presolve_seconds() const { return presolve_seconds_; }
+
+ private:
+  static void on_result(void* self, const char* text);
+  static void on_problem(void* self, const char* text);
+  static void on_error(void* self, const char* text);
+  void write_problem(const char* text);
+
+  struct Close {
+    void operator()(FILE* file) const { std::fclose(file); }
+  };
+  const Environment& environment_;
+  FILE* stream_;
+  Shown shown_;
+  ChannelHandle results_ = nullptr, warning_ = nullptr, error_ = nullptr;
+  std::unique_ptr<FILE, Close> log_;
+  std::string label_, first_error_;
+  std::optional<double> presolve_seconds_;
+  bool saying_ = false;
+  bool at_line_start_ = true;
+  int silenced_ = 0;
+};
+
+}  // namespace tovik::cli

@@ -1,0 +1,91 @@
+#include "library.h"
+
+#include <array>
+
+namespace tovik::cli {
+
+namespace {
+/* The text of a code without the prefix "TOVIK Error 1001: " and without the final ".\n". */
+std::string bare_error_text(ConstEnvHandle env, int code) {
+  std::array<char, TVK_TEXT_BUFFER_SIZE> buffer{};
+  TVKgeterrorstring(env, code, buffer.data());
+  std::string text = buffer.data();
+  if (const auto colon = text.find(": "); colon != std::string::npos) text.erase(0, colon + 2);
+  while (!text.empty() && (text.back() == '\n' || text.back() == '.')) text.pop_back();
+  return text;
+}
+}  // namespace
+
+Environment::Environment() {
+  int status = 0;
+  handle_ = TVKopenTOVIK(&status);
+  if (handle_ == nullptr) throw LibraryError(status, bare_error_text(nullptr, status));
+}
+
+Environment::~Environment() {
+  TVKcloseTOVIK(&handle_);
+}
+
+std::string Environment::version() const {
+  const char* text = TVKversion(handle_);
+  return text == nullptr ? "" : text;
+}
+
+std::string Environment::status_text(int status) const {
+  std::array<char, TVK_TEXT_BUFFER_SIZE> buffer{};
+  TVKgetstatstring(handle_, status, buffer.data());
+  return status == 0 ? "no solution" : buffer.data();
+}
+
+std::string Environment::error_text(int code) const {
+  return bare_error_text(handle_, code);
+}
+
+int Environment::integer_parameter(int number) const {
+  int value = 0;
+  check(TVKgetintparam(handle_, number, &value));
+  return value;
+}
+
+double Environment::double_parameter(int number) const {
+  double value = 0;
+  check(TVKgetdblparam(handle_, number, &value));
+  return value;
+}
+
+void Environment::check(int code) const {
+  if (code != 0) throw LibraryError(code, error_text(code));
+}
+
+Model::Model(const Environment& environment, const std::string& name) : environment_(environment) {
+  int status = 0;
+  handle_ = TVKcreateprob(environment.handle(), &status, name.c_str());
+  if (handle_ == nullptr) environment.check(status);
+}
+
+Model::~Model() {
+  TVKfreeprob(environment_.handle(), &handle_);
+}
+
+bool Model::mixed_integer() const {
+  const int kind = type();
+  return kind == 1 || kind == 7 || kind == 11;
+}
+
+std::vector<std::string> Model::names(NameQuery query, const char* word, int begin, int end) const {
+  std::vector<std::string> result;
+  int surplus = 0;
+  const int asked = query(environment_.handle(), handle_, nullptr, nullptr, 0, &surplus, begin, end);
+  if (asked != TVK_ERROR_ARRAY_TOO_SHORT) {  // a model without names: positions stand for them
+    for (int k = begin; k <= end; ++k) result.push_back(word + std::to_string(k));
+    return result;
+  }
+  std::vector<char*> name(static_cast<std::size_t>(end - begin + 1));
+  std::vector<char> store(static_cast<std::size_t>(-surplus));
+  environment_.check(
+      query(environment_.handle(), handle_, name.data(), store.data(), -surplus, &surplus, begin, end));
+  result.assign(name.begin(), name.end());
+  return result;
+}
+
+}  // namespace tovik::cli

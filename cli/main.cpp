@@ -1,0 +1,151 @@
+/* The program `tovik`: verbs, the run over several models, and the exit status. */
+#include <cstdio>
+#include <exception>
+#include <mutex>
+
+#include "console.h"
+#include "input.h"
+#include "library.h"
+#include "options.h"
+#include "parameters.h"
+#include "report.h"
+#include "signals.h"
+#include "solve.h"
+
+namespace tovik::cli {
+
+namespace {
+
+constexpr int kFewColumns = 20;  // up to here values are printed unasked
+
+/* The models of one run. The file in work is known to the farewell, which may be said on another thread. */
+class Run {
+ public:
+  Run(const Environment& environment, Console& console, const Options& options)
+      : environment_(environment),
+        console_(console),
+        options_(options),
+        signals_([this] { return farewell(); }) {
+    environment.check(TVKsetterminate(environment.handle(), signals_.terminate_flag()));
+  }
+  ~Run() { TVKsetterminate(environment_.handle(), nullptr); }
+  Run(const Run&) = delete;
+  Run& operator=(const Run&) = delete;
+
+  ExitStatus all() {
+    ExitStatus worst = ExitStatus::solved;
+    for (const std::string& file : options_.models) {
+      const ExitStatus status = one(file);
+      if (static_cast<int>(status) > static_cast<int>(worst)) worst = status;
+      if (signals_.interrupted()) break;
+    }
+    return worst;
+  }
+
+ private:
+  ExitStatus one(const std::string& file) {
+    set_current(file);
+    const auto show = [this](const Model& model, const Outcome& outcome) {
+      console_.say(closing_block(model, outcome));
+      const bool asked = options_.print_values || (model.columns() <= kFewColumns && !options_.quiet);
+      if (outcome.feasible && asked) console_.say(value_table(model, outcome, options_.print_values));
+    };
+    const Outcome outcome = solve_file({environment_, console_, signals_, options_}, file, show);
+    set_current("");
+    if (options_.json) std::fputs(json_line(outcome).c_str(), stdout);
+    return options_.exit_zero ? zeroed(outcome.exit_status) : outcome.exit_status;
+  }
+
+  void set_current(const std::string& file) {
+    const std::lock_guard guard(mutex_);
+    current_ = file;
+  }
+
+  int farewell() {
+    const std::lock_guard guard(mutex_);
+    Input::abandon();
+    if (!current_.empty()) {
+      Outcome outcome;
+      outcome.file = current_;
+      outcome.error = "interrupted";
+      outcome.peak_memory_mb = peak_memory_mb();
+      if (options_.json) std::fputs(json_line(outcome).c_str(), stdout);
+      std::fprintf(stderr, "%s: interrupted, no solution\n", current_.c_str());
+    }
+    std::fflush(stdout);
+    return static_cast<int>(ExitStatus::interrupted);
+  }
+
+  const Environment& environment_;
+  Console& console_;
+  const Options& options_;
+  std::mutex mutex_;
+  std::string current_;
+  Signals signals_;
+};
+
+Shown shown(const Options& options) {
+  if (!options.quiet) return Shown::everything;
+  return options.json ? Shown::nothing : Shown::said;
+}
+
+ExitStatus solve_all(const Environment& environment, const Parameters& parameters, const Options& options) {
+  Console console(environment, options.json ? stderr : stdout, shown(options));
+  if (!options.log_file.empty() && !console.open_log(options.log_file)) {
+    std::fprintf(stderr, "tovik: cannot write %s\n", options.log_file.c_str());
+    return ExitStatus::usage;
+  }
+  const std::string changed = parameters.changed();
+  console.note("TOVIK " + environment.version() + (changed.empty() ? "" : "  " + changed) + "\n");
+  return Run(environment, console, options).all();
+}
+
+ExitStatus list_parameters(const Parameters& parameters, const Options& options) {
+  const std::string table = parameters.table(options.pattern);
+  if (table.empty()) {
+    std::fprintf(stderr, "tovik: no parameter matches %s\n", options.pattern.c_str());
+    return ExitStatus::usage;
+  }
+  std::fputs(table.c_str(), stdout);
+  return ExitStatus::solved;
+}
+
+ExitStatus run(int argc, const char* const* argv) {
+  const auto parsed = parse_options(argc, argv);
+  if (const auto* done = std::get_if<ExitStatus>(&parsed)) return *done;
+  const Options& options = std::get<Options>(parsed);
+  const Environment environment;
+  if (options.verb == Verb::version) {
+    std::printf("TOVIK %s\n", environment.version().c_str());
+    return ExitStatus::solved;
+  }
+  const Parameters parameters(environment);
+  for (const Assignment& assignment : options.assignments) parameters.apply(assignment);
+  return options.verb == Verb::params ? list_parameters(parameters, options)
+                                      : solve_all(environment, parameters, options);
+}
+
+ExitStatus guarded(int argc, const char* const* argv) {
+  try {
+    return run(argc, argv);
+  } catch (const ParameterError& error) {
+    std::fprintf(stderr, "tovik: %s\n", error.what());
+    return ExitStatus::usage;
+  } catch (const std::bad_alloc&) {
+    std::fputs("tovik: out of memory\n", stderr);
+    return ExitStatus::out_of_memory;
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "tovik: %s\n", error.what());
+    return ExitStatus::numerical_failure;
+  }
+}
+
+}  // namespace
+
+}  // namespace tovik::cli
+
+int main(int argc, char** argv) {
+  const auto status = tovik::cli::guarded(argc, argv);
+  if (std::fflush(stdout) != 0) return static_cast<int>(tovik::cli::ExitStatus::usage);
+  return static_cast<int>(status);
+}

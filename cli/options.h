@@ -1,0 +1,37 @@
+/* The command line of the program. */
+#pragma once
+
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "outcome.h"
+
+namespace tovik::cli {
+
+/* One setting, in the order of the command line: the later one wins. */
+struct Assignment {
+  std::string origin;  // the option as the user knows it, for messages: "--set", "--gap"
+  std::string name;    // as given: any case, with or without the prefix, or a number
+  std::string value;
+};
+
+enum class Verb { solve, params, version };
+
+struct Options {
+  Verb verb = Verb::solve;
+  std::vector<std::string> models;
+  std::string pattern;  // of `params`
+  std::vector<Assignment> assignments;
+  std::string log_file;
+  bool relax = false;
+  bool quiet = false;
+  bool print_values = false;
+  bool json = false;
+  bool exit_zero = false;
+};
+
+/* The options, or the exit status when there is nothing to do: help was printed, or the line is wrong. */
+std::variant<Options, ExitStatus> parse_options(int argc, const char* const* argv);
+
+}  // namespace tovik::cli

@@ -1,0 +1,79 @@
+/* What is known of one model after the program is through with it, and the exit status that follows. */
+#pragma once
+
+#include <optional>
+#include <string>
+
+namespace tovik::cli {
+
+/* The exit status of the program. With several models the largest. */
+enum class ExitStatus {
+  solved = 0,
+  infeasible = 1,
+  usage = 2,
+  limit_with_solution = 3,
+  limit_without_solution = 4,
+  unbounded = 5,
+  infeasible_or_unbounded = 6,
+  bad_input = 7,
+  out_of_memory = 8,
+  numerical_failure = 9,
+  interrupted = 130
+};
+
+/* The largest of some violations and where it is. */
+struct Worst {
+  double amount = 0;
+  int index = -1;  // row or column; -1 when nothing is violated
+  void meet(double violation, int where) {
+    if (violation > amount || violation != violation) {
+      amount = violation;
+      index = where;
+    }
+  }
+};
+
+/* Violations on the original model, unscaled and absolute. */
+struct Violations {
+  Worst row, bound, integrality, dual_column, dual_row;
+  bool has_integers = false;
+  bool has_duals = false;
+  double objective_difference = 0;  // of the stated objective from c'x, relative
+  bool failed = false;              // more than the tolerances allow for numbers of this size
+  double primal() const { return row.amount > bound.amount ? row.amount : bound.amount; }
+  double dual() const { return dual_row.amount > dual_column.amount ? dual_row.amount : dual_column.amount; }
+};
+
+struct Outcome {
+  std::string file;
+  std::optional<int> rows, columns, nonzeros, problem_type;
+  std::optional<int> status;
+  std::string status_text;
+  bool feasible = false;  // the values are a feasible solution
+  std::optional<double> objective, best_bound, gap;
+  std::optional<Violations> violations;  // of the values, where there are any
+  std::optional<int> simplex_iterations, barrier_iterations, nodes;
+  std::optional<int> threads;
+  std::string method;
+  std::optional<double> read_seconds, presolve_seconds, solve_seconds;
+  double peak_memory_mb = 0;
+  std::string error;  // text of the first error, empty without one
+  ExitStatus exit_status = ExitStatus::solved;
+};
+
+/* The exit status for a solution status of the library; `feasible`: values are known that satisfy the model.
+ */
+ExitStatus exit_status_of(int status, bool feasible);
+bool is_optimal(int status);
+
+/* The exit status for an error code, while reading a model or while solving it. */
+ExitStatus exit_status_of_read_error(int code);
+ExitStatus exit_status_of_solve_error(int code);
+
+/* What --exit-zero makes of it: every honest answer about the model is 0. */
+ExitStatus zeroed(ExitStatus status);
+
+/* Largest resident size of this process in megabytes. */
+double peak_memory_mb();
+
+}  // namespace tovik::cli

@@ -1,0 +1,322 @@
+/* The program `tovik` as its users meet it: exit status, standard output, standard error, files. */
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <nlohmann/json.hpp>
+#include <sstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace {
+
+namespace fs = std::filesystem;
+using Json = nlohmann::ordered_json;
+using Words = std::vector<std::string>;
+
+std::string contents(const fs::path& file) {
+  std::ostringstream text;
+  text << std::ifstream(file, std::ios::binary).rdbuf();
+  return text.str();
+}
+
+struct Result {
+  int exit = -1;
+  std::string out, err;
+  Json json() const { return Json::parse(out); }
+};
+
+/* Runs the program in a folder of its own, which is also its TMPDIR. */
+class Program : public testing::Test {
+ protected:
+  void SetUp() override {
+    if (!fs::exists(TOVIK_PROGRAM)) GTEST_SKIP() << "the program is not built";
+    std::string name = (fs::temp_directory_path() / "tovik-test-XXXXXX").string();
+    folder_ = mkdtemp(name.data());
+    fs::create_directory(folder_ / "tmp");
+  }
+  void TearDown() override {
+    if (!folder_.empty()) fs::remove_all(folder_);
+  }
+
+  std::string write(const std::string& name, const std::string& text) const {
+    std::ofstream(folder_ / name, std::ios::binary) << text;
+    return name;
+  }
+
+  /* `input` becomes standard input, read to its end. */
+  Result run(const Words& words, const std::string& input = "") const {
+    write("input", input);
+    const pid_t child = start(words, open((folder_ / "input").c_str(), O_RDONLY | O_CLOEXEC));
+    return finish(child);
+  }
+
+  /* Starts the program with `input` (closed here) as standard input. */
+  pid_t start(const Words& words, int input) const {
+    const pid_t child = fork();
+    if (child == 0) {
+      std::vector<char*> arguments = {const_cast<char*>(TOVIK_PROGRAM)};
+      for (const std::string& word : words) arguments.push_back(const_cast<char*>(word.c_str()));
+      arguments.push_back(nullptr);
+      const bool moved = chdir(folder_.c_str()) == 0;
+      setenv("TMPDIR", (folder_ / "tmp").c_str(), 1);
+      dup2(input, 0);
+      dup2(open("out", O_WRONLY | O_CREAT | O_TRUNC, 0600), 1);
+      dup2(open("err", O_WRONLY | O_CREAT | O_TRUNC, 0600), 2);
+      if (moved) execv(TOVIK_PROGRAM, arguments.data());
+      _exit(127);
+    }
+    close(input);
+    return child;
+  }
+
+  Result finish(pid_t child) const {
+    int status = 0;
+    waitpid(child, &status, 0);
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status), contents(folder_ / "out"),
+            contents(folder_ / "err")};
+  }
+
+  fs::path folder_;
+};
+
+const char kOptimal[] =
+    "Maximize\n profit: 3 x + 2 y\nSubject To\n time: x + y <= 4\n metal: x + 3 y <= 6\nBounds\n 0 <= x <= "
+    "3\nEnd\n";  // x 3, y 1: 11
+const char kInfeasible[] = "Minimize\n c: x\nSubject To\n a: x + y <= 1\n b: x + y >= 2\nEnd\n";
+const char kUnbounded[] = "Maximize\n c: x + y\nSubject To\n a: x - y <= 1\nEnd\n";
+const char kInteger[] =
+    "Maximize\n c: x + y\nSubject To\n a: 2 x + 2 y <= 5\nBounds\n x <= 9\n y <= 9\nGenerals\n x y\nEnd\n";
+const char kMalformed[] = "Minimize\n c: x\nSubject To\n a: x + + >= >= 2\nEnd\n";
+
+bool contains(const std::string& text, const std::string& part) {
+  return text.find(part) != std::string::npos;
+}
+
+TEST_F(Program, AnswersGiveTheirExitStatus) {
+  const struct {
+    const char* text;
+    int exit;
+    std::vector<int> statuses;
+  } cases[] = {{kOptimal, 0, {1}}, {kInfeasible, 1, {3}}, {kUnbounded, 5, {2}}};
+  for (const auto& model : cases) {
+    write("model.lp", model.text);
+    // Presolve may only learn that one of two things holds: then 6 with status 4 is the honest answer.
+    const Result result = run({"model.lp", "--json", "--set", "preind=0"});
+    EXPECT_EQ(result.exit, model.exit) << model.text << result.err;
+    EXPECT_EQ(result.json()["status"], model.statuses.front()) << model.text;
+    EXPECT_EQ(run({"model.lp", "--exit-zero", "-q", "--set", "PREIND=0"}).exit, 0);
+  }
+}
+
+TEST_F(Program, JsonHoldsExactlyThePromisedKeys) {
+  write("model.lp", kOptimal);
+  const Result result = run({"model.lp", "--json", "--threads", "1"});
+  ASSERT_EQ(result.exit, 0) << result.err;
+  const Json object = result.json();
+  Words keys;
+  for (const auto& item : object.items()) keys.push_back(item.key());
+  EXPECT_EQ(keys, (Words{"file",
+                         "rows",
+                         "cols",
+                         "nonzeros",
+                         "problem_type",
+                         "status",
+                         "status_text",
+                         "objective",
+                         "best_bound",
+                         "gap",
+                         "primal_infeasibility",
+                         "dual_infeasibility",
+                         "integrality",
+                         "simplex_iterations",
+                         "barrier_iterations",
+                         "nodes",
+                         "ticks",
+                         "threads",
+                         "method",
+                         "read_seconds",
+                         "presolve_seconds",
+                         "solve_seconds",
+                         "peak_memory_mb",
+                         "error"}));
+  EXPECT_EQ(object["file"], "model.lp");
+  EXPECT_EQ(object["rows"], 2);
+  EXPECT_EQ(object["cols"], 2);
+  EXPECT_EQ(object["nonzeros"], 4);
+  EXPECT_EQ(object["problem_type"], "LP");
+  EXPECT_EQ(object["status_text"], "optimal");
+  EXPECT_EQ(object["threads"], 1);
+  EXPECT_NEAR(object["objective"].get<double>(), 11.0, 1e-9);
+  for (const char* key : {"best_bound", "gap", "primal_infeasibility", "dual_infeasibility", "read_seconds",
+                          "solve_seconds", "peak_memory_mb"}) {
+    EXPECT_TRUE(object[key].is_number()) << key;
+  }
+  EXPECT_TRUE(object["simplex_iterations"].is_number_integer());
+  EXPECT_TRUE(object["nodes"].is_null());
+  EXPECT_TRUE(object["integrality"].is_null());
+  EXPECT_TRUE(object["error"].is_null());
+  EXPECT_LT(object["primal_infeasibility"].get<double>(), 1e-9);
+  EXPECT_LT(object["dual_infeasibility"].get<double>(), 1e-9);
+  EXPECT_TRUE(contains(result.err, "Status")) << "the log and the block go to standard error";
+}
+
+TEST_F(Program, SeveralModelsGiveAnObjectEachAndTheLargestStatus) {
+  write("good.lp", kOptimal);
+  write("none.lp", kInfeasible);
+  const Result result = run({"good.lp", "absent.lp", "none.lp", "--json", "-q"});
+  EXPECT_EQ(result.exit, 7);
+  std::istringstream lines(result.out);
+  std::vector<Json> objects;
+  for (std::string line; std::getline(lines, line);) objects.push_back(Json::parse(line));
+  ASSERT_EQ(objects.size(), 3u);
+  EXPECT_EQ(objects[0]["status"], 1);
+  EXPECT_TRUE(objects[1]["status"].is_null());
+  EXPECT_TRUE(contains(objects[1]["error"], "1423")) << objects[1];
+  EXPECT_EQ(objects[2]["file"], "none.lp");
+  EXPECT_TRUE(contains(result.err, "absent.lp: TOVIK Error  1423")) << result.err;
+  EXPECT_EQ(run({"none.lp", "good.lp"}).exit, 1);
+}
+
+TEST_F(Program, ErrorsOfFilesCarryTheName) {
+  write("bad.lp", kMalformed);
+  const Result result = run({"bad.lp"});
+  EXPECT_EQ(result.exit, 7);
+  EXPECT_EQ(result.err.rfind("bad.lp: ", 0), 0u) << result.err;
+  EXPECT_EQ(run({"-"}, "").exit, 7) << "empty standard input";
+}
+
+TEST_F(Program, UnknownParameterNamesTheNearestAndSolvesNothing) {
+  write("model.lp", kOptimal);
+  const Result result = run({"model.lp", "--json", "--set", "tilm=3"});
+  EXPECT_EQ(result.exit, 2);
+  EXPECT_EQ(result.out, "");
+  for (const char* name : {"tilm", " TILIM", " ITLIM"}) EXPECT_TRUE(contains(result.err, name)) << result.err;
+}
+
+TEST_F(Program, RefusesWrongUsage) {
+  write("model.lp", kOptimal);
+  const Words wrong[] = {{},
+                         {"--set", "ITLIM=3"},
+                         {"model.lp", "--set", "ITLIM"},
+                         {"model.lp", "--set", "ITLIM=many"},
+                         {"model.lp", "--set", "ITLIM=-1"},
+                         {"model.lp", "--set", "ITLIM=1.5"},
+                         {"model.lp", "--set", "SCRIND=1"},
+                         {"model.lp", "--set", "1011=1"},
+                         {"model.lp", "--gap", "2"},
+                         {"model.lp", "--method", "magic"},
+                         {"model.lp", "--log", "absent/log"},
+                         {"model.lp", "--frobnicate"},
+                         {"params", "no-such-thing"}};
+  for (const Words& words : wrong) {
+    const Result result = run(words);
+    EXPECT_EQ(result.exit, 2) << Json(words);
+    EXPECT_EQ(result.out.empty(), !words.empty()) << result.out;  // only the bare name prints the help
+  }
+}
+
+TEST_F(Program, LaterSettingsWinAndAnyCaseWillDo) {
+  const Result result = run(
+      {"params", "itlim", "--set", "tvk_param_ItLim=7", "--set", "ITLIM=9", "-t", "5", "--set", "TILIM=6"});
+  ASSERT_EQ(result.exit, 0) << result.err;
+  EXPECT_TRUE(contains(result.out, "9*")) << result.out;
+  EXPECT_FALSE(contains(result.out, "7*")) << result.out;
+  EXPECT_TRUE(contains(run({"params", "TILIM", "-t", "5", "--set", "TILIM=6"}).out, "6*"));
+  EXPECT_TRUE(contains(run({"params", "TILIM", "--set", "TILIM=6", "-t", "5"}).out, "5*"));
+  EXPECT_TRUE(contains(run({"params", "lpmethod", "--method", "Dual"}).out, "2*"));
+  const Result all = run({"params"});
+  EXPECT_EQ(std::count(all.out.begin(), all.out.end(), '\n'), 154) << "a head and every named parameter";
+  EXPECT_TRUE(contains(run({"params", "BAR*LIM"}).out, "BARITLIM"));
+}
+
+TEST_F(Program, ReadsStandardInputPlainAndCompressed) {
+  const std::string path = write("model.lp", kOptimal);
+  const std::string shell = "cd " + folder_.string() + " && gzip -k model.lp && bzip2 -k model.lp";
+  ASSERT_EQ(std::system(shell.c_str()), 0);
+  for (const char* name : {"model.lp", "model.lp.gz", "model.lp.bz2"}) {
+    const Result result = run({"-", "--json", "-q"}, contents(folder_ / name));
+    EXPECT_EQ(result.exit, 0) << name << result.err;
+    EXPECT_EQ(result.json()["file"], "-");
+    EXPECT_NEAR(result.json()["objective"].get<double>(), 11.0, 1e-9);
+  }
+  EXPECT_TRUE(fs::is_empty(folder_ / "tmp"));
+}
+
+TEST_F(Program, ShowsBlockValuesAndLogWhereAsked) {
+  write("model.lp", kOptimal);
+  const Result shown = run({"model.lp", "--log", "log.txt", "--set", "EPGAP=0.25"});
+  ASSERT_EQ(shown.exit, 0) << shown.err;
+  for (const char* part : {"EPGAP=0.25", "model.lp: LP, 2 rows, 2 columns, 4 nonzeros", "optimal (1)",
+                           "Objective", "Checked", "reduced cost"}) {
+    EXPECT_TRUE(contains(shown.out, part)) << part << "\n" << shown.out;
+    EXPECT_TRUE(contains(contents(folder_ / "log.txt"), part)) << part;
+  }
+  const Result quiet = run({"model.lp", "-q"});
+  EXPECT_TRUE(contains(quiet.out, "optimal (1)"));
+  EXPECT_FALSE(contains(quiet.out, "nonzeros"));
+  EXPECT_FALSE(contains(quiet.out, "reduced cost"));
+  EXPECT_TRUE(contains(run({"model.lp", "-q", "-p"}).out, "metal")) << "rows are printed with -p";
+}
+
+TEST_F(Program, RelaxIgnoresIntegrality) {
+  write("model.lp", kInteger);
+  const Result relaxed = run({"model.lp", "--relax", "--json", "-q"});
+  EXPECT_EQ(relaxed.exit, 0) << relaxed.err;
+  EXPECT_EQ(relaxed.json()["problem_type"], "LP");
+  EXPECT_NEAR(relaxed.json()["objective"].get<double>(), 2.5, 1e-9);
+}
+
+TEST_F(Program, LimitsSayWhetherASolutionIsKnown) {
+  write("model.lp", "Minimize\n c: 2 x + 3 y\nSubject To\n a: x + y >= 4\n b: x + 3 y >= 6\nEnd\n");
+  const Result stopped =
+      run({"model.lp", "--json", "-q", "--method", "dual", "--set", "ITLIM=0", "--set", "PREIND=0"});
+  EXPECT_EQ(stopped.exit, 4) << stopped.out;
+  EXPECT_EQ(stopped.json()["status"], 10);
+  EXPECT_TRUE(stopped.json()["objective"].is_null());
+  write("slack.lp", kOptimal);  // the slack basis is primal feasible
+  const Result feasible =
+      run({"slack.lp", "--json", "-q", "--method", "primal", "--set", "ITLIM=0", "--set", "PREIND=0"});
+  EXPECT_EQ(feasible.exit, 3) << feasible.out;
+  EXPECT_TRUE(feasible.json()["objective"].is_number());
+}
+
+TEST_F(Program, InterruptWhileReadingEndsAtOnce) {
+  int ends[2];
+  ASSERT_EQ(pipe2(ends, O_CLOEXEC), 0);
+  const pid_t child = start({"-", "--json"}, ends[0]);
+  const std::string part = "Minimize\n c: x\n";
+  ASSERT_EQ(::write(ends[1], part.data(), part.size()), static_cast<ssize_t>(part.size()));
+  std::this_thread::sleep_for(std::chrono::milliseconds(300));
+  kill(child, SIGINT);
+  const Result result = finish(child);
+  close(ends[1]);
+  EXPECT_EQ(result.exit, 130) << result.err;
+  EXPECT_EQ(result.json()["error"], "interrupted");
+  EXPECT_TRUE(fs::is_empty(folder_ / "tmp"));
+}
+
+TEST_F(Program, InterruptWhileSolvingStopsSoonAndReports) {
+  const fs::path model = fs::path(TOVIK_SOURCE_DIR) / "../shared/models/lp/pds/pds-100.mps.bz2";
+  if (!fs::exists(model)) GTEST_SKIP() << model << " is not here";
+  const pid_t child =
+      start({model.string(), "--json", "--threads", "1"}, open("/dev/null", O_RDONLY | O_CLOEXEC));
+  for (int tenths = 0; tenths < 600 && !contains(contents(folder_ / "err"), "nonzeros"); ++tenths) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+  }
+  std::this_thread::sleep_for(std::chrono::milliseconds(500));
+  kill(child, SIGTERM);
+  const Result result = finish(child);
+  EXPECT_TRUE(result.exit == 130 || result.exit == 3) << result.exit << result.err;
+  EXPECT_EQ(result.json()["status"], 13) << result.out;
+  EXPECT_LT(result.json()["solve_seconds"].get<double>(), 20.0);
+}
+
+}  // namespace
