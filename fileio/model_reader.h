@@ -33,6 +33,7 @@ struct ReadFailure {
   int first = 0, second = 0;  // line (and second line, or a limit)
   char letter = 0, letter2 = 0;
   std::string text, text2, text3;
+  std::vector<ReadFailure> more;  // further lines to print behind this one's; the read's code is this one's
   explicit operator bool() const { return code != 0; }
 
   static ReadFailure plain(int code);

@@ -1,0 +1,94 @@
+#include "fileio/mps_context.h"
+
+#include "fileio/number.h"
+
+namespace tovik::fileio::mps {
+
+namespace {
+
+bool read_infinity(const Field& field, double& value) {
+  Field word = field;
+  const bool signed_word = field.length > 1 && (field.text[0] == '-' || field.text[0] == '+');
+  if (signed_word) word = make_field(field.text + 1, field.length - 1);
+  if (!word.is_keyword("INF") && !word.is_keyword("INFINITY")) return false;
+  value = signed_word && field.text[0] == '-' ? -kInfinity : kInfinity;
+  return true;
+}
+
+}  // namespace
+
+void Repeats::add(ReadFailure repeat) {
+  if (!cap_.admit()) return;
+  if (any()) {
+    told_.more.push_back(std::move(repeat));
+  } else {
+    told_ = std::move(repeat);
+  }
+}
+
+bool Repeats::report(Context& context) {
+  if (cap_.suppressed() > 0 && closing_code_ != 0)
+    told_.more.push_back(ReadFailure::at(closing_code_, cap_.suppressed()));
+  return context.fail(std::move(told_));
+}
+
+bool read_number(const Field& field, Infinite infinite, double& value, Obstacle& why) {
+  const ParsedNumber parsed = parse_number(field.text, field.end());
+  if (parsed.kind == ParsedNumber::Kind::number && parsed.end == field.end()) {
+    value = parsed.value;
+    return true;
+  }
+  if (infinite == Infinite::accepted && read_infinity(field, value)) return true;
+  why = {parsed.kind == ParsedNumber::Kind::out_of_range ? 1435 : 1434, field};
+  return false;
+}
+
+bool split_pairs(const Record& record, Reading reading, Naming naming, Pairs& pairs) {
+  Record card;
+  const Record* from = &record;
+  pairs.reading = reading;
+  int k = 0;  // the field with the first row
+  if (reading == Reading::fixed) {
+    if (!scan_fixed(record, card)) return false;
+    if (!card.field[0].empty() || card.field[2].empty()) return false;
+    from = &card;
+    k = 2;
+    pairs.name = card.field[1];
+    pairs.count = card.field[4].empty() ? 1 : 2;
+    if (pairs.count == 1 && !card.field[5].empty()) return false;
+    if (naming == Naming::required && pairs.name.empty()) return false;
+  } else {
+    const int missing = reading == Reading::lenient ? 1 : 0;
+    const int count = record.count + missing;
+    if (count < 2 || count > 5) return false;
+    const bool named = count % 2 == 1;
+    if (!named && naming == Naming::required) return false;
+    pairs.name = named ? record.field[0] : Field{};
+    pairs.count = count / 2;
+    k = named ? 1 : 0;
+  }
+  for (int pair = 0; pair < pairs.count; ++pair, k += 2) {
+    const auto i = static_cast<std::size_t>(pair);
+    pairs.row[i] = from->field[static_cast<std::size_t>(k)];
+    const bool absent = reading != Reading::fixed && k + 1 >= record.count;
+    pairs.value[i] = absent ? Field{} : from->field[static_cast<std::size_t>(k + 1)];
+  }
+  return true;
+}
+
+bool has_blank_name(const Pairs& pairs) {
+  bool blank = pairs.name.view().find(' ') != std::string_view::npos;
+  for (std::size_t i = 0; i < static_cast<std::size_t>(pairs.count); ++i)
+    blank = blank || pairs.row[i].view().find(' ') != std::string_view::npos;
+  return pairs.reading == Reading::fixed && blank;
+}
+
+Obstacle misshapen(const Record& record) {
+  if (record.count < 3) return {1448, Field{}};
+  const char* text = record.field[4].text;  // the last number and all that stands behind it
+  const char* end = record.end;
+  while (end != text && static_cast<unsigned char>(end[-1]) <= ' ') --end;
+  return {1434, make_field(text, static_cast<std::size_t>(end - text))};
+}
+
+}  // namespace tovik::fileio::mps

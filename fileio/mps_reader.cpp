@@ -1,0 +1,335 @@
+/* The MPS reader: one pass over the bytes; sections in their order, each handled by a component of its own.
+ */
+#include <cstring>
+#include <limits>
+#include <optional>
+
+#include "fileio/model_reader.h"
+#include "fileio/mps_bounds.h"
+#include "fileio/mps_columns.h"
+#include "fileio/mps_families.h"
+#include "fileio/mps_input.h"
+#include "fileio/mps_rim.h"
+#include "fileio/number.h"
+
+namespace tovik::fileio {
+namespace mps {
+namespace {
+
+constexpr int kLineLimit = 65535;
+
+/* In the order of a file. Sections of equal rank may change places. */
+enum class Section {
+  none,
+  name,
+  objsense,
+  objname,
+  refrow,
+  rows,
+  usercuts,
+  lazycons,
+  columns,
+  rhs,
+  ranges,
+  bounds,
+  sos,
+  qmatrix,
+  quadobj,
+  qcmatrix,
+  indicators,
+  endata,
+  unknown
+};
+
+struct SectionWord {
+  std::string_view word;
+  Section section;
+  int rank;
+};
+
+constexpr SectionWord kSections[] = {
+    {"NAME", Section::name, 0},
+    {"OBJSENSE", Section::objsense, 1},
+    {"OBJNAME", Section::objname, 1},
+    {"REFROW", Section::refrow, 1},
+    {"ROWS", Section::rows, 2},
+    {"USERCUTS", Section::usercuts, 3},
+    {"LAZYCONS", Section::lazycons, 3},
+    {"COLUMNS", Section::columns, 4},
+    {"RHS", Section::rhs, 5},
+    {"RANGES", Section::ranges, 6},
+    {"BOUNDS", Section::bounds, 7},
+    {"SOS", Section::sos, 8},
+    {"QMATRIX", Section::qmatrix, 9},
+    {"QUADOBJ", Section::quadobj, 9},
+    {"QCMATRIX", Section::qcmatrix, 10},
+    {"INDICATORS", Section::indicators, 11},
+    {"ENDATA", Section::endata, 12},
+};
+constexpr int kRankRows = 2, kRankColumns = 4, kRankSets = 8;
+
+class Reader {
+ public:
+  Reader(ByteSource& source, const ReadOptions& options, ReaderLog& log, FileModel& model)
+      : context_(log, model),
+        blocks_(source),
+        rows_(context_),
+        columns_(context_, rows_),
+        rhs_(context_, rows_, RimSection::Kind::rhs),
+        ranges_(context_, rows_, RimSection::Kind::ranges),
+        bounds_(context_, rows_),
+        sets_(context_, rows_),
+        quadratic_(context_, rows_),
+        indicators_(context_, rows_) {
+    model.rows.reserve(static_cast<int>(options.expected_rows));
+    model.columns.reserve(static_cast<int>(options.expected_columns));
+    model.index.reserve(static_cast<std::size_t>(options.expected_nonzeros));
+    model.value.reserve(static_cast<std::size_t>(options.expected_nonzeros));
+  }
+
+  ReadFailure run() {
+    if (read_lines() && at_end()) {
+      blocks_.drain();
+      finish();
+    }
+    return std::move(context_.failure);
+  }
+
+ private:
+  bool read_lines();
+  bool read_block();
+  bool header(const Record& record);
+  bool data(const Record& record);
+  bool enter(const SectionWord& word, const Record& record);
+  bool leave();
+  bool check_place(const SectionWord& word, int line);
+  bool unrecognized(int line);
+  bool sense(const Field& word, int line);
+  bool close_rows(int line);
+  void cut_names(Record& record);
+  bool at_end();
+  bool finish();
+
+  Context context_;
+  LineBlocks blocks_;
+  RowDirectory rows_;
+  ColumnSection columns_;
+  RimSection rhs_, ranges_;
+  BoundSection bounds_;
+  SetSection sets_;
+  QuadraticSection quadratic_;
+  IndicatorSection indicators_;
+
+  Section section_ = Section::none;
+  int rank_ = -1;  // the highest rank met
+  int line_ = 0;
+  bool ended_ = false, rows_seen_ = false, columns_seen_ = false, sense_given_ = false;
+  bool field_seen_ = false;  // of a section that takes one line
+  WarningCap truncated_;
+};
+
+bool Reader::read_lines() {
+  while (!ended_ && blocks_.next())
+    if (!read_block()) return false;
+  if (!blocks_.line_too_long()) return true;
+  return context_.fail(ReadFailure::at(1465, line_ + 1, kLineLimit));
+}
+
+bool Reader::read_block() {
+  Record record;
+  const char* p = blocks_.begin();
+  const char* const end = blocks_.end();
+  while (p != end && !ended_) {
+    if (line_ < std::numeric_limits<int>::max()) ++line_;
+    const char first = *p;
+    if (first == '*') {
+      p = static_cast<const char*>(std::memchr(p, '\n', static_cast<std::size_t>(end - p))) + 1;
+      continue;
+    }
+    record.line = line_;
+    p = scan_free(p, record) + 1;
+    if (p - record.begin > kLineLimit) return context_.fail(ReadFailure::at(1465, line_, kLineLimit));
+    if (record.count == 0) continue;
+    if (record.overlong) cut_names(record);
+    if (static_cast<unsigned char>(first) > ' ') {
+      if (!header(record)) return false;
+    } else if (section_ == Section::columns) {
+      if (!columns_.record(record)) return false;
+    } else if (!data(record)) {
+      return false;
+    }
+  }
+  return true;
+}
+
+/* Names that are too long are cut; a number may have any length. */
+void Reader::cut_names(Record& record) {
+  const int kept = record.count < Record::kMaxFields ? record.count : Record::kMaxFields;
+  for (int k = 0; k < kept; ++k) {
+    Field& field = record.field[static_cast<std::size_t>(k)];
+    double value;
+    if (field.length <= kMaxNameLength || parse_whole_number(field.text, field.end(), value)) continue;
+    if (truncated_.admit())
+      context_.log.warn("Warning, line %d:  '%s' truncated.\n", record.line,
+                        std::string(field.view()).c_str());
+    field.length = kMaxNameLength;
+  }
+}
+
+bool Reader::header(const Record& record) {
+  for (const SectionWord& word : kSections)
+    if (record.field[0].is_keyword(word.word)) return enter(word, record);
+  return unrecognized(record.line);
+}
+
+/* What was expected in place of an unknown or impossible section. */
+bool Reader::unrecognized(int line) {
+  if (rank_ < 0) return context_.fail(1441, line);
+  if (!rows_seen_) return context_.fail(1471, line);
+  if (!columns_seen_) return context_.fail(1472, line);
+  return context_.fail(rank_ < kRankSets ? 1473 : rank_ == kRankSets ? 1475 : 1462, line);
+}
+
+/* A section out of its order is read with a warning as long as its meaning does not depend on the order. */
+bool Reader::check_place(const SectionWord& word, int line) {
+  if (rank_ < 0 && word.section != Section::name) return context_.fail(1441, line);
+  if (word.rank > kRankRows && !rows_seen_) return context_.fail(1471, line);
+  if (word.rank > kRankColumns && !columns_seen_) return context_.fail(1472, line);
+  if (word.section == Section::ranges && rank_ > word.rank) return context_.fail(1474, line);
+  const bool shapes_rows = word.section == Section::objname || word.section == Section::refrow ||
+                           (word.rank >= kRankRows && word.rank <= kRankColumns);
+  if (shapes_rows && columns_seen_) return unrecognized(line);
+  const bool second_objective = word.section == Section::qmatrix || word.section == Section::quadobj;
+  if (second_objective && quadratic_.has_objective()) return context_.fail(1462, line);
+  const bool repeats = word.section == section_ && word.section != Section::qcmatrix;
+  if (word.rank < rank_ || repeats)
+    context_.log.warn("Warning, line %d:  %s section illegal or out of order.\n", line,
+                      std::string(word.word).c_str());
+  return true;
+}
+
+bool Reader::enter(const SectionWord& word, const Record& record) {
+  if (!check_place(word, record.line) || !leave()) return false;
+  const bool again = rank_ >= 0 && word.section == Section::name;
+  section_ = word.section;
+  rank_ = std::max(rank_, word.rank);
+  field_seen_ = false;
+  switch (section_) {
+    case Section::name:
+      if (!again && record.count > 1) {
+        const char* end = record.end;
+        while (static_cast<unsigned char>(end[-1]) <= ' ') --end;
+        context_.model.problem_name.assign(record.field[1].text, end);
+      }
+      return true;
+    case Section::objsense:
+      return record.count == 1 || sense(record.field[1], record.line);
+    case Section::rows:
+      rows_seen_ = true;
+      return true;
+    case Section::columns:
+      columns_seen_ = true;
+      return close_rows(record.line) && columns_.open(record.line);
+    case Section::qmatrix:
+      return quadratic_.open(QuadraticSection::Kind::full_objective, record);
+    case Section::quadobj:
+      return quadratic_.open(QuadraticSection::Kind::half_objective, record);
+    case Section::qcmatrix:
+      return quadratic_.open(QuadraticSection::Kind::row, record);
+    case Section::endata:
+      ended_ = true;
+      return true;
+    default:
+      return true;
+  }
+}
+
+/* Completes the section that ends. */
+bool Reader::leave() {
+  switch (section_) {
+    case Section::columns:
+      return columns_.close();
+    case Section::qmatrix:
+    case Section::quadobj:
+    case Section::qcmatrix:
+      return quadratic_.close();
+    default:
+      return true;
+  }
+}
+
+bool Reader::close_rows(int line) {
+  if (!sense_given_) context_.log.result("Selected objective sense:  MINIMIZE\n");
+  return rows_.close(line);
+}
+
+bool Reader::sense(const Field& word, int line) {
+  const bool maximize = word.is_keyword("MAX");
+  if (!maximize && !word.is_keyword("MIN")) return context_.fail(1487, line, word.view());
+  context_.model.objective_sense = maximize ? -1 : 1;
+  context_.log.print("Specified objective sense: %s\n", maximize ? "MAXIMIZE" : "MINIMIZE");
+  sense_given_ = field_seen_ = true;
+  return true;
+}
+
+bool Reader::data(const Record& record) {
+  switch (section_) {
+    case Section::none:
+      return context_.fail(1441, record.line);
+    case Section::rows:
+      return rows_.record(record, RowKind::linear);
+    case Section::usercuts:
+      return rows_.record(record, RowKind::user_cut);
+    case Section::lazycons:
+      return rows_.record(record, RowKind::lazy_constraint);
+    case Section::rhs:
+      return rhs_.record(record);
+    case Section::ranges:
+      return ranges_.record(record);
+    case Section::bounds:
+      return bounds_.record(record);
+    case Section::sos:
+      return sets_.record(record);
+    case Section::qmatrix:
+    case Section::quadobj:
+    case Section::qcmatrix:
+      return quadratic_.record(record);
+    case Section::indicators:
+      return indicators_.record(record);
+    default:
+      break;
+  }
+  if (section_ == Section::name || field_seen_) return unrecognized(record.line);
+  field_seen_ = true;
+  if (section_ == Section::objsense) return sense(record.field[0], record.line);
+  if (section_ == Section::objname) rows_.name_objective(record.field[0]);
+  if (section_ == Section::refrow) columns_.name_reference_row(record.field[0]);
+  return true;
+}
+
+bool Reader::at_end() {
+  if (!columns_seen_) return unrecognized(line_ + 1);
+  if (ended_) return true;
+  context_.log.warn("Warning, line %d:  'ENDATA' missing.\n", line_ + 1);
+  return leave();
+}
+
+bool Reader::finish() {
+  if (!rhs_.close() || !ranges_.close()) return false;
+  bounds_.close();
+  indicators_.close();
+  if (truncated_.suppressed() > 0)
+    context_.log.warn("%d truncation warning messages not printed.\n", truncated_.suppressed());
+  take_out_special_rows(context_.model, rows_.kinds(), quadratic_.rows_in_order(),
+                        indicators_.rows_in_order());
+  return true;
+}
+
+}  // namespace
+}  // namespace mps
+
+ReadFailure read_mps(ByteSource& source, const ReadOptions& options, ReaderLog& log, FileModel& model) {
+  return mps::Reader(source, options, log, model).run();
+}
+
+}  // namespace tovik::fileio
