@@ -861,6 +861,21 @@ TVK_API int TVKsetdefaults(EnvHandle env);
 
 /* ==== Section: optimizers, bases, rays, sensitivity, quality (lp/dispatch/) ==== */
 
+/* Optimizes a continuous linear problem by the method that TVK_PARAM_LPMETHOD names: 0 automatic, 1 primal simplex, 2 dual
+ * simplex; 3 to 6 run the dual simplex. Leaves a solution and its status in the problem (TVKgetstat, TVKsolution): a
+ * limit, infeasibility and unboundedness are statuses, not errors. Starts from the problem's basis when TVK_PARAM_ADVIND is
+ * not 0. Errors: 1017 mixed-integer, 1018 and 1031 quadratic problems, 1256 singular beyond repair, 1001. */
+TVK_API int TVKlpopt(ConstEnvHandle env, ProbHandle lp);
+
+/* Primal and dual simplex; otherwise as TVKlpopt. */
+TVK_API int TVKprimopt(ConstEnvHandle env, ProbHandle lp);
+TVK_API int TVKdualopt(ConstEnvHandle env, ProbHandle lp);
+
+/* Tests the starting basis for primal feasibility within TVK_PARAM_EPRHS: *infeas_p receives the index of the most
+ * infeasible basic variable (column j, or number of columns + i for the slack of row i), or 2100000000 when there is none.
+ * Errors: 1004, 1262 no starting basis, 1256 singular basis. */
+TVK_API int TVKcheckpfeas(ConstEnvHandle env, ProbHandle lp, int *infeas_p);
+
 /* ==== End of sections ==== */
 
 #ifdef __cplusplus

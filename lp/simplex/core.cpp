@@ -6,7 +6,8 @@
 namespace tovik::lp::simplex {
 
 namespace {
-constexpr double kColumnPriceRatio = 0.7;  // price by columns when rows would touch more than this share of all entries
+constexpr double kColumnPriceRatio =
+    0.7;  // price by columns when rows would touch more than this share of all entries
 constexpr double kLargestThreshold = 0.99999;
 }  // namespace
 
@@ -60,7 +61,8 @@ void Core::place_nonbasic(int j, int prefer) {
   } else if (low == -kInf && high == kInf) {
     move[j] = 0;
     value[j] = 0;
-  } else if (high == kInf || (low != -kInf && (prefer > 0 || (prefer == 0 && std::fabs(low) <= std::fabs(high))))) {
+  } else if (high == kInf ||
+             (low != -kInf && (prefer > 0 || (prefer == 0 && std::fabs(low) <= std::fabs(high))))) {
     move[j] = 1;
     value[j] = low;
   } else {
@@ -203,7 +205,8 @@ void Core::btran(SparseVector& v, Density& density) {
 void Core::price(const SparseVector& rho, SparseVector& alpha) {
   bool by_columns = rho.count < 0;
   if (!by_columns && rho.count > 0.1 * m) {
-    by_columns = static_cast<double>(rows.row_work(rho)) > kColumnPriceRatio * static_cast<double>(rows.active_entries());
+    by_columns = static_cast<double>(rows.row_work(rho)) >
+                 kColumnPriceRatio * static_cast<double>(rows.active_entries());
   }
   std::int64_t touched;
   if (by_columns) {
@@ -253,7 +256,8 @@ void Core::compute_primal() {
   double* const b = buffer_.array.data();
   for (int j = 0; j < n; ++j) {
     if (!nonbasic[j] || value[j] == 0) continue;
-    for (int k = lp.matrix.start[j]; k < lp.matrix.start[j + 1]; ++k) b[lp.matrix.index[k]] -= value[j] * lp.matrix.value[k];
+    for (int k = lp.matrix.start[j]; k < lp.matrix.start[j + 1]; ++k)
+      b[lp.matrix.index[k]] -= value[j] * lp.matrix.value[k];
   }
   for (int i = 0; i < m; ++i) {
     if (nonbasic[n + i]) b[i] -= value[n + i];
@@ -274,7 +278,8 @@ void Core::compute_primal() {
 double Core::column_dot(int j, const std::vector<double>& y) const {
   if (j >= n) return y[j - n];
   double sum = 0;
-  for (int k = lp.matrix.start[j]; k < lp.matrix.start[j + 1]; ++k) sum += lp.matrix.value[k] * y[lp.matrix.index[k]];
+  for (int k = lp.matrix.start[j]; k < lp.matrix.start[j + 1]; ++k)
+    sum += lp.matrix.value[k] * y[lp.matrix.index[k]];
   return sum;
 }
 
@@ -289,7 +294,8 @@ void Core::compute_dual() {
   }
   buffer_.count = count;
   if (count > 0) factor.btran(buffer_, 1.0);
-  for (int j = 0; j < n; ++j) d[j] = nonbasic[j] ? work_cost[j] - (count > 0 ? column_dot(j, buffer_.array) : 0.0) : 0.0;
+  for (int j = 0; j < n; ++j)
+    d[j] = nonbasic[j] ? work_cost[j] - (count > 0 ? column_dot(j, buffer_.array) : 0.0) : 0.0;
   for (int i = 0; i < m; ++i) d[n + i] = nonbasic[n + i] ? work_cost[n + i] - buffer_.array[i] : 0.0;
   charge(static_cast<std::int64_t>(lp.matrix.index.size()) + m);
   buffer_.count = -1;

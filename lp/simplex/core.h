@@ -1,16 +1,15 @@
 /* The state that dual and primal simplex share, and the steps that both take.
  *
- * One index space of total = n + m variables: structurals 0..n-1, the logical of row i is n + i, with A x + I s = 0, so that
- * the logical's bounds are [-row_upper, -row_lower] and the right-hand side is zero. Everything here is in scaled space.
- * Holds
- *   cost, lower, upper       the model's own data, never touched by perturbation
- *   work_cost/lower/upper    what the iterations use: perturbed, shifted, or the boxes of the dual's first phase
- *   head[p]                  variable basic in position p (positions and rows share indices once factored)
- *   nonbasic[j], move[j]     1/0; the direction in which a nonbasic may move: +1 at lower, -1 at upper, 0 fixed, free or basic
- *   value[j]                 value of nonbasic j
- *   d[j]                     reduced cost of nonbasic j (stale for fixed columns between rebuilds), 0 for basic ones
- *   x, x_lower, x_upper      values and working bounds of the basic variables by position
- * Errors    bad_alloc passes through; numerical trouble is returned as values. */
+ * One index space of total = n + m variables: structurals 0..n-1, the logical of row i is n + i, with A x + I
+ * s = 0, so that the logical's bounds are [-row_upper, -row_lower] and the right-hand side is zero.
+ * Everything here is in scaled space. Holds cost, lower, upper       the model's own data, never touched by
+ * perturbation work_cost/lower/upper    what the iterations use: perturbed, shifted, or the boxes of the
+ * dual's first phase head[p]                  variable basic in position p (positions and rows share indices
+ * once factored) nonbasic[j], move[j]     1/0; the direction in which a nonbasic may move: +1 at lower, -1 at
+ * upper, 0 fixed, free or basic value[j]                 value of nonbasic j d[j]                     reduced
+ * cost of nonbasic j (stale for fixed columns between rebuilds), 0 for basic ones x, x_lower, x_upper values
+ * and working bounds of the basic variables by position Errors    bad_alloc passes through; numerical trouble
+ * is returned as values. */
 #pragma once
 
 #include <cstdint>
@@ -41,7 +40,8 @@ class Density {
 /* Cheap generator of the engine's own: shuffles ties and perturbations, never the user's stream. */
 class EngineRandom {
  public:
-  explicit EngineRandom(std::uint64_t seed = 1) : state_(seed * 0x9e3779b97f4a7c15ULL + 0x632be59bd9b4e019ULL) {}
+  explicit EngineRandom(std::uint64_t seed = 1)
+      : state_(seed * 0x9e3779b97f4a7c15ULL + 0x632be59bd9b4e019ULL) {}
   double real() {  // [0, 1)
     state_ ^= state_ << 13;
     state_ ^= state_ >> 7;
@@ -63,43 +63,48 @@ class Core {
   Core& operator=(const Core&) = delete;
 
   int n, m, total;
-  LpData lp;                                       // columns of the scaled model
+  LpData lp;  // columns of the scaled model
   RowCopy rows;
-  std::vector<double> cost, lower, upper;          // total
+  std::vector<double> cost, lower, upper;  // total
   std::vector<double> work_cost, work_lower, work_upper;
   std::vector<signed char> nonbasic, move;
   std::vector<double> value, d;
-  std::vector<int> head;                           // m
-  std::vector<double> x, x_lower, x_upper;         // m
-  std::vector<double> random_value;                // total; uniform in [0,1), fixed once per problem
+  std::vector<int> head;                    // m
+  std::vector<double> x, x_lower, x_upper;  // m
+  std::vector<double> random_value;         // total; uniform in [0,1), fixed once per problem
 
   factor::Factor factor;
-  bool has_factor = false;                         // factor belongs to head
+  bool has_factor = false;  // factor belongs to head
   Options options;
   Control* control;
   Counters counters;
   EngineRandom random;
-  double primal_tolerance, dual_tolerance;         // in force, scaled space
-  double threshold;                                // Markowitz threshold in force
+  double primal_tolerance, dual_tolerance;  // in force, scaled space
+  double threshold;                         // Markowitz threshold in force
   bool costs_perturbed = false, costs_shifted = false, bounds_perturbed = false;
-  int repairs = 0;                                 // singularity repairs in this solve
+  bool scaled = false;  // the model was scaled
+  int repairs = 0;      // singularity repairs in this solve
   Density row_ep_density, row_ap_density, column_density, dse_density, flip_density;
 
   // ---- basis ----
-  void set_logical_basis();                        // all logicals basic, structurals at their nearest bound
-  /* Takes statuses (size total); wrong numbers of basics are mended with logicals or by dropping. Forgets the factor. */
+  void set_logical_basis();  // all logicals basic, structurals at their nearest bound
+  /* Takes statuses (size total); wrong numbers of basics are mended with logicals or by dropping. Forgets the
+   * factor. */
   void set_basis(const std::vector<At>& status);
   std::vector<At> basis_status() const;
-  /* Puts nonbasic j on the bound that `move` prefers or, when `prefer` is 0, the bound nearest to zero. Sets move, value. */
+  /* Puts nonbasic j on the bound that `move` prefers or, when `prefer` is 0, the bound nearest to zero. Sets
+   * move, value. */
   void place_nonbasic(int j, int prefer);
-  void use_original_bounds();                      // work bounds = model bounds; nonbasics placed by their move
-  void use_original_costs();                       // drops perturbation and shifts
-  void update_basis_pattern();                     // row copy activity from nonbasic flags and fixed columns (after set_basis)
-  /* Bookkeeping of one basis change: q enters at position p, the leaving variable stands at its bound given by out_move. */
+  void use_original_bounds();   // work bounds = model bounds; nonbasics placed by their move
+  void use_original_costs();    // drops perturbation and shifts
+  void update_basis_pattern();  // row copy activity from nonbasic flags and fixed columns (after set_basis)
+  /* Bookkeeping of one basis change: q enters at position p, the leaving variable stands at its bound given
+   * by out_move. */
   void exchange(int q, int p, int leaving_move);
 
   // ---- factor ----
-  /* Factors head. Singular bases are mended with logicals (the removed variables become nonbasic) while allowed. */
+  /* Factors head. Singular bases are mended with logicals (the removed variables become nonbasic) while
+   * allowed. */
   FactorState refactor();
   void ftran(SparseVector& v, Density& density);
   void btran(SparseVector& v, Density& density);
@@ -110,28 +115,34 @@ class Core {
   void add_column(int q, double multiplier, SparseVector& v) const;
 
   // ---- values ----
-  void compute_primal();                           // x from the nonbasic values; also gathers x_lower, x_upper
-  void compute_dual();                             // d of every nonbasic from work_cost
-  double objective() const;                        // working costs at the present point
+  void compute_primal();     // x from the nonbasic values; also gathers x_lower, x_upper
+  void compute_dual();       // d of every nonbasic from work_cost
+  double objective() const;  // working costs at the present point
   double column_dot(int j, const std::vector<double>& y) const;  // a_j' y
 
   struct Infeasibility {
     int count = 0;
     double largest = 0, sum = 0;
   };
-  Infeasibility primal_infeasibility() const;      // basics against working bounds
-  Infeasibility dual_infeasibility() const;        // nonbasics by move; free: |d|; boxed ones count too
+  Infeasibility primal_infeasibility() const;  // basics against working bounds
+  Infeasibility dual_infeasibility() const;    // nonbasics by move; free: |d|; boxed ones count too
 
   bool is_fixed(int j) const { return lower[j] == upper[j]; }
   bool is_free(int j) const { return lower[j] == -kInf && upper[j] == kInf; }
 
-  std::int64_t work_done = 0;                      // ticks outside the factor
+  std::int64_t work_done = 0;  // ticks outside the factor
   void charge(std::int64_t ticks) { work_done += ticks; }
   std::int64_t total_work() const { return work_done + factor.work(); }
+  /* Hands the work since the last call to the control. */
+  void report_work() {
+    const std::int64_t done = total_work();
+    control->add_work(static_cast<std::uint64_t>(done - reported_work_));
+    reported_work_ = done;
+  }
 
  private:
-  SparseVector buffer_;                            // m: rebuild solves
-  std::vector<int> old_head_;
+  SparseVector buffer_;  // m: rebuild solves
+  std::int64_t reported_work_ = 0;
 };
 
 }  // namespace tovik::lp::simplex

@@ -8,16 +8,19 @@
 namespace tovik::lp::simplex {
 namespace {
 
-constexpr double kPivotMismatch = 1e-7;      // relative gap of the pivot by row and by column: refactor
-constexpr double kFreshMismatch = 1e-4;      // the same on a fresh factor: give the row up for now
-constexpr double kSmallPivot = 1e-7;         // pivots below this share of the row's largest ask for a fresh factor first
-constexpr double kBoxFree = 1000.0;          // bounds of free variables in the first phase
-constexpr int kRounds = 12;                  // phase changes before giving up
-constexpr int kTroubles = 60;                // numerical rejections in a row before giving up
-constexpr double kProgress = 1e-9;           // relative growth of the objective that counts as progress
+constexpr double kPivotMismatch = 1e-7;  // relative gap of the pivot by row and by column: refactor
+constexpr double kFreshMismatch = 1e-4;  // the same on a fresh factor: give the row up for now
+constexpr double kSmallPivot =
+    1e-7;  // pivots below this share of the row's largest ask for a fresh factor first
+constexpr double kBoxFree = 1000.0;  // bounds of free variables in the first phase
+constexpr int kRounds = 12;          // phase changes before giving up
+constexpr int kTroubles = 60;        // numerical rejections in a row before giving up
+constexpr double kProgress = 1e-9;   // relative growth of the objective that counts as progress
 constexpr double kStrongestPerturbation = 1e4;
 
-double bound_product(double d, double low, double high) { return d > 0 ? d * low : d * high; }
+double bound_product(double d, double low, double high) {
+  return d > 0 ? d * low : d * high;
+}
 
 }  // namespace
 
@@ -31,7 +34,8 @@ Dual::Dual(Core& core, Observer* observer) : core_(core), observer_(observer) {
   alpha_row_.resize(core.n);
 }
 
-// ---- phases ---------------------------------------------------------------------------------------------------------
+// ---- phases
+// ---------------------------------------------------------------------------------------------------------
 
 void Dual::set_phase1_bounds() {
   phase1_ = true;
@@ -63,7 +67,8 @@ Outcome Dual::solve(const Settings& settings, std::int64_t iteration_budget) {
   const bool fresh_basis = !core_.has_factor;
   if (fresh_basis && core_.refactor() == FactorState::singular) return Outcome::singular;
   if (!(settings.keep_norms && norms_.fits(core_.m))) {
-    const bool logical = std::all_of(core_.head.begin(), core_.head.end(), [&](int j) { return j >= core_.n; });
+    const bool logical =
+        std::all_of(core_.head.begin(), core_.head.end(), [&](int j) { return j >= core_.n; });
     if (logical || !settings.exact_norms) {
       norms_.reset(core_.m);
     } else {
@@ -133,7 +138,8 @@ Dual::PhaseEnd Dual::run_phase() {
     if (step == Step::stopped) return PhaseEnd::stopped;
     if (step == Step::numerical) {
       if (++trouble_count_ > kTroubles) return PhaseEnd::trouble;
-      if (trouble_count_ % 8 == 0) core_.threshold = std::min(0.9, core_.threshold < 0.1 ? 0.1 : core_.threshold + 0.2);
+      if (trouble_count_ % 8 == 0)
+        core_.threshold = std::min(0.9, core_.threshold < 0.1 ? 0.1 : core_.threshold + 0.2);
       keep_taboo = leaving_.taboo_count() > 0 && core_.counters.iterations == before;
       refactor = true;
       continue;
@@ -197,6 +203,7 @@ double Dual::dual_objective() const {
 
 bool Dual::check_limits() {
   Counters& c = core_.counters;
+  core_.report_work();
   Stop stop = core_.control->iteration_callback();
   if (stop == Stop::none) {
     if (c.iterations >= core_.options.iteration_limit) {
@@ -211,15 +218,23 @@ bool Dual::check_limits() {
     if (stop == Stop::none && c.iterations % 100 == 0) stop = core_.control->poll_clock();
   }
   switch (stop) {
-    case Stop::none: return false;
-    case Stop::time_limit: stop_ = Outcome::time_limit; break;
-    case Stop::tick_limit: stop_ = Outcome::tick_limit; break;
-    case Stop::user_abort: stop_ = Outcome::user_abort; break;
+    case Stop::none:
+      return false;
+    case Stop::time_limit:
+      stop_ = Outcome::time_limit;
+      break;
+    case Stop::tick_limit:
+      stop_ = Outcome::tick_limit;
+      break;
+    case Stop::user_abort:
+      stop_ = Outcome::user_abort;
+      break;
   }
   return true;
 }
 
-// ---- one iteration --------------------------------------------------------------------------------------------------
+// ---- one iteration
+// --------------------------------------------------------------------------------------------------
 
 int Dual::choose_row() {
   for (;;) {
@@ -323,9 +338,13 @@ void Dual::apply(int p, const DualEntering::Pick& pick) {
   update_values(p, step);
   core_.exchange(q, p, leaving_move);
   core_.x[p] = entering_value;
-  leaving_.set(p, DualLeaving::violation2(entering_value, core_.x_lower[p], core_.x_upper[p], core_.primal_tolerance),
-               norms_.view()[p]);
-  if (!core_.factor.update(alpha_column_, rho_, p)) wanted_ = Rebuild::refactor;
+  leaving_.set(
+      p, DualLeaving::violation2(entering_value, core_.x_lower[p], core_.x_upper[p], core_.primal_tolerance),
+      norms_.view()[p]);
+  if (!core_.factor.update(alpha_column_, rho_, p)) {
+    core_.has_factor = false;
+    wanted_ = Rebuild::refactor;
+  }
   if (core_.factor.wants_rebuild() ||
       (core_.options.refactor_limit > 0 && core_.factor.updates() >= core_.options.refactor_limit)) {
     wanted_ = Rebuild::refactor;
@@ -339,7 +358,8 @@ void Dual::apply(int p, const DualEntering::Pick& pick) {
     ++core_.counters.dual_phase2;
   }
   if (pick.theta == 0) ++core_.counters.degenerate;
-  if (core_.d[out] * core_.move[out] < -core_.dual_tolerance && core_.work_lower[out] != core_.work_upper[out]) {
+  if (core_.d[out] * core_.move[out] < -core_.dual_tolerance &&
+      core_.work_lower[out] != core_.work_upper[out]) {
     shift_cost(core_, out);
   }
   report(q, out, leaving_move < 0);
@@ -410,11 +430,12 @@ void Dual::watch_progress() {
   if (wanted_ == Rebuild::none) wanted_ = Rebuild::recompute;
 }
 
-/* The row says: sum of z_j x_j = 0 with z = rho'[A I]. Infeasible when no point within the bounds can meet it. */
+/* The row says: sum of z_j x_j = 0 with z = rho'[A I]. Infeasible when no point within the bounds can meet
+ * it. */
 bool Dual::prove_infeasible(int p) {
   (void)p;
   constexpr double kNegligible = 1e-9;
-  double least = 0;      // smallest and largest value of the row's activity over the bounds
+  double least = 0;  // smallest and largest value of the row's activity over the bounds
   double largest = 0;
   double scale = 0;
   const auto add = [&](int j, double z) {

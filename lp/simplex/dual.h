@@ -1,11 +1,13 @@
-/* The dual simplex driver: it orders the steps of an iteration; the work is done by Core and the dual's own components.
+/* The dual simplex driver: it orders the steps of an iteration; the work is done by Core and the dual's own
+ * components.
  *
- * solve() starts from the core's present basis. Boxed variables are put on their dual feasible bound; remaining dual
- * infeasibilities are first driven out by a first phase on the boxed subproblem (free [-1000, 1000], lower-bounded [0, 1],
- * upper-bounded [-1, 0], others 0), then the second phase runs with bound flipping on perturbed costs.
- * On optimal the basis is primal feasible and dual feasible for the WORKING costs; the original costs have been put back and
- * d recomputed, so that remaining dual infeasibilities (core.dual_infeasibility()) are left to a primal clean-up.
- * Papers: Forrest, Goldfarb (1992); Koberstein (2005); Huangfu, Hall, Math. Programming Computation 10 (2018). */
+ * solve() starts from the core's present basis. Boxed variables are put on their dual feasible bound;
+ * remaining dual infeasibilities are first driven out by a first phase on the boxed subproblem (free [-1000,
+ * 1000], lower-bounded [0, 1], upper-bounded [-1, 0], others 0), then the second phase runs with bound
+ * flipping on perturbed costs. On optimal the basis is primal feasible and dual feasible for the WORKING
+ * costs; the original costs have been put back and d recomputed, so that remaining dual infeasibilities
+ * (core.dual_infeasibility()) are left to a primal clean-up. Papers: Forrest, Goldfarb (1992); Koberstein
+ * (2005); Huangfu, Hall, Math. Programming Computation 10 (2018). */
 #pragma once
 
 #include <cstdint>
@@ -25,14 +27,15 @@ class Dual {
 
   struct Settings {
     bool perturb = true;
-    bool exact_norms = false;   // compute starting weights for a basis other than the slack basis
-    bool keep_norms = false;    // weights are those of the present basis
+    bool exact_norms = false;  // compute starting weights for a basis other than the slack basis
+    bool keep_norms = false;   // weights are those of the present basis
   };
   Outcome solve(const Settings& settings, std::int64_t iteration_budget);
 
   DualNorms& norms() { return norms_; }
   void set_observer(Observer* observer) { observer_ = observer; }
-  /* When the outcome is infeasible: the row y of B^-1 (by row, scaled space) whose combination of rows cannot be met. */
+  /* When the outcome is infeasible: the row y of B^-1 (by row, scaled space) whose combination of rows cannot
+   * be met. */
   const std::vector<double>& farkas() const { return farkas_; }
   double objective() const { return objective_; }
 
@@ -42,7 +45,7 @@ class Dual {
   enum class PhaseEnd { optimal, dual_infeasible, unbounded, stopped, trouble };
 
   PhaseEnd run_phase();
-  bool rebuild(bool refactor);             // false: give up (singular beyond repair)
+  bool rebuild(bool refactor);  // false: give up (singular beyond repair)
   Step iterate();
   int choose_row();
   bool price_and_choose(int p, DualEntering::Pick& pick);
@@ -69,10 +72,10 @@ class Dual {
   double objective_ = 0;
   bool phase1_ = false;
   Rebuild wanted_ = Rebuild::none;
-  bool fresh_ = false;                     // nothing has changed since the last rebuild
+  bool fresh_ = false;  // nothing has changed since the last rebuild
   Outcome stop_ = Outcome::trouble;
   std::int64_t iteration_end_ = 0;
-  int free_infeasible_ = 0;                // dual infeasibilities that neither flip nor shift may mend
+  int free_infeasible_ = 0;  // dual infeasibilities that neither flip nor shift may mend
   int trouble_count_ = 0;
   std::int64_t last_progress_iteration_ = 0;
   double last_progress_objective_ = 0;

@@ -6,8 +6,10 @@
 namespace tovik::lp::simplex {
 namespace {
 /* Smallest entry of the row that may become a pivot, by updates since the last factorization. */
-double pivot_tolerance(int updates) { return updates < 10 ? 1e-9 : updates < 20 ? 3e-8 : 1e-6; }
-constexpr double kGoodShare = 0.1;   // a group's pivot is good when it reaches this share of the largest pivot
+double pivot_tolerance(int updates) {
+  return updates < 10 ? 1e-9 : updates < 20 ? 3e-8 : 1e-6;
+}
+constexpr double kGoodShare = 0.1;  // a group's pivot is good when it reaches this share of the largest pivot
 constexpr double kGoodAlways = 1.0;  // ... or this size
 }  // namespace
 

@@ -1,10 +1,10 @@
 /* Choice of the entering column in the dual simplex: Harris' ratio test with bound flipping.
  * Holds     the pivot row as pairs (variable, alpha) over movable nonbasics, and the candidates among them.
  * Order     load() after the row was priced; choose(); flips() and theta are valid until the next load().
- * Method    The slope of the dual objective starts at |delta| and falls by alpha * range as break points d/alpha are passed;
- *           break points are walked in groups of nearly equal ratio; the last group that holds a large enough pivot gives the
- *           entering variable, all groups before it flip to their other bounds.
- * Papers    Harris, Math. Programming 5 (1973); Maros, EJOR 149 (2003); Koberstein, thesis Paderborn (2005). */
+ * Method    The slope of the dual objective starts at |delta| and falls by alpha * range as break points
+ * d/alpha are passed; break points are walked in groups of nearly equal ratio; the last group that holds a
+ * large enough pivot gives the entering variable, all groups before it flip to their other bounds. Papers
+ * Harris, Math. Programming 5 (1973); Maros, EJOR 149 (2003); Koberstein, thesis Paderborn (2005). */
 #pragma once
 
 #include <cstdint>
@@ -18,14 +18,15 @@ class DualEntering {
  public:
   struct Pick {
     int variable = -1;
-    double alpha = 0;    // row value of the pivot
-    double theta = 0;    // dual step d_q / alpha
+    double alpha = 0;  // row value of the pivot
+    double theta = 0;  // dual step d_q / alpha
   };
 
   void resize(const Core& core);
   /* Gathers the pivot row from rho (logicals) and alpha_row (structurals). */
   void load(Core& core, const SparseVector& rho, const SparseVector& alpha_row);
-  /* delta: signed violation of the leaving variable. May shift the cost of the pick so that its step is not negative. */
+  /* delta: signed violation of the leaving variable. May shift the cost of the pick so that its step is not
+   * negative. */
   Pick choose(Core& core, double delta);
   /* Removes a variable from the loaded row, after its pivot was refused. */
   void refuse(int variable);
@@ -37,17 +38,17 @@ class DualEntering {
  private:
   struct Candidate {
     int variable;
-    double alpha;   // its size, in the direction in which the variable may move
-    double row;     // alpha as it stands in the row
-    double dual;    // move * d
-    double ratio;   // dual / alpha
+    double alpha;  // its size, in the direction in which the variable may move
+    double row;    // alpha as it stands in the row
+    double dual;   // move * d
+    double ratio;  // dual / alpha
   };
   double collect(const Core& core, double delta);
   std::vector<int> index_;
   std::vector<double> alpha_;
   std::vector<Candidate> candidates_;
   std::vector<double> suffix_;
-  std::vector<int> group_;     // first candidate of each group
+  std::vector<int> group_;  // first candidate of each group
   std::vector<int> flips_;
   double largest_alpha_ = 0;
 };

@@ -5,10 +5,11 @@
 
 namespace tovik::lp::simplex {
 namespace {
-constexpr double kListColumnDensity = 0.05;  // above this a scan of all rows costs no more than the update does
-constexpr int kListKeep = 500;               // rows kept at least when a list is cut
-constexpr double kListShare = 0.01;          // lists up to this share of the rows are not cut
-constexpr double kRefill = 0.99;             // rebuild when the best listed merit falls below this share of the cut-off
+constexpr double kListColumnDensity =
+    0.05;                            // above this a scan of all rows costs no more than the update does
+constexpr int kListKeep = 500;       // rows kept at least when a list is cut
+constexpr double kListShare = 0.01;  // lists up to this share of the rows are not cut
+constexpr double kRefill = 0.99;  // rebuild when the best listed merit falls below this share of the cut-off
 }  // namespace
 
 void DualLeaving::resize(int rows) {
@@ -44,7 +45,8 @@ void DualLeaving::make_list(const Core& core, const std::vector<double>& weight)
   const auto uncut = std::max<size_t>(kListKeep, static_cast<size_t>(kListShare * core.m));
   if (merit_.size() > uncut) {
     const auto keep = std::max<size_t>(kListKeep, merit_.size() / 100);
-    std::nth_element(merit_.begin(), merit_.begin() + static_cast<std::ptrdiff_t>(keep), merit_.end(), std::greater<>());
+    std::nth_element(merit_.begin(), merit_.begin() + static_cast<std::ptrdiff_t>(keep), merit_.end(),
+                     std::greater<>());
     cutoff_ = merit_[keep];
   }
   for (int p = 0; p < core.m; ++p) {

@@ -1,9 +1,9 @@
 /* Choice of the leaving row in the dual simplex: the largest infeasibility^2 / weight.
  * Holds     infeasibility[p] = squared violation of basic p (0 when within tolerance), size m.
- * Modes     dense: every choice scans all rows. Listed: only rows whose merit passes a cut-off are kept in a list; rows are
- *           added as their merit grows, and the list is rebuilt when its best falls below the cut-off, so that in a
- *           hyper-sparse run no choice looks at all rows.
- * Order     rebuild() after the values were recomputed; touch() for every value that an update changed. */
+ * Modes     dense: every choice scans all rows. Listed: only rows whose merit passes a cut-off are kept in a
+ * list; rows are added as their merit grows, and the list is rebuilt when its best falls below the cut-off,
+ * so that in a hyper-sparse run no choice looks at all rows. Order     rebuild() after the values were
+ * recomputed; touch() for every value that an update changed. */
 #pragma once
 
 #include <cstdint>
@@ -16,7 +16,8 @@ namespace tovik::lp::simplex {
 class DualLeaving {
  public:
   void resize(int rows);
-  /* Recomputes all infeasibilities from the core's values, forgets taboo rows when asked, chooses the mode. */
+  /* Recomputes all infeasibilities from the core's values, forgets taboo rows when asked, chooses the mode.
+   */
   void rebuild(const Core& core, const std::vector<double>& weight, bool keep_taboo);
   /* Best row or -1. */
   int choose(Core& core, const std::vector<double>& weight);

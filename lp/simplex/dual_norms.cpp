@@ -34,7 +34,8 @@ void DualNorms::update(int p, const SparseVector& column, double pivot, const Sp
 }
 
 void DualNorms::save(const Core& core) {
-  if (by_variable_.size() != static_cast<size_t>(core.total)) by_variable_.assign(static_cast<size_t>(core.total), 1.0);
+  if (by_variable_.size() != static_cast<size_t>(core.total))
+    by_variable_.assign(static_cast<size_t>(core.total), 1.0);
   for (int p = 0; p < core.m; ++p) by_variable_[core.head[p]] = weight_[p];
 }
 

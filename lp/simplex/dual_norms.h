@@ -17,7 +17,8 @@ namespace tovik::lp::simplex {
 class DualNorms {
  public:
   static constexpr double kFloor = 1e-4;
-  static constexpr double kAccept = 0.25;  // a stored weight below this share of the exact one misled the choice
+  static constexpr double kAccept =
+      0.25;  // a stored weight below this share of the exact one misled the choice
 
   void reset(int rows) { weight_.assign(static_cast<size_t>(rows), 1.0); }
   void set(std::vector<double> weights) { weight_ = std::move(weights); }

@@ -1,4 +1,5 @@
-/* What the outside may watch of a running simplex: one event an iteration. The observer decides what to log and when. */
+/* What the outside may watch of a running simplex: one event an iteration. The observer decides what to log
+ * and when. */
 #pragma once
 
 #include <cstdint>
@@ -10,10 +11,10 @@ class Core;
 struct IterationEvent {
   bool phase1 = false;
   bool dual = true;
-  int entering = -1;          // variable (n + i: logical of row i); -1 when there is none
-  int leaving = -1;           // -1: the entering variable went to its other bound
+  int entering = -1;  // variable (n + i: logical of row i); -1 when there is none
+  int leaving = -1;   // -1: the entering variable went to its other bound
   bool entering_to_upper = false;
-  double objective = 0;       // objective of the minimization form in phase 2 (running value)
+  double objective = 0;  // objective of the minimization form in phase 2 (running value)
 };
 
 class Observer {

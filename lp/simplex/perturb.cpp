@@ -5,9 +5,9 @@
 
 namespace tovik::lp::simplex {
 namespace {
-constexpr double kBase = 5e-7;         // relative size of the perturbation before scaling
-constexpr double kLogical = 1e-12;     // logicals move by rounding noise only
-constexpr double kLargeCost = 100.0;   // above this the size follows the fourth root of the largest cost
+constexpr double kBase = 5e-7;        // relative size of the perturbation before scaling
+constexpr double kLogical = 1e-12;    // logicals move by rounding noise only
+constexpr double kLargeCost = 100.0;  // above this the size follows the fourth root of the largest cost
 constexpr double kBoxedShare = 0.01;
 }  // namespace
 

@@ -82,8 +82,10 @@ std::int64_t RowCopy::row_work(const SparseVector& rho) const {
   return work;
 }
 
-std::int64_t RowCopy::price_by_rows(const SparseVector& rho, double expected_density, SparseVector& out) const {
-  constexpr double kListDensity = 0.1;  // beyond this share of touched columns the list costs more than it saves
+std::int64_t RowCopy::price_by_rows(const SparseVector& rho, double expected_density,
+                                    SparseVector& out) const {
+  constexpr double kListDensity =
+      0.1;  // beyond this share of touched columns the list costs more than it saves
   const int n = columns_->columns;
   double* const target = out.array.data();
   int* const list = out.index.data();
@@ -149,7 +151,8 @@ std::int64_t RowCopy::price_by_columns(const SparseVector& rho, SparseVector& ou
   for (int j = 0; j < n; ++j) {
     if (!active_[j]) continue;
     double sum = 0;
-    for (int k = columns_->start[j]; k < columns_->start[j + 1]; ++k) sum += x[columns_->index[k]] * columns_->value[k];
+    for (int k = columns_->start[j]; k < columns_->start[j + 1]; ++k)
+      sum += x[columns_->index[k]] * columns_->value[k];
     if (std::fabs(sum) >= kTiny) {
       out.array[j] = sum;
       out.index[count++] = j;

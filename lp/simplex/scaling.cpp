@@ -15,8 +15,8 @@ double power_of_two(double x) {
   return std::exp2(std::round(std::log2(x)));
 }
 
-/* One pass: every row, then every column is divided by sqrt(min * max) of its entries. Returns the largest ratio
- * max/min within a column after the pass. */
+/* One pass: every row, then every column is divided by sqrt(min * max) of its entries. Returns the largest
+ * ratio max/min within a column after the pass. */
 double geometric_pass(const Matrix& a, std::vector<double>& row, std::vector<double>& column) {
   std::vector<double> row_min(row.size(), kInf), row_max(row.size(), 0.0);
   for (int j = 0; j < a.columns; ++j) {

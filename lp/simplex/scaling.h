@@ -1,5 +1,6 @@
 /* Row and column scaling by powers of two (exact): geometric passes, then equilibration of the columns.
- * Scaled matrix = R A C; a column's scaled value is x / C, its scaled cost c * C; a row's scaled activity is R * (A x). */
+ * Scaled matrix = R A C; a column's scaled value is x / C, its scaled cost c * C; a row's scaled activity is
+ * R * (A x). */
 #pragma once
 
 #include <vector>

@@ -6,10 +6,10 @@
 namespace tovik::lp::simplex {
 namespace {
 
-constexpr double kInnerShare = 0.1;        // the engine works to a tenth of the user's tolerances
-constexpr double kTightest = 1e-10;        // no tolerance of the engine is tightened below this
+constexpr double kInnerShare = 0.1;  // the engine works to a tenth of the user's tolerances
+constexpr double kTightest = 1e-10;  // no tolerance of the engine is tightened below this
 constexpr int kTightenings = 4;
-constexpr int kRounds = 12;                // dual/primal alternations before giving up
+constexpr int kRounds = 12;  // dual/primal alternations before giving up
 constexpr std::int64_t kUnlimited = std::int64_t{1} << 60;
 
 LpData scale_lp(const LpData& lp, const Scaling& scaling) {
@@ -117,6 +117,7 @@ Solver::Solver(const LpData& lp, const Options& options, Control& control, Obser
   core_ = std::make_unique<Core>(scale_lp(lp_, scaling_), options_, control);
   dual_ = std::make_unique<Dual>(*core_, observer_);
   primal_ = std::make_unique<Primal>(*core_);
+  core_->scaled = scaling_.active();
   core_->set_logical_basis();
 }
 
@@ -126,6 +127,22 @@ void Solver::set_control(Control& control, Observer* observer) {
   core_->control = &control;
   observer_ = observer;
   dual_->set_observer(observer);
+}
+
+void Solver::detach() {
+  core_->control = nullptr;
+  observer_ = nullptr;
+  dual_->set_observer(nullptr);
+}
+
+void Solver::set_objective_limits(double lower, double upper) {
+  options_.objective_lower = lower;
+  options_.objective_upper = upper;
+}
+
+void Solver::change_offset(double offset) {
+  lp_.offset = offset;
+  core_->lp.offset = offset;
 }
 
 void Solver::set_options(const Options& options) {
@@ -216,7 +233,8 @@ Outcome Solver::solve(Method method) {
     answer_.unscaled_infeasible = primal_excess > 1 || dual_excess > 1;
     if (!answer_.unscaled_infeasible || round == kTightenings) break;
     if (primal_excess > 1) {
-      core_->primal_tolerance = std::max(kTightest, core_->primal_tolerance / std::min(1e3, 3 * primal_excess));
+      core_->primal_tolerance =
+          std::max(kTightest, core_->primal_tolerance / std::min(1e3, 3 * primal_excess));
     }
     if (dual_excess > 1) {
       core_->dual_tolerance = std::max(kTightest, core_->dual_tolerance / std::min(1e3, 3 * dual_excess));
@@ -226,7 +244,9 @@ Outcome Solver::solve(Method method) {
   return outcome;
 }
 
-Outcome Solver::run(Method method) { return method == Method::dual ? run_dual() : run_primal(); }
+Outcome Solver::run(Method method) {
+  return method == Method::dual ? run_dual() : run_primal();
+}
 
 Outcome Solver::run_dual() {
   Dual::Settings settings;
@@ -252,7 +272,8 @@ Outcome Solver::run_dual() {
     last = primal_->solve(budget);
     if (last == Outcome::infeasible && verify_infeasible(primal_->infeasibility_duals())) return last;
     if (last == Outcome::unbounded && verify_ray()) return last;
-    if (last != Outcome::trouble && last != Outcome::infeasible && last != Outcome::unbounded && last != Outcome::singular) {
+    if (last != Outcome::trouble && last != Outcome::infeasible && last != Outcome::unbounded &&
+        last != Outcome::singular) {
       return last;
     }
     core_->threshold = std::min(0.9, core_->threshold < 0.1 ? 0.1 : core_->threshold + 0.2);
@@ -268,7 +289,8 @@ Outcome Solver::run_primal() {
     last = primal_->solve(kUnlimited);
     if (last == Outcome::infeasible && verify_infeasible(primal_->infeasibility_duals())) return last;
     if (last == Outcome::unbounded && verify_ray()) return last;
-    if (last != Outcome::trouble && last != Outcome::infeasible && last != Outcome::unbounded && last != Outcome::singular) {
+    if (last != Outcome::trouble && last != Outcome::infeasible && last != Outcome::unbounded &&
+        last != Outcome::singular) {
       return last;
     }
     core_->threshold = std::min(0.9, core_->threshold < 0.1 ? 0.1 : core_->threshold + 0.2);
@@ -300,7 +322,9 @@ void Solver::extract() {
   for (int j = 0; j < n; ++j) {
     if (core.nonbasic[j]) {
       const double v = core.value[j];
-      answer_.x[j] = v == core.lower[j] ? lp_.lower[j] : v == core.upper[j] ? lp_.upper[j] : v * column_scale(j);
+      answer_.x[j] = v == core.lower[j]   ? lp_.lower[j]
+                     : v == core.upper[j] ? lp_.upper[j]
+                                          : v * column_scale(j);
     }
   }
   for (int p = 0; p < m; ++p) {
@@ -329,8 +353,8 @@ void Solver::extract() {
   answer_.dual_feasible = answer_.violation.dual <= options_.dual_tolerance;
 }
 
-/* y'A x over the columns' box must miss y'r over the rows' box. Tiny entries that meet an infinite bound are what keeps a
- * true certificate from passing; they are allowed only below 1e-9 of the largest product. */
+/* y'A x over the columns' box must miss y'r over the rows' box. Tiny entries that meet an infinite bound are
+ * what keeps a true certificate from passing; they are allowed only below 1e-9 of the largest product. */
 bool Solver::verify_infeasible(const std::vector<double>& scaled_row) {
   if (scaled_row.size() != static_cast<size_t>(core_->m)) return false;
   std::vector<double> y(scaled_row.size());
@@ -345,7 +369,7 @@ bool Solver::verify_infeasible(const std::vector<double>& scaled_row) {
     if (std::fabs(v) < 1e-13) v = 0;
   }
   const std::vector<double> z = transpose_product(lp_, y);
-  Sum low, high;         // of y'(row activity by its bounds) - z'x over the box
+  Sum low, high;  // of y'(row activity by its bounds) - z'x over the box
   bool low_finite = true, high_finite = true;
   double magnitude = 0;
   const auto add = [&](double w, double lower, double upper) {
@@ -379,7 +403,8 @@ bool Solver::verify_infeasible(const std::vector<double>& scaled_row) {
   return true;
 }
 
-/* The direction in the user's space must keep A x within the rows' infinite sides, respect the columns' and improve. */
+/* The direction in the user's space must keep A x within the rows' infinite sides, respect the columns' and
+ * improve. */
 bool Solver::verify_ray() {
   const int q = primal_->ray_variable();
   if (q < 0) return false;
@@ -400,12 +425,14 @@ bool Solver::verify_ray() {
   Sum slope;
   for (int j = 0; j < core.n; ++j) {
     if (std::fabs(ray[j]) < 1e-12) ray[j] = 0;
-    if ((ray[j] > kTolerance && lp_.upper[j] < kInf) || (ray[j] < -kTolerance && lp_.lower[j] > -kInf)) return false;
+    if ((ray[j] > kTolerance && lp_.upper[j] < kInf) || (ray[j] < -kTolerance && lp_.lower[j] > -kInf))
+      return false;
     slope.add_product(lp_.cost[j], ray[j]);
   }
   const std::vector<double> activity = product(lp_, ray);
   for (int i = 0; i < core.m; ++i) {
-    if ((activity[i] > kTolerance && lp_.row_upper[i] < kInf) || (activity[i] < -kTolerance && lp_.row_lower[i] > -kInf)) {
+    if ((activity[i] > kTolerance && lp_.row_upper[i] < kInf) ||
+        (activity[i] < -kTolerance && lp_.row_lower[i] > -kInf)) {
       return false;
     }
   }

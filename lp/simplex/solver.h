@@ -1,9 +1,9 @@
 /* One LP, solved by dual or primal simplex, with the answer checked in the user's own space.
  *
- * Takes the model in minimization form, scales it, keeps basis and factor between solves (warm start), orders dual, primal
- * and clean-up runs, verifies each claim on the unscaled data (violations with compensated sums, Farkas certificate, ray)
- * and hands out values, duals, statuses and certificates in the user's space of the minimization form:
- *   row duals y = d objective / d right-hand side, reduced costs d = c - A'y. */
+ * Takes the model in minimization form, scales it, keeps basis and factor between solves (warm start), orders
+ * dual, primal and clean-up runs, verifies each claim on the unscaled data (violations with compensated sums,
+ * Farkas certificate, ray) and hands out values, duals, statuses and certificates in the user's space of the
+ * minimization form: row duals y = d objective / d right-hand side, reduced costs d = c - A'y. */
 #pragma once
 
 #include <memory>
@@ -28,31 +28,37 @@ struct Violation {
 
 struct Answer {
   Outcome outcome = Outcome::trouble;
-  bool has_values = false;               // x, activity, y, d, statuses are set
+  bool has_values = false;  // x, activity, y, d, statuses are set
   bool primal_feasible = false, dual_feasible = false;
-  bool unscaled_infeasible = false;      // optimal in scaled space, violated by more than the tolerance in the user's
-  Method method = Method::dual;          // of the last run that moved
+  bool unscaled_infeasible =
+      false;                     // optimal in scaled space, violated by more than the tolerance in the user's
+  Method method = Method::dual;  // of the last run that moved
   double objective = 0;
   std::vector<double> x, activity, y, d;
   std::vector<At> column_status, row_status;  // of a row: the status of its slack-like logical, see below
-  std::vector<double> ray;               // unbounded: columns
-  std::vector<double> farkas;            // infeasible: y by row with max over the box of y'Ax < min of y'(row bounds)
+  std::vector<double> ray;                    // unbounded: columns
+  std::vector<double> farkas;  // infeasible: y by row with max over the box of y'Ax < min of y'(row bounds)
   Violation violation;
 };
 
 class Solver {
  public:
-  /* lp: minimization form, user's space. The control must outlive the solver or be replaced before each solve. */
+  /* lp: minimization form, user's space. The control must outlive the solver or be replaced before each
+   * solve. */
   Solver(const LpData& lp, const Options& options, Control& control, Observer* observer);
   ~Solver();
 
   void set_control(Control& control, Observer* observer);
+  void detach();  // forgets control and observer after a run
   void set_options(const Options& options);
+  const Options& options() const { return options_; }
+  void set_objective_limits(double lower, double upper);  // minimization form
 
-  /* Statuses by column and by row; the row status is that of the row's activity: At::lower means the activity stands at
-   * the row's lower bound. */
+  /* Statuses by column and by row; the row status is that of the row's activity: At::lower means the activity
+   * stands at the row's lower bound. */
   void set_basis(const std::vector<At>& columns, const std::vector<At>& rows);
-  void set_dual_norms(const std::vector<double>& norms, const std::vector<int>& head);  // head: variable by position
+  void set_dual_norms(const std::vector<double>& norms,
+                      const std::vector<int>& head);  // head: variable by position
   void forget_basis();
   bool has_basis() const { return has_basis_; }
 
@@ -68,6 +74,7 @@ class Solver {
   void change_bounds(int j, double lower, double upper);
   void change_row_bounds(int i, double lower, double upper);
   void change_cost(int j, double cost);
+  void change_offset(double offset);
 
   /* Factor of the present basis, made when there is none. False when the basis is singular. */
   bool ensure_factor();

@@ -1,4 +1,5 @@
-/* Options, outcomes and counters of the simplex engine. Tolerances live in the scaled space of the engine unless said otherwise. */
+/* Options, outcomes and counters of the simplex engine. Tolerances live in the scaled space of the engine
+ * unless said otherwise. */
 #pragma once
 
 #include <cstdint>
@@ -19,30 +20,31 @@ enum class Outcome {
   time_limit,
   tick_limit,
   user_abort,
-  singular,   // more singularities than allowed
-  trouble     // numerically stuck: no claim can be verified
+  singular,  // more singularities than allowed
+  trouble    // numerically stuck: no claim can be verified
 };
 
 enum class Pricing { automatic, devex, steepest_edge, steepest_edge_unit, dantzig };
 
 struct Options {
-  double primal_tolerance = 1e-6;   // on bounds of rows and columns, user's space
-  double dual_tolerance = 1e-6;     // on reduced costs, user's space
-  double markowitz = 0.01;          // least threshold of the factor
-  int refactor_limit = 0;           // updates between factorizations; 0 = by work
+  double primal_tolerance = 1e-6;  // on bounds of rows and columns, user's space
+  double dual_tolerance = 1e-6;    // on reduced costs, user's space
+  double markowitz = 0.01;         // least threshold of the factor
+  int refactor_limit = 0;          // updates between factorizations; 0 = by work
   int singular_limit = 10;
   std::int64_t iteration_limit = 2100000000;
-  double objective_lower = -1e75;   // stop when the objective being minimized falls below (primal)
-  double objective_upper = 1e75;    // stop when the dual objective rises above (dual); both for the minimization form
+  double objective_lower = -1e75;  // stop when the objective being minimized falls below (primal)
+  double objective_upper =
+      1e75;  // stop when the dual objective rises above (dual); both for the minimization form
   Pricing dual_pricing = Pricing::automatic;
   Pricing primal_pricing = Pricing::automatic;
-  int price_candidates = 0;         // partial pricing block; 0 = automatic
-  bool perturb_always = false;      // from the first iteration
-  int perturb_after = 0;            // degenerate iterations before perturbing; 0 = automatic
+  int price_candidates = 0;     // partial pricing block; 0 = automatic
+  bool perturb_always = false;  // from the first iteration
+  int perturb_after = 0;        // degenerate iterations before perturbing; 0 = automatic
   double perturb_magnitude = 1e-6;
-  int scaling = 0;                  // -1 none, 0 geometric with equilibration, 1 more passes
+  int scaling = 0;  // -1 none, 0 geometric with equilibration, 1 more passes
   std::uint64_t seed = 1;
-  int display = 0;                  // 0 none, 1 iteration log, 2 a line per iteration
+  int display = 0;  // 0 none, 1 iteration log, 2 a line per iteration
 };
 
 struct Counters {
@@ -56,7 +58,7 @@ struct Counters {
   std::int64_t price_row = 0, price_column = 0;
   std::int64_t price_touched = 0;
   std::int64_t rejected_pivots = 0;
-  std::int64_t rows_scanned = 0;    // by the choice of the leaving row
+  std::int64_t rows_scanned = 0;  // by the choice of the leaving row
 };
 
 }  // namespace tovik::lp::simplex

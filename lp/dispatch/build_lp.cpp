@@ -1,0 +1,59 @@
+#include "lp/dispatch/build_lp.h"
+
+#include <algorithm>
+
+namespace tovik::lp::dispatch {
+
+RowBounds row_bounds(char sense, double rhs, double range) {
+  switch (sense) {
+    case 'L':
+      return {-kInf, stored_bound(rhs)};
+    case 'G':
+      return {stored_bound(rhs), kInf};
+    case 'R':
+      return {std::min(rhs, rhs + range), std::max(rhs, rhs + range)};
+    default:
+      return {rhs, rhs};
+  }
+}
+
+LpData build_lp(const model::Model& model) {
+  LpData lp;
+  const int columns = model.num_columns();
+  const int rows = model.num_rows();
+  const double sign = model.objective_sense();
+  lp.offset = sign * model.objective_offset();
+  const auto objective = model.objective();
+  const auto lower = model.lower();
+  const auto upper = model.upper();
+  lp.matrix.rows = rows;
+  lp.matrix.columns = columns;
+  lp.cost.resize(static_cast<size_t>(columns));
+  lp.lower.resize(static_cast<size_t>(columns));
+  lp.upper.resize(static_cast<size_t>(columns));
+  lp.matrix.start.reserve(static_cast<size_t>(columns) + 1);
+  lp.matrix.index.reserve(static_cast<size_t>(model.num_nonzeros()));
+  lp.matrix.value.reserve(static_cast<size_t>(model.num_nonzeros()));
+  for (int j = 0; j < columns; ++j) {
+    lp.cost[j] = sign * objective[j];
+    lp.lower[j] = stored_bound(lower[j]);
+    lp.upper[j] = stored_bound(upper[j]);
+    const model::ColumnView column = model.column(j);
+    lp.matrix.index.insert(lp.matrix.index.end(), column.index, column.index + column.count);
+    lp.matrix.value.insert(lp.matrix.value.end(), column.value, column.value + column.count);
+    lp.matrix.start.push_back(static_cast<int>(lp.matrix.index.size()));
+  }
+  lp.row_lower.resize(static_cast<size_t>(rows));
+  lp.row_upper.resize(static_cast<size_t>(rows));
+  const auto rhs = model.rhs();
+  const auto sense = model.sense();
+  const auto range = model.range();
+  for (int i = 0; i < rows; ++i) {
+    const RowBounds b = row_bounds(sense[i], rhs[i], range[i]);
+    lp.row_lower[i] = b.lower;
+    lp.row_upper[i] = b.upper;
+  }
+  return lp;
+}
+
+}  // namespace tovik::lp::dispatch

@@ -1,0 +1,30 @@
+/* Binds an engine to an environment: log lines to the results channel, work to the counter in force, limits
+ * from the frame on top, the terminate flag and the LP callback. */
+#pragma once
+
+#include "env/environment.h"
+#include "env/problem.h"
+#include "lp/linalg/control.h"
+
+namespace tovik::lp::dispatch {
+
+class EngineControl : public Control {
+ public:
+  EngineControl(Environment& env, Problem& problem, int callback_position);
+  void log(const char* text) override;
+  void flush() override;
+  void add_work(std::uint64_t ticks) override { env_.work->ticks += ticks; }
+  double seconds() override;
+  Stop poll() override;
+  Stop poll_clock() override;
+  Stop iteration_callback() override;
+  double random() override { return env_.random.real(); }
+
+ private:
+  Environment& env_;
+  Problem& problem_;
+  int position_;  // what the LP callback is told: 1 simplex, 7 presolve
+  double start_;
+};
+
+}  // namespace tovik::lp::dispatch

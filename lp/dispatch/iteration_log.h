@@ -1,0 +1,34 @@
+/* The iteration log in both details, the pricing lines and the elapsed-time lines, on the results channel. */
+#pragma once
+
+#include "env/environment.h"
+#include "env/problem.h"
+#include "lp/simplex/observer.h"
+
+namespace tovik::lp::dispatch {
+
+class IterationLog : public simplex::Observer {
+ public:
+  IterationLog(Environment& env, const Problem& problem, int display);
+  void iteration(const simplex::Core& core, const simplex::IterationEvent& event) override;
+  void pricing(bool steepest_edge, bool changed) override;
+  void text(const char* line) override;
+
+ private:
+  void brief(const simplex::Core& core, const simplex::IterationEvent& event, std::int64_t count);
+  void detailed(const simplex::Core& core, const simplex::IterationEvent& event, std::int64_t count);
+  void elapsed(std::int64_t count);
+  std::string variable(const simplex::Core& core, int j, bool entering) const;
+
+  Environment& env_;
+  const Problem& problem_;
+  int display_;
+  bool scaled_ = false;
+  std::int64_t next_line_ = 0;
+  int last_phase_ = 0;
+  std::int64_t elapsed_mark_ = 0;
+  double start_;
+  double last_elapsed_;
+};
+
+}  // namespace tovik::lp::dispatch

@@ -1,0 +1,31 @@
+/* The simplex engine that lives with a problem between optimizations: it keeps scaled model, basis, factor
+ * and norms, and follows changes of bounds, right-hand sides and costs so that the next optimization goes on
+ * where the last one ended. */
+#pragma once
+
+#include <memory>
+
+#include "env/problem.h"
+#include "lp/simplex/solver.h"
+
+namespace tovik::lp::dispatch {
+
+class LiveSimplex : public Derived {
+ public:
+  LiveSimplex(LpData lp, const simplex::Options& options, Control& control, simplex::Observer* observer)
+      : solver(lp, options, control, observer) {}
+  simplex::Solver solver;
+  bool start_is_mine = false;  // problem.start holds the basis that the engine stands on
+};
+
+simplex::Options engine_options(const Environment& env);
+
+/* The engine of a problem, made or brought up to date with the model: never null. With `basis`, the starting
+ * basis of the problem is installed when it is not the one the engine stands on. */
+LiveSimplex& live_simplex(Environment& env, Problem& problem, Control& control, simplex::Observer* observer);
+void install_start(Environment& env, Problem& problem, LiveSimplex& live);
+
+/* The engine if there is one that is up to date with a solved problem, else null. */
+LiveSimplex* current_simplex(Problem& problem);
+
+}  // namespace tovik::lp::dispatch

@@ -1,0 +1,71 @@
+#include "lp/dispatch/method.h"
+
+#include <algorithm>
+
+#include "include/tovik.h"
+#include "lp/dispatch/engine_control.h"
+#include "lp/dispatch/live_simplex.h"
+
+namespace tovik::lp::dispatch {
+namespace {
+constexpr int kNone = 2100000000;
+}
+
+Status check_continuous(const Problem& problem) {
+  switch (problem.type) {
+    case 0:
+    case 3:
+      return {};
+    case 1:
+      return Status(1017);
+    case 5:
+    case 8:
+      return Status(1018);
+    case 10:
+    case 13:
+      return Status(1031);
+    default:
+      return Status(1017);
+  }
+}
+
+Status most_infeasible_basic(Environment& env, Problem& problem, int* index) {
+  if (!problem.start.has_basis()) return Status(1262);
+  EngineControl control(env, problem, 1);
+  LiveSimplex& live = live_simplex(env, problem, control, nullptr);
+  install_start(env, problem, live);
+  simplex::Core& core = live.solver.core();
+  core.use_original_bounds();
+  const bool regular = live.solver.ensure_factor();
+  if (regular) core.compute_primal();
+  live.solver.detach();
+  if (!regular) return Status(1256);
+  double worst = env.settings.real(TVK_PARAM_EPRHS);
+  *index = kNone;
+  for (int p = 0; p < core.m; ++p) {
+    const int j = core.head[p];
+    const double scale = j < core.n ? live.solver.column_scale(j) : 1.0 / live.solver.row_scale(j - core.n);
+    const double violation = std::max(core.x_lower[p] - core.x[p], core.x[p] - core.x_upper[p]) * scale;
+    if (violation > worst) {
+      worst = violation;
+      *index = j;
+    }
+  }
+  return {};
+}
+
+int resolve_method(Environment& env, Problem& problem, bool allow_concurrent) {
+  const int method = env.settings.integer(TVK_PARAM_LPMETHOD);
+  if (method != 0 && !(method == 6 && !allow_concurrent)) return method;
+  int threads = env.settings.integer(TVK_PARAM_THREADS);
+  if (threads == 0) threads = std::max(1, thread_limit());
+  if (threads >= 2 && env.settings.integer(TVK_PARAM_MEMORYEMPHASIS) == 0 && allow_concurrent) return 6;
+  if (env.settings.integer(TVK_PARAM_ADVIND) != 0 && problem.start.has_basis()) {
+    int worst = 0;
+    const Status status = most_infeasible_basic(env, problem, &worst);
+    if (status.ok() && worst == kNone) return 1;
+  }
+  return 2;
+}
+
+}  // namespace tovik::lp::dispatch

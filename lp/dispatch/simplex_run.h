@@ -1,0 +1,18 @@
+/* One simplex optimization of a problem: engine, log, limits, the answer into the problem. */
+#pragma once
+
+#include "env/problem.h"
+#include "lp/simplex/solver.h"
+
+namespace tovik::lp::dispatch {
+
+/* Runs dual or primal simplex; leaves status, solution arrays and starting basis in the problem. */
+Status run_simplex(Environment& env, Problem& problem, simplex::Method method);
+
+/* Status code of the public table. */
+int status_code(simplex::Outcome outcome, bool unscaled_infeasible);
+
+/* Writes the engine's present point into problem.solution and problem.start. */
+void publish(Environment& env, Problem& problem, const simplex::Solver& solver);
+
+}  // namespace tovik::lp::dispatch
