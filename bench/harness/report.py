@@ -8,6 +8,7 @@ VIOLATION_LIMIT = 1e-5  # absolute, on the unscaled model: ten times the default
 SLOW_RATIO = 4.0
 SLOW_FLOOR_SECONDS = 0.1  # below this a ratio says nothing
 HARD_SECONDS = 0.5
+TIME_KINDS = {"total": "whole process, wall clock", "solve": "process less reading, wall clock", "cpu": "whole process, processor time"}
 LARGE_COUNT = 10
 
 
@@ -80,7 +81,7 @@ def summary(results, settings, kind):
 
 def _means(results, settings, kind):
     lines = ["", f"{len(results)} models, limit {settings.limit:g} s, method {settings.method}, presolve {settings.presolve}, "
-             f"{'whole process' if kind == 'total' else 'process less reading'}, wall clock"]
+             f"{TIME_KINDS[kind]}"]
     if not results:
         return lines
     names = list(results[0][1])
@@ -153,7 +154,7 @@ def comparison(old, new, time_change=1.25):
         was, now = before["verdict"] or before["status"], after["verdict"] or after["status"]
         if was != now:
             answers.append(f"  {name:<34} {was} -> {now}")
-        key = "seconds" if new["settings"]["time"] == "total" else "solve_seconds"
+        key = {"total": "seconds", "solve": "solve_seconds", "cpu": "cpu_seconds"}[new["settings"]["time"]]
         ratio = (after[key] + SHIFT_SECONDS) / (before[key] + SHIFT_SECONDS)
         if ratio > time_change or ratio < 1 / time_change:
             times.append((ratio, f"  {name:<34} {before[key]:9.3f} s -> {after[key]:9.3f} s   "

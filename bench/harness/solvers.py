@@ -35,7 +35,7 @@ class Run:
         return max(0.0, self.seconds - (self.read_seconds or 0.0))
 
     def time(self, kind):
-        return self.seconds if kind == "total" else self.solve_seconds
+        return {"total": self.seconds, "solve": self.solve_seconds, "cpu": self.cpu_seconds}[kind]
 
     def as_dict(self):
         return asdict(self) | {"solve_seconds": self.solve_seconds}

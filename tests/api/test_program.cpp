@@ -70,6 +70,10 @@ class Program : public testing::Test {
       dup2(input, 0);
       dup2(open("out", O_WRONLY | O_CREAT | O_TRUNC, 0600), 1);
       dup2(open("err", O_WRONLY | O_CREAT | O_TRUNC, 0600), 2);
+      if (!preload_.empty()) {
+        setenv("LD_PRELOAD", preload_.c_str(), 1);
+        setenv("ASAN_OPTIONS", "verify_asan_link_order=0", 1);
+      }
       if (moved) execv(TOVIK_PROGRAM, arguments.data());
       _exit(127);
     }
@@ -85,6 +89,7 @@ class Program : public testing::Test {
   }
 
   fs::path folder_;
+  std::string preload_;  // a library loaded before ours
 };
 
 const char kOptimal[] =
@@ -264,6 +269,16 @@ TEST_F(Program, ShowsBlockValuesAndLogWhereAsked) {
   EXPECT_FALSE(contains(quiet.out, "nonzeros"));
   EXPECT_FALSE(contains(quiet.out, "reduced cost"));
   EXPECT_TRUE(contains(run({"model.lp", "-q", "-p"}).out, "metal")) << "rows are printed with -p";
+}
+
+TEST_F(Program, NoticesValuesThatDoNotSatisfyTheModel) {
+  write("model.lp", kOptimal);
+  preload_ = TOVIK_WRONG_VALUES;
+  const Result result = run({"model.lp", "--json", "--method", "dual"});
+  EXPECT_EQ(result.exit, 9) << result.err;
+  EXPECT_NEAR(result.json()["primal_infeasibility"].get<double>(), 1e-3, 1e-9);
+  EXPECT_TRUE(contains(result.err, "rows 0.001 (time), bounds 0.001 (x)")) << result.err;
+  EXPECT_TRUE(contains(result.err, "FAILED")) << result.err;
 }
 
 TEST_F(Program, RelaxIgnoresIntegrality) {
