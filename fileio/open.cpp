@@ -179,24 +179,6 @@ std::string extended_name(std::string_view name, std::string_view extension) {
 
 }  // namespace
 
-bool starts_with_keyword(std::string_view text, std::string_view pattern) {
-  if (text.size() < pattern.size()) return false;
-  return std::equal(pattern.begin(), pattern.end(), text.begin(),
-                    [](char p, char t) { return t == p || t == lower(p); });
-}
-
-bool ends_with_keyword(std::string_view text, std::string_view pattern) {
-  return text.size() >= pattern.size() &&
-         starts_with_keyword(text.substr(text.size() - pattern.size()), pattern);
-}
-
-Compression compression_of(std::string_view name) {
-  if (name.size() < 3) return Compression::none;
-  if (name.size() > 3 && ends_with_keyword(name, ".BZ2")) return Compression::bzip2;
-  if (ends_with_keyword(name, ".GZ") || name.ends_with(".Z")) return Compression::gzip;
-  return Compression::none;
-}
-
 Status open_for_reading(Environment& env, const OpenRequest& request, std::unique_ptr<ByteSource>& source) {
   if (request.name == nullptr || request.name[0] == '\0') return fail(env, TVK_ERROR_NO_FILE_NAME);
   const Compression compression = request.allow_compressed ? compression_of(request.name) : Compression::none;

@@ -857,7 +857,214 @@ TVK_API int TVKsetdefaults(EnvHandle env);
 
 /* ==== Section: models, copy, modification, names, query (model/) ==== */
 
+/* A model has columns (variables) with objective coefficients, bounds, and types if it is a mixed-integer one, and rows
+ * (constraints) with senses and right-hand sides:
+ *
+ *     minimize or maximize  offset + obj'x   subject to   each row,   lb <= x <= ub
+ *
+ * Senses   'L': ax <= rhs.  'G': ax >= rhs.  'E': ax = rhs.  'R': ranged by a range value r:
+ *          rhs <= ax <= rhs + r when r >= 0, rhs + r <= ax <= rhs when r < 0.
+ * Infinity a bound of 1e20 or more is no upper bound, of -1e20 or less no lower bound; such bounds come back as +-1e20.
+ * Matrix   sparse, by vectors: entries of vector k at positions beg[k] to beg[k] + cnt[k] - 1 of ind (indices) and val
+ *          (values). Where a routine takes no counts, a vector ends where the next one begins, the last at nzcnt. The
+ *          model stores no zeros: entries with the value 0 are dropped.
+ * Null     optional vectors may be null; then obj is 0, lb 0, ub 1e20, rhs 0, sense 'E', range 0, type 'C'.
+ * Names    a family (columns, rows) has names for all items or for none. Where only some are given, the others get x or c
+ *          and their number from 1 (x7), or the next free number when that name is taken.
+ *
+ * While TVK_PARAM_DATACHECK is 1, contents are checked too; the line of the first bad entry tells its position:
+ * 1215 sense, 1229 bound indicator, 3021 type, 1225 not a number, 1233 infinite number, 1224 null name, and for a matrix
+ * 1226 beginnings that descend, 1227 a bad count, 1228 overlapping vectors, 1222 an index twice in one vector. While it is
+ * 0 such data are accepted (values of a repeated index are added up). Indices (1201 columns, 1203 rows, with the
+ * position) and what would be read outside the arrays (1200, 1227, 1228) are checked in any case.
+ *
+ * Routines that modify return 1023 for a problem of a fixed type, 1003 for a negative count, 1004 for a null pointer
+ * that is required, 1012 when the model would exceed 2100000000 rows, columns or entries, and 1001 without memory. What
+ * a change discards stands at "problem objects": nearly all make the solution unavailable. Added rows and columns join a
+ * starting basis (slack basic; column non-basic), and it survives deletions that leave it a basis. */
+
+/* ---- Copying a whole model ---- */
+
+/* Replaces the model of `lp`: a continuous problem (type 0) without solution and basis, whatever it was. numcols values in
+ * obj, matbeg, matcnt, lb, ub, colname; numrows in rhs, sense, rngval, rowname. The matrix is by columns with row indices
+ * in matind; space may be left between columns. objsense: TVK_MIN or TVK_MAX. rngval counts for 'R' rows only. Only
+ * rngval, colname and rowname may be null, also when a count is 0. With TVK_PARAM_DATACHECK 1: 1003 for another
+ * objsense or for an 'R' row without rngval.
+ *
+ *     // maximize 2x + 3y  subject to  c1: x + y <= 4,  x <= 3
+ *     double obj[] = {2, 3}, rhs[] = {4}, val[] = {1, 1}, lb[] = {0, 0}, ub[] = {3, TVK_INFBOUND};
+ *     int beg[] = {0, 1}, cnt[] = {1, 1}, ind[] = {0, 0};
+ *     TVKcopylp(env, lp, 2, 1, TVK_MAX, obj, rhs, "L", beg, cnt, ind, val, lb, ub, NULL); */
+TVK_API int TVKcopylp(ConstEnvHandle env, ProbHandle lp, int numcols, int numrows, int objsense, const double *obj,
+                      const double *rhs, const char *sense, const int *matbeg, const int *matcnt, const int *matind,
+                      const double *matval, const double *lb, const double *ub, const double *rngval);
+TVK_API int TVKcopylpwnames(ConstEnvHandle env, ProbHandle lp, int numcols, int numrows, int objsense,
+                            const double *obj, const double *rhs, const char *sense, const int *matbeg,
+                            const int *matcnt, const int *matind, const double *matval, const double *lb,
+                            const double *ub, const double *rngval, char **colname, char **rowname);
+
+/* ---- Adding and deleting ---- */
+
+/* Appends rcnt rows and, before them, ccnt empty columns (obj 0, bounds [0, 1e20]) that the rows may use. The matrix is by
+ * rows with column indices in rmatind; its three arrays may be null when nzcnt is 0. New 'R' rows have the range 0. With
+ * rcnt 0 nothing is added, no columns either. */
+TVK_API int TVKaddrows(ConstEnvHandle env, ProbHandle lp, int ccnt, int rcnt, int nzcnt, const double *rhs,
+                       const char *sense, const int *rmatbeg, const int *rmatind, const double *rmatval,
+                       char **colname, char **rowname);
+
+/* Appends ccnt columns. The matrix is by columns with indices of existing rows in cmatind; its three arrays may be null
+ * when nzcnt is 0. */
+TVK_API int TVKaddcols(ConstEnvHandle env, ProbHandle lp, int ccnt, int nzcnt, const double *obj, const int *cmatbeg,
+                       const int *cmatind, const double *cmatval, const double *lb, const double *ub, char **colname);
+
+/* Appends rows or columns without matrix entries. Columns with ctype make the problem a mixed-integer one. */
+TVK_API int TVKnewrows(ConstEnvHandle env, ProbHandle lp, int rcnt, const double *rhs, const char *sense,
+                       const double *rngval, char **rowname);
+TVK_API int TVKnewcols(ConstEnvHandle env, ProbHandle lp, int ccnt, const double *obj, const double *lb,
+                       const double *ub, const char *ctype, char **colname);
+
+/* Deletes rows (columns) begin..end; later ones move down. begin > end deletes nothing. Errors: 1205/1206 and 1200. */
+TVK_API int TVKdelrows(ConstEnvHandle env, ProbHandle lp, int begin, int end);
+TVK_API int TVKdelcols(ConstEnvHandle env, ProbHandle lp, int begin, int end);
+
+/* Deletes the rows (columns) whose entry of delstat, one for each, is exactly 1. On return delstat holds the new index of
+ * each, -1 for a deleted one. */
+TVK_API int TVKdelsetrows(ConstEnvHandle env, ProbHandle lp, int *delstat);
+TVK_API int TVKdelsetcols(ConstEnvHandle env, ProbHandle lp, int *delstat);
+
+/* ---- Changing values: cnt entries each, for the rows or columns in `indices` ---- */
+
+/* Sets the coefficient of row i and column j; 0 removes it. Row -1 is the objective, column -1 the right-hand side, column
+ * -2 the range value. Errors: 1211 row -1 with a negative column; 1200 outside; 1216 column -2 without ranged rows. */
+TVK_API int TVKchgcoef(ConstEnvHandle env, ProbHandle lp, int i, int j, double value);
+
+/* Sets numcoefs coefficients. Errors: 1222 a (row, column) pair twice. With one or two coefficients otherwise as
+ * TVKchgcoef; with three or more only rows and columns of the matrix (1203, 1201). */
+TVK_API int TVKchgcoeflist(ConstEnvHandle env, ProbHandle lp, int numcoefs, const int *rowlist, const int *collist,
+                           const double *vallist);
+
+/* Changes bounds: lu[k] 'L' the lower one, 'U' the upper one, 'B' both. A value of 1e17 or more (-1e17 or less) is an
+ * infinite bound; +infinity as lower and -infinity as upper bound are ignored with a warning; less than 1e-10 in magnitude
+ * is 0. */
+TVK_API int TVKchgbds(ConstEnvHandle env, ProbHandle lp, int cnt, const int *indices, const char *lu,
+                      const double *bd);
+
+/* As TVKchgbds, but a value looser than the present bound leaves it as it is. */
+TVK_API int TVKtightenbds(ConstEnvHandle env, ProbHandle lp, int cnt, const int *indices, const char *lu,
+                          const double *bd);
+
+TVK_API int TVKchgrhs(ConstEnvHandle env, ProbHandle lp, int cnt, const int *indices, const double *values);
+/* A row that becomes ranged has the range 0 until TVKchgrngval; one that no longer is loses its range. */
+TVK_API int TVKchgsense(ConstEnvHandle env, ProbHandle lp, int cnt, const int *indices, const char *sense);
+/* Rows of other senses than 'R' are left as they are. Error: 1216 no ranged rows at all. */
+TVK_API int TVKchgrngval(ConstEnvHandle env, ProbHandle lp, int cnt, const int *indices, const double *values);
+TVK_API int TVKchgobj(ConstEnvHandle env, ProbHandle lp, int cnt, const int *indices, const double *values);
+/* A negative sense is TVK_MAX, any other TVK_MIN. */
+TVK_API int TVKchgobjsen(ConstEnvHandle env, ProbHandle lp, int objsense);
+/* The constant of the objective, 0 in a new model. */
+TVK_API int TVKchgobjoffset(ConstEnvHandle env, ProbHandle lp, double offset);
+
+/* ---- Column types: 'C' continuous, 'B' binary, 'I' integer, 'S' semi-continuous, 'N' semi-integer ---- */
+
+/* Sets the types of all columns (one letter each; no terminating zero needed) or of those listed. A continuous problem
+ * becomes a mixed-integer one; bounds do not change. */
+TVK_API int TVKcopyctype(ConstEnvHandle env, ProbHandle lp, const char *ctype);
+TVK_API int TVKchgctype(ConstEnvHandle env, ProbHandle lp, int cnt, const int *indices, const char *ctype);
+
+/* ---- Names. Changing them keeps the solution. ---- */
+
+/* Names one item. key: 'c' column ij, 'r' row ij, 'b' the bound set (as in the BOUNDS section of a file; ij is not used).
+ * Errors: 1003 another key; 1200 ij outside. */
+TVK_API int TVKchgname(ConstEnvHandle env, ProbHandle lp, int key, int ij, const char *newname);
+/* Name cnt columns (rows). When the model had no names, the others get made-up ones. Error: 1224 a null name. */
+TVK_API int TVKchgcolname(ConstEnvHandle env, ProbHandle lp, int cnt, const int *indices, char **newname);
+TVK_API int TVKchgrowname(ConstEnvHandle env, ProbHandle lp, int cnt, const int *indices, char **newname);
+/* Removes the names of all columns and rows. */
+TVK_API int TVKdelnames(ConstEnvHandle env, ProbHandle lp);
+TVK_API int TVKchgprobname(ConstEnvHandle env, ProbHandle lp, const char *probname);
+TVK_API int TVKcopyobjname(ConstEnvHandle env, ProbHandle lp, const char *objname);
+
+/* ---- Queries. Sparse and name queries follow the surplus protocol:
+ * With space 0 and a surplus pointer a query only sets *surplus_p to minus the space that it needs and returns 1207 without
+ * printing (0 when nothing is needed). Otherwise it fills the arrays as far as they go; *surplus_p is the space left, or
+ * minus the space missing with 1207. All ranges: 1205/1206 and 1200 when outside; begin > end is empty. ----
+ *
+ *     int nz, surplus;
+ *     TVKgetcols(env, lp, &nz, NULL, NULL, NULL, 0, &surplus, 0, n - 1);
+ *     int *ind = malloc(-surplus * sizeof(int)); double *val = malloc(-surplus * sizeof(double));
+ *     TVKgetcols(env, lp, &nz, beg, ind, val, -surplus, &surplus, 0, n - 1); */
+
+/* 0 after an error. */
+TVK_API int TVKgetnumcols(ConstEnvHandle env, ConstProbHandle lp);
+TVK_API int TVKgetnumrows(ConstEnvHandle env, ConstProbHandle lp);
+TVK_API int TVKgetnumnz(ConstEnvHandle env, ConstProbHandle lp);
+TVK_API int TVKgetobjsen(ConstEnvHandle env, ConstProbHandle lp);
+/* Columns of type 'I', 'B', 'S', 'N'; 0 in a continuous problem. */
+TVK_API int TVKgetnumint(ConstEnvHandle env, ConstProbHandle lp);
+TVK_API int TVKgetnumbin(ConstEnvHandle env, ConstProbHandle lp);
+TVK_API int TVKgetnumsemicont(ConstEnvHandle env, ConstProbHandle lp);
+TVK_API int TVKgetnumsemiint(ConstEnvHandle env, ConstProbHandle lp);
+
+/* Entries begin..end into positions 0..end-begin of the array. Range values of rows other than 'R' are 0. */
+TVK_API int TVKgetobj(ConstEnvHandle env, ConstProbHandle lp, double *obj, int begin, int end);
+TVK_API int TVKgetrhs(ConstEnvHandle env, ConstProbHandle lp, double *rhs, int begin, int end);
+TVK_API int TVKgetsense(ConstEnvHandle env, ConstProbHandle lp, char *sense, int begin, int end);
+TVK_API int TVKgetlb(ConstEnvHandle env, ConstProbHandle lp, double *lb, int begin, int end);
+TVK_API int TVKgetub(ConstEnvHandle env, ConstProbHandle lp, double *ub, int begin, int end);
+TVK_API int TVKgetrngval(ConstEnvHandle env, ConstProbHandle lp, double *rngval, int begin, int end);
+/* Error: 3003 for a continuous problem. */
+TVK_API int TVKgetctype(ConstEnvHandle env, ConstProbHandle lp, char *ctype, int begin, int end);
+TVK_API int TVKgetobjoffset(ConstEnvHandle env, ConstProbHandle lp, double *offset_p);
+
+/* One coefficient, 0 where there is none; i and j and their errors as in TVKchgcoef. */
+TVK_API int TVKgetcoef(ConstEnvHandle env, ConstProbHandle lp, int i, int j, double *value_p);
+
+/* Columns (rows) begin..end: their number of entries, the position of each one's first entry, row (column) indices and
+ * values. The entries of a row come by ascending column. After a 1207 the beginnings are complete and the first
+ * cmatspace entries are there. Errors: 1004 any null pointer unless only the size is asked for. */
+TVK_API int TVKgetcols(ConstEnvHandle env, ConstProbHandle lp, int *nzcnt_p, int *cmatbeg, int *cmatind,
+                       double *cmatval, int cmatspace, int *surplus_p, int begin, int end);
+TVK_API int TVKgetrows(ConstEnvHandle env, ConstProbHandle lp, int *nzcnt_p, int *rmatbeg, int *rmatind,
+                       double *rmatval, int rmatspace, int *surplus_p, int begin, int end);
+
+/* Names of columns (rows) begin..end, one after another with their zeros in namestore (storespace bytes); name[k] points to
+ * the k-th. Errors: 1219 no names; 1004 as above. */
+TVK_API int TVKgetcolname(ConstEnvHandle env, ConstProbHandle lp, char **name, char *namestore, int storespace,
+                          int *surplus_p, int begin, int end);
+TVK_API int TVKgetrowname(ConstEnvHandle env, ConstProbHandle lp, char **name, char *namestore, int storespace,
+                          int *surplus_p, int begin, int end);
+/* Index of the (first) column or row with this name. Error: 1210 there is none. */
+TVK_API int TVKgetcolindex(ConstEnvHandle env, ConstProbHandle lp, const char *name, int *index_p);
+TVK_API int TVKgetrowindex(ConstEnvHandle env, ConstProbHandle lp, const char *name, int *index_p);
+/* Name of the problem; of the objective (1219 when it has none). `space` bytes with the terminating zero. */
+TVK_API int TVKgetprobname(ConstEnvHandle env, ConstProbHandle lp, char *buffer, int space, int *surplus_p);
+TVK_API int TVKgetobjname(ConstEnvHandle env, ConstProbHandle lp, char *buffer, int space, int *surplus_p);
+
 /* ==== Section: files (fileio/) ==== */
+
+/* Reads a model file into an existing problem, whose data it replaces.
+ *
+ * filename  the file; it becomes the problem's name. A name that ends in .gz or .bz2 (either case) or .Z is read through
+ *           the program gzip or bzip2, which must be on the search path; no shell sees the name.
+ * filetype  "LP" or "MPS" (either case; what follows these letters is ignored), or NULL to let the name's extension
+ *           (.lp, .mps, .qps) decide and, where it tells nothing, the file's first byte: '*', 'N' or 'n' mean MPS; a
+ *           blank, a line feed, a backslash, 'M' or 'm' mean LP.
+ *
+ * With the type given, a file that does not exist is looked for once more with .lp or .mps appended.
+ *
+ * LP format: an objective after Minimize or Maximize (constants are allowed there), rows after Subject To as
+ * "name: 3 x - 2 y <= 4", with two senses ("1 <= x + y <= 4") for ranged rows, then Bounds, Generals, Binaries,
+ * Semi-Continuous, SOS and End. A name that comes twice in one expression counts as the sum of its terms. Columns lie
+ * between 0 and infinity where the file says nothing; rows without a name are called c1, c2 ... by their position.
+ *
+ * Errors: 1004 filename is NULL; 1421 it is empty; 1423 the file, or its compressor, cannot be read to the end; 1424 the
+ * format is unknown (or one that is not read: SAV and network files); 1436-1623 the text is not understood, with the
+ * line; 1018, 1022, 1031 the model holds quadratic terms, sets, indicators, cuts or lazy constraints, which a problem
+ * object cannot hold; 1023 the problem is a fixed one. On every error the problem is as it was before.
+ *
+ *     status = TVKreadcopyprob(env, lp, "diet.lp.gz", NULL);
+ */
+TVK_API int TVKreadcopyprob(ConstEnvHandle env, ProbHandle lp, const char *filename, const char *filetype);
 
 /* ==== Section: optimizers, bases, rays, sensitivity, quality (lp/dispatch/) ==== */
 

@@ -1,0 +1,11 @@
+#include "env/entry.h"
+#include "fileio/dispatch.h"
+
+using namespace tovik;
+
+int TVKreadcopyprob(ConstEnvHandle env, ProbHandle lp, const char* filename, const char* filetype) {
+  return with_problem(env, lp, [&](Environment& environment, Problem& problem) -> Status {
+    if (filename == nullptr) return TVK_ERROR_NULL_POINTER;
+    return fileio::read_problem(environment, problem, filename, filetype);
+  });
+}

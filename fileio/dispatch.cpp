@@ -1,0 +1,206 @@
+#include "fileio/dispatch.h"
+
+#include <algorithm>
+#include <memory>
+#include <string>
+#include <utility>
+
+#include "env/environment.h"
+#include "env/problem.h"
+#include "include/tovik.h"
+#include "model/load.h"
+#include "param/hidden.h"
+
+namespace tovik::fileio {
+namespace {
+
+/* Delivers a reader's lines to the environment's channels. */
+class ChannelLog final : public ReaderLog {
+ public:
+  explicit ChannelLog(const Environment& env) : env_(env) {}
+  void warning(std::string_view text) override { deliver(env_.warning_channel, text); }
+  void result(std::string_view text) override { deliver(env_.results_channel, text); }
+
+ private:
+  static void deliver(Channel* channel, std::string_view text) {
+    message(channel, "%s", std::string(text).c_str());
+  }
+  const Environment& env_;
+};
+
+/* Reads the first byte of a file whose name does not tell its format. */
+Status guess_format(Environment& env, const char* name, Format& format) {
+  OpenRequest request;
+  request.name = name;
+  std::unique_ptr<ByteSource> source;
+  if (const Status status = open_for_reading(env, request, source); !status.ok()) return status;
+  char byte = '\0';
+  if (source->read(&byte, 1) == 1) {
+    format = format_of_first_byte(byte);
+  } else if (!source->finish()) {
+    return fail(env, TVK_ERROR_OPEN_FOR_READING, name);
+  }
+  return {};
+}
+
+Status choose_format(Environment& env, const char* name, const char* type, Format& format) {
+  if (type != nullptr) {
+    format = format_of_type(type);
+  } else {
+    format = format_of_name(name);
+    if (format == Format::unknown) {
+      if (const Status status = guess_format(env, name, format); !status.ok()) return status;
+    }
+  }
+  const bool readable = format == Format::lp || format == Format::mps;
+  return readable ? Status{} : Status(TVK_ERROR_FILE_TYPE);
+}
+
+ReadOptions options_of(const Settings& settings) {
+  const auto capacity = [&settings](int number, int standard) {
+    const int value = settings.integer(number);
+    return value < 0 ? standard : value;
+  };
+  ReadOptions options;
+  options.expected_rows = capacity(param::kExpectedRows, 100);
+  options.expected_columns = capacity(param::kExpectedColumns, 100);
+  options.expected_nonzeros = capacity(param::kExpectedNonzeros, 500);
+  return options;
+}
+
+Status read_file(Environment& env, const char* name, Format format, FileModel& model) {
+  OpenRequest request;
+  request.name = name;
+  request.default_extension = format == Format::lp ? ".lp" : ".mps";
+  std::unique_ptr<ByteSource> source;
+  if (const Status status = open_for_reading(env, request, source); !status.ok()) return status;
+  ChannelLog log(env);
+  const ReadOptions options = options_of(env.settings);
+  const ReadFailure failure =
+      format == Format::lp ? read_lp(*source, options, log, model) : read_mps(*source, options, log, model);
+  // A file that did not arrive whole is no file: what the reader made of its beginning tells nothing.
+  if (!source->finish()) return fail(env, TVK_ERROR_OPEN_FOR_READING, name);
+  return failure ? report_failure(env, failure) : Status{};
+}
+
+/* Names the first family of the file that a problem object does not hold. */
+Status check_families(Environment& env, const char* name, const FileModel& model) {
+  struct Family {
+    bool present;
+    const char* words;
+    int code;
+  };
+  const Family families[] = {
+      {!model.quadratic_objective.empty(), "quadratic objective coefficients", TVK_ERROR_NOT_FOR_QP},
+      {!model.quadratic_rows.empty(), "quadratic constraints", TVK_ERROR_NOT_FOR_QCP},
+      {!model.sets.empty(), "special ordered sets", TVK_ERROR_PROBLEM_TYPE},
+      {!model.indicators.empty(), "indicator constraints", TVK_ERROR_PROBLEM_TYPE},
+      {!model.user_cuts.empty(), "user cuts", TVK_ERROR_PROBLEM_TYPE},
+      {!model.lazy_constraints.empty(), "lazy constraints", TVK_ERROR_PROBLEM_TYPE},
+  };
+  for (const Family& family : families) {
+    if (!family.present) continue;
+    message(env.error_channel, "Problem %s contains %s, which are not supported; not read.\n", name,
+            family.words);
+    return family.code;
+  }
+  return {};
+}
+
+/* The rows, columns and types of the file, ready to be loaded; types that say 'C' only are dropped. */
+model::ModelData model_data(FileModel&& file, const char* name) {
+  const bool continuous = std::ranges::all_of(file.types, [](char type) { return type == 'C'; });
+  model::ModelData data;
+  data.problem_name = name;
+  data.objective_name = std::move(file.objective_name);
+  data.objective_sense = file.objective_sense;
+  data.objective_offset = file.objective_offset;
+  data.objective = std::move(file.objective);
+  data.lower = std::move(file.lower);
+  data.upper = std::move(file.upper);
+  if (!continuous) data.types = std::move(file.types);
+  data.rhs = std::move(file.rhs);
+  data.range = std::move(file.range);
+  data.sense = std::move(file.sense);
+  data.start = std::move(file.start);
+  data.index = std::move(file.index);
+  data.value = std::move(file.value);
+  data.column_names = file.columns.release();
+  data.row_names = file.rows.release();
+  return data;
+}
+
+}  // namespace
+
+Format format_of_type(std::string_view type) {
+  if (starts_with_keyword(type, "LP")) return Format::lp;
+  if (starts_with_keyword(type, "MPS")) return Format::mps;
+  if (starts_with_keyword(type, "SAV")) return Format::sav;
+  if (starts_with_keyword(type, "MIN") || starts_with_keyword(type, "NET")) return Format::network;
+  return Format::unknown;
+}
+
+Format format_of_name(std::string_view name) {
+  if (name.size() > 4 && ends_with_keyword(name, ".BZ2")) {
+    name.remove_suffix(4);
+  } else if (ends_with_keyword(name, ".GZ")) {
+    name.remove_suffix(3);
+  } else if (ends_with_keyword(name, ".Z")) {
+    name.remove_suffix(2);
+  }
+  if (ends_with_keyword(name, ".LP")) return Format::lp;
+  if (ends_with_keyword(name, ".MPS") || ends_with_keyword(name, ".QPS")) return Format::mps;
+  if (ends_with_keyword(name, ".SAV")) return Format::sav;
+  if (ends_with_keyword(name, ".NET") || ends_with_keyword(name, ".MIN")) return Format::network;
+  return Format::unknown;
+}
+
+Format format_of_first_byte(char byte) {
+  if (byte == '\n') return Format::lp;
+  if (static_cast<unsigned char>(byte) < 32) return Format::sav;
+  if (byte == '*' || byte == 'N' || byte == 'n') return Format::mps;
+  if (byte == 'M' || byte == 'm' || byte == '\\' || byte == ' ') return Format::lp;
+  return Format::unknown;
+}
+
+Status report_failure(Environment& env, const ReadFailure& failure) {
+  using Arguments = ReadFailure::Arguments;
+  const int code = failure.code;
+  const char* text = failure.text.c_str();
+  const char* text2 = failure.text2.c_str();
+  switch (failure.arguments) {
+    case Arguments::none:
+      return fail(env, code);
+    case Arguments::i:
+      return fail(env, code, failure.first);
+    case Arguments::ii:
+      return fail(env, code, failure.first, failure.second);
+    case Arguments::s:
+      return fail(env, code, text);
+    case Arguments::ss:
+      return fail(env, code, text, text2);
+    case Arguments::sss:
+      return fail(env, code, text, text2, failure.text3.c_str());
+    case Arguments::is:
+      return fail(env, code, failure.first, text);
+    case Arguments::iss:
+      return fail(env, code, failure.first, text, text2);
+    case Arguments::ic:
+      return fail(env, code, failure.first, failure.letter);
+    case Arguments::icc:
+      return fail(env, code, failure.first, failure.letter, failure.letter2);
+  }
+  return code;
+}
+
+Status read_problem(Environment& env, Problem& problem, const char* name, const char* type) {
+  Format format = Format::unknown;
+  if (const Status status = choose_format(env, name, type, format); !status.ok()) return status;
+  FileModel model;
+  if (const Status status = read_file(env, name, format, model); !status.ok()) return status;
+  if (const Status status = check_families(env, name, model); !status.ok()) return status;
+  env.add_work(model.index.size() + model.rhs.size() + model.objective.size());
+  return model::load(env, problem, model_data(std::move(model), name));
+}
+
+}  // namespace tovik::fileio
