@@ -14,6 +14,10 @@ from dataclasses import asdict, dataclass
 GRACE_SECONDS = 5.0  # a program that overruns its own limit by this much is killed
 
 
+# A BLAS that starts threads of its own would give one program more processors than the other.
+_THREAD_VARIABLES = ("OPENBLAS_NUM_THREADS", "OMP_NUM_THREADS", "MKL_NUM_THREADS")
+
+
 @dataclass
 class Run:
     """One model solved once. Seconds are wall clock of the whole process unless the name says otherwise."""
@@ -135,7 +139,8 @@ def execute(solver, path, model, settings):
     run = Run()
     with tempfile.TemporaryFile() as out, tempfile.TemporaryFile() as err:
         started = time.perf_counter()
-        process = subprocess.Popen(solver.command(path, model, settings), stdin=subprocess.DEVNULL, stdout=out, stderr=err)
+        process = subprocess.Popen(solver.command(path, model, settings), stdin=subprocess.DEVNULL, stdout=out, stderr=err,
+                                   env=os.environ | dict.fromkeys(_THREAD_VARIABLES, str(settings.threads)))
         killed = threading.Event()
 
         def kill():
