@@ -42,6 +42,12 @@ void NameTable::adopt(NameBlock&& block) noexcept {
   block.offset.clear();
 }
 
+NameBlock NameTable::release() noexcept {
+  NameBlock block = std::move(block_);
+  clear();
+  return block;
+}
+
 void NameTable::append(int present, int count, const char* const* names) {
   append(present, count, names, names != nullptr);
 }

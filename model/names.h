@@ -38,6 +38,9 @@ class NameTable {
    * are made up too. */
   void append(int present, int count, const char* const* names);
 
+  /* Gives its block away and is empty then. */
+  NameBlock release() noexcept;
+
   /* Cuts back to the first `count` names. */
   void truncate(int count) noexcept;
   void clear() noexcept;

@@ -1,0 +1,80 @@
+/* Giving and removing names. */
+#include <string>
+#include <utility>
+
+#include "model/changes.h"
+#include "model/check.h"
+
+namespace tovik::model {
+
+namespace {
+
+/* A null pointer among the names could not be stored, so it fails whatever the data check says. */
+Status check_renames(Environment& env, const NameChanges& changes, IndexRule rule) {
+  if (changes.count < 0) return TVK_ERROR_BAD_ARGUMENT;
+  if (changes.count == 0) return {};
+  if (changes.indices == nullptr || changes.names == nullptr) return TVK_ERROR_NULL_POINTER;
+  if (Status s = check_names(env, changes.count, changes.names); !s.ok()) return s;
+  return check_safe_indices(env, rule, changes.count, changes.indices);
+}
+
+}  // namespace
+
+Status change_column_names(Environment& env, Problem& problem, const NameChanges& changes) {
+  if (Status s = check_modifiable(problem); !s.ok()) return s;
+  const Status checked = check_renames(env, changes, {'c', problem.model->num_columns()});
+  if (!checked.ok() || changes.count == 0) return checked;
+  problem.model->rename_columns(changes.count, changes.indices, changes.names);
+  invalidate(problem, Change::names);
+  return {};
+}
+
+Status change_row_names(Environment& env, Problem& problem, const NameChanges& changes) {
+  if (Status s = check_modifiable(problem); !s.ok()) return s;
+  const Status checked = check_renames(env, changes, {'r', problem.model->num_rows()});
+  if (!checked.ok() || changes.count == 0) return checked;
+  problem.model->rename_rows(changes.count, changes.indices, changes.names);
+  invalidate(problem, Change::names);
+  return {};
+}
+
+Status change_name(Problem& problem, int key, int index, const char* name) {
+  if (Status s = check_modifiable(problem); !s.ok()) return s;
+  if (key != 'c' && key != 'r' && key != 'b') return TVK_ERROR_BAD_ARGUMENT;
+  if (name == nullptr) return TVK_ERROR_NULL_POINTER;
+  Model& model = *problem.model;
+  if (key == 'b') {
+    model.set_bounds_name(name);
+  } else {
+    const int count = key == 'c' ? model.num_columns() : model.num_rows();
+    if (index < 0 || index >= count) return TVK_ERROR_INDEX_RANGE;
+    key == 'c' ? model.rename_columns(1, &index, &name) : model.rename_rows(1, &index, &name);
+  }
+  invalidate(problem, Change::names);
+  return {};
+}
+
+Status delete_names(Problem& problem) {
+  if (Status s = check_modifiable(problem); !s.ok()) return s;
+  problem.model->delete_names();
+  invalidate(problem, Change::names);
+  return {};
+}
+
+Status change_problem_name(Problem& problem, const char* name) {
+  if (Status s = check_modifiable(problem); !s.ok()) return s;
+  if (name == nullptr) return TVK_ERROR_NULL_POINTER;
+  std::string(name).swap(problem.name);
+  invalidate(problem, Change::names);
+  return {};
+}
+
+Status copy_objective_name(Problem& problem, const char* name) {
+  if (Status s = check_modifiable(problem); !s.ok()) return s;
+  if (name == nullptr) return TVK_ERROR_NULL_POINTER;
+  problem.model->set_objective_name(name);
+  invalidate(problem, Change::names);
+  return {};
+}
+
+}  // namespace tovik::model

@@ -1,0 +1,161 @@
+/* Bounds, right-hand sides, ranges, senses and the objective. */
+#include <algorithm>
+#include <cmath>
+
+#include "model/changes.h"
+#include "model/check.h"
+
+namespace tovik::model {
+
+namespace {
+
+/* A bound change of this size already means an infinite bound, smaller than kInfinity as it is. */
+constexpr double kInfiniteChange = 1e17;
+/* A bound change below this size means 0. */
+constexpr double kZeroChange = 1e-10;
+
+/* The checks that all changes by index list share, around the content check of the values. */
+template <class ContentCheck>
+Status check_changes(Environment& env, const ValueChanges& changes, IndexRule rule, ContentCheck&& content) {
+  if (changes.count < 0) return TVK_ERROR_BAD_ARGUMENT;
+  if (changes.count == 0) return {};
+  if (changes.indices == nullptr || changes.values == nullptr) return TVK_ERROR_NULL_POINTER;
+  if (checking(env)) {
+    if (Status s = content(); !s.ok()) return s;
+  }
+  return check_safe_indices(env, rule, changes.count, changes.indices);
+}
+
+Status check_changes(Environment& env, const ValueChanges& changes, IndexRule rule) {
+  return check_changes(env, changes, rule, [&] { return check_numbers(env, changes.count, changes.values); });
+}
+
+double normal_bound(double bound) {
+  if (bound >= kInfiniteChange) return kInfinity;
+  if (bound <= -kInfiniteChange) return -kInfinity;
+  return std::fabs(bound) < kZeroChange ? 0.0 : bound;
+}
+
+void change_lower(Environment& env, Model& model, int j, double bound, BoundRule rule) {
+  if (bound >= kInfiniteChange) {
+    message(env.warning_channel, "Warning:  Infinity lower bound ignored.\n");
+    return;
+  }
+  const double value = normal_bound(bound);
+  const bool looser = value <= model.lower()[static_cast<std::size_t>(j)];
+  if (rule == BoundRule::replace || !looser) model.set_lower(j, value);
+}
+
+void change_upper(Environment& env, Model& model, int j, double bound, BoundRule rule) {
+  if (bound <= -kInfiniteChange) {
+    message(env.warning_channel, "Warning:  -Infinity upper bound ignored.\n");
+    return;
+  }
+  const double value = normal_bound(bound);
+  const bool looser = value >= model.upper()[static_cast<std::size_t>(j)];
+  if (rule == BoundRule::replace || !looser) model.set_upper(j, value);
+}
+
+}  // namespace
+
+Status check_modifiable(const Problem& problem) {
+  return problem.fixed() ? Status(TVK_ERROR_FIXED_PROBLEM) : Status();
+}
+
+void discard_presolved_model(Environment& env, Problem& problem, const char* change) {
+  if (!problem.presolve) return;
+  message(env.warning_channel, "Warning: %s the presolved model fails.\n", change);
+  problem.presolve.reset();
+}
+
+Status change_bounds(Environment& env, Problem& problem, const BoundChanges& changes, BoundRule rule) {
+  if (Status s = check_modifiable(problem); !s.ok()) return s;
+  if (changes.count < 0) return TVK_ERROR_BAD_ARGUMENT;
+  if (changes.count == 0) return {};
+  if (changes.columns == nullptr || changes.which == nullptr || changes.bounds == nullptr)
+    return TVK_ERROR_NULL_POINTER;
+  if (checking(env)) {
+    if (Status s = check_bound_indicators(env, changes.count, changes.which); !s.ok()) return s;
+    if (Status s = check_numbers(env, changes.count, changes.bounds); !s.ok()) return s;
+  }
+  Model& model = *problem.model;
+  const Status indices = check_safe_indices(env, {'c', model.num_columns()}, changes.count, changes.columns);
+  if (!indices.ok()) return indices;
+  discard_presolved_model(env, problem, "Changing bounds of");
+  for (int k = 0; k < changes.count; ++k) {
+    const char which = changes.which[k];
+    if (which == 'L' || which == 'B') change_lower(env, model, changes.columns[k], changes.bounds[k], rule);
+    if (which == 'U' || which == 'B') change_upper(env, model, changes.columns[k], changes.bounds[k], rule);
+  }
+  invalidate(problem, Change::bounds);
+  return {};
+}
+
+Status change_rhs(Environment& env, Problem& problem, const ValueChanges& changes) {
+  if (Status s = check_modifiable(problem); !s.ok()) return s;
+  Model& model = *problem.model;
+  const Status checked = check_changes(env, changes, {'r', model.num_rows()});
+  if (!checked.ok() || changes.count == 0) return checked;
+  discard_presolved_model(env, problem, "Changing rhs of");
+  for (int k = 0; k < changes.count; ++k) model.set_rhs(changes.indices[k], changes.values[k]);
+  invalidate(problem, Change::rhs);
+  return {};
+}
+
+Status change_ranges(Environment& env, Problem& problem, const ValueChanges& changes) {
+  if (Status s = check_modifiable(problem); !s.ok()) return s;
+  Model& model = *problem.model;
+  const Status checked = check_changes(env, changes, {'r', model.num_rows()});
+  if (!checked.ok() || changes.count == 0) return checked;
+  if (!model.has_ranges()) return TVK_ERROR_NO_RANGE_VALUES;
+  for (int k = 0; k < changes.count; ++k) model.set_range(changes.indices[k], changes.values[k]);
+  invalidate(problem, Change::ranges);
+  return {};
+}
+
+Status change_objective(Environment& env, Problem& problem, const ValueChanges& changes) {
+  if (Status s = check_modifiable(problem); !s.ok()) return s;
+  Model& model = *problem.model;
+  const Status checked = check_changes(env, changes, {'c', model.num_columns()});
+  if (!checked.ok() || changes.count == 0) return checked;
+  discard_presolved_model(env, problem, "Changing obj. of");
+  for (int k = 0; k < changes.count; ++k) model.set_objective(changes.indices[k], changes.values[k]);
+  invalidate(problem, Change::objective);
+  return {};
+}
+
+Status change_senses(Environment& env, Problem& problem, int count, const int* rows, const char* senses) {
+  if (Status s = check_modifiable(problem); !s.ok()) return s;
+  if (count < 0) return TVK_ERROR_BAD_ARGUMENT;
+  if (count == 0) return {};
+  if (rows == nullptr || senses == nullptr) return TVK_ERROR_NULL_POINTER;
+  if (checking(env)) {
+    if (Status s = check_senses(env, count, senses); !s.ok()) return s;
+  }
+  Model& model = *problem.model;
+  if (Status s = check_safe_indices(env, {'r', model.num_rows()}, count, rows); !s.ok()) return s;
+  for (int k = 0; k < count; ++k) model.set_sense(rows[k], senses[k]);
+  invalidate(problem, Change::senses);
+  return {};
+}
+
+Status change_objective_sense(Environment& env, Problem& problem, int sense) {
+  if (Status s = check_modifiable(problem); !s.ok()) return s;
+  discard_presolved_model(env, problem, "Changing the objective of");
+  problem.model->set_objective_sense(sense < 0 ? -1 : 1);
+  invalidate(problem, Change::objective_sense);
+  return {};
+}
+
+Status change_objective_offset(Environment& env, Problem& problem, double offset) {
+  if (Status s = check_modifiable(problem); !s.ok()) return s;
+  if (checking(env)) {
+    if (Status s = check_numbers(env, 1, &offset); !s.ok()) return s;
+  }
+  discard_presolved_model(env, problem, "Changing the objective of");
+  problem.model->set_objective_offset(offset);
+  invalidate(problem, Change::objective);
+  return {};
+}
+
+}  // namespace tovik::model
