@@ -29,6 +29,7 @@ void Builder::reset(int rows, Lu& lu) {
   lu.links.assign(slots, SlotLinks{});
   lu.etas.file.used = 0;
   new_head_.assign(rows, kNone);
+  if (basic_.capacity() <= matrix_.columns) basic_.resize(matrix_.columns);
   columns_.clear();
   rejected_.clear();
   exchanges_.clear();
@@ -49,7 +50,7 @@ void Builder::assign(int slot, int row, int column, double pivot, Lu& lu) {
 void Builder::pivot_logicals(const std::vector<int>& head, Lu& lu) {
   for (const int variable : head) {
     if (variable < matrix_.columns) {
-      columns_.push_back(variable);
+      if (!basic_.insert_new(variable)) rejected_.push_back(variable);
       continue;
     }
     const int row = variable - matrix_.columns;
@@ -59,6 +60,7 @@ void Builder::pivot_logicals(const std::vector<int>& head, Lu& lu) {
       lu.row_slot[row] = kLogical;
     }
   }
+  for (int variable = 0; (variable = basic_.take_first(variable)) >= 0;) columns_.push_back(variable);
   for (int row = 0; row < lu.rows; ++row) {
     if (lu.row_slot[row] != kLogical) continue;
     const int slot = next_slot_++;
@@ -75,35 +77,30 @@ void Builder::pivot_logicals(const std::vector<int>& head, Lu& lu) {
  */
 void Builder::count_lines(const Lu& lu) {
   const int columns = static_cast<int>(columns_.size());
-  column_count_.assign(columns, 0);
-  column_xor_.assign(columns, 0);
+  column_left_.resize(columns);
   column_done_.assign(columns, 0);
-  row_count_.assign(lu.rows, 0);
-  row_xor_.assign(lu.rows, 0);
+  row_left_.assign(lu.rows, {});
   int active = 0;
   std::int64_t entries = 0;
   for (int c = 0; c < columns; ++c) {
     const int j = columns_[c];
     entries += matrix_.start[j + 1] - matrix_.start[j];
-    int count = 0, combined = 0;
+    Remaining left;
     for (int k = matrix_.start[j]; k < matrix_.start[j + 1]; ++k) {
       const int row = matrix_.index[k];
       if (lu.row_slot[row] != kNone || matrix_.value[k] == 0.0) continue;
-      ++count;
-      combined ^= row;
-      ++row_count_[row];
-      row_xor_[row] ^= c;
+      left.add(row);
+      row_left_[row].add(c);
     }
-    column_count_[c] = count;
-    column_xor_[c] = combined;
-    active += count;
+    column_left_[c] = left;
+    active += left.count;
   }
   basis_nonzeros_ = entries + lu.logicals + static_cast<std::int64_t>(rejected_.size());
   row_start_.resize(lu.rows + 1);
   int place = 0;
   for (int row = 0; row < lu.rows; ++row) {
     row_start_[row] = place;
-    place += row_count_[row];
+    place += row_left_[row].count;
   }
   row_start_[lu.rows] = place;
   if (static_cast<int>(row_columns_.size()) < active) row_columns_.resize(active + active / 4);
@@ -121,46 +118,52 @@ void Builder::count_lines(const Lu& lu) {
 
 /* A column with one active row pivots there: all its other entries belong to U, L has none. No row loses an
  * entry. */
-void Builder::pivot_column_singletons(Lu& lu) {
-  queue_.clear();
-  for (int c = 0; c < static_cast<int>(columns_.size()); ++c) {
-    if (column_count_[c] == 1) queue_.push_back(c);
+void Builder::pivot_column_singleton(int c, Lu& lu) {
+  const int row = column_left_[c].combined;
+  const int j = columns_[c];
+  const int begin = matrix_.start[j], end = matrix_.start[j + 1];
+  const int start = lu.u_columns.used;
+  lu.u_columns.reserve(start + end - begin);
+  double pivot = 0.0;
+  for (int k = begin; k < end; ++k) {
+    const int i = matrix_.index[k];
+    if (i == row) {
+      pivot = matrix_.value[k];
+    } else if (matrix_.value[k] != 0.0) {
+      lu.u_columns.append(lu.row_slot[i], matrix_.value[k]);
+    }
   }
-  for (std::size_t next = 0; next < queue_.size(); ++next) {
-    const int c = queue_[next];
-    if (column_count_[c] != 1) continue;
-    const int row = column_xor_[c];
-    const int j = columns_[c];
-    const int start = lu.u_columns.used;
-    lu.u_columns.reserve(start + matrix_.start[j + 1] - matrix_.start[j]);
-    double pivot = 0.0;
-    for (int k = matrix_.start[j]; k < matrix_.start[j + 1]; ++k) {
-      const int i = matrix_.index[k];
-      if (i == row) {
-        pivot = matrix_.value[k];
-      } else if (matrix_.value[k] != 0.0) {
-        lu.u_columns.append(lu.row_slot[i], matrix_.value[k]);
-      }
-    }
-    work_ += matrix_.start[j + 1] - matrix_.start[j];
-    if (std::fabs(pivot) < settings_.pivot_absolute) {
-      lu.u_columns.used = start;  // left to the kernel, which rejects it unless it grows
-      continue;
-    }
-    const int slot = next_slot_++;
-    lu.u_column[slot].start = start;
-    lu.u_column[slot].length = lu.u_columns.used - start;
-    assign(slot, row, c, pivot, lu);
-    for (int k = row_start_[row]; k < row_start_[row + 1]; ++k) {
-      const int other = row_columns_[k];
-      column_xor_[other] ^= row;
-      if (--column_count_[other] == 1) queue_.push_back(other);
-    }
-    work_ += row_start_[row + 1] - row_start_[row];
+  work_ += end - begin + row_start_[row + 1] - row_start_[row];
+  if (std::fabs(pivot) < settings_.pivot_absolute) {
+    lu.u_columns.used = start;  // left to the kernel
+    return;
+  }
+  const int slot = next_slot_++;
+  lu.u_column[slot].start = start;
+  lu.u_column[slot].length = lu.u_columns.used - start;
+  assign(slot, row, c, pivot, lu);
+  for (int k = row_start_[row]; k < row_start_[row + 1]; ++k) {
+    const int other = row_columns_[k];
+    if (column_left_[other].remove(row) == 1) stack_.push_back(other);
   }
 }
 
-bool Builder::pivot_row_singleton(int row, int c, Lu& lu) {
+/* Each singleton is followed at once by those it gives rise to: they lie close together in memory, in the
+ * factor too. */
+void Builder::pivot_column_singletons(Lu& lu) {
+  for (int first = 0; first < static_cast<int>(columns_.size()); ++first) {
+    if (column_left_[first].count != 1) continue;
+    for (stack_.assign(1, first); !stack_.empty();) {
+      const int c = stack_.back();
+      stack_.pop_back();
+      if (column_left_[c].count == 1) pivot_column_singleton(c, lu);
+    }
+  }
+}
+
+/* A row with one active column pivots there: the column's other active entries belong to L. No column loses
+ * an entry. */
+void Builder::pivot_row_singleton(int row, int c, Lu& lu) {
   const int j = columns_[c];
   const int begin = matrix_.start[j], end = matrix_.start[j + 1];
   double pivot = 0.0;
@@ -168,7 +171,7 @@ bool Builder::pivot_row_singleton(int row, int c, Lu& lu) {
     if (matrix_.index[k] == row) pivot = matrix_.value[k];
   }
   work_ += 2 * (end - begin);
-  if (std::fabs(pivot) < settings_.pivot_absolute) return false;
+  if (std::fabs(pivot) < settings_.pivot_absolute) return;
   const int u_start = lu.u_columns.used, l_start = lu.l_columns.used;
   lu.u_columns.reserve(u_start + end - begin);
   lu.l_columns.reserve(l_start + end - begin);
@@ -181,28 +184,25 @@ bool Builder::pivot_row_singleton(int row, int c, Lu& lu) {
       continue;
     }
     lu.l_columns.append(i, value / pivot);
-    row_xor_[i] ^= c;
-    if (--row_count_[i] == 1) queue_.push_back(i);
+    if (row_left_[i].remove(c) == 1) stack_.push_back(i);
   }
   const int slot = next_slot_++;
   lu.u_column[slot].start = u_start;
   lu.u_column[slot].length = lu.u_columns.used - u_start;
   lu.l_column[slot] = {l_start, lu.l_columns.used - l_start};
   assign(slot, row, c, pivot, lu);
-  return true;
 }
 
-/* A row with one active column pivots there: the column's other active entries belong to L. No column loses
- * an entry. */
 void Builder::pivot_row_singletons(Lu& lu) {
   lu.first_l = next_slot_;
-  queue_.clear();
-  for (int row = 0; row < lu.rows; ++row) {
-    if (row_count_[row] == 1 && lu.row_slot[row] == kNone) queue_.push_back(row);
-  }
-  for (std::size_t next = 0; next < queue_.size(); ++next) {
-    const int row = queue_[next];
-    if (row_count_[row] == 1) pivot_row_singleton(row, row_xor_[row], lu);
+  for (int first = 0; first < lu.rows; ++first) {
+    if (row_left_[first].count != 1) continue;
+    for (stack_.assign(1, first); !stack_.empty();) {
+      const int row = stack_.back();
+      stack_.pop_back();
+      if (row_left_[row].count == 1 && lu.row_slot[row] == kNone)
+        pivot_row_singleton(row, row_left_[row].combined, lu);
+    }
   }
 }
 
@@ -219,7 +219,7 @@ void Builder::load_kernel(const Lu& lu) {
   for (int c = 0; c < static_cast<int>(columns_.size()); ++c) {
     if (column_done_[c]) continue;
     kernel_columns_.push_back(c);
-    entries += column_count_[c];
+    entries += column_left_[c].count;
   }
   kernel_.begin(static_cast<int>(kernel_rows_.size()), static_cast<int>(kernel_columns_.size()), entries);
   for (const int c : kernel_columns_) {

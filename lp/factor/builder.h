@@ -9,6 +9,7 @@
 #include "lp/factor/factor.h"
 #include "lp/factor/kernel.h"
 #include "lp/factor/lu.h"
+#include "lp/factor/workspace.h"
 
 namespace tovik::lp::factor {
 
@@ -26,12 +27,25 @@ class Builder {
   std::int64_t basis_nonzeros() const { return basis_nonzeros_; }
 
  private:
+  struct Remaining {  // active entries of a line: how many, and the exclusive or of their places
+    int count = 0, combined = 0;
+    void add(int place) {
+      ++count;
+      combined ^= place;
+    }
+    int remove(int place) {
+      combined ^= place;
+      return --count;
+    }
+  };
+
   void reset(int rows, Lu& lu);
   void pivot_logicals(const std::vector<int>& head, Lu& lu);
   void count_lines(const Lu& lu);
+  void pivot_column_singleton(int column, Lu& lu);
   void pivot_column_singletons(Lu& lu);
   void pivot_row_singletons(Lu& lu);
-  bool pivot_row_singleton(int row, int column, Lu& lu);
+  void pivot_row_singleton(int row, int column, Lu& lu);
   void pivot_kernel(Lu& lu);
   void load_kernel(const Lu& lu);
   void store_kernel(Lu& lu);
@@ -52,10 +66,11 @@ class Builder {
   std::vector<int> columns_;   // structural basic variables; "column" below is a place in this list
   std::vector<int> rejected_;  // variables that found no pivot
   std::vector<int> new_head_;  // row -> variable, kNone while the row has no pivot
-  std::vector<int> column_count_, column_xor_, row_count_, row_xor_;
+  std::vector<Remaining> column_left_, row_left_;
+  SlotSet basic_;  // structural basic variables, to list them in order
   std::vector<char> column_done_;
-  std::vector<int> row_start_, row_columns_;  // columns of each row that has no logical
-  std::vector<int> queue_;
+  std::vector<int> row_start_, row_columns_;       // columns of each row that has no logical
+  std::vector<int> stack_;                         // singletons to pivot next
   std::vector<int> kernel_row_;                    // row -> its number in the kernel
   std::vector<int> kernel_rows_, kernel_columns_;  // and back
   std::vector<int> count_;                         // scratch of the transpositions

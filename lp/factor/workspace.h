@@ -18,6 +18,12 @@ class SlotSet {
     words_.assign(slots / 64 + 1, 0);
     summary_.assign(slots / 4096 + 1, 0);
   }
+  int capacity() const { return static_cast<int>(64 * words_.size()); }
+  bool insert_new(int slot) {  // false when it was a member
+    if ((words_[slot >> 6] >> (slot & 63) & 1) != 0) return false;
+    insert(slot);
+    return true;
+  }
   void insert(int slot) {
     words_[slot >> 6] |= std::uint64_t{1} << (slot & 63);
     summary_[slot >> 12] |= std::uint64_t{1} << ((slot >> 6) & 63);
