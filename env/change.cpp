@@ -14,15 +14,16 @@ enum Dropped : unsigned {
   kSecond = 1u << 2,        // second nested problem
   kPresolve = 1u << 3,      // presolved copy
   kFactor = 1u << 4,        // the factor stays, marked as not current
-  kSimplex = 1u << 5,       // factor, simplex state and start: no warm start remains
+  kSimplex = 1u << 5,       // factor and simplex state
   kSolution = 1u << 6,      // solution arrays
   kNorms = 1u << 7,         // stored pricing norms
   kMixedInteger = 1u << 8,  // tree bookkeeping, MIP start and cached mixed-integer data
+  kStart = 1u << 9,         // starting basis and values
 };
 
 constexpr unsigned kBase = kStatus | kWorking | kSecond | kPresolve;
 constexpr unsigned kDerived = kBase | kSimplex | kNorms | kMixedInteger;
-constexpr unsigned kEverything = kDerived | kFactor | kSolution;
+constexpr unsigned kEverything = kDerived | kFactor | kSolution | kStart;
 
 struct Rule {
   Change change;
@@ -37,8 +38,8 @@ constexpr Rule kRules[] = {
     {Change::bounds, kBase | kFactor, 1},
     {Change::ranges, kBase | kFactor, 1},
     {Change::rhs, kBase, 1},
-    {Change::matrix, kBase | kSimplex, 1},
-    {Change::senses, kBase | kSimplex, 1},
+    {Change::matrix, kBase | kSimplex | kStart, 1},
+    {Change::senses, kBase | kSimplex | kStart, 1},
     {Change::add_columns, kBase, 3},
     {Change::delete_columns, kBase | kSimplex | kNorms, 1},  // norms name their columns by index
     {Change::rows, kDerived, 1},
@@ -80,10 +81,8 @@ void invalidate(Problem& problem, Change change) noexcept {
   if (drops(kSecond)) problem.derived.reset();
   if (drops(kPresolve)) problem.presolve.reset();
   if (drops(kFactor) || drops(kSimplex)) problem.factor_current = false;
-  if (drops(kSimplex)) {
-    problem.simplex.reset();
-    clear_start(problem.start);
-  }
+  if (drops(kSimplex)) problem.simplex.reset();
+  if (drops(kStart)) clear_start(problem.start);
   if (drops(kMixedInteger)) problem.mip.reset();
   if (drops(kNorms)) problem.norms = Norms{};
   if (drops(kSolution)) problem.solution.reset();

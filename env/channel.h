@@ -2,8 +2,9 @@
  * A message reaches the destinations that the channel had when it was sent, newest first. A destination
  * function may add and remove destinations, and delete the channel, while a message is delivered: what is
  * removed is not reached any more, what is added waits for the next message. What a destination function
- * throws is dropped. Threads   not locked: a channel is changed by one thread at a time and not while another
- * one writes. */
+ * throws is dropped.
+ *
+ * Threads: not locked; a channel is changed by one thread at a time and not while another one writes. */
 #pragma once
 
 #include <atomic>

@@ -1,6 +1,7 @@
 /* The environment record: everything that one opened environment owns. Created by TVKopenTOVIK or TVKparenv.
  * An opened environment is owned by its caller's handle; a child by its parent. Neither ever moves.
- * Threads   nothing in it is locked by itself: one thread uses an environment at a time. `lock` is for the
+ *
+ * Threads: nothing in it is locked by itself; one thread uses an environment at a time. `lock` is for the
  * workers of a parallel optimizer that share their master's state. */
 #pragma once
 

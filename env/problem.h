@@ -25,9 +25,7 @@ struct Derived {
 
 /* The starting information for the next optimization. Statuses: 0 at lower, 1 basic, 2 at upper, 3 free
  * (superbasic). Row statuses describe the row's slack; both vectors are empty when there is no starting
- * basis. Added columns leave the start as it is: where column vectors are shorter than the model, the columns
- * missing at the end are nonbasic at their bound nearest to zero. Every other change of the dimensions drops
- * the start. */
+ * basis. Whoever adds or deletes rows or columns keeps the statuses in step with the model. */
 struct Start {
   std::vector<int> column_status;
   std::vector<int> row_status;

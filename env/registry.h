@@ -1,9 +1,11 @@
 /* The live handles of the process: environments, problems and channels.
  * A handle that a caller passes in is looked up here before anything behind it is read, so that a freed,
- * foreign or random pointer is told apart from a live one without being followed. Threads   A mutex guards
- * the table. Each thread remembers the handles that it looked up last; removing any handle makes all threads
- * forget. A look-up that is remembered takes a few nanoseconds and no lock. Errors    bad_alloc when a handle
- * is entered. */
+ * foreign or random pointer is told apart from a live one without being followed.
+ *
+ * Threads: a mutex guards the table. Each thread remembers the handles that it looked up last; removing any
+ * handle makes all threads forget. A look-up that is remembered takes a few nanoseconds and no lock.
+ *
+ * Errors: bad_alloc when a handle is entered. */
 #pragma once
 
 namespace tovik {
