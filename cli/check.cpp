@@ -119,6 +119,9 @@ class Check {
 
   void columns() {
     Sum objective;
+    double offset = 0;
+    model_.environment().check(TVKgetobjoffset(model_.environment().handle(), model_.handle(), &offset));
+    objective.add(offset, 1.0);
     const double integrality =
         request_.with_integrality ? model_.environment().double_parameter(kIntegralityParameter) : 0;
     for (std::size_t j = 0; j < x_.size(); ++j) {
