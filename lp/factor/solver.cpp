@@ -9,8 +9,8 @@ namespace {
 
 constexpr double kPlainStart =
     0.10;  // share of nonzeros in the right-hand side from which a sweep starts plain
-constexpr double kPlainExpected = 0.30;  // expected share of the result from which it does
-constexpr double kPlainSwitch = 0.20;    // share of visited slots at which a sparse sweep turns plain
+constexpr double kPlainExpected = 0.12;  // expected share of the result from which it does
+constexpr double kPlainSwitch = 0.10;    // share of visited slots at which a sparse sweep turns plain
 constexpr double kGatherResult =
     0.30;  // share of nonzeros from which the result is gathered in order of its index
 constexpr int kEtaColumnCost = 4;  // chained entries of the etas cost so many times those in rows
@@ -199,8 +199,7 @@ void Solver::ftran_etas_by_rows() {
     const Line& line = etas.line[update];
     double value = x[etas.retired[update]];
     x[etas.retired[update]] = 0.0;
-    for (int k = line.start; k < line.start + line.length; ++k)
-      value -= etas.file.value[k] * x[etas.file.index[k]];
+    value -= dot(etas.file.index.data() + line.start, etas.file.value.data() + line.start, line.length, x);
     if (std::fabs(value) < kTiny) continue;
     x[lu_.rows + update] = value;
     work_.list[work_.count++] = lu_.rows + update;
