@@ -1,0 +1,280 @@
+#include "lp/simplex/primal.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace tovik::lp::simplex {
+namespace {
+constexpr int kTroubles = 60;  // numerical rejections in a row before giving up
+constexpr int kRestores = 8;   // times that changed bounds are put back before giving up
+constexpr double kShiftLargest =
+    1e3;  // violations up to this many tolerances are mended by a shift in the second phase
+constexpr double kTightest =
+    1e-9;  // least tolerance of attraction, used to complete a proof of infeasibility
+constexpr double kResidual = 1e-9;  // relative residual of the basic values at an optimum: refactor
+constexpr double kHighestThreshold = 0.9;
+
+double next_threshold(double threshold) {
+  return std::min(kHighestThreshold, threshold < 0.1 ? 0.1 : threshold + 0.2);
+}
+}  // namespace
+
+Primal::Primal(Core& core, Observer* observer) : core_(core), observer_(observer) {
+  column_.resize(core.m);
+  rho_.resize(core.m);
+  mu_.resize(core.m);
+  changes_.resize(core.m);
+  alpha_row_.resize(core.n);
+  ratio_.resize(core);
+  violation_.assign(static_cast<size_t>(core.m), 0);
+  row_index_.reserve(static_cast<size_t>(core.total));
+  row_alpha_.reserve(static_cast<size_t>(core.total));
+}
+
+Outcome Primal::solve(std::int64_t iteration_budget) {
+  iteration_end_ = core_.counters.iterations + iteration_budget;
+  trouble_count_ = 0;
+  restores_ = 0;
+  degeneracy_ = 0;
+  degenerate_total_ = 0;
+  progress_ = 0;
+  progress_mark_ = core_.counters.iterations;
+  perturb_scale_ = 0;
+  attraction_ = core_.dual_tolerance;
+  phase1_ = true;
+  costs_are_phase1_ = false;
+  accept_small_ = false;
+  objective_ = kInf;
+  wanted_ = core_.has_factor ? Rebuild::recompute : Rebuild::refactor;
+  if (wanted_ == Rebuild::refactor && core_.refactor() == FactorState::singular) return Outcome::singular;
+  wanted_ = Rebuild::none;
+  bounds_.restore(core_);
+  core_.use_original_costs();
+  pricing_.start(core_);
+  work_set_.start(core_);
+  if (observer_ != nullptr) observer_->pricing(pricing_.kind() == PrimalPricing::Kind::steepest_edge, false);
+  if (core_.options.perturb_always) perturb_scale_ = 1;
+  return finish(run());
+}
+
+Outcome Primal::run() {
+  for (;;) {
+    if (!rebuild()) return Outcome::singular;
+    const std::int64_t before = core_.counters.iterations;
+    Step step = Step::moved;
+    while (step == Step::moved && wanted_ == Rebuild::none) {
+      if (check_limits()) return stop_;
+      if (wanted_ == Rebuild::none) step = iterate();
+    }
+    if (core_.counters.iterations > before) trouble_count_ = 0;
+    switch (step) {
+      case Step::moved:
+        break;
+      case Step::stopped:
+        return stop_;
+      case Step::unbounded:
+        return Outcome::unbounded;
+      case Step::numerical:
+        if (++trouble_count_ > kTroubles) return Outcome::trouble;
+        if (trouble_count_ % 8 == 0) core_.threshold = next_threshold(core_.threshold);
+        break;
+      case Step::no_entering: {
+        Outcome outcome;
+        if (settle_optimum(outcome)) return outcome;
+        break;
+      }
+    }
+  }
+}
+
+/* No column is attractive. Looks again on recomputed values, without distrusted columns, with the model's own
+ * bounds. */
+bool Primal::settle_optimum(Outcome& outcome) {
+  if (wanted_ == Rebuild::none) wanted_ = Rebuild::recompute;
+  if (!fresh_) return false;
+  if (bounds_.changed()) {
+    bounds_.restore(core_);
+    phase1_ = true;  // the phase is decided anew, without shifts
+    perturb_scale_ = 0;
+    outcome = Outcome::trouble;
+    return ++restores_ > kRestores;
+  }
+  if (pricing_.taboo_count() > 0) {
+    pricing_.clear_taboo();
+    accept_small_ = trouble_count_ > 0;
+    core_.threshold = next_threshold(core_.threshold);
+    wanted_ = Rebuild::refactor;
+    outcome = Outcome::trouble;
+    return ++trouble_count_ > 5;
+  }
+  if (core_.factor.updates() > 0 && residual() > kResidual) {
+    wanted_ = Rebuild::refactor;
+    return false;
+  }
+  if (!phase1_) {
+    outcome = Outcome::optimal;
+    return true;
+  }
+  if (prove_infeasible()) {
+    outcome = Outcome::infeasible;
+    return true;
+  }
+  outcome = Outcome::trouble;
+  if (attraction_ <= kTightest) return true;
+  attraction_ = std::max(kTightest, 0.01 * attraction_);
+  return false;
+}
+
+/* Puts the model's bounds and costs back and makes x and d belong to them. */
+Outcome Primal::finish(Outcome outcome) {
+  work_set_.finish(core_);
+  if (outcome == Outcome::singular) return outcome;
+  const bool refactor = wanted_ == Rebuild::refactor || !core_.has_factor;
+  if (refactor && core_.refactor() == FactorState::singular) return Outcome::singular;
+  if (bounds_.changed() || refactor || wanted_ == Rebuild::recompute) {
+    bounds_.restore(core_);
+    core_.compute_primal();
+  }
+  const bool duals_stand = outcome == Outcome::optimal && fresh_ && !refactor;
+  core_.use_original_costs();
+  if (!duals_stand) core_.compute_dual();
+  phase1_ = costs_are_phase1_ = false;
+  wanted_ = Rebuild::none;
+  return outcome;
+}
+
+// ---- rebuild
+// --------------------------------------------------------------------------------------------------------
+
+bool Primal::rebuild() {
+  if (wanted_ == Rebuild::refactor || !core_.has_factor) {
+    const FactorState state = core_.refactor();
+    if (state == FactorState::singular) return false;
+    if (state == FactorState::repaired) pricing_.reset(core_);
+  }
+  wanted_ = Rebuild::none;
+  core_.compute_primal();
+  if (perturb_scale_ > 0 && !bounds_.perturbing()) bounds_.perturb(core_, perturb_scale_);
+  choose_phase();
+  core_.compute_dual();
+  if (work_set_.on()) {
+    work_set_.reselect(core_, attraction_);
+    pricing_.limit_to(work_set_.universe());
+  }
+  pricing_.refresh(core_, attraction_);
+  if (!phase1_) objective_ = core_.objective();
+  fresh_ = true;
+  return true;
+}
+
+void Primal::choose_phase() {
+  const double tolerance = core_.primal_tolerance;
+  infeasible_ = 0;
+  for (int p = 0; p < core_.m; ++p) {
+    const double x = core_.x[p];
+    const double below = core_.x_lower[p] - x;
+    const double above = x - core_.x_upper[p];
+    violation_[p] = 0;
+    const double violation = std::max(below, above);
+    if (violation <= tolerance) continue;
+    if (!phase1_ && violation <= kShiftLargest * tolerance) {
+      bounds_.shift_behind(core_, p);
+      continue;
+    }
+    violation_[p] = below > 0 ? -1 : 1;
+    ++infeasible_;
+  }
+  phase1_ = infeasible_ > 0;
+  if (phase1_) {
+    set_phase1_costs();
+  } else if (costs_are_phase1_) {
+    core_.use_original_costs();
+    costs_are_phase1_ = false;
+    attraction_ = core_.dual_tolerance;
+  }
+}
+
+void Primal::set_phase1_costs() {
+  if (!costs_are_phase1_) std::fill(core_.work_cost.begin(), core_.work_cost.end(), 0.0);
+  costs_are_phase1_ = true;
+  for (int p = 0; p < core_.m; ++p) core_.work_cost[core_.head[p]] = violation_[p];
+}
+
+// ---- limits and stalls
+// ----------------------------------------------------------------------------------------------
+
+bool Primal::check_limits() {
+  const std::int64_t iterations = core_.counters.iterations;
+  if (!phase1_ && objective_ < core_.options.objective_lower) {
+    if (!bounds_.changed()) {
+      stop_ = Outcome::objective_limit;
+      return true;
+    }
+    bounds_.restore(core_);
+    phase1_ = true;
+    ++restores_;
+    wanted_ = Rebuild::recompute;
+    return false;
+  }
+  Stop stop = core_.control->iteration_callback();
+  if (stop == Stop::none) {
+    if (iterations >= core_.options.iteration_limit) {
+      stop_ = Outcome::iteration_limit;
+      return true;
+    }
+    if (iterations >= iteration_end_) {
+      stop_ = Outcome::trouble;
+      return true;
+    }
+    stop = core_.control->poll();
+    if (stop == Stop::none && iterations % 100 == 0) stop = core_.control->poll_clock();
+  }
+  switch (stop) {
+    case Stop::none:
+      return false;
+    case Stop::time_limit:
+      stop_ = Outcome::time_limit;
+      break;
+    case Stop::tick_limit:
+      stop_ = Outcome::tick_limit;
+      break;
+    case Stop::user_abort:
+      stop_ = Outcome::user_abort;
+      break;
+  }
+  return true;
+}
+
+/* gain: decrease of the function being minimized in the last step. */
+void Primal::watch_degeneracy(double gain) {
+  constexpr double kMemory = 0.01;
+  constexpr double kShare = 0.6;  // running share of steps without gain that starts a perturbation
+  constexpr double kNoGain = 1e-12;
+  constexpr double kProgress = 1e-9;  // relative gain that counts as progress
+  constexpr double kLargestScale = 1e3;
+  constexpr int kPerturbedRestores = 3;  // later rounds run on the model's bounds
+  const double size = phase1_ ? 1.0 : std::max(1.0, std::fabs(objective_));
+  const bool none = gain <= kNoGain * size;
+  if (none) ++degenerate_total_, ++core_.counters.degenerate;
+  degeneracy_ += kMemory * ((none ? 1.0 : 0.0) - degeneracy_);
+  progress_ += gain;
+  if (progress_ > kProgress * size) {
+    progress_ = 0;
+    progress_mark_ = core_.counters.iterations;
+  }
+  if (restores_ >= kPerturbedRestores) return;
+  const int after = core_.options.perturb_after;
+  const bool stalled = core_.counters.iterations - progress_mark_ > std::max(1000, core_.m / 2);
+  if (bounds_.perturbing() ? !stalled
+      : after > 0          ? degenerate_total_ < after
+                           : degeneracy_ < kShare && !stalled)
+    return;
+  perturb_scale_ = std::min(kLargestScale, bounds_.perturbing() ? 10 * perturb_scale_ : 1.0);
+  progress_mark_ = core_.counters.iterations;
+  degeneracy_ = 0;
+  degenerate_total_ = 0;
+  bounds_.perturb(core_, perturb_scale_);
+  if (phase1_ && wanted_ == Rebuild::none) wanted_ = Rebuild::recompute;
+}
+
+}  // namespace tovik::lp::simplex

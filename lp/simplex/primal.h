@@ -1,0 +1,102 @@
+/* The primal simplex driver: it orders the steps of an iteration; the work is done by Core and the primal's
+ * own components.
+ *
+ * solve() starts from the core's present basis, whatever it is. While basic variables lie outside their
+ * bounds it minimizes the sum of infeasibilities (costs -1, +1 in place of the model's), then the model's
+ * costs. Bounds of basic variables are widened when steps of length zero pile up. On return bounds and costs
+ * are the model's own, and x and d belong to them, unless the factor broke down (Outcome::singular). optimal
+ * no attractive column and no infeasible basic on recomputed values with the model's bounds and costs
+ *   infeasible  first phase at its optimum, and infeasibility_duals() combines the rows to one that no point
+ * can meet unbounded   the ray was checked against the model's bounds, matrix and costs trouble     the
+ * budget ran out, or nothing could be proven The basis after `optimal` may hold nonbasic values between
+ * bounds only if the caller's start had them and their reduced cost is zero. */
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "lp/simplex/core.h"
+#include "lp/simplex/observer.h"
+#include "lp/simplex/primal_bounds.h"
+#include "lp/simplex/primal_pricing.h"
+#include "lp/simplex/primal_ratio.h"
+#include "lp/simplex/primal_work_set.h"
+
+namespace tovik::lp::simplex {
+
+class Primal {
+ public:
+  explicit Primal(Core& core, Observer* observer = nullptr);
+
+  Outcome solve(std::int64_t iteration_budget);
+
+  /* After unbounded: x_B - direction * ray_column * t, x_q + direction * t improves for ever. */
+  const SparseVector& ray_column() const { return column_; }
+  int ray_variable() const { return entering_; }
+  double ray_direction() const { return direction_; }
+  /* After infeasible: y (size m, by row, scaled space). Every feasible point satisfies sum_j z_j x_j = 0 with
+   * z = y'[A I]; within the bounds that sum is always negative. */
+  const std::vector<double>& infeasibility_duals() const { return farkas_; }
+
+ private:
+  enum class Step { moved, no_entering, unbounded, numerical, stopped };
+  enum class Rebuild { none, recompute, refactor };
+  enum class Trust { good, refactor, aside };  // of a pivot; aside: not with this factor, and it is fresh
+
+  Outcome run();
+  bool rebuild();  // false: singular beyond repair
+  void choose_phase();
+  void set_phase1_costs();
+  Step iterate();
+  bool choose_column();  // entering_, direction_, column_; false: none
+  Step blocked_by_nothing();
+  Trust price_row(const PrimalPick& pick);  // rho_, row_index_, row_alpha_
+  void flip(double step);
+  void apply(PrimalPick pick);
+  void update_values(double step, int skip);
+  void update_duals(double theta);
+  void update_phase1_duals();
+  void after_step(double step, int leaving, bool to_upper);
+  void watch_degeneracy(double gain);
+  void distrust(int q);
+  bool check_limits();
+  Outcome finish(Outcome outcome);
+  bool settle_optimum(Outcome& outcome);  // false: go on
+  bool prove_infeasible();
+  bool prove_unbounded();
+  double residual() const;
+
+  Core& core_;
+  Observer* observer_;
+  PrimalPricing pricing_;
+  PrimalRatio ratio_;
+  PrimalBounds bounds_;
+  PrimalWorkSet work_set_;
+  SparseVector column_, rho_, alpha_row_, mu_, changes_;
+  std::vector<int> row_index_;  // packed pivot row: movable nonbasics
+  std::vector<double> row_alpha_;
+  std::vector<signed char> violation_;  // by position: first-phase cost of its basic variable
+  std::vector<double> farkas_;
+  int entering_ = -1;
+  double direction_ = 0;
+  double column_largest_ = 0;
+  bool phase1_ = false;
+  bool costs_are_phase1_ = false;
+  int infeasible_ = 0;  // basics with a violation
+  Rebuild wanted_ = Rebuild::none;
+  bool fresh_ = false;         // nothing has moved since the last rebuild
+  bool accept_small_ = false;  // only distrusted pivots are left
+  Outcome stop_ = Outcome::trouble;
+  double objective_ = 0;
+  double attraction_ = 0;  // tolerance of attractive reduced costs in force
+  std::int64_t iteration_end_ = 0;
+  int trouble_count_ = 0;
+  int restores_ = 0;       // times the bounds have been put back in this solve
+  double degeneracy_ = 0;  // running share of steps without gain
+  std::int64_t degenerate_total_ = 0;
+  double progress_ = 0;  // gain since the last mark
+  std::int64_t progress_mark_ = 0;
+  double perturb_scale_ = 0;
+};
+
+}  // namespace tovik::lp::simplex

@@ -1,0 +1,106 @@
+/* Choice of the entering column in the primal simplex.
+ *
+ * Holds     weight[j]      squared edge norm of nonbasic j: exact (1 + ||B^-1 a_j||^2), devex in a reference
+ * framework, or 1 merit[j]       square of the attractive part of d[j], 0 when j may not enter; merit /
+ * weight decides a candidate list with a cut-off: everything outside the list is worth less, so that a
+ * hyper-sparse iteration touches only the list and the columns whose d or weight has changed Order start()
+ * once a solve; refresh() after d was recomputed; choose(); then, for one basis change, update_weights()
+ *           before and touch() after d, move and nonbasic have changed.
+ * Trust     update_weights() compares the devex weight with the exact reference weight; too many bad ones
+ * reset the framework. Errors    bad_alloc passes through. Papers    Harris, Math. Programming 5 (1973);
+ * Forrest, Goldfarb, Math. Programming 57 (1992); Hall, McKinnon, Computational Optimization and Applications
+ * 32 (2005). */
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include "lp/simplex/core.h"
+
+namespace tovik::lp::simplex {
+
+/* Calls f(position) for every position that may hold a nonzero. */
+template <class F>
+void for_nonzeros(const SparseVector& v, F f) {
+  constexpr double kByList = 0.4;  // beyond this density a plain loop is faster than the list
+  if (v.count >= 0 && v.count < kByList * v.dimension()) {
+    for (int k = 0; k < v.count; ++k) f(v.index[k]);
+    return;
+  }
+  const int size = v.dimension();
+  for (int i = 0; i < size; ++i) {
+    if (v.array[i] != 0) f(i);
+  }
+}
+
+class PrimalPricing {
+ public:
+  enum class Kind { devex, steepest_edge, dantzig };
+
+  /* Chooses the kind by the options and sets the starting weights; exact norms cost a solve for every column.
+   */
+  void start(Core& core);
+  Kind kind() const { return kind_; }
+  /* Unit weights; for devex with the present nonbasics as reference framework. */
+  void reset(const Core& core);
+
+  /* Takes the merits anew from d. The tolerance is that of attraction. */
+  void refresh(const Core& core, double tolerance);
+  /* The most attractive nonbasic, or -1. */
+  int choose(Core& core);
+  /* Re-evaluates j after a change of d[j], its weight or its place. */
+  void touch(const Core& core, int j) {
+    const double merit = taboo_[j] ? 0.0 : attraction(core, j);
+    merit_[j] = merit;
+    if (listed_ && merit > cutoff_ * weight_[j] && !in_list_[j]) {
+      in_list_[j] = 1;
+      list_.push_back(j);
+    }
+  }
+  /* Columns outside `universe` are never chosen; empty: all columns may be. Takes effect at the next
+   * refresh(). */
+  void limit_to(std::vector<int> universe) { universe_ = std::move(universe); }
+
+  /* Puts j aside until clear_taboo(). */
+  void make_taboo(int j);
+  void clear_taboo();
+  int taboo_count() const { return static_cast<int>(taboo_list_.size()); }
+
+  /* New weights of the columns in the pivot row (variables `index`, entries `alpha`), of the leaving and of
+   * the entering variable. column: B^-1 a_q; mu: B^-T column, read for steepest edge only. Before the
+   * exchange. */
+  struct Pivot {
+    int entering;
+    int leaving;
+    double alpha;
+  };
+  void update_weights(Core& core, const Pivot& pivot, const SparseVector& column, const SparseVector& mu,
+                      std::span<const int> index, std::span<const double> alpha);
+  std::span<const double> weights() const { return weight_; }
+
+ private:
+  double attraction(const Core& core, int j) const {
+    if (!core.nonbasic[j]) return 0;
+    const double d = core.d[j];
+    const double v = core.move[j] > 0 ? -d : core.move[j] < 0 ? d : core.is_fixed(j) ? 0.0 : d < 0 ? -d : d;
+    return v > tolerance_ ? v * v : 0.0;
+  }
+  int scan_all(Core& core);
+  int scan_list(Core& core);
+  void make_list(Core& core);
+  void compute_norms(Core& core);
+
+  Kind kind_ = Kind::devex;
+  double tolerance_ = 0;
+  std::vector<double> weight_, merit_;
+  std::vector<char> reference_, taboo_, in_list_;
+  std::vector<int> list_, taboo_list_, universe_;
+  std::vector<double> ratio_;  // work space of make_list
+  double cutoff_ = 0;
+  bool listed_ = false;
+  int bad_weights_ = 0;
+};
+
+}  // namespace tovik::lp::simplex

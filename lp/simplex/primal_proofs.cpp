@@ -1,0 +1,96 @@
+/* What the primal simplex checks against the model's own data before it claims anything. */
+#include <algorithm>
+#include <cmath>
+
+#include "lp/simplex/primal.h"
+
+namespace tovik::lp::simplex {
+namespace {
+constexpr double kNegligible = 1e-9;  // entries of a ray or of a combined row that may meet an infinite bound
+constexpr double kMargin = 1e-9;      // rounding allowed for in a sum, relative to its terms
+}  // namespace
+
+/* max |A x + s| relative to the largest value. */
+double Primal::residual() const {
+  std::vector<double> sum(static_cast<size_t>(core_.m), 0.0);
+  double size = 1;
+  const auto add = [&](int j, double value) {
+    if (value == 0) return;
+    size = std::max(size, std::fabs(value));
+    if (j >= core_.n) {
+      sum[j - core_.n] += value;
+      return;
+    }
+    const Matrix& a = core_.lp.matrix;
+    for (int k = a.start[j]; k < a.start[j + 1]; ++k) sum[a.index[k]] += value * a.value[k];
+  };
+  for (int j = 0; j < core_.total; ++j) {
+    if (core_.nonbasic[j]) add(j, core_.value[j]);
+  }
+  for (int p = 0; p < core_.m; ++p) add(core_.head[p], core_.x[p]);
+  double largest = 0;
+  for (double s : sum) largest = std::max(largest, std::fabs(s));
+  return largest / size;
+}
+
+/* y = B^-T c of the first phase combines the rows A x + s = 0 to sum_j z_j x_j = 0; proven when that sum is
+ * negative over the whole box. */
+bool Primal::prove_infeasible() {
+  changes_.clear();
+  int count = 0;
+  for (int p = 0; p < core_.m; ++p) {
+    if (violation_[p] == 0) continue;
+    changes_.index[count++] = p;
+    changes_.array[p] = violation_[p];
+  }
+  changes_.count = count;
+  core_.factor.btran(changes_, 1.0);
+  farkas_ = changes_.array;
+  changes_.count = -1;
+  changes_.clear();
+  double largest = 0;
+  double size = 0;
+  for (int j = 0; j < core_.total; ++j) {
+    const double z = core_.column_dot(j, farkas_);
+    const double bound = z > 0 ? core_.upper[j] : core_.lower[j];
+    if (z == 0 || (std::fabs(z) <= kNegligible && std::fabs(bound) == kInf)) continue;
+    largest += z * bound;
+    size += std::fabs(z * bound);
+  }
+  core_.charge(static_cast<std::int64_t>(core_.lp.matrix.index.size()));
+  return largest < -kMargin * size && largest < 0;
+}
+
+/* The ray: x_q moves by direction_, x_B by -direction_ * column_. */
+bool Primal::prove_unbounded() {
+  const int q = entering_;
+  const double end = direction_ > 0 ? core_.upper[q] : core_.lower[q];
+  if (std::fabs(end) != kInf) return false;
+  const double negligible = kNegligible * std::max(1.0, column_largest_);
+  std::vector<double> sum(static_cast<size_t>(core_.m), 0.0);
+  double slope = core_.cost[q] * direction_;
+  double slope_size = std::fabs(slope);
+  const Matrix& a = core_.lp.matrix;
+  const auto add = [&](int j, double amount) {
+    if (j >= core_.n) {
+      sum[j - core_.n] += amount;
+      return;
+    }
+    for (int k = a.start[j]; k < a.start[j + 1]; ++k) sum[a.index[k]] += amount * a.value[k];
+  };
+  add(q, direction_);
+  for (int p = 0; p < core_.m; ++p) {
+    const double change = -direction_ * column_.array[p];
+    if (std::fabs(change) <= negligible) continue;
+    const int j = core_.head[p];
+    if (std::fabs(change > 0 ? core_.upper[j] : core_.lower[j]) != kInf) return false;
+    add(j, change);
+    slope += core_.cost[j] * change;
+    slope_size += std::fabs(core_.cost[j] * change);
+  }
+  double residual = 0;
+  for (double s : sum) residual = std::max(residual, std::fabs(s));
+  return residual <= 1e2 * negligible && slope < -std::max(core_.dual_tolerance * 0.5, kMargin * slope_size);
+}
+
+}  // namespace tovik::lp::simplex

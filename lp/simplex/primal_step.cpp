@@ -1,0 +1,287 @@
+/* One iteration of the primal simplex. */
+#include <algorithm>
+#include <cmath>
+
+#include "lp/simplex/primal.h"
+
+namespace tovik::lp::simplex {
+namespace {
+constexpr double kPivotMismatch = 1e-7;  // relative gap of the pivot by row and by column: refactor
+constexpr double kFreshMismatch = 1e-4;  // the same on a fresh factor: put the column aside
+constexpr double kSmallPivot =
+    1e-7;  // pivots below this share of the column's largest ask for a fresh factor first
+constexpr double kFreshSmallPivot = 1e-9;  // ... and below this share the column is put aside on a fresh one
+constexpr double kDualMismatch = 1e-6;  // relative gap of updated and recomputed reduced cost: recompute all
+constexpr int kWrongSigns = 10;         // updated reduced costs found worthless in one choice: recompute all
+constexpr double kHarris = 0.5;         // share of the feasibility tolerance that the ratio test may spend
+}  // namespace
+
+Primal::Step Primal::iterate() {
+  if (!choose_column()) return Step::no_entering;
+  if (wanted_ == Rebuild::recompute) return Step::moved;
+  const int q = entering_;
+  const double limit =
+      direction_ > 0 ? core_.work_upper[q] - core_.value[q] : core_.value[q] - core_.work_lower[q];
+  const PrimalPick pick = phase1_
+                              ? ratio_.infeasible(core_, column_, direction_, std::fabs(core_.d[q]), limit)
+                              : ratio_.feasible(core_, column_, direction_, kHarris * core_.primal_tolerance);
+  if (pick.position < 0 || pick.step >= limit) {
+    if (limit == kInf) return blocked_by_nothing();
+    flip(limit);
+    return Step::moved;
+  }
+  switch (price_row(pick)) {
+    case Trust::good:
+      apply(pick);
+      return Step::moved;
+    case Trust::refactor:
+      wanted_ = Rebuild::refactor;
+      return Step::numerical;
+    case Trust::aside:
+      distrust(q);
+      return Step::moved;
+  }
+  return Step::moved;
+}
+
+void Primal::distrust(int q) {
+  pricing_.make_taboo(q);
+  ++core_.counters.rejected_pivots;
+}
+
+bool Primal::choose_column() {
+  for (int wrong = 0;;) {
+    const int q = pricing_.choose(core_);
+    entering_ = q;
+    if (q < 0) return false;
+    core_.load_column(q, column_);
+    column_.want_pack = true;
+    core_.ftran(column_, core_.column_density);
+    column_.want_pack = false;
+    double d = core_.work_cost[q];
+    column_largest_ = 0;
+    for_nonzeros(column_, [&](int p) {
+      const double a = column_.array[p];
+      d -= core_.work_cost[core_.head[p]] * a;
+      column_largest_ = std::max(column_largest_, std::fabs(a));
+    });
+    const double gap = std::fabs(core_.d[q] - d);
+    core_.d[q] = d;
+    const bool attractive = core_.move[q] > 0   ? d < -attraction_
+                            : core_.move[q] < 0 ? d > attraction_
+                                                : std::fabs(d) > attraction_;
+    if (attractive) {
+      direction_ = d < 0 ? 1.0 : -1.0;
+      if (gap > kDualMismatch * std::max(1.0, std::fabs(d)) && !fresh_) wanted_ = Rebuild::recompute;
+      return true;
+    }
+    pricing_.touch(core_, q);
+    if (++wrong > kWrongSigns && !fresh_) {
+      wanted_ = Rebuild::recompute;
+      return true;
+    }
+    if (wrong > kWrongSigns) distrust(q);
+  }
+}
+
+/* Nothing limits the entering variable: a ray in the second phase, rounding in the first. */
+Primal::Step Primal::blocked_by_nothing() {
+  if (!fresh_) {
+    wanted_ = core_.factor.updates() > 0 ? Rebuild::refactor : Rebuild::recompute;
+    return Step::moved;
+  }
+  if (!phase1_) {
+    if (bounds_.changed()) {
+      bounds_.restore(core_);
+      phase1_ = true;
+      perturb_scale_ = 0;
+      ++restores_;
+      wanted_ = Rebuild::recompute;
+      return Step::numerical;
+    }
+    if (prove_unbounded()) return Step::unbounded;
+  }
+  if (core_.factor.updates() > 0) {
+    wanted_ = Rebuild::refactor;
+    return Step::numerical;
+  }
+  distrust(entering_);
+  return Step::moved;
+}
+
+/* Computes the pivot row and compares its pivot with the column's. */
+Primal::Trust Primal::price_row(const PrimalPick& pick) {
+  const int q = entering_;
+  const double size = std::fabs(pick.alpha);
+  const bool updated = core_.factor.updates() > 0;
+  row_index_.clear();
+  row_alpha_.clear();
+  bool trusted = accept_small_ || size >= (updated ? kSmallPivot : kFreshSmallPivot) * column_largest_;
+  if (trusted) {
+    rho_.clear();
+    rho_.set_unit(pick.position);
+    rho_.want_pack = true;
+    core_.btran(rho_, core_.row_ep_density);
+    rho_.want_pack = false;
+    alpha_row_.clear();
+    core_.price(rho_, alpha_row_);
+    const double by_row = q < core_.n ? alpha_row_.array[q] : rho_.array[q - core_.n];
+    const double gap = std::fabs(by_row - pick.alpha);
+    trusted = gap <= (updated ? kPivotMismatch : kFreshMismatch) * std::min(size, std::fabs(by_row));
+  }
+  if (!trusted) return updated ? Trust::refactor : Trust::aside;
+  for_nonzeros(alpha_row_, [&](int j) {
+    if (alpha_row_.array[j] == 0) return;
+    row_index_.push_back(j);
+    row_alpha_.push_back(alpha_row_.array[j]);
+  });
+  for_nonzeros(rho_, [&](int i) {
+    const int j = core_.n + i;
+    if (rho_.array[i] == 0 || !core_.nonbasic[j] || core_.is_fixed(j)) return;
+    row_index_.push_back(j);
+    row_alpha_.push_back(rho_.array[i]);
+  });
+  core_.charge(2 * static_cast<std::int64_t>(row_index_.size()));
+  return Trust::good;
+}
+
+/* The entering variable goes to its other bound, `step` away; the basis stays. */
+void Primal::flip(double step) {
+  const int q = entering_;
+  const bool to_upper = direction_ > 0;
+  const double gain = std::fabs(core_.d[q]) * step;
+  update_values(step, -1);
+  core_.move[q] = to_upper ? -1 : 1;
+  core_.value[q] = to_upper ? core_.work_upper[q] : core_.work_lower[q];
+  ++core_.counters.bound_flips;
+  pricing_.touch(core_, q);
+  if (phase1_) update_phase1_duals();
+  objective_ -= gain;
+  after_step(gain, -1, to_upper);
+}
+
+void Primal::apply(PrimalPick pick) {
+  const int q = entering_;
+  const int p = pick.position;
+  const int out = core_.head[p];
+  if (pick.step < 0) {  // the leaving variable stands slightly beyond its bound: the bound follows
+    pick.step = 0;
+    bounds_.shift_to_value(core_, p, pick.leaving_move);
+  }
+  const double d = core_.d[q];
+  const double theta = d / pick.alpha;
+  const double gain = std::fabs(d) * pick.step;
+  if (pricing_.kind() == PrimalPricing::Kind::steepest_edge) {
+    mu_.copy(column_);
+    core_.btran(mu_, core_.dse_density);
+  }
+  pricing_.update_weights(core_, {q, out, pick.alpha}, column_, mu_, row_index_, row_alpha_);
+  update_values(pick.step, p);
+  const double entering_value = core_.value[q] + direction_ * pick.step;
+  bounds_.widen(core_, q);
+  core_.exchange(q, p, pick.leaving_move);
+  core_.x[p] = entering_value;
+  core_.d[q] = 0;
+  core_.d[out] = -theta;
+  if (violation_[p] != 0) {  // a nonbasic variable has no first-phase cost
+    core_.d[out] -= violation_[p];
+    core_.work_cost[out] = 0;
+    violation_[p] = 0;
+    --infeasible_;
+  }
+  update_duals(theta);
+  pricing_.touch(core_, q);
+  if (!core_.is_fixed(out)) pricing_.touch(core_, out);
+  if (!core_.factor.update(column_, rho_, p)) wanted_ = Rebuild::refactor;
+  if (phase1_ && wanted_ != Rebuild::refactor) update_phase1_duals();
+  if (core_.factor.wants_rebuild() ||
+      (core_.options.refactor_limit > 0 && core_.factor.updates() >= core_.options.refactor_limit)) {
+    wanted_ = Rebuild::refactor;
+  }
+  accept_small_ = false;
+  objective_ -= gain;
+  after_step(gain, out, pick.leaving_move < 0);
+}
+
+/* x_B -= direction * step * column, without position `skip`. First phase: notes the changes of its costs.
+ * Second phase: bounds that rounding or a refused tiny pivot has violated follow the value. */
+void Primal::update_values(double step, int skip) {
+  if (phase1_) changes_.clear();
+  if (step == 0) return;
+  const double change = direction_ * step;
+  const double tolerance = core_.primal_tolerance;
+  int changed = 0;
+  for_nonzeros(column_, [&](int p) {
+    if (p == skip) return;
+    const double x = core_.x[p] - change * column_.array[p];
+    core_.x[p] = x;
+    const int violation = x < core_.x_lower[p] - tolerance ? -1 : x > core_.x_upper[p] + tolerance ? 1 : 0;
+    if (violation == violation_[p]) return;
+    if (!phase1_) {
+      bounds_.shift_behind(core_, p);
+      return;
+    }
+    infeasible_ += (violation != 0) - (violation_[p] != 0);
+    changes_.index[changed++] = p;
+    changes_.array[p] = violation - violation_[p];
+    violation_[p] = static_cast<signed char>(violation);
+    core_.work_cost[core_.head[p]] = violation;
+  });
+  if (phase1_) changes_.count = changed;
+  core_.charge(2 * static_cast<std::int64_t>(column_.count < 0 ? core_.m : column_.count));
+}
+
+void Primal::update_duals(double theta) {
+  const size_t size = row_index_.size();
+  for (size_t k = 0; k < size; ++k) {
+    const int j = row_index_[k];
+    if (j == entering_) continue;
+    core_.d[j] -= theta * row_alpha_[k];
+    pricing_.touch(core_, j);
+  }
+}
+
+/* Carries the changes of first-phase costs into the reduced costs: d -= [A I]' B^-T change. */
+void Primal::update_phase1_duals() {
+  if (changes_.count == 0) return;
+  core_.btran(changes_, core_.flip_density);
+  alpha_row_.clear();
+  core_.price(changes_, alpha_row_);
+  for_nonzeros(alpha_row_, [&](int j) {
+    core_.d[j] -= alpha_row_.array[j];
+    pricing_.touch(core_, j);
+  });
+  for_nonzeros(changes_, [&](int i) {
+    const int j = core_.n + i;
+    if (!core_.nonbasic[j] || core_.is_fixed(j)) return;
+    core_.d[j] -= changes_.array[i];
+    pricing_.touch(core_, j);
+  });
+  core_.charge(2 * static_cast<std::int64_t>(std::max(0, alpha_row_.count)));
+}
+
+void Primal::after_step(double gain, int leaving, bool to_upper) {
+  fresh_ = false;
+  Counters& counters = core_.counters;
+  ++counters.iterations;
+  if (phase1_) {
+    ++counters.phase1_iterations;
+    ++counters.primal_phase1;
+  } else {
+    ++counters.primal_phase2;
+  }
+  if (observer_ != nullptr) {
+    IterationEvent event;
+    event.phase1 = phase1_;
+    event.dual = false;
+    event.entering = entering_;
+    event.leaving = leaving;
+    event.entering_to_upper = to_upper;
+    event.objective = objective_;
+    observer_->iteration(core_, event);
+  }
+  watch_degeneracy(gain);
+  if (phase1_ && infeasible_ == 0 && wanted_ == Rebuild::none) wanted_ = Rebuild::recompute;
+}
+
+}  // namespace tovik::lp::simplex

@@ -1,0 +1,78 @@
+#include "lp/simplex/primal_work_set.h"
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+
+namespace tovik::lp::simplex {
+namespace {
+constexpr double kWide = 8.0;     // columns per row at which partial pricing starts by itself
+constexpr int kWideLeast = 5000;  // ... and the least number of columns
+constexpr int kAddLeast = 200;    // columns added at a time
+constexpr int kLargest = 4;       // the set is thinned when larger than this many times rows + additions
+
+double attraction(const Core& core, int j) {
+  const double d = core.d[j];
+  return core.move[j] > 0 ? -d : core.move[j] < 0 ? d : std::fabs(d);
+}
+}  // namespace
+
+void PrimalWorkSet::start(Core& core) {
+  const int wanted = core.options.price_candidates;
+  on_ = wanted > 0 ? wanted < core.n : core.n >= kWideLeast && core.n > kWide * core.m;
+  if (!on_) return;
+  add_ = wanted > 0 ? wanted : std::max(kAddLeast, core.m);
+  member_.assign(static_cast<size_t>(core.n), 0);
+  norm_.assign(static_cast<size_t>(core.n), 1.0);
+  const Matrix& a = core.lp.matrix;
+  for (int j = 0; j < core.n; ++j) {
+    for (int k = a.start[j]; k < a.start[j + 1]; ++k) norm_[j] += a.value[k] * a.value[k];
+    if (core.nonbasic[j]) {
+      core.rows.deactivate(j);
+    } else {
+      member_[j] = 1;
+    }
+  }
+}
+
+void PrimalWorkSet::reselect(Core& core, double tolerance) {
+  found_.clear();
+  universe_.clear();
+  for (int j = 0; j < core.n; ++j) {
+    if (member_[j]) {
+      universe_.push_back(j);
+    } else if (!core.is_fixed(j)) {
+      const double v = attraction(core, j);
+      if (v > tolerance) found_.emplace_back(v * v / norm_[j], j);
+    }
+  }
+  core.charge(core.n);
+  if (static_cast<double>(universe_.size()) > static_cast<double>(kLargest) * (core.m + add_)) {
+    std::erase_if(universe_, [&](int j) {
+      if (!core.nonbasic[j] || attraction(core, j) > -tolerance) return false;
+      member_[j] = 0;
+      core.rows.deactivate(j);
+      return true;
+    });
+  }
+  if (static_cast<int>(found_.size()) > add_) {
+    std::nth_element(found_.begin(), found_.begin() + add_, found_.end(), std::greater<>());
+    found_.resize(static_cast<size_t>(add_));
+  }
+  for (const auto& [merit, j] : found_) {
+    member_[j] = 1;
+    core.rows.activate(j);
+    universe_.push_back(j);
+  }
+  for (int i = 0; i < core.m; ++i) universe_.push_back(core.n + i);
+}
+
+void PrimalWorkSet::finish(Core& core) {
+  if (!on_) return;
+  on_ = false;
+  for (int j = 0; j < core.n; ++j) {
+    if (core.nonbasic[j] && !core.is_fixed(j)) core.rows.activate(j);
+  }
+}
+
+}  // namespace tovik::lp::simplex
