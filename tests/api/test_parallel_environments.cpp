@@ -14,7 +14,7 @@ constexpr int kThreads = 4;
 
 /* Assignment of `size` jobs with pseudo-random costs: an LP that takes some iterations. */
 struct Assignment {
-  explicit Assignment(int size) : size(size) {
+  explicit Assignment(int jobs) : size(jobs) {
     unsigned state = 12345;
     for (int job = 0; job < size; ++job) {
       for (int worker = 0; worker < size; ++worker) {
