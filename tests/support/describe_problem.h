@@ -11,8 +11,8 @@
 namespace support {
 
 inline std::string number(double value) {
-  if (value >= 1e20) return "inf";
-  if (value <= -1e20) return "-inf";
+  if (value == 1e20) return "inf";
+  if (value == -1e20) return "-inf";
   char text[32];
   std::snprintf(text, sizeof text, "%.15g", value);
   return text;
