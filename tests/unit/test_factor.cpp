@@ -191,19 +191,20 @@ struct Family {
   const char* name;
   Kind kind;
   int m;
-  double tolerance;
+  double tolerance;         // of solves after a build
+  double update_tolerance;  // and after updates with pivots as small as 1 % of their column
 };
 
 class FactorFamilies : public ::testing::TestWithParam<Family> {};
 
 INSTANTIATE_TEST_SUITE_P(All, FactorFamilies,
-                         ::testing::Values(Family{"network", Kind::network, 300, 1e-12},
-                                           Family{"staircase", Kind::staircase, 240, 1e-12},
-                                           Family{"scattered", Kind::scattered, 150, 1e-12},
-                                           Family{"dense", Kind::dense, 60, 1e-12},
-                                           Family{"badly_scaled", Kind::badly_scaled, 120, 1e-9},
-                                           Family{"near_singular", Kind::near_singular, 100, 1e-12},
-                                           Family{"mix", Kind::fresh_mix, 200, 1e-12}),
+                         ::testing::Values(Family{"network", Kind::network, 300, 1e-12, 1e-10},
+                                           Family{"staircase", Kind::staircase, 240, 1e-12, 1e-10},
+                                           Family{"scattered", Kind::scattered, 150, 1e-12, 1e-10},
+                                           Family{"dense", Kind::dense, 60, 1e-12, 1e-10},
+                                           Family{"badly_scaled", Kind::badly_scaled, 120, 1e-9, 1e-5},
+                                           Family{"near_singular", Kind::near_singular, 100, 1e-12, 1e-10},
+                                           Family{"mix", Kind::fresh_mix, 200, 1e-12, 1e-10}),
                          [](const auto& family) { return family.param.name; });
 
 TEST_P(FactorFamilies, BuildSolvesAndRepairs) {
@@ -280,7 +281,7 @@ TEST_P(FactorFamilies, ReplacementsKeepTheFactorRight) {
         basic[a.columns + exchange.row] = 1;
       }
     }
-    if (replaced % 37 == 0) check_solves(factor, a, head, random, 100 * family.tolerance);
+    if (replaced % 37 == 0) check_solves(factor, a, head, random, family.update_tolerance);
     if (HasFatalFailure()) return;
   }
   EXPECT_GT(replaced, 800);
