@@ -341,38 +341,42 @@ void Kernel::take_pivot_column(int row, int column) {
   }
 }
 
-/* column -= multiple * pivot column. */
+/* column -= multiple * pivot column. The first loop takes every entry alike, most multipliers being zero: testing them
+ * would cost more than the multiplication. */
 void Kernel::update_column(int column, double multiple) {
-  reserve_column(column, static_cast<int>(affected_.size()));
+  const int affected = static_cast<int>(affected_.size());
+  reserve_column(column, affected);
   Slot& line = column_[column];
   int* index = columns_.index.data() + line.start;
   double* value = columns_.value.data() + line.start;
-  ++stamp_;
-  double largest = 0.0;
+  const double* multiplier = multiplier_.data();
+  int* mark = mark_.data();
+  const int stamp = ++stamp_;
+  const double drop = settings_.drop;
   const int old_length = line.length;
+  double largest = 0.0;
   int kept = 0;
   for (int k = 0; k < old_length; ++k) {
     const int i = index[k];
-    double entry = value[k];
-    if (multiplier_[i] != 0.0) {
-      entry -= multiplier_[i] * multiple;
-      mark_[i] = stamp_;
-      if (std::fabs(entry) < settings_.drop) {
-        remove_from_row(i, column);
-        continue;
-      }
+    const double entry = value[k] - multiplier[i] * multiple;
+    const double size = std::fabs(entry);
+    mark[i] = stamp;
+    if (size < drop) {
+      remove_from_row(i, column);
+      continue;
     }
     index[kept] = i;
     value[kept++] = entry;
-    largest = std::max(largest, std::fabs(entry));
+    largest = std::max(largest, size);
   }
   for (const int i : affected_) {
-    if (mark_[i] == stamp_) continue;
-    const double entry = -multiplier_[i] * multiple;
-    if (std::fabs(entry) < settings_.drop) continue;
+    if (mark[i] == stamp) continue;
+    const double entry = -multiplier[i] * multiple;
+    const double size = std::fabs(entry);
+    if (size < drop) continue;
     index[kept] = i;
     value[kept++] = entry;
-    largest = std::max(largest, std::fabs(entry));
+    largest = std::max(largest, size);
     reserve_row(i, 1);
     Slot& row = row_[i];
     rows_[row.start + row.length++] = column;
@@ -380,7 +384,7 @@ void Kernel::update_column(int column, double multiple) {
   line.length = kept;
   active_entries_ += kept - old_length;
   column_max_[column] = largest;
-  work_ += old_length + static_cast<int>(affected_.size());
+  work_ += old_length + affected;
 }
 
 void Kernel::pivot(int row, int column) {
