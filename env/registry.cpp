@@ -12,8 +12,10 @@ namespace {
 struct Registry {
   std::mutex mutex;
   std::unordered_map<const void*, HandleKind> live;
-  std::atomic<std::uint64_t> removals{1};
 };
+
+/* Handles removed so far, plus 1. What a thread remembers from before a removal is void. */
+constinit std::atomic<std::uint64_t> removals{1};
 
 /* Never destroyed: an application may close its environments from a destructor of its own at exit. */
 Registry& registry() {
@@ -32,28 +34,29 @@ struct Remembered {
   std::uint64_t removals;  // count at the look-up; 0 matches none
 };
 
-constexpr std::size_t kRemembered = 16;
-thread_local std::array<Remembered, kRemembered> remembered{};
+constexpr int kPlaceBits = 5;
+constinit thread_local std::array<Remembered, 1u << kPlaceBits> remembered{};
 
+/* The upper bits of a product with a large odd number depend on all bits of the handle. */
 Remembered& place_of(const void* handle) {
-  const auto bits = reinterpret_cast<std::uintptr_t>(handle);
-  return remembered[(bits >> 4 ^ bits >> 12) % kRemembered];
+  const std::uint64_t bits = reinterpret_cast<std::uintptr_t>(handle);
+  return remembered[(bits * 0x9e3779b97f4a7c15u) >> (64 - kPlaceBits)];
 }
 
 }  // namespace
 
 bool is_live(const void* handle, HandleKind kind) noexcept {
   if (handle == nullptr) return false;
-  Registry& all = registry();
   Remembered& place = place_of(handle);
   if (place.handle == handle && place.kind == kind &&
-      place.removals == all.removals.load(std::memory_order_acquire)) {
+      place.removals == removals.load(std::memory_order_acquire)) {
     return true;
   }
+  Registry& all = registry();
   std::lock_guard guard(all.mutex);
   const auto found = all.live.find(handle);
   if (found == all.live.end() || found->second != kind) return false;
-  place = {handle, kind, all.removals.load(std::memory_order_relaxed)};
+  place = {handle, kind, removals.load(std::memory_order_relaxed)};
   return true;
 }
 
@@ -67,7 +70,7 @@ LiveHandle::~LiveHandle() {
   Registry& all = registry();
   std::lock_guard guard(all.mutex);
   all.live.erase(record_);
-  all.removals.fetch_add(1, std::memory_order_release);
+  removals.fetch_add(1, std::memory_order_release);
 }
 
 }  // namespace tovik
