@@ -171,16 +171,13 @@ void VectorFile::relocate(int k, int extra) {
   capacity_[s] = wanted;
 }
 
-/* Writes the vectors anew in their order. Each keeps room in proportion to its length, so that a vector does
- * not have to move again at once. */
+/* Writes the vectors anew in their order, each with its room: room that was asked for stays. */
 void VectorFile::rewrite() {
   std::vector<std::int64_t> start(start_.size());
-  std::vector<int> capacity(start_.size());
   std::int64_t length = 0;
   for (std::size_t k = 0; k < start.size(); ++k) {
     start[k] = length;
-    capacity[k] = std::min(capacity_[k], count_[k] + count_[k] / 2 + 2);
-    length += capacity[k];
+    length += capacity_[k];
   }
   std::vector<int> index(static_cast<std::size_t>(length));
   std::vector<double> value(static_cast<std::size_t>(length));
@@ -189,7 +186,6 @@ void VectorFile::rewrite() {
     std::copy_n(value_.data() + start_[k], count_[k], value.data() + start[k]);
   }
   start_ = std::move(start);
-  capacity_ = std::move(capacity);
   index_ = std::move(index);
   value_ = std::move(value);
   abandoned_ = 0;
@@ -255,6 +251,15 @@ void VectorFile::truncate(int vectors) noexcept {
   }
 }
 
+/* A vector that became much shorter keeps room in proportion to its length only. */
+void VectorFile::give_up_room(int k) noexcept {
+  const auto s = static_cast<std::size_t>(k);
+  const int enough = count_[s] + count_[s] / 2 + 2;
+  if (capacity_[s] / 2 <= enough) return;
+  abandoned_ += capacity_[s] - enough;
+  capacity_[s] = enough;
+}
+
 void VectorFile::keep_vectors(std::span<const int> renumber) noexcept {
   lookups_.clear();
   std::size_t kept = 0;
@@ -290,6 +295,7 @@ void VectorFile::renumber_indices(std::span<const int> renumber) noexcept {
     }
     entries_ -= n - kept;
     count_[static_cast<std::size_t>(k)] = kept;
+    give_up_room(k);
   }
 }
 

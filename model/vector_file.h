@@ -87,6 +87,7 @@ class VectorFile {
   void grow_entries(std::size_t more);
   void relocate(int k, int extra);
   void rewrite();
+  void give_up_room(int k) noexcept;
 
   std::vector<std::int64_t> start_;
   std::vector<int> count_, capacity_;
