@@ -15,17 +15,19 @@ std::size_t MemorySource::read(char* buffer, std::size_t capacity) {
 }
 
 LineReader::LineReader(ByteSource& source, std::size_t buffer_size)
-    : source_(source), capacity_(buffer_size), buffer_(buffer_size + kReadableSlack) {}
+    : source_(source),
+      capacity_(buffer_size),
+      buffer_(std::make_unique_for_overwrite<char[]>(buffer_size + 1)) {}
 
 /* Makes room in front and reads once; false at the end of the data. There is room when the buffer is not
  * full. */
 bool LineReader::refill() {
   if (begin_ != 0) {
-    std::memmove(buffer_.data(), buffer_.data() + begin_, end_ - begin_);
+    std::memmove(buffer_.get(), buffer_.get() + begin_, end_ - begin_);
     end_ -= begin_;
     begin_ = 0;
   }
-  const std::size_t count = source_.read(buffer_.data() + end_, capacity_ - end_);
+  const std::size_t count = source_.read(buffer_.get() + end_, capacity_ - end_);
   end_ += count;
   at_end_ = count == 0;
   return !at_end_;
@@ -35,7 +37,7 @@ bool LineReader::next() {
   if (complete_ && number_ != std::numeric_limits<int>::max()) ++number_;
   std::size_t searched = 0;  // bytes from begin_ on that hold no line feed
   for (;;) {
-    const char* text = buffer_.data() + begin_;
+    const char* text = buffer_.get() + begin_;
     const std::size_t size = end_ - begin_;
     if (const void* feed = size == searched ? nullptr : std::memchr(text + searched, '\n', size - searched)) {
       const std::size_t length = static_cast<std::size_t>(static_cast<const char*>(feed) - text);
@@ -53,7 +55,7 @@ bool LineReader::next() {
       return false;
     }
     buffer_[end_] = '\n';
-    line_ = {buffer_.data() + begin_, size};
+    line_ = {buffer_.get() + begin_, size};
     begin_ = end_;
     complete_ = !full;
     return true;

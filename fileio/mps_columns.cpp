@@ -8,7 +8,7 @@ bool ColumnSection::open(int line) {
   if (reference_name_.empty()) return true;
   const std::string padded = reference_name_ + std::string(kScanSlack, '\0');
   reference_ = rows_.find(make_field(padded.data(), reference_name_.size()));
-  return reference_ != nullptr || context_.fail(1448, line, reference_name_);
+  return reference_ || context_.fail(1448, line, reference_name_);
 }
 
 bool ColumnSection::plain_record(const Record& record) {
@@ -17,7 +17,7 @@ bool ColumnSection::plain_record(const Record& record) {
   const std::size_t pairs = record.count == 3 ? 1 : 2;
   for (std::size_t pair = 0; pair < pairs; ++pair) {
     resolved[pair].row = rows_.find(record.field[1 + 2 * pair]);
-    if (resolved[pair].row == nullptr) return false;
+    if (!resolved[pair].row) return false;
   }
   for (std::size_t pair = 0; pair < pairs; ++pair) {
     const Field& number = record.field[2 + 2 * pair];
@@ -52,7 +52,7 @@ bool ColumnSection::other_record(const Record& record) {
 bool ColumnSection::resolve(const Pairs& pairs, ResolvedPairs& resolved, Obstacle& why) {
   for (std::size_t pair = 0; pair < static_cast<std::size_t>(pairs.count); ++pair) {
     resolved[pair] = {rows_.find(pairs.row[pair]), 0.0};
-    if (resolved[pair].row == nullptr) {
+    if (!resolved[pair].row) {
       why = {1448, pairs.row[pair]};
       return false;
     }
@@ -66,17 +66,10 @@ bool ColumnSection::enter_column(const Field& name) {
   FileModel& model = context_.model;
   length_ = name.length;
   word_ = name.word;
-  const NameTable::Interned interned = model.columns.intern(name.view());
-  named_ = interned.id;
-  repeated_ = !interned.added;
-  if (repeated_) {
-    repeated_columns_.add(ReadFailure::about(1446, name.view()));
-    return true;
-  }
-  if (interned.id >= kMaxEntries) return context_.fail(ReadFailure::plain(1432));
+  column_ = model.columns.append(name.view());
+  if (column_ >= kMaxEntries) return context_.fail(ReadFailure::plain(1432));
   if (static_cast<std::int64_t>(model.index.size()) >= kMaxEntries)
     return context_.fail(ReadFailure::plain(1433));
-  column_ = interned.id;
   model.start.push_back(static_cast<std::int64_t>(model.index.size()));
   model.objective.push_back(0.0);
   if (integer_ && model.types.empty()) model.types.assign(static_cast<std::size_t>(column_), 'C');
@@ -90,15 +83,14 @@ bool ColumnSection::enter_column(const Field& name) {
 }
 
 void ColumnSection::store(const Resolved& entry) {
-  if (repeated_) return;
   FileModel& model = context_.model;
-  RowDirectory::Entry& row = *entry.row;
-  if (row.stamp == column_) {
+  const RowIndex::Found row = entry.row;
+  if (*row.stamp == column_) {
     repeated_rows_.add(ReadFailure::about(1443, model.columns.name(column_), rows_.text_of(row.id)));
     return;
   }
-  row.stamp = column_;
-  if (in_set_ && &row == reference_) model.sets.back().members.value.back() = entry.value;
+  *row.stamp = column_;
+  if (in_set_ && row.stamp == reference_.stamp) model.sets.back().members.value.back() = entry.value;
   if (row.id < 0) {
     if (rows_.is_objective(row.id)) model.objective.back() = entry.value;
   } else if (entry.value != 0) {
@@ -147,6 +139,8 @@ bool ColumnSection::set_marker(const Record& record, std::size_t marker) {
 }
 
 bool ColumnSection::close() {
+  for (const int repeat : context_.model.columns.index_appended())
+    repeated_columns_.add(ReadFailure::about(1446, context_.model.columns.name(repeat)));
   if (repeated_columns_.any()) return repeated_columns_.report(context_);
   if (repeated_rows_.any()) return repeated_rows_.report(context_);
   FileModel& model = context_.model;

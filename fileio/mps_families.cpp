@@ -98,8 +98,8 @@ bool IndicatorSection::record(const Record& record) {
 bool IndicatorSection::add(const Field& row_name, const Field& column_name, const Field& value_field,
                            int line, Obstacle& why) {
   FileModel& model = context_.model;
-  const RowDirectory::Entry* row = rows_.find(row_name);
-  if (row == nullptr) {
+  const RowIndex::Found row = rows_.find(row_name);
+  if (!row) {
     why = {1448, row_name};
     return false;
   }
@@ -110,24 +110,23 @@ bool IndicatorSection::add(const Field& row_name, const Field& column_name, cons
   }
   double value;
   if (!read_number(value_field, Infinite::refused, value, why)) return false;
-  const auto i = static_cast<std::size_t>(row->id);
-  const bool linear =
-      row->id >= 0 && (rows_.kinds().empty() || i >= rows_.kinds().size() ||
-                       rows_.kinds()[i] == RowKind::linear || rows_.kinds()[i] == RowKind::indicator);
+  const auto i = static_cast<std::size_t>(row.id);
+  const RowKind kind = row.id >= 0 ? rows_.kind_of(row.id) : RowKind::quadratic;
+  const bool linear = kind == RowKind::linear || kind == RowKind::indicator;
   if (!linear || model.sense[i] == 'R' || (value != 0 && value != 1)) {
     why = {1439, Field{}};
     return false;
   }
-  if (!rows_.kinds().empty() && rows_.kinds()[i] == RowKind::indicator) {
+  if (kind == RowKind::indicator) {
     context_.fail(ReadFailure::at(1447, line, "indicator", row_name.view()));
     return false;
   }
-  rows_.mark(row->id, RowKind::indicator);
+  rows_.mark(row.id, RowKind::indicator);
   IndicatorRow indicator;
   indicator.column = column;
   indicator.active_at_one = value == 1;
   model.indicators.push_back(std::move(indicator));
-  indicator_row_.push_back(row->id);
+  indicator_row_.push_back(row.id);
   return true;
 }
 

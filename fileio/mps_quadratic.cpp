@@ -18,12 +18,12 @@ bool QuadraticSection::open_row(const Record& header) {
   const char* end = header.end;
   while (static_cast<unsigned char>(end[-1]) <= ' ') --end;
   const Field name = make_field(header.field[1].text, static_cast<std::size_t>(end - header.field[1].text));
-  const RowDirectory::Entry* row = rows_.find(name);
-  if (row == nullptr) return context_.fail(1448, header.line, name.view());
-  if (row->id < 0) return context_.fail(1437, header.line);
-  row_ = row->id;
+  const RowIndex::Found row = rows_.find(name);
+  if (!row) return context_.fail(1448, header.line, name.view());
+  if (row.id < 0) return context_.fail(1437, header.line);
+  row_ = row.id;
   const auto i = static_cast<std::size_t>(row_);
-  const RowKind kind = i < rows_.kinds().size() ? rows_.kinds()[i] : RowKind::linear;
+  const RowKind kind = rows_.kind_of(row_);
   if (kind == RowKind::quadratic)
     return context_.fail(ReadFailure::at(1447, header.line, "QCMATRIX", name.view()));
   if (kind == RowKind::indicator) return context_.fail(1439, header.line);

@@ -1,5 +1,6 @@
 /* The MPS reader: one pass over the bytes; sections in their order, each handled by a component of its own.
  */
+#include <algorithm>
 #include <cstring>
 #include <limits>
 #include <optional>
@@ -81,10 +82,7 @@ class Reader {
         sets_(context_, rows_),
         quadratic_(context_, rows_),
         indicators_(context_, rows_) {
-    model.rows.reserve(static_cast<int>(options.expected_rows));
-    model.columns.reserve(static_cast<int>(options.expected_columns));
-    model.index.reserve(static_cast<std::size_t>(options.expected_nonzeros));
-    model.value.reserve(static_cast<std::size_t>(options.expected_nonzeros));
+    reserve(options, source.expected_size());
   }
 
   ReadFailure run() {
@@ -96,8 +94,14 @@ class Reader {
   }
 
  private:
+  void reserve(const ReadOptions& options, std::size_t bytes);
   bool read_lines();
   bool read_block();
+  bool read_columns(const char*& p, const char* end);
+  bool scan(const char*& p, const char* end, Record& record);
+  static bool begins_header(const char* line) {
+    return static_cast<unsigned char>(*line) > ' ' && *line != '*';
+  }
   bool header(const Record& record);
   bool data(const Record& record);
   bool enter(const SectionWord& word, const Record& record);
@@ -128,6 +132,25 @@ class Reader {
   WarningCap truncated_;
 };
 
+/* Room for a usual file of that size, so that long lists need not move; what stays unused is never touched.
+ */
+void Reader::reserve(const ReadOptions& options, std::size_t bytes) {
+  constexpr std::size_t kBytesPerEntry = 32, kBytesPerColumn = 64, kBytesPerName = 8;
+  const auto room = [&](std::int64_t expected, std::size_t bytes_each) {
+    const std::size_t wanted =
+        std::max(static_cast<std::size_t>(std::max<std::int64_t>(expected, 0)), bytes / bytes_each);
+    return std::min(wanted, static_cast<std::size_t>(kMaxEntries));
+  };
+  FileModel& model = context_.model;
+  const std::size_t columns = room(options.expected_columns, kBytesPerColumn);
+  const std::size_t entries = room(options.expected_nonzeros, kBytesPerEntry);
+  model.columns.reserve_text(columns, columns * kBytesPerName);
+  model.objective.reserve(columns);
+  model.start.reserve(columns + 1);
+  model.index.reserve(entries);
+  model.value.reserve(entries);
+}
+
 bool Reader::read_lines() {
   while (!ended_ && blocks_.next())
     if (!read_block()) return false;
@@ -140,24 +163,47 @@ bool Reader::read_block() {
   const char* p = blocks_.begin();
   const char* const end = blocks_.end();
   while (p != end && !ended_) {
-    if (line_ < std::numeric_limits<int>::max()) ++line_;
-    const char first = *p;
-    if (first == '*') {
-      p = static_cast<const char*>(std::memchr(p, '\n', static_cast<std::size_t>(end - p))) + 1;
-      continue;
+    if (section_ == Section::columns) {
+      if (!read_columns(p, end)) return false;
+      if (p == end) break;
     }
-    record.line = line_;
-    p = scan_free(p, record) + 1;
-    if (p - record.begin > kLineLimit) return context_.fail(ReadFailure::at(1465, line_, kLineLimit));
+    if (!scan(p, end, record)) return false;
     if (record.count == 0) continue;
-    if (record.overlong) cut_names(record);
-    if (static_cast<unsigned char>(first) > ' ') {
-      if (!header(record)) return false;
-    } else if (section_ == Section::columns) {
-      if (!columns_.record(record)) return false;
-    } else if (!data(record)) {
-      return false;
+    if (begins_header(record.begin) ? !header(record) : !data(record)) return false;
+  }
+  return true;
+}
+
+/* Cuts one line into fields; none for a comment. */
+bool Reader::scan(const char*& p, const char* end, Record& record) {
+  if (line_ < std::numeric_limits<int>::max()) ++line_;
+  record.line = line_;
+  if (*p == '*') {
+    p = static_cast<const char*>(std::memchr(p, '\n', static_cast<std::size_t>(end - p))) + 1;
+    record.count = 0;
+    return true;
+  }
+  p = scan_free(p, record) + 1;
+  if (p - record.begin > kLineLimit) return context_.fail(ReadFailure::at(1465, line_, kLineLimit));
+  if (record.overlong) cut_names(record);
+  return true;
+}
+
+/* Lines of COLUMNS up to the next header. Some lines are cut ahead of the one that is stored, so that the
+ * index entries of their rows arrive from memory in the meantime. */
+bool Reader::read_columns(const char*& p, const char* end) {
+  std::array<Record, 32> batch;
+  while (p != end && !begins_header(p)) {
+    std::size_t lines = 0;
+    while (lines < batch.size() && p != end && !begins_header(p)) {
+      Record& record = batch[lines];
+      if (!scan(p, end, record)) return false;
+      if (record.count == 0) continue;
+      columns_.prefetch(record);
+      ++lines;
     }
+    for (std::size_t k = 0; k < lines; ++k)
+      if (!columns_.record(batch[k])) return false;
   }
   return true;
 }

@@ -46,7 +46,7 @@ bool RimSection::record(const Record& record) {
   set_.choose(context_, pairs.name);
   for (std::size_t pair = 0; pair < static_cast<std::size_t>(pairs.count); ++pair) {
     if (pairs.value[pair].empty()) context_.empty_number_read();
-    if (!apply(resolved.row[pair]->id, resolved.value[pair], record.line)) return false;
+    if (!apply(resolved.row[pair].id, resolved.value[pair], record.line)) return false;
   }
   return true;
 }
@@ -56,7 +56,7 @@ bool RimSection::resolve(const Pairs& pairs, Resolved& resolved, Obstacle& why) 
   for (std::size_t pair = 0; resolved.counts && pair < static_cast<std::size_t>(pairs.count); ++pair) {
     resolved.row[pair] = rows_.find(pairs.row[pair]);
     resolved.value[pair] = 0;
-    if (resolved.row[pair] == nullptr) {
+    if (!resolved.row[pair]) {
       why = {1448, pairs.row[pair]};
       return false;
     }
@@ -89,7 +89,7 @@ bool RimSection::apply(std::int32_t row, double value, int line) {
   if (kind_ == Kind::rhs) {
     context_.model.rhs[i] = value;
   } else {
-    if (!rows_.kinds().empty() && rows_.kinds()[i] != RowKind::linear) return context_.fail(1438, line);
+    if (rows_.kind_of(row) != RowKind::linear) return context_.fail(1438, line);
     set_range(i, value);
   }
   return true;

@@ -40,7 +40,7 @@ class RimSection {
 
  private:
   struct Resolved {
-    RowDirectory::Entry* row[2];
+    RowIndex::Found row[2];
     double value[2];
     bool counts;
   };

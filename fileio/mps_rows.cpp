@@ -4,8 +4,6 @@ namespace tovik::fileio::mps {
 
 namespace {
 
-constexpr std::size_t kFirstEntries = 1024;
-
 char sense_of(const Field& field) {
   const char letter = field.upper(0);
   const bool known = letter == 'N' || letter == 'E' || letter == 'L' || letter == 'G';
@@ -13,29 +11,6 @@ char sense_of(const Field& field) {
 }
 
 }  // namespace
-
-RowDirectory::RowDirectory(Context& context) : context_(context) {
-  entries_.resize(kFirstEntries);
-  mask_ = kFirstEntries - 1;
-  shift_ = 64u - static_cast<unsigned>(std::countr_zero(kFirstEntries));
-}
-
-/* The lowest byte is 0, which no name of up to eight bytes can have. */
-std::uint64_t RowDirectory::key_of_long(const Field& name) {
-  constexpr std::uint64_t kMultiplier = 0x9E3779B97F4A7C15u;
-  std::uint64_t h = name.length * kMultiplier;
-  const char* p = name.text;
-  std::uint32_t left = name.length;
-  for (; left >= 8; left -= 8, p += 8) {
-    h = (h ^ detail::load_word(p)) * kMultiplier;
-    h ^= h >> 29;
-  }
-  if (left > 0) {
-    h = (h ^ detail::low_bytes(detail::load_word(p), left)) * kMultiplier;
-    h ^= h >> 29;
-  }
-  return (h << 8) | (std::uint64_t{1} << 63);
-}
 
 bool RowDirectory::record(const Record& record, RowKind kind) {
   Field sense_field = record.field[0], name = record.field[1];
@@ -57,22 +32,18 @@ bool RowDirectory::record(const Record& record, RowKind kind) {
 
 bool RowDirectory::add(const Field& name, char sense, RowKind kind) {
   FileModel& model = context_.model;
-  if (find(name) != nullptr) {
-    repeats_.add(ReadFailure::about(1445, name.view()));
+  if (static_cast<std::int64_t>(row_keys_.size() + free_row_keys_.size()) >= kMaxEntries)
+    return context_.fail(ReadFailure::plain(1431));
+  const std::uint64_t key = RowIndex::key_of(name);
+  if (sense == 'N') {
+    free_rows_.append(name.view());
+    free_row_keys_.push_back(key);
     return true;
   }
-  if (static_cast<std::int64_t>(used_) >= kMaxEntries) return context_.fail(ReadFailure::plain(1431));
-  std::int32_t id;
-  if (sense == 'N') {
-    id = -1 - free_rows_.intern(name.view()).id;
-  } else {
-    id = model.rows.intern(name.view()).id;
-    model.sense.push_back(sense);
-    if (kind != RowKind::linear) mark(id, kind);
-  }
-  if (2 * (used_ + 1) > entries_.size()) grow();
-  insert(name.length <= 8 ? name.word : key_of_long(name), id);
-  ++used_;
+  const int id = model.rows.append(name.view());
+  row_keys_.push_back(key);
+  model.sense.push_back(sense);
+  if (kind != RowKind::linear) mark(id, kind);
   return true;
 }
 
@@ -81,24 +52,15 @@ void RowDirectory::mark(std::int32_t id, RowKind kind) {
   kinds_[static_cast<std::size_t>(id)] = kind;
 }
 
-void RowDirectory::insert(std::uint64_t key, std::int32_t id) {
-  std::size_t i = slot_of(key);
-  while (entries_[i].key != 0) i = (i + 1) & mask_;
-  entries_[i].key = key;
-  entries_[i].id = id;
-}
-
-void RowDirectory::grow() {
-  std::vector<Entry> old(2 * entries_.size());
-  old.swap(entries_);
-  mask_ = entries_.size() - 1;
-  --shift_;
-  for (const Entry& entry : old)
-    if (entry.key != 0) insert(entry.key, entry.id);
-}
-
 bool RowDirectory::close(int line) {
-  if (repeats_.any()) return repeats_.report(context_);
+  Repeats repeats(1477);
+  for (const std::int32_t id : index_.build(row_keys_, free_row_keys_))
+    repeats.add(ReadFailure::about(1445, text_of(id)));
+  if (repeats.any()) return repeats.report(context_);
+  row_keys_ = {};
+  free_row_keys_ = {};
+  free_rows_.index_appended();
+  context_.model.rows.index_appended();
   if (free_rows_.size() == 0) return context_.fail(1476, line);
   int chosen = 0;
   if (!wanted_objective_.empty()) {

@@ -1,6 +1,7 @@
 /* Names of one kind in the order of their first appearance, and the index to find them by.
- * Each name is stored once, zero-terminated, in one block of text; the index is an open-addressing table of
- * (hash, id) pairs, so looking a name up touches one cache line and compares the text once. */
+ * Each name is stored once, zero-terminated, in one block of text. The index is an open-addressing table
+ * whose slots hold the first eight bytes of the name: a short name, the common case, is found or missed with
+ * one cache line touched. */
 #pragma once
 
 #include <cstdint>
@@ -30,20 +31,37 @@ class NameTable {
   };
   Interned intern(std::string_view name);
   void reserve(int count);
+  /* For long lists: append() adds a name without looking whether it is there, index_appended() then makes
+   * all names appended so far known to find() and intern(), several times faster than one by one. It returns
+   * the ids of those that repeat an earlier name (they stay unknown to find). Do not intern in between. */
+  void reserve_text(std::size_t names, std::size_t bytes);
+  int append(std::string_view name);
+  std::vector<int> index_appended();
   /* Hands the texts over, in order; the table may only be destroyed afterwards. */
   model::NameBlock release();
 
  private:
-  struct Slot {
-    std::uint32_t hash;
-    std::int32_t id;
+  struct Key {
+    std::uint64_t word;  // the first eight bytes, zero behind the end
+    std::uint32_t hash;  // its lowest bit is set for names of up to eight bytes, which `word` holds whole
   };
-  std::size_t slot_of(std::string_view name, std::uint32_t hash) const;
+  struct Slot {
+    std::uint64_t word = 0;
+    std::uint32_t hash = 0;
+    std::int32_t id = kNone;
+  };
+  static Key key_of(std::string_view name);
+  bool holds(const Slot& slot, const Key& key, std::string_view name) const;
+  std::size_t slot_of(std::string_view name, const Key& key) const;
   void grow(std::size_t slots);
+  int add_text(std::string_view name);
 
   std::vector<char> text_;
   std::vector<std::size_t> begin_;  // size() + 1 entries
   std::vector<Slot> slots_;         // a power of two; id kNone is empty
+  static constexpr std::size_t kRecent = 1024;
+  std::vector<Slot> recent_;  // copies of the slots that intern() met last; they stay in the nearest cache
+  int indexed_ = 0;           // ids below it are indexed
 };
 
 }  // namespace tovik::fileio

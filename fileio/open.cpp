@@ -76,6 +76,10 @@ class FileSource final : public ByteSource {
     return static_cast<std::size_t>(std::max<ssize_t>(count, 0));
   }
   bool finish() override { return !failed_; }
+  std::size_t expected_size() const override {
+    struct stat info {};
+    return ::fstat(file_.get(), &info) == 0 && S_ISREG(info.st_mode) ? static_cast<std::size_t>(info.st_size) : 0;
+  }
 
  private:
   Descriptor file_;

@@ -13,7 +13,6 @@
 #include <cstddef>
 #include <memory>
 #include <string_view>
-#include <vector>
 
 #include "env/error.h"
 
@@ -37,6 +36,9 @@ class ByteSource {
   /* Call once, after the last read: true when all of the file arrived. A source that was not read to its end
    * may answer either way. */
   virtual bool finish() = 0;
+  /* How many bytes are still to come, as far as known beforehand; 0 when it is not. A hint for first
+   * capacities, never a promise. */
+  virtual std::size_t expected_size() const { return 0; }
 };
 
 /* Bytes that the caller keeps alive. */
@@ -45,6 +47,7 @@ class MemorySource final : public ByteSource {
   explicit MemorySource(std::string_view bytes) : rest_(bytes) {}
   std::size_t read(char* buffer, std::size_t capacity) override;
   bool finish() override { return true; }
+  std::size_t expected_size() const override { return rest_.size(); }
 
  private:
   std::string_view rest_;
@@ -65,13 +68,12 @@ Status open_for_reading(Environment& env, const OpenRequest& request, std::uniqu
  *   LineReader lines(source);
  *   while (lines.next()) parse(lines.line(), lines.number());
  *
- * line() is without its line feed and lives until the next call of next(). The byte behind it can be read and
- * is a line feed, so a scanner needs no end test of its own. A line that does not fit the buffer is delivered
- * in part: complete() is false and what next() delivers is its continuation, with the same number. */
+ * line() is without its line feed and lives until the next call of next(). The byte behind it is a line feed,
+ * so that a scanner needs no end test of its own. A line that does not fit the buffer is delivered in part:
+ * complete() is false and what next() delivers is its continuation, with the same number. */
 class LineReader {
  public:
   static constexpr std::size_t kDefaultBuffer = std::size_t{1} << 20;
-  static constexpr std::size_t kReadableSlack = 32;
   explicit LineReader(ByteSource& source, std::size_t buffer_size = kDefaultBuffer);
 
   bool next();  // false when no line is left
@@ -88,10 +90,10 @@ class LineReader {
   bool refill();
 
   ByteSource& source_;
-  std::size_t capacity_;      // bytes ever filled
-  std::vector<char> buffer_;  // capacity, then room for the closing line feed and the slack
-  std::size_t begin_ = 0;     // first byte not yet delivered
-  std::size_t end_ = 0;       // end of the bytes in the buffer
+  std::size_t capacity_;            // bytes ever filled
+  std::unique_ptr<char[]> buffer_;  // capacity, then room for the closing line feed
+  std::size_t begin_ = 0;           // first byte not yet delivered
+  std::size_t end_ = 0;             // end of the bytes in the buffer
   bool at_end_ = false;
   bool complete_ = true;
   int number_ = 0;
