@@ -28,6 +28,37 @@ class ChannelLog final : public ReaderLog {
   const Environment& env_;
 };
 
+/* Prints one line of a failure. */
+Status print_failure(Environment& env, const ReadFailure& failure) {
+  using Arguments = ReadFailure::Arguments;
+  const int code = failure.code;
+  const char* text = failure.text.c_str();
+  const char* text2 = failure.text2.c_str();
+  switch (failure.arguments) {
+    case Arguments::none:
+      return fail(env, code);
+    case Arguments::i:
+      return fail(env, code, failure.first);
+    case Arguments::ii:
+      return fail(env, code, failure.first, failure.second);
+    case Arguments::s:
+      return fail(env, code, text);
+    case Arguments::ss:
+      return fail(env, code, text, text2);
+    case Arguments::sss:
+      return fail(env, code, text, text2, failure.text3.c_str());
+    case Arguments::is:
+      return fail(env, code, failure.first, text);
+    case Arguments::iss:
+      return fail(env, code, failure.first, text, text2);
+    case Arguments::ic:
+      return fail(env, code, failure.first, failure.letter);
+    case Arguments::icc:
+      return fail(env, code, failure.first, failure.letter, failure.letter2);
+  }
+  return code;
+}
+
 /* Reads the first byte of a file whose name does not tell its format. */
 Status guess_format(Environment& env, const char* name, Format& format) {
   OpenRequest request;
@@ -164,33 +195,9 @@ Format format_of_first_byte(char byte) {
 }
 
 Status report_failure(Environment& env, const ReadFailure& failure) {
-  using Arguments = ReadFailure::Arguments;
-  const int code = failure.code;
-  const char* text = failure.text.c_str();
-  const char* text2 = failure.text2.c_str();
-  switch (failure.arguments) {
-    case Arguments::none:
-      return fail(env, code);
-    case Arguments::i:
-      return fail(env, code, failure.first);
-    case Arguments::ii:
-      return fail(env, code, failure.first, failure.second);
-    case Arguments::s:
-      return fail(env, code, text);
-    case Arguments::ss:
-      return fail(env, code, text, text2);
-    case Arguments::sss:
-      return fail(env, code, text, text2, failure.text3.c_str());
-    case Arguments::is:
-      return fail(env, code, failure.first, text);
-    case Arguments::iss:
-      return fail(env, code, failure.first, text, text2);
-    case Arguments::ic:
-      return fail(env, code, failure.first, failure.letter);
-    case Arguments::icc:
-      return fail(env, code, failure.first, failure.letter, failure.letter2);
-  }
-  return code;
+  const Status status = print_failure(env, failure);
+  for (const ReadFailure& line : failure.more) static_cast<void>(print_failure(env, line));
+  return status;
 }
 
 Status read_problem(Environment& env, Problem& problem, const char* name, const char* type) {
