@@ -74,9 +74,10 @@ Status open_child(Environment& parent, Environment*& opened) {
   return 0;
 }
 
-/* The environment behind `handle` may be taken apart. */
+/* Not while a routine works in it: the caller is then inside a callback or a message function. */
 Status may_be_freed(const Environment& env) {
-  return env.in_callback != 0 || env.delivering() ? TVK_ERROR_IN_INFO_CALLBACK : 0;
+  const bool busy = env.in_callback != 0 || !env.limits.empty() || env.delivering();
+  return busy ? TVK_ERROR_IN_INFO_CALLBACK : 0;
 }
 
 Status free_child(Environment& parent, EnvHandle& handle) {

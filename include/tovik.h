@@ -383,8 +383,8 @@ TVK_API EnvHandle TVKopenTOVIK(int *status_p);
 
 /* Closes the environment `*env_p` with all that is left in it (problems, channels, child environments; their handles
  * become invalid) and sets `*env_p` to null. Files attached to channels are flushed, not closed.
- * Errors: 1004 env_p null; 1002; 1804 from inside the info callback or from a message function that is being served
- * by one of the environment's channels; 1021 for a child environment, which stays usable. */
+ * Errors: 1004 env_p null; 1002; 1804 from inside a callback of a running optimizer or from a message function that
+ * is being served by one of the environment's channels; 1021 for a child environment, which stays usable. */
 TVK_API int TVKcloseTOVIK(EnvHandle *env_p);
 
 /* Creates a child environment for a parallel worker: parameters and callbacks are copied from `env`, the random

@@ -153,6 +153,9 @@ TEST_F(Changes, InsideTheInfoCallbackOnlyHarmlessRoutinesWork) {
   EXPECT_STREQ(TVKversion(env_), "12.2.0.0");
   EXPECT_EQ(TVKgettime(env_, x), 0);
   env.in_callback = 0;
+  env.limits.push(0, 1e75, 0, 1e75);  // as a running optimizer does
+  EXPECT_EQ(TVKcloseTOVIK(&handle), 1804);
+  env.limits.pop();
 }
 
 TEST(Limits, InnerFramesNeverOutliveOuterOnes) {
