@@ -92,9 +92,9 @@ def _means(results, settings, kind):
         lines.append(f"{name:>8}: {right} of {len(results)} answered right, shifted mean {shifted_mean(times):.4f} s, "
                      f"sum {sum(times):.1f} s, {iterations} iterations")
     if len(names) == 2:
-        comparable = [(model, runs) for model, runs in results if runs[names[1]].status != "error"]
+        comparable = [(model, runs) for model, runs in results if verdict(model, runs[names[1]]) in ("", "limit")]
         hard = [(model, runs) for model, runs in comparable if charged(model, runs[names[1]], settings, kind) > HARD_SECONDS]
-        for label, part in (("all models that both read", comparable), (f"models where {names[1]} needs > {HARD_SECONDS:g} s", hard)):
+        for label, part in ((f"all models that {names[1]} answers right or runs out of time on", comparable), (f"models where {names[1]} needs > {HARD_SECONDS:g} s", hard)):
             if part:
                 ours, peer = ([charged(model, runs[name], settings, kind) for model, runs in part] for name in names)
                 lines.append(f"   ratio: {shifted_mean(ours) / max(shifted_mean(peer), 1e-9):.3f} over {label} ({len(part)})")
