@@ -17,6 +17,7 @@ constexpr int kRounds = 12;          // phase changes before giving up
 constexpr int kTroubles = 60;        // numerical rejections in a row before giving up
 constexpr double kProgress = 1e-9;   // relative growth of the objective that counts as progress
 constexpr double kStrongestPerturbation = 1e4;
+constexpr double kUsualMagnitude = 1e-6;  // perturbation magnitude that means a scale of 1
 
 double bound_product(double d, double low, double high) {
   return d > 0 ? d * low : d * high;
@@ -75,7 +76,7 @@ Outcome Dual::solve(const Settings& settings, std::int64_t iteration_budget) {
       norms_.compute(core_, rho_);
     }
   }
-  perturb_scale_ = 1;
+  perturb_scale_ = core_.options.perturb_magnitude / kUsualMagnitude;
   if (settings.perturb) perturb_costs(core_, perturb_scale_);
   core_.compute_dual();
   clear_phase1_bounds();  // boxed variables to their dual feasible bounds

@@ -21,7 +21,7 @@ void DualLeaving::resize(int rows) {
   taboo_count_ = 0;
 }
 
-void DualLeaving::rebuild(const Core& core, const std::vector<double>& weight, bool keep_taboo) {
+void DualLeaving::rebuild(Core& core, const std::vector<double>& weight, bool keep_taboo) {
   for (int p = 0; p < core.m; ++p) {
     infeasibility_[p] = violation2(core.x[p], core.x_lower[p], core.x_upper[p], core.primal_tolerance);
   }
@@ -32,7 +32,7 @@ void DualLeaving::rebuild(const Core& core, const std::vector<double>& weight, b
   make_list(core, weight);
 }
 
-void DualLeaving::make_list(const Core& core, const std::vector<double>& weight) {
+void DualLeaving::make_list(Core& core, const std::vector<double>& weight) {
   for (int p : list_) in_list_[p] = 0;
   list_.clear();
   cutoff_ = 0;
@@ -49,11 +49,19 @@ void DualLeaving::make_list(const Core& core, const std::vector<double>& weight)
                      std::greater<>());
     cutoff_ = merit_[keep];
   }
+  const auto add = [&](int p) {
+    in_list_[p] = 1;
+    list_.push_back(p);
+  };
   for (int p = 0; p < core.m; ++p) {
-    if (infeasibility_[p] > cutoff_ * weight[p]) {
-      in_list_[p] = 1;
-      list_.push_back(p);
-    }
+    if (infeasibility_[p] > cutoff_ * weight[p]) add(p);
+  }
+  if (cutoff_ == 0 || list_.size() >= kListKeep) return;
+  // Many rows tie at the cut-off: fill up with some of them.
+  const int first = core.random.below(core.m);
+  for (int k = 0; k < core.m && list_.size() < kListKeep; ++k) {
+    const int p = first + k < core.m ? first + k : first + k - core.m;
+    if (!in_list_[p] && infeasibility_[p] / weight[p] >= kRefill * cutoff_) add(p);
   }
 }
 

@@ -18,7 +18,7 @@ class DualLeaving {
   void resize(int rows);
   /* Recomputes all infeasibilities from the core's values, forgets taboo rows when asked, chooses the mode.
    */
-  void rebuild(const Core& core, const std::vector<double>& weight, bool keep_taboo);
+  void rebuild(Core& core, const std::vector<double>& weight, bool keep_taboo);
   /* Best row or -1. */
   int choose(Core& core, const std::vector<double>& weight);
   void set(int p, double squared, double weight) {
@@ -40,7 +40,7 @@ class DualLeaving {
   }
 
  private:
-  void make_list(const Core& core, const std::vector<double>& weight);
+  void make_list(Core& core, const std::vector<double>& weight);
   int scan(Core& core, const std::vector<double>& weight) const;
   std::vector<double> infeasibility_;
   std::vector<char> in_list_, taboo_;
