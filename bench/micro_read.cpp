@@ -34,7 +34,7 @@ std::vector<Entry> random_entries(int rows, int columns, int per_row) {
     for (int k = 0; k < per_row; ++k) {
       const int column = k == 0 ? i % columns : static_cast<int>(random() % static_cast<unsigned>(columns));
       const int whole = static_cast<int>(random() % 200) - 100;
-      const double value = k % 3 == 0 ? whole + 0.5 : whole + random() % 1000000 / 1e6;
+      const double value = k % 3 == 0 ? whole + 0.5 : whole + static_cast<double>(random() % 1000000) / 1e6;
       entries.push_back({i, column, value});
     }
   }

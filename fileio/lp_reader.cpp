@@ -15,7 +15,7 @@ class Reader {
  public:
   Reader(ByteSource& source, const ReadOptions& options, Messages& messages)
       : messages_(messages),
-        scanner_(source, messages),
+        scanner_(source, options.line_buffer, messages),
         builder_(options, messages),
         expressions_(scanner_, builder_, messages),
         constraints_(scanner_, builder_, messages),

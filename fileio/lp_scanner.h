@@ -15,7 +15,8 @@ enum class Arrow { none, forward, backward, both };
 
 class Scanner {
  public:
-  Scanner(ByteSource& source, Messages& messages) : lines_(source, messages), messages_(messages) {}
+  Scanner(ByteSource& source, std::size_t line_buffer, Messages& messages)
+      : lines_(source, line_buffer, messages), messages_(messages) {}
 
   /* Skips blanks and line ends. True at a character of content; false at a section header, at the end of the
    * data and after a failure. */

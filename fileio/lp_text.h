@@ -62,7 +62,8 @@ inline bool is_exponent_letter(char c) {
  */
 class ContentLines {
  public:
-  ContentLines(ByteSource& source, Messages& messages) : lines_(source), messages_(messages) {}
+  ContentLines(ByteSource& source, std::size_t line_buffer, Messages& messages)
+      : lines_(source, line_buffer), messages_(messages) {}
 
   bool next();  // false at the end of the data and after a failure
   /* The content; the byte behind it is of class kLineEnd. Lives until the next call of next(). */

@@ -72,6 +72,7 @@ class WarningCap {
 struct ReadOptions {
   /* First capacities, as the caller's settings give them; never more than a hint. */
   std::int64_t expected_rows = 100, expected_columns = 100, expected_nonzeros = 500;
+  std::size_t line_buffer = LineReader::kDefaultBuffer;  // bytes, at least 1024
 };
 
 /* A sparse row or column of its own: parallel vectors. */

@@ -35,7 +35,7 @@ std::uint64_t load(const char* p, std::size_t n) {
 
 }  // namespace
 
-NameTable::NameTable() : begin_(1, 0), slots_(64), recent_(kRecent) {}
+NameTable::NameTable() : begin_(1, 0), slots_(64) {}
 
 /* Multiply-and-fold over eight-byte words; names are short, so one to three rounds. */
 NameTable::Key NameTable::key_of(std::string_view name) {
@@ -73,8 +73,6 @@ int NameTable::find(std::string_view wanted) const {
 
 NameTable::Interned NameTable::intern(std::string_view wanted) {
   const Key key = key_of(wanted);
-  Slot& recent = recent_[key.hash / 2 % kRecent];
-  if (holds(recent, key, wanted)) return {recent.id, false};
   std::size_t i = slot_of(wanted, key);
   const bool added = slots_[i].id == kNone;
   if (added) {
@@ -85,8 +83,7 @@ NameTable::Interned NameTable::intern(std::string_view wanted) {
     slots_[i] = {key.word, key.hash, add_text(wanted)};
     indexed_ = slots_[i].id + 1;
   }
-  recent = slots_[i];
-  return {recent.id, added};
+  return {slots_[i].id, added};
 }
 
 int NameTable::add_text(std::string_view name) {

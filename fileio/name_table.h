@@ -59,9 +59,7 @@ class NameTable {
   std::vector<char> text_;
   std::vector<std::size_t> begin_;  // size() + 1 entries
   std::vector<Slot> slots_;         // a power of two; id kNone is empty
-  static constexpr std::size_t kRecent = 1024;
-  std::vector<Slot> recent_;  // copies of the slots that intern() met last; they stay in the nearest cache
-  int indexed_ = 0;           // ids below it are indexed
+  int indexed_ = 0;                 // ids below it are indexed
 };
 
 }  // namespace tovik::fileio
