@@ -13,13 +13,13 @@ namespace tovik::lp::factor {
 namespace {
 
 constexpr int kMinUpdates = 20;      // no rebuild for the sake of work before so many updates
-constexpr double kFileGrowth = 3.0;  // rebuild when updates have made the files so many times larger
+constexpr double kFileGrowth = 6.0;  // rebuild when updates have made the files so many times larger
 constexpr int kFileSlack = 10000;    // entries of growth that never matter
 
-/* Rows of a few thousand want short periods, very sparse large ones long periods: the work rule decides in
- * between. */
+/* A cap for the sake of accuracy; the work rule mostly acts before. Large very sparse bases want long
+ * periods. */
 int default_update_limit(int rows) {
-  return std::min(1000, 100 + rows / 50);
+  return std::min(5000, 100 + rows / 20);
 }
 
 /* Deterministic signs for the accuracy test. */

@@ -341,8 +341,8 @@ void Kernel::take_pivot_column(int row, int column) {
   }
 }
 
-/* column -= multiple * pivot column. The first loop takes every entry alike, most multipliers being zero: testing them
- * would cost more than the multiplication. */
+/* column -= multiple * pivot column. The first loop takes every entry alike, most multipliers being zero:
+ * testing them would cost more than the multiplication. */
 void Kernel::update_column(int column, double multiple) {
   const int affected = static_cast<int>(affected_.size());
   reserve_column(column, affected);

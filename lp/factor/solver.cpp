@@ -10,6 +10,7 @@ namespace {
 constexpr double kPlainStart =
     0.10;  // share of nonzeros in the right-hand side from which a sweep starts plain
 constexpr double kPlainExpected = 0.12;  // expected share of the result from which it does
+constexpr double kFirstSweep = 0.3;      // the first of two triangles gives about so much of the nonzeros
 constexpr double kPlainSwitch = 0.10;    // share of visited slots at which a sparse sweep turns plain
 constexpr double kGatherResult =
     0.30;  // share of nonzeros from which the result is gathered in order of its index
@@ -288,7 +289,7 @@ void Solver::btran_etas() {
 void Solver::ftran(SparseVector& v, double expected_density) {
   load(v, lu_.row_slot);
   const LowerLines lower{lu_.l_column.data(), lu_.l_columns.index.data(), lu_.l_columns.value.data()};
-  sweep<true>(lower, lu_.first_l, lu_.rows, start_plain(expected_density));
+  sweep<true>(lower, lu_.first_l, lu_.rows, start_plain(kFirstSweep * expected_density));
   ftran_etas();
   if (v.want_pack) pack(v);
   const UpperLines upper{lu_.u_column.data(), lu_.u_columns.index.data(), lu_.u_columns.value.data()};
@@ -299,7 +300,7 @@ void Solver::ftran(SparseVector& v, double expected_density) {
 void Solver::btran(SparseVector& v, double expected_density) {
   load(v, lu_.position_slot);
   const UpperLines upper{lu_.u_row.data(), lu_.u_rows.index.data(), lu_.u_rows.value.data()};
-  sweep<true>(upper, 0, lu_.slots(), start_plain(expected_density));
+  sweep<true>(upper, 0, lu_.slots(), start_plain(kFirstSweep * expected_density));
   if (v.want_pack) pack(v);
   btran_etas();
   const LowerLines lower{lu_.l_row.data(), lu_.l_rows.index.data(), lu_.l_rows.value.data()};
