@@ -111,7 +111,7 @@ Status add_rows(Environment& env, Problem& problem, const NewColumns& columns, c
   model.add_rows(with_types(problem, columns, letters), rows);
   discard_presolved_model(env, problem, "Adding rows to");
   extend_start(problem);
-  invalidate_keeping_basis(problem, Change::rows);
+  invalidate(problem, Change::rows);
   return {};
 }
 
@@ -135,7 +135,7 @@ Status add_columns(Environment& env, Problem& problem, const NewColumns& new_col
   invalidate(problem, Change::add_columns);
   if (columns.types != nullptr) {
     problem.type = mixed_integer_type(problem.type);
-    invalidate_keeping_basis(problem, Change::column_types);
+    invalidate(problem, Change::column_types);
   }
   return {};
 }
@@ -146,7 +146,7 @@ Status delete_rows(Environment& env, Problem& problem, int begin, int end) {
   if (begin > end) return {};
   problem.model->delete_rows(begin, end);
   drop_start_rows(problem, begin, end);
-  invalidate_keeping_basis(problem, Change::rows);
+  invalidate(problem, Change::rows);
   return {};
 }
 
@@ -156,7 +156,7 @@ Status delete_columns(Environment& env, Problem& problem, int begin, int end) {
   if (begin > end) return {};
   problem.model->delete_columns(begin, end);
   drop_start_columns(problem, begin, end);
-  invalidate_keeping_basis(problem, Change::delete_columns);
+  invalidate(problem, Change::delete_columns);
   return {};
 }
 
@@ -168,7 +168,7 @@ Status delete_row_set(Problem& problem, int* delstat) {
     const std::span<const int> marks(delstat, static_cast<std::size_t>(count));
     problem.model->delete_marked_rows(marks);
     drop_start_rows(problem, marks);
-    invalidate_keeping_basis(problem, Change::rows);
+    invalidate(problem, Change::rows);
   }
   number_the_kept(delstat, count);
   return {};
@@ -182,7 +182,7 @@ Status delete_column_set(Problem& problem, int* delstat) {
     const std::span<const int> marks(delstat, static_cast<std::size_t>(count));
     problem.model->delete_marked_columns(marks);
     drop_start_columns(problem, marks);
-    invalidate_keeping_basis(problem, Change::delete_columns);
+    invalidate(problem, Change::delete_columns);
   }
   number_the_kept(delstat, count);
   return {};

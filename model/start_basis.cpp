@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
-#include <utility>
 #include <vector>
 
 #include "model/model.h"
@@ -24,6 +23,11 @@ int resting_status(double lower, double upper) {
   if (has_lower && has_upper) return std::fabs(lower) <= std::fabs(upper) ? kAtLower : kAtUpper;
   if (has_lower) return kAtLower;
   return has_upper ? kAtUpper : kFree;
+}
+
+/* Starting values are one per row or column as well, but of use only for the model they were given for. */
+void drop_values(Start& start) noexcept {
+  for (auto* values : {&start.primal, &start.row_primal, &start.dual, &start.row_dual}) values->clear();
 }
 
 void drop_basis(Start& start) noexcept {
@@ -70,6 +74,7 @@ void reserve_start(Problem& problem, int rows, int columns) {
 
 void extend_start(Problem& problem) noexcept {
   Start& start = problem.start;
+  drop_values(start);
   if (!start.has_basis()) return;
   const Model& model = *problem.model;
   start.row_status.resize(static_cast<std::size_t>(model.num_rows()), kBasic);
@@ -81,6 +86,7 @@ void extend_start(Problem& problem) noexcept {
 
 void drop_start_rows(Problem& problem, int first, int last) noexcept {
   Start& start = problem.start;
+  drop_values(start);
   if (!start.has_basis()) return;
   if (!covers(start.row_status, last) || take(start.row_status, first, last) != last - first + 1)
     drop_basis(start);
@@ -88,12 +94,14 @@ void drop_start_rows(Problem& problem, int first, int last) noexcept {
 
 void drop_start_columns(Problem& problem, int first, int last) noexcept {
   Start& start = problem.start;
+  drop_values(start);
   if (!start.has_basis()) return;
   if (!covers(start.column_status, last) || take(start.column_status, first, last) != 0) drop_basis(start);
 }
 
 void drop_start_rows(Problem& problem, std::span<const int> marks) noexcept {
   Start& start = problem.start;
+  drop_values(start);
   if (!start.has_basis()) return;
   const std::ptrdiff_t rows = std::count(marks.begin(), marks.end(), 1);
   if (!covers(start.row_status, marks) || take(start.row_status, marks) != rows) drop_basis(start);
@@ -101,16 +109,9 @@ void drop_start_rows(Problem& problem, std::span<const int> marks) noexcept {
 
 void drop_start_columns(Problem& problem, std::span<const int> marks) noexcept {
   Start& start = problem.start;
+  drop_values(start);
   if (!start.has_basis()) return;
   if (!covers(start.column_status, marks) || take(start.column_status, marks) != 0) drop_basis(start);
-}
-
-void invalidate_keeping_basis(Problem& problem, Change change) noexcept {
-  std::vector<int> columns = std::move(problem.start.column_status);
-  std::vector<int> rows = std::move(problem.start.row_status);
-  invalidate(problem, change);
-  problem.start.column_status = std::move(columns);
-  problem.start.row_status = std::move(rows);
 }
 
 }  // namespace tovik::model

@@ -19,7 +19,4 @@ void drop_start_columns(Problem& problem, int first, int last) noexcept;
 void drop_start_rows(Problem& problem, std::span<const int> marks) noexcept;  // one a row; 1 deletes
 void drop_start_columns(Problem& problem, std::span<const int> marks) noexcept;
 
-/* invalidate(), but the statuses of the starting basis stay. */
-void invalidate_keeping_basis(Problem& problem, Change change) noexcept;
-
 }  // namespace tovik::model
