@@ -146,6 +146,9 @@ ExitStatus guarded(int argc, const char* const* argv) {
 
 int main(int argc, char** argv) {
   const auto status = tovik::cli::guarded(argc, argv);
-  if (std::fflush(stdout) != 0) return static_cast<int>(tovik::cli::ExitStatus::usage);
+  if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
+    std::fputs("tovik: cannot write to standard output\n", stderr);
+    return static_cast<int>(tovik::cli::ExitStatus::usage);
+  }
   return static_cast<int>(status);
 }

@@ -68,7 +68,7 @@ class Program : public testing::Test {
       const bool moved = chdir(folder_.c_str()) == 0;
       setenv("TMPDIR", (folder_ / "tmp").c_str(), 1);
       dup2(input, 0);
-      dup2(open("out", O_WRONLY | O_CREAT | O_TRUNC, 0600), 1);
+      dup2(open(out_.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), 1);
       dup2(open("err", O_WRONLY | O_CREAT | O_TRUNC, 0600), 2);
       if (!preload_.empty()) {
         setenv("LD_PRELOAD", preload_.c_str(), 1);
@@ -89,7 +89,8 @@ class Program : public testing::Test {
   }
 
   fs::path folder_;
-  std::string preload_;  // a library loaded before ours
+  std::string preload_;      // a library loaded before ours
+  std::string out_ = "out";  // where standard output goes
 };
 
 const char kOptimal[] =
@@ -301,6 +302,14 @@ TEST_F(Program, LimitsSayWhetherASolutionIsKnown) {
       run({"slack.lp", "--json", "-q", "--method", "primal", "--set", "ITLIM=0", "--set", "PREIND=0"});
   EXPECT_EQ(feasible.exit, 3) << feasible.out;
   EXPECT_TRUE(feasible.json()["objective"].is_number());
+}
+
+TEST_F(Program, OutputThatCannotBeWrittenIsNoSuccess) {
+  if (!fs::exists("/dev/full")) GTEST_SKIP() << "no /dev/full";
+  write("model.lp", kOptimal);
+  out_ = "/dev/full";
+  EXPECT_EQ(run({"model.lp", "--json"}).exit, 2);
+  EXPECT_EQ(run({"params"}).exit, 2);
 }
 
 TEST_F(Program, InterruptWhileReadingEndsAtOnce) {
