@@ -107,10 +107,6 @@ bool Primal::settle_optimum(Outcome& outcome) {
     outcome = Outcome::trouble;
     return ++trouble_count_ > 5;
   }
-  if (core_.factor.updates() > 0 && residual() > kResidual) {
-    wanted_ = Rebuild::refactor;
-    return false;
-  }
   if (!phase1_) {
     outcome = Outcome::optimal;
     return true;
@@ -147,13 +143,22 @@ Outcome Primal::finish(Outcome outcome) {
 // --------------------------------------------------------------------------------------------------------
 
 bool Primal::rebuild() {
-  if (wanted_ == Rebuild::refactor || !core_.has_factor) {
-    const FactorState state = core_.refactor();
-    if (state == FactorState::singular) return false;
-    if (state == FactorState::repaired) pricing_.reset(core_);
+  bool refactor = wanted_ == Rebuild::refactor || !core_.has_factor;
+  for (;;) {
+    if (refactor) {
+      const FactorState state = core_.refactor();
+      if (state == FactorState::singular) return false;
+      if (state == FactorState::repaired) pricing_.reset(core_);
+    }
+    core_.compute_primal();
+    if (residual() <= kResidual) break;
+    if (core_.factor.updates() == 0) {  // a fresh factor that is not accurate: larger pivots
+      if (core_.threshold >= kHighestThreshold) break;
+      core_.threshold = next_threshold(core_.threshold);
+    }
+    refactor = true;
   }
   wanted_ = Rebuild::none;
-  core_.compute_primal();
   if (perturb_scale_ > 0 && !bounds_.perturbing()) bounds_.perturb(core_, perturb_scale_);
   choose_phase();
   core_.compute_dual();

@@ -11,7 +11,7 @@ constexpr double kListDensity = 0.25;  // denser pivot rows: a plain scan is che
 constexpr int kListTotal = 500;        // fewer variables: scan
 constexpr int kListLeast = 100;        // candidates kept
 constexpr double kListShare = 0.01;    // ... or this share of the attractive ones
-constexpr double kListLoose = 0.7;     // the best of the list stands while above this share of the cut-off
+constexpr double kListLoose = 0.95;    // the best of the list stands while above this share of the cut-off
 constexpr double kTie = 1 - 1e-12;     // merits this close to the cut-off equal it
 constexpr double kListLongest = 0.2;   // share of all variables at which the list is made anew
 }  // namespace

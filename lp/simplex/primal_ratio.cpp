@@ -85,25 +85,23 @@ PrimalPick PrimalRatio::infeasible(Core& core, const SparseVector& column, doubl
                                    double limit) {
   collect(core, column, direction);
   core.charge(2 * static_cast<std::int64_t>(breaks_.size()) + column.count);
-  const auto later = [](const Break& a, const Break& b) { return a.relaxed > b.relaxed; };
+  const auto later = [](const Break& a, const Break& b) { return a.tight > b.tight; };
   std::make_heap(breaks_.begin(), breaks_.end(), later);
-  // Pass relaxed break points while the slope stays negative; passed ones gather behind the heap.
+  // Pass break points while the slope stays negative; passed ones gather behind the heap.
   auto heap_end = breaks_.end();
-  double reach = kInf;
-  while (heap_end != breaks_.begin()) {
-    if (breaks_.front().relaxed > limit) break;
+  while (heap_end != breaks_.begin() && slope > 0 && breaks_.front().tight <= limit) {
     std::pop_heap(breaks_.begin(), heap_end, later);
     --heap_end;
     slope -= std::fabs(heap_end->alpha);
-    if (slope <= 0) {
-      reach = heap_end->relaxed;
-      break;
-    }
   }
   PrimalPick pick;
-  if (reach == kInf && limit < kInf) return pick;  // q reaches its own bound first
-  if (reach == kInf && !breaks_.empty())
-    reach = heap_end->relaxed;  // small entries were left out: go to the last
+  if (heap_end == breaks_.end() || (slope > 0 && limit < kInf)) return pick;  // q reaches its own bound first
+  // The minimum lies at the last one passed; beyond it only as far as every later bound is kept within its
+  // tolerance.
+  const double minimum = heap_end->tight;
+  double reach = heap_end->relaxed;
+  for (auto b = breaks_.begin(); b != heap_end; ++b) reach = std::min(reach, b->relaxed);
+  reach = std::min(std::max(reach, minimum), limit);
   double largest = 0;
   for (const Break& b : breaks_) {
     if (b.tight <= reach) largest = std::max(largest, std::fabs(b.alpha));

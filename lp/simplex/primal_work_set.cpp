@@ -6,9 +6,9 @@
 
 namespace tovik::lp::simplex {
 namespace {
-constexpr double kWide = 8.0;     // columns per row at which partial pricing starts by itself
+constexpr double kWide = 2.5;     // columns per row at which partial pricing starts by itself
 constexpr int kWideLeast = 5000;  // ... and the least number of columns
-constexpr int kAddLeast = 200;    // columns added at a time
+constexpr int kAdd = 200;         // columns added at a time
 constexpr int kLargest = 4;       // the set is thinned when larger than this many times rows + additions
 
 double attraction(const Core& core, int j) {
@@ -21,7 +21,7 @@ void PrimalWorkSet::start(Core& core) {
   const int wanted = core.options.price_candidates;
   on_ = wanted > 0 ? wanted < core.n : core.n >= kWideLeast && core.n > kWide * core.m;
   if (!on_) return;
-  add_ = wanted > 0 ? wanted : std::max(kAddLeast, core.m);
+  add_ = wanted > 0 ? wanted : kAdd;
   member_.assign(static_cast<size_t>(core.n), 0);
   norm_.assign(static_cast<size_t>(core.n), 1.0);
   const Matrix& a = core.lp.matrix;
