@@ -23,6 +23,7 @@ struct Solution {
   int factorizations = 0;
   std::vector<double> ray;     // columns: direction of unboundedness (status 2); empty otherwise
   std::vector<double> farkas;  // rows: y with y'A x <= y'b violated by every x in its bounds (status 3)
+  double farkas_gap = 0;       // by which the proof holds
 };
 
 }  // namespace tovik

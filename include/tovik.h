@@ -1083,6 +1083,114 @@ TVK_API int TVKdualopt(ConstEnvHandle env, ProbHandle lp);
  * Errors: 1004, 1262 no starting basis, 1256 singular basis. */
 TVK_API int TVKcheckpfeas(ConstEnvHandle env, ProbHandle lp, int *infeas_p);
 
+/* ---- Bases ----
+ * Statuses of columns (cstat, one per column) and of rows (rstat, one per row): */
+#define TVK_AT_LOWER 0   /* nonbasic at the lower bound; a row: at its right-hand side, a ranged row at its lower end */
+#define TVK_BASIC 1      /* basic; a row: its slack is basic */
+#define TVK_AT_UPPER 2   /* nonbasic at the upper bound; a ranged row at its upper end (other rows: as TVK_AT_LOWER) */
+#define TVK_FREE_SUPER 3 /* nonbasic and free, standing at 0 */
+
+/* The basis that the next optimization would start from: the last optimization's, or what TVKcopybase set. cstat and rstat
+ * may each be null. Error: 1262 no basis. */
+TVK_API int TVKgetbase(ConstEnvHandle env, ConstProbHandle lp, int *cstat, int *rstat);
+
+/* Sets the starting basis (used when TVK_PARAM_ADVIND is not 0). Any number of basic entries is accepted: an optimizer
+ * completes or repairs the basis with slacks. The status of the problem is reset. Errors: 1004; 1253 with the position of
+ * an entry outside 0..3. */
+TVK_API int TVKcopybase(ConstEnvHandle env, ProbHandle lp, const int *cstat, const int *rstat);
+
+/* As TVKcopybase with starting values: primal values of columns, row slacks, reduced costs and row duals. Each array may be
+ * null, cstat and rstat only together. Values are stored for the optimizers that can use them; simplex starts from the
+ * basis. */
+TVK_API int TVKcopystart(ConstEnvHandle env, ProbHandle lp, const int *cstat, const int *rstat, const double *cprim,
+                         const double *rprim, const double *cdual, const double *rdual);
+
+/* Dual steepest-edge norms of the basis, one per basis position, with the basic variable of each position in head: column
+ * j, or -i-1 for the slack of row i. norm and head hold one entry per row; *len_p receives their number. 1264: none. */
+TVK_API int TVKgetdnorms(ConstEnvHandle env, ConstProbHandle lp, double *norm, int *head, int *len_p);
+TVK_API int TVKcopydnorms(ConstEnvHandle env, ProbHandle lp, const double *norm, const int *head, int len);
+
+/* A basis together with its norms: dnorm holds one entry per basic variable, columns first, then slacks, each in index
+ * order. 1003 when the number of basic entries is not the number of rows. */
+TVK_API int TVKcopybasednorms(ConstEnvHandle env, ProbHandle lp, const int *cstat, const int *rstat, const double *dnorm);
+
+/* ---- The factored basis ----
+ * The basis matrix B has the column of A for a basic column and the unit column of row i for the slack of row i (slack =
+ * rhs - ax). Positions 0..rows-1 number the basic variables in the order of TVKgetbasehead. The routines work on the basis
+ * of TVKgetbase, optimal or not. Errors: 1004, 1201 / 1203 index out of range, 1262 no basis, 1256 singular basis. */
+
+/* head[p]: basic variable of position p (column j, or -i-1 for the slack of row i); x[p]: its value. Either may be null. */
+TVK_API int TVKgetbasehead(ConstEnvHandle env, ConstProbHandle lp, int *head, double *x);
+
+/* Row `position` (by row index) and column i (by position) of the inverse of B; rows entries each. */
+TVK_API int TVKgetbaseinvrow(ConstEnvHandle env, ConstProbHandle lp, int position, double *row);
+TVK_API int TVKgetbaseinvcol(ConstEnvHandle env, ConstProbHandle lp, int i, double *column);
+
+/* Row `position` of the tableau: B^-1 A by column, and B^-1 (the slacks' part) by row; either may be null. Column j of the
+ * tableau: B^-1 a_j by position. */
+TVK_API int TVKgettableaurow(ConstEnvHandle env, ConstProbHandle lp, int position, double *columns, double *slacks);
+TVK_API int TVKgettableaucol(ConstEnvHandle env, ConstProbHandle lp, int j, double *column);
+
+/* In place: TVKftran solves B x = v (v by row, x by position), TVKbtran solves B'y = v (v by position, y by row). */
+TVK_API int TVKftran(ConstEnvHandle env, ConstProbHandle lp, double *vector);
+TVK_API int TVKbtran(ConstEnvHandle env, ConstProbHandle lp, double *vector);
+
+/* ---- Certificates ---- */
+
+/* Direction of unboundedness after status 2, one entry per column, largest entry 1 in size: every feasible point may move
+ * along it for ever, with the objective improving. 1254 for another status. */
+TVK_API int TVKgetray(ConstEnvHandle env, ConstProbHandle lp, double *ray);
+
+/* Proof of infeasibility after status 3: one multiplier per row, largest 1 in size, such that the combination y'(ax) of the
+ * rows' activities, as far as the column bounds let it vary, stays below what the rows demand of it; *proof_p receives
+ * the gap (positive). All multipliers are 0 when a column's own bounds cross. y or proof_p may be null. 1265 for another
+ * status or when no proof is stored. */
+TVK_API int TVKgetfarkas(ConstEnvHandle env, ConstProbHandle lp, double *y, double *proof_p);
+
+/* ---- Sensitivity of an optimal basis ----
+ * Range of one datum, the others kept, within which the basis stays optimal; infinite ends are +-1e20. begin..end inclusive;
+ * arrays of end - begin + 1 entries, each may be null but not all. Errors: 1004, 1200, 1260 not optimal, 1262. */
+TVK_API int TVKgetobjsens(ConstEnvHandle env, ConstProbHandle lp, int begin, int end, double *lower, double *upper);
+TVK_API int TVKgetrhssens(ConstEnvHandle env, ConstProbHandle lp, int begin, int end, double *lower, double *upper);
+TVK_API int TVKgetboundsens(ConstEnvHandle env, ConstProbHandle lp, int begin, int end, double *lblower, double *lbupper,
+                            double *ublower, double *ubupper);
+
+/* ---- Quality of the solution, recomputed in the model's own units ---- */
+#define TVK_QUALITY_MAX_PRIMAL_INFEAS 1   /* bound and row violations */
+#define TVK_QUALITY_SUM_PRIMAL_INFEAS 2
+#define TVK_QUALITY_MAX_DUAL_INFEAS 3     /* wrong-signed reduced costs and duals */
+#define TVK_QUALITY_SUM_DUAL_INFEAS 4
+#define TVK_QUALITY_MAX_PRIMAL_RESIDUAL 5 /* rhs - ax - slack */
+#define TVK_QUALITY_SUM_PRIMAL_RESIDUAL 6
+#define TVK_QUALITY_MAX_DUAL_RESIDUAL 7   /* obj - A'pi - dj */
+#define TVK_QUALITY_SUM_DUAL_RESIDUAL 8
+#define TVK_QUALITY_MAX_COMP_SLACK 9      /* distance to the bound times dual value */
+#define TVK_QUALITY_SUM_COMP_SLACK 10
+#define TVK_QUALITY_MAX_X 11
+#define TVK_QUALITY_MAX_PI 12
+#define TVK_QUALITY_MAX_SLACK 13
+#define TVK_QUALITY_MAX_RED_COST 14
+#define TVK_QUALITY_KAPPA 15              /* estimated condition number of the scaled basis */
+
+/* *value_p: the measure `what`; *index_p (may be null): where a largest one stands, column j or -i-1 for row i; -1 for sums
+ * and when there is none. Errors: 1004, 1003 unknown measure, 1217 no solution, 1232 no dual values; kappa: 1262, 1256. */
+TVK_API int TVKgetquality(ConstEnvHandle env, ConstProbHandle lp, int what, double *value_p, int *index_p);
+
+/* ---- Asked-for pivots ---- */
+
+/* Forces the slacks of the rlen listed rows into the basis, and the clen listed fixed columns out of it, as far as a
+ * numerically safe pivot exists. The basis becomes the start of the next optimization; the solution is discarded. Errors:
+ * 1003, 1004, 1201 / 1203, 1221 a listed column is not fixed, 1262, 1256. */
+TVK_API int TVKpivotin(ConstEnvHandle env, ProbHandle lp, const int *rlist, int rlen);
+TVK_API int TVKpivotout(ConstEnvHandle env, ProbHandle lp, const int *clist, int clen);
+
+/* For each of cnt columns: the objective reached by at most itlim dual simplex iterations from the optimal basis with the
+ * column's upper bound at floor(x) (downobj) and with its lower bound at ceil(x) (upobj); a bound on the optimum of that
+ * branch. An infeasible branch gives 1e75 (minimize) or -1e75 (maximize). The problem is left as it was. Errors: 1003, 1004,
+ * 1201, 1252 no optimal basis, 1262, 1263 aborted, 1266 and 9027 time limits. */
+TVK_API int TVKstrongbranch(ConstEnvHandle env, ProbHandle lp, const int *indices, int cnt, double *downobj, double *upobj,
+                            int itlim);
+
 /* ==== End of sections ==== */
 
 #ifdef __cplusplus

@@ -123,6 +123,10 @@ void install_start(Environment& env, Problem& problem, LiveSimplex& live) {
     live.start_is_mine = false;
     return;
   }
+  install_basis(problem, live);
+}
+
+void install_basis(Problem& problem, LiveSimplex& live) {
   if (live.start_is_mine) return;
   const model::Model& model = *problem.model;
   const Start& start = problem.start;

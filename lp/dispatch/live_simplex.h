@@ -23,7 +23,10 @@ simplex::Options engine_options(const Environment& env);
 /* The engine of a problem, made or brought up to date with the model: never null. With `basis`, the starting
  * basis of the problem is installed when it is not the one the engine stands on. */
 LiveSimplex& live_simplex(Environment& env, Problem& problem, Control& control, simplex::Observer* observer);
+/* As TVK_PARAM_ADVIND says: the starting basis, or the slack basis. */
 void install_start(Environment& env, Problem& problem, LiveSimplex& live);
+/* The starting basis, which the problem must hold. */
+void install_basis(Problem& problem, LiveSimplex& live);
 
 /* The engine if there is one that is up to date with a solved problem, else null. */
 LiveSimplex* current_simplex(Problem& problem);

@@ -79,6 +79,7 @@ void publish(Environment& env, Problem& problem, const simplex::Solver& solver) 
   solution->factorizations = static_cast<int>(counters.factorizations);
   solution->ray = answer.ray;
   solution->farkas = answer.farkas;
+  solution->farkas_gap = answer.farkas_gap;
   std::vector<int> column_status(answer.column_status.size());
   std::vector<int> row_status(answer.row_status.size());
   for (size_t j = 0; j < column_status.size(); ++j) column_status[j] = start_code(answer.column_status[j]);

@@ -211,6 +211,10 @@ bool Dual::check_limits() {
       stop_ = Outcome::iteration_limit;
       return true;
     }
+    if (beyond_objective_limit()) {
+      stop_ = Outcome::objective_limit;
+      return true;
+    }
     if (c.iterations >= iteration_end_) {
       stop_ = Outcome::trouble;
       return true;

@@ -57,6 +57,7 @@ class Dual {
   void set_phase1_bounds();
   void clear_phase1_bounds();
   bool check_limits();
+  bool beyond_objective_limit();
   bool prove_infeasible(int p);
   double dual_objective() const;
   void watch_progress();

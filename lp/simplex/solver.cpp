@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "lp/linalg/sum.h"
+
 namespace tovik::lp::simplex {
 namespace {
 
@@ -31,27 +33,11 @@ LpData scale_lp(const LpData& lp, const Scaling& scaling) {
   return scaled;
 }
 
-/* Sum with the error of each addition carried along (Neumaier). */
-struct Sum {
-  double sum = 0, error = 0;
-  void add(double v) {
-    const double t = sum + v;
-    error += std::fabs(sum) >= std::fabs(v) ? (sum - t) + v : (v - t) + sum;
-    sum = t;
-  }
-  void add_product(double a, double b) {
-    const double p = a * b;
-    add(p);
-    error += std::fma(a, b, -p);
-  }
-  double value() const { return sum + error; }
-};
-
 /* a_j'y for all columns, compensated. */
 std::vector<double> transpose_product(const LpData& lp, const std::vector<double>& y) {
   std::vector<double> z(static_cast<size_t>(lp.num_columns()));
   for (int j = 0; j < lp.num_columns(); ++j) {
-    Sum sum;
+    CompensatedSum sum;
     for (int k = lp.matrix.start[j]; k < lp.matrix.start[j + 1]; ++k) {
       sum.add_product(lp.matrix.value[k], y[lp.matrix.index[k]]);
     }
@@ -61,7 +47,7 @@ std::vector<double> transpose_product(const LpData& lp, const std::vector<double
 }
 
 std::vector<double> product(const LpData& lp, const std::vector<double>& x) {
-  std::vector<Sum> sums(static_cast<size_t>(lp.num_rows()));
+  std::vector<CompensatedSum> sums(static_cast<size_t>(lp.num_rows()));
   for (int j = 0; j < lp.num_columns(); ++j) {
     if (x[j] == 0) continue;
     for (int k = lp.matrix.start[j]; k < lp.matrix.start[j + 1]; ++k) {
@@ -219,8 +205,29 @@ void Solver::prepare() {
   answer_ = Answer{};
 }
 
+/* A column or row whose bounds cross by more than the tolerance decides the problem; smaller gaps are closed.
+ */
+bool Solver::bounds_cross() {
+  Core& core = *core_;
+  for (int j = 0; j < core.total; ++j) {
+    if (core.lower[j] <= core.upper[j]) continue;
+    const double scale = j < core.n ? column_scale(j) : 1.0 / row_scale(j - core.n);
+    if (!((core.lower[j] - core.upper[j]) * scale <= options_.primal_tolerance)) return true;
+    core.lower[j] = core.upper[j];
+    if (j < core.n && core.nonbasic[j]) core.rows.deactivate(j);
+  }
+  return false;
+}
+
 Outcome Solver::solve(Method method) {
   prepare();
+  if (bounds_cross()) {
+    extract();
+    answer_.method = method;
+    answer_.farkas.assign(static_cast<size_t>(core_->m), 0.0);
+    answer_.outcome = Outcome::infeasible;
+    return answer_.outcome;
+  }
   Outcome outcome = Outcome::trouble;
   for (int round = 0; round <= kTightenings; ++round) {
     outcome = run(method);
@@ -340,7 +347,7 @@ void Solver::extract() {
   }
   answer_.activity = product(lp_, answer_.x);
   const std::vector<double> z = transpose_product(lp_, answer_.y);
-  Sum objective;
+  CompensatedSum objective;
   objective.add(lp_.offset);
   for (int j = 0; j < n; ++j) {
     answer_.d[j] = lp_.cost[j] - z[j];
@@ -369,7 +376,7 @@ bool Solver::verify_infeasible(const std::vector<double>& scaled_row) {
     if (std::fabs(v) < 1e-13) v = 0;
   }
   const std::vector<double> z = transpose_product(lp_, y);
-  Sum low, high;  // of y'(row activity by its bounds) - z'x over the box
+  CompensatedSum low, high;  // of y'(row activity by its bounds) - z'x over the box
   bool low_finite = true, high_finite = true;
   double magnitude = 0;
   const auto add = [&](double w, double lower, double upper) {
@@ -397,6 +404,7 @@ bool Solver::verify_infeasible(const std::vector<double>& scaled_row) {
   const bool below = high_finite && high.value() < -needed;
   if (!above && !below) return false;
   answer_.farkas = y;
+  answer_.farkas_gap = above ? low.value() : -high.value();
   if (below) {
     for (double& v : answer_.farkas) v = -v;
   }
@@ -422,7 +430,7 @@ bool Solver::verify_ray() {
   if (largest == 0) return false;
   for (double& v : ray) v /= largest;
   constexpr double kTolerance = 1e-7;
-  Sum slope;
+  CompensatedSum slope;
   for (int j = 0; j < core.n; ++j) {
     if (std::fabs(ray[j]) < 1e-12) ray[j] = 0;
     if ((ray[j] > kTolerance && lp_.upper[j] < kInf) || (ray[j] < -kTolerance && lp_.lower[j] > -kInf))

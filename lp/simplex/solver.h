@@ -38,6 +38,7 @@ struct Answer {
   std::vector<At> column_status, row_status;  // of a row: the status of its slack-like logical, see below
   std::vector<double> ray;                    // unbounded: columns
   std::vector<double> farkas;  // infeasible: y by row with max over the box of y'Ax < min of y'(row bounds)
+  double farkas_gap = 0;       // by which the certificate holds
   Violation violation;
 };
 
@@ -58,7 +59,8 @@ class Solver {
    * stands at the row's lower bound. */
   void set_basis(const std::vector<At>& columns, const std::vector<At>& rows);
   void set_dual_norms(const std::vector<double>& norms,
-                      const std::vector<int>& head);  // head: variable by position
+                      const std::vector<int>& head);   // head: variable by position
+  bool has_dual_norms() const { return keep_norms_; }  // weights of the present basis
   void forget_basis();
   bool has_basis() const { return has_basis_; }
 
@@ -90,6 +92,7 @@ class Solver {
   bool verify_infeasible(const std::vector<double>& scaled_row);
   bool verify_ray();
   void prepare();
+  bool bounds_cross();
 
   LpData lp_;
   Scaling scaling_;

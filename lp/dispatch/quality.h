@@ -1,0 +1,21 @@
+/* Quality of the stored solution, recomputed from the model in the user's space with compensated sums. */
+#pragma once
+
+#include "env/problem.h"
+
+namespace tovik::lp::dispatch {
+
+struct Measure {
+  double value = 0;
+  int index =
+      -1;  // where the largest stands: column j, or -i-1 for row i; -1 for sums and when nothing is violated
+};
+
+/* what: a TVK_QUALITY_ constant; 1003 for another, 1217 / 1232 without the values it needs. */
+Status measure_quality(Environment& env, Problem& problem, int what, Measure* result);
+
+/* Estimate of the condition number of the scaled basis: 1-norm of B times an estimate of the 1-norm of its
+ * inverse (Hager 1984, Higham 1988). 1262, 1256. */
+Status basis_kappa(Environment& env, Problem& problem, double* kappa);
+
+}  // namespace tovik::lp::dispatch

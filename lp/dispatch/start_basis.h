@@ -1,0 +1,25 @@
+/* Starting bases, starting values and pricing norms as stored data: checks and copies. */
+#pragma once
+
+#include "env/problem.h"
+
+namespace tovik::lp::dispatch {
+
+struct StartArrays {
+  const int* column_status = nullptr;
+  const int* row_status = nullptr;
+  const double* column_primal = nullptr;
+  const double* row_primal = nullptr;
+  const double* column_dual = nullptr;
+  const double* row_dual = nullptr;
+};
+
+/* Both status arrays together or neither; 1253 with the position for a code outside 0..3. */
+Status copy_start(Environment& env, Problem& problem, const StartArrays& arrays);
+Status get_base(Problem& problem, int* column_status, int* row_status);
+
+/* Norms by basis position; head: column j or -i-1 for the slack of row i. */
+Status copy_dual_norms(Problem& problem, const double* norms, const int* head, int length);
+Status get_dual_norms(Problem& problem, double* norms, int* head, int* length);
+
+}  // namespace tovik::lp::dispatch

@@ -1,0 +1,27 @@
+/* Sums that decide feasibility: the error of each addition and product is carried along (Neumaier 1974). */
+#pragma once
+
+#include <cmath>
+
+namespace tovik::lp {
+
+class CompensatedSum {
+ public:
+  void add(double v) {
+    const double t = sum_ + v;
+    error_ += std::fabs(sum_) >= std::fabs(v) ? (sum_ - t) + v : (v - t) + sum_;
+    sum_ = t;
+  }
+  void add_product(double a, double b) {
+    const double p = a * b;
+    add(p);
+    error_ += std::fma(a, b, -p);
+  }
+  double value() const { return sum_ + error_; }
+
+ private:
+  double sum_ = 0;
+  double error_ = 0;
+};
+
+}  // namespace tovik::lp
