@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "fileio/number.h"
+#include "include/tovik.h"
 
 namespace tovik::fileio::mps {
 
@@ -91,7 +92,8 @@ bool BoundSection::read_card(const Record& record, Line& line, Bound& bound, Obs
   if (!scan_fixed(record, card)) return false;
   bound.type = bound_type(card.field[0]);
   if (bound.type == BoundType::none) {
-    why = card.field[0].empty() ? Obstacle{1460, Field{}} : Obstacle{1457, card.field[0]};
+    why = card.field[0].empty() ? Obstacle{TVK_ERROR_LINE_NO_BOUND_TYPE, Field{}}
+                                : Obstacle{TVK_ERROR_LINE_BOUND_TYPE, card.field[0]};
     return false;
   }
   line = {card.field[0], card.field[1], card.field[2], card.field[3]};
@@ -103,20 +105,21 @@ bool BoundSection::read_free(const Record& record, Line& line, Bound& bound, Obs
   if (bound.type == BoundType::none) {
     // A line that begins where the set name belongs lacks its type.
     const bool missing = record.field[0].text - record.begin >= 4;
-    why = missing ? Obstacle{1460, Field{}} : Obstacle{1457, record.field[0]};
+    why = missing ? Obstacle{TVK_ERROR_LINE_NO_BOUND_TYPE, Field{}}
+                  : Obstacle{TVK_ERROR_LINE_BOUND_TYPE, record.field[0]};
     return false;
   }
   if (record.count > 4) {
     const char* text = record.field[3].text;
     const char* end = record.end;
     while (static_cast<unsigned char>(end[-1]) <= ' ') --end;
-    why = {1434, make_field(text, static_cast<std::size_t>(end - text))};
+    why = {TVK_ERROR_LINE_NUMBER_CONVERSION, make_field(text, static_cast<std::size_t>(end - text))};
     return false;
   }
   line = {};
   line.type = record.field[0];
   if (!split_free(record, bound.type, line)) {
-    why = {1449, Field{}};
+    why = {TVK_ERROR_LINE_NOT_A_COLUMN, Field{}};
     return false;
   }
   return resolve(line, bound, why);
@@ -150,7 +153,7 @@ bool BoundSection::resolve(const Line& line, Bound& bound, Obstacle& why) {
   if (!bound.counts) return true;
   bound.column = find_column(line.column);
   if (bound.column < 0) {
-    why = {1449, line.column};
+    why = {TVK_ERROR_LINE_NOT_A_COLUMN, line.column};
     return false;
   }
   bound.value = 0;
@@ -169,7 +172,9 @@ int BoundSection::find_column(const Field& name) {
 }
 
 bool BoundSection::give(std::size_t column, unsigned which, int line) {
-  if ((given_[column] & which) != 0) return context_.fail(which == kUpper ? 1458 : 1459, line);
+  if ((given_[column] & which) != 0)
+    return context_.fail(
+        which == kUpper ? TVK_ERROR_LINE_REPEATED_UPPER_BOUND : TVK_ERROR_LINE_REPEATED_LOWER_BOUND, line);
   given_[column] = static_cast<unsigned char>(given_[column] | which);
   return true;
 }
@@ -209,16 +214,16 @@ bool BoundSection::apply(const Bound& bound, int line) {
       if (bound.type == BoundType::li) set_type(j, type_of(j) == 'S' || type_of(j) == 'N' ? 'N' : 'I');
       return true;
     case BoundType::fx:
-      if (!give_both(j, 1454, line)) return false;
+      if (!give_both(j, TVK_ERROR_LINE_FX_AFTER_BOUND, line)) return false;
       model.lower[j] = model.upper[j] = value;
       return true;
     case BoundType::fr:
-      if (!give_both(j, 1455, line)) return false;
+      if (!give_both(j, TVK_ERROR_LINE_FR_AFTER_BOUND, line)) return false;
       model.lower[j] = -kInfinity;
       model.upper[j] = kInfinity;
       return true;
     case BoundType::bv:
-      if (!give_both(j, 1456, line)) return false;
+      if (!give_both(j, TVK_ERROR_LINE_BV_AFTER_BOUND, line)) return false;
       model.lower[j] = 0;
       model.upper[j] = 1;
       set_type(j, 'B');

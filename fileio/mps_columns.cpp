@@ -1,6 +1,7 @@
 #include "fileio/mps_columns.h"
 
 #include "fileio/number.h"
+#include "include/tovik.h"
 
 namespace tovik::fileio::mps {
 
@@ -8,7 +9,7 @@ bool ColumnSection::open(int line) {
   if (reference_name_.empty()) return true;
   const std::string padded = reference_name_ + std::string(kScanSlack, '\0');
   reference_ = rows_.find(make_field(padded.data(), reference_name_.size()));
-  return reference_ || context_.fail(1448, line, reference_name_);
+  return reference_ || context_.fail(TVK_ERROR_LINE_NOT_A_ROW, line, reference_name_);
 }
 
 bool ColumnSection::plain_record(const Record& record) {
@@ -53,7 +54,7 @@ bool ColumnSection::resolve(const Pairs& pairs, ResolvedPairs& resolved, Obstacl
   for (std::size_t pair = 0; pair < static_cast<std::size_t>(pairs.count); ++pair) {
     resolved[pair] = {rows_.find(pairs.row[pair]), 0.0};
     if (!resolved[pair].row) {
-      why = {1448, pairs.row[pair]};
+      why = {TVK_ERROR_LINE_NOT_A_ROW, pairs.row[pair]};
       return false;
     }
     const Field& number = pairs.value[pair];
@@ -67,9 +68,9 @@ bool ColumnSection::enter_column(const Field& name) {
   length_ = name.length;
   word_ = name.word;
   column_ = model.columns.append(name.view());
-  if (column_ >= kMaxEntries) return context_.fail(ReadFailure::plain(1432));
+  if (column_ >= kMaxEntries) return context_.fail(ReadFailure::plain(TVK_ERROR_TOO_MANY_COLUMNS));
   if (static_cast<std::int64_t>(model.index.size()) >= kMaxEntries)
-    return context_.fail(ReadFailure::plain(1433));
+    return context_.fail(ReadFailure::plain(TVK_ERROR_TOO_MANY_COEFFICIENTS));
   model.start.push_back(static_cast<std::int64_t>(model.index.size()));
   model.objective.push_back(0.0);
   if (integer_ && model.types.empty()) model.types.assign(static_cast<std::size_t>(column_), 'C');
@@ -86,7 +87,8 @@ void ColumnSection::store(const Resolved& entry) {
   FileModel& model = context_.model;
   const RowIndex::Found row = entry.row;
   if (*row.stamp == column_) {
-    repeated_rows_.add(ReadFailure::about(1443, model.columns.name(column_), rows_.text_of(row.id)));
+    repeated_rows_.add(
+        ReadFailure::about(TVK_ERROR_COLUMN_REPEATS_ROW, model.columns.name(column_), rows_.text_of(row.id)));
     return;
   }
   *row.stamp = column_;
@@ -102,10 +104,10 @@ void ColumnSection::store(const Resolved& entry) {
 bool ColumnSection::marker_record(const Record& record, std::size_t marker) {
   const Field& word = record.field[marker + 1];
   if (word.is("'INTORG'")) {
-    if (integer_) return context_.fail(1480, record.line);
+    if (integer_) return context_.fail(TVK_ERROR_LINE_INTORG, record.line);
     integer_ = true;
   } else if (word.is("'INTEND'")) {
-    if (!integer_) return context_.fail(1481, record.line);
+    if (!integer_) return context_.fail(TVK_ERROR_LINE_INTEND, record.line);
     integer_ = false;
   } else if (word.is("'SOSORG'") || word.is("'SOSEND'")) {
     return set_marker(record, marker);
@@ -118,11 +120,11 @@ bool ColumnSection::marker_record(const Record& record, std::size_t marker) {
 /* "S1 NAME 'MARKER' 'SOSORG'", or without the type, which then is 1. */
 bool ColumnSection::set_marker(const Record& record, std::size_t marker) {
   if (record.field[marker + 1].is("'SOSEND'")) {
-    if (!in_set_) return context_.fail(1483, record.line);
+    if (!in_set_) return context_.fail(TVK_ERROR_LINE_SOSEND, record.line);
     in_set_ = false;
     return true;
   }
-  if (in_set_) return context_.fail(1482, record.line);
+  if (in_set_) return context_.fail(TVK_ERROR_LINE_SOSORG, record.line);
   SpecialOrderedSet set;
   set.type = '1';
   set.name = record.field[marker - 1].view();
@@ -130,8 +132,8 @@ bool ColumnSection::set_marker(const Record& record, std::size_t marker) {
     const Field& type = record.field[0];
     set.type = type.upper(1);
     if (type.length != 2 || type.upper(0) != 'S' || (set.type != '1' && set.type != '2'))
-      return context_.fail(
-          ReadFailure::at(1442, record.line, type.text[0], type.length > 1 ? type.text[1] : ' '));
+      return context_.fail(ReadFailure::at(TVK_ERROR_LINE_SOS_TYPE, record.line, type.text[0],
+                                           type.length > 1 ? type.text[1] : ' '));
   }
   context_.model.sets.push_back(std::move(set));
   in_set_ = true;
@@ -139,9 +141,10 @@ bool ColumnSection::set_marker(const Record& record, std::size_t marker) {
 }
 
 bool ColumnSection::close() {
+  Repeats repeated_columns(TVK_ERROR_MORE_COLUMN_REPEATS);
   for (const int repeat : context_.model.columns.index_appended())
-    repeated_columns_.add(ReadFailure::about(1446, context_.model.columns.name(repeat)));
-  if (repeated_columns_.any()) return repeated_columns_.report(context_);
+    repeated_columns.add(ReadFailure::about(TVK_ERROR_COLUMN_REPEATS, context_.model.columns.name(repeat)));
+  if (repeated_columns.any()) return repeated_columns.report(context_);
   if (repeated_rows_.any()) return repeated_rows_.report(context_);
   FileModel& model = context_.model;
   const auto columns = static_cast<std::size_t>(model.columns.size());

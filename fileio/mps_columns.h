@@ -63,7 +63,6 @@ class ColumnSection {
   std::string reference_name_;
   RowIndex::Found reference_;
   WarningCap unidentified_;
-  Repeats repeated_columns_{1478};
   Repeats repeated_rows_{0};
 };
 

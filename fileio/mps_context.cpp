@@ -1,6 +1,7 @@
 #include "fileio/mps_context.h"
 
 #include "fileio/number.h"
+#include "include/tovik.h"
 
 namespace tovik::fileio::mps {
 
@@ -13,6 +14,12 @@ bool read_infinity(const Field& field, double& value) {
   if (!word.is_keyword("INF") && !word.is_keyword("INFINITY")) return false;
   value = signed_word && field.text[0] == '-' ? -kInfinity : kInfinity;
   return true;
+}
+
+/* From the exponent's letter on; all of a number that is too large without one. */
+Field exponent_of(const Field& field) {
+  const std::size_t letter = field.view().find_first_of("eEdD");
+  return letter == std::string_view::npos ? field : make_field(field.text + letter, field.length - letter);
 }
 
 }  // namespace
@@ -39,7 +46,9 @@ bool read_number(const Field& field, Infinite infinite, double& value, Obstacle&
     return true;
   }
   if (infinite == Infinite::accepted && read_infinity(field, value)) return true;
-  why = {parsed.kind == ParsedNumber::Kind::out_of_range ? 1435 : 1434, field};
+  why = {TVK_ERROR_LINE_NUMBER_CONVERSION, field};
+  if (parsed.kind == ParsedNumber::Kind::out_of_range && parsed.end == field.end())
+    why = {TVK_ERROR_LINE_EXPONENT_RANGE, exponent_of(field)};
   return false;
 }
 
@@ -84,11 +93,11 @@ bool has_blank_name(const Pairs& pairs) {
 }
 
 Obstacle misshapen(const Record& record) {
-  if (record.count < 3) return {1448, Field{}};
+  if (record.count < 3) return {TVK_ERROR_LINE_NOT_A_ROW, Field{}};
   const char* text = record.field[4].text;  // the last number and all that stands behind it
   const char* end = record.end;
   while (end != text && static_cast<unsigned char>(end[-1]) <= ' ') --end;
-  return {1434, make_field(text, static_cast<std::size_t>(end - text))};
+  return {TVK_ERROR_LINE_NUMBER_CONVERSION, make_field(text, static_cast<std::size_t>(end - text))};
 }
 
 }  // namespace tovik::fileio::mps

@@ -1,4 +1,5 @@
 #include "fileio/mps_families.h"
+#include "include/tovik.h"
 
 #include <algorithm>
 #include <cmath>
@@ -21,19 +22,19 @@ bool SetSection::record(const Record& record) {
 bool SetSection::header(const Record& record) {
   const Field& type = record.field[0];
   if (type.text[1] != '1' && type.text[1] != '2')
-    return context_.fail(ReadFailure::at(1442, record.line, type.text[0], type.text[1]));
+    return context_.fail(ReadFailure::at(TVK_ERROR_LINE_SOS_TYPE, record.line, type.text[0], type.text[1]));
   Field name = record.count > 1 ? record.field[1] : Field{};
   Record card;
   if (rows_.reading_cards() && scan_fixed(record, card)) name = card.field[1];
   if (!name.empty() && !names_.intern(name.view()).added)
-    return context_.fail(ReadFailure::at(1447, record.line, "SOS", name.view()));
+    return context_.fail(ReadFailure::at(TVK_ERROR_LINE_ENTRY_REPEATS, record.line, "SOS", name.view()));
   if (record.count == 3 && !rows_.reading_cards()) {
     double priority;
     Obstacle why;
     if (!read_number(record.field[2], Infinite::refused, priority, why))
       return why.report(context_, record.line);
     if (std::fabs(priority) > kIntegerLimit)
-      return context_.fail(ReadFailure::at(1463, record.line, kIntegerLimit));
+      return context_.fail(ReadFailure::at(TVK_ERROR_LINE_INTEGER_LIMIT, record.line, kIntegerLimit));
   }
   SpecialOrderedSet set;
   set.type = type.text[1];
@@ -44,7 +45,7 @@ bool SetSection::header(const Record& record) {
 }
 
 bool SetSection::member(const Record& record) {
-  if (!open_) return context_.fail(3301, record.line);
+  if (!open_) return context_.fail(TVK_ERROR_LINE_NO_SOS_TYPE, record.line);
   FileModel& model = context_.model;
   SpecialOrderedSet& set = model.sets.back();
   int column = NameTable::kNone;
@@ -52,12 +53,12 @@ bool SetSection::member(const Record& record) {
   const auto attempt = [&](const Pairs& read, Obstacle& obstacle) {
     if (read.count != 1) return false;
     if (!read.name.empty() && read.name.view() != set.name) {
-      obstacle = {1449, read.name};
+      obstacle = {TVK_ERROR_LINE_NOT_A_COLUMN, read.name};
       return false;
     }
     column = model.columns.find(read.row[0].view());
     if (column == NameTable::kNone) {
-      obstacle = {1449, read.row[0]};
+      obstacle = {TVK_ERROR_LINE_NOT_A_COLUMN, read.row[0]};
       return false;
     }
     return read.value[0].empty() || read_number(read.value[0], Infinite::refused, weight, obstacle);
@@ -65,14 +66,16 @@ bool SetSection::member(const Record& record) {
   Pairs pairs;
   Obstacle why;
   if (!try_readings(record, rows_.reading_cards(), Naming::optional, attempt, pairs, why)) {
-    if (why.code == 1448) why = {1449, record.field[0]};
+    if (why.code == TVK_ERROR_LINE_NOT_A_ROW) why = {TVK_ERROR_LINE_NOT_A_COLUMN, record.field[0]};
     return why.report(context_, record.line);
   }
   if (pairs.value[0].empty()) context_.empty_number_read();
   last_set_.resize(static_cast<std::size_t>(model.columns.size()), 0);
   int& last = last_set_[static_cast<std::size_t>(column)];
   const int number = static_cast<int>(model.sets.size());
-  if (last == number) return context_.fail(ReadFailure::at(1479, record.line, set.name, pairs.row[0].view()));
+  if (last == number)
+    return context_.fail(
+        ReadFailure::at(TVK_ERROR_LINE_PAIR_REPEATS, record.line, set.name, pairs.row[0].view()));
   last = number;
   set.members.index.push_back(column);
   set.members.value.push_back(weight);
@@ -80,7 +83,7 @@ bool SetSection::member(const Record& record) {
 }
 
 bool IndicatorSection::record(const Record& record) {
-  if (!record.field[0].is_keyword("IF")) return context_.fail(1439, record.line);
+  if (!record.field[0].is_keyword("IF")) return context_.fail(TVK_ERROR_LINE_INDICATOR, record.line);
   Record card;
   Obstacle why, other;
   const auto try_card = [&](Obstacle& obstacle) {
@@ -88,11 +91,12 @@ bool IndicatorSection::record(const Record& record) {
            add(card.field[1], card.field[2], card.field[3], record.line, obstacle);
   };
   if (rows_.reading_cards() && try_card(other)) return true;
-  if (record.count != 4) why = {1439, Field{}};
+  if (record.count != 4) why = {TVK_ERROR_LINE_INDICATOR, Field{}};
   if (record.count == 4 && add(record.field[1], record.field[2], record.field[3], record.line, why))
     return true;
   if (context_.failure || (!rows_.reading_cards() && try_card(other))) return !context_.failure;
-  return why.code == 1439 ? context_.fail(1439, record.line) : why.report(context_, record.line);
+  return why.code == TVK_ERROR_LINE_INDICATOR ? context_.fail(TVK_ERROR_LINE_INDICATOR, record.line)
+                                              : why.report(context_, record.line);
 }
 
 bool IndicatorSection::add(const Field& row_name, const Field& column_name, const Field& value_field,
@@ -100,12 +104,12 @@ bool IndicatorSection::add(const Field& row_name, const Field& column_name, cons
   FileModel& model = context_.model;
   const RowIndex::Found row = rows_.find(row_name);
   if (!row) {
-    why = {1448, row_name};
+    why = {TVK_ERROR_LINE_NOT_A_ROW, row_name};
     return false;
   }
   const int column = model.columns.find(column_name.view());
   if (column == NameTable::kNone) {
-    why = {1449, column_name};
+    why = {TVK_ERROR_LINE_NOT_A_COLUMN, column_name};
     return false;
   }
   double value;
@@ -114,11 +118,11 @@ bool IndicatorSection::add(const Field& row_name, const Field& column_name, cons
   const RowKind kind = row.id >= 0 ? rows_.kind_of(row.id) : RowKind::quadratic;
   const bool linear = kind == RowKind::linear || kind == RowKind::indicator;
   if (!linear || model.sense[i] == 'R' || (value != 0 && value != 1)) {
-    why = {1439, Field{}};
+    why = {TVK_ERROR_LINE_INDICATOR, Field{}};
     return false;
   }
   if (kind == RowKind::indicator) {
-    context_.fail(ReadFailure::at(1447, line, "indicator", row_name.view()));
+    context_.fail(ReadFailure::at(TVK_ERROR_LINE_ENTRY_REPEATS, line, "indicator", row_name.view()));
     return false;
   }
   rows_.mark(row.id, RowKind::indicator);

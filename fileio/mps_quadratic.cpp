@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "fileio/mps_families.h"
+#include "include/tovik.h"
 
 namespace tovik::fileio::mps {
 
@@ -14,22 +15,22 @@ bool QuadraticSection::open(Kind kind, const Record& header) {
 }
 
 bool QuadraticSection::open_row(const Record& header) {
-  if (header.count < 2) return context_.fail(1486, header.line);
+  if (header.count < 2) return context_.fail(TVK_ERROR_LINE_NO_ROW_NAME, header.line);
   const char* end = header.end;
   while (static_cast<unsigned char>(end[-1]) <= ' ') --end;
   const Field name = make_field(header.field[1].text, static_cast<std::size_t>(end - header.field[1].text));
   const RowIndex::Found row = rows_.find(name);
-  if (!row) return context_.fail(1448, header.line, name.view());
-  if (row.id < 0) return context_.fail(1437, header.line);
+  if (!row) return context_.fail(TVK_ERROR_LINE_NOT_A_ROW, header.line, name.view());
+  if (row.id < 0) return context_.fail(TVK_ERROR_LINE_QUADRATIC_SENSE, header.line);
   row_ = row.id;
   const auto i = static_cast<std::size_t>(row_);
   const RowKind kind = rows_.kind_of(row_);
   if (kind == RowKind::quadratic)
-    return context_.fail(ReadFailure::at(1447, header.line, "QCMATRIX", name.view()));
-  if (kind == RowKind::indicator) return context_.fail(1439, header.line);
-  if (kind != RowKind::linear) return context_.fail(1438, header.line);
+    return context_.fail(ReadFailure::at(TVK_ERROR_LINE_ENTRY_REPEATS, header.line, "QCMATRIX", name.view()));
+  if (kind == RowKind::indicator) return context_.fail(TVK_ERROR_LINE_INDICATOR, header.line);
+  if (kind != RowKind::linear) return context_.fail(TVK_ERROR_LINE_LAZY_OR_CUT, header.line);
   if (context_.model.sense[i] != 'L' && context_.model.sense[i] != 'G')
-    return context_.fail(1437, header.line);
+    return context_.fail(TVK_ERROR_LINE_QUADRATIC_SENSE, header.line);
   return true;
 }
 
@@ -40,12 +41,12 @@ bool QuadraticSection::record(const Record& record) {
   double value[2] = {0, 0};
   const auto attempt = [&](const Pairs& read, Obstacle& obstacle) {
     first = columns.find(read.name.view());
-    if (first == NameTable::kNone) obstacle = {1449, read.name};
+    if (first == NameTable::kNone) obstacle = {TVK_ERROR_LINE_NOT_A_COLUMN, read.name};
     for (std::size_t i = 0; i < static_cast<std::size_t>(read.count) && obstacle.code == 0; ++i) {
       second[i] = columns.find(read.row[i].view());
       value[i] = 0;
       if (second[i] == NameTable::kNone) {
-        obstacle = {1449, read.row[i]};
+        obstacle = {TVK_ERROR_LINE_NOT_A_COLUMN, read.row[i]};
       } else if (!read.value[i].empty()) {
         read_number(read.value[i], Infinite::refused, value[i], obstacle);
       }
@@ -55,13 +56,13 @@ bool QuadraticSection::record(const Record& record) {
   Pairs pairs;
   Obstacle why;
   if (!try_readings(record, rows_.reading_cards(), Naming::required, attempt, pairs, why)) {
-    if (why.code == 1448) why = {1449, Field{}};
+    if (why.code == TVK_ERROR_LINE_NOT_A_ROW) why = {TVK_ERROR_LINE_NOT_A_COLUMN, Field{}};
     return why.report(context_, record.line);
   }
   for (std::size_t i = 0; i < static_cast<std::size_t>(pairs.count); ++i) {
     if (pairs.value[i].empty()) context_.empty_number_read();
     if (static_cast<std::int64_t>(entries_.size()) >= kMaxEntries)
-      return context_.fail(ReadFailure::plain(1433));
+      return context_.fail(ReadFailure::plain(TVK_ERROR_TOO_MANY_COEFFICIENTS));
     entries_.push_back({std::min(first, second[i]), std::max(first, second[i]), first < second[i], value[i]});
   }
   return true;
@@ -100,10 +101,10 @@ bool QuadraticSection::fold(std::vector<QuadraticTerm>& terms) {
     const bool both_halves = kind_ != Kind::half_objective && entry.low != entry.high;
     const bool twice = count > (both_halves ? 2 : 1) || (count == 2 && entry.upper == entries_[k + 1].upper);
     if (twice)
-      return context_.fail(
-          ReadFailure::about(5011, where, model.columns.name(entry.low), model.columns.name(entry.high)));
+      return context_.fail(ReadFailure::about(TVK_ERROR_DUPLICATE_PAIR, where, model.columns.name(entry.low),
+                                              model.columns.name(entry.high)));
     const double other = !both_halves ? entry.value : count == 2 ? entries_[k + 1].value : 0.0;
-    if (entry.value != other) return context_.fail(ReadFailure::about(5012, where));
+    if (entry.value != other) return context_.fail(ReadFailure::about(TVK_ERROR_Q_NOT_SYMMETRIC, where));
     const double value = entry.low == entry.high ? square * entry.value : 2 * square * entry.value;
     if (value != 0) terms.push_back({entry.low, entry.high, value});
     k = next;

@@ -12,6 +12,7 @@
 #include "fileio/mps_input.h"
 #include "fileio/mps_rim.h"
 #include "fileio/number.h"
+#include "include/tovik.h"
 
 namespace tovik::fileio {
 namespace mps {
@@ -108,6 +109,7 @@ class Reader {
   bool leave();
   bool check_place(const SectionWord& word, int line);
   bool unrecognized(int line);
+  bool one_word(const Field& word, int line);
   bool sense(const Field& word, int line);
   bool close_rows(int line);
   void cut_names(Record& record);
@@ -128,7 +130,7 @@ class Reader {
   int rank_ = -1;  // the highest rank met
   int line_ = 0;
   bool ended_ = false, rows_seen_ = false, columns_seen_ = false, sense_given_ = false;
-  bool field_seen_ = false;  // of a section that takes one line
+  bool word_seen_ = false;  // of a section that consists of one word
   WarningCap truncated_;
 };
 
@@ -155,7 +157,7 @@ bool Reader::read_lines() {
   while (!ended_ && blocks_.next())
     if (!read_block()) return false;
   if (!blocks_.line_too_long()) return true;
-  return context_.fail(ReadFailure::at(1465, line_ + 1, kLineLimit));
+  return context_.fail(ReadFailure::at(TVK_ERROR_LINE_TOO_LONG, line_ + 1, kLineLimit));
 }
 
 bool Reader::read_block() {
@@ -184,7 +186,8 @@ bool Reader::scan(const char*& p, const char* end, Record& record) {
     return true;
   }
   p = scan_free(p, record) + 1;
-  if (p - record.begin > kLineLimit) return context_.fail(ReadFailure::at(1465, line_, kLineLimit));
+  if (p - record.begin > kLineLimit)
+    return context_.fail(ReadFailure::at(TVK_ERROR_LINE_TOO_LONG, line_, kLineLimit));
   if (record.overlong) cut_names(record);
   return true;
 }
@@ -230,23 +233,29 @@ bool Reader::header(const Record& record) {
 
 /* What was expected in place of an unknown or impossible section. */
 bool Reader::unrecognized(int line) {
-  if (rank_ < 0) return context_.fail(1441, line);
-  if (!rows_seen_) return context_.fail(1471, line);
-  if (!columns_seen_) return context_.fail(1472, line);
-  return context_.fail(rank_ < kRankSets ? 1473 : rank_ == kRankSets ? 1475 : 1462, line);
+  if (rank_ < 0) return context_.fail(TVK_ERROR_LINE_NO_NAME_SECTION, line);
+  if (!rows_seen_) return context_.fail(TVK_ERROR_LINE_NO_ROWS_SECTION, line);
+  if (!columns_seen_) return context_.fail(TVK_ERROR_LINE_NO_COLUMNS_SECTION, line);
+  return context_.fail(rank_ < kRankSets    ? TVK_ERROR_LINE_EXPECTED_BOUND_SECTIONS
+                       : rank_ == kRankSets ? TVK_ERROR_LINE_EXPECTED_QMATRIX
+                                            : TVK_ERROR_LINE_EXPECTED_ENDATA,
+                       line);
 }
 
 /* A section out of its order is read with a warning as long as its meaning does not depend on the order. */
 bool Reader::check_place(const SectionWord& word, int line) {
-  if (rank_ < 0 && word.section != Section::name) return context_.fail(1441, line);
-  if (word.rank > kRankRows && !rows_seen_) return context_.fail(1471, line);
-  if (word.rank > kRankColumns && !columns_seen_) return context_.fail(1472, line);
-  if (word.section == Section::ranges && rank_ > word.rank) return context_.fail(1474, line);
+  if (rank_ < 0 && word.section != Section::name) return context_.fail(TVK_ERROR_LINE_NO_NAME_SECTION, line);
+  if (word.rank > kRankRows && !rows_seen_) return context_.fail(TVK_ERROR_LINE_NO_ROWS_SECTION, line);
+  if (word.rank > kRankColumns && !columns_seen_)
+    return context_.fail(TVK_ERROR_LINE_NO_COLUMNS_SECTION, line);
+  if (word.section == Section::ranges && rank_ > word.rank)
+    return context_.fail(TVK_ERROR_LINE_RANGES_OUT_OF_ORDER, line);
   const bool shapes_rows = word.section == Section::objname || word.section == Section::refrow ||
                            (word.rank >= kRankRows && word.rank <= kRankColumns);
   if (shapes_rows && columns_seen_) return unrecognized(line);
   const bool second_objective = word.section == Section::qmatrix || word.section == Section::quadobj;
-  if (second_objective && quadratic_.has_objective()) return context_.fail(1462, line);
+  if (second_objective && quadratic_.has_objective())
+    return context_.fail(TVK_ERROR_LINE_EXPECTED_ENDATA, line);
   const bool repeats = word.section == section_ && word.section != Section::qcmatrix;
   if (word.rank < rank_ || repeats)
     context_.log.warn("Warning, line %d:  %s section illegal or out of order.\n", line,
@@ -259,7 +268,7 @@ bool Reader::enter(const SectionWord& word, const Record& record) {
   const bool again = rank_ >= 0 && word.section == Section::name;
   section_ = word.section;
   rank_ = std::max(rank_, word.rank);
-  field_seen_ = false;
+  word_seen_ = false;
   switch (section_) {
     case Section::name:
       if (!again && record.count > 1) {
@@ -269,7 +278,9 @@ bool Reader::enter(const SectionWord& word, const Record& record) {
       }
       return true;
     case Section::objsense:
-      return record.count == 1 || sense(record.field[1], record.line);
+    case Section::objname:
+    case Section::refrow:
+      return record.count == 1 || one_word(record.field[1], record.line);
     case Section::rows:
       rows_seen_ = true;
       return true;
@@ -311,17 +322,18 @@ bool Reader::close_rows(int line) {
 
 bool Reader::sense(const Field& word, int line) {
   const bool maximize = word.is_keyword("MAX");
-  if (!maximize && !word.is_keyword("MIN")) return context_.fail(1487, line, word.view());
+  if (!maximize && !word.is_keyword("MIN"))
+    return context_.fail(TVK_ERROR_LINE_OBJECTIVE_SENSE, line, word.view());
   context_.model.objective_sense = maximize ? -1 : 1;
   context_.log.print("Specified objective sense: %s\n", maximize ? "MAXIMIZE" : "MINIMIZE");
-  sense_given_ = field_seen_ = true;
+  sense_given_ = true;
   return true;
 }
 
 bool Reader::data(const Record& record) {
   switch (section_) {
     case Section::none:
-      return context_.fail(1441, record.line);
+      return context_.fail(TVK_ERROR_LINE_NO_NAME_SECTION, record.line);
     case Section::rows:
       return rows_.record(record, RowKind::linear);
     case Section::usercuts:
@@ -345,12 +357,16 @@ bool Reader::data(const Record& record) {
     default:
       break;
   }
-  if (section_ == Section::name || field_seen_) return unrecognized(record.line);
-  field_seen_ = true;
-  if (section_ == Section::objsense) return sense(record.field[0], record.line);
-  if (section_ == Section::objname) rows_.name_objective(record.field[0]);
-  if (section_ == Section::refrow) columns_.name_reference_row(record.field[0]);
-  return true;
+  if (section_ == Section::name || word_seen_) return unrecognized(record.line);
+  return one_word(record.field[0], record.line);
+}
+
+/* Of a section that consists of one word, on the header line or on the line behind it. */
+bool Reader::one_word(const Field& word, int line) {
+  word_seen_ = true;
+  if (section_ == Section::objname) rows_.name_objective(word);
+  if (section_ == Section::refrow) columns_.name_reference_row(word);
+  return section_ != Section::objsense || sense(word, line);
 }
 
 bool Reader::at_end() {

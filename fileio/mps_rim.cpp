@@ -1,4 +1,5 @@
 #include "fileio/mps_rim.h"
+#include "include/tovik.h"
 
 #include <cmath>
 
@@ -57,7 +58,7 @@ bool RimSection::resolve(const Pairs& pairs, Resolved& resolved, Obstacle& why) 
     resolved.row[pair] = rows_.find(pairs.row[pair]);
     resolved.value[pair] = 0;
     if (!resolved.row[pair]) {
-      why = {1448, pairs.row[pair]};
+      why = {TVK_ERROR_LINE_NOT_A_ROW, pairs.row[pair]};
       return false;
     }
     const Field& number = pairs.value[pair];
@@ -82,14 +83,14 @@ bool RimSection::apply(std::int32_t row, double value, int line) {
   const auto i = static_cast<std::size_t>(row);
   if (given_.empty()) given_.assign(context_.model.rhs.size(), false);
   if (given_[i]) {
-    repeats_.add(ReadFailure::at(1447, line, set_.word(), rows_.text_of(row)));
+    repeats_.add(ReadFailure::at(TVK_ERROR_LINE_ENTRY_REPEATS, line, set_.word(), rows_.text_of(row)));
     return true;
   }
   given_[i] = true;
   if (kind_ == Kind::rhs) {
     context_.model.rhs[i] = value;
   } else {
-    if (rows_.kind_of(row) != RowKind::linear) return context_.fail(1438, line);
+    if (rows_.kind_of(row) != RowKind::linear) return context_.fail(TVK_ERROR_LINE_LAZY_OR_CUT, line);
     set_range(i, value);
   }
   return true;

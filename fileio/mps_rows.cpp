@@ -1,4 +1,5 @@
 #include "fileio/mps_rows.h"
+#include "include/tovik.h"
 
 namespace tovik::fileio::mps {
 
@@ -22,18 +23,20 @@ bool RowDirectory::record(const Record& record, RowKind kind) {
     name = card.field[1];
     cards_ = cards_ || name.view().find(' ') != std::string_view::npos;
   } else if (record.count < 2) {
-    return context_.fail(sense_of(sense_field) != '\0' ? 1486 : 1453, record.line);
+    return context_.fail(
+        sense_of(sense_field) != '\0' ? TVK_ERROR_LINE_NO_ROW_NAME : TVK_ERROR_LINE_NO_ROW_SENSE,
+        record.line);
   }
   const char sense = sense_of(sense_field);
-  if (sense == '\0') return context_.fail(1453, record.line);
-  if (sense == 'N' && kind != RowKind::linear) return context_.fail(1438, record.line);
+  if (sense == '\0') return context_.fail(TVK_ERROR_LINE_NO_ROW_SENSE, record.line);
+  if (sense == 'N' && kind != RowKind::linear) return context_.fail(TVK_ERROR_LINE_LAZY_OR_CUT, record.line);
   return add(name, sense, kind);
 }
 
 bool RowDirectory::add(const Field& name, char sense, RowKind kind) {
   FileModel& model = context_.model;
   if (static_cast<std::int64_t>(row_keys_.size() + free_row_keys_.size()) >= kMaxEntries)
-    return context_.fail(ReadFailure::plain(1431));
+    return context_.fail(ReadFailure::plain(TVK_ERROR_TOO_MANY_ROWS));
   const std::uint64_t key = RowIndex::key_of(name);
   if (sense == 'N') {
     free_rows_.append(name.view());
@@ -53,15 +56,15 @@ void RowDirectory::mark(std::int32_t id, RowKind kind) {
 }
 
 bool RowDirectory::close(int line) {
-  Repeats repeats(1477);
+  Repeats repeats(TVK_ERROR_MORE_ROW_REPEATS);
   for (const std::int32_t id : index_.build(row_keys_, free_row_keys_))
-    repeats.add(ReadFailure::about(1445, text_of(id)));
+    repeats.add(ReadFailure::about(TVK_ERROR_ROW_REPEATS, text_of(id)));
   if (repeats.any()) return repeats.report(context_);
   row_keys_ = {};
   free_row_keys_ = {};
   free_rows_.index_appended();
   context_.model.rows.index_appended();
-  if (free_rows_.size() == 0) return context_.fail(1476, line);
+  if (free_rows_.size() == 0) return context_.fail(TVK_ERROR_LINE_NO_OBJECTIVE_ROW, line);
   int chosen = 0;
   if (!wanted_objective_.empty()) {
     chosen = free_rows_.find(wanted_objective_);
