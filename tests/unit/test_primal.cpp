@@ -1,0 +1,362 @@
+/* The primal simplex on models whose answers are checked by certificates computed here from the model alone:
+ * feasibility and reduced costs for an optimum, a combination of rows for infeasibility, a ray for
+ * unboundedness. */
+#include "lp/simplex/primal.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <numeric>
+#include <random>
+
+namespace tovik::lp::simplex {
+namespace {
+
+constexpr double kTol = 1e-6;
+
+class QuietControl : public Control {
+ public:
+  void log(const char*) override {}
+  void flush() override {}
+  void add_work(std::uint64_t) override {}
+  double seconds() override { return 0; }
+  Stop poll() override { return polls++ < allowed ? Stop::none : Stop::user_abort; }
+  Stop poll_clock() override { return Stop::none; }
+  Stop iteration_callback() override { return Stop::none; }
+  double random() override { return 0.5; }
+  std::int64_t polls = 0, allowed = 1000000;
+};
+
+LpData make_lp(int rows, int columns) {
+  LpData lp;
+  lp.matrix.rows = rows;
+  lp.matrix.columns = columns;
+  lp.matrix.start.assign(static_cast<size_t>(columns) + 1, 0);
+  lp.cost.assign(static_cast<size_t>(columns), 0.0);
+  lp.lower.assign(static_cast<size_t>(columns), 0.0);
+  lp.upper.assign(static_cast<size_t>(columns), kInf);
+  lp.row_lower.assign(static_cast<size_t>(rows), 0.0);
+  lp.row_upper.assign(static_cast<size_t>(rows), 0.0);
+  return lp;
+}
+
+using Random = std::mt19937;
+int pick(Random& random, int low, int high) {
+  return std::uniform_int_distribution<int>(low, high)(random);
+}
+
+/* Bounds of one of the seven kinds: none, lower, upper, boxed, fixed, boxed around zero, at zero. */
+void random_bounds(Random& random, double& low, double& high) {
+  const int a = pick(random, -4, 4);
+  const int b = a + pick(random, 1, 5);
+  switch (pick(random, 0, 6)) {
+    case 0:
+      low = -kInf, high = kInf;
+      break;
+    case 1:
+      low = a, high = kInf;
+      break;
+    case 2:
+      low = -kInf, high = b;
+      break;
+    case 3:
+      low = a, high = b;
+      break;
+    case 4:
+      low = high = a;
+      break;
+    case 5:
+      low = -b * b, high = b * b;
+      break;
+    default:
+      low = 0, high = kInf;
+      break;
+  }
+}
+
+/* Small integers make ties, zero steps and dependent columns common. */
+LpData random_lp(Random& random) {
+  const int m = pick(random, 1, 9);
+  const int n = pick(random, 1, 14);
+  LpData lp = make_lp(m, n);
+  for (int j = 0; j < n; ++j) {
+    for (int i = 0; i < m; ++i) {
+      if (pick(random, 0, 2) > 0) continue;
+      lp.matrix.index.push_back(i);
+      const int v = pick(random, 1, 3);
+      lp.matrix.value.push_back(pick(random, 0, 1) ? v : -v);
+    }
+    lp.matrix.start[j + 1] = static_cast<int>(lp.matrix.index.size());
+    lp.cost[j] = pick(random, -3, 5);
+    random_bounds(random, lp.lower[j], lp.upper[j]);
+  }
+  for (int i = 0; i < m; ++i) random_bounds(random, lp.row_lower[i], lp.row_upper[i]);
+  return lp;
+}
+
+std::vector<double> point(const Core& core) {
+  std::vector<double> x(core.value);
+  for (int p = 0; p < core.m; ++p) x[core.head[p]] = core.x[p];
+  return x;
+}
+
+/* x within bounds, A x + s = 0; d from multipliers that make it zero on the basis; signs of d agree with
+ * where x stands. */
+void expect_optimal(const Core& core) {
+  const std::vector<double> x = point(core);
+  std::vector<double> rows(static_cast<size_t>(core.m), 0.0);
+  for (int j = 0; j < core.total; ++j) {
+    EXPECT_GE(x[j], core.lower[j] - kTol);
+    EXPECT_LE(x[j], core.upper[j] + kTol);
+    if (j >= core.n) {
+      rows[j - core.n] += x[j];
+    } else {
+      for (int k = core.lp.matrix.start[j]; k < core.lp.matrix.start[j + 1]; ++k) {
+        rows[core.lp.matrix.index[k]] += core.lp.matrix.value[k] * x[j];
+      }
+    }
+  }
+  for (double r : rows) EXPECT_NEAR(r, 0, kTol);
+  std::vector<double> y(static_cast<size_t>(core.m));  // d of a logical is -y
+  for (int i = 0; i < core.m; ++i) y[i] = -core.d[core.n + i];
+  for (int j = 0; j < core.total; ++j) {
+    const double d = core.cost[j] - core.column_dot(j, y);
+    if (x[j] > core.lower[j] + kTol) {
+      EXPECT_LE(d, kTol) << "column " << j;
+    }
+    if (x[j] < core.upper[j] - kTol) {
+      EXPECT_GE(d, -kTol) << "column " << j;
+    }
+  }
+  EXPECT_EQ(core.work_cost, core.cost);
+  EXPECT_EQ(core.work_lower, core.lower);
+  EXPECT_EQ(core.work_upper, core.upper);
+}
+
+void expect_infeasible(const Core& core, const std::vector<double>& y) {
+  double largest = 0;
+  for (int j = 0; j < core.total; ++j) {
+    const double z = core.column_dot(j, y);
+    if (std::fabs(z) < 1e-9) continue;
+    largest += z * (z > 0 ? core.upper[j] : core.lower[j]);
+  }
+  EXPECT_LT(largest, 0);
+}
+
+void expect_unbounded(const Core& core, const Primal& primal) {
+  std::vector<double> ray(static_cast<size_t>(core.total), 0.0);
+  ray[primal.ray_variable()] = primal.ray_direction();
+  for (int p = 0; p < core.m; ++p) ray[core.head[p]] = -primal.ray_direction() * primal.ray_column().array[p];
+  std::vector<double> rows(static_cast<size_t>(core.m), 0.0);
+  double slope = 0;
+  for (int j = 0; j < core.total; ++j) {
+    slope += core.cost[j] * ray[j];
+    if (ray[j] > 1e-9) {
+      EXPECT_EQ(core.upper[j], kInf);
+    }
+    if (ray[j] < -1e-9) {
+      EXPECT_EQ(core.lower[j], -kInf);
+    }
+    if (j >= core.n) {
+      rows[j - core.n] += ray[j];
+      continue;
+    }
+    for (int k = core.lp.matrix.start[j]; k < core.lp.matrix.start[j + 1]; ++k) {
+      rows[core.lp.matrix.index[k]] += core.lp.matrix.value[k] * ray[j];
+    }
+  }
+  EXPECT_LT(slope, 0);
+  for (double r : rows) EXPECT_NEAR(r, 0, kTol);
+  EXPECT_EQ(core.primal_infeasibility().count, 0);  // a ray needs a point to start from
+}
+
+struct Answer {
+  Outcome outcome;
+  double objective;
+};
+
+enum class Start { slack, random };
+
+Answer solve_and_check(const LpData& lp, const Options& options, Start start, Random& random) {
+  QuietControl control;
+  Core core(lp, options, control);
+  if (start == Start::slack) {
+    core.set_logical_basis();
+  } else {
+    std::vector<At> status(static_cast<size_t>(core.total));
+    for (At& s : status) s = static_cast<At>(pick(random, 0, 3));
+    core.set_basis(status);
+  }
+  Primal primal(core);
+  const Outcome outcome = primal.solve(100000);
+  switch (outcome) {
+    case Outcome::optimal:
+      expect_optimal(core);
+      break;
+    case Outcome::infeasible:
+      expect_infeasible(core, primal.infeasibility_duals());
+      break;
+    case Outcome::unbounded:
+      expect_unbounded(core, primal);
+      break;
+    default:
+      ADD_FAILURE() << "outcome " << static_cast<int>(outcome);
+  }
+  return {outcome, outcome == Outcome::optimal ? core.objective() : 0.0};
+}
+
+/* Every pricing, partial pricing, perturbation from the start, and random (often singular) starts: one
+ * answer, certified. */
+TEST(Primal, CertifiesRandomModelsWhateverTheOptions) {
+  Random random(20240607);
+  int seen[3] = {0, 0, 0};
+  for (int round = 0; round < 3000; ++round) {
+    SCOPED_TRACE(round);
+    const LpData lp = random_lp(random);
+    Options options;
+    options.singular_limit = 100;
+    const Answer first = solve_and_check(lp, options, Start::slack, random);
+    ++seen[static_cast<int>(first.outcome)];
+    for (int variant = 0; variant < 5; ++variant) {
+      SCOPED_TRACE(variant);
+      Options other = options;
+      if (variant == 1) other.primal_pricing = Pricing::steepest_edge;
+      if (variant == 2) other.price_candidates = 1;
+      if (variant == 3) other.perturb_always = true;
+      if (variant == 4) other.primal_pricing = Pricing::dantzig, other.refactor_limit = 1;
+      const Answer answer = solve_and_check(lp, other, Start::random, random);
+      // A model may be infeasible and dual infeasible: that is still one outcome for the primal.
+      EXPECT_EQ(answer.outcome, first.outcome);
+      EXPECT_NEAR(answer.objective, first.objective, 1e-6 * (1 + std::fabs(first.objective)));
+    }
+    if (HasFailure()) break;
+  }
+  for (int count : seen) EXPECT_GT(count, 100);
+}
+
+/* x -> -x turns every lower bound into an upper one and must not change the objective. */
+TEST(Primal, MirroredModelsAgree) {
+  Random random(7);
+  for (int round = 0; round < 500; ++round) {
+    const LpData lp = random_lp(random);
+    LpData mirrored = lp;
+    for (double& v : mirrored.matrix.value) v = -v;
+    for (int j = 0; j < lp.num_columns(); ++j) {
+      mirrored.cost[j] = -lp.cost[j];
+      mirrored.lower[j] = -lp.upper[j];
+      mirrored.upper[j] = -lp.lower[j];
+    }
+    const Answer a = solve_and_check(lp, {}, Start::slack, random);
+    const Answer b = solve_and_check(mirrored, {}, Start::slack, random);
+    ASSERT_EQ(a.outcome, b.outcome) << round;
+    ASSERT_NEAR(a.objective, b.objective, 1e-6 * (1 + std::fabs(a.objective))) << round;
+  }
+}
+
+LpData assignment(int size, const std::vector<double>& cost) {
+  LpData lp = make_lp(2 * size, size * size);
+  for (int i = 0; i < size; ++i) {
+    for (int k = 0; k < size; ++k) {
+      const int j = i * size + k;
+      lp.matrix.index.insert(lp.matrix.index.end(), {i, size + k});
+      lp.matrix.value.insert(lp.matrix.value.end(), {1.0, 1.0});
+      lp.matrix.start[j + 1] = 2 * (j + 1);
+      lp.cost[j] = cost[j];
+    }
+  }
+  lp.row_lower.assign(lp.row_lower.size(), 1.0);
+  lp.row_upper = lp.row_lower;
+  return lp;
+}
+
+TEST(Primal, AssignmentMatchesEnumeration) {
+  Random random(11);
+  constexpr int kSize = 6;
+  for (int round = 0; round < 60; ++round) {
+    std::vector<double> cost(kSize * kSize);
+    for (double& c : cost) c = pick(random, 0, round % 3 == 0 ? 1 : 20);
+    std::vector<int> order(kSize);
+    std::iota(order.begin(), order.end(), 0);
+    double best = kInf;
+    do {
+      double sum = 0;
+      for (int i = 0; i < kSize; ++i) sum += cost[i * kSize + order[i]];
+      best = std::min(best, sum);
+    } while (std::next_permutation(order.begin(), order.end()));
+    Options options;
+    options.perturb_after = round % 2 == 0 ? 0 : 1;
+    const Answer answer = solve_and_check(assignment(kSize, cost), options, Start::slack, random);
+    ASSERT_EQ(answer.outcome, Outcome::optimal);
+    ASSERT_NEAR(answer.objective, best, 1e-6);
+  }
+}
+
+/* Wide, heavily degenerate, large enough for candidate list and partial pricing; the two ways must agree. */
+TEST(Primal, LargeDegenerateModelsAgreeWithAndWithoutPartialPricing) {
+  Random random(5);
+  constexpr int kSize = 80;
+  std::vector<double> cost(kSize * kSize);
+  for (double& c : cost) c = pick(random, 0, 9);
+  const LpData lp = assignment(kSize, cost);
+  Options full;
+  Options partial;
+  partial.price_candidates = 50;
+  const Answer a = solve_and_check(lp, full, Start::slack, random);
+  const Answer b = solve_and_check(lp, partial, Start::slack, random);
+  EXPECT_EQ(a.outcome, Outcome::optimal);
+  EXPECT_NEAR(a.objective, b.objective, 1e-6);
+}
+
+/* A second run from an optimal basis has nothing to do; after a cost change it continues from there. */
+TEST(Primal, RestartsFromItsOwnBasis) {
+  Random random(3);
+  std::vector<double> cost(900);
+  for (double& c : cost) c = pick(random, 1, 30);
+  QuietControl control;
+  Core core(assignment(30, cost), {}, control);
+  core.set_logical_basis();
+  Primal primal(core);
+  ASSERT_EQ(primal.solve(100000), Outcome::optimal);
+  const std::int64_t first = core.counters.iterations;
+  const std::int64_t built = core.counters.factorizations;
+  ASSERT_EQ(primal.solve(100000), Outcome::optimal);
+  EXPECT_EQ(core.counters.iterations, first);
+  EXPECT_EQ(core.counters.factorizations, built);
+  for (int j = 0; j < 30; ++j) core.cost[j] += pick(random, -3, 3);
+  ASSERT_EQ(primal.solve(100000), Outcome::optimal);
+  expect_optimal(core);
+  EXPECT_LT(core.counters.iterations - first, first / 2);
+}
+
+TEST(Primal, StopsAtItsLimitsWithConsistentState) {
+  Random random(9);
+  std::vector<double> cost(400);
+  for (double& c : cost) c = pick(random, 1, 30);
+  const LpData lp = assignment(20, cost);
+  const auto run = [&](const Options& options, std::int64_t polls, std::int64_t budget, Outcome expected) {
+    QuietControl control;
+    control.allowed = polls;
+    Core core(lp, options, control);
+    core.set_logical_basis();
+    Primal primal(core);
+    EXPECT_EQ(primal.solve(budget), expected);
+    EXPECT_EQ(core.work_cost, core.cost);
+    EXPECT_EQ(core.work_lower, core.lower);
+    control.allowed = 1000000;
+    core.options = {};
+    EXPECT_EQ(primal.solve(100000), Outcome::optimal);
+    expect_optimal(core);
+  };
+  Options options;
+  run(options, 7, 100000, Outcome::user_abort);
+  run(options, 1000000, 5, Outcome::trouble);
+  options.iteration_limit = 6;
+  run(options, 1000000, 100000, Outcome::iteration_limit);
+  options = {};
+  options.objective_lower = 200;
+  run(options, 1000000, 100000, Outcome::objective_limit);
+}
+
+}  // namespace
+}  // namespace tovik::lp::simplex
