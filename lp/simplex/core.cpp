@@ -9,13 +9,20 @@ namespace {
 constexpr double kColumnPriceRatio =
     0.7;  // price by columns when rows would touch more than this share of all entries
 constexpr double kLargestThreshold = 0.99999;
+constexpr double kStrictThreshold =
+    0.5;                             // beyond this a stricter pivot rule does not mend an inaccurate factor
+constexpr double kAccurate = 1e-10;  // residual of a random solve that a fresh factor must reach
+
+double raised(double threshold) {
+  return std::min(kLargestThreshold, threshold < 0.1 ? 0.1 : threshold + 0.1);
+}
 }  // namespace
 
-Core::Core(LpData scaled, const Options& solve_options, Control& solve_control)
-    : n(scaled.num_columns()),
-      m(scaled.num_rows()),
+Core::Core(LpData scaled_lp, const Options& solve_options, Control& solve_control)
+    : n(scaled_lp.num_columns()),
+      m(scaled_lp.num_rows()),
       total(n + m),
-      lp(std::move(scaled)),
+      lp(std::move(scaled_lp)),
       factor(lp.matrix),
       options(solve_options),
       control(&solve_control),
@@ -50,6 +57,8 @@ Core::Core(LpData scaled, const Options& solve_options, Control& solve_control)
   random_value.resize(size);
   for (double& r : random_value) r = random.real();
   buffer_.resize(m);
+  // A rebuild also recomputes values and reduced costs: two passes over the matrix.
+  factor.set_rebuild_overhead(2 * static_cast<std::int64_t>(lp.matrix.index.size()) + 4 * total);
 }
 
 void Core::place_nonbasic(int j, int prefer) {
@@ -172,13 +181,21 @@ FactorState Core::refactor() {
   factor::Settings settings;
   settings.threshold = threshold;
   factor.set(settings);
-  ++counters.factorizations;
-  const int deficiency = factor.build(head);
+  int deficiency = 0;
+  for (;;) {
+    ++counters.factorizations;
+    deficiency = factor.build(head);
+    // An inaccurate factor of a regular basis is made again with a stricter threshold.
+    if (deficiency > 0 || threshold >= kStrictThreshold || factor.residual_check() <= kAccurate) break;
+    threshold = raised(threshold);
+    settings.threshold = threshold;
+    factor.set(settings);
+  }
   has_factor = true;
   if (deficiency == 0) return FactorState::good;
   if (repairs >= options.singular_limit) return FactorState::singular;
   ++repairs;
-  threshold = std::min(kLargestThreshold, threshold < 0.1 ? 0.1 : threshold + 0.1);
+  threshold = raised(threshold);
   for (const factor::Exchange& e : factor.exchanges()) {
     const int out = e.removed;
     nonbasic[out] = 1;

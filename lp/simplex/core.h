@@ -58,7 +58,7 @@ enum class FactorState { good, repaired, singular };
 
 class Core {
  public:
-  Core(LpData scaled, const Options& options, Control& control);
+  Core(LpData scaled_lp, const Options& options, Control& control);
   Core(const Core&) = delete;
   Core& operator=(const Core&) = delete;
 

@@ -241,6 +241,28 @@ bool Dual::check_limits() {
 // ---- one iteration
 // --------------------------------------------------------------------------------------------------
 
+/* The running objective is of the perturbed problem: when it passes the limit, the bound that the present
+ * duals give for the original costs decides. That costs a pass over the matrix, so it is asked every now and
+ * then only. */
+bool Dual::beyond_objective_limit() {
+  constexpr int kAskEvery = 20;
+  if (phase1_ || !(objective_ > core_.options.objective_upper)) return false;
+  if (!core_.costs_perturbed && !core_.costs_shifted) return true;
+  if (core_.counters.iterations % kAskEvery != 0) return false;
+  const std::vector<double> working_costs = core_.work_cost;
+  const std::vector<double> working_duals = core_.d;
+  core_.work_cost = core_.cost;
+  core_.compute_dual();
+  double bound = core_.lp.offset;
+  for (int j = 0; j < core_.total; ++j) {
+    if (core_.nonbasic[j] && core_.d[j] != 0)
+      bound += bound_product(core_.d[j], core_.lower[j], core_.upper[j]);
+  }
+  core_.work_cost = working_costs;
+  core_.d = working_duals;
+  return bound > core_.options.objective_upper;
+}
+
 int Dual::choose_row() {
   for (;;) {
     const int p = leaving_.choose(core_, norms_.view());
