@@ -40,7 +40,7 @@ bool ContentLines::next() {
   fresh_ = lines_.complete();
   if (!lines_.next()) return false;
   std::string_view raw = lines_.line();
-  if (raw.size() > kStretch && !check_length(raw)) return false;
+  if (raw.size() >= kStretch && !check_length(raw)) return false;
   if (!lines_.complete() && !cut_piece(raw)) return false;
   if (!raw.empty() && raw.back() == '\r') raw.remove_suffix(1);
   if (!lines_.complete() || needs_cleaning(raw)) {
@@ -54,7 +54,7 @@ bool ContentLines::next() {
 bool ContentLines::check_length(std::string_view raw) {
   raw = raw.substr(0, raw.find('\\'));
   std::size_t begin = 0;
-  while (raw.size() - begin > kStretch) {
+  while (raw.size() - begin >= kStretch) {
     const std::size_t sign = raw.substr(begin, kStretch).find_last_of("+-");
     if (sign == std::string_view::npos || sign == 0) {
       return messages_.fail(ReadFailure::at(TVK_ERROR_LINE_NAME_TOO_LONG, number()));

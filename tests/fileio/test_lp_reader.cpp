@@ -164,6 +164,13 @@ TEST_F(LpReader, CutsLongNamesAndReadsLinesOfAnyLength) {
   EXPECT_EQ(warnings(), "Warning, line 1: '" + name + "' truncated.\n");
   EXPECT_EQ(model(), "min 0\n" + name + " - 1 [0,inf] r:1\nr G 1\n");
 
+  const auto with_line = [](std::size_t length) {
+    return "min x\ngenerals\nx" + std::string(length - 1, ' ') + "\nend\n";
+  };
+  EXPECT_EQ(read(with_line(558)), 0);
+  EXPECT_EQ(read(with_line(559)), 1464);
+  errors();
+
   std::string row = " r:";  // far longer than any buffer, exponents and all
   for (int k = 0; k < 200000; ++k) row += " + 1e-1 x" + std::to_string(k % 7);
   ASSERT_EQ(read("min x0\nst\n" + row + " >= 1e+3 \\ " + std::string(3000, '-') + " x\n s: x0 <= 1\nend\n"),
