@@ -52,9 +52,11 @@ bool RimSection::record(const Record& record) {
   return true;
 }
 
+/* Lines of other sets are not looked into, unless the set has no name: then rows must show that this is what it is. */
 bool RimSection::resolve(const Pairs& pairs, Resolved& resolved, Obstacle& why) const {
   resolved.counts = set_.counts(pairs.name);
-  for (std::size_t pair = 0; resolved.counts && pair < static_cast<std::size_t>(pairs.count); ++pair) {
+  if (!resolved.counts && !pairs.name.empty()) return true;
+  for (std::size_t pair = 0; pair < static_cast<std::size_t>(pairs.count); ++pair) {
     resolved.row[pair] = rows_.find(pairs.row[pair]);
     resolved.value[pair] = 0;
     if (!resolved.row[pair]) {

@@ -1,0 +1,9 @@
+NAME  P
+ROWS
+ N  obj
+ L  a
+ G  b
+ E  c
+COLUMNS
+    x  a  inf
+ENDATA

@@ -1,0 +1,5 @@
+NAME
+ROWS
+ N  o
+ LE  a
+ENDATA

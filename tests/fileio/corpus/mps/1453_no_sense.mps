@@ -1,0 +1,4 @@
+NAME
+ROWS
+    a
+ENDATA

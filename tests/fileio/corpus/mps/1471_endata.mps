@@ -1,0 +1,2 @@
+NAME
+ENDATA

@@ -1,0 +1,6 @@
+NAME  P
+ROWS
+ N  obj
+ L  a
+ G  b
+ E  c

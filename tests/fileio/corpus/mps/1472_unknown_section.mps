@@ -1,0 +1,8 @@
+NAME  P
+ROWS
+ N  obj
+ L  a
+ G  b
+ E  c
+COLS
+ENDATA

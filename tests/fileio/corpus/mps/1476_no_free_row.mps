@@ -1,0 +1,6 @@
+NAME
+ROWS
+ L  a
+COLUMNS
+    x  a  1
+ENDATA

@@ -1,0 +1,17 @@
+NAME  P
+ROWS
+ N  obj
+ L  a
+ G  b
+ E  c
+COLUMNS
+    x  obj  1  a  1
+    x  b  2
+    y  a  1  c  -1
+    z  obj  3
+SOS
+ S2 s
+    x  1
+    y  2
+    x  3
+ENDATA

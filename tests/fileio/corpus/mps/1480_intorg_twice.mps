@@ -1,0 +1,11 @@
+NAME  P
+ROWS
+ N  obj
+ L  a
+ G  b
+ E  c
+COLUMNS
+ M 'MARKER' 'INTORG'
+ M 'MARKER' 'INTORG'
+ x a 1
+ENDATA

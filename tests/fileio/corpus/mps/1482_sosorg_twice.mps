@@ -1,0 +1,11 @@
+NAME  P
+ROWS
+ N  obj
+ L  a
+ G  b
+ E  c
+COLUMNS
+ S1 s 'MARKER' 'SOSORG'
+ S1 t 'MARKER' 'SOSORG'
+ x a 1
+ENDATA

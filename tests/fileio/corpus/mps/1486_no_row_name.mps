@@ -1,0 +1,5 @@
+NAME
+ROWS
+ N  o
+ L
+ENDATA
