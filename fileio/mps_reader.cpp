@@ -370,9 +370,9 @@ bool Reader::one_word(const Field& word, int line) {
 }
 
 bool Reader::at_end() {
-  if (!columns_seen_) return unrecognized(line_ + 1);
+  if (!columns_seen_) return unrecognized(std::max(line_, 1));
   if (ended_) return true;
-  context_.log.warn("Warning, line %d:  'ENDATA' missing.\n", line_ + 1);
+  context_.log.warn("Warning, line %d:  'ENDATA' missing.\n", line_);
   return leave();
 }
 

@@ -86,9 +86,9 @@ const ModelCase kModels[] = {
      "RHS\n    r  l  10  g  10\n    r  e  10  f  10\n    r  m  10\nRANGES\n    q  l  -2  g  3\n    q  e  4  "
      "f  -5\n"
      "    q  m  inf  z  0\n    q  o  1\nENDATA\n",
-     "min 0\nx - 0 [0,inf] l:1 g:1 e:1 f:1 m:1 z:1\nl R 10 -2\ng R 10 3\ne R 10 4\nf R 10 -5\nm L 10 0\nz E "
-     "0 0\n",
-     "Warning, line 20:  OBJ coefficient in RANGES section ignored.\n"},
+     "min 0\nx - 0 [0,inf] l:1 g:1 e:1 f:1 m:1 z:1\nl R 10 -2\ng R 10 3\ne R 10 4\nf R 10 -5\nm L 10\nz E "
+     "0\n",
+     "Warning, line 22:  OBJ coefficient in RANGES section ignored.\n"},
     {"bounds of all types, either case, with and without a set name",
      kTop + "BOUNDS\n UP b  x  4\n lo b  x  -1e30\n FX b  y  2\n MI b  z\n UP b  z  1e25\n" + kEnd,
      model_of("[-inf,4]", "[2,2]", "[-inf,inf]")},
@@ -121,7 +121,7 @@ const ModelCase kModels[] = {
          "UP b1  x  1\n"
          " UP b2  x  2\n UP b2  nobody  2\n" +
          kEnd,
-     model_of("[0,1]", kPlus, kPlus, "---", "a L 1 0\nb R 0 1\nc E 0 0\n"),
+     model_of("[0,1]", kPlus, kPlus, "---", "a L 1\nb R 0 1\nc E 0\n"),
      "Warning:  More than one RHS set specified. Only the first set is used.\n"
      "Warning:  More than one range set specified. Only the first set is used.\n"
      "Warning:  More than one bound set specified. Only the first set is used.\n"},
@@ -134,13 +134,13 @@ const ModelCase kModels[] = {
     {"right-hand side of the objective, absent numbers",
      kTop + "RHS\n    rhs  obj  4  a  1\n    rhs  b\nBOUNDS\n LO bnd  x\n" + kEnd,
      model_of(kPlus, kPlus, kPlus, "---", "a L 1\nb G 0\nc E 0\n"),
-     "Warning, line 12:  OBJ coefficient in RHS section ignored.\nWarning:  Empty numeric fields read as "
+     "Warning, line 13:  OBJ coefficient in RHS section ignored.\nWarning:  Empty numeric fields read as "
      "zeros.\n"},
     {"sections out of order", kTop + "BOUNDS\n UP b  x  4\nRHS\n    r  a  1\nOBJSENSE\n    MAX\n" + kEnd,
      "max" + model_of("[0,4]", kPlus, kPlus, "---", "a L 1\nb G 0\nc E 0\n").substr(3),
-     "Warning, line 13:  RHS section illegal or out of order.\n"
-     "Warning, line 15:  OBJSENSE section illegal or out of order.\n"},
-    {"no end", kTop, model_of(kPlus, kPlus, kPlus), "Warning, line 12:  'ENDATA' missing.\n"},
+     "Warning, line 14:  RHS section illegal or out of order.\n"
+     "Warning, line 16:  OBJSENSE section illegal or out of order.\n"},
+    {"no end", kTop, model_of(kPlus, kPlus, kPlus), "Warning, line 11:  'ENDATA' missing.\n"},
     {"names with blanks in the card layout, of rows, columns and sets",
      "NAME\n"
      "ROWS\n"
@@ -368,7 +368,7 @@ struct LineCase {
 
 TEST_F(MpsReader, ErrorsSayWhereAndWhat) {
   const LineCase cases[] = {
-      {kTop + "RHS\n    r  a  1x\n", "TOVIK Error  1434: Line 12: Couldn't convert '1x' to a number.\n"},
+      {kTop + "RHS\n    r  a  1x\n", "TOVIK Error  1434: Line 13: Couldn't convert '1x' to a number.\n"},
       {kRows + "COLUMNS\n    x  a  1  b  2  3\n",
        "TOVIK Error  1434: Line 8: Couldn't convert '2  3' to a number.\n"},
       {kRows + "COLUMNS\n    x  a  1e999\n", "TOVIK Error  1435: Line 8: Exponent 'e999' out of range.\n"},
