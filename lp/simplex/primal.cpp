@@ -5,13 +5,17 @@
 
 namespace tovik::lp::simplex {
 namespace {
-constexpr int kTroubles = 60;  // numerical rejections in a row before giving up
-constexpr int kRestores = 8;   // times that changed bounds are put back before giving up
-constexpr double kShiftLargest =
-    1e3;  // violations up to this many tolerances are mended by a shift in the second phase
-constexpr double kTightest =
-    1e-9;  // least tolerance of attraction, used to complete a proof of infeasibility
-constexpr double kResidual = 1e-9;  // relative residual of the basic values at an optimum: refactor
+constexpr int kTroubles = 60;          // numerical rejections in a row before giving up
+constexpr int kRestores = 8;           // times that changed bounds are put back before giving up
+constexpr double kShiftLargest = 1e3;  // tolerances; second phase: smaller violations are mended by a shift
+constexpr double kAttraction = 1e-7;   // largest tolerance of attraction
+constexpr double kTightest = 1e-9;     // least one: sharpens an optimum, completes a proof of infeasibility
+constexpr int kSharpenSteps = 100;     // iterations that sharpening may take, besides a share of those before
+constexpr double kSharpenShare = 0.05;
+constexpr int kFalls = 40;                   // returns from the second phase to the first before giving up
+constexpr std::int64_t kStuckLeast = 20000;  // iterations without measured progress before giving up
+constexpr std::int64_t kStuckShare = 3;      // ... or this many times the variables
+constexpr double kResidual = 1e-9;  // relative residual of the basic values that asks for a better factor
 constexpr double kHighestThreshold = 0.9;
 
 double next_threshold(double threshold) {
@@ -40,7 +44,13 @@ Outcome Primal::solve(std::int64_t iteration_budget) {
   progress_ = 0;
   progress_mark_ = core_.counters.iterations;
   perturb_scale_ = 0;
-  attraction_ = core_.dual_tolerance;
+  attraction_ = std::min(kAttraction, core_.dual_tolerance);
+  sharp_ = false;
+  sharpen_end_ = 0;
+  start_ = marked_at_ = core_.counters.iterations;
+  marked_phase1_ = true;
+  marked_value_ = kInf;
+  falls_ = 0;
   phase1_ = true;
   costs_are_phase1_ = false;
   accept_small_ = false;
@@ -60,6 +70,7 @@ Outcome Primal::solve(std::int64_t iteration_budget) {
 Outcome Primal::run() {
   for (;;) {
     if (!rebuild()) return Outcome::singular;
+    if (stuck()) return Outcome::trouble;
     const std::int64_t before = core_.counters.iterations;
     Step step = Step::moved;
     while (step == Step::moved && wanted_ == Rebuild::none) {
@@ -109,7 +120,7 @@ bool Primal::settle_optimum(Outcome& outcome) {
   }
   if (!phase1_) {
     outcome = Outcome::optimal;
-    return true;
+    return !sharpen();
   }
   if (prove_infeasible()) {
     outcome = Outcome::infeasible;
@@ -119,6 +130,33 @@ bool Primal::settle_optimum(Outcome& outcome) {
   if (attraction_ <= kTightest) return true;
   attraction_ = std::max(kTightest, 0.01 * attraction_);
   return false;
+}
+
+/* An optimum within the tolerance may be far in its objective when many small reduced costs meet long ranges:
+ * a few steps with the tightest tolerance mend that. True while there is something left to do. */
+bool Primal::sharpen() {
+  const std::int64_t iterations = core_.counters.iterations;
+  if (sharp_ || attraction_ <= kTightest) return false;
+  attraction_ = kTightest;
+  sharpen_end_ = iterations + kSharpenSteps +
+                 static_cast<std::int64_t>(kSharpenShare * static_cast<double>(iterations - start_));
+  return true;
+}
+
+/* Measured at rebuilds, where values are exact: neither the infeasibility sum nor the objective has fallen
+ * for long. */
+bool Primal::stuck() {
+  const std::int64_t iterations = core_.counters.iterations;
+  const double value = phase1_ ? core_.primal_infeasibility().sum : objective_;
+  if (phase1_ && !marked_phase1_ && ++falls_ > kFalls) return true;
+  if (phase1_ != marked_phase1_ || marked_value_ == kInf ||
+      value < marked_value_ - kTightest * std::fabs(marked_value_)) {
+    marked_phase1_ = phase1_;
+    marked_value_ = value;
+    marked_at_ = iterations;
+    return false;
+  }
+  return iterations - marked_at_ > std::max(kStuckLeast, kStuckShare * core_.total);
 }
 
 /* Puts the model's bounds and costs back and makes x and d belong to them. */
@@ -136,6 +174,7 @@ Outcome Primal::finish(Outcome outcome) {
   if (!duals_stand) core_.compute_dual();
   phase1_ = costs_are_phase1_ = false;
   wanted_ = Rebuild::none;
+  core_.report_work();
   return outcome;
 }
 
@@ -195,7 +234,7 @@ void Primal::choose_phase() {
   } else if (costs_are_phase1_) {
     core_.use_original_costs();
     costs_are_phase1_ = false;
-    attraction_ = core_.dual_tolerance;
+    attraction_ = std::min(kAttraction, core_.dual_tolerance);
   }
 }
 
@@ -221,6 +260,13 @@ bool Primal::check_limits() {
     wanted_ = Rebuild::recompute;
     return false;
   }
+  if (sharpen_end_ > 0 && iterations >= sharpen_end_ && !sharp_) {  // enough: back to the ordinary tolerance
+    sharp_ = true;
+    attraction_ = std::min(kAttraction, core_.dual_tolerance);
+    wanted_ = Rebuild::recompute;
+    return false;
+  }
+  core_.report_work();
   Stop stop = core_.control->iteration_callback();
   if (stop == Stop::none) {
     if (iterations >= core_.options.iteration_limit) {
@@ -267,7 +313,7 @@ void Primal::watch_degeneracy(double gain) {
     progress_ = 0;
     progress_mark_ = core_.counters.iterations;
   }
-  if (restores_ >= kPerturbedRestores) return;
+  if (restores_ >= kPerturbedRestores || sharpen_end_ > 0) return;
   const int after = core_.options.perturb_after;
   const bool stalled = core_.counters.iterations - progress_mark_ > std::max(1000, core_.m / 2);
   if (bounds_.perturbing() ? !stalled

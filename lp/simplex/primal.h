@@ -29,6 +29,7 @@ class Primal {
   explicit Primal(Core& core, Observer* observer = nullptr);
 
   Outcome solve(std::int64_t iteration_budget);
+  void set_observer(Observer* observer) { observer_ = observer; }
 
   /* After unbounded: x_B - direction * ray_column * t, x_q + direction * t improves for ever. */
   const SparseVector& ray_column() const { return column_; }
@@ -61,6 +62,8 @@ class Primal {
   void distrust(int q);
   bool check_limits();
   Outcome finish(Outcome outcome);
+  bool stuck();
+  bool sharpen();
   bool settle_optimum(Outcome& outcome);  // false: go on
   bool prove_infeasible();
   bool prove_unbounded();
@@ -89,6 +92,9 @@ class Primal {
   Outcome stop_ = Outcome::trouble;
   double objective_ = 0;
   double attraction_ = 0;  // tolerance of attractive reduced costs in force
+  bool sharp_ = false;     // the optimum has been sharpened, or that took too long
+  std::int64_t sharpen_end_ = 0;
+  std::int64_t start_ = 0;  // iterations at the start of the solve
   std::int64_t iteration_end_ = 0;
   int trouble_count_ = 0;
   int restores_ = 0;       // times the bounds have been put back in this solve
@@ -97,6 +103,10 @@ class Primal {
   double progress_ = 0;  // gain since the last mark
   std::int64_t progress_mark_ = 0;
   double perturb_scale_ = 0;
+  bool marked_phase1_ = false;  // phase of the marked value
+  double marked_value_ = 0;     // infeasibility sum or objective, measured at rebuilds
+  std::int64_t marked_at_ = 0;
+  int falls_ = 0;  // returns to the first phase
 };
 
 }  // namespace tovik::lp::simplex

@@ -6,10 +6,12 @@
 
 namespace tovik::lp::simplex {
 namespace {
-constexpr double kWide = 2.5;     // columns per row at which partial pricing starts by itself
-constexpr int kWideLeast = 5000;  // ... and the least number of columns
-constexpr int kAdd = 200;         // columns added at a time
-constexpr int kLargest = 4;       // the set is thinned when larger than this many times rows + additions
+constexpr double kWide = 2.5;      // columns per row at which partial pricing starts by itself
+constexpr int kWideLeast = 10000;  // ... and the least number of columns
+constexpr int kAddLeast = 200;     // columns added at a time: as many as rows, within these limits
+constexpr int kAddMost = 600;
+constexpr int kManyRows = 2000;  // from here on bases are mostly so sparse that few columns at a time pay
+constexpr int kLargest = 4;      // the set is thinned when larger than this many times rows + additions
 
 double attraction(const Core& core, int j) {
   const double d = core.d[j];
@@ -21,7 +23,7 @@ void PrimalWorkSet::start(Core& core) {
   const int wanted = core.options.price_candidates;
   on_ = wanted > 0 ? wanted < core.n : core.n >= kWideLeast && core.n > kWide * core.m;
   if (!on_) return;
-  add_ = wanted > 0 ? wanted : kAdd;
+  add_ = wanted > 0 ? wanted : core.m < kManyRows ? std::clamp(core.m, kAddLeast, kAddMost) : kAddLeast;
   member_.assign(static_cast<size_t>(core.n), 0);
   norm_.assign(static_cast<size_t>(core.n), 1.0);
   const Matrix& a = core.lp.matrix;
