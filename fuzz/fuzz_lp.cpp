@@ -1,83 +1,20 @@
 /* Feeds bytes to the LP reader and checks what every reader promises about its result. Seeds:
  * tests/fileio/corpus/lp. */
-#include <cmath>
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
-#include <string_view>
-
-#include "fileio/model_reader.h"
-#include "include/tovik.h"
-
-namespace {
+#include "fuzz/reader_harness.h"
 
 using namespace tovik::fileio;
 
-void require(bool condition) {
-  if (!condition) std::abort();
-}
-
-class SilentLog final : public ReaderLog {
- public:
-  void warning(std::string_view text) override { require(text.ends_with('\n')); }
-  void result(std::string_view text) override { require(text.ends_with('\n')); }
-};
-
-/* Small reads, so that pieces and refills of lines are met by small inputs. */
-class SlowSource final : public ByteSource {
- public:
-  explicit SlowSource(std::string_view bytes) : bytes_(bytes) {}
-  std::size_t read(char* buffer, std::size_t capacity) override {
-    return bytes_.read(buffer, capacity < 37 ? capacity : 37);
-  }
-  bool finish() override { return true; }
-
- private:
-  MemorySource bytes_;
-};
-
-void check(const FileModel& model) {
-  const std::size_t columns = model.objective.size(), rows = model.rhs.size();
-  require(static_cast<std::size_t>(model.columns.size()) == columns);
-  require(static_cast<std::size_t>(model.rows.size()) == rows);
-  require(model.lower.size() == columns && model.upper.size() == columns &&
-          model.start.size() == columns + 1);
-  require(model.types.empty() || model.types.size() == columns);
-  require(model.sense.size() == rows && (model.range.empty() || model.range.size() == rows));
-  require(model.start.front() == 0 && static_cast<std::size_t>(model.start.back()) == model.index.size());
-  require(model.value.size() == model.index.size());
-  for (std::size_t j = 0; j < columns; ++j) {
-    require(model.start[j] <= model.start[j + 1]);
-    require(std::isfinite(model.objective[j]));
-    require(std::fabs(model.lower[j]) <= kInfinity && std::fabs(model.upper[j]) <= kInfinity);
-    const std::string_view name = model.columns.name(static_cast<int>(j));
-    require(!name.empty() && name.size() <= kMaxNameLength &&
-            model.columns.find(name) == static_cast<int>(j));
-  }
-  for (std::size_t k = 0; k < model.index.size(); ++k) {
-    require(model.index[k] >= 0 && static_cast<std::size_t>(model.index[k]) < rows &&
-            std::isfinite(model.value[k]));
-  }
-  for (std::size_t i = 0; i < rows; ++i) {
-    require(model.sense[i] == 'L' || model.sense[i] == 'E' || model.sense[i] == 'G' || model.sense[i] == 'R');
-    require(std::isfinite(model.rhs[i]) &&
-            model.rows.find(model.rows.name(static_cast<int>(i))) == static_cast<int>(i));
-  }
-}
-
-}  // namespace
-
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  SlowSource source({reinterpret_cast<const char*>(data), size});
-  SilentLog log;
+  fuzz::SlowSource source({reinterpret_cast<const char*>(data), size});
+  fuzz::SilentLog log;
   FileModel model;
   ReadOptions options;
   options.line_buffer = 1024;
   const ReadFailure failure = read_lp(source, options, log, model);
   if (failure) {
-    require(failure.code >= TVK_ERROR_TOO_MANY_ROWS && failure.code <= TVK_ERROR_LINE_NO_SOS_TYPE);
+    fuzz::require(failure.code >= TVK_ERROR_TOO_MANY_ROWS && failure.code <= TVK_ERROR_LINE_NO_SOS_TYPE);
   } else {
-    check(model);
+    fuzz::check(model);
   }
   return 0;
 }
