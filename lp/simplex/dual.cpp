@@ -41,8 +41,8 @@ Dual::Dual(Core& core, Observer* observer) : core_(core), observer_(observer) {
 void Dual::set_phase1_bounds() {
   phase1_ = true;
   for (int j = 0; j < core_.total; ++j) {
-    const bool has_lower = core_.lower[j] != -kInf;
-    const bool has_upper = core_.upper[j] != kInf;
+    const bool has_lower = box_.lower[j] != -kInf;
+    const bool has_upper = box_.upper[j] != kInf;
     core_.work_lower[j] = has_lower ? 0.0 : has_upper ? -1.0 : -kBoxFree;
     core_.work_upper[j] = has_upper ? 0.0 : has_lower ? 1.0 : kBoxFree;
     if (core_.nonbasic[j]) core_.place_nonbasic(j, core_.d[j] >= 0 ? 1 : -1);
@@ -51,11 +51,17 @@ void Dual::set_phase1_bounds() {
 
 void Dual::clear_phase1_bounds() {
   phase1_ = false;
-  core_.work_lower = core_.lower;
-  core_.work_upper = core_.upper;
+  core_.work_lower = box_.lower;
+  core_.work_upper = box_.upper;
   for (int j = 0; j < core_.total; ++j) {
     if (core_.nonbasic[j]) core_.place_nonbasic(j, core_.d[j] > 0 ? 1 : core_.d[j] < 0 ? -1 : core_.move[j]);
   }
+}
+
+void Dual::drop_implied_bounds() {
+  box_.lower = core_.lower;
+  box_.upper = core_.upper;
+  box_.found = 0;
 }
 
 Outcome Dual::solve(const Settings& settings, std::int64_t iteration_budget) {
@@ -75,6 +81,12 @@ Outcome Dual::solve(const Settings& settings, std::int64_t iteration_budget) {
     } else {
       norms_.compute(core_, rho_);
     }
+  }
+  box_.found = 0;
+  if (settings.imply_bounds) {
+    box_ = imply_bounds(core_);
+  } else {
+    drop_implied_bounds();
   }
   perturb_scale_ = core_.options.perturb_magnitude / kUsualMagnitude;
   if (settings.perturb) perturb_costs(core_, perturb_scale_);
@@ -104,6 +116,13 @@ Outcome Dual::solve(const Settings& settings, std::int64_t iteration_budget) {
       if (core_.costs_perturbed || core_.costs_shifted) {
         core_.use_original_costs();
         core_.compute_dual();
+      }
+      if (box_.found > 0) {
+        // No feasible point stands at an implied bound, but rounding may leave a column there.
+        drop_implied_bounds();
+        core_.use_original_bounds();
+        core_.compute_primal();
+        if (core_.primal_infeasibility().count > 0) continue;
       }
       return Outcome::optimal;
     }
@@ -153,6 +172,7 @@ Dual::PhaseEnd Dual::run_phase() {
       refactor = true;
       continue;
     }
+    if (step == Step::boxes_dropped) return PhaseEnd::dual_infeasible;
     return PhaseEnd::unbounded;  // no entering column, proven
   }
 }
@@ -294,6 +314,14 @@ Dual::Step Dual::iterate() {
       return Step::numerical;
     }
     if (prove_infeasible(p)) return Step::no_entering;
+    if (box_.found > 0) {
+      // The row is infeasible by implied bounds at most; only the model's own bounds may prove that.
+      drop_implied_bounds();
+      core_.compute_dual();
+      clear_phase1_bounds();
+      wanted_ = Rebuild::recompute;
+      return core_.dual_infeasibility().count > 0 ? Step::boxes_dropped : Step::moved;
+    }
     leaving_.make_taboo(p);
     ++core_.counters.rejected_pivots;
     return Step::moved;

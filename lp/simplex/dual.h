@@ -17,6 +17,7 @@
 #include "lp/simplex/dual_entering.h"
 #include "lp/simplex/dual_leaving.h"
 #include "lp/simplex/dual_norms.h"
+#include "lp/simplex/implied_bounds.h"
 #include "lp/simplex/observer.h"
 
 namespace tovik::lp::simplex {
@@ -29,6 +30,7 @@ class Dual {
     bool perturb = true;
     bool exact_norms = false;  // compute starting weights for a basis other than the slack basis
     bool keep_norms = false;   // weights are those of the present basis
+    bool imply_bounds = true;  // box columns by bounds that the rows imply
   };
   Outcome solve(const Settings& settings, std::int64_t iteration_budget);
 
@@ -40,7 +42,7 @@ class Dual {
   double objective() const { return objective_; }
 
  private:
-  enum class Step { moved, no_leaving, no_entering, numerical, stopped };
+  enum class Step { moved, no_leaving, no_entering, boxes_dropped, numerical, stopped };
   enum class Rebuild { none, recompute, refactor };
   enum class PhaseEnd { optimal, dual_infeasible, unbounded, stopped, trouble };
 
@@ -56,6 +58,7 @@ class Dual {
   void correct_duals();
   void set_phase1_bounds();
   void clear_phase1_bounds();
+  void drop_implied_bounds();
   bool check_limits();
   bool beyond_objective_limit();
   bool prove_infeasible(int p);
@@ -81,6 +84,7 @@ class Dual {
   std::int64_t last_progress_iteration_ = 0;
   double last_progress_objective_ = 0;
   double perturb_scale_ = 1;
+  ImpliedBounds box_;  // bounds of the second phase: the model's, and implied ones
   std::vector<double> farkas_;
 };
 

@@ -1,0 +1,123 @@
+#include "lp/simplex/implied_bounds.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace tovik::lp::simplex {
+namespace {
+
+constexpr int kSweeps = 4;
+constexpr double kLargest = 1e6;      // larger bounds (scaled) would make basic values too large to be exact
+constexpr double kLoosen = 1e-2;      // relative and absolute distance kept from the implied value
+constexpr double kSmallEntry = 1e-4;  // entries that would blow a bound up
+
+/* Smallest and largest activity of each row: the finite part and the number of infinite contributions. */
+struct Activities {
+  std::vector<double> low, high;
+  std::vector<int> low_infinite, high_infinite;
+
+  explicit Activities(int rows)
+      : low(static_cast<size_t>(rows), 0.0),
+        high(low),
+        low_infinite(static_cast<size_t>(rows), 0),
+        high_infinite(low_infinite) {}
+
+  void add(int i, double a, double lower, double upper) {
+    const double at_low = a > 0 ? lower : upper;
+    const double at_high = a > 0 ? upper : lower;
+    if (std::isinf(at_low)) {
+      ++low_infinite[i];
+    } else {
+      low[i] += a * at_low;
+    }
+    if (std::isinf(at_high)) {
+      ++high_infinite[i];
+    } else {
+      high[i] += a * at_high;
+    }
+  }
+  /* A bound that was infinite became `bound`. */
+  void made_finite(int i, double a, double bound, bool upper) {
+    if ((a > 0) == upper) {
+      --high_infinite[i];
+      high[i] += a * bound;
+    } else {
+      --low_infinite[i];
+      low[i] += a * bound;
+    }
+  }
+};
+
+}  // namespace
+
+ImpliedBounds imply_bounds(const Core& core) {
+  ImpliedBounds result{core.lower, core.upper, 0};
+  const Matrix& matrix = core.lp.matrix;
+  std::vector<double>& lower = result.lower;
+  std::vector<double>& upper = result.upper;
+  Activities activity(core.m);
+  for (int j = 0; j < core.n; ++j) {
+    for (int k = matrix.start[j]; k < matrix.start[j + 1]; ++k)
+      activity.add(matrix.index[k], matrix.value[k], lower[j], upper[j]);
+  }
+  std::vector<char> made_lower(static_cast<size_t>(core.n), 0), made_upper(made_lower);
+  for (int sweep = 0; sweep < kSweeps; ++sweep) {
+    const int before = result.found;
+    for (int j = 0; j < core.n; ++j) {
+      if (lower[j] != -kInf && upper[j] != kInf) continue;
+      double high = kInf;
+      double low = -kInf;
+      for (int k = matrix.start[j]; k < matrix.start[j + 1]; ++k) {
+        const int i = matrix.index[k];
+        const double a = matrix.value[k];
+        if (std::fabs(a) < kSmallEntry) continue;
+        // a x_j <= row_upper - (smallest activity of the others), a x_j >= row_lower - (largest of the
+        // others)
+        const double own_low = a > 0 ? lower[j] : upper[j];
+        const double own_high = a > 0 ? upper[j] : lower[j];
+        const bool own_low_infinite = std::isinf(own_low);
+        const bool own_high_infinite = std::isinf(own_high);
+        if (core.lp.row_upper[i] < kInf && activity.low_infinite[i] == (own_low_infinite ? 1 : 0)) {
+          const double rest = activity.low[i] - (own_low_infinite ? 0.0 : a * own_low);
+          const double bound = (core.lp.row_upper[i] - rest) / a;
+          if (a > 0) {
+            high = std::min(high, bound);
+          } else {
+            low = std::max(low, bound);
+          }
+        }
+        if (core.lp.row_lower[i] > -kInf && activity.high_infinite[i] == (own_high_infinite ? 1 : 0)) {
+          const double rest = activity.high[i] - (own_high_infinite ? 0.0 : a * own_high);
+          const double bound = (core.lp.row_lower[i] - rest) / a;
+          if (a > 0) {
+            low = std::max(low, bound);
+          } else {
+            high = std::min(high, bound);
+          }
+        }
+      }
+      if (upper[j] == kInf && std::fabs(high) < kLargest && high > std::max(lower[j], low)) {
+        upper[j] = high;
+        made_upper[j] = 1;
+        ++result.found;
+        for (int k = matrix.start[j]; k < matrix.start[j + 1]; ++k)
+          activity.made_finite(matrix.index[k], matrix.value[k], high, true);
+      }
+      if (lower[j] == -kInf && std::fabs(low) < kLargest && low < std::min(upper[j], high)) {
+        lower[j] = low;
+        made_lower[j] = 1;
+        ++result.found;
+        for (int k = matrix.start[j]; k < matrix.start[j + 1]; ++k)
+          activity.made_finite(matrix.index[k], matrix.value[k], low, false);
+      }
+    }
+    if (result.found == before) break;
+  }
+  for (int j = 0; j < core.n; ++j) {
+    if (made_upper[j]) upper[j] += kLoosen * (1.0 + std::fabs(upper[j]));
+    if (made_lower[j]) lower[j] -= kLoosen * (1.0 + std::fabs(lower[j]));
+  }
+  return result;
+}
+
+}  // namespace tovik::lp::simplex
