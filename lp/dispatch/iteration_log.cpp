@@ -56,6 +56,19 @@ void IterationLog::text(const char* line) {
   if (display_ > 0) message(env_.results_channel, "%s", line);
 }
 
+void IterationLog::removed_by_singularity(const simplex::Core& core, int variable) {
+  if (display_ <= 0) return;
+  if (variable < core.n) {
+    message(env_.results_channel, "Variable '%.255s' fixed because of singularity.\n",
+            label(problem_.model->column_names(), variable, 'x').c_str());
+  } else if (problem_.model->sense()[variable - core.n] == 'R') {
+    message(env_.results_channel, "Variable 'range %.255s' caused singularity.\n",
+            label(problem_.model->row_names(), variable - core.n, 'c').c_str());
+  } else {
+    message(env_.results_channel, "Slack removed by singularity.\n");
+  }
+}
+
 void IterationLog::pricing(bool steepest_edge, bool changed) {
   const char* name = steepest_edge ? "steepest-edge" : "devex";
   if (display_ > 0) message(env_.results_channel, changed ? "Switched to %s.\n" : "Using %s.\n", name);

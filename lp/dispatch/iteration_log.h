@@ -13,6 +13,7 @@ class IterationLog : public simplex::Observer {
   void iteration(const simplex::Core& core, const simplex::IterationEvent& event) override;
   void pricing(bool steepest_edge, bool changed) override;
   void text(const char* line) override;
+  void removed_by_singularity(const simplex::Core& core, int variable) override;
 
  private:
   void brief(const simplex::Core& core, const simplex::IterationEvent& event, std::int64_t count);

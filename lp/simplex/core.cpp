@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 
 namespace tovik::lp::simplex {
 
@@ -12,6 +13,8 @@ constexpr double kLargestThreshold = 0.99999;
 constexpr double kStrictThreshold =
     0.5;                             // beyond this a stricter pivot rule does not mend an inaccurate factor
 constexpr double kAccurate = 1e-10;  // residual of a random solve that a fresh factor must reach
+
+constexpr double kRememberedRaise = 0.01;  // smaller raises are not told
 
 double raised(double threshold) {
   return std::min(kLargestThreshold, threshold < 0.1 ? 0.1 : threshold + 0.1);
@@ -178,6 +181,17 @@ void Core::exchange(int q, int p, int leaving_move) {
 }
 
 FactorState Core::refactor() {
+  const double before = threshold;
+  const FactorState state = factor_basis();
+  if (threshold > before + kRememberedRaise && counters.iterations > 0 && observer != nullptr) {
+    char line[64];
+    std::snprintf(line, sizeof line, "Markowitz threshold set to %g\n", threshold);
+    say(line);
+  }
+  return state;
+}
+
+FactorState Core::factor_basis() {
   factor::Settings settings;
   settings.threshold = threshold;
   factor.set(settings);
@@ -196,15 +210,16 @@ FactorState Core::refactor() {
   if (repairs >= options.singular_limit) return FactorState::singular;
   ++repairs;
   threshold = raised(threshold);
+  say("Repairing basis singularity.\n");
   for (const factor::Exchange& e : factor.exchanges()) {
     const int out = e.removed;
+    if (observer != nullptr) observer->removed_by_singularity(*this, out);
     nonbasic[out] = 1;
     place_nonbasic(out, 0);
     if (out < n && !is_fixed(out)) rows.activate(out);
     const int in = n + e.row;
     nonbasic[in] = 0;
     move[in] = 0;
-    if (options.display > 0) control->log("Slack removed by singularity.\n");
   }
   return FactorState::repaired;
 }

@@ -19,6 +19,7 @@
 #include "lp/linalg/control.h"
 #include "lp/linalg/lp_data.h"
 #include "lp/linalg/sparse_vector.h"
+#include "lp/simplex/observer.h"
 #include "lp/simplex/row_copy.h"
 #include "lp/simplex/types.h"
 
@@ -77,6 +78,7 @@ class Core {
   bool has_factor = false;  // factor belongs to head
   Options options;
   Control* control;
+  Observer* observer = nullptr;  // may be null
   Counters counters;
   EngineRandom random;
   double primal_tolerance, dual_tolerance;  // in force, scaled space
@@ -110,6 +112,10 @@ class Core {
   void btran(SparseVector& v, Density& density);
   /* rho' A over active columns into alpha (dimension n). */
   void price(const SparseVector& rho, SparseVector& alpha);
+  /* Writes a line of the display level 1 where somebody listens. */
+  void say(const char* line) {
+    if (observer != nullptr) observer->text(line);
+  }
   /* alpha_q = column q of [A I] into v (cleared first). */
   void load_column(int q, SparseVector& v) const;
   void add_column(int q, double multiplier, SparseVector& v) const;
@@ -141,6 +147,7 @@ class Core {
   }
 
  private:
+  FactorState factor_basis();
   SparseVector buffer_;  // m: rebuild solves
   std::int64_t reported_work_ = 0;
 };

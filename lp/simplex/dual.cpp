@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 
 #include "lp/simplex/perturb.h"
 
@@ -25,7 +26,7 @@ double bound_product(double d, double low, double high) {
 
 }  // namespace
 
-Dual::Dual(Core& core, Observer* observer) : core_(core), observer_(observer) {
+Dual::Dual(Core& core) : core_(core) {
   leaving_.resize(core.m);
   entering_.resize(core);
   rho_.resize(core.m);
@@ -64,6 +65,20 @@ void Dual::drop_implied_bounds() {
   box_.found = 0;
 }
 
+/* Drops perturbation and shifts, says so, and recomputes the reduced costs. */
+void Dual::restore_costs() {
+  if (!core_.costs_perturbed && !core_.costs_shifted) return;
+  if (core_.costs_perturbed) {
+    core_.say("Removing perturbation.\n");
+  } else {
+    char line[48];
+    std::snprintf(line, sizeof line, "Removing shift (%d).\n", static_cast<int>(core_.counters.shifts));
+    core_.say(line);
+  }
+  core_.use_original_costs();
+  core_.compute_dual();
+}
+
 Outcome Dual::solve(const Settings& settings, std::int64_t iteration_budget) {
   iteration_end_ = core_.counters.iterations + iteration_budget;
   trouble_count_ = 0;
@@ -79,6 +94,7 @@ Outcome Dual::solve(const Settings& settings, std::int64_t iteration_budget) {
     if (logical || !settings.exact_norms) {
       norms_.reset(core_.m);
     } else {
+      core_.say("Initializing dual full norms . . .\n");
       norms_.compute(core_, rho_);
     }
   }
@@ -89,7 +105,11 @@ Outcome Dual::solve(const Settings& settings, std::int64_t iteration_budget) {
     drop_implied_bounds();
   }
   perturb_scale_ = core_.options.perturb_magnitude / kUsualMagnitude;
-  if (settings.perturb) perturb_costs(core_, perturb_scale_);
+  if (core_.observer != nullptr && core_.counters.iterations == 0) core_.observer->pricing(true, false);
+  if (settings.perturb) {
+    perturb_costs(core_, perturb_scale_);
+    core_.say("Perturbation started.\n");
+  }
   core_.compute_dual();
   clear_phase1_bounds();  // boxed variables to their dual feasible bounds
   for (int round = 0; round < kRounds; ++round) {
@@ -102,8 +122,7 @@ Outcome Dual::solve(const Settings& settings, std::int64_t iteration_budget) {
       if (end == PhaseEnd::trouble) return Outcome::trouble;
       if (core_.dual_infeasibility().count > 0) {
         if (!core_.costs_perturbed && !core_.costs_shifted) return Outcome::infeasible_or_unbounded;
-        core_.use_original_costs();
-        core_.compute_dual();
+        restore_costs();
         clear_phase1_bounds();
         continue;
       }
@@ -113,10 +132,7 @@ Outcome Dual::solve(const Settings& settings, std::int64_t iteration_budget) {
     if (end == PhaseEnd::trouble) return Outcome::trouble;
     if (end == PhaseEnd::unbounded) return Outcome::infeasible;
     if (end == PhaseEnd::optimal) {
-      if (core_.costs_perturbed || core_.costs_shifted) {
-        core_.use_original_costs();
-        core_.compute_dual();
-      }
+      restore_costs();
       if (box_.found > 0) {
         // No feasible point stands at an implied bound, but rounding may leave a column there.
         drop_implied_bounds();
@@ -459,13 +475,13 @@ void Dual::update_values(int p, double step) {
 
 void Dual::report(int entering, int leaving, bool to_upper) {
   (void)to_upper;
-  if (observer_ == nullptr) return;
+  if (core_.observer == nullptr) return;
   IterationEvent event;
   event.phase1 = phase1_;
   event.entering = entering;
   event.leaving = leaving;
   event.objective = objective_;
-  observer_->iteration(core_, event);
+  core_.observer->iteration(core_, event);
 }
 
 /* A long stall is answered by a stronger perturbation. */
@@ -481,6 +497,7 @@ void Dual::watch_progress() {
   last_progress_iteration_ = core_.counters.iterations;
   if (perturb_scale_ >= kStrongestPerturbation) return;
   perturb_scale_ *= 10;
+  core_.say(core_.costs_perturbed ? "Reperturbation started.\n" : "Perturbation started.\n");
   perturb_costs(core_, perturb_scale_);
   if (wanted_ == Rebuild::none) wanted_ = Rebuild::recompute;
 }
@@ -489,28 +506,30 @@ void Dual::watch_progress() {
  * it. */
 bool Dual::prove_infeasible(int p) {
   (void)p;
-  constexpr double kNegligible = 1e-9;
+  constexpr double kNegligible = 1e-9;  // share of the terms that make up an entry
   double least = 0;  // smallest and largest value of the row's activity over the bounds
   double largest = 0;
   double scale = 0;
-  const auto add = [&](int j, double z) {
-    if (std::fabs(z) <= kNegligible) {
-      const double low = core_.lower[j];
-      const double high = core_.upper[j];
-      if (low == -kInf || high == kInf) return;
-    }
-    const double a = bound_product(z, core_.lower[j], core_.upper[j]);
-    const double b = bound_product(-z, core_.lower[j], core_.upper[j]);
-    least += a;
-    largest -= b;
+  const auto add = [&](int j, double z, double terms) {
+    if (std::fabs(z) <= kNegligible * terms && (core_.lower[j] == -kInf || core_.upper[j] == kInf)) return;
+    least += bound_product(z, core_.lower[j], core_.upper[j]);
+    largest -= bound_product(-z, core_.lower[j], core_.upper[j]);
     scale = std::max(scale, std::fabs(z));
   };
+  double longest = 0;
+  for (double r : rho_.array) longest = std::max(longest, std::fabs(r));
   for (int i = 0; i < core_.m; ++i) {
-    if (rho_.array[i] != 0) add(core_.n + i, rho_.array[i]);
+    if (rho_.array[i] != 0) add(core_.n + i, rho_.array[i], longest);
   }
   for (int j = 0; j < core_.n; ++j) {
-    const double z = core_.column_dot(j, rho_.array);
-    if (z != 0) add(j, z);
+    double z = 0;
+    double terms = 0;
+    for (int k = core_.lp.matrix.start[j]; k < core_.lp.matrix.start[j + 1]; ++k) {
+      const double term = core_.lp.matrix.value[k] * rho_.array[core_.lp.matrix.index[k]];
+      z += term;
+      terms += std::fabs(term);
+    }
+    if (z != 0) add(j, z, terms);
   }
   core_.charge(static_cast<std::int64_t>(core_.lp.matrix.index.size()));
   const double needed = core_.primal_tolerance * std::max(scale, 1e-12);

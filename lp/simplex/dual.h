@@ -24,7 +24,7 @@ namespace tovik::lp::simplex {
 
 class Dual {
  public:
-  explicit Dual(Core& core, Observer* observer = nullptr);
+  explicit Dual(Core& core);
 
   struct Settings {
     bool perturb = true;
@@ -35,7 +35,6 @@ class Dual {
   Outcome solve(const Settings& settings, std::int64_t iteration_budget);
 
   DualNorms& norms() { return norms_; }
-  void set_observer(Observer* observer) { observer_ = observer; }
   /* When the outcome is infeasible: the row y of B^-1 (by row, scaled space) whose combination of rows cannot
    * be met. */
   const std::vector<double>& farkas() const { return farkas_; }
@@ -64,10 +63,10 @@ class Dual {
   bool prove_infeasible(int p);
   double dual_objective() const;
   void watch_progress();
+  void restore_costs();
   void report(int entering, int leaving, bool to_upper);
 
   Core& core_;
-  Observer* observer_;
   DualNorms norms_;
   DualLeaving leaving_;
   DualEntering entering_;

@@ -15,6 +15,7 @@ constexpr double kSharpenShare = 0.05;
 constexpr int kFalls = 40;                   // returns from the second phase to the first before giving up
 constexpr std::int64_t kStuckLeast = 20000;  // iterations without measured progress before giving up
 constexpr std::int64_t kStuckShare = 3;      // ... or this many times the variables
+constexpr int kJudgePricing = 300;           // iterations before the cost of the pricing is judged
 constexpr double kResidual = 1e-9;  // relative residual of the basic values that asks for a better factor
 constexpr double kHighestThreshold = 0.9;
 
@@ -23,7 +24,7 @@ double next_threshold(double threshold) {
 }
 }  // namespace
 
-Primal::Primal(Core& core, Observer* observer) : core_(core), observer_(observer) {
+Primal::Primal(Core& core) : core_(core) {
   column_.resize(core.m);
   rho_.resize(core.m);
   mu_.resize(core.m);
@@ -48,6 +49,7 @@ Outcome Primal::solve(std::int64_t iteration_budget) {
   sharp_ = false;
   sharpen_end_ = 0;
   start_ = marked_at_ = core_.counters.iterations;
+  start_work_ = core_.total_work();
   marked_phase1_ = true;
   marked_value_ = kInf;
   falls_ = 0;
@@ -60,9 +62,10 @@ Outcome Primal::solve(std::int64_t iteration_budget) {
   wanted_ = Rebuild::none;
   bounds_.restore(core_);
   core_.use_original_costs();
-  pricing_.start(core_);
   work_set_.start(core_);
-  if (observer_ != nullptr) observer_->pricing(pricing_.kind() == PrimalPricing::Kind::steepest_edge, false);
+  pricing_.start(core_, work_set_.on());
+  if (core_.observer != nullptr)
+    core_.observer->pricing(pricing_.kind() == PrimalPricing::Kind::steepest_edge, false);
   if (core_.options.perturb_always) perturb_scale_ = 1;
   return finish(run());
 }
@@ -204,6 +207,11 @@ bool Primal::rebuild() {
   if (work_set_.on()) {
     work_set_.reselect(core_, attraction_);
     pricing_.limit_to(work_set_.universe());
+  }
+  if (core_.counters.iterations - start_ >= kJudgePricing &&
+      pricing_.too_costly(core_.total_work() - start_work_)) {
+    pricing_.switch_to_devex(core_);
+    if (core_.observer != nullptr) core_.observer->pricing(false, true);
   }
   pricing_.refresh(core_, attraction_);
   if (!phase1_) objective_ = core_.objective();

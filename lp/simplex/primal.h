@@ -26,10 +26,9 @@ namespace tovik::lp::simplex {
 
 class Primal {
  public:
-  explicit Primal(Core& core, Observer* observer = nullptr);
+  explicit Primal(Core& core);
 
   Outcome solve(std::int64_t iteration_budget);
-  void set_observer(Observer* observer) { observer_ = observer; }
 
   /* After unbounded: x_B - direction * ray_column * t, x_q + direction * t improves for ever. */
   const SparseVector& ray_column() const { return column_; }
@@ -70,7 +69,6 @@ class Primal {
   double residual() const;
 
   Core& core_;
-  Observer* observer_;
   PrimalPricing pricing_;
   PrimalRatio ratio_;
   PrimalBounds bounds_;
@@ -94,7 +92,8 @@ class Primal {
   double attraction_ = 0;  // tolerance of attractive reduced costs in force
   bool sharp_ = false;     // the optimum has been sharpened, or that took too long
   std::int64_t sharpen_end_ = 0;
-  std::int64_t start_ = 0;  // iterations at the start of the solve
+  std::int64_t start_work_ = 0;  // ticks at the start of the solve
+  std::int64_t start_ = 0;       // iterations at the start of the solve
   std::int64_t iteration_end_ = 0;
   int trouble_count_ = 0;
   int restores_ = 0;       // times the bounds have been put back in this solve

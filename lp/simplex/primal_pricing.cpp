@@ -14,12 +14,20 @@ constexpr double kListShare = 0.01;    // ... or this share of the attractive on
 constexpr double kListLoose = 0.95;    // the best of the list stands while above this share of the cut-off
 constexpr double kTie = 1 - 1e-12;     // merits this close to the cut-off equal it
 constexpr double kListLongest = 0.2;   // share of all variables at which the list is made anew
+
+bool is_logical(const Core& core) {
+  return std::all_of(core.head.begin(), core.head.end(), [&](int j) { return j >= core.n; });
+}
 }  // namespace
 
-void PrimalPricing::start(Core& core) {
+void PrimalPricing::start(Core& core, bool partial) {
   const auto size = static_cast<size_t>(core.total);
+  automatic_ = core.options.primal_pricing == Pricing::automatic;
+  edge_work_ = 0;
   switch (core.options.primal_pricing) {
     case Pricing::automatic:
+      kind_ = partial || !is_logical(core) ? Kind::devex : Kind::steepest_edge;
+      break;
     case Pricing::devex:
       kind_ = Kind::devex;
       break;
@@ -39,7 +47,8 @@ void PrimalPricing::start(Core& core) {
   universe_.clear();
   listed_ = false;
   reset(core);
-  if (core.options.primal_pricing == Pricing::steepest_edge) compute_norms(core);
+  if (kind_ == Kind::steepest_edge && core.options.primal_pricing != Pricing::steepest_edge_unit)
+    compute_norms(core);
 }
 
 void PrimalPricing::reset(const Core& core) {
@@ -50,7 +59,7 @@ void PrimalPricing::reset(const Core& core) {
 }
 
 void PrimalPricing::compute_norms(Core& core) {
-  const bool logical = std::all_of(core.head.begin(), core.head.end(), [&](int j) { return j >= core.n; });
+  const bool logical = is_logical(core);
   SparseVector column;
   column.resize(core.m);
   for (int j = 0; j < core.total; ++j) {
@@ -199,6 +208,7 @@ void PrimalPricing::update_weights(Core& core, const Pivot& pivot, const SparseV
       weight_[j] = std::max(weight_[j] + ratio * (ratio * exact - 2 * product), 1.0 + ratio * ratio);
     }
     core.charge(work);
+    charge_edges(work);
     weight_[pivot.leaving] = std::max(1.0 + inverse * inverse, exact * inverse * inverse);
     return;
   }

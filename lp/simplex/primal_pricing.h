@@ -39,10 +39,24 @@ class PrimalPricing {
  public:
   enum class Kind { devex, steepest_edge, dantzig };
 
-  /* Chooses the kind by the options and sets the starting weights; exact norms cost a solve for every column.
+  /* Chooses the kind by the options and sets the starting weights. Automatic: steepest edge where exact norms
+   * are free (a basis of logicals) and all columns are priced, devex otherwise. Elsewhere exact norms cost a
+   * solve for every column.
    */
-  void start(Core& core);
+  void start(Core& core, bool partial);
   Kind kind() const { return kind_; }
+  /* Automatic pricing: whether steepest edge has cost more work than its fewer iterations can save, given all
+   * work since start(). */
+  bool too_costly(std::int64_t all_work) const {
+    return automatic_ && kind_ == Kind::steepest_edge &&
+           static_cast<double>(edge_work_) > kCostly * static_cast<double>(all_work);
+  }
+  void switch_to_devex(const Core& core) {
+    kind_ = Kind::devex;
+    reset(core);
+  }
+  /* Adds work done for steepest edge only. */
+  void charge_edges(std::int64_t ticks) { edge_work_ += ticks; }
   /* Unit weights; for devex with the present nonbasics as reference framework. */
   void reset(const Core& core);
 
@@ -92,7 +106,10 @@ class PrimalPricing {
   void make_list(Core& core);
   void compute_norms(Core& core);
 
+  static constexpr double kCostly = 0.4;  // share of all work
   Kind kind_ = Kind::devex;
+  bool automatic_ = false;
+  std::int64_t edge_work_ = 0;
   double tolerance_ = 0;
   std::vector<double> weight_, merit_;
   std::vector<char> reference_, taboo_, in_list_;

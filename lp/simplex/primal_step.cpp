@@ -173,7 +173,9 @@ void Primal::apply(PrimalPick pick) {
   const double gain = std::fabs(d) * pick.step;
   if (pricing_.kind() == PrimalPricing::Kind::steepest_edge) {
     mu_.copy(column_);
+    const std::int64_t before = core_.factor.work();
     core_.btran(mu_, core_.dse_density);
+    pricing_.charge_edges(core_.factor.work() - before);
   }
   pricing_.update_weights(core_, {q, out, pick.alpha}, column_, mu_, row_index_, row_alpha_);
   update_values(pick.step, p);
@@ -270,7 +272,7 @@ void Primal::after_step(double gain, int leaving, bool to_upper) {
   } else {
     ++counters.primal_phase2;
   }
-  if (observer_ != nullptr) {
+  if (core_.observer != nullptr) {
     IterationEvent event;
     event.phase1 = phase1_;
     event.dual = false;
@@ -278,7 +280,7 @@ void Primal::after_step(double gain, int leaving, bool to_upper) {
     event.leaving = leaving;
     event.entering_to_upper = to_upper;
     event.objective = objective_;
-    observer_->iteration(core_, event);
+    core_.observer->iteration(core_, event);
   }
   watch_degeneracy(gain);
   if (phase1_ && infeasible_ == 0 && wanted_ == Rebuild::none) wanted_ = Rebuild::recompute;

@@ -59,6 +59,48 @@ std::vector<double> product(const LpData& lp, const std::vector<double>& x) {
   return activity;
 }
 
+/* By how much y proves that no x within its bounds meets the rows: the least value that the rows demand of
+ * y'Ax less the largest that the box allows. 0 when it is no proof beyond rounding. Multipliers of rounding
+ * size that would need an infinite bound are set to zero. */
+double farkas_gap(const LpData& lp, std::vector<double>& y) {
+  constexpr double kNegligible = 1e-9;  // share of the largest multiplier, or of the terms of a sum
+  CompensatedSum gap;
+  double magnitude = 1;
+  const auto add = [&](double w, double bound) {
+    gap.add_product(w, bound);
+    magnitude = std::max(magnitude, std::fabs(w * bound));
+  };
+  for (int i = 0; i < lp.num_rows(); ++i) {
+    if (y[i] == 0) continue;
+    const double bound = y[i] > 0 ? lp.row_lower[i] : lp.row_upper[i];
+    if (!std::isinf(bound)) {
+      add(y[i], bound);
+    } else if (std::fabs(y[i]) <= kNegligible) {
+      y[i] = 0;
+    } else {
+      return 0;
+    }
+  }
+  for (int j = 0; j < lp.num_columns(); ++j) {
+    CompensatedSum sum;
+    double terms = 0;
+    for (int k = lp.matrix.start[j]; k < lp.matrix.start[j + 1]; ++k) {
+      const double factor = y[lp.matrix.index[k]];
+      sum.add_product(lp.matrix.value[k], factor);
+      terms += std::fabs(lp.matrix.value[k] * factor);
+    }
+    const double z = sum.value();
+    if (z == 0) continue;
+    const double bound = z > 0 ? lp.upper[j] : lp.lower[j];
+    if (!std::isinf(bound)) {
+      add(-z, bound);
+    } else if (std::fabs(z) > kNegligible * terms) {
+      return 0;
+    }
+  }
+  return gap.value() > kNegligible * magnitude ? gap.value() : 0;
+}
+
 /* Wrong-signed part of a reduced cost, given where the variable stands in a minimization. */
 double dual_violation(double d, At status, double low, double high) {
   if (low == high || status == At::basic) return status == At::basic ? std::fabs(d) : 0.0;
@@ -99,9 +141,10 @@ Violation measure_violation(const LpData& lp, const Answer& answer) {
 }
 
 Solver::Solver(const LpData& lp, const Options& options, Control& control, Observer* observer)
-    : lp_(lp), scaling_(compute_scaling(lp.matrix, options.scaling)), options_(options), observer_(observer) {
+    : lp_(lp), scaling_(compute_scaling(lp.matrix, options.scaling)), options_(options) {
   core_ = std::make_unique<Core>(scale_lp(lp_, scaling_), options_, control);
-  dual_ = std::make_unique<Dual>(*core_, observer_);
+  core_->observer = observer;
+  dual_ = std::make_unique<Dual>(*core_);
   primal_ = std::make_unique<Primal>(*core_);
   core_->scaled = scaling_.active();
   core_->set_logical_basis();
@@ -111,14 +154,12 @@ Solver::~Solver() = default;
 
 void Solver::set_control(Control& control, Observer* observer) {
   core_->control = &control;
-  observer_ = observer;
-  dual_->set_observer(observer);
+  core_->observer = observer;
 }
 
 void Solver::detach() {
   core_->control = nullptr;
-  observer_ = nullptr;
-  dual_->set_observer(nullptr);
+  core_->observer = nullptr;
 }
 
 void Solver::set_objective_limits(double lower, double upper) {
@@ -212,7 +253,11 @@ bool Solver::bounds_cross() {
   for (int j = 0; j < core.total; ++j) {
     if (core.lower[j] <= core.upper[j]) continue;
     const double scale = j < core.n ? column_scale(j) : 1.0 / row_scale(j - core.n);
-    if (!((core.lower[j] - core.upper[j]) * scale <= options_.primal_tolerance)) return true;
+    const double gap = (core.lower[j] - core.upper[j]) * scale;
+    if (!(gap <= options_.primal_tolerance)) {
+      answer_.farkas_gap = gap;
+      return true;
+    }
     core.lower[j] = core.upper[j];
     if (j < core.n && core.nonbasic[j]) core.rows.deactivate(j);
   }
@@ -285,7 +330,7 @@ Outcome Solver::run_dual() {
     }
     core_->threshold = std::min(0.9, core_->threshold < 0.1 ? 0.1 : core_->threshold + 0.2);
   }
-  return last;
+  return last == Outcome::singular ? last : Outcome::trouble;  // no claim that was not verified
 }
 
 Outcome Solver::run_primal() {
@@ -311,7 +356,7 @@ Outcome Solver::run_primal() {
       return last;
     }
   }
-  return last;
+  return last == Outcome::singular ? last : Outcome::trouble;
 }
 
 void Solver::extract() {
@@ -375,40 +420,17 @@ bool Solver::verify_infeasible(const std::vector<double>& scaled_row) {
     v /= largest;
     if (std::fabs(v) < 1e-13) v = 0;
   }
-  const std::vector<double> z = transpose_product(lp_, y);
-  CompensatedSum low, high;  // of y'(row activity by its bounds) - z'x over the box
-  bool low_finite = true, high_finite = true;
-  double magnitude = 0;
-  const auto add = [&](double w, double lower, double upper) {
-    if (w == 0) return;
-    const double a = w > 0 ? lower : upper;
-    const double b = w > 0 ? upper : lower;
-    const bool negligible = std::fabs(w) <= 1e-9;
-    if (std::isinf(a)) {
-      if (!negligible) low_finite = false;
-    } else {
-      low.add_product(w, a);
-      magnitude = std::max(magnitude, std::fabs(w * a));
-    }
-    if (std::isinf(b)) {
-      if (!negligible) high_finite = false;
-    } else {
-      high.add_product(w, b);
-      magnitude = std::max(magnitude, std::fabs(w * b));
-    }
-  };
-  for (int i = 0; i < core_->m; ++i) add(y[i], lp_.row_lower[i], lp_.row_upper[i]);
-  for (int j = 0; j < core_->n; ++j) add(-z[j], lp_.lower[j], lp_.upper[j]);
-  const double needed = 1e-9 * std::max(1.0, magnitude);
-  const bool above = low_finite && low.value() > needed;
-  const bool below = high_finite && high.value() < -needed;
-  if (!above && !below) return false;
-  answer_.farkas = y;
-  answer_.farkas_gap = above ? low.value() : -high.value();
-  if (below) {
-    for (double& v : answer_.farkas) v = -v;
+  // The combination of the rows may lie below or above what the box allows.
+  for (const double side : {1.0, -1.0}) {
+    std::vector<double> candidate = y;
+    for (double& v : candidate) v *= side;
+    const double gap = farkas_gap(lp_, candidate);
+    if (!(gap > 0)) continue;
+    answer_.farkas = std::move(candidate);
+    answer_.farkas_gap = gap;
+    return true;
   }
-  return true;
+  return false;
 }
 
 /* The direction in the user's space must keep A x within the rows' infinite sides, respect the columns' and

@@ -100,7 +100,6 @@ class Solver {
   std::unique_ptr<Core> core_;
   std::unique_ptr<Dual> dual_;
   std::unique_ptr<Primal> primal_;
-  Observer* observer_;
   bool has_basis_ = false;
   bool keep_norms_ = false;
   Answer answer_;
