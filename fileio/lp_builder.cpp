@@ -53,8 +53,8 @@ Builder::Builder(const ReadOptions& options, Messages& messages) : messages_(mes
   term_value_.reserve(hint(options.expected_nonzeros));
 }
 
-int Builder::column(std::string_view name) {
-  const NameTable::Interned entry = columns_.intern(name);
+int Builder::column(std::string_view name, const NameTable::Key& key) {
+  const NameTable::Interned entry = columns_.intern(name, key);
   if (!entry.added) return entry.id;
   if (entry.id >= kMaxEntries) {
     messages_.fail(ReadFailure::plain(TVK_ERROR_TOO_MANY_COLUMNS));

@@ -41,7 +41,15 @@ class Builder {
  public:
   Builder(const ReadOptions& options, Messages& messages);
 
-  int column(std::string_view name);  // created when new; -1 after a failure
+  /* The column of a name, created when new; -1 after a failure. The key may be made and fetched before. */
+  int column(std::string_view name) { return column(name, NameTable::key_of(name)); }
+  int column(std::string_view name, const NameTable::Key& key);
+  void fetch_row(std::string_view name) const { taken_[0].fetch(NameTable::key_of(name)); }
+  NameTable::Key fetch_column(std::string_view name) const {
+    const NameTable::Key key = NameTable::key_of(name);
+    columns_.fetch(key);
+    return key;
+  }
   int find_column(std::string_view name) const { return columns_.find(name); }
 
   void set_objective_sense(int sense) { model_.objective_sense = sense; }

@@ -11,13 +11,35 @@ ExpressionReader::Stop ExpressionReader::read(const Rules& rules, Expression& ex
   labelled_ = false;
   dangling_ = false;
   stop_ = Stop::ended;
+  pending_.clear();
+  const Stop reason = read_terms();
+  return !messages_.failed() && look_up_names() ? reason : Stop::failed;
+}
+
+ExpressionReader::Stop ExpressionReader::read_terms() {
   bool first = true;
-  while (scanner_.more()) {
+  while (more()) {
     const bool had_label = labelled_;
-    if (read_next(first) == Step::stop) return messages_.failed() ? Stop::failed : stop_;
+    if (read_next(first) == Step::stop) return stop_;
     first = labelled_ != had_label;
   }
-  return messages_.failed() ? Stop::failed : Stop::ended;
+  return Stop::ended;
+}
+
+bool ExpressionReader::more() {
+  if (is(scanner_.peek_on_line(), kLineEnd) && !look_up_names()) return false;
+  return scanner_.more();
+}
+
+/* The last columns of the expression are placeholders for the pending names. */
+bool ExpressionReader::look_up_names() {
+  int* column = expression_->columns.data() + expression_->columns.size() - pending_.size();
+  for (const PendingName& pending : pending_) {
+    *column = builder_.column(pending.name, pending.key);
+    if (*column++ < 0) return false;
+  }
+  pending_.clear();
+  return true;
 }
 
 ExpressionReader::Step ExpressionReader::ended_inside() {
@@ -62,7 +84,7 @@ ExpressionReader::Step ExpressionReader::read_sign(Term& term, bool bracket_allo
   term.has_sign = true;
   term.factor = scanner_.peek() == '-' ? -1 : 1;
   scanner_.step();
-  if (!scanner_.more()) return ended_inside();
+  if (!more()) return ended_inside();
   const char c = scanner_.peek();
   if (is(c, kSign)) return fail(ReadFailure::at(TVK_ERROR_LINES_ADJACENT_SIGNS, line, scanner_.line()));
   if (is(c, kSense))
@@ -80,15 +102,15 @@ ExpressionReader::Step ExpressionReader::read_coefficient(Term& term, bool first
   term.factor *= number;
   term.has_number = true;
   const bool constant_allowed = rules_.place == Place::objective;
-  const bool more = scanner_.more();
-  if (more && is(scanner_.peek(), kNameStart)) return Step::go_on;
+  const bool goes_on = more();
+  if (goes_on && is(scanner_.peek(), kNameStart)) return Step::go_on;
   if (messages_.failed()) return stop(Stop::failed);
   const char c = scanner_.peek();
-  if (constant_allowed && (!more || is(c, kSign))) {
+  if (constant_allowed && (!goes_on || is(c, kSign))) {
     expression_->constant += term.factor;
     return Step::go_on;
   }
-  if (!more) return ended_inside();
+  if (!goes_on) return ended_inside();
   if (is(c, kSense) && first && rules_.number_allowed && !constant_allowed) {
     left_value_ = term.factor;
     return stop(Stop::at_number);
@@ -118,6 +140,7 @@ ExpressionReader::Step ExpressionReader::read_variable(const Term& term, bool fi
   if (bare && rules_.label_allowed && !labelled_ && next == ':') {
     scanner_.step();
     label_ = name;
+    builder_.fetch_row(name);
     labelled_ = true;
     return Step::go_on;
   }
@@ -126,12 +149,11 @@ ExpressionReader::Step ExpressionReader::read_variable(const Term& term, bool fi
     left_value_ = term.factor * kInfinity;
     return stop(Stop::at_number);
   }
-  const int column = builder_.column(name);
-  if (column < 0) return stop(Stop::failed);
   if (is(next, kQuadratic) && rules_.place != Place::objective) {
     return fail(ReadFailure::at(TVK_ERROR_LINE_QUADRATIC_IN_CONSTRAINT, scanner_.line()));
   }
-  expression_->columns.push_back(column);
+  pending_.push_back({builder_.fetch_column(name), name});
+  expression_->columns.push_back(NameTable::kNone);
   expression_->values.push_back(term.factor);
   return Step::go_on;
 }
@@ -150,10 +172,11 @@ ExpressionReader::Step ExpressionReader::read_column(int& column) {
 /* A whole bracket. In the objective its terms are halved by the divisor behind it. */
 ExpressionReader::Step ExpressionReader::read_quadratic(double factor) {
   scanner_.step();
+  if (!look_up_names()) return stop(Stop::failed);  // columns come in the order of the file
   const std::size_t begin = expression_->quadratic.size();
   bool closed = false;
   for (bool first = true; !closed; first = false) {
-    if (!scanner_.more()) return ended_inside();
+    if (!more()) return ended_inside();
     if (read_quadratic_term(first, closed) == Step::stop) return Step::stop;
   }
   double scale = factor;
@@ -178,11 +201,11 @@ ExpressionReader::Step ExpressionReader::read_quadratic_term(bool first, bool& c
     double number = 0;
     if (!scanner_.read_number(number)) return stop(Stop::failed);
     term.factor *= number;
-    if (!scanner_.more()) return ended_inside();
+    if (!more()) return ended_inside();
   }
   int column = -1, other = -1;
   if (read_column(column) == Step::stop) return Step::stop;
-  if (!scanner_.more()) return ended_inside();
+  if (!more()) return ended_inside();
   if (read_power(other, column) == Step::stop) return Step::stop;
   if (static_cast<std::int64_t>(expression_->quadratic.size()) >= kMaxEntries) {
     return fail(ReadFailure::plain(TVK_ERROR_TOO_MANY_COEFFICIENTS));
@@ -198,7 +221,7 @@ ExpressionReader::Step ExpressionReader::read_power(int& other, int column) {
     return fail(ReadFailure::at(TVK_ERROR_LINE_EXPECTED_POWER_OR_PRODUCT, scanner_.line()));
   }
   scanner_.step();
-  if (!scanner_.more()) return ended_inside();
+  if (!more()) return ended_inside();
   if (c == '*') return read_column(other);
   if (!is(scanner_.peek(), kNumberStart)) {
     return fail(ReadFailure::at(TVK_ERROR_LINE_EXPECTED_EXPONENT, scanner_.line()));
@@ -213,14 +236,14 @@ ExpressionReader::Step ExpressionReader::read_power(int& other, int column) {
 /* "/ 2" behind the objective's bracket. Without it the bracket counts in full. */
 ExpressionReader::Step ExpressionReader::read_divisor(double& scale) {
   const int line = scanner_.line();
-  if (!scanner_.more() || scanner_.peek() != '/') {
+  if (!more() || scanner_.peek() != '/') {
     if (messages_.failed()) return stop(Stop::failed);
     messages_.log().warn("Warning, line %d: Deprecated format, expecting '] / 2'.\n", line);
     return Step::go_on;
   }
   scanner_.step();
   double divisor = 0;
-  if (scanner_.more() && is(scanner_.peek(), kNumberStart) && !scanner_.read_number(divisor)) {
+  if (more() && is(scanner_.peek(), kNumberStart) && !scanner_.read_number(divisor)) {
     return stop(Stop::failed);
   }
   if (messages_.failed()) return stop(Stop::failed);
@@ -232,7 +255,7 @@ ExpressionReader::Step ExpressionReader::read_divisor(double& scale) {
 ExpressionReader::Stop ExpressionReader::read_right_side(double& value) {
   const auto result = [this](Step step) { return step == Step::go_on ? Stop::at_sense : stop_; };
   const auto failed = [this, &result](ReadFailure failure) { return result(fail(std::move(failure))); };
-  if (!scanner_.more()) return messages_.failed() ? Stop::failed : Stop::ended;
+  if (!more()) return messages_.failed() ? Stop::failed : Stop::ended;
   Term term;
   if (is(scanner_.peek(), kSense))
     return failed(ReadFailure::at(TVK_ERROR_LINE_EXPECTED_RHS, scanner_.line()));

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "fileio/lp_builder.h"
 #include "fileio/lp_scanner.h"
@@ -62,6 +64,10 @@ class ExpressionReader {
     messages_.fail(std::move(failure));
     return stop(Stop::failed);
   }
+  /* Scanner::more(), and first the names of the line that it may leave. */
+  bool more();
+  bool look_up_names();
+  Stop read_terms();
   Step ended_inside();
   Step read_next(bool first);
   Step read_sign(Term& term, bool bracket_allowed);
@@ -78,6 +84,13 @@ class ExpressionReader {
   Messages& messages_;
   Rules rules_;
   Expression* expression_ = nullptr;
+  /* Names of this line's last terms, whose columns are not yet looked up: one after another is several times
+   * slower. */
+  struct PendingName {
+    NameTable::Key key;
+    std::string_view name;
+  };
+  std::vector<PendingName> pending_;
   std::string label_;
   double left_value_ = 0;
   bool dangling_ = false;

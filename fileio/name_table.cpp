@@ -71,8 +71,7 @@ int NameTable::find(std::string_view wanted) const {
   return slots_[slot_of(wanted, key_of(wanted))].id;
 }
 
-NameTable::Interned NameTable::intern(std::string_view wanted) {
-  const Key key = key_of(wanted);
+NameTable::Interned NameTable::intern(std::string_view wanted, const Key& key) {
   std::size_t i = slot_of(wanted, key);
   const bool added = slots_[i].id == kNone;
   if (added) {
@@ -107,7 +106,6 @@ std::vector<int> NameTable::index_appended() {
   std::vector<int> repeats;
   reserve(size());
   std::array<Key, kAhead> keys{};
-  const std::size_t mask = slots_.size() - 1;
   const int end = size();
   for (int ahead = indexed_; ahead < end + kAhead; ++ahead) {
     const int id = ahead - kAhead;
@@ -122,7 +120,7 @@ std::vector<int> NameTable::index_appended() {
     }
     if (ahead >= end) continue;
     key = key_of(name(ahead));
-    __builtin_prefetch(&slots_[key.hash / 2 & mask], 1);
+    fetch(key);
   }
   indexed_ = end;
   return repeats;

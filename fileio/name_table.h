@@ -24,12 +24,21 @@ class NameTable {
   }
   const char* c_str(int id) const { return text_.data() + begin_[static_cast<std::size_t>(id)]; }
   int find(std::string_view name) const;  // kNone when absent
+  /* What the index sees of a name. Whoever has several names to look up makes their keys and calls fetch()
+   * for each first: the lookups then find their places in the cache. */
+  struct Key {
+    std::uint64_t word;  // the first eight bytes, zero behind the end
+    std::uint32_t hash;  // its lowest bit is set for names of up to eight bytes, which `word` holds whole
+  };
+  static Key key_of(std::string_view name);
+  void fetch(const Key& key) const { __builtin_prefetch(&slots_[key.hash / 2 & (slots_.size() - 1)], 1); }
   /* The id of the name and whether it is new. */
   struct Interned {
     int id;
     bool added;
   };
-  Interned intern(std::string_view name);
+  Interned intern(std::string_view name) { return intern(name, key_of(name)); }
+  Interned intern(std::string_view name, const Key& key);
   void reserve(int count);
   /* For long lists: append() adds a name without looking whether it is there, index_appended() then makes
    * all names appended so far known to find() and intern(), several times faster than one by one. It returns
@@ -41,16 +50,11 @@ class NameTable {
   model::NameBlock release();
 
  private:
-  struct Key {
-    std::uint64_t word;  // the first eight bytes, zero behind the end
-    std::uint32_t hash;  // its lowest bit is set for names of up to eight bytes, which `word` holds whole
-  };
   struct Slot {
     std::uint64_t word = 0;
     std::uint32_t hash = 0;
     std::int32_t id = kNone;
   };
-  static Key key_of(std::string_view name);
   bool holds(const Slot& slot, const Key& key, std::string_view name) const;
   std::size_t slot_of(std::string_view name, const Key& key) const;
   void grow(std::size_t slots);
