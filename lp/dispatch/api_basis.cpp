@@ -201,7 +201,7 @@ int TVKgetray(ConstEnvHandle env, ConstProbHandle lp, double* ray) {
 int TVKgetfarkas(ConstEnvHandle env, ConstProbHandle lp, double* y, double* proof_p) {
   return with_problem(env, lp, [&](Environment&, Problem& p) -> Status {
     if (y == nullptr && proof_p == nullptr) return Status(1004);
-    if (p.status != 3 || p.solution == nullptr || p.solution->farkas.empty()) return Status(1265);
+    if (p.status != 3 || p.solution == nullptr || !(p.solution->farkas_gap > 0)) return Status(1265);
     if (y != nullptr) copy_out(p.solution->farkas, y);
     if (proof_p != nullptr) *proof_p = p.solution->farkas_gap;
     return {};

@@ -1,5 +1,7 @@
 #include "lp/dispatch/basis_view.h"
 
+#include <algorithm>
+
 #include "lp/dispatch/engine_control.h"
 #include "model/model.h"
 
@@ -7,6 +9,12 @@ namespace tovik::lp::dispatch {
 
 Status BasisView::open(Environment& env, Problem& problem) {
   if (!problem.start.has_basis()) return Status(1262);
+  const auto basic = [](const std::vector<int>& status) {
+    return std::count(status.begin(), status.end(), 1);
+  };
+  if (basic(problem.start.column_status) + basic(problem.start.row_status) != problem.model->num_rows())
+    return Status(1256);
+  EngineGuard guard(problem);
   EngineControl control(env, problem, 1);
   live_ = &live_simplex(env, problem, control, nullptr);
   install_basis(problem, *live_);
@@ -14,13 +22,17 @@ Status BasisView::open(Environment& env, Problem& problem) {
   problem_ = &problem;
   core_->use_original_bounds();
   core_->use_original_costs();
-  const bool regular = live_->solver.ensure_factor();
+  core_->repairs = 0;
+  // A repaired basis is another one than the caller asked about.
+  const bool regular = live_->solver.ensure_factor() && core_->repairs == 0;
   if (regular) core_->compute_primal();
   live_->solver.detach();
   if (!regular) return Status(1256);
   position_.assign(static_cast<size_t>(core_->total), -1);
   for (int p = 0; p < core_->m; ++p) position_[core_->head[p]] = p;
   work_.resize(core_->m);
+  live_->start_is_mine = true;
+  guard.arrived();
   return {};
 }
 

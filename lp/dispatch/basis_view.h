@@ -33,11 +33,12 @@ class BasisView {
   /* out = row p of B^-1 A by column, given row p of B^-1. */
   void row_times_matrix(const std::vector<double>& row, std::vector<double>& out) const;
   std::vector<double> column(int j) const;  // of A, or e_i for j = n + i; dense by row
+  /* From the engine's units of a variable (n + i for slacks) to the user's. */
+  double scale(int variable) const;
   simplex::Solver& solver() { return live_->solver; }
   simplex::Core& core() { return *core_; }
 
  private:
-  double scale(int variable) const;
   LiveSimplex* live_ = nullptr;
   simplex::Core* core_ = nullptr;
   const Problem* problem_ = nullptr;

@@ -106,7 +106,8 @@ LiveSimplex& live_simplex(Environment& env, Problem& problem, Control& control, 
     return lp.num_columns() == problem.model->num_columns() && lp.num_rows() == problem.model->num_rows() &&
            static_cast<std::int64_t>(lp.matrix.index.size()) == problem.model->num_nonzeros();
   };
-  if (live != nullptr && (live->solver.options().scaling != options.scaling || !fits(live->solver.user_lp()))) {
+  if (live != nullptr &&
+      (live->solver.options().scaling != options.scaling || !fits(live->solver.user_lp()))) {
     problem.simplex.reset();
     live = nullptr;
   }

@@ -18,6 +18,23 @@ class LiveSimplex : public Derived {
   bool start_is_mine = false;  // problem.start holds the basis that the engine stands on
 };
 
+/* While an engine is on its way from one state to another a failure must not leave it in between: unless it
+ * is told that all went well, it takes the engine away, and the next call makes a new one from the model. */
+class EngineGuard {
+ public:
+  explicit EngineGuard(Problem& problem) : problem_(problem) {}
+  ~EngineGuard() {
+    if (!arrived_) problem_.simplex.reset();
+  }
+  EngineGuard(const EngineGuard&) = delete;
+  EngineGuard& operator=(const EngineGuard&) = delete;
+  void arrived() { arrived_ = true; }
+
+ private:
+  Problem& problem_;
+  bool arrived_ = false;
+};
+
 simplex::Options engine_options(const Environment& env);
 
 /* The engine of a problem, made or brought up to date with the model: never null. With `basis`, the starting

@@ -3,8 +3,8 @@
 #include <algorithm>
 
 #include "include/tovik.h"
-#include "lp/dispatch/engine_control.h"
-#include "lp/dispatch/live_simplex.h"
+#include "lp/dispatch/basis_view.h"
+#include "model/model.h"
 
 namespace tovik::lp::dispatch {
 namespace {
@@ -30,25 +30,17 @@ Status check_continuous(const Problem& problem) {
 }
 
 Status most_infeasible_basic(Environment& env, Problem& problem, int* index) {
-  if (!problem.start.has_basis()) return Status(1262);
-  EngineControl control(env, problem, 1);
-  LiveSimplex& live = live_simplex(env, problem, control, nullptr);
-  install_start(env, problem, live);
-  simplex::Core& core = live.solver.core();
-  core.use_original_bounds();
-  const bool regular = live.solver.ensure_factor();
-  if (regular) core.compute_primal();
-  live.solver.detach();
-  if (!regular) return Status(1256);
+  BasisView view;
+  if (const Status status = view.open(env, problem); !status.ok()) return status;
+  const simplex::Core& core = view.core();
   double worst = env.settings.real(TVK_PARAM_EPRHS);
   *index = kNone;
   for (int p = 0; p < core.m; ++p) {
-    const int j = core.head[p];
-    const double scale = j < core.n ? live.solver.column_scale(j) : 1.0 / live.solver.row_scale(j - core.n);
-    const double violation = std::max(core.x_lower[p] - core.x[p], core.x[p] - core.x_upper[p]) * scale;
+    const double violation =
+        std::max(core.x_lower[p] - core.x[p], core.x[p] - core.x_upper[p]) * view.scale(core.head[p]);
     if (violation > worst) {
       worst = violation;
-      *index = j;
+      *index = core.head[p];
     }
   }
   return {};

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <vector>
 
 #include "include/tovik.h"
@@ -14,6 +15,7 @@ namespace tovik::lp::dispatch {
 namespace {
 
 constexpr double kWorst = 1e75;
+constexpr std::int64_t kNoLimit = std::int64_t{1} << 60;
 constexpr double kPivotShare = 0.1;  // pivots below this share of the column's largest are not taken
 
 /* Largest entry of the column whose basic variable may leave; -1 when none is large enough. */
@@ -77,6 +79,7 @@ Status pivot_in(Environment& env, Problem& problem, const int* rows, int count) 
   BasisView view;
   if (const Status status = view.open(env, problem); !status.ok()) return status;
   simplex::Core& core = view.core();
+  EngineGuard guard(problem);
   EngineControl control(env, problem, 1);
   core.control = &control;
   SparseVector column, row;
@@ -95,6 +98,7 @@ Status pivot_in(Environment& env, Problem& problem, const int* rows, int count) 
   }
   adopt(env, problem, view);
   view.solver().detach();
+  guard.arrived();
   return {};
 }
 
@@ -108,6 +112,7 @@ Status pivot_out(Environment& env, Problem& problem, const int* columns, int cou
   BasisView view;
   if (const Status status = view.open(env, problem); !status.ok()) return status;
   simplex::Core& core = view.core();
+  EngineGuard guard(problem);
   EngineControl control(env, problem, 1);
   core.control = &control;
   SparseVector column, row, alpha;
@@ -145,6 +150,7 @@ Status pivot_out(Environment& env, Problem& problem, const int* columns, int cou
   }
   adopt(env, problem, view);
   view.solver().detach();
+  guard.arrived();
   return {};
 }
 
@@ -161,8 +167,10 @@ Status strong_branch(Environment& env, Problem& problem, const Branching& reques
   if (const Status status = view.open(env, problem); !status.ok()) return status;
   simplex::Solver& solver = view.solver();
   simplex::Core& core = view.core();
+  EngineGuard guard(problem);
   EngineControl control(env, problem, 1);
   solver.set_control(control, nullptr);
+  core.options.iteration_limit = kNoLimit;  // the branches have a limit of their own
   const double sign = problem.model->objective_sense();
   const Snapshot start(core);
   const simplex::Counters counters = core.counters;
@@ -173,6 +181,7 @@ Status strong_branch(Environment& env, Problem& problem, const Branching& reques
     double objective = sign * kWorst;
     if (low <= high) {
       solver.change_bounds(j, low, high);
+      core.counters = simplex::Counters{};
       simplex::Dual::Settings settings;
       settings.perturb = false;
       const simplex::Outcome outcome = solver.dual().solve(settings, request.iteration_limit);
@@ -195,7 +204,9 @@ Status strong_branch(Environment& env, Problem& problem, const Branching& reques
     request.up[k] = branch(j, std::max(low, std::ceil(x[j])), high);
   }
   core.counters = counters;
+  solver.forget_dual_norms();
   solver.detach();
+  guard.arrived();
   return result;
 }
 

@@ -92,6 +92,7 @@ void publish(Environment& env, Problem& problem, const simplex::Solver& solver) 
 }
 
 Status run_simplex(Environment& env, Problem& problem, simplex::Method method) {
+  EngineGuard guard(problem);
   EngineControl control(env, problem, 1);
   IterationLog log(env, problem, env.settings.integer(TVK_PARAM_SIMDISPLAY));
   LiveSimplex& live = live_simplex(env, problem, control, &log);
@@ -110,6 +111,7 @@ Status run_simplex(Environment& env, Problem& problem, simplex::Method method) {
   problem.status = status_code(outcome, live.solver.answer().unscaled_infeasible);
   problem.factor_current = true;
   live.start_is_mine = true;
+  guard.arrived();
   return {};
 }
 

@@ -61,6 +61,7 @@ class Solver {
   void set_dual_norms(const std::vector<double>& norms,
                       const std::vector<int>& head);   // head: variable by position
   bool has_dual_norms() const { return keep_norms_; }  // weights of the present basis
+  void forget_dual_norms() { keep_norms_ = false; }
   void forget_basis();
   bool has_basis() const { return has_basis_; }
 
