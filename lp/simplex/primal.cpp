@@ -89,7 +89,7 @@ Outcome Primal::run() {
       case Step::unbounded:
         return Outcome::unbounded;
       case Step::numerical:
-        if (++trouble_count_ > kTroubles) return Outcome::trouble;
+        if (++trouble_count_ > kTroubles && !end_sharpening()) return Outcome::trouble;
         if (trouble_count_ % 8 == 0) core_.threshold = next_threshold(core_.threshold);
         break;
       case Step::no_entering: {
@@ -115,6 +115,7 @@ bool Primal::settle_optimum(Outcome& outcome) {
   }
   if (pricing_.taboo_count() > 0) {
     pricing_.clear_taboo();
+    if (end_sharpening()) return false;
     accept_small_ = trouble_count_ > 0;
     core_.threshold = next_threshold(core_.threshold);
     wanted_ = Rebuild::refactor;
@@ -143,6 +144,15 @@ bool Primal::sharpen() {
   attraction_ = kTightest;
   sharpen_end_ = iterations + kSharpenSteps +
                  static_cast<std::int64_t>(kSharpenShare * static_cast<double>(iterations - start_));
+  return true;
+}
+
+/* Back to the ordinary tolerance, for good; false when it is in force already. */
+bool Primal::end_sharpening() {
+  if (sharpen_end_ == 0 || sharp_) return false;
+  sharp_ = true;
+  trouble_count_ = 0;
+  attraction_ = std::min(kAttraction, core_.dual_tolerance);
   return true;
 }
 
@@ -268,9 +278,7 @@ bool Primal::check_limits() {
     wanted_ = Rebuild::recompute;
     return false;
   }
-  if (sharpen_end_ > 0 && iterations >= sharpen_end_ && !sharp_) {  // enough: back to the ordinary tolerance
-    sharp_ = true;
-    attraction_ = std::min(kAttraction, core_.dual_tolerance);
+  if (sharpen_end_ > 0 && iterations >= sharpen_end_ && end_sharpening()) {
     wanted_ = Rebuild::recompute;
     return false;
   }

@@ -63,6 +63,7 @@ class Primal {
   Outcome finish(Outcome outcome);
   bool stuck();
   bool sharpen();
+  bool end_sharpening();
   bool settle_optimum(Outcome& outcome);  // false: go on
   bool prove_infeasible();
   bool prove_unbounded();
