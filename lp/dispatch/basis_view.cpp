@@ -82,24 +82,20 @@ void BasisView::inverse_row(int p, std::vector<double>& out) {
 }
 
 void BasisView::row_times_matrix(const std::vector<double>& row, std::vector<double>& out) const {
-  const LpData& lp = live_->solver.user_lp();
   out.resize(static_cast<size_t>(core_->n));
   for (int j = 0; j < core_->n; ++j) {
     double sum = 0;
-    for (int k = lp.matrix.start[j]; k < lp.matrix.start[j + 1]; ++k)
-      sum += lp.matrix.value[k] * row[lp.matrix.index[k]];
+    live_->solver.each_entry(j, [&](int i, double a) { sum += a * row[i]; });
     out[j] = sum;
   }
 }
 
 std::vector<double> BasisView::column(int j) const {
-  const LpData& lp = live_->solver.user_lp();
   std::vector<double> v(static_cast<size_t>(core_->m), 0.0);
   if (j >= core_->n) {
     v[j - core_->n] = 1.0;
   } else {
-    for (int k = lp.matrix.start[j]; k < lp.matrix.start[j + 1]; ++k)
-      v[lp.matrix.index[k]] = lp.matrix.value[k];
+    live_->solver.each_entry(j, [&](int i, double a) { v[i] = a; });
   }
   return v;
 }

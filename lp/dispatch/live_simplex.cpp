@@ -102,12 +102,12 @@ simplex::Options engine_options(const Environment& env) {
 LiveSimplex& live_simplex(Environment& env, Problem& problem, Control& control, simplex::Observer* observer) {
   const simplex::Options options = engine_options(env);
   auto* live = static_cast<LiveSimplex*>(problem.simplex.get());
-  const auto fits = [&](const LpData& lp) {
-    return lp.num_columns() == problem.model->num_columns() && lp.num_rows() == problem.model->num_rows() &&
-           static_cast<std::int64_t>(lp.matrix.index.size()) == problem.model->num_nonzeros();
+  const auto fits = [&](const simplex::Solver& solver) {
+    return solver.core().n == problem.model->num_columns() && solver.core().m == problem.model->num_rows() &&
+           solver.num_entries() == problem.model->num_nonzeros();
   };
   if (live != nullptr &&
-      (live->solver.options().scaling != options.scaling || !fits(live->solver.user_lp()))) {
+      (live->solver.options().scaling != options.scaling || !fits(live->solver))) {
     problem.simplex.reset();
     live = nullptr;
   }

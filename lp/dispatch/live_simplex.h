@@ -13,7 +13,7 @@ namespace tovik::lp::dispatch {
 class LiveSimplex : public Derived {
  public:
   LiveSimplex(LpData lp, const simplex::Options& options, Control& control, simplex::Observer* observer)
-      : solver(lp, options, control, observer) {}
+      : solver(std::move(lp), options, control, observer) {}
   simplex::Solver solver;
   bool start_is_mine = false;  // problem.start holds the basis that the engine stands on
 };

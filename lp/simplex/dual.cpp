@@ -28,7 +28,6 @@ double bound_product(double d, double low, double high) {
 
 Dual::Dual(Core& core) : core_(core) {
   leaving_.resize(core.m);
-  entering_.resize(core);
   rho_.resize(core.m);
   alpha_column_.resize(core.m);
   flip_column_.resize(core.m);

@@ -13,13 +13,6 @@ constexpr double kGoodShare = 0.1;  // a group's pivot is good when it reaches t
 constexpr double kGoodAlways = 1.0;  // ... or this size
 }  // namespace
 
-void DualEntering::resize(const Core& core) {
-  const auto size = static_cast<size_t>(core.total);
-  index_.reserve(size);
-  alpha_.reserve(size);
-  candidates_.reserve(size);
-}
-
 void DualEntering::load(Core& core, const SparseVector& rho, const SparseVector& alpha_row) {
   index_.clear();
   alpha_.clear();

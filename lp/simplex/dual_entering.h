@@ -22,7 +22,6 @@ class DualEntering {
     double theta = 0;  // dual step d_q / alpha
   };
 
-  void resize(const Core& core);
   /* Gathers the pivot row from rho (logicals) and alpha_row (structurals). */
   void load(Core& core, const SparseVector& rho, const SparseVector& alpha_row);
   /* delta: signed violation of the leaving variable. May shift the cost of the pick so that its step is not

@@ -14,45 +14,55 @@ constexpr int kTightenings = 4;
 constexpr int kRounds = 12;  // dual/primal alternations before giving up
 constexpr std::int64_t kUnlimited = std::int64_t{1} << 60;
 
-LpData scale_lp(const LpData& lp, const Scaling& scaling) {
-  LpData scaled = lp;
-  if (!scaling.active()) return scaled;
+/* Scales in place. */
+LpData scale_lp(LpData lp, const Scaling& scaling) {
+  if (!scaling.active()) return lp;
   for (int j = 0; j < lp.num_columns(); ++j) {
     const double c = scaling.column[j];
-    scaled.cost[j] *= c;
-    scaled.lower[j] /= c;
-    scaled.upper[j] /= c;
+    lp.cost[j] *= c;
+    lp.lower[j] /= c;
+    lp.upper[j] /= c;
     for (int k = lp.matrix.start[j]; k < lp.matrix.start[j + 1]; ++k) {
-      scaled.matrix.value[k] *= c * scaling.row[lp.matrix.index[k]];
+      lp.matrix.value[k] *= c * scaling.row[lp.matrix.index[k]];
     }
   }
   for (int i = 0; i < lp.num_rows(); ++i) {
-    scaled.row_lower[i] *= scaling.row[i];
-    scaled.row_upper[i] *= scaling.row[i];
+    lp.row_lower[i] *= scaling.row[i];
+    lp.row_upper[i] *= scaling.row[i];
   }
-  return scaled;
+  return lp;
+}
+
+/* All but the matrix, which the engine holds. */
+LpData without_entries(const LpData& lp) {
+  LpData copy;
+  copy.matrix.rows = lp.matrix.rows;
+  copy.matrix.columns = lp.matrix.columns;
+  copy.cost = lp.cost;
+  copy.lower = lp.lower;
+  copy.upper = lp.upper;
+  copy.row_lower = lp.row_lower;
+  copy.row_upper = lp.row_upper;
+  copy.offset = lp.offset;
+  return copy;
 }
 
 /* a_j'y for all columns, compensated. */
-std::vector<double> transpose_product(const LpData& lp, const std::vector<double>& y) {
-  std::vector<double> z(static_cast<size_t>(lp.num_columns()));
-  for (int j = 0; j < lp.num_columns(); ++j) {
+std::vector<double> transpose_product(const Solver& solver, const std::vector<double>& y) {
+  std::vector<double> z(static_cast<size_t>(solver.core().n));
+  for (int j = 0; j < solver.core().n; ++j) {
     CompensatedSum sum;
-    for (int k = lp.matrix.start[j]; k < lp.matrix.start[j + 1]; ++k) {
-      sum.add_product(lp.matrix.value[k], y[lp.matrix.index[k]]);
-    }
+    solver.each_entry(j, [&](int i, double a) { sum.add_product(a, y[i]); });
     z[j] = sum.value();
   }
   return z;
 }
 
-std::vector<double> product(const LpData& lp, const std::vector<double>& x) {
-  std::vector<CompensatedSum> sums(static_cast<size_t>(lp.num_rows()));
-  for (int j = 0; j < lp.num_columns(); ++j) {
+std::vector<double> product(const Solver& solver, const std::vector<double>& x) {
+  std::vector<CompensatedSum> sums(static_cast<size_t>(solver.core().m));
+  for (int j = 0; j < solver.core().n; ++j) {
     if (x[j] == 0) continue;
-    for (int k = lp.matrix.start[j]; k < lp.matrix.start[j + 1]; ++k) {
-      sums[lp.matrix.index[k]].add_product(lp.matrix.value[k], x[j]);
-    }
+    solver.each_entry(j, [&](int i, double a) { sums[i].add_product(a, x[j]); });
   }
   std::vector<double> activity(sums.size());
   for (size_t i = 0; i < sums.size(); ++i) activity[i] = sums[i].value();
@@ -62,7 +72,8 @@ std::vector<double> product(const LpData& lp, const std::vector<double>& x) {
 /* By how much y proves that no x within its bounds meets the rows: the least value that the rows demand of
  * y'Ax less the largest that the box allows. 0 when it is no proof beyond rounding. Multipliers of rounding
  * size that would need an infinite bound are set to zero. */
-double farkas_gap(const LpData& lp, std::vector<double>& y) {
+double farkas_gap(const Solver& solver, std::vector<double>& y) {
+  const LpData& lp = solver.user_lp();
   constexpr double kNegligible = 1e-9;  // share of the largest multiplier, or of the terms of a sum
   CompensatedSum gap;
   double magnitude = 1;
@@ -84,11 +95,10 @@ double farkas_gap(const LpData& lp, std::vector<double>& y) {
   for (int j = 0; j < lp.num_columns(); ++j) {
     CompensatedSum sum;
     double terms = 0;
-    for (int k = lp.matrix.start[j]; k < lp.matrix.start[j + 1]; ++k) {
-      const double factor = y[lp.matrix.index[k]];
-      sum.add_product(lp.matrix.value[k], factor);
-      terms += std::fabs(lp.matrix.value[k] * factor);
-    }
+    solver.each_entry(j, [&](int i, double a) {
+      sum.add_product(a, y[i]);
+      terms += std::fabs(a * y[i]);
+    });
     const double z = sum.value();
     if (z == 0) continue;
     const double bound = z > 0 ? lp.upper[j] : lp.lower[j];
@@ -140,14 +150,22 @@ Violation measure_violation(const LpData& lp, const Answer& answer) {
   return v;
 }
 
-Solver::Solver(const LpData& lp, const Options& options, Control& control, Observer* observer)
-    : lp_(lp), scaling_(compute_scaling(lp.matrix, options.scaling)), options_(options) {
-  core_ = std::make_unique<Core>(scale_lp(lp_, scaling_), options_, control);
+Solver::Solver(LpData lp, const Options& options, Control& control, Observer* observer)
+    : lp_(without_entries(lp)), scaling_(compute_scaling(lp.matrix, options.scaling)), options_(options) {
+  core_ = std::make_unique<Core>(scale_lp(std::move(lp), scaling_), options_, control);
   core_->observer = observer;
-  dual_ = std::make_unique<Dual>(*core_);
-  primal_ = std::make_unique<Primal>(*core_);
   core_->scaled = scaling_.active();
   core_->set_logical_basis();
+}
+
+Dual& Solver::dual() {
+  if (dual_ == nullptr) dual_ = std::make_unique<Dual>(*core_);
+  return *dual_;
+}
+
+Primal& Solver::primal() {
+  if (primal_ == nullptr) primal_ = std::make_unique<Primal>(*core_);
+  return *primal_;
 }
 
 Solver::~Solver() = default;
@@ -193,7 +211,7 @@ void Solver::set_dual_norms(const std::vector<double>& norms, const std::vector<
   for (size_t p = 0; p < head.size(); ++p) by_variable[head[p]] = norms[p];
   std::vector<double> weights(static_cast<size_t>(core_->m));
   for (int p = 0; p < core_->m; ++p) weights[p] = by_variable[core_->head[p]];
-  dual_->norms().set(std::move(weights));
+  dual().norms().set(std::move(weights));
   keep_norms_ = true;
 }
 
@@ -307,9 +325,9 @@ Outcome Solver::run_dual() {
     settings.keep_norms = keep_norms_ || round > 0;
     settings.perturb = round < 3;
     answer_.method = Method::dual;
-    last = dual_->solve(settings, kUnlimited);
+    last = dual().solve(settings, kUnlimited);
     keep_norms_ = true;
-    if (last == Outcome::infeasible && verify_infeasible(dual_->farkas())) return last;
+    if (last == Outcome::infeasible && verify_infeasible(dual().farkas())) return last;
     if (last == Outcome::optimal && core_->dual_infeasibility().count == 0) return last;
     if (last != Outcome::optimal && last != Outcome::infeasible && last != Outcome::infeasible_or_unbounded &&
         last != Outcome::trouble && last != Outcome::singular) {
@@ -321,8 +339,8 @@ Outcome Solver::run_dual() {
         cleaning ? std::max<std::int64_t>(1000, core_->counters.iterations / 10) : kUnlimited;
     answer_.method = Method::primal;
     keep_norms_ = false;
-    last = primal_->solve(budget);
-    if (last == Outcome::infeasible && verify_infeasible(primal_->infeasibility_duals())) return last;
+    last = primal().solve(budget);
+    if (last == Outcome::infeasible && verify_infeasible(primal().infeasibility_duals())) return last;
     if (last == Outcome::unbounded && verify_ray()) return last;
     if (last != Outcome::trouble && last != Outcome::infeasible && last != Outcome::unbounded &&
         last != Outcome::singular) {
@@ -338,8 +356,8 @@ Outcome Solver::run_primal() {
   for (int round = 0; round < kRounds; ++round) {
     answer_.method = Method::primal;
     keep_norms_ = false;
-    last = primal_->solve(kUnlimited);
-    if (last == Outcome::infeasible && verify_infeasible(primal_->infeasibility_duals())) return last;
+    last = primal().solve(kUnlimited);
+    if (last == Outcome::infeasible && verify_infeasible(primal().infeasibility_duals())) return last;
     if (last == Outcome::unbounded && verify_ray()) return last;
     if (last != Outcome::trouble && last != Outcome::infeasible && last != Outcome::unbounded &&
         last != Outcome::singular) {
@@ -348,8 +366,8 @@ Outcome Solver::run_primal() {
     core_->threshold = std::min(0.9, core_->threshold < 0.1 ? 0.1 : core_->threshold + 0.2);
     Dual::Settings settings;
     answer_.method = Method::dual;
-    last = dual_->solve(settings, kUnlimited);
-    if (last == Outcome::infeasible && verify_infeasible(dual_->farkas())) return last;
+    last = dual().solve(settings, kUnlimited);
+    if (last == Outcome::infeasible && verify_infeasible(dual().farkas())) return last;
     if (last == Outcome::optimal && core_->dual_infeasibility().count == 0) return last;
     if (last == Outcome::iteration_limit || last == Outcome::time_limit || last == Outcome::tick_limit ||
         last == Outcome::user_abort) {
@@ -390,8 +408,8 @@ void Solver::extract() {
     const At at = status[n + i];
     answer_.row_status[i] = at == At::lower ? At::upper : at == At::upper ? At::lower : at;
   }
-  answer_.activity = product(lp_, answer_.x);
-  const std::vector<double> z = transpose_product(lp_, answer_.y);
+  answer_.activity = product(*this, answer_.x);
+  const std::vector<double> z = transpose_product(*this, answer_.y);
   CompensatedSum objective;
   objective.add(lp_.offset);
   for (int j = 0; j < n; ++j) {
@@ -424,7 +442,7 @@ bool Solver::verify_infeasible(const std::vector<double>& scaled_row) {
   for (const double side : {1.0, -1.0}) {
     std::vector<double> candidate = y;
     for (double& v : candidate) v *= side;
-    const double gap = farkas_gap(lp_, candidate);
+    const double gap = farkas_gap(*this, candidate);
     if (!(gap > 0)) continue;
     answer_.farkas = std::move(candidate);
     answer_.farkas_gap = gap;
@@ -436,13 +454,13 @@ bool Solver::verify_infeasible(const std::vector<double>& scaled_row) {
 /* The direction in the user's space must keep A x within the rows' infinite sides, respect the columns' and
  * improve. */
 bool Solver::verify_ray() {
-  const int q = primal_->ray_variable();
+  const int q = primal().ray_variable();
   if (q < 0) return false;
   Core& core = *core_;
   std::vector<double> ray(static_cast<size_t>(core.n), 0.0);
-  const double direction = primal_->ray_direction();
+  const double direction = primal().ray_direction();
   if (q < core.n) ray[q] = direction * column_scale(q);
-  const SparseVector& column = primal_->ray_column();
+  const SparseVector& column = primal().ray_column();
   for (int p = 0; p < core.m; ++p) {
     const int j = core.head[p];
     if (j < core.n && column.array[p] != 0) ray[j] -= direction * column.array[p] * column_scale(j);
@@ -459,7 +477,7 @@ bool Solver::verify_ray() {
       return false;
     slope.add_product(lp_.cost[j], ray[j]);
   }
-  const std::vector<double> activity = product(lp_, ray);
+  const std::vector<double> activity = product(*this, ray);
   for (int i = 0; i < core.m; ++i) {
     if ((activity[i] > kTolerance && lp_.row_upper[i] < kInf) ||
         (activity[i] < -kTolerance && lp_.row_lower[i] > -kInf)) {

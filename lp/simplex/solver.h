@@ -46,7 +46,7 @@ class Solver {
  public:
   /* lp: minimization form, user's space. The control must outlive the solver or be replaced before each
    * solve. */
-  Solver(const LpData& lp, const Options& options, Control& control, Observer* observer);
+  Solver(LpData lp, const Options& options, Control& control, Observer* observer);
   ~Solver();
 
   void set_control(Control& control, Observer* observer);
@@ -69,9 +69,22 @@ class Solver {
   const Answer& answer() const { return answer_; }
   Core& core() { return *core_; }
   const Core& core() const { return *core_; }
-  Dual& dual() { return *dual_; }
+  Dual& dual();      // made when first asked for
+  Primal& primal();
   const Scaling& scaling() const { return scaling_; }
+  /* Vectors in the user's space; its matrix has sizes but no entries, see each_entry. */
   const LpData& user_lp() const { return lp_; }
+  /* f(row, value) for the entries of column j in the user's space: scale factors are powers of two, so nothing is lost. */
+  template <class F>
+  void each_entry(int j, F f) const {
+    const Matrix& matrix = core_->lp.matrix;
+    const double c = 1.0 / column_scale(j);
+    for (int k = matrix.start[j]; k < matrix.start[j + 1]; ++k) {
+      const int i = matrix.index[k];
+      f(i, scaling_.active() ? matrix.value[k] * c / scaling_.row[i] : matrix.value[k]);
+    }
+  }
+  std::int64_t num_entries() const { return static_cast<std::int64_t>(core_->lp.matrix.index.size()); }
 
   /* Change of data without loss of the basis; the next solve goes on from it. */
   void change_bounds(int j, double lower, double upper);
