@@ -21,6 +21,7 @@ class Model:
     objective: float | None = None
     relaxed: bool = False  # solve as an LP: integer marks are ignored
     nonzeros: int = 0
+    ignored_constant: float = 0.0  # objective constant that tovik's reader ignores, see objective_constant
 
 
 def find(folder, pattern=None, names=None):
@@ -85,3 +86,21 @@ def uncompressed(model):
             shutil.copyfileobj(packed, plain)
         partial.replace(target)
     return target
+
+
+def objective_constant(path):
+    """The constant that a right-hand side of the objective row stands for (its value, negated). References count it; the
+    library's MPS reader ignores such a value with a warning, so its objective differs by just this much."""
+    text = Path(path).read_bytes()
+    rows, rhs = text.find(b"\nROWS"), text.find(b"\nRHS")
+    if rows < 0 or rhs < 0:
+        return 0.0
+    objective = next((line.split()[1] for line in text[rows + 1 : text.find(b"\nCOLUMNS")].splitlines()
+                      if line[:1] == b" " and line.split()[:1] == [b"N"]), None)
+    for line in text[text.find(b"\n", rhs + 1) + 1 :].splitlines():
+        if line[:1] != b" ":
+            break
+        fields = line.split()
+        if objective in fields[:-1]:
+            return -float(fields[fields.index(objective) + 1])
+    return 0.0

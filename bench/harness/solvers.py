@@ -171,6 +171,9 @@ def execute(solver, path, model, settings):
         run.note = f"ended by signal {signal.Signals(-run.exit_code).name}"
     else:
         solver.read(run, *texts)
+        if isinstance(solver, Tovik) and run.objective is not None and model.ignored_constant:
+            run.objective += model.ignored_constant
+            run.note = f"objective row's constant {model.ignored_constant:g} added, which the reader ignores"
     return run
 
 
