@@ -318,7 +318,23 @@ Outcome Solver::run(Method method) {
   return method == Method::dual ? run_dual() : run_primal();
 }
 
+/* A start that is final needs no iteration; the dual would leave it when it perturbs the costs of boxed
+ * variables. Whatever may end a run early is left to the run. */
+bool Solver::already_optimal() {
+  Core& core = *core_;
+  if (!has_basis_ || core.control->poll() != Stop::none || !ensure_factor()) return false;
+  core.use_original_costs();
+  core.use_original_bounds();
+  core.compute_primal();
+  core.compute_dual();
+  if (core.primal_infeasibility().count > 0 || core.dual_infeasibility().count > 0) return false;
+  const double objective = core.objective();
+  return objective >= options_.objective_lower && objective <= options_.objective_upper;
+}
+
 Outcome Solver::run_dual() {
+  answer_.method = Method::dual;
+  if (already_optimal()) return Outcome::optimal;
   Dual::Settings settings;
   Outcome last = Outcome::trouble;
   for (int round = 0; round < kRounds; ++round) {
