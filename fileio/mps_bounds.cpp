@@ -110,10 +110,7 @@ bool BoundSection::read_free(const Record& record, Line& line, Bound& bound, Obs
     return false;
   }
   if (record.count > 4) {
-    const char* text = record.field[3].text;
-    const char* end = record.end;
-    while (static_cast<unsigned char>(end[-1]) <= ' ') --end;
-    why = {TVK_ERROR_LINE_NUMBER_CONVERSION, make_field(text, static_cast<std::size_t>(end - text))};
+    why = {TVK_ERROR_LINE_NUMBER_CONVERSION, rest_of_line(record, record.field[3].text)};
     return false;
   }
   line = {};

@@ -94,10 +94,10 @@ bool has_blank_name(const Pairs& pairs) {
 
 Obstacle misshapen(const Record& record) {
   if (record.count < 3) return {TVK_ERROR_LINE_NOT_A_ROW, Field{}};
-  const char* text = record.field[4].text;  // the last number and all that stands behind it
-  const char* end = record.end;
-  while (end != text && static_cast<unsigned char>(end[-1]) <= ' ') --end;
-  return {TVK_ERROR_LINE_NUMBER_CONVERSION, make_field(text, static_cast<std::size_t>(end - text))};
+  const int last =
+      record.count < 5 ? record.count - 1 : 4;  // the last number, with all that stands behind it
+  return {TVK_ERROR_LINE_NUMBER_CONVERSION,
+          rest_of_line(record, record.field[static_cast<std::size_t>(last)].text)};
 }
 
 }  // namespace tovik::fileio::mps

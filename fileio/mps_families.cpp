@@ -51,7 +51,10 @@ bool SetSection::member(const Record& record) {
   int column = NameTable::kNone;
   double weight = 0;
   const auto attempt = [&](const Pairs& read, Obstacle& obstacle) {
-    if (read.count != 1) return false;
+    if (read.count != 1) {
+      obstacle = {TVK_ERROR_LINE_NUMBER_CONVERSION, rest_of_line(record, read.value[0].text)};
+      return false;
+    }
     if (!read.name.empty() && read.name.view() != set.name) {
       obstacle = {TVK_ERROR_LINE_NOT_A_COLUMN, read.name};
       return false;

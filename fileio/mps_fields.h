@@ -114,6 +114,13 @@ inline const char* scan_free(const char* p, Record& record) {
   }
 }
 
+/* All that stands on the line from `text` on, blanks at its end aside. */
+inline Field rest_of_line(const Record& record, const char* text) {
+  const char* end = record.end;
+  while (end != text && static_cast<unsigned char>(end[-1]) <= ' ') --end;
+  return make_field(text, static_cast<std::size_t>(end - text));
+}
+
 /* Reads the line of `record` by the card layout: columns 2-3, 5-12, 15-22, 25-36, 40-47 and 50-61, nothing
  * between. The fields may hold blanks and may be empty; count is 6. False when the line does not keep to the
  * layout. */

@@ -16,9 +16,7 @@ bool QuadraticSection::open(Kind kind, const Record& header) {
 
 bool QuadraticSection::open_row(const Record& header) {
   if (header.count < 2) return context_.fail(TVK_ERROR_LINE_NO_ROW_NAME, header.line);
-  const char* end = header.end;
-  while (static_cast<unsigned char>(end[-1]) <= ' ') --end;
-  const Field name = make_field(header.field[1].text, static_cast<std::size_t>(end - header.field[1].text));
+  const Field name = rest_of_line(header, header.field[1].text);
   const RowIndex::Found row = rows_.find(name);
   if (!row) return context_.fail(TVK_ERROR_LINE_NOT_A_ROW, header.line, name.view());
   if (row.id < 0) return context_.fail(TVK_ERROR_LINE_QUADRATIC_SENSE, header.line);

@@ -271,11 +271,8 @@ bool Reader::enter(const SectionWord& word, const Record& record) {
   word_seen_ = false;
   switch (section_) {
     case Section::name:
-      if (!again && record.count > 1) {
-        const char* end = record.end;
-        while (static_cast<unsigned char>(end[-1]) <= ' ') --end;
-        context_.model.problem_name.assign(record.field[1].text, end);
-      }
+      if (!again && record.count > 1)
+        context_.model.problem_name.assign(rest_of_line(record, record.field[1].text).view());
       return true;
     case Section::objsense:
     case Section::objname:

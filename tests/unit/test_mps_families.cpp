@@ -136,7 +136,7 @@ TEST(MpsFamilies, ReachTheFileModel) {
 }
 
 /* Whatever the bytes, a failure or a model, and the lines told, are the same however they arrive. */
-TEST(MpsReader, DoesNotDependOnHowTheBytesArrive) {
+TEST(MpsBytes, LeadToTheSameResultHoweverTheyArrive) {
   std::string text = kRows + "USERCUTS\n L u\n" + kColumns +
                      "RHS\n r a 7\nBOUNDS\n UP bd y -1\n* comment\n MI bd z\nENDATA\n";
   for (std::size_t length = 0; length <= text.size(); ++length) {
