@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "lp/linalg/sum.h"
+#include "lp/simplex/tolerance.h"
 
 namespace tovik::lp::simplex {
 namespace {
@@ -302,12 +303,13 @@ Outcome Solver::solve(Method method) {
     const double dual_excess = answer_.violation.dual / options_.dual_tolerance;
     answer_.unscaled_infeasible = primal_excess > 1 || dual_excess > 1;
     if (!answer_.unscaled_infeasible || round == kTightenings) break;
-    if (primal_excess > 1) {
-      core_->primal_tolerance =
-          std::max(kTightest, core_->primal_tolerance / std::min(1e3, 3 * primal_excess));
+    const double primal_goal = core_->primal_tolerance / (3 * primal_excess);
+    while (primal_excess > 1 && core_->primal_tolerance > std::max(kTightest, primal_goal)) {
+      core_->primal_tolerance = tighten_feasibility(core_->primal_tolerance);
     }
-    if (dual_excess > 1) {
-      core_->dual_tolerance = std::max(kTightest, core_->dual_tolerance / std::min(1e3, 3 * dual_excess));
+    const double dual_goal = core_->dual_tolerance / (3 * dual_excess);
+    while (dual_excess > 1 && core_->dual_tolerance > std::max(kTightest, dual_goal)) {
+      core_->dual_tolerance = tighten_optimality(core_->dual_tolerance);
     }
     core_->has_factor = false;  // a fresh factor for the last digits
   }
