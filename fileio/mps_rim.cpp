@@ -52,7 +52,8 @@ bool RimSection::record(const Record& record) {
   return true;
 }
 
-/* Lines of other sets are not looked into, unless the set has no name: then rows must show that this is what it is. */
+/* Lines of other sets are not looked into, unless the set has no name: then rows must show that this is what
+ * it is. */
 bool RimSection::resolve(const Pairs& pairs, Resolved& resolved, Obstacle& why) const {
   resolved.counts = set_.counts(pairs.name);
   if (!resolved.counts && !pairs.name.empty()) return true;
