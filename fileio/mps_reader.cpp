@@ -18,9 +18,8 @@ namespace tovik::fileio {
 namespace mps {
 namespace {
 
-constexpr int kLineLimit = 65535;
+constexpr int kLineLimit = 65535;  // bytes; far more than any record needs
 
-/* In the order of a file. Sections of equal rank may change places. */
 enum class Section {
   none,
   name,
@@ -39,10 +38,10 @@ enum class Section {
   quadobj,
   qcmatrix,
   indicators,
-  endata,
-  unknown
+  endata
 };
 
+/* In the order of a file. Sections of equal rank may change places. */
 struct SectionWord {
   std::string_view word;
   Section section;
