@@ -9,6 +9,7 @@ namespace tovik::lp::dispatch {
 namespace {
 
 constexpr double kInfinity = model::kInfinity;
+constexpr double kNoCost = 1e-9;     // smaller reduced costs do not tell one bound from the other
 constexpr double kNoEffect = 1e-11;  // smaller entries of a row or column do not bind
 
 double clip(double v) {
@@ -124,8 +125,10 @@ Interval Sensitivity::lower_bound(int j) {
   std::vector<double> column;
   view_.solve(view_.column(j), column);
   const Interval step = step_range(column);
-  const double high = problem_->model->upper()[j];
-  return {clip(x + step.lower), clip(core.is_fixed(j) ? x + step.upper : std::min(x + step.upper, high))};
+  if (core.is_fixed(j)) {  // with room below it stands at the bound that its reduced cost asks for
+    return {reduced_cost_[j] > kNoCost ? clip(x + step.lower) : -kInfinity, clip(x)};
+  }
+  return {clip(x + step.lower), clip(std::min(x + step.upper, problem_->model->upper()[j]))};
 }
 
 Interval Sensitivity::upper_bound(int j) {
@@ -135,8 +138,10 @@ Interval Sensitivity::upper_bound(int j) {
   std::vector<double> column;
   view_.solve(view_.column(j), column);
   const Interval step = step_range(column);
-  const double low = problem_->model->lower()[j];
-  return {clip(core.is_fixed(j) ? x + step.lower : std::max(x + step.lower, low)), clip(x + step.upper)};
+  if (core.is_fixed(j)) {
+    return {clip(x), reduced_cost_[j] < -kNoCost ? clip(x + step.upper) : kInfinity};
+  }
+  return {clip(std::max(x + step.lower, problem_->model->lower()[j])), clip(x + step.upper)};
 }
 
 }  // namespace tovik::lp::dispatch

@@ -346,7 +346,10 @@ Outcome Solver::run_dual() {
     last = dual().solve(settings, kUnlimited);
     keep_norms_ = true;
     if (last == Outcome::infeasible && verify_infeasible(dual().farkas())) return last;
-    if (last == Outcome::optimal && core_->dual_infeasibility().count == 0) return last;
+    if (last == Outcome::optimal && core_->dual_infeasibility().count == 0) {
+      // While costs were perturbed the limit was looked at now and then only.
+      return core_->objective() > options_.objective_upper ? Outcome::objective_limit : last;
+    }
     if (last != Outcome::optimal && last != Outcome::infeasible && last != Outcome::infeasible_or_unbounded &&
         last != Outcome::trouble && last != Outcome::singular) {
       return last;

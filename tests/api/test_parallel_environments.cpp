@@ -45,6 +45,7 @@ struct Outcome {
   int code = -1, status = -1;
   double objective = 0;
   std::string errors;
+  std::vector<double> x;
 };
 
 extern "C" void collect_errors(void* handle, const char* text) {
@@ -67,8 +68,9 @@ Outcome solve(const Assignment& a, int seed, int method) {
                            a.lower.data(), a.upper.data(), nullptr);
   if (outcome.code == 0) outcome.code = TVKlpopt(env, lp);
   if (outcome.code == 0) {
-    outcome.code =
-        TVKsolution(env, lp, &outcome.status, &outcome.objective, nullptr, nullptr, nullptr, nullptr);
+    outcome.x.resize(a.cost.size());
+    outcome.code = TVKsolution(env, lp, &outcome.status, &outcome.objective, outcome.x.data(), nullptr,
+                               nullptr, nullptr);
   }
   TVKfreeprob(env, &lp);
   TVKcloseTOVIK(&env);
@@ -98,6 +100,24 @@ TEST(ParallelEnvironments, ThreadsSolveSideBySideAsTheyDoAlone) {
       EXPECT_EQ(outcome.errors, alone.errors);
     }
   }
+}
+
+/* Different models by different methods, at once: to the last bit the answers that each gives alone. */
+TEST(ParallelEnvironments, DifferentModelsAtOnce) {
+  const Assignment first(12), second(17);
+  const auto work = [](const Assignment& model, int method) {
+    std::vector<std::vector<double>> answers;
+    for (int round = 0; round < 4; ++round) answers.push_back(solve(model, 1, method).x);
+    return answers;
+  };
+  const auto first_alone = work(first, 1), second_alone = work(second, 2);
+  std::vector<std::vector<double>> first_answers, second_answers;
+  std::thread other([&] { second_answers = work(second, 2); });
+  first_answers = work(first, 1);
+  other.join();
+  EXPECT_EQ(first_alone[0].size(), first.cost.size());
+  EXPECT_EQ(first_answers, first_alone);
+  EXPECT_EQ(second_answers, second_alone);
 }
 
 /* A flag that another thread sets ends a solve; the environment can be used again afterwards. */
