@@ -235,6 +235,15 @@ void Core::btran(SparseVector& v, Density& density) {
 }
 
 void Core::price(const SparseVector& rho, SparseVector& alpha) {
+  price(rho, true, alpha);
+  row_ap_density.update(alpha);
+}
+
+void Core::price_unlisted(const SparseVector& rho, SparseVector& alpha) {
+  price(rho, false, alpha);
+}
+
+void Core::price(const SparseVector& rho, bool list_always, SparseVector& alpha) {
   bool by_columns = rho.count < 0;
   if (!by_columns && rho.count > 0.1 * m) {
     by_columns = static_cast<double>(rows.row_work(rho)) >
@@ -246,11 +255,10 @@ void Core::price(const SparseVector& rho, SparseVector& alpha) {
     touched = rows.price_by_columns(rho, alpha);
   } else {
     ++counters.price_row;
-    touched = rows.price_by_rows(rho, row_ap_density.value(), alpha);
+    touched = rows.price_by_rows(rho, row_ap_density.value(), list_always, alpha);
   }
   counters.price_touched += touched;
   charge(touched);
-  row_ap_density.update(alpha);
 }
 
 void Core::load_column(int q, SparseVector& v) const {

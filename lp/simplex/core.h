@@ -112,6 +112,9 @@ class Core {
   void btran(SparseVector& v, Density& density);
   /* rho' A over active columns into alpha (dimension n). */
   void price(const SparseVector& rho, SparseVector& alpha);
+  /* The same; a full result may come back without its list (count -1), and the caller updates row_ap_density.
+   */
+  void price_unlisted(const SparseVector& rho, SparseVector& alpha);
   /* Writes a line of the display level 1 where somebody listens. */
   void say(const char* line) {
     if (observer != nullptr) observer->text(line);
@@ -147,6 +150,7 @@ class Core {
   }
 
  private:
+  void price(const SparseVector& rho, bool list_always, SparseVector& alpha);
   FactorState factor_basis();
   SparseVector buffer_;  // m: rebuild solves
   std::int64_t reported_work_ = 0;

@@ -319,7 +319,7 @@ Dual::Step Dual::iterate() {
   const int p = choose_row();
   if (p < 0) return Step::no_leaving;
   DualEntering::Pick pick;
-  if (!price_and_choose(p, pick)) {
+  if (!price_and_choose(pick)) {
     if (!fresh_) {
       wanted_ = core_.factor.updates() > 0 ? Rebuild::refactor : Rebuild::recompute;
       return Step::moved;
@@ -328,7 +328,7 @@ Dual::Step Dual::iterate() {
       leaving_.make_taboo(p);
       return Step::numerical;
     }
-    if (prove_infeasible(p)) return Step::no_entering;
+    if (prove_infeasible()) return Step::no_entering;
     if (box_.found > 0) {
       // The row is infeasible by implied bounds at most; only the model's own bounds may prove that.
       drop_implied_bounds();
@@ -362,11 +362,10 @@ Dual::Step Dual::iterate() {
   return Step::moved;
 }
 
-bool Dual::price_and_choose(int p, DualEntering::Pick& pick) {
-  (void)p;
+bool Dual::price_and_choose(DualEntering::Pick& pick) {
   alpha_row_.clear();
-  core_.price(rho_, alpha_row_);
-  entering_.load(core_, rho_, alpha_row_);
+  core_.price_unlisted(rho_, alpha_row_);
+  entering_.load(core_, rho_, alpha_row_, delta_);
   pick = entering_.choose(core_, delta_);
   return pick.variable >= 0;
 }
@@ -503,10 +502,9 @@ void Dual::watch_progress() {
 
 /* The row says: sum of z_j x_j = 0 with z = rho'[A I]. Infeasible when no point within the bounds can meet
  * it. */
-bool Dual::prove_infeasible(int p) {
-  (void)p;
+bool Dual::prove_infeasible() {
   constexpr double kNegligible = 1e-9;  // share of the terms that make up an entry
-  double least = 0;  // smallest and largest value of the row's activity over the bounds
+  double least = 0;                     // smallest and largest value of the row's activity over the bounds
   double largest = 0;
   double scale = 0;
   const auto add = [&](int j, double z, double terms) {

@@ -49,7 +49,7 @@ class Dual {
   bool rebuild(bool refactor);  // false: give up (singular beyond repair)
   Step iterate();
   int choose_row();
-  bool price_and_choose(int p, DualEntering::Pick& pick);
+  bool price_and_choose(DualEntering::Pick& pick);
   void solve_flips();
   void apply(int p, const DualEntering::Pick& pick);
   void update_duals(double theta);
@@ -60,7 +60,7 @@ class Dual {
   void drop_implied_bounds();
   bool check_limits();
   bool beyond_objective_limit();
-  bool prove_infeasible(int p);
+  bool prove_infeasible();
   double dual_objective() const;
   void watch_progress();
   void restore_costs();

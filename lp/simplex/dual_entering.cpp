@@ -13,62 +13,60 @@ constexpr double kGoodShare = 0.1;  // a group's pivot is good when it reaches t
 constexpr double kGoodAlways = 1.0;  // ... or this size
 }  // namespace
 
-void DualEntering::load(Core& core, const SparseVector& rho, const SparseVector& alpha_row) {
-  index_.clear();
-  alpha_.clear();
-  const auto take = [&](int j, double a) {
-    if (a == 0) return;
-    index_.push_back(j);
-    alpha_.push_back(a);
-  };
-  if (alpha_row.count >= 0) {
-    for (int k = 0; k < alpha_row.count; ++k) take(alpha_row.index[k], alpha_row.array[alpha_row.index[k]]);
-  } else {
-    for (int j = 0; j < core.n; ++j) take(j, alpha_row.array[j]);
+inline void DualEntering::consider(const Core& core, int j, double alpha) {
+  index_.push_back(j);
+  alpha_.push_back(alpha);
+  const double a = sign_ * alpha;
+  double direction = core.move[j];
+  if (direction == 0) {
+    if (core.work_lower[j] != -kInf || core.work_upper[j] != kInf) return;
+    direction = a > 0 ? 1.0 : -1.0;
   }
-  const auto take_logical = [&](int i) {
-    const int j = core.n + i;
-    if (core.nonbasic[j] && !core.is_fixed(j)) take(j, rho.array[i]);
-  };
-  if (rho.count >= 0) {
-    for (int k = 0; k < rho.count; ++k) take_logical(rho.index[k]);
-  } else {
-    for (int i = 0; i < core.m; ++i) take_logical(i);
-  }
-  core.charge(2 * static_cast<std::int64_t>(index_.size()));
+  const double pivot = a * direction;
+  if (pivot <= smallest_) return;
+  const double dual = direction * core.d[j];
+  candidates_.push_back({j, pivot, alpha, dual, 0.0});
+  relaxed_ = std::min(relaxed_, (dual + core.dual_tolerance) / pivot);
+  largest_alpha_ = std::max(largest_alpha_, pivot);
 }
 
-/* Fills the candidates; returns the smallest relaxed ratio. */
-double DualEntering::collect(const Core& core, double delta) {
-  const double sign = delta < 0 ? -1.0 : 1.0;
-  const double smallest = pivot_tolerance(core.factor.updates());
-  const double tolerance = core.dual_tolerance;
-  double theta = kInf;
+void DualEntering::load(Core& core, const SparseVector& rho, const SparseVector& alpha_row, double delta) {
+  index_.clear();
+  alpha_.clear();
   candidates_.clear();
   largest_alpha_ = 0;
-  const size_t size = index_.size();
-  for (size_t k = 0; k < size; ++k) {
-    const int j = index_[k];
-    const double a = sign * alpha_[k];
-    double direction = core.move[j];
-    if (direction == 0) {
-      if (core.work_lower[j] != -kInf || core.work_upper[j] != kInf) continue;
-      direction = a > 0 ? 1.0 : -1.0;
+  relaxed_ = kInf;
+  sign_ = delta < 0 ? -1.0 : 1.0;
+  smallest_ = pivot_tolerance(core.factor.updates());
+  const double* const alpha = alpha_row.array.data();
+  if (alpha_row.count >= 0) {
+    for (int k = 0; k < alpha_row.count; ++k) {
+      const int j = alpha_row.index[k];
+      if (std::fabs(alpha[j]) >= kTiny) consider(core, j, alpha[j]);
     }
-    const double pivot = a * direction;
-    if (pivot <= smallest) continue;
-    const double dual = direction * core.d[j];
-    candidates_.push_back({j, pivot, alpha_[k], dual, 0.0});
-    theta = std::min(theta, (dual + tolerance) / pivot);
-    largest_alpha_ = std::max(largest_alpha_, pivot);
+  } else {
+    for (int j = 0; j < core.n; ++j) {
+      if (std::fabs(alpha[j]) >= kTiny) consider(core, j, alpha[j]);
+    }
+    core.charge(core.n / 2);
   }
-  return theta;
+  core.row_ap_density.update(static_cast<double>(index_.size()), core.n);
+  const auto logical = [&](int i) {
+    const int j = core.n + i;
+    if (rho.array[i] != 0 && core.nonbasic[j] && !core.is_fixed(j)) consider(core, j, rho.array[i]);
+  };
+  if (rho.count >= 0) {
+    for (int k = 0; k < rho.count; ++k) logical(rho.index[k]);
+  } else {
+    for (int i = 0; i < core.m; ++i) logical(i);
+  }
+  core.charge(2 * static_cast<std::int64_t>(index_.size()));
 }
 
 DualEntering::Pick DualEntering::choose(Core& core, double delta) {
   flips_.clear();
   Pick pick;
-  double theta = collect(core, delta);
+  const double theta = relaxed_;
   if (candidates_.empty()) return pick;
 
   // Large steps: keep only the candidates whose break points the slope can reach.
@@ -153,17 +151,6 @@ DualEntering::Pick DualEntering::choose(Core& core, double delta) {
     for (int e = 0; e < group_[chosen_group]; ++e) flips_.push_back(candidates_[e].variable);
   }
   return pick;
-}
-
-void DualEntering::refuse(int variable) {
-  for (size_t k = 0; k < index_.size(); ++k) {
-    if (index_[k] != variable) continue;
-    index_[k] = index_.back();
-    alpha_[k] = alpha_.back();
-    index_.pop_back();
-    alpha_.pop_back();
-    return;
-  }
 }
 
 }  // namespace tovik::lp::simplex

@@ -22,13 +22,11 @@ class DualEntering {
     double theta = 0;  // dual step d_q / alpha
   };
 
-  /* Gathers the pivot row from rho (logicals) and alpha_row (structurals). */
-  void load(Core& core, const SparseVector& rho, const SparseVector& alpha_row);
-  /* delta: signed violation of the leaving variable. May shift the cost of the pick so that its step is not
-   * negative. */
+  /* Gathers the pivot row from rho (logicals) and alpha_row (structurals), and the candidates in it, in one
+   * pass. delta: signed violation of the leaving variable. */
+  void load(Core& core, const SparseVector& rho, const SparseVector& alpha_row, double delta);
+  /* May shift the cost of the pick so that its step is not negative. */
   Pick choose(Core& core, double delta);
-  /* Removes a variable from the loaded row, after its pivot was refused. */
-  void refuse(int variable);
   const std::vector<int>& flips() const { return flips_; }
   const std::vector<int>& row_index() const { return index_; }
   const std::vector<double>& row_alpha() const { return alpha_; }
@@ -42,7 +40,7 @@ class DualEntering {
     double dual;   // move * d
     double ratio;  // dual / alpha
   };
-  double collect(const Core& core, double delta);
+  void consider(const Core& core, int j, double alpha);
   std::vector<int> index_;
   std::vector<double> alpha_;
   std::vector<Candidate> candidates_;
@@ -50,6 +48,9 @@ class DualEntering {
   std::vector<int> group_;  // first candidate of each group
   std::vector<int> flips_;
   double largest_alpha_ = 0;
+  double sign_ = 1;      // of delta
+  double smallest_ = 0;  // entries up to this size are no pivots
+  double relaxed_ = 0;   // smallest relaxed ratio of the candidates
 };
 
 }  // namespace tovik::lp::simplex

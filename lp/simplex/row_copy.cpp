@@ -82,7 +82,7 @@ std::int64_t RowCopy::row_work(const SparseVector& rho) const {
   return work;
 }
 
-std::int64_t RowCopy::price_by_rows(const SparseVector& rho, double expected_density,
+std::int64_t RowCopy::price_by_rows(const SparseVector& rho, double expected_density, bool list_always,
                                     SparseVector& out) const {
   constexpr double kListDensity =
       0.1;  // beyond this share of touched columns the list costs more than it saves
@@ -129,6 +129,10 @@ std::int64_t RowCopy::price_by_rows(const SparseVector& rho, double expected_den
     const int end = active_end_[i];
     touched += end - begin;
     for (int e = begin; e < end; ++e) target[index_[e]] += multiplier * value_[e];
+  }
+  if (!list_always) {
+    out.count = -1;
+    return touched;
   }
   count = 0;
   for (int j = 0; j < n; ++j) {

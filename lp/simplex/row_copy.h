@@ -23,8 +23,10 @@ class RowCopy {
   bool is_active(int j) const { return active_[j] != 0; }
 
   /* out += rho' A over active columns; out must be clear and has dimension columns. Starts with an index list
-   * and turns to plain scattering when the result fills up. Returns the entries touched. */
-  std::int64_t price_by_rows(const SparseVector& rho, double expected_density, SparseVector& out) const;
+   * and turns to plain scattering when the result fills up. With `list_always` the list is then rebuilt at
+   * the end; without it a result that filled up comes back with count -1. Returns the entries touched. */
+  std::int64_t price_by_rows(const SparseVector& rho, double expected_density, bool list_always,
+                             SparseVector& out) const;
   /* The same by dot products with the active columns; for dense rho. */
   std::int64_t price_by_columns(const SparseVector& rho, SparseVector& out) const;
   /* Entries that price_by_rows would touch. */
