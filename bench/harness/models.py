@@ -90,17 +90,30 @@ def uncompressed(model):
 
 def objective_constant(path):
     """The constant that a right-hand side of the objective row stands for (its value, negated). References count it; the
-    library's MPS reader ignores such a value with a warning, so its objective differs by just this much."""
-    text = Path(path).read_bytes()
-    rows, rhs = text.find(b"\nROWS"), text.find(b"\nRHS")
-    if rows < 0 or rhs < 0:
-        return 0.0
-    objective = next((line.split()[1] for line in text[rows + 1 : text.find(b"\nCOLUMNS")].splitlines()
-                      if line[:1] == b" " and line.split()[:1] == [b"N"]), None)
-    for line in text[text.find(b"\n", rhs + 1) + 1 :].splitlines():
-        if line[:1] != b" ":
-            break
-        fields = line.split()
-        if objective in fields[:-1]:
-            return -float(fields[fields.index(objective) + 1])
+    library's MPS reader ignores such a value with a warning, so its objective differs by just this much. Reads in pieces:
+    the memory of this process shows in the peak of the programs it starts."""
+    with open(path, "rb") as stream:
+        objective = next((fields[1] for fields in map(bytes.split, stream) if fields[:1] == [b"N"] and len(fields) > 1), None)
+        if objective is None or not _skip_to(stream, b"\nRHS"):
+            return 0.0
+        stream.readline()
+        for line in stream:
+            if line[:1] != b" ":
+                break
+            fields = line.split()
+            if objective in fields[:-1]:
+                return -float(fields[fields.index(objective) + 1])
     return 0.0
+
+
+def _skip_to(stream, mark, piece=1 << 20):
+    """Places the stream just behind the next `mark`; False when there is none."""
+    tail = b""
+    while block := stream.read(piece):
+        text = tail + block
+        place = text.find(mark)
+        if place >= 0:
+            stream.seek(place + len(mark) - len(text), 1)
+            return True
+        tail = text[-len(mark) :]
+    return False
