@@ -1,6 +1,6 @@
 # tests/<group>/test_<name>.cpp becomes the program test_<group>_<name>. Groups unit and property see the inner
-# components; the other groups see the public header only. Labels: the group, and `parallel` for test programs whose
-# name says that they run threads; the thread sanitizer runs those.
+# components; the other groups see the public header only. The label is the group, or <group>_parallel for
+# test programs whose name says that they run threads; the thread sanitizer runs those.
 find_package(GTest REQUIRED)
 find_package(Python3 REQUIRED COMPONENTS Interpreter)
 include(GoogleTest)
@@ -19,12 +19,12 @@ foreach(group unit property api fileio regress)
     endif()
     target_compile_definitions(${target} PRIVATE TOVIK_SOURCE_DIR="${CMAKE_CURRENT_SOURCE_DIR}")
     tovik_warnings(${target})
-    set(labels ${group})
+    set(label ${group})
     if(name MATCHES "parallel|thread|concurrent")
-      list(APPEND labels parallel)
+      set(label ${group}_parallel)
       add_dependencies(tovik_parallel_tests ${target})
     endif()
-    gtest_discover_tests(${target} DISCOVERY_TIMEOUT 60 PROPERTIES LABELS "${labels}" TIMEOUT 600)
+    gtest_discover_tests(${target} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 600 LABELS ${label})
   endforeach()
 endforeach()
 
