@@ -1,25 +1,26 @@
 /* A dense array of values together with the list of its nonzero positions.
  *
- * Invariant while count >= 0: every position with a nonzero value is in index[0..count-1] exactly once; a listed position
- * may hold zero or a value of no consequence. count < 0 means that the list is not maintained: treat the array as dense.
- * The packed copy (index, value pairs of an intermediate result) is filled by solves that are asked to. */
+ * Invariant while count >= 0: every position with a nonzero value is in index[0..count-1] exactly once; a
+ * listed position may hold zero or a value of no consequence. count < 0 means that the list is not
+ * maintained: treat the array as dense. The packed copy (index, value pairs of an intermediate result) is
+ * filled by solves that are asked to. */
 #pragma once
 
 #include <vector>
 
 namespace tovik::lp {
 
-inline constexpr double kTiny = 1e-14;   // results below this are dropped
-inline constexpr double kZero = 1e-50;   // placeholder that keeps a cancelled position listed once
+inline constexpr double kTiny = 1e-14;  // results below this are dropped
+inline constexpr double kZero = 1e-50;  // placeholder that keeps a cancelled position listed once
 
 class SparseVector {
  public:
   void resize(int dimension);
   int dimension() const { return static_cast<int>(array.size()); }
-  void clear();                       // by the list when it is short, otherwise the whole array
-  void tight();                       // drops |v| < kTiny (works on the list, or on the array when count < 0)
-  void reindex();                     // rebuilds the list (sorted) when it is invalid or longer than 10 % of the dimension
-  void pack();                        // packed copy of the listed nonzeros
+  void clear();    // by the list when it is short, otherwise the whole array
+  void tight();    // drops |v| < kTiny (works on the list, or on the array when count < 0)
+  void reindex();  // rebuilds the list (sorted) when it is invalid or longer than 10 % of the dimension
+  void pack();     // packed copy of the listed nonzeros
   void copy(const SparseVector& other);  // values and list only
   double norm2() const;
   void set_unit(int position, double value = 1.0) {  // the vector must be clear
@@ -29,9 +30,9 @@ class SparseVector {
   }
 
   std::vector<double> array;
-  std::vector<int> index;             // size = dimension
+  std::vector<int> index;  // size = dimension
   int count = 0;
-  bool want_pack = false;             // ask the next solve to fill the packed copy with its partial result
+  bool want_pack = false;  // ask the next solve to fill the packed copy with its partial result
   std::vector<int> packed_index;
   std::vector<double> packed_value;
 };
