@@ -190,6 +190,7 @@ Status strong_branch(Environment& env, Problem& problem, const Branching& reques
       if (outcome == simplex::Outcome::user_abort) result = Status(1263);
       if (outcome != simplex::Outcome::infeasible) objective = sign * solver.dual().objective();
       solver.change_bounds(j, old_low, old_high);
+      core.use_original_bounds();
       core.set_basis(start.status);
     }
     return objective;

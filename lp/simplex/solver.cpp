@@ -223,6 +223,14 @@ void Solver::forget_basis() {
   keep_norms_ = false;
 }
 
+/* After a change of its bounds a non-basic variable that stood fixed or free must not stay between the new
+ * ones: only where it stands at a bound, or at 0 when free, the statuses tell its value. */
+void Solver::settle(int j) {
+  core_->work_lower[j] = core_->lower[j];
+  core_->work_upper[j] = core_->upper[j];
+  if (core_->nonbasic[j]) core_->place_nonbasic(j, core_->move[j]);
+}
+
 void Solver::change_bounds(int j, double low, double high) {
   lp_.lower[j] = low;
   lp_.upper[j] = high;
@@ -230,6 +238,7 @@ void Solver::change_bounds(int j, double low, double high) {
   const bool was_fixed = core_->is_fixed(j);
   core_->lower[j] = low / c;
   core_->upper[j] = high / c;
+  settle(j);
   if (core_->nonbasic[j] && was_fixed != core_->is_fixed(j)) {
     if (was_fixed) {
       core_->rows.activate(j);
@@ -245,6 +254,7 @@ void Solver::change_row_bounds(int i, double low, double high) {
   const double r = row_scale(i);
   core_->lower[core_->n + i] = -high * r;
   core_->upper[core_->n + i] = -low * r;
+  settle(core_->n + i);
 }
 
 void Solver::change_cost(int j, double c) {

@@ -102,6 +102,7 @@ class Solver {
  private:
   Outcome run(Method method);
   bool already_optimal();
+  void settle(int j);
   Outcome run_dual();
   Outcome run_primal();
   bool verify_infeasible(const std::vector<double>& scaled_row);

@@ -376,7 +376,7 @@ TEST_F(Optimize, SolvesWithTheBasisMatrix) {
 }
 
 TEST_F(Optimize, StrongBranchingTellsTheBranches) {
-  for_optimal_models(600, [&](const Lp& model, ProbHandle lp) {
+  for_optimal_models(1000, [&](const Lp& model, ProbHandle lp) {
     std::vector<double> x(model.obj.size()), down(x.size()), up(x.size()), after(x.size());
     std::vector<int> columns(x.size());
     for (int j = 0; j < model.columns; ++j) columns[j] = j;

@@ -8,7 +8,7 @@ namespace {
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 constexpr unsigned kSequences = 200;
 #else
-constexpr unsigned kSequences = 2000;
+constexpr unsigned kSequences = 12000;
 #endif
 constexpr int kSteps = 6;
 
