@@ -54,9 +54,9 @@ void load(simplex::Core& core, int variable, SparseVector& column) {
 }
 
 /* The moved basis becomes the problem's start; what was solved no longer holds. */
-void adopt(Environment& env, Problem& problem, BasisView& view) {
+void adopt(Problem& problem, BasisView& view) {
   view.solver().extract();
-  publish(env, problem, view.solver());
+  publish(problem, view.solver());
   problem.solution.reset();
   problem.status = 0;
   static_cast<LiveSimplex*>(problem.simplex.get())->start_is_mine = true;
@@ -96,7 +96,7 @@ Status pivot_in(Environment& env, Problem& problem, const int* rows, int count) 
     const int p = best_position(column, may_leave);
     if (p >= 0 && !exchange(core, entering, p, column, row)) return Status(1256);
   }
-  adopt(env, problem, view);
+  adopt(problem, view);
   view.solver().detach();
   guard.arrived();
   return {};
@@ -148,7 +148,7 @@ Status pivot_out(Environment& env, Problem& problem, const int* columns, int cou
     load(core, entering, column);
     if (!exchange(core, entering, position, column, row)) return Status(1256);
   }
-  adopt(env, problem, view);
+  adopt(problem, view);
   view.solver().detach();
   guard.arrived();
   return {};

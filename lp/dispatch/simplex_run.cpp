@@ -56,19 +56,18 @@ int status_code(simplex::Outcome outcome, bool unscaled_infeasible) {
   }
 }
 
-void publish(Environment& env, Problem& problem, const simplex::Solver& solver) {
-  (void)env;
-  const simplex::Answer& answer = solver.answer();
+void publish(Problem& problem, simplex::Solver& solver) {
+  simplex::Answer answer = solver.release_answer();
   const model::Model& model = *problem.model;
   const double sign = model.objective_sense();
   auto solution = std::make_unique<Solution>();
   solution->objective = sign * answer.objective;
-  solution->x = answer.x;
+  solution->x = std::move(answer.x);
   const auto rhs = model.rhs();
-  solution->slack.resize(answer.activity.size());
-  for (size_t i = 0; i < answer.activity.size(); ++i) solution->slack[i] = rhs[i] - answer.activity[i];
-  solution->pi = times(sign, answer.y);
-  solution->dj = times(sign, answer.d);
+  solution->slack = std::move(answer.activity);
+  for (size_t i = 0; i < solution->slack.size(); ++i) solution->slack[i] = rhs[i] - solution->slack[i];
+  solution->pi = times(sign, std::move(answer.y));
+  solution->dj = times(sign, std::move(answer.d));
   solution->method = answer.method == simplex::Method::primal ? 1 : 2;
   solution->has_basis = true;
   solution->primal_feasible = answer.primal_feasible;
@@ -77,8 +76,8 @@ void publish(Environment& env, Problem& problem, const simplex::Solver& solver) 
   solution->iterations = static_cast<int>(counters.iterations);
   solution->phase1_iterations = static_cast<int>(counters.phase1_iterations);
   solution->factorizations = static_cast<int>(counters.factorizations);
-  solution->ray = answer.ray;
-  solution->farkas = answer.farkas;
+  solution->ray = std::move(answer.ray);
+  solution->farkas = std::move(answer.farkas);
   solution->farkas_gap = answer.farkas_gap;
   std::vector<int> column_status(answer.column_status.size());
   std::vector<int> row_status(answer.row_status.size());
@@ -107,8 +106,9 @@ Status run_simplex(Environment& env, Problem& problem, simplex::Method method) {
   const simplex::Outcome outcome = live.solver.solve(method);
   live.solver.detach();
   if (outcome == simplex::Outcome::singular) return Status(1256);
-  publish(env, problem, live.solver);
-  problem.status = status_code(outcome, live.solver.answer().unscaled_infeasible);
+  const int status = status_code(outcome, live.solver.answer().unscaled_infeasible);
+  publish(problem, live.solver);
+  problem.status = status;
   problem.factor_current = true;
   live.start_is_mine = true;
   guard.arrived();

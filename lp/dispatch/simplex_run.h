@@ -12,7 +12,7 @@ Status run_simplex(Environment& env, Problem& problem, simplex::Method method);
 /* Status code of the public table. */
 int status_code(simplex::Outcome outcome, bool unscaled_infeasible);
 
-/* Writes the engine's present point into problem.solution and problem.start. */
-void publish(Environment& env, Problem& problem, const simplex::Solver& solver);
+/* Moves the engine's answer into problem.solution and problem.start. */
+void publish(Problem& problem, simplex::Solver& solver);
 
 }  // namespace tovik::lp::dispatch

@@ -46,6 +46,9 @@ Core::Core(LpData scaled_lp, const Options& solve_options, Control& solve_contro
     lower[n + i] = -lp.row_upper[i];
     upper[n + i] = -lp.row_lower[i];
   }
+  for (std::vector<double>* copied : {&lp.cost, &lp.lower, &lp.upper, &lp.row_lower, &lp.row_upper}) {
+    std::vector<double>().swap(*copied);
+  }
   work_cost = cost;
   work_lower = lower;
   work_upper = upper;

@@ -71,24 +71,26 @@ ImpliedBounds imply_bounds(const Core& core) {
         const int i = matrix.index[k];
         const double a = matrix.value[k];
         if (std::fabs(a) < kSmallEntry) continue;
+        const double row_lower = -core.upper[core.n + i];
+        const double row_upper = -core.lower[core.n + i];
         // a x_j <= row_upper - (smallest activity of the others), a x_j >= row_lower - (largest of the
         // others)
         const double own_low = a > 0 ? lower[j] : upper[j];
         const double own_high = a > 0 ? upper[j] : lower[j];
         const bool own_low_infinite = std::isinf(own_low);
         const bool own_high_infinite = std::isinf(own_high);
-        if (core.lp.row_upper[i] < kInf && activity.low_infinite[i] == (own_low_infinite ? 1 : 0)) {
+        if (row_upper < kInf && activity.low_infinite[i] == (own_low_infinite ? 1 : 0)) {
           const double rest = activity.low[i] - (own_low_infinite ? 0.0 : a * own_low);
-          const double bound = (core.lp.row_upper[i] - rest) / a;
+          const double bound = (row_upper - rest) / a;
           if (a > 0) {
             high = std::min(high, bound);
           } else {
             low = std::max(low, bound);
           }
         }
-        if (core.lp.row_lower[i] > -kInf && activity.high_infinite[i] == (own_high_infinite ? 1 : 0)) {
+        if (row_lower > -kInf && activity.high_infinite[i] == (own_high_infinite ? 1 : 0)) {
           const double rest = activity.high[i] - (own_high_infinite ? 0.0 : a * own_high);
-          const double bound = (core.lp.row_lower[i] - rest) / a;
+          const double bound = (row_lower - rest) / a;
           if (a > 0) {
             low = std::max(low, bound);
           } else {

@@ -67,6 +67,7 @@ class Solver {
 
   Outcome solve(Method method);
   const Answer& answer() const { return answer_; }
+  Answer release_answer() { return std::move(answer_); }
   Core& core() { return *core_; }
   const Core& core() const { return *core_; }
   Dual& dual();      // made when first asked for
