@@ -10,9 +10,10 @@ for path in house.files(".h"):
         for word in re.finditer(r"(unused\(\s*)?(?:integer|real|text)\(\s*NAMED\((\w+)\)", house.text(path)):
             rows["TVK_PARAM_" + word.group(2)] = word.group(1) is not None
 
-# Acts when it is set, inside param/; and one that a writer of parameter files leaves out without obeying it.
+# Acts when it is set, inside param/.
 read = {"TVK_PARAM_SCRIND"}
-LEFT_OUT = {"TVK_PARAM_MIPCBREDLP"}
+# Looked at without effect: left out by a writer of parameter files; asked for in the choice of a method to come.
+LEFT_OUT = {"TVK_PARAM_MIPCBREDLP", "TVK_PARAM_THREADS", "TVK_PARAM_MEMORYEMPHASIS"}
 for path in house.files(".cpp", ".h"):
     top = path.parts[0]
     if top in ("env", "model", "fileio", "lp", "mip"):

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 
-#include "env/thread_limit.h"
 #include "param/engines_rows.h"
 #include "param/general_rows.h"
 #include "param/mip_rows.h"
