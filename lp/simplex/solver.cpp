@@ -352,6 +352,7 @@ Outcome Solver::run_dual() {
   for (int round = 0; round < kRounds; ++round) {
     settings.keep_norms = keep_norms_ || round > 0;
     settings.perturb = round < 3;
+    settings.warm = has_basis_ && round == 0;
     answer_.method = Method::dual;
     last = dual().solve(settings, kUnlimited);
     keep_norms_ = true;
@@ -500,22 +501,30 @@ bool Solver::verify_ray() {
   for (double v : ray) largest = std::max(largest, std::fabs(v));
   if (largest == 0) return false;
   for (double& v : ray) v /= largest;
-  constexpr double kTolerance = 1e-7;
+  // Rounding is small against the terms of a sum; in a badly scaled model that says nothing about its size.
+  constexpr double kNegligible = 1e-9;
   CompensatedSum slope;
+  double slope_terms = 0;
+  std::vector<double> terms(static_cast<size_t>(core.m), 0.0);
   for (int j = 0; j < core.n; ++j) {
-    if (std::fabs(ray[j]) < 1e-12) ray[j] = 0;
-    if ((ray[j] > kTolerance && lp_.upper[j] < kInf) || (ray[j] < -kTolerance && lp_.lower[j] > -kInf))
-      return false;
+    if ((ray[j] > 0 && lp_.upper[j] < kInf) || (ray[j] < 0 && lp_.lower[j] > -kInf)) {
+      if (std::fabs(ray[j]) > kNegligible) return false;
+      ray[j] = 0;
+    }
+    if (ray[j] == 0) continue;
     slope.add_product(lp_.cost[j], ray[j]);
+    slope_terms += std::fabs(lp_.cost[j] * ray[j]);
+    each_entry(j, [&](int i, double a) { terms[i] += std::fabs(a * ray[j]); });
   }
   const std::vector<double> activity = product(*this, ray);
   for (int i = 0; i < core.m; ++i) {
-    if ((activity[i] > kTolerance && lp_.row_upper[i] < kInf) ||
-        (activity[i] < -kTolerance && lp_.row_lower[i] > -kInf)) {
+    const double negligible = kNegligible * terms[i];
+    if ((activity[i] > negligible && lp_.row_upper[i] < kInf) ||
+        (activity[i] < -negligible && lp_.row_lower[i] > -kInf)) {
       return false;
     }
   }
-  if (!(slope.value() < -1e-9)) return false;
+  if (!(slope.value() < -kNegligible * slope_terms)) return false;
   answer_.ray = std::move(ray);
   return true;
 }

@@ -332,16 +332,17 @@ inline std::string check_farkas(const Lp& lp, const std::vector<double>& y, doub
 inline std::string check_ray(const Lp& lp, const std::vector<double>& ray) {
   Complaints c;
   double slope = 0, largest = 0;
-  const std::vector<double> ar = lp.activity(ray);
+  std::vector<double> size;
+  const std::vector<double> ar = lp.activity(ray, &size);
   for (int j = 0; j < lp.columns; ++j) {
     largest = std::max(largest, std::fabs(ray[j]));
     slope += lp.sense * lp.obj[j] * ray[j];
-    c.check(ray[j] <= 1e-7 || std::isinf(lp.high(j)), "ray leaves upper bound", j, ray[j]);
-    c.check(ray[j] >= -1e-7 || std::isinf(lp.low(j)), "ray leaves lower bound", j, ray[j]);
+    c.check(ray[j] <= 0 || std::isinf(lp.high(j)), "ray leaves upper bound", j, ray[j]);
+    c.check(ray[j] >= 0 || std::isinf(lp.low(j)), "ray leaves lower bound", j, ray[j]);
   }
   for (int i = 0; i < lp.rows; ++i) {
-    c.check(ar[i] <= 1e-7 || std::isinf(lp.row_high(i)), "ray leaves row upward", i, ar[i]);
-    c.check(ar[i] >= -1e-7 || std::isinf(lp.row_low(i)), "ray leaves row downward", i, ar[i]);
+    c.check(ar[i] <= 1.1e-9 * size[i] || std::isinf(lp.row_high(i)), "ray leaves row upward", i, ar[i]);
+    c.check(ar[i] >= -1.1e-9 * size[i] || std::isinf(lp.row_low(i)), "ray leaves row downward", i, ar[i]);
   }
   c.check(std::fabs(largest - 1) < 1e-12, "largest entry is not 1", 0, largest);
   c.check(slope < 0, "ray does not improve", 0, slope);
