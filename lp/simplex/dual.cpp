@@ -78,6 +78,31 @@ void Dual::restore_costs() {
   core_.compute_dual();
 }
 
+void Dual::start_norms(const Settings& settings) {
+  const Pricing wanted = core_.options.dual_pricing;
+  pricing_ = wanted == Pricing::devex || wanted == Pricing::dantzig ? wanted : Pricing::steepest_edge;
+  if (core_.observer != nullptr && core_.counters.iterations == 0 && pricing_ != Pricing::dantzig) {
+    core_.observer->pricing(pricing_ == Pricing::steepest_edge, false);
+  }
+  const bool steepest = pricing_ == Pricing::steepest_edge;
+  if (steepest && settings.keep_norms && norms_.fits(core_.m)) return;
+  const bool logical = std::all_of(core_.head.begin(), core_.head.end(), [&](int j) { return j >= core_.n; });
+  if (logical || !steepest || wanted != Pricing::steepest_edge) {
+    norms_.reset(core_.m);
+  } else {
+    core_.say("Initializing dual full norms . . .\n");
+    norms_.compute(core_, rho_);
+  }
+}
+
+/* Few and only primal infeasibilities: such a start is left alone, no perturbation, no boxes. */
+bool Dual::near_optimal() {
+  core_.compute_dual();
+  if (core_.dual_infeasibility().count > 0) return false;
+  core_.compute_primal();
+  return core_.primal_infeasibility().count <= 30 + core_.m / 100;
+}
+
 Outcome Dual::solve(const Settings& settings, std::int64_t iteration_budget) {
   iteration_end_ = core_.counters.iterations + iteration_budget;
   trouble_count_ = 0;
@@ -87,27 +112,15 @@ Outcome Dual::solve(const Settings& settings, std::int64_t iteration_budget) {
   core_.use_original_costs();
   const bool fresh_basis = !core_.has_factor;
   if (fresh_basis && core_.refactor() == FactorState::singular) return Outcome::singular;
-  if (!(settings.keep_norms && norms_.fits(core_.m))) {
-    const bool logical =
-        std::all_of(core_.head.begin(), core_.head.end(), [&](int j) { return j >= core_.n; });
-    if (logical || !settings.exact_norms) {
-      norms_.reset(core_.m);
-    } else {
-      core_.say("Initializing dual full norms . . .\n");
-      norms_.compute(core_, rho_);
-    }
-  }
-  box_.found = 0;
-  if (settings.imply_bounds) {
-    box_ = imply_bounds(core_);
-  } else {
-    drop_implied_bounds();
-  }
+  start_norms(settings);
+  drop_implied_bounds();
   perturb_scale_ = core_.options.perturb_magnitude / kUsualMagnitude;
-  if (core_.observer != nullptr && core_.counters.iterations == 0) core_.observer->pricing(true, false);
-  if (settings.perturb) {
-    perturb_costs(core_, perturb_scale_);
-    core_.say("Perturbation started.\n");
+  if (!(settings.warm && near_optimal())) {
+    if (settings.imply_bounds) box_ = imply_bounds(core_);
+    if (settings.perturb) {
+      perturb_costs(core_, perturb_scale_);
+      core_.say("Perturbation started.\n");
+    }
   }
   core_.compute_dual();
   clear_phase1_bounds();  // boxed variables to their dual feasible bounds
@@ -307,7 +320,8 @@ int Dual::choose_row() {
     rho_.want_pack = true;
     core_.btran(rho_, core_.row_ep_density);
     rho_.want_pack = false;
-    const bool stands = norms_.exact(p, std::max(DualNorms::kFloor, rho_.norm2()));
+    const bool stands =
+        pricing_ != Pricing::steepest_edge || norms_.exact(p, std::max(DualNorms::kFloor, rho_.norm2()));
     const double low = core_.x_lower[p];
     const double high = core_.x_upper[p];
     delta_ = core_.x[p] < low ? core_.x[p] - low : core_.x[p] - high;
@@ -394,8 +408,6 @@ void Dual::apply(int p, const DualEntering::Pick& pick) {
     update_values(-1, 1.0);
     delta_ = core_.x[p] - bound;
   }
-  tau_.copy(rho_);
-  core_.ftran(tau_, core_.dse_density);
   objective_ += pick.theta * delta_;
   update_duals(pick.theta);
   core_.d[q] = 0;
@@ -403,7 +415,13 @@ void Dual::apply(int p, const DualEntering::Pick& pick) {
   const double pivot = alpha_column_.array[p];
   const double step = delta_ / pivot;
   const double entering_value = core_.value[q] + step;
-  norms_.update(p, alpha_column_, pivot, tau_);
+  if (pricing_ == Pricing::steepest_edge) {
+    tau_.copy(rho_);
+    core_.ftran(tau_, core_.dse_density);
+    norms_.update(p, alpha_column_, pivot, tau_);
+  } else if (pricing_ == Pricing::devex) {
+    norms_.update_devex(p, alpha_column_, pivot);
+  }
   update_values(p, step);
   core_.exchange(q, p, leaving_move);
   core_.x[p] = entering_value;

@@ -28,8 +28,8 @@ class Dual {
 
   struct Settings {
     bool perturb = true;
-    bool exact_norms = false;  // compute starting weights for a basis other than the slack basis
     bool keep_norms = false;   // weights are those of the present basis
+    bool warm = false;         // the start may be near the optimum: perturb only when it is not
     bool imply_bounds = true;  // box columns by bounds that the rows imply
   };
   Outcome solve(const Settings& settings, std::int64_t iteration_budget);
@@ -63,6 +63,8 @@ class Dual {
   bool prove_infeasible();
   double dual_objective() const;
   void watch_progress();
+  bool near_optimal();
+  void start_norms(const Settings& settings);
   void restore_costs();
   void report(int entering, int leaving, bool to_upper);
 
@@ -74,6 +76,7 @@ class Dual {
   double delta_ = 0;
   double objective_ = 0;
   bool phase1_ = false;
+  Pricing pricing_ = Pricing::steepest_edge;  // steepest edge, devex or plain (weights all 1)
   Rebuild wanted_ = Rebuild::none;
   bool fresh_ = false;  // nothing has changed since the last rebuild
   Outcome stop_ = Outcome::trouble;

@@ -33,6 +33,25 @@ void DualNorms::update(int p, const SparseVector& column, double pivot, const Sp
   weight_[p] = std::max(kFloor, pivot_weight * inverse * inverse);
 }
 
+void DualNorms::update_devex(int p, const SparseVector& column, double pivot) {
+  constexpr double kReset = 1e7;  // weights this far from the reference say nothing any more
+  const double inverse = 1.0 / pivot;
+  const double pivot_weight = weight_[p];
+  const auto step = [&](int i) {
+    const double ratio = column.array[i] * inverse;
+    weight_[i] = std::max(weight_[i], ratio * ratio * pivot_weight);
+  };
+  if (column.count >= 0) {
+    for (int k = 0; k < column.count; ++k) step(column.index[k]);
+  } else {
+    for (int i = 0; i < static_cast<int>(weight_.size()); ++i) {
+      if (column.array[i] != 0) step(i);
+    }
+  }
+  weight_[p] = std::max(1.0, pivot_weight * inverse * inverse);
+  if (weight_[p] > kReset) std::fill(weight_.begin(), weight_.end(), 1.0);
+}
+
 void DualNorms::save(const Core& core) {
   if (by_variable_.size() != static_cast<size_t>(core.total))
     by_variable_.assign(static_cast<size_t>(core.total), 1.0);

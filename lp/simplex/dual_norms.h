@@ -30,6 +30,8 @@ class DualNorms {
     return stored >= kAccept * norm2;
   }
   void update(int p, const SparseVector& column, double pivot, const SparseVector& tau);
+  /* Devex: reference weights that need no further solve (Harris 1973). */
+  void update_devex(int p, const SparseVector& column, double pivot);
   void save(const Core& core);
   void restore(const Core& core);
   double* data() { return weight_.data(); }

@@ -70,12 +70,13 @@ class Solver {
   Answer release_answer() { return std::move(answer_); }
   Core& core() { return *core_; }
   const Core& core() const { return *core_; }
-  Dual& dual();      // made when first asked for
+  Dual& dual();  // made when first asked for
   Primal& primal();
   const Scaling& scaling() const { return scaling_; }
   /* Vectors in the user's space; its matrix has sizes but no entries, see each_entry. */
   const LpData& user_lp() const { return lp_; }
-  /* f(row, value) for the entries of column j in the user's space: scale factors are powers of two, so nothing is lost. */
+  /* f(row, value) for the entries of column j in the user's space: scale factors are powers of two, so
+   * nothing is lost. */
   template <class F>
   void each_entry(int j, F f) const {
     const Matrix& matrix = core_->lp.matrix;
