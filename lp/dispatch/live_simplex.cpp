@@ -106,8 +106,7 @@ LiveSimplex& live_simplex(Environment& env, Problem& problem, Control& control, 
     return solver.core().n == problem.model->num_columns() && solver.core().m == problem.model->num_rows() &&
            solver.num_entries() == problem.model->num_nonzeros();
   };
-  if (live != nullptr &&
-      (live->solver.options().scaling != options.scaling || !fits(live->solver))) {
+  if (live != nullptr && (live->solver.options().scaling != options.scaling || !fits(live->solver))) {
     problem.simplex.reset();
     live = nullptr;
   }
