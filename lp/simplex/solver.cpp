@@ -77,7 +77,7 @@ double farkas_gap(const Solver& solver, std::vector<double>& y) {
   const LpData& lp = solver.user_lp();
   constexpr double kNegligible = 1e-9;  // share of the largest multiplier, or of the terms of a sum
   CompensatedSum gap;
-  double magnitude = 1;
+  double magnitude = 0;
   const auto add = [&](double w, double bound) {
     gap.add_product(w, bound);
     magnitude = std::max(magnitude, std::fabs(w * bound));
