@@ -7,6 +7,7 @@ namespace tovik::lp::simplex {
 namespace {
 
 constexpr int kSweeps = 4;
+constexpr double kBetter = 0.1;       // share by which a found bound must improve to be moved again
 constexpr double kLargest = 1e6;      // larger bounds (scaled) would make basic values too large to be exact
 constexpr double kLoosen = 1e-2;      // relative and absolute distance kept from the implied value
 constexpr double kSmallEntry = 1e-4;  // entries that would blow a bound up
@@ -36,14 +37,15 @@ struct Activities {
       high[i] += a * at_high;
     }
   }
-  /* A bound that was infinite became `bound`. */
-  void made_finite(int i, double a, double bound, bool upper) {
-    if ((a > 0) == upper) {
-      --high_infinite[i];
-      high[i] += a * bound;
+  /* A bound moves to a finite value. */
+  void change(int i, double a, double old, double bound, bool is_upper) {
+    const bool high_side = (a > 0) == is_upper;
+    double& sum = high_side ? high[i] : low[i];
+    if (std::isinf(old)) {
+      --(high_side ? high_infinite[i] : low_infinite[i]);
+      sum += a * bound;
     } else {
-      --low_infinite[i];
-      low[i] += a * bound;
+      sum += a * (bound - old);
     }
   }
 };
@@ -61,10 +63,20 @@ ImpliedBounds imply_bounds(const Core& core) {
       activity.add(matrix.index[k], matrix.value[k], lower[j], upper[j]);
   }
   std::vector<char> made_lower(static_cast<size_t>(core.n), 0), made_upper(made_lower);
+  int changes = 0;
+  const auto move = [&](int j, double bound, bool is_upper) {
+    double& old = is_upper ? upper[j] : lower[j];
+    for (int k = matrix.start[j]; k < matrix.start[j + 1]; ++k) {
+      activity.change(matrix.index[k], matrix.value[k], old, bound, is_upper);
+    }
+    if (std::isinf(old)) ++result.found;
+    old = bound;
+    ++changes;
+  };
   for (int sweep = 0; sweep < kSweeps; ++sweep) {
-    const int before = result.found;
+    changes = 0;
     for (int j = 0; j < core.n; ++j) {
-      if (lower[j] != -kInf && upper[j] != kInf) continue;
+      if (lower[j] != -kInf && upper[j] != kInf && !made_lower[j] && !made_upper[j]) continue;
       double high = kInf;
       double low = -kInf;
       for (int k = matrix.start[j]; k < matrix.start[j + 1]; ++k) {
@@ -98,22 +110,18 @@ ImpliedBounds imply_bounds(const Core& core) {
           }
         }
       }
-      if (upper[j] == kInf && std::fabs(high) < kLargest && high > std::max(lower[j], low)) {
-        upper[j] = high;
+      if ((upper[j] == kInf || (made_upper[j] && high < upper[j] - kBetter * (1.0 + std::fabs(upper[j])))) &&
+          std::fabs(high) < kLargest && high > std::max(lower[j], low)) {
+        move(j, high, true);
         made_upper[j] = 1;
-        ++result.found;
-        for (int k = matrix.start[j]; k < matrix.start[j + 1]; ++k)
-          activity.made_finite(matrix.index[k], matrix.value[k], high, true);
       }
-      if (lower[j] == -kInf && std::fabs(low) < kLargest && low < std::min(upper[j], high)) {
-        lower[j] = low;
+      if ((lower[j] == -kInf || (made_lower[j] && low > lower[j] + kBetter * (1.0 + std::fabs(lower[j])))) &&
+          std::fabs(low) < kLargest && low < std::min(upper[j], high)) {
+        move(j, low, false);
         made_lower[j] = 1;
-        ++result.found;
-        for (int k = matrix.start[j]; k < matrix.start[j + 1]; ++k)
-          activity.made_finite(matrix.index[k], matrix.value[k], low, false);
       }
     }
-    if (result.found == before) break;
+    if (changes == 0) break;
   }
   for (int j = 0; j < core.n; ++j) {
     if (made_upper[j]) upper[j] += kLoosen * (1.0 + std::fabs(upper[j]));
