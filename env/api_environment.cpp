@@ -76,7 +76,7 @@ Status open_child(Environment& parent, Environment*& opened) {
 
 /* Not while a routine works in it: the caller is then inside a callback or a message function. */
 Status may_be_freed(const Environment& env) {
-  const bool busy = env.in_callback != 0 || !env.limits.empty() || env.delivering();
+  const bool busy = env.in_callback != 0 || !env.limits.empty() || env.delivering() || env.in_use();
   return busy ? TVK_ERROR_IN_INFO_CALLBACK : 0;
 }
 

@@ -126,6 +126,7 @@ int TVKfreeprob(ConstEnvHandle env, ProbHandle* lp_p) {
     Environment* checked = nullptr;
     Problem* problem = nullptr;
     if (int bad = check_handles(env, *lp_p, &checked, &problem); bad != 0) return bad;
+    if (problem->in_use) return TVK_ERROR_IN_INFO_CALLBACK;
     return free_problem(*problem);
   });
   if (code == 0) *lp_p = nullptr;

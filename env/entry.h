@@ -38,7 +38,19 @@ int with_environment(ConstEnvHandle handle, Worker&& worker, In in = In::callbac
   return report(*env, guarded([&] { return worker(*env); }));
 }
 
-/* worker: Status(Environment&, Problem&) */
+/* Marks a problem while a routine changes or optimizes it. */
+class ProblemUse {
+ public:
+  explicit ProblemUse(Problem& problem) : problem_(problem) { problem_.in_use = true; }
+  ~ProblemUse() { problem_.in_use = false; }
+  ProblemUse(const ProblemUse&) = delete;
+  ProblemUse& operator=(const ProblemUse&) = delete;
+
+ private:
+  Problem& problem_;
+};
+
+/* worker: Status(Environment&, Problem&). This one only reads the problem. */
 template <class Worker>
 int with_problem(ConstEnvHandle handle, ConstProbHandle lp, Worker&& worker, In in = In::callback_refused) {
   Environment* env = nullptr;
@@ -47,6 +59,18 @@ int with_problem(ConstEnvHandle handle, ConstProbHandle lp, Worker&& worker, In 
     return env != nullptr ? report(*env, code) : code;
   }
   return report(*env, guarded([&] { return worker(*env, *problem); }));
+}
+
+/* This one may change it: refused from a callback or message function that is called while another one does.
+ */
+template <class Worker>
+int with_problem(ConstEnvHandle handle, ProbHandle lp, Worker&& worker, In in = In::callback_refused) {
+  const auto use = [&](Environment& env, Problem& problem) -> Status {
+    if (problem.in_use) return TVK_ERROR_IN_INFO_CALLBACK;
+    const ProblemUse in_use(problem);
+    return worker(env, problem);
+  };
+  return with_problem(handle, static_cast<ConstProbHandle>(lp), use, in);
 }
 
 }  // namespace tovik

@@ -25,6 +25,11 @@ bool Environment::delivering() const {
          std::any_of(children.begin(), children.end(), [](const auto& child) { return child->delivering(); });
 }
 
+bool Environment::in_use() const {
+  return std::any_of(problems.begin(), problems.end(), [](const auto& problem) { return problem->in_use; }) ||
+         std::any_of(children.begin(), children.end(), [](const auto& child) { return child->in_use(); });
+}
+
 int thread_limit() {
   return std::max(1, static_cast<int>(std::thread::hardware_concurrency()));
 }

@@ -45,8 +45,9 @@ typedef struct TVKchannel *ChannelHandle;
  *
  * Each routine checks its handles first, without following pointers that it does not know, so that a null, freed or
  * foreign handle yields a code and never a crash: 1002 no such environment, 1009 no such problem, 1806 a problem of
- * another environment, 1804 a call from inside the info callback that is not allowed there. Then it checks its
- * arguments. A failed routine changes nothing and writes one line to the environment's error channel:
+ * another environment, 1804 a call from inside the info callback that is not allowed there, or one from a callback or
+ * message function that would change, optimize or free a problem that a routine is changing or optimizing right then.
+ * Then it checks its arguments. A failed routine changes nothing and writes one line to the environment's error channel:
  * "TOVIK Error %5d: ", the text of the code, a period and a newline. */
 
 /* Size in bytes of a buffer that holds any text of TVKgeterrorstring or TVKgetstatstring. */
@@ -426,8 +427,8 @@ TVK_API void TVKEgeneric_unlock(void *lock);
 
 /* Registers the function that the continuous optimizers call while they run (null: none): `wherefrom` is 1 on each
  * simplex iteration and 7 during presolve, `handle` is the pointer given here. A result other than 0 stops the
- * optimization, which then ends with status TVK_STATUS_USER_ABORT. `cbdata` is opaque. The function must not free the
- * problem that is being optimized. */
+ * optimization, which then ends with status TVK_STATUS_USER_ABORT. `cbdata` is opaque. The function may ask the
+ * problem that is being optimized for what it holds; changing, optimizing or freeing it gives 1804. */
 TVK_API int TVKsetlpcallbackfunc(EnvHandle env,
                                  int (*func)(ConstEnvHandle env, void *cbdata, int wherefrom, void *handle),
                                  void *handle);
@@ -436,7 +437,7 @@ TVK_API int TVKgetlpcallbackfunc(ConstEnvHandle env, int (**func_p)(ConstEnvHand
                                  void **handle_p);
 
 /* Registers the function that is called around optimizations (null: none): with code 2 when a continuous optimizer
- * starts and 3 when it ends, with 0 before and 1 after branch-and-cut. */
+ * starts and 3 when it ends, with 0 before and 1 after branch-and-cut. For its calls the same holds. */
 TVK_API int TVKsetprofcallbackfunc(EnvHandle env, void (*func)(ConstEnvHandle env, int code, void *handle),
                                    void *handle);
 
@@ -556,7 +557,8 @@ TVK_API ProbHandle TVKcreateprob(ConstEnvHandle env, int *status_p, const char *
  * copied. `*status_p` as in TVKcreateprob, and 1009, 1806. */
 TVK_API ProbHandle TVKcloneprob(ConstEnvHandle env, ConstProbHandle lp, int *status_p);
 
-/* Frees the problem `*lp_p` with all that belongs to it and sets `*lp_p` to null. Errors: 1004 lp_p null, 1009, 1806. */
+/* Frees the problem `*lp_p` with all that belongs to it and sets `*lp_p` to null. Errors: 1004 lp_p null, 1009, 1806,
+ * 1804 a routine is working on it. */
 TVK_API int TVKfreeprob(ConstEnvHandle env, ProbHandle *lp_p);
 
 /* The problem type, -1 after an error. */

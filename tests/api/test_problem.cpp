@@ -106,6 +106,69 @@ TEST_F(Problems, TypesChangeBetweenLinearAndMixedIntegerAndNothingElse) {
   EXPECT_EQ(warnings(), "");
 }
 
+/* What a callback or message function must not do to a problem at work, and what it may. */
+struct Meddler {
+  EnvHandle env, child;
+  ProbHandle lp;
+  std::vector<int> refused;
+  int columns = -1;
+};
+extern "C" void meddle(void* handle, const char*) {
+  auto* self = static_cast<Meddler*>(handle);
+  if (!self->refused.empty()) return;
+  self->refused.push_back(1804);  // its own error lines come back here
+  ProbHandle lp = self->lp;
+  EnvHandle env = self->env, child = self->child;
+  self->refused = {TVKfreeprob(env, &lp), TVKdelcols(env, lp, 0, 0), TVKlpopt(child, lp), TVKcloseTOVIK(&env),
+                   TVKfreeparenv(env, &child)};
+  self->columns = TVKgetnumcols(env, lp);
+}
+extern "C" int meddle_lp(ConstEnvHandle, void*, int, void* handle) {
+  meddle(handle, "");
+  return 0;
+}
+extern "C" void meddle_profile(ConstEnvHandle, int, void* handle) {
+  meddle(handle, "");
+}
+
+TEST_F(Problems, AProblemAtWorkIsNotChangedOrFreedUnderIt) {
+  int status = -1;
+  EnvHandle child = TVKparenv(env_, &status);
+  ASSERT_EQ(status, 0);
+  /* Lives in the child and is worked on through the parent, so that either environment would take it away. */
+  ProbHandle lp = TVKcreateprob(child, &status, "busy");
+  const double obj[] = {3, 2}, rhs[] = {4}, val[] = {1, 1};
+  const int beg[] = {0}, ind[] = {0, 1};
+  ASSERT_EQ(TVKnewcols(env_, lp, 2, obj, nullptr, nullptr, nullptr, nullptr), 0);
+  ASSERT_EQ(TVKaddrows(env_, lp, 0, 1, 2, rhs, "G", beg, ind, val, nullptr, nullptr), 0);
+  ASSERT_EQ(TVKsetintparam(env_, TVK_PARAM_PREIND, 0), 0);
+  const std::vector<int> all_refused(5, 1804);
+  const auto meddled = [&](const char* how, const auto& install, const auto& work) {
+    Meddler meddler{env_, child, lp, {}};
+    ASSERT_EQ(install(&meddler), 0);
+    EXPECT_EQ(work(), 0) << how;
+    EXPECT_EQ(meddler.refused, all_refused) << how;
+    EXPECT_EQ(meddler.columns, 2) << how;
+  };
+  const auto solve = [&] { return TVKprimopt(env_, lp); };
+  meddled(
+      "lp callback", [&](void* m) { return TVKsetlpcallbackfunc(env_, meddle_lp, m); }, solve);
+  EXPECT_EQ(TVKgetstat(env_, lp), TVK_STATUS_OPTIMAL);
+  ASSERT_EQ(TVKsetlpcallbackfunc(env_, nullptr, nullptr), 0);
+  meddled(
+      "profiling", [&](void* m) { return TVKsetprofcallbackfunc(env_, meddle_profile, m); }, solve);
+  ASSERT_EQ(TVKsetprofcallbackfunc(env_, nullptr, nullptr), 0);
+  ASSERT_EQ(TVKchgprobtype(env_, lp, 1), 0);
+  ASSERT_EQ(TVKsetintparam(env_, TVK_PARAM_DATACHECK, 1), 0);
+  meddled(
+      "message", [&](void* m) { return TVKaddfuncdest(env_, warning_, m, meddle); },
+      [&] { return TVKchgprobtype(env_, lp, 0); });
+  ASSERT_EQ(TVKdisconnectchannel(env_, warning_), 0);
+  EXPECT_EQ(TVKdelcols(env_, lp, 0, 0), 0);  // allowed again afterwards
+  EXPECT_EQ(TVKfreeprob(env_, &lp), 0);
+  EXPECT_EQ(TVKfreeparenv(env_, &child), 0);
+}
+
 TEST_F(Problems, CleanupIsStrictAndReachesEveryValue) {
   ProbHandle lp = small();
   ASSERT_EQ(TVKcleanup(env_, lp, 1e-9), 0);
