@@ -1,20 +1,48 @@
 #include "lp/dispatch/build_lp.h"
 
 #include <algorithm>
+#include <cmath>
+
+#include "include/tovik.h"
+#include "model/check.h"
 
 namespace tovik::lp::dispatch {
+
+namespace {
+double finite(double value) {
+  return std::clamp(value, -model::kInfinity, model::kInfinity);
+}
+}  // namespace
 
 RowBounds row_bounds(char sense, double rhs, double range) {
   switch (sense) {
     case 'L':
-      return {-kInf, stored_bound(rhs)};
+      return {-kInf, stored_upper(rhs)};
     case 'G':
-      return {stored_bound(rhs), kInf};
+      return {stored_lower(rhs), kInf};
     case 'R':
-      return {std::min(rhs, rhs + range), std::max(rhs, rhs + range)};
+      return {stored_lower(std::min(rhs, rhs + range)), stored_upper(std::max(rhs, rhs + range))};
     default:
-      return {rhs, rhs};
+      return {finite(rhs), finite(rhs)};
   }
+}
+
+/* Bounds and right-hand sides may be infinite. */
+Status check_finite(Environment& env, const model::Model& model, bool with_matrix) {
+  const auto check = [&](auto values) {
+    return model::check_numbers(env, static_cast<int>(values.size()), values.data());
+  };
+  if (Status s = check(model.objective()); !s.ok()) return s;
+  if (Status s = check(model.range()); !s.ok()) return s;
+  for (const auto values : {model.rhs(), model.lower(), model.upper()}) {
+    const auto nan = std::find_if(values.begin(), values.end(), [](double v) { return std::isnan(v); });
+    if (nan != values.end()) return fail(env, TVK_ERROR_NOT_A_NUMBER, static_cast<int>(nan - values.begin()));
+  }
+  for (int j = 0; with_matrix && j < model.num_columns(); ++j) {
+    const model::ColumnView column = model.column(j);
+    if (Status s = model::check_numbers(env, column.count, column.value); !s.ok()) return s;
+  }
+  return {};
 }
 
 LpData build_lp(const model::Model& model) {
@@ -36,8 +64,8 @@ LpData build_lp(const model::Model& model) {
   lp.matrix.value.reserve(static_cast<size_t>(model.num_nonzeros()));
   for (int j = 0; j < columns; ++j) {
     lp.cost[j] = sign * objective[j];
-    lp.lower[j] = stored_bound(lower[j]);
-    lp.upper[j] = stored_bound(upper[j]);
+    lp.lower[j] = stored_lower(lower[j]);
+    lp.upper[j] = stored_upper(upper[j]);
     const model::ColumnView column = model.column(j);
     lp.matrix.index.insert(lp.matrix.index.end(), column.index, column.index + column.count);
     lp.matrix.value.insert(lp.matrix.value.end(), column.value, column.value + column.count);

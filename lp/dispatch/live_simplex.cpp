@@ -46,8 +46,8 @@ void follow_changes(const model::Model& model, simplex::Solver& solver) {
   const auto lower = model.lower();
   const auto upper = model.upper();
   for (int j = 0; j < lp.num_columns(); ++j) {
-    const double low = stored_bound(lower[j]);
-    const double high = stored_bound(upper[j]);
+    const double low = stored_lower(lower[j]);
+    const double high = stored_upper(upper[j]);
     if (low != lp.lower[j] || high != lp.upper[j]) solver.change_bounds(j, low, high);
     const double cost = sign * objective[j];
     if (cost != lp.cost[j]) solver.change_cost(j, cost);

@@ -59,7 +59,7 @@ void primal_infeasibility(const Data& data, Gather& gather) {
   const std::vector<double> activity = activities(data);
   for (int j = 0; j < data.model.num_columns(); ++j) {
     gather.add(
-        outside(data.solution.x[j], stored_bound(data.model.lower()[j]), stored_bound(data.model.upper()[j])),
+        outside(data.solution.x[j], stored_lower(data.model.lower()[j]), stored_upper(data.model.upper()[j])),
         j);
   }
   for (int i = 0; i < data.model.num_rows(); ++i) {
@@ -81,7 +81,7 @@ void dual_infeasibility(const Data& data, Gather& gather) {
   const std::vector<double> activity = activities(data);
   for (int j = 0; j < data.model.num_columns(); ++j) {
     gather.add(wrong_dual(data.sign * data.solution.dj[j], data.solution.x[j],
-                          stored_bound(data.model.lower()[j]), stored_bound(data.model.upper()[j])),
+                          stored_lower(data.model.lower()[j]), stored_upper(data.model.upper()[j])),
                j);
   }
   for (int i = 0; i < data.model.num_rows(); ++i) {
@@ -112,8 +112,8 @@ void dual_residual(const Data& data, Gather& gather) {
 void complementarity(const Data& data, Gather& gather) {
   for (int j = 0; j < data.model.num_columns(); ++j) {
     const double x = data.solution.x[j];
-    const double gap = std::min(std::fabs(x - stored_bound(data.model.lower()[j])),
-                                std::fabs(stored_bound(data.model.upper()[j]) - x));
+    const double gap = std::min(std::fabs(x - stored_lower(data.model.lower()[j])),
+                                std::fabs(stored_upper(data.model.upper()[j]) - x));
     gather.add(std::isinf(gap) ? data.solution.dj[j] : gap * data.solution.dj[j], j);
   }
   for (int i = 0; i < data.model.num_rows(); ++i) {

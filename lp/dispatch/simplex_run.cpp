@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "include/tovik.h"
+#include "lp/dispatch/build_lp.h"
 #include "lp/dispatch/engine_control.h"
 #include "lp/dispatch/iteration_log.h"
 #include "lp/dispatch/live_simplex.h"
@@ -61,7 +62,7 @@ void publish(Problem& problem, simplex::Solver& solver) {
   const model::Model& model = *problem.model;
   const double sign = model.objective_sense();
   auto solution = std::make_unique<Solution>();
-  solution->objective = sign * answer.objective;
+  solution->objective = sign * answer.objective + 0.0;  // never -0
   solution->x = std::move(answer.x);
   const auto rhs = model.rhs();
   solution->slack = std::move(answer.activity);
@@ -91,6 +92,8 @@ void publish(Problem& problem, simplex::Solver& solver) {
 }
 
 Status run_simplex(Environment& env, Problem& problem, simplex::Method method) {
+  const Status finite = check_finite(env, *problem.model, problem.simplex == nullptr);
+  if (!finite.ok()) return finite;
   EngineGuard guard(problem);
   EngineControl control(env, problem, 1);
   IterationLog log(env, problem, env.settings.integer(TVK_PARAM_SIMDISPLAY));

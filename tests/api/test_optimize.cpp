@@ -1,6 +1,7 @@
 /* The optimizers and what stands around them: limits, log, callbacks, methods, starts; and the routines on an
  * optimal basis, each checked against arithmetic of the test or against solving again. */
 #include <functional>
+#include <limits>
 #include <regex>
 
 #include "support/environment_fixture.h"
@@ -511,6 +512,48 @@ TEST_F(Optimize, NormsAreThoseOfTheInverseAndComeBack) {
   EXPECT_EQ(head, head_again);
   ASSERT_EQ(TVKdualopt(env_, other), 0);
   EXPECT_EQ(TVKgetitcnt(env_, other), 0);
+}
+
+/* Without the data check a model may hold anything; the optimizers name it instead of computing with it, and
+ * an infinite number on the side of a bound where no point can be is infeasible. */
+TEST_F(Optimize, UnusableNumbersAreNamedAndNoAnswerIsNotANumber) {
+  constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+  constexpr double kHuge = std::numeric_limits<double>::infinity();
+  const Lp sound = assignment(3, 1);
+  const struct {
+    const char* what;
+    std::function<void(Lp&)> spoil;
+    int code, status;
+  } cases[] = {
+      {"cost", [&](Lp& m) { m.obj[1] = kNan; }, TVK_ERROR_NOT_A_NUMBER, 0},
+      {"infinite cost", [&](Lp& m) { m.obj[1] = kHuge; }, TVK_ERROR_NUMBER_TOO_BIG, 0},
+      {"rhs", [&](Lp& m) { m.rhs[1] = kNan; }, TVK_ERROR_NOT_A_NUMBER, 0},
+      {"bound", [&](Lp& m) { m.lb[1] = kNan; }, TVK_ERROR_NOT_A_NUMBER, 0},
+      {"coefficient", [&](Lp& m) { m.val[1] = kNan; }, TVK_ERROR_NOT_A_NUMBER, 0},
+      {"infinite lower bound", [&](Lp& m) { m.lb[1] = 1e20; }, 0, TVK_STATUS_INFEASIBLE},
+      {"infinite upper bound", [&](Lp& m) { m.ub[1] = -1e20; }, 0, TVK_STATUS_INFEASIBLE},
+      {"infinite equation", [&](Lp& m) { m.rhs[1] = 1e20; }, 0, TVK_STATUS_INFEASIBLE},
+      {"a row that nothing satisfies",
+       [&](Lp& m) {
+         m.senses[1] = 'L';
+         m.rhs[1] = -kHuge;
+       },
+       0, TVK_STATUS_INFEASIBLE},
+  };
+  for (const auto& c : cases) {
+    for (int method = 0; method < 3; ++method) {
+      SCOPED_TRACE(std::string(c.what) + ' ' + std::to_string(method));
+      Lp model = sound;
+      c.spoil(model);
+      ProbHandle lp = load(model);
+      EXPECT_EQ(run(lp, method), c.code);
+      EXPECT_EQ(TVKgetstat(env_, lp), c.status);
+      if (c.code == 0) {
+        EXPECT_TRUE(std::isfinite(objective(lp)));
+      }
+      ASSERT_EQ(TVKfreeprob(env_, &lp), 0);
+    }
+  }
 }
 
 }  // namespace
