@@ -34,7 +34,10 @@ bool LineReader::refill() {
 }
 
 bool LineReader::next() {
-  if (complete_ && number_ != std::numeric_limits<int>::max()) ++number_;
+  const bool begins = complete_;
+  const auto count_line = [&] {
+    if (begins && number_ != std::numeric_limits<int>::max()) ++number_;
+  };
   std::size_t searched = 0;  // bytes from begin_ on that hold no line feed
   for (;;) {
     const char* text = buffer_.get() + begin_;
@@ -43,6 +46,7 @@ bool LineReader::next() {
       const std::size_t length = static_cast<std::size_t>(static_cast<const char*>(feed) - text);
       line_ = {text, length};
       begin_ += length + 1;
+      count_line();
       complete_ = true;
       return true;
     }
@@ -57,6 +61,7 @@ bool LineReader::next() {
     buffer_[end_] = '\n';
     line_ = {buffer_.get() + begin_, size};
     begin_ = end_;
+    count_line();
     complete_ = !full;
     return true;
   }
