@@ -74,6 +74,7 @@ bool Model::mixed_integer() const {
 
 std::vector<std::string> Model::names(NameQuery query, const char* word, int begin, int end) const {
   std::vector<std::string> result;
+  if (begin > end) return result;
   int surplus = 0;
   const int asked = query(environment_.handle(), handle_, nullptr, nullptr, 0, &surplus, begin, end);
   if (asked != TVK_ERROR_ARRAY_TOO_SHORT) {  // a model without names: positions stand for them

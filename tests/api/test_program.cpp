@@ -272,6 +272,13 @@ TEST_F(Program, ShowsBlockValuesAndLogWhereAsked) {
   EXPECT_TRUE(contains(run({"model.lp", "-q", "-p"}).out, "metal")) << "rows are printed with -p";
 }
 
+TEST_F(Program, AModelWithoutColumnsIsNoError) {
+  write("empty.lp", "Minimize\nEnd\n");
+  const Result result = run({"empty.lp"});
+  EXPECT_EQ(result.exit, 0);
+  EXPECT_FALSE(contains(result.out + result.err, "Error")) << result.out << result.err;
+}
+
 TEST_F(Program, NoticesValuesThatDoNotSatisfyTheModel) {
   write("model.lp", kOptimal);
   preload_ = TOVIK_WRONG_VALUES;
