@@ -1068,12 +1068,31 @@ TVK_API int TVKgetobjname(ConstEnvHandle env, ConstProbHandle lp, char *buffer, 
  */
 TVK_API int TVKreadcopyprob(ConstEnvHandle env, ProbHandle lp, const char *filename, const char *filetype);
 
+/* Reads a problem in LP format that a person types on standard input into an existing problem, whose data it replaces.
+ * The problem's name becomes "<stdin>".
+ *
+ * Asks for the problem on the results channel and reads up to a line that holds "end" alone; what follows on stdin is
+ * left there. A line with an error does not end the entry: the error's text, with the line's number, goes to the error
+ * channel, and the line is asked for again and read in its place as if the wrong one had never been. A statement over
+ * several lines may show its error only on a later line than the one named; the lines behind that one then stay as they
+ * were typed. A row ends with the line of its right-hand side. When the input ends without "end", the problem is taken
+ * as it is, with a warning.
+ *
+ * Errors, after which the problem is as it was before: the code of the last line's error when the input ends instead of
+ * bringing that line again; 1436 "end", or the end of the input, comes before any objective; 1423 standard input cannot
+ * be read; 1018, 1022, 1031, 1023 as for TVKreadcopyprob.
+ *
+ *     status = TVKreadcopystdin(env, lp);
+ */
+TVK_API int TVKreadcopystdin(ConstEnvHandle env, ProbHandle lp);
+
 /* ==== Section: optimizers, bases, rays, sensitivity, quality (lp/dispatch/) ==== */
 
 /* Optimizes a continuous linear problem by the method that TVK_PARAM_LPMETHOD names: 0 automatic, 1 primal simplex, 2 dual
  * simplex; 3 to 6 run the dual simplex. Leaves a solution and its status in the problem (TVKgetstat, TVKsolution): a
  * limit, infeasibility and unboundedness are statuses, not errors. Starts from the problem's basis when TVK_PARAM_ADVIND is
- * not 0. Errors: 1017 mixed-integer, 1018 and 1031 quadratic problems, 1256 singular beyond repair, 1001. */
+ * not 0. Errors: 1017 mixed-integer, 1018 and 1031 quadratic problems, 1225 and 1233 data that is not a number or infinite
+ * (found here when the data check was off), 1256 singular beyond repair, 1001. */
 TVK_API int TVKlpopt(ConstEnvHandle env, ProbHandle lp);
 
 /* Primal and dual simplex; otherwise as TVKlpopt. */
