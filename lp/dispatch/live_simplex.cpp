@@ -1,5 +1,7 @@
 #include "lp/dispatch/live_simplex.h"
 
+#include <cmath>
+
 #include "include/tovik.h"
 #include "lp/dispatch/build_lp.h"
 #include "model/model.h"
@@ -76,14 +78,20 @@ simplex::At column_at(int status) {
   }
 }
 
+/* A parameter may hold a value that is not a number: no comparison with it ever holds, and the engine would
+ * go round for ever. It then keeps its own default. */
+void take_number(double value, double& option) {
+  if (!std::isnan(value)) option = value;
+}
+
 }  // namespace
 
 simplex::Options engine_options(const Environment& env) {
   const Settings& s = env.settings;
   simplex::Options options;
-  options.primal_tolerance = s.real(TVK_PARAM_EPRHS);
-  options.dual_tolerance = s.real(TVK_PARAM_EPOPT);
-  options.markowitz = s.real(TVK_PARAM_EPMRK);
+  take_number(s.real(TVK_PARAM_EPRHS), options.primal_tolerance);
+  take_number(s.real(TVK_PARAM_EPOPT), options.dual_tolerance);
+  take_number(s.real(TVK_PARAM_EPMRK), options.markowitz);
   options.refactor_limit = s.integer(TVK_PARAM_REINV);
   options.singular_limit = s.integer(TVK_PARAM_SINGLIM);
   options.iteration_limit = s.integer(TVK_PARAM_ITLIM);
@@ -92,7 +100,7 @@ simplex::Options engine_options(const Environment& env) {
   options.price_candidates = s.integer(TVK_PARAM_PRICELIM);
   options.perturb_always = s.integer(TVK_PARAM_PERIND) != 0;
   options.perturb_after = s.integer(TVK_PARAM_PERLIM);
-  options.perturb_magnitude = s.real(TVK_PARAM_EPPER);
+  take_number(s.real(TVK_PARAM_EPPER), options.perturb_magnitude);
   options.scaling = s.integer(TVK_PARAM_SCAIND);
   options.seed = static_cast<std::uint64_t>(s.integer(param::kRandomSeed));
   options.display = s.integer(TVK_PARAM_SIMDISPLAY);

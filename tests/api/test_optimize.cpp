@@ -516,6 +516,26 @@ TEST_F(Optimize, NormsAreThoseOfTheInverseAndComeBack) {
 
 /* Without the data check a model may hold anything; the optimizers name it instead of computing with it, and
  * an infinite number on the side of a bound where no point can be is infeasible. */
+/* A setter takes what is not a number; the optimizers must still end, and with the right answer. */
+TEST_F(Optimize, SettingsThatAreNotNumbersCountAsDefaults) {
+  const Lp model = assignment(4, -1);
+  ProbHandle lp = load(model);
+  ASSERT_EQ(run(lp, 2), 0);
+  const double best = objective(lp);
+  for (const int number : {TVK_PARAM_EPRHS, TVK_PARAM_EPOPT, TVK_PARAM_EPMRK, TVK_PARAM_EPPER,
+                           TVK_PARAM_TILIM, TVK_PARAM_OBJLLIM, TVK_PARAM_OBJULIM}) {
+    for (const int method : {1, 2}) {
+      SCOPED_TRACE(std::to_string(number) + ' ' + std::to_string(method));
+      ASSERT_EQ(TVKsetdefaults(env_), 0);
+      ASSERT_EQ(TVKsetdblparam(env_, number, std::numeric_limits<double>::quiet_NaN()), 0);
+      ProbHandle fresh = load(model);
+      ASSERT_EQ(run(fresh, method), 0);
+      EXPECT_EQ(TVKgetstat(env_, fresh), TVK_STATUS_OPTIMAL);
+      EXPECT_NEAR(objective(fresh), best, 1e-6);
+    }
+  }
+}
+
 TEST_F(Optimize, UnusableNumbersAreNamedAndNoAnswerIsNotANumber) {
   constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
   constexpr double kHuge = std::numeric_limits<double>::infinity();
@@ -548,6 +568,10 @@ TEST_F(Optimize, UnusableNumbersAreNamedAndNoAnswerIsNotANumber) {
       ProbHandle lp = load(model);
       EXPECT_EQ(run(lp, method), c.code);
       EXPECT_EQ(TVKgetstat(env_, lp), c.status);
+      ASSERT_EQ(TVKchgobjoffset(env_, lp, kNan), 0);
+      EXPECT_EQ(run(lp, method), c.code == 0 ? TVK_ERROR_NOT_A_NUMBER : c.code);
+      ASSERT_EQ(TVKchgobjoffset(env_, lp, 0), 0);
+      EXPECT_EQ(run(lp, method), c.code);
       if (c.code == 0) {
         EXPECT_TRUE(std::isfinite(objective(lp)));
       }
