@@ -568,10 +568,6 @@ TEST_F(Optimize, UnusableNumbersAreNamedAndNoAnswerIsNotANumber) {
       ProbHandle lp = load(model);
       EXPECT_EQ(run(lp, method), c.code);
       EXPECT_EQ(TVKgetstat(env_, lp), c.status);
-      ASSERT_EQ(TVKchgobjoffset(env_, lp, kNan), 0);
-      EXPECT_EQ(run(lp, method), c.code == 0 ? TVK_ERROR_NOT_A_NUMBER : c.code);
-      ASSERT_EQ(TVKchgobjoffset(env_, lp, 0), 0);
-      EXPECT_EQ(run(lp, method), c.code);
       if (c.code == 0) {
         EXPECT_TRUE(std::isfinite(objective(lp)));
       }
