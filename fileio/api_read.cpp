@@ -9,3 +9,7 @@ int TVKreadcopyprob(ConstEnvHandle env, ProbHandle lp, const char* filename, con
     return fileio::read_problem(environment, problem, filename, filetype);
   });
 }
+
+int TVKreadcopystdin(ConstEnvHandle env, ProbHandle lp) {
+  return with_problem(env, lp, fileio::read_problem_from_stdin);
+}

@@ -1,12 +1,14 @@
 #include "fileio/dispatch.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <memory>
 #include <string>
 #include <utility>
 
 #include "env/environment.h"
 #include "env/problem.h"
+#include "fileio/lp_dialogue.h"
 #include "include/tovik.h"
 #include "model/load.h"
 #include "param/hidden.h"
@@ -26,6 +28,25 @@ class ChannelLog final : public ReaderLog {
     message(channel, "%s", std::string(text).c_str());
   }
   const Environment& env_;
+};
+
+/* The same for entry from standard input; prompts go to the results channel. */
+class ChannelDialogue final : public DialogueLog {
+ public:
+  explicit ChannelDialogue(Environment& env) : env_(env), log_(env) {}
+  void warning(std::string_view text) override { log_.warning(text); }
+  void result(std::string_view text) override { log_.result(text); }
+  void prompt(std::string_view text) override {
+    log_.result(text);
+    if (env_.results_channel != nullptr) env_.results_channel->flush();
+  }
+  void failure(const ReadFailure& failure) override { status_ = report_failure(env_, failure); }
+  Status status() const { return status_; }  // of the last failure
+
+ private:
+  Environment& env_;
+  ChannelLog log_;
+  Status status_;
 };
 
 /* Prints one line of a failure. */
@@ -161,6 +182,12 @@ model::ModelData model_data(FileModel&& file, const char* name) {
   return data;
 }
 
+Status load_file(Environment& env, Problem& problem, FileModel&& model, const char* name) {
+  if (const Status status = check_families(env, name, model); !status.ok()) return status;
+  env.add_work(model.index.size() + model.rhs.size() + model.objective.size());
+  return model::load(env, problem, model_data(std::move(model), name));
+}
+
 }  // namespace
 
 Format format_of_type(std::string_view type) {
@@ -205,9 +232,14 @@ Status read_problem(Environment& env, Problem& problem, const char* name, const 
   if (const Status status = choose_format(env, name, type, format); !status.ok()) return status;
   FileModel model;
   if (const Status status = read_file(env, name, format, model); !status.ok()) return status;
-  if (const Status status = check_families(env, name, model); !status.ok()) return status;
-  env.add_work(model.index.size() + model.rhs.size() + model.objective.size());
-  return model::load(env, problem, model_data(std::move(model), name));
+  return load_file(env, problem, std::move(model), name);
+}
+
+Status read_problem_from_stdin(Environment& env, Problem& problem) {
+  FileModel model;
+  ChannelDialogue dialogue(env);
+  if (!read_lp_dialogue(stdin, options_of(env.settings), dialogue, model)) return dialogue.status();
+  return load_file(env, problem, std::move(model), "<stdin>");
 }
 
 }  // namespace tovik::fileio

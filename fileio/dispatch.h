@@ -26,6 +26,10 @@ Format format_of_first_byte(char byte);
  * 1018, 1031 and 1022 for a file whose model needs what a problem object does not hold. */
 Status read_problem(Environment& env, Problem& problem, const char* name, const char* type);
 
+/* Reads an LP model from standard input in a dialogue (fileio/lp_dialogue.h) with prompts on the results
+ * channel. The problem's name becomes "<stdin>". Codes as above. */
+Status read_problem_from_stdin(Environment& env, Problem& problem);
+
 /* Prints a reader's failure. */
 Status report_failure(Environment& env, const ReadFailure& failure);
 

@@ -58,7 +58,7 @@ class Builder {
   bool set_objective(std::string_view name, const Expression& expression, int line);
 
   /* Rows of all kinds. An empty name is given a default one at the end. False (1447) when the name repeats in
-   * its kind. */
+   * its kind; `line` is where the name stands. */
   bool add_row(std::string_view name, const Expression& expression, RowLimits limits, int line);
   bool add_quadratic_row(std::string_view name, const Expression& expression, RowLimits limits, int line);
   bool add_indicator(std::string_view name, const Expression& expression, RowLimits limits, int column,

@@ -56,7 +56,10 @@ ConstraintReader::Outcome ConstraintReader::read_row(Row& row, bool label_allowe
   rules.place = place;
   rules.label_allowed = label_allowed;
   Stop stop = expressions_.read(rules, row.expression);
-  if (label_allowed) label_ = expressions_.label();
+  if (label_allowed) {
+    label_ = expressions_.label();
+    label_line_ = expressions_.label_line();
+  }
   if (stop == Stop::at_number) {
     const double value = expressions_.left_value();
     row.left = LeftSide{scanner_.read_sense(), value};
@@ -68,7 +71,7 @@ ConstraintReader::Outcome ConstraintReader::read_row(Row& row, bool label_allowe
       row.sense = reversed(row.left->sense);
       row.rhs = row.left->value;
       row.left.reset();
-      row.line = scanner_.line();
+      row.line = expressions_.last_line();  // the reader stands behind it
       return Outcome::complete;
     }
   }
@@ -92,7 +95,7 @@ bool ConstraintReader::find_arrow(Arrow& arrow) {
     arrow = scanner_.read_arrow();
     return arrow != Arrow::none || ignore_rest_of_line();
   }
-  if (scanner_.more()) arrow = scanner_.read_arrow();
+  if (!rows_end_with_line_ && scanner_.more()) arrow = scanner_.read_arrow();
   return !messages_.failed();
 }
 
@@ -103,8 +106,8 @@ bool ConstraintReader::ignore_rest_of_line() {
 }
 
 bool ConstraintReader::read_indicator(Arrow arrow) {
-  if (section_ != Section::constraints) return fail(TVK_ERROR_LINE_LAZY_OR_CUT);
-  if (arrow == Arrow::both) return fail(TVK_ERROR_LINE_INDICATOR);
+  if (section_ != Section::constraints) return fail(TVK_ERROR_LINE_LAZY_OR_CUT, scanner_.line());
+  if (arrow == Arrow::both) return fail(TVK_ERROR_LINE_INDICATOR, scanner_.line());
   switch (read_row(other_, false, Place::linear)) {
     case Outcome::failed:
       return false;
@@ -121,21 +124,22 @@ bool ConstraintReader::read_indicator(Arrow arrow) {
   if (!single || condition.left || condition.sense != Sense::equal ||
       (condition.rhs != 0 && condition.rhs != 1) || consequence.left ||
       !consequence.expression.quadratic.empty()) {
-    return fail(TVK_ERROR_LINE_INDICATOR);
+    return fail(TVK_ERROR_LINE_INDICATOR, other_.line);
   }
   const RowLimits limits{letter(consequence.sense), consequence.rhs, 0};
   return builder_.add_indicator(label_, consequence.expression, limits, test.columns[0], condition.rhs == 1,
-                                consequence.line);
+                                label_line_);
 }
 
 /* Sense, right-hand side and range of a row; a left side makes it ranged when both ends are finite. */
 bool ConstraintReader::limits_of(const Row& row, RowLimits& limits) {
   limits = {letter(row.sense), row.rhs, 0};
   if (!row.left) return true;
-  if (row.left->sense != row.sense) return fail(TVK_ERROR_LINE_BOUND_SENSE);
+  if (row.left->sense != row.sense) return fail(TVK_ERROR_LINE_BOUND_SENSE, row.line);
   double low = row.left->value, high = row.rhs;
   if (row.sense == Sense::greater) std::swap(low, high);
-  if (low > high || (row.sense == Sense::equal && low != high)) return fail(TVK_ERROR_LINE_BOUND_SENSE);
+  if (low > high || (row.sense == Sense::equal && low != high))
+    return fail(TVK_ERROR_LINE_BOUND_SENSE, row.line);
   if (low <= -kInfinity || high >= kInfinity) {
     limits = low <= -kInfinity ? RowLimits{'L', high, 0} : RowLimits{'G', low, 0};
   } else {
@@ -148,14 +152,15 @@ bool ConstraintReader::add() {
   RowLimits limits{};
   if (!limits_of(row_, limits)) return false;
   if (section_ != Section::constraints) {
-    if (row_.left) return fail(TVK_ERROR_LINE_LAZY_OR_CUT);
+    if (row_.left) return fail(TVK_ERROR_LINE_LAZY_OR_CUT, row_.line);
     return section_ == Section::user_cuts
-               ? builder_.add_user_cut(label_, row_.expression, limits, row_.line)
-               : builder_.add_lazy_constraint(label_, row_.expression, limits, row_.line);
+               ? builder_.add_user_cut(label_, row_.expression, limits, label_line_)
+               : builder_.add_lazy_constraint(label_, row_.expression, limits, label_line_);
   }
-  if (row_.expression.quadratic.empty()) return builder_.add_row(label_, row_.expression, limits, row_.line);
-  if (row_.left || limits.sense == 'E') return fail(TVK_ERROR_LINE_QUADRATIC_SENSE);
-  return builder_.add_quadratic_row(label_, row_.expression, limits, row_.line);
+  if (row_.expression.quadratic.empty())
+    return builder_.add_row(label_, row_.expression, limits, label_line_);
+  if (row_.left || limits.sense == 'E') return fail(TVK_ERROR_LINE_QUADRATIC_SENSE, row_.line);
+  return builder_.add_quadratic_row(label_, row_.expression, limits, label_line_);
 }
 
 }  // namespace tovik::fileio::lp

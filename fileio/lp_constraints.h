@@ -16,8 +16,12 @@ namespace tovik::fileio::lp {
 
 class ConstraintReader {
  public:
-  ConstraintReader(Scanner& scanner, Builder& builder, Messages& messages)
-      : scanner_(scanner), builder_(builder), messages_(messages), expressions_(scanner, builder, messages) {}
+  ConstraintReader(Scanner& scanner, Builder& builder, Messages& messages, bool rows_end_with_line)
+      : scanner_(scanner),
+        builder_(builder),
+        messages_(messages),
+        expressions_(scanner, builder, messages),
+        rows_end_with_line_(rows_end_with_line) {}
 
   bool read_section(Section section);  // false after a failure
 
@@ -44,14 +48,16 @@ class ConstraintReader {
   bool ignore_rest_of_line();
   bool add();
   bool limits_of(const Row& row, RowLimits& limits);
-  bool fail(int code) { return messages_.fail(ReadFailure::at(code, scanner_.line())); }
+  bool fail(int code, int line) { return messages_.fail(ReadFailure::at(code, line)); }
 
   Scanner& scanner_;
   Builder& builder_;
   Messages& messages_;
   ExpressionReader expressions_;
+  bool rows_end_with_line_;
   Section section_ = Section::constraints;
   std::string label_;
+  int label_line_ = 0;
   Row row_, other_;  // the statement's row; the second half of an indicator constraint
 };
 

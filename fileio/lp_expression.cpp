@@ -8,6 +8,7 @@ ExpressionReader::Stop ExpressionReader::read(const Rules& rules, Expression& ex
   rules_ = rules;
   expression_ = &expression;
   label_.clear();
+  label_line_ = last_line_ = scanner_.line();
   labelled_ = false;
   dangling_ = false;
   stop_ = Stop::ended;
@@ -65,6 +66,7 @@ ExpressionReader::Step ExpressionReader::read_next(bool first) {
                                                                  : TVK_ERROR_LINE_EXPECTED_SIGN_OR_SENSE,
                                 scanner_.line(), c));
   }
+  last_line_ = scanner_.line();
   if (scanner_.peek() == '[') {
     if (rules_.place == Place::linear) {
       return fail(ReadFailure::at(TVK_ERROR_LINE_QUADRATIC_IN_CONSTRAINT, scanner_.line()));
@@ -140,6 +142,7 @@ ExpressionReader::Step ExpressionReader::read_variable(const Term& term, bool fi
   if (bare && rules_.label_allowed && !labelled_ && next == ':') {
     scanner_.step();
     label_ = name;
+    label_line_ = scanner_.line();
     builder_.fetch_row(name);
     labelled_ = true;
     return Step::go_on;
@@ -152,6 +155,7 @@ ExpressionReader::Step ExpressionReader::read_variable(const Term& term, bool fi
   if (is(next, kQuadratic) && rules_.place != Place::objective) {
     return fail(ReadFailure::at(TVK_ERROR_LINE_QUADRATIC_IN_CONSTRAINT, scanner_.line()));
   }
+  last_line_ = scanner_.line();
   pending_.push_back({builder_.fetch_column(name), name});
   expression_->columns.push_back(NameTable::kNone);
   expression_->values.push_back(term.factor);
@@ -193,6 +197,7 @@ ExpressionReader::Step ExpressionReader::read_quadratic_term(bool first, bool& c
   } else if (scanner_.peek() == ']') {
     scanner_.step();
     closed = true;
+    last_line_ = scanner_.line();
     return Step::go_on;
   } else if (!first) {
     return fail(ReadFailure::at(TVK_ERROR_LINE_EXPECTED_SIGN, scanner_.line(), scanner_.peek()));

@@ -41,6 +41,8 @@ class ExpressionReader {
   /* Adds the terms to `expression`. */
   Stop read(const Rules& rules, Expression& expression);
   const std::string& label() const { return label_; }  // of the last expression, empty without one
+  int label_line() const { return label_line_; }  // where the label, or without one the expression, begins
+  int last_line() const { return last_line_; }    // of the last term
   double left_value() const { return left_value_; }
   /* Whether the last expression ended in the middle of a term. */
   bool is_dangling() const { return dangling_; }
@@ -92,6 +94,8 @@ class ExpressionReader {
   };
   std::vector<PendingName> pending_;
   std::string label_;
+  int label_line_ = 0;
+  int last_line_ = 0;
   double left_value_ = 0;
   bool dangling_ = false;
   bool labelled_ = false;

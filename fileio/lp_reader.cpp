@@ -18,7 +18,7 @@ class Reader {
         scanner_(source, options.line_buffer, messages),
         builder_(options, messages),
         expressions_(scanner_, builder_, messages),
-        constraints_(scanner_, builder_, messages),
+        constraints_(scanner_, builder_, messages, options.rows_end_with_line),
         bounds_(scanner_, builder_, messages),
         types_(scanner_, builder_, messages),
         sets_(scanner_, builder_, messages) {}
@@ -97,7 +97,7 @@ bool Reader::read_objective(int sense) {
   }
   const bool empty = expressions_.label().empty() && objective_.columns.empty() &&
                      objective_.quadratic.empty() && objective_.constant == 0;
-  return empty || builder_.set_objective(expressions_.label(), objective_, scanner_.line());
+  return empty || builder_.set_objective(expressions_.label(), objective_, expressions_.last_line());
 }
 
 }  // namespace

@@ -73,6 +73,9 @@ struct ReadOptions {
   /* First capacities, as the caller's settings give them; never more than a hint. */
   std::int64_t expected_rows = 100, expected_columns = 100, expected_nonzeros = 500;
   std::size_t line_buffer = LineReader::kDefaultBuffer;  // bytes, at least 1024
+  /* LP format: a row's right-hand side ends it on its line; the arrow of an indicator constraint is not
+   * looked for on the next one. For input that comes line by line from a person. */
+  bool rows_end_with_line = false;
 };
 
 /* A sparse row or column of its own: parallel vectors. */
