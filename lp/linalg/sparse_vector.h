@@ -11,7 +11,7 @@
 namespace tovik::lp {
 
 inline constexpr double kTiny = 1e-14;  // results below this are dropped
-inline constexpr double kZero = 1e-50;  // placeholder that keeps a cancelled position listed once
+inline constexpr double kZero = 1e-50;  // stands in for 0 where a cancelled position stays listed
 
 class SparseVector {
  public:
