@@ -78,7 +78,8 @@ class FileSource final : public ByteSource {
   bool finish() override { return !failed_; }
   std::size_t expected_size() const override {
     struct stat info {};
-    return ::fstat(file_.get(), &info) == 0 && S_ISREG(info.st_mode) ? static_cast<std::size_t>(info.st_size) : 0;
+    return ::fstat(file_.get(), &info) == 0 && S_ISREG(info.st_mode) ? static_cast<std::size_t>(info.st_size)
+                                                                     : 0;
   }
 
  private:
