@@ -1,5 +1,5 @@
-/* Schedules by which the simplex tightens or loosens a working tolerance: each maps the present value to the next. The
- * steps grow smaller as the value nears what double precision can hold. */
+/* Schedules by which the simplex tightens or loosens a working tolerance: each maps the present value to the
+ * next. The steps grow smaller as the value nears what double precision can hold. */
 #pragma once
 
 #include <algorithm>
@@ -22,6 +22,8 @@ inline double tighten_feasibility(double v) {
   return v / 1.01;
 }
 
-inline double loosen(double v) { return v < 9.99999999e-5 ? std::min(1e-4, 2 * v) : 1.1 * v; }
+inline double loosen(double v) {
+  return v < 9.99999999e-5 ? std::min(1e-4, 2 * v) : 1.1 * v;
+}
 
 }  // namespace tovik::lp::simplex
