@@ -350,7 +350,7 @@ Outcome Solver::run_dual() {
   Dual::Settings settings;
   Outcome last = Outcome::trouble;
   for (int round = 0; round < kRounds; ++round) {
-    settings.keep_norms = keep_norms_ || round > 0;
+    settings.keep_norms = keep_norms_;
     settings.perturb = round < 3;
     settings.warm = has_basis_ && round == 0;
     answer_.method = Method::dual;
@@ -378,7 +378,9 @@ Outcome Solver::run_dual() {
         last != Outcome::singular) {
       return last;
     }
+    if (cleaning) continue;  // the budget ran out: the dual goes on from here
     core_->threshold = std::min(0.9, core_->threshold < 0.1 ? 0.1 : core_->threshold + 0.2);
+    core_->set_logical_basis();  // what led here is not to be trusted: start over with stricter pivots
   }
   return last == Outcome::singular ? last : Outcome::trouble;  // no claim that was not verified
 }
