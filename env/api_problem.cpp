@@ -5,6 +5,7 @@
 #include "env/entry.h"
 #include "env/handles.h"
 #include "model/model.h"
+#include "model/type_change.h"
 
 namespace tovik {
 
@@ -61,45 +62,6 @@ Status free_problem(Problem& problem) {
   return 0;
 }
 
-/* Whether a problem can become `type`, which differs from its present one or is a fixed type. */
-Status check_type_change(int type) {
-  switch (type) {
-    case TVK_PROBTYPE_LP:
-    case TVK_PROBTYPE_MILP:
-      return 0;
-    /* A fixed problem is built from an incumbent, and no optimizer leaves one yet. */
-    case TVK_PROBTYPE_FIXED_MILP:
-      return TVK_ERROR_NOT_MILP;
-    case TVK_PROBTYPE_FIXED_MIQP:
-      return TVK_ERROR_NOT_MIQP;
-    case TVK_PROBTYPE_FIXED_MIQCP:
-      return TVK_ERROR_NOT_MIQCP;
-    case TVK_PROBTYPE_QP:
-    case TVK_PROBTYPE_MIQP:
-      return TVK_ERROR_NOT_FOR_QP;
-    case TVK_PROBTYPE_QCP:
-    case TVK_PROBTYPE_MIQCP:
-      return TVK_ERROR_NOT_FOR_QCP;
-    default:
-      return TVK_ERROR_PROBLEM_TYPE;
-  }
-}
-
-Status change_type(Environment& env, Problem& problem, int type) {
-  if (type == problem.type && !problem.fixed()) return 0;
-  if (Status status = check_type_change(type); !status.ok()) return status;
-  model::Model& model = *problem.model;
-  if (type == TVK_PROBTYPE_LP) {
-    if (env.settings.integer(TVK_PARAM_DATACHECK) == 1) message(env.warning_channel, "Freeing MIP data.\n");
-    model.set_column_types({});
-  } else {
-    model.set_column_types(std::vector<char>(static_cast<std::size_t>(model.num_columns()), 'C'));
-  }
-  problem.type = type;
-  invalidate(problem, Change::problem_type);
-  return 0;
-}
-
 }  // namespace
 
 ProbHandle TVKcreateprob(ConstEnvHandle env, int* status_p, const char* probname) {
@@ -143,15 +105,17 @@ int TVKgetprobtype(ConstEnvHandle env, ConstProbHandle lp) {
 }
 
 int TVKchgprobtype(ConstEnvHandle env, ProbHandle lp, int type) {
-  return with_problem(env, lp,
-                      [&](Environment& e, Problem& problem) { return change_type(e, problem, type); });
+  return with_problem(env, lp, [&](Environment& e, Problem& problem) {
+    return model::change_problem_type(e, problem, type);
+  });
 }
 
 int TVKcleanup(ConstEnvHandle env, ProbHandle lp, double eps) {
   return with_problem(env, lp, [&](Environment&, Problem& problem) -> Status {
     if (problem.fixed()) return TVK_ERROR_FIXED_PROBLEM;
     problem.model->remove_small(eps);
-    invalidate(problem, Change::matrix);
+    const unsigned quadratic = model::kQuadraticObjectiveData | model::kQuadraticRowData;
+    invalidate(problem, (model::held_data(problem) & quadratic) != 0 ? Change::quadratic : Change::matrix);
     return 0;
   });
 }

@@ -9,6 +9,7 @@
 #include "model/load.h"
 #include "model/model.h"
 #include "model/problem_type.h"
+#include "model/type_change.h"
 
 namespace tovik::model {
 
@@ -104,14 +105,27 @@ Status copy_model(Environment& env, Problem& problem, const CopyArguments& a) {
   return load(env, problem, collect(a));
 }
 
+namespace {
+
+/* The problem type of a model with these data; sets and the like bring types with them. */
+int complete(ModelData& data) {
+  if (data.types.empty() && data.families.has_mixed_integer()) data.types.assign(data.objective.size(), 'C');
+  int type = data.types.empty() && !data.families.has_mixed_integer() ? TVK_PROBTYPE_LP : TVK_PROBTYPE_MILP;
+  if (!data.families.quadratic_objective.empty()) type = quadratic_type(type);
+  if (!data.families.quadratic_rows.empty()) type = quadratically_constrained_type(type);
+  return type;
+}
+
+}  // namespace
+
 Status load(Environment& env, Problem& problem, ModelData&& data) {
   if (Status s = check_modifiable(problem); !s.ok()) return s;
   std::string name = std::move(data.problem_name);
-  const bool typed = !data.types.empty();
+  const int type = complete(data);
   auto fresh = std::make_unique<Model>(std::move(data));
-  if (is_mixed_integer(problem.type) && checking(env)) message(env.warning_channel, "Freeing MIP data.\n");
+  announce_freeing(env, problem, kMixedIntegerData | kQuadraticObjectiveData | kQuadraticRowData);
   problem.model = std::move(fresh);
-  problem.type = typed ? 1 : 0;
+  problem.type = type;
   if (!name.empty()) problem.name.swap(name);
   invalidate(problem, Change::whole_problem);
   return {};

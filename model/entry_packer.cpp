@@ -26,6 +26,27 @@ VectorView EntryPacker::pack(const int* index, const double* value, int count) {
   return {index_.data(), value_.data(), static_cast<int>(kept)};
 }
 
+VectorView EntryPacker::keep_last(const int* index, const double* value, int count) {
+  index_.assign(index, index + count);
+  if (!has_duplicates()) return {index, value, count};
+  std::vector<int> position(index_.size());
+  std::iota(position.begin(), position.end(), 0);
+  std::stable_sort(position.begin(), position.end(), [&](int a, int b) { return index[a] < index[b]; });
+  std::vector<char> last(index_.size(), 1);
+  for (std::size_t k = 1; k < position.size(); ++k) {
+    const int before = position[k - 1];
+    if (index[before] == index[position[k]]) last[static_cast<std::size_t>(before)] = 0;
+  }
+  index_.clear();
+  value_.clear();
+  for (int p = 0; p < count; ++p) {
+    if (last[static_cast<std::size_t>(p)] == 0) continue;
+    index_.push_back(index[p]);
+    value_.push_back(value[p]);
+  }
+  return {index_.data(), value_.data(), static_cast<int>(index_.size())};
+}
+
 bool EntryPacker::has_duplicates() {
   sorted_ = index_;
   std::sort(sorted_.begin(), sorted_.end());

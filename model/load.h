@@ -6,7 +6,7 @@
  * ranged (values of rows other than 'R' are ignored); start: n + 1 ascending positions, start[n] = entries;
  * index (rows), value: entries; column_names: n or empty;  row_names: m or empty. Entries equal to zero are
  * dropped and a row listed twice in one column is summed; a column's rows may come in any order. Bounds of
- * 1e20 and beyond become +-1e20. */
+ * 1e20 and beyond become +-1e20. The families refer to the same columns. */
 #pragma once
 
 #include <cstdint>
@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "env/error.h"
+#include "model/families.h"
 #include "model/name_block.h"
 
 namespace tovik {
@@ -37,10 +38,13 @@ struct ModelData {
   std::vector<int> index;
   std::vector<double> value;
   NameBlock column_names, row_names;
+  Families families;  // filled by the add() of each; indices are columns
 };
 
-/* Replaces the model of `problem` and discards its solution and derived data; the problem becomes type 1 with
- * types, 0 without. 1023 for a problem of a fixed type. On failure the problem stays as it was. */
+/* Replaces the model of `problem` and discards its solution and derived data; the problem becomes of the type
+ * that its data make it: mixed-integer with types, sets, indicators, cuts or lazy constraints, quadratic or
+ * quadratically constrained with such data. 1023 for a problem of a fixed type. On failure the problem stays
+ * as it was. */
 Status load(Environment& env, Problem& problem, ModelData&& data);
 
 }  // namespace tovik::model

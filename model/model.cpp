@@ -39,6 +39,7 @@ Model::Model(ModelData&& data) {
   row_names_.adopt(std::move(data.row_names));
   objective_name_ = std::move(data.objective_name);
   bounds_name_ = std::move(data.bounds_name);
+  families_ = std::move(data.families);
 }
 
 /* Drops zeros and sums repeated rows of a column, in place. */
@@ -97,7 +98,8 @@ Model::Model(const Model& other)
       column_names_(other.column_names_),
       row_names_(other.row_names_),
       objective_name_(other.objective_name_),
-      bounds_name_(other.bounds_name_) {}
+      bounds_name_(other.bounds_name_),
+      families_(other.families_) {}
 
 RowView Model::row(int i) const {
   settled();
@@ -168,6 +170,7 @@ void Model::rename_rows(int count, const int* rows, const char* const* names) {
 void Model::delete_names() noexcept {
   column_names_.clear();
   row_names_.clear();
+  families_.clear_names();
 }
 
 void Model::set_sense(int i, char sense) noexcept {
@@ -211,6 +214,7 @@ void Model::remove_small(double eps) noexcept {
     }
   }
   if (columns_.remove_small(eps)) rows_.reset();
+  families_.remove_small(eps);
 }
 
 }  // namespace tovik::model

@@ -1,4 +1,5 @@
-/* One linear model: objective, rows, columns, the sparse matrix, bounds, ranges, names and column types.
+/* One model: objective, rows, columns, the sparse matrix, bounds, ranges, names, column types, and the
+ * families of further mixed-integer and quadratic data.
  *
  * Values     in the caller's units. Infinite bounds are stored as +-1e20. A range r of an 'R' row means rhs
  * <= ax <= rhs + r for r >= 0 and rhs + r <= ax <= rhs for r < 0. The matrix holds no zeros and no row twice
@@ -17,6 +18,7 @@
 #include <vector>
 
 #include "model/deletions.h"
+#include "model/families.h"
 #include "model/names.h"
 #include "model/vector_file.h"
 
@@ -95,7 +97,7 @@ class Model {
   void rename_rows(int count, const int* rows, const char* const* names);
   void set_objective_name(std::string name) noexcept { objective_name_.swap(name); }
   void set_bounds_name(std::string name) noexcept { bounds_name_.swap(name); }
-  void delete_names() noexcept;  // of rows and columns
+  void delete_names() noexcept;  // of rows, columns and the families
 
   // ---- Growing and shrinking
   void add_columns(const NewColumns& columns);
@@ -123,6 +125,10 @@ class Model {
   void make_room(int j, int extra) { change().columns_.make_room(j, extra); }
   /* Sets every value smaller in magnitude than eps to zero and removes such matrix entries. */
   void remove_small(double eps) noexcept;
+
+  // ---- Everything beyond rows and columns (families.h)
+  const Families& families() const { return settled().families_; }
+  Families& change_families() noexcept { return change().families_; }
 
   // ---- Column types
   /* One letter per column, or empty. */
@@ -161,6 +167,7 @@ class Model {
   mutable std::unique_ptr<VectorFile> rows_;  // row-wise copy; null until rows are read
   NameTable column_names_{'x'}, row_names_{'c'};
   std::string objective_name_, bounds_name_;
+  Families families_;
   Deletions row_deletions_, column_deletions_;
   bool last_rows_were_deleted_ = false;
 };

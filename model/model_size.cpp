@@ -211,7 +211,8 @@ void Model::cut_rows(int first) noexcept {
 }
 
 void Model::delete_columns(int first, int last) {
-  if (last == num_columns() - 1 && !row_deletions_.pending() && !column_deletions_.pending()) {
+  const bool pending = row_deletions_.pending() || column_deletions_.pending();
+  if (last == num_columns() - 1 && !pending && families_.empty()) {
     cut_columns(first);
     return;
   }
@@ -257,6 +258,7 @@ void Model::compact() noexcept {
     for (auto* values : {&objective_, &lower_, &upper_}) drop_marked(*values, renumber);
     drop_marked(types_, renumber);
     column_names_.renumber(renumber);
+    families_.renumber_columns(renumber);
     column_deletions_.forget();
   }
   if (row_deletions_.pending()) {

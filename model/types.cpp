@@ -5,6 +5,7 @@
 #include "model/changes.h"
 #include "model/check.h"
 #include "model/problem_type.h"
+#include "model/type_change.h"
 
 namespace tovik::model {
 
@@ -32,11 +33,9 @@ Status change_types(Environment& env, Problem& problem, int count, const int* co
   }
   Model& model = *problem.model;
   if (Status s = check_safe_indices(env, {'c', model.num_columns()}, count, columns); !s.ok()) return s;
-  if (model.column_types().empty()) {
-    model.set_column_types(std::vector<char>(static_cast<std::size_t>(model.num_columns()), 'C'));
-  }
+  MixedInteger with_types(problem);
+  with_types.commit();
   for (int k = 0; k < count; ++k) model.set_column_type(columns[k], types[k]);
-  problem.type = mixed_integer_type(problem.type);
   invalidate(problem, Change::column_types);
   return {};
 }

@@ -1,0 +1,24 @@
+#include "model/mip_starts.h"
+
+#include "model/entry_packer.h"
+
+namespace tovik::model {
+
+void MipStarts::add(const NewStart& start) {
+  reserve_one(effort_);
+  EntryPacker packer;
+  values_.append(packer.keep_last(start.values.index, start.values.value, start.values.count), start.name);
+  effort_.push_back(start.effort);
+}
+
+void MipStarts::cut(Mark mark) noexcept {
+  values_.cut(mark);
+  effort_.resize(static_cast<std::size_t>(values_.size()));
+}
+
+void MipStarts::keep(std::span<const int> renumber) noexcept {
+  values_.keep(renumber);
+  keep_values(effort_, renumber);
+}
+
+}  // namespace tovik::model
