@@ -1,0 +1,113 @@
+#include "lp/presolve/fixed_column.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "lp/presolve/tolerances.h"
+
+namespace tovik::lp::presolve {
+namespace {
+
+bool moves_too_far(Workspace& ws, int j, double value) {
+  return value != 0 && std::fabs(value) * std::max(ws.column_max(j), std::fabs(ws.cost[j])) > kHugeMove;
+}
+
+}  // namespace
+
+bool remove_fixed_column(Workspace& ws, int j) {
+  const double lower = ws.lower[j], upper = ws.upper[j];
+  if (ws.is_protected(j)) return false;
+  if (lower > upper) {
+    if (lower - upper > condemn_guard(ws, lower)) {
+      Verdict verdict;
+      verdict.finding = Finding::column_bounds_cross;
+      verdict.column = j;
+      ws.condemn(std::move(verdict));
+    }
+    return false;
+  }
+  if (upper - lower > kSame * std::max(1.0, std::fabs(lower))) return false;
+  if (moves_too_far(ws, j, lower) || !ws.allow(Rule::fixed_column)) return false;
+  if (lower < upper) ws.change_bounds(j, lower, lower);
+  ws.fix_column(j, lower, At::lower);
+  return true;
+}
+
+bool remove_empty_column(Workspace& ws, int j) {
+  if (ws.is_protected(j) || ws.lower[j] > ws.upper[j]) return false;
+  const double c = ws.cost[j];
+  const double lower = ws.lower[j], upper = ws.upper[j];
+  const bool free = lower == -kInf && upper == kInf;
+  if ((c > 0 && lower == -kInf) || (c < 0 && upper == kInf)) {
+    if (std::fabs(c) <= ws.settings.optimality) {
+      if (!free || !ws.allow(Rule::empty_column)) return false;  // a whiff of cost: the optimizer says
+      ws.fix_column(j, 0, At::free);
+      return true;
+    }
+    Verdict verdict;
+    verdict.finding = Finding::empty_column_improves;
+    verdict.column = j;
+    ws.condemn(std::move(verdict));
+    return false;
+  }
+  if (!ws.allow(Rule::empty_column)) return false;
+  if (free) {
+    ws.fix_column(j, 0, At::free);
+  } else {
+    const bool up = c < 0 || (c == 0 && (lower == -kInf || std::fabs(upper) < std::fabs(lower)));
+    ws.fix_column(j, up ? upper : lower, up ? At::upper : At::lower);
+  }
+  return true;
+}
+
+Locks locks_of(Workspace& ws, int j) {
+  Locks locks;
+  const View v = ws.column(j);
+  ws.add_work(v.length);
+  for (int k = 0; k < v.length && !(locks.down && locks.up); ++k) {
+    const int i = v.index[k];
+    const bool stops_decrease = v.value[k] > 0 ? ws.row_lower[i] != -kInf : ws.row_upper[i] != kInf;
+    const bool stops_increase = v.value[k] > 0 ? ws.row_upper[i] != kInf : ws.row_lower[i] != -kInf;
+    locks.down |= stops_decrease;
+    locks.up |= stops_increase;
+  }
+  return locks;
+}
+
+bool fix_by_signs(Workspace& ws, int j) {
+  if (!ws.settings.dual || ws.is_protected(j) || !ws.enabled(Rule::dual_fixing)) return false;
+  const double c = ws.cost[j];
+  const Locks locks = locks_of(ws, j);
+  const bool down = !locks.down && c >= 0, up = !locks.up && c <= 0;
+  if (!down && !up) return false;
+  const bool to_lower = down && (ws.lower[j] != -kInf || !up || ws.upper[j] == kInf);
+  const double bound = to_lower ? ws.lower[j] : ws.upper[j];
+  if (std::isinf(bound)) {
+    if (std::fabs(c) > ws.settings.optimality) {
+      Verdict verdict;
+      verdict.finding = Finding::dual_bounds_column;
+      verdict.column = j;
+      ws.condemn(std::move(verdict));
+    }
+    return false;
+  }
+  if (moves_too_far(ws, j, bound) || !ws.allow(Rule::dual_fixing)) return false;
+  ws.fix_column(j, bound, to_lower ? At::lower : At::upper);
+  return true;
+}
+
+void undo_fixed_column(Record record, Undo& undo) {
+  const int j = record.integer();
+  At at = static_cast<At>(record.integer());
+  const bool equal = record.integer() != 0;
+  const double value = record.real();
+  double d = undo.cost(record.real());
+  Point& p = undo.point;
+  undo.each_entry(record, j, [&](int i, double a) { d -= a * p.y[i]; });
+  if (equal || undo.homogeneous) at = Undo::side(at, d);
+  p.x[j] = value;
+  p.d[j] = d;
+  p.column[j] = at;
+}
+
+}  // namespace tovik::lp::presolve

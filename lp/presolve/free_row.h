@@ -1,0 +1,19 @@
+/* Rows that hold for every point within the bounds of their columns: empty rows, rows without sides,
+ * redundant rows. A row is judged by the bounds of the present problem only, never by bounds that other rows
+ * imply. */
+#pragma once
+
+#include "lp/presolve/undo.h"
+#include "lp/presolve/workspace.h"
+
+namespace tovik::lp::presolve {
+
+/* Removes row i when it is one of these, drops a side that cannot bind, or finds that the row cannot hold.
+ * True when the row is gone. */
+bool remove_free_row(Workspace& ws, int i);
+void undo_free_row(Record record, Undo& undo);
+
+/* Verdict for a row whose columns cannot reach its side. */
+Verdict row_verdict(Finding finding, int i, bool below_lower);
+
+}  // namespace tovik::lp::presolve

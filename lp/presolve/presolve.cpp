@@ -1,0 +1,88 @@
+#include "lp/presolve/presolve.h"
+
+#include <utility>
+
+#include "lp/presolve/rounds.h"
+
+namespace tovik::lp::presolve {
+namespace {
+
+/* A point of the original's size with the reduced one's values in their places. */
+Point spread(const LpData& original, const Reduction& reduction, const Point& reduced) {
+  const auto columns = static_cast<size_t>(original.num_columns());
+  const auto rows = static_cast<size_t>(original.num_rows());
+  Point point;
+  point.x.assign(columns, 0.0);
+  point.d.assign(columns, 0.0);
+  point.column.assign(columns, At::free);
+  point.y.assign(rows, 0.0);
+  point.row.assign(rows, At::basic);
+  for (size_t k = 0; k < reduction.column_map.size(); ++k) {
+    const int j = reduction.column_map[k];
+    point.x[j] = reduced.x[k];
+    point.d[j] = reduced.d[k];
+    point.column[j] = reduced.column[k];
+  }
+  for (size_t k = 0; k < reduction.row_map.size(); ++k) {
+    const int i = reduction.row_map[k];
+    point.y[i] = reduced.y[k];
+    point.row[i] = reduced.row[k];
+  }
+  return point;
+}
+
+}  // namespace
+
+Reduction presolve(const LpData& original, const Settings& settings, Control& control,
+                   const std::vector<char>& protected_columns, bool display) {
+  Workspace ws(original, settings, control, protected_columns);
+  ws.display = display;
+  run_rounds(ws);
+  control.add_work(static_cast<std::uint64_t>(ws.work()));
+  Reduction result;
+  for (const std::int64_t hits : ws.counts.hits) result.changed |= hits > 0;
+  result.lp = ws.extract(result.row_map, result.column_map);
+  for (int i = 0; i < ws.num_rows(); ++i) result.row_fate.push_back(ws.row_fate(i));
+  for (int j = 0; j < ws.num_columns(); ++j) result.column_fate.push_back(ws.column_fate(j));
+  result.stack = std::move(ws.stack);
+  result.counts = ws.counts;
+  result.verdict = std::move(ws.verdict);
+  result.stop = ws.stop;
+  return result;
+}
+
+Point postsolve(const LpData& original, const Reduction& reduction, const Point& reduced) {
+  Point point = spread(original, reduction, reduced);
+  Undo undo{original, point};
+  undo_all(reduction.stack, undo);
+  return point;
+}
+
+std::vector<double> infeasibility_proof(const LpData& original, const Reduction& reduction) {
+  if (!reduction.verdict.primal_infeasible() || reduction.verdict.multipliers.empty()) return {};
+  const LpData& lp = reduction.lp;
+  Point reduced;
+  reduced.x.assign(lp.cost.size(), 0.0);
+  reduced.d.assign(lp.cost.size(), 0.0);
+  reduced.column.assign(lp.cost.size(), At::lower);
+  reduced.y.assign(lp.row_lower.size(), 0.0);
+  reduced.row.assign(lp.row_lower.size(), At::basic);
+  std::vector<double> y(static_cast<size_t>(original.num_rows()), 0.0);
+  for (const auto& [i, value] : reduction.verdict.multipliers) y[i] = value;
+  for (size_t k = 0; k < reduction.row_map.size(); ++k) {
+    reduced.y[k] = y[reduction.row_map[k]];
+    if (reduced.y[k] != 0) reduced.row[k] = reduced.y[k] > 0 ? At::lower : At::upper;
+  }
+  const Matrix& matrix = lp.matrix;
+  for (int j = 0; j < matrix.columns; ++j) {
+    for (int k = matrix.start[j]; k < matrix.start[j + 1]; ++k)
+      reduced.d[j] -= matrix.value[k] * reduced.y[matrix.index[k]];
+    reduced.column[j] = Undo::side(At::lower, reduced.d[j]);
+  }
+  Point point = spread(original, reduction, reduced);
+  Undo undo{original, point, true};
+  undo_all(reduction.stack, undo);
+  return std::move(point.y);
+}
+
+}  // namespace tovik::lp::presolve

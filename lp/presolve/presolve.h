@@ -1,0 +1,45 @@
+/* Presolve of one LP: a smaller equivalent problem, and the way back from its solution to a primal-dual basic
+ * solution of the original.
+ *
+ * The problem is plain data in minimization form. A run makes rounds: cheap rules work on what changed until
+ * nothing cheap is left, then the dearer rules take their turn; a round that brings little is the last. A run
+ * that stops early, for whatever reason, leaves a reduced problem and a stack that fit each other. */
+#pragma once
+
+#include <vector>
+
+#include "lp/linalg/control.h"
+#include "lp/linalg/lp_data.h"
+#include "lp/presolve/settings.h"
+#include "lp/presolve/stack.h"
+#include "lp/presolve/undo.h"
+#include "lp/presolve/verdict.h"
+#include "lp/presolve/workspace.h"
+
+namespace tovik::lp::presolve {
+
+struct Reduction {
+  LpData lp;                             // empty when everything is gone
+  std::vector<int> row_map, column_map;  // original index of each reduced row and column
+  std::vector<Fate> row_fate, column_fate;
+  Stack stack;
+  Counts counts;
+  Verdict verdict;         // finding none: the reduced problem is equivalent
+  Stop stop = Stop::none;  // why the run ended early
+  bool changed = false;    // whether anything was done at all
+};
+
+/* protected_columns: empty, or one flag for each column that must stay. With `display` progress lines are
+ * logged. */
+Reduction presolve(const LpData& original, const Settings& settings, Control& control,
+                   const std::vector<char>& protected_columns, bool display);
+
+/* A primal-dual point of the reduced problem, with statuses, brought to the original. Vectors by reduced row
+ * and column. */
+Point postsolve(const LpData& original, const Reduction& reduction, const Point& reduced);
+
+/* Row multipliers of the original problem that prove it infeasible, from the verdict's: to be checked. Empty
+ * when the verdict has none. */
+std::vector<double> infeasibility_proof(const LpData& original, const Reduction& reduction);
+
+}  // namespace tovik::lp::presolve

@@ -1,0 +1,65 @@
+#include "lp/presolve/rounds.h"
+
+#include <algorithm>
+
+#include "lp/presolve/fixed_column.h"
+#include "lp/presolve/forcing_row.h"
+#include "lp/presolve/free_row.h"
+#include "lp/presolve/singleton_row.h"
+
+namespace tovik::lp::presolve {
+namespace {
+
+constexpr int kMostSweeps = 40;  // of the cheap rules in one round
+constexpr int kMostRounds = 12;
+constexpr double kLittleSweep = 1e-4;  // share of rows and columns below which a sweep brought little
+constexpr double kLittleRound = 5e-4;
+constexpr std::int64_t kWorkPerEntry = 100;  // entries touched per entry of the original before presolve ends
+
+std::int64_t size_of(const Workspace& ws) {
+  return std::int64_t{ws.rows_left()} + ws.columns_left();
+}
+
+void look_at_row(Workspace& ws, int i) {
+  if (!ws.row_alive(i) || ws.done()) return;
+  if (remove_free_row(ws, i)) return;
+  if (ws.row_length(i) == 0) return;
+  if (ws.row_length(i) == 1 && remove_singleton_row(ws, i)) return;
+  if (remove_forcing_row(ws, i)) return;
+}
+
+void look_at_column(Workspace& ws, int j) {
+  if (!ws.column_alive(j) || ws.done()) return;
+  if (remove_fixed_column(ws, j)) return;
+  if (ws.column_length(j) == 0) {
+    remove_empty_column(ws, j);
+    return;
+  }
+  if (fix_by_signs(ws, j)) return;
+}
+
+/* Rules that look at one row or column at a time, on what changed, until nothing is left to look at. */
+void sweep(Workspace& ws) {
+  for (int count = 0; count < kMostSweeps && ws.queued() && ws.checkpoint(); ++count) {
+    const std::int64_t before = size_of(ws);
+    for (const int i : ws.take_rows()) look_at_row(ws, i);
+    for (const int j : ws.take_columns()) look_at_column(ws, j);
+    if (count > 0 && static_cast<double>(before - size_of(ws)) <= kLittleSweep * static_cast<double>(before))
+      break;
+  }
+}
+
+}  // namespace
+
+void run_rounds(Workspace& ws) {
+  const int most = ws.settings.passes < 0 ? kMostRounds : ws.settings.passes;
+  const auto entries = static_cast<std::int64_t>(ws.original.matrix.index.size());
+  const std::int64_t budget = kWorkPerEntry * (entries + size_of(ws));
+  for (int round = 0; round < most && !ws.done() && ws.work() <= budget; ++round) {
+    const std::int64_t before = size_of(ws);
+    sweep(ws);
+    if (static_cast<double>(before - size_of(ws)) <= kLittleRound * static_cast<double>(before)) break;
+  }
+}
+
+}  // namespace tovik::lp::presolve

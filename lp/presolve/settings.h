@@ -1,0 +1,63 @@
+/* What presolve may do, and what it counts. Each rule can be switched off alone, and a run can be stopped
+ * after the k-th reduction, so that a wrong answer is found by bisection. */
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+
+namespace tovik::lp::presolve {
+
+/* One entry per rule; the number is the bit in Settings::rules. */
+enum class Rule {
+  empty_row,
+  redundant_row,
+  singleton_row,
+  forcing_row,
+  empty_column,
+  fixed_column,
+  dual_fixing,
+  dominated_column,
+  doubleton_equation,
+  free_column,
+  slack_column,
+  parallel_rows,
+  parallel_columns,
+  zero_cost_column,
+  two_entry_column,
+  sparsify,
+  dependent_rows,
+  dual_equation,
+  dominated_pair,
+  count
+};
+inline constexpr int kRules = static_cast<int>(Rule::count);
+constexpr std::uint32_t rule_bit(Rule rule) {
+  return std::uint32_t{1} << static_cast<int>(rule);
+}
+inline constexpr std::uint32_t kAllRules = (std::uint32_t{1} << kRules) - 1;
+
+struct Settings {
+  int passes = -1;           // rounds of the outer loop: -1 automatic, 0 none
+  bool primal = true;        // reductions that keep every feasible point
+  bool dual = true;          // reductions that keep an optimal point only
+  bool linear_only = false;  // every original column stays a linear function of the reduced ones
+  int aggregator = -1;       // substitution rounds: -1 automatic, 0 none
+  int fill = 10;             // entries that one substitution may add
+  int dependency = -1;       // -1 automatic, 0 off, 1 begin, 2 end, 3 both
+  double feasibility = 1e-6;
+  double optimality = 1e-6;
+  std::uint32_t rules = kAllRules;
+  std::int64_t limit = INT64_MAX;  // reductions to make
+};
+
+struct Counts {
+  int rows_eliminated = 0, columns_eliminated = 0;  // without the aggregator's
+  int coefficients_modified = 0;
+  int substitutions = 0;  // of the aggregator: a row and a column each
+  int bounds_improved = 0;
+  int aggregator_rounds = 0;
+  std::array<std::int64_t, kRules> hits{};
+};
+
+}  // namespace tovik::lp::presolve

@@ -1,0 +1,90 @@
+#include "lp/presolve/singleton_row.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "lp/presolve/free_row.h"
+#include "lp/presolve/tolerances.h"
+
+namespace tovik::lp::presolve {
+
+bool remove_singleton_row(Workspace& ws, int i) {
+  const View v = ws.row(i);
+  const int j = v.index[0];
+  const double a = v.value[0];
+  double lower = ws.row_lower[i] / a, upper = ws.row_upper[i] / a;
+  if (a < 0) std::swap(lower, upper);
+  if (std::fabs(a) < ws.settings.feasibility && (std::fabs(lower) > 1e7 || std::fabs(upper) > 1e7) &&
+      !(lower <= ws.lower[j] && upper >= ws.upper[j])) {
+    return false;  // a tiny entry: its bound would not carry the row's accuracy
+  }
+  const double old_lower = ws.lower[j], old_upper = ws.upper[j];
+  const double low_guard = kStrict * std::max(1.0, std::fabs(lower));
+  const double up_guard = kStrict * std::max(1.0, std::fabs(upper));
+  bool tighter_lower = lower > old_lower + low_guard;
+  bool tighter_upper = upper < old_upper - up_guard;
+  double new_lower = tighter_lower ? lower : old_lower;
+  double new_upper = tighter_upper ? upper : old_upper;
+  if (new_lower > new_upper) {
+    const double gap = (new_lower - new_upper) * std::fabs(a);
+    const double side = std::max(std::fabs(new_lower), std::fabs(new_upper)) * std::fabs(a);
+    if (gap > condemn_guard(ws, side) && new_lower - new_upper > condemn_guard(ws, new_lower)) {
+      ws.condemn(row_verdict(Finding::row_bounds_infeasible, i, (a > 0) == tighter_lower));
+      return false;
+    }
+    if (gap > kExact * std::max(1.0, side)) return false;  // for the optimizer to judge
+    // The column's own bound wins.
+    if (tighter_lower && !tighter_upper) {
+      new_lower = old_upper;
+    } else {
+      new_upper = new_lower;
+    }
+    if (tighter_lower) tighter_lower = new_lower > old_lower;
+    if (tighter_upper) tighter_upper = new_upper < old_upper;
+  }
+  if (!ws.allow(Rule::singleton_row)) return false;
+  ws.stack.begin(Op::singleton_row)
+      .integer(i)
+      .integer(j)
+      .integer(tighter_lower)
+      .integer(tighter_upper)
+      .integer(new_lower == new_upper)
+      .real(a);
+  ws.remove_row(i, Fate::redundant);
+  if (tighter_lower || tighter_upper) {
+    ++ws.counts.bounds_improved;
+    ws.change_bounds(j, new_lower, new_upper);
+  }
+  return true;
+}
+
+/* A column that stands at a bound that the row gave it becomes basic, and the row stands at its side. */
+void undo_singleton_row(Record record, Undo& undo) {
+  const int i = record.integer();
+  const int j = record.integer();
+  const bool tighter_lower = record.integer() != 0;
+  const bool tighter_upper = record.integer() != 0;
+  const bool collapsed = record.integer() != 0;
+  const double a = record.real();
+  Point& p = undo.point;
+  At at = p.column[j];
+  if (collapsed && at != At::basic) {
+    at = p.d[j] > 0                       ? At::lower
+         : p.d[j] < 0                     ? At::upper
+         : tighter_lower && tighter_upper ? at
+         : tighter_lower                  ? At::upper
+                                          : At::lower;  // the side that is its own
+    p.column[j] = at;
+  }
+  if ((at == At::lower && tighter_lower) || (at == At::upper && tighter_upper)) {
+    p.y[i] = p.d[j] / a;
+    p.d[j] = 0;
+    p.row[i] = (at == At::lower) == (a > 0) ? At::lower : At::upper;
+    p.column[j] = At::basic;
+  } else {
+    p.y[i] = 0;
+    p.row[i] = At::basic;
+  }
+}
+
+}  // namespace tovik::lp::presolve

@@ -1,0 +1,22 @@
+/* Guards of presolve: to simplify a difference must be nothing, to condemn a problem it must be plain. */
+#pragma once
+
+#include <algorithm>
+#include <cmath>
+
+#include "lp/presolve/workspace.h"
+
+namespace tovik::lp::presolve {
+
+inline constexpr double kExact = 1e-9;      // relative difference of bounds and sides that counts as none
+inline constexpr double kSame = 1e-12;      // relative difference of a column's bounds that makes it fixed
+inline constexpr double kRounding = 1e-15;  // relative error of one addition, with room
+inline constexpr double kStrict = 1e-9;  // relative amount by which a bound must be tighter to count as such
+inline constexpr double kHugeMove = 1e12;  // no entry times value beyond this is moved to a side
+
+/* Violation of a side that proves infeasibility. */
+inline double condemn_guard(const Workspace& ws, double side) {
+  return 10 * ws.settings.feasibility * std::max(1.0, std::fabs(side));
+}
+
+}  // namespace tovik::lp::presolve

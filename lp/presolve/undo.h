@@ -1,0 +1,55 @@
+/* Brings a solution of the reduced problem back to the original, one operation at a time from the last to the
+ * first.
+ *
+ * Signs: rows and columns obey one rule. The dual y_i of a row and the reduced cost d_j = c_j - a_j'y of a
+ * column are >= 0 when the row's activity (the column) stands at its lower bound, <= 0 at its upper bound, 0
+ * when basic or free. Every undo that brings back k rows makes exactly k rows or columns basic, so a basis
+ * stays a basis. An undo looks at statuses, then at signs, then at values, never at tolerances. The
+ * transformations follow Andersen and Andersen (1995) and Gondzio (1997) for primal and dual values; the
+ * statuses are derived from the same tables. */
+#pragma once
+
+#include <vector>
+
+#include "lp/linalg/lp_data.h"
+#include "lp/presolve/stack.h"
+#include "lp/simplex/types.h"
+
+namespace tovik::lp::presolve {
+
+using simplex::At;
+
+/* A primal-dual point with statuses, in the space of the original; what is not restored yet is zero. */
+struct Point {
+  std::vector<double> x, d;     // columns
+  std::vector<double> y;        // rows
+  std::vector<At> column, row;  // a row's status is that of its activity
+};
+
+struct Undo {
+  const LpData& original;
+  Point& point;
+  /* Costs count as zero: for certificates of infeasibility. */
+  bool homogeneous = false;
+
+  double cost(double c) const { return homogeneous ? 0.0 : c; }
+  /* f(row, value) for a column stored by Workspace::store_column, next in the record. */
+  template <class F>
+  void each_entry(Record& record, int j, F f) const {
+    const int length = record.integer();
+    if (length >= 0) {
+      const View view = record.entries(length);
+      for (int k = 0; k < view.length; ++k) f(view.index[k], view.value[k]);
+      return;
+    }
+    const Matrix& matrix = original.matrix;
+    for (int k = matrix.start[j]; k < matrix.start[j + 1]; ++k) f(matrix.index[k], matrix.value[k]);
+  }
+  /* A column or row at equal bounds stands where its dual says; at 0 it stays where it is. */
+  static At side(At present, double dual) { return dual > 0 ? At::lower : dual < 0 ? At::upper : present; }
+};
+
+/* Undoes the whole stack. */
+void undo_all(const Stack& stack, Undo& undo);
+
+}  // namespace tovik::lp::presolve
