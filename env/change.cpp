@@ -57,6 +57,11 @@ const Rule& rule_of(Change change) {
                        [&](const Rule& r) { return r.change == change; });
 }
 
+bool only_values(Change change) {
+  return change == Change::objective_sense || change == Change::objective || change == Change::bounds ||
+         change == Change::ranges || change == Change::rhs;
+}
+
 void clear_start(Start& start) {
   const int level = start.change_level;
   start = Start{};
@@ -71,8 +76,9 @@ void update_solution(Problem& problem) noexcept {
   problem.status = problem.working->status;
 }
 
-void invalidate(Problem& problem, Change change) noexcept {
-  const Rule& rule = rule_of(change);
+namespace {
+
+void discard(Problem& problem, const Rule& rule, bool engine_follows) noexcept {
   const auto drops = [&](Dropped what) { return (rule.dropped & what) != 0; };
   if (drops(kWorking)) {
     update_solution(problem);
@@ -81,13 +87,32 @@ void invalidate(Problem& problem, Change change) noexcept {
   if (drops(kSecond)) problem.derived.reset();
   if (drops(kPresolve)) problem.presolve.reset();
   if (drops(kFactor) || drops(kSimplex)) problem.factor_current = false;
-  if (drops(kSimplex)) problem.simplex.reset();
+  if (drops(kSimplex) && !engine_follows) problem.simplex.reset();
   if (drops(kStart)) clear_start(problem.start);
   if (drops(kMixedInteger)) problem.mip.reset();
   if (drops(kNorms)) problem.norms = Norms{};
   if (drops(kSolution)) problem.solution.reset();
   if (drops(kStatus)) problem.status = 0;
   problem.start.change_level = std::max(problem.start.change_level, rule.level);
+}
+
+}  // namespace
+
+void invalidate(Problem& problem, Change change) noexcept {
+  const Rule& rule = rule_of(change);
+  if (only_values(change)) {
+    problem.journal.lose_values();
+  } else if ((rule.dropped & kStatus) != 0) {
+    problem.journal.lose_structure();
+  }
+  discard(problem, rule, false);
+}
+
+void invalidate(Problem& problem, Change change, std::initializer_list<Edit> edits) noexcept {
+  for (const Edit& edit : edits) problem.journal.note(edit);
+  const bool follows =
+      problem.simplex != nullptr && problem.simplex->follows_structure() && !problem.journal.structure_lost();
+  discard(problem, rule_of(change), follows);
 }
 
 }  // namespace tovik

@@ -3,11 +3,13 @@
 #pragma once
 
 #include <cstddef>
+#include <initializer_list>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "env/environment.h"
+#include "env/journal.h"
 #include "env/registry.h"
 #include "env/solution.h"
 
@@ -21,6 +23,8 @@ class Model;
  * interface. */
 struct Derived {
   virtual ~Derived() = default;
+  /* Can go on after rows or columns were added or deleted, by the problem's journal. */
+  virtual bool follows_structure() const { return false; }
 };
 
 /* The starting information for the next optimization. Statuses: 0 at lower, 1 basic, 2 at upper, 3 free
@@ -57,6 +61,7 @@ struct Problem {
   Start start;
   Norms norms;
   std::unique_ptr<Derived> simplex;  // live basis and factor between optimizations
+  Journal journal;                   // of changes that the simplex engine has yet to follow
   bool factor_current = false;
   std::unique_ptr<Derived> presolve;
   std::unique_ptr<Derived> mip;
@@ -96,7 +101,10 @@ enum class Change {
   unscaling
 };
 
-/* Discards the derived data that `change` makes invalid. Never fails. */
+/* Discards the derived data that `change` makes invalid. Never fails. Who names the rows or columns concerned
+ * spares the live engine the comparison with the whole model, and a new start after adding or deleting some.
+ */
 void invalidate(Problem& problem, Change change) noexcept;
+void invalidate(Problem& problem, Change change, std::initializer_list<Edit> edits) noexcept;
 
 }  // namespace tovik

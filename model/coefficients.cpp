@@ -60,15 +60,15 @@ void apply(Environment& env, Problem& problem, int i, int j, double value) {
     discard_presolved_model(env, problem, "Changing obj. of");
     adjust_solution(problem, i, j, value - model.objective()[static_cast<std::size_t>(j)]);
     model.set_objective(j, value);
-    invalidate(problem, Change::objective);
+    invalidate(problem, Change::objective, {Edit::values(Edit::Lines::columns, {&j, 1})});
   } else if (j == kRhsColumn) {
     discard_presolved_model(env, problem, "Changing rhs of");
     adjust_solution(problem, i, j, value - model.rhs()[static_cast<std::size_t>(i)]);
     model.set_rhs(i, value);
-    invalidate(problem, Change::rhs);
+    invalidate(problem, Change::rhs, {Edit::values(Edit::Lines::rows, {&i, 1})});
   } else {
     model.set_range(i, value);
-    invalidate(problem, Change::ranges);
+    invalidate(problem, Change::ranges, {Edit::values(Edit::Lines::rows, {&i, 1})});
   }
 }
 

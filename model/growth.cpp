@@ -111,7 +111,8 @@ Status add_rows(Environment& env, Problem& problem, const NewColumns& columns, c
   model.add_rows(with_types(problem, columns, letters), rows);
   discard_presolved_model(env, problem, "Adding rows to");
   extend_start(problem);
-  invalidate(problem, Change::rows);
+  invalidate(problem, Change::rows,
+             {Edit::added(Edit::Lines::columns, columns.count), Edit::added(Edit::Lines::rows, rows.count)});
   return {};
 }
 
@@ -132,7 +133,7 @@ Status add_columns(Environment& env, Problem& problem, const NewColumns& new_col
   model.add_columns(with_types(problem, columns, letters));
   discard_presolved_model(env, problem, "Adding columns to");
   extend_start(problem);
-  invalidate(problem, Change::add_columns);
+  invalidate(problem, Change::add_columns, {Edit::added(Edit::Lines::columns, columns.count)});
   if (columns.types != nullptr) {
     problem.type = mixed_integer_type(problem.type);
     invalidate(problem, Change::column_types);
@@ -146,7 +147,7 @@ Status delete_rows(Environment& env, Problem& problem, int begin, int end) {
   if (begin > end) return {};
   problem.model->delete_rows(begin, end);
   drop_start_rows(problem, begin, end);
-  invalidate(problem, Change::rows);
+  invalidate(problem, Change::rows, {Edit::deleted(Edit::Lines::rows, begin, end)});
   return {};
 }
 
@@ -156,7 +157,7 @@ Status delete_columns(Environment& env, Problem& problem, int begin, int end) {
   if (begin > end) return {};
   problem.model->delete_columns(begin, end);
   drop_start_columns(problem, begin, end);
-  invalidate(problem, Change::delete_columns);
+  invalidate(problem, Change::delete_columns, {Edit::deleted(Edit::Lines::columns, begin, end)});
   return {};
 }
 
@@ -168,7 +169,7 @@ Status delete_row_set(Problem& problem, int* delstat) {
     const std::span<const int> marks(delstat, static_cast<std::size_t>(count));
     problem.model->delete_marked_rows(marks);
     drop_start_rows(problem, marks);
-    invalidate(problem, Change::rows);
+    invalidate(problem, Change::rows, {Edit::deleted(Edit::Lines::rows, marks)});
   }
   number_the_kept(delstat, count);
   return {};
@@ -182,7 +183,7 @@ Status delete_column_set(Problem& problem, int* delstat) {
     const std::span<const int> marks(delstat, static_cast<std::size_t>(count));
     problem.model->delete_marked_columns(marks);
     drop_start_columns(problem, marks);
-    invalidate(problem, Change::delete_columns);
+    invalidate(problem, Change::delete_columns, {Edit::deleted(Edit::Lines::columns, marks)});
   }
   number_the_kept(delstat, count);
   return {};

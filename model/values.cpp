@@ -1,6 +1,7 @@
 /* Bounds, right-hand sides, ranges, senses and the objective. */
 #include <algorithm>
 #include <cmath>
+#include <span>
 
 #include "model/changes.h"
 #include "model/check.h"
@@ -28,6 +29,10 @@ Status check_changes(Environment& env, const ValueChanges& changes, IndexRule ru
 
 Status check_changes(Environment& env, const ValueChanges& changes, IndexRule rule) {
   return check_changes(env, changes, rule, [&] { return check_numbers(env, changes.count, changes.values); });
+}
+
+std::span<const int> list(const int* indices, int count) {
+  return {indices, static_cast<std::size_t>(count)};
 }
 
 double normal_bound(double bound) {
@@ -87,7 +92,8 @@ Status change_bounds(Environment& env, Problem& problem, const BoundChanges& cha
     if (which == 'L' || which == 'B') change_lower(env, model, changes.columns[k], changes.bounds[k], rule);
     if (which == 'U' || which == 'B') change_upper(env, model, changes.columns[k], changes.bounds[k], rule);
   }
-  invalidate(problem, Change::bounds);
+  invalidate(problem, Change::bounds,
+             {Edit::values(Edit::Lines::columns, list(changes.columns, changes.count))});
   return {};
 }
 
@@ -98,7 +104,7 @@ Status change_rhs(Environment& env, Problem& problem, const ValueChanges& change
   if (!checked.ok() || changes.count == 0) return checked;
   discard_presolved_model(env, problem, "Changing rhs of");
   for (int k = 0; k < changes.count; ++k) model.set_rhs(changes.indices[k], changes.values[k]);
-  invalidate(problem, Change::rhs);
+  invalidate(problem, Change::rhs, {Edit::values(Edit::Lines::rows, list(changes.indices, changes.count))});
   return {};
 }
 
@@ -109,7 +115,8 @@ Status change_ranges(Environment& env, Problem& problem, const ValueChanges& cha
   if (!checked.ok() || changes.count == 0) return checked;
   if (!model.has_ranges()) return TVK_ERROR_NO_RANGE_VALUES;
   for (int k = 0; k < changes.count; ++k) model.set_range(changes.indices[k], changes.values[k]);
-  invalidate(problem, Change::ranges);
+  invalidate(problem, Change::ranges,
+             {Edit::values(Edit::Lines::rows, list(changes.indices, changes.count))});
   return {};
 }
 
@@ -120,7 +127,8 @@ Status change_objective(Environment& env, Problem& problem, const ValueChanges& 
   if (!checked.ok() || changes.count == 0) return checked;
   discard_presolved_model(env, problem, "Changing obj. of");
   for (int k = 0; k < changes.count; ++k) model.set_objective(changes.indices[k], changes.values[k]);
-  invalidate(problem, Change::objective);
+  invalidate(problem, Change::objective,
+             {Edit::values(Edit::Lines::columns, list(changes.indices, changes.count))});
   return {};
 }
 
@@ -154,7 +162,7 @@ Status change_objective_offset(Environment& env, Problem& problem, double offset
   }
   discard_presolved_model(env, problem, "Changing the objective of");
   problem.model->set_objective_offset(offset);
-  invalidate(problem, Change::objective);
+  invalidate(problem, Change::objective, {});
   return {};
 }
 
