@@ -59,6 +59,12 @@ bool remove_free_row(Workspace& ws, int i) {
   return false;
 }
 
+void drop_free_rows(Workspace& ws) {
+  for (int i = 0; i < ws.num_rows(); ++i) {
+    if (ws.row_alive(i) && ws.row_lower[i] == -kInf && ws.row_upper[i] == kInf) drop(ws, i);
+  }
+}
+
 void undo_free_row(Record record, Undo& undo) {
   const int i = record.integer();
   undo.point.row[i] = At::basic;

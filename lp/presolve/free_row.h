@@ -13,6 +13,10 @@ namespace tovik::lp::presolve {
 bool remove_free_row(Workspace& ws, int i);
 void undo_free_row(Record record, Undo& undo);
 
+/* Removes all rows without sides: at the end of a run that changed anything. In the reduced problem one could
+ * be non-basic at activity 0, which the undo of a fixed column moves away from 0. */
+void drop_free_rows(Workspace& ws);
+
 /* Verdict for a row whose columns cannot reach its side. */
 Verdict row_verdict(Finding finding, int i, bool below_lower);
 

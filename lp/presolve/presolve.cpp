@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "lp/presolve/free_row.h"
 #include "lp/presolve/rounds.h"
 
 namespace tovik::lp::presolve {
@@ -41,6 +42,7 @@ Reduction presolve(const LpData& original, const Settings& settings, Control& co
   control.add_work(static_cast<std::uint64_t>(ws.work()));
   Reduction result;
   for (const std::int64_t hits : ws.counts.hits) result.changed |= hits > 0;
+  if (result.changed) drop_free_rows(ws);
   result.lp = ws.extract(result.row_map, result.column_map);
   for (int i = 0; i < ws.num_rows(); ++i) result.row_fate.push_back(ws.row_fate(i));
   for (int j = 0; j < ws.num_columns(); ++j) result.column_fate.push_back(ws.column_fate(j));
