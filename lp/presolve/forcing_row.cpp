@@ -67,7 +67,7 @@ void undo_forcing_row(Record record, Undo& undo) {
     const bool equal = row.index[k] < 0;
     const int j = equal ? -row.index[k] - 1 : row.index[k];
     p.d[j] -= row.value[k] * worst;
-    if (equal) p.column[j] = Undo::side(p.column[j], p.d[j]);
+    if (equal || undo.homogeneous) p.column[j] = Undo::side(p.column[j], p.d[j]);
   }
   p.column[entering] = At::basic;
   p.d[entering] = 0;
