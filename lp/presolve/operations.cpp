@@ -2,10 +2,14 @@
 
 #include <array>
 
+#include "lp/presolve/dominated_column.h"
+#include "lp/presolve/doubleton_equation.h"
 #include "lp/presolve/fixed_column.h"
 #include "lp/presolve/forcing_row.h"
+#include "lp/presolve/free_column.h"
 #include "lp/presolve/free_row.h"
 #include "lp/presolve/singleton_row.h"
+#include "lp/presolve/slack_column.h"
 
 namespace tovik::lp::presolve {
 
@@ -17,6 +21,11 @@ const Operation& operation(Op op) {
     set(Op::singleton_row, {"singleton row", undo_singleton_row});
     set(Op::forcing_row, {"forcing row", undo_forcing_row});
     set(Op::fixed_column, {"fixed column", undo_fixed_column});
+    set(Op::doubleton, {"doubleton equation", undo_doubleton});
+    set(Op::free_column, {"free column", undo_free_column});
+    set(Op::slack_in_equation, {"slack in equation", undo_slack_in_equation});
+    set(Op::slack_in_row, {"slack in row", undo_slack_in_row});
+    set(Op::row_made_equation, {"row made equation", undo_row_made_equation});
     return t;
   }();
   return table[static_cast<size_t>(op)];

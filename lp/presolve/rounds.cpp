@@ -2,10 +2,13 @@
 
 #include <algorithm>
 
+#include "lp/presolve/aggregator.h"
+#include "lp/presolve/dominated_column.h"
 #include "lp/presolve/fixed_column.h"
 #include "lp/presolve/forcing_row.h"
 #include "lp/presolve/free_row.h"
 #include "lp/presolve/singleton_row.h"
+#include "lp/presolve/slack_column.h"
 
 namespace tovik::lp::presolve {
 namespace {
@@ -36,6 +39,7 @@ void look_at_column(Workspace& ws, int j) {
     return;
   }
   if (fix_by_signs(ws, j)) return;
+  if (ws.column_length(j) == 1 && remove_slack_column(ws, j)) return;
 }
 
 /* Rules that look at one row or column at a time, on what changed, until nothing is left to look at. */
@@ -49,15 +53,40 @@ void sweep(Workspace& ws) {
   }
 }
 
+/* A dear rule that finds nothing sits out as many turns as it has failed in a row. */
+class Turns {
+ public:
+  template <class F>
+  void take(F rule) {
+    if (skip_ > 0) {
+      --skip_;
+      return;
+    }
+    failures_ = rule() ? 0 : failures_ + 1;
+    skip_ = failures_;
+  }
+
+ private:
+  int failures_ = 0, skip_ = 0;
+};
+
 }  // namespace
 
 void run_rounds(Workspace& ws) {
   const int most = ws.settings.passes < 0 ? kMostRounds : ws.settings.passes;
   const auto entries = static_cast<std::int64_t>(ws.original.matrix.index.size());
   const std::int64_t budget = kWorkPerEntry * (entries + size_of(ws));
+  Turns dual_bounds;
+  int rounds_left = ws.settings.aggregator < 0 ? most : ws.settings.aggregator;
   for (int round = 0; round < most && !ws.done() && ws.work() <= budget; ++round) {
     const std::int64_t before = size_of(ws);
     sweep(ws);
+    dual_bounds.take([&] { return use_dual_bounds(ws); });
+    sweep(ws);
+    if (rounds_left > 0) {
+      --rounds_left;
+      if (aggregate(ws)) sweep(ws);
+    }
     if (static_cast<double>(before - size_of(ws)) <= kLittleRound * static_cast<double>(before)) break;
   }
 }
