@@ -8,6 +8,7 @@
 
 #include "env/environment.h"
 #include "env/problem.h"
+#include "fileio/channel_log.h"
 #include "fileio/lp_dialogue.h"
 #include "include/tovik.h"
 #include "model/load.h"
@@ -16,21 +17,7 @@
 namespace tovik::fileio {
 namespace {
 
-/* Delivers a reader's lines to the environment's channels. */
-class ChannelLog final : public ReaderLog {
- public:
-  explicit ChannelLog(const Environment& env) : env_(env) {}
-  void warning(std::string_view text) override { deliver(env_.warning_channel, text); }
-  void result(std::string_view text) override { deliver(env_.results_channel, text); }
-
- private:
-  static void deliver(Channel* channel, std::string_view text) {
-    message(channel, "%s", std::string(text).c_str());
-  }
-  const Environment& env_;
-};
-
-/* The same for entry from standard input; prompts go to the results channel. */
+/* A reader's lines for entry from standard input; prompts go to the results channel. */
 class ChannelDialogue final : public DialogueLog {
  public:
   explicit ChannelDialogue(Environment& env) : env_(env), log_(env) {}

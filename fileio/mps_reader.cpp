@@ -8,6 +8,7 @@
 #include "fileio/model_reader.h"
 #include "fileio/mps_bounds.h"
 #include "fileio/mps_columns.h"
+#include "fileio/mps_constant.h"
 #include "fileio/mps_families.h"
 #include "fileio/mps_input.h"
 #include "fileio/mps_rim.h"
@@ -380,6 +381,7 @@ bool Reader::finish() {
     context_.log.warn("%d truncation warning messages not printed.\n", truncated_.suppressed());
   take_out_special_rows(context_.model, rows_.kinds(), quadratic_.rows_in_order(),
                         indicators_.rows_in_order());
+  fold_constant_column(context_.model);
   return true;
 }
 

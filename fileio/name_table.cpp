@@ -133,6 +133,23 @@ void NameTable::reserve(int count) {
   begin_.reserve(static_cast<std::size_t>(count) + 1);
 }
 
+/* The slots behind the freed one move up as far as their own places allow, so that no search ends early. */
+void NameTable::drop_last() {
+  const std::size_t mask = slots_.size() - 1;
+  const std::string_view last = name(size() - 1);
+  std::size_t hole = slot_of(last, key_of(last));
+  for (std::size_t i = (hole + 1) & mask; slots_[i].id != kNone; i = (i + 1) & mask) {
+    const std::size_t home = slots_[i].hash / 2 & mask;
+    if (((i - home) & mask) < ((i - hole) & mask)) continue;
+    slots_[hole] = slots_[i];
+    hole = i;
+  }
+  slots_[hole] = Slot{};
+  text_.resize(begin_[begin_.size() - 2]);
+  begin_.pop_back();
+  indexed_ = size();
+}
+
 model::NameBlock NameTable::release() {
   begin_.pop_back();
   return {std::move(text_), std::move(begin_)};

@@ -46,6 +46,8 @@ class NameTable {
   void reserve_text(std::size_t names, std::size_t bytes);
   int append(std::string_view name);
   std::vector<int> index_appended();
+  /* Takes back the last name, which must be indexed and no repeat. */
+  void drop_last();
   /* Hands the texts over, in order; the table may only be destroyed afterwards. */
   model::NameBlock release();
 

@@ -1,20 +1,14 @@
 /* Opening a file for reading: plain files, and compressed ones through a child process. */
 #include <fcntl.h>
-#include <signal.h>
-#include <spawn.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <string>
 #include <utility>
 
 #include "env/environment.h"
+#include "fileio/process.h"
 #include "fileio/stream.h"
-
-extern char** environ;
 
 namespace tovik::fileio {
 namespace {
@@ -28,43 +22,11 @@ char lower(char c) {
   return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
 
-/* A file descriptor that closes itself. */
-class Descriptor {
- public:
-  explicit Descriptor(int number = -1) : number_(number) {}
-  Descriptor(Descriptor&& other) noexcept : number_(std::exchange(other.number_, -1)) {}
-  Descriptor& operator=(Descriptor&& other) noexcept {
-    std::swap(number_, other.number_);
-    return *this;
-  }
-  ~Descriptor() { close(); }
-  void close() {
-    if (number_ >= 0) ::close(std::exchange(number_, -1));
-  }
-  int get() const { return number_; }
-  bool valid() const { return number_ >= 0; }
-
- private:
-  int number_;
-};
-
 Descriptor open_plain(const char* name) {
-  Descriptor file;
-  do {
-    file = Descriptor(::open(name, O_RDONLY | O_CLOEXEC));
-  } while (!file.valid() && errno == EINTR);
+  Descriptor file = open_descriptor(name, O_RDONLY);
   struct stat info {};
   if (file.valid() && (::fstat(file.get(), &info) != 0 || S_ISDIR(info.st_mode))) file.close();
   return file;
-}
-
-/* -1 on failure. */
-ssize_t read_some(int descriptor, char* buffer, std::size_t capacity) {
-  ssize_t count;
-  do {
-    count = ::read(descriptor, buffer, capacity);
-  } while (count < 0 && errno == EINTR);
-  return count;
 }
 
 class FileSource final : public ByteSource {
@@ -90,8 +52,7 @@ class FileSource final : public ByteSource {
 /* The output of a running compressor. */
 class ChildSource final : public ByteSource {
  public:
-  ChildSource(Descriptor pipe, pid_t child) : pipe_(std::move(pipe)), child_(child) {}
-  ~ChildSource() override { wait(); }
+  ChildSource(Descriptor pipe, Child child) : child_(std::move(child)), pipe_(std::move(pipe)) {}
   std::size_t read(char* buffer, std::size_t capacity) override {
     const ssize_t count = failed_ ? 0 : read_some(pipe_.get(), buffer, capacity);
     failed_ = failed_ || count < 0;
@@ -102,74 +63,23 @@ class ChildSource final : public ByteSource {
     char rest[4096];
     while (read(rest, sizeof rest) != 0) {
     }
-    return wait() && !failed_;
+    pipe_.close();
+    return child_.wait() && !failed_;
   }
 
  private:
-  bool wait() {
-    pipe_.close();
-    if (child_ < 0) return false;
-    int status = 0;
-    pid_t waited;
-    do {
-      waited = ::waitpid(child_, &status, 0);
-    } while (waited < 0 && errno == EINTR);
-    const bool fine = waited == child_ && WIFEXITED(status) && WEXITSTATUS(status) == 0;
-    child_ = -1;
-    return fine;
-  }
-
+  Child child_;  // waited for when its pipe is closed
   Descriptor pipe_;
-  pid_t child_;
   bool failed_ = false;
 };
 
-/* What the child starts with: standard input and error on the null device, its output in the pipe, and the
- * default reaction to a closed pipe whatever the caller's program chose for itself. */
-class SpawnSetup {
- public:
-  explicit SpawnSetup(int output) {
-    posix_spawn_file_actions_init(&actions_);
-    posix_spawnattr_init(&attributes_);
-    // First, since the pipe itself may stand on one of the three when the caller closed them.
-    posix_spawn_file_actions_adddup2(&actions_, output, STDOUT_FILENO);
-    posix_spawn_file_actions_addopen(&actions_, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-    posix_spawn_file_actions_addopen(&actions_, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
-    sigset_t none, defaults;
-    sigemptyset(&none);
-    sigemptyset(&defaults);
-    sigaddset(&defaults, SIGPIPE);
-    posix_spawnattr_setsigmask(&attributes_, &none);
-    posix_spawnattr_setsigdefault(&attributes_, &defaults);
-    posix_spawnattr_setflags(&attributes_, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
-  }
-  SpawnSetup(const SpawnSetup&) = delete;
-  SpawnSetup& operator=(const SpawnSetup&) = delete;
-  ~SpawnSetup() {
-    posix_spawn_file_actions_destroy(&actions_);
-    posix_spawnattr_destroy(&attributes_);
-  }
-  /* -1 when the program cannot be started. */
-  pid_t start(char* const* arguments) const {
-    pid_t child = -1;
-    return posix_spawnp(&child, arguments[0], &actions_, &attributes_, arguments, environ) == 0 ? child : -1;
-  }
-
- private:
-  posix_spawn_file_actions_t actions_;
-  posix_spawnattr_t attributes_;
-};
-
 std::unique_ptr<ByteSource> open_compressed(const char* name, Compression compression) {
-  int ends[2];
-  if (::pipe2(ends, O_CLOEXEC) != 0) return nullptr;
-  Descriptor reading(ends[0]), writing(ends[1]);
-  std::string program = compression == Compression::bzip2 ? "bzip2" : "gzip";
-  std::string action = "-cd", separator = "--", file = name;
-  char* const arguments[] = {program.data(), action.data(), separator.data(), file.data(), nullptr};
-  const pid_t child = SpawnSetup(writing.get()).start(arguments);
-  if (child < 0) return nullptr;
-  return std::make_unique<ChildSource>(std::move(reading), child);
+  Pipe pipe = make_pipe();
+  if (!pipe.valid()) return nullptr;
+  Child child({compression == Compression::bzip2 ? "bzip2" : "gzip", "-cd", "--", name}, -1,
+              pipe.writing.get());
+  if (!child.started()) return nullptr;
+  return std::make_unique<ChildSource>(std::move(pipe.reading), std::move(child));
 }
 
 /* The name with the default extension, or empty when the name has that extension already. */

@@ -1,0 +1,321 @@
+/* Random models written and read back are the same models: MPS to the last bit, LP to 15 digits. The models
+ * hold names with hostile characters, extreme and denormal numbers, every kind of bound and type, ranges,
+ * empty rows and columns. A failure prints the seed and the file. */
+#include <gtest/gtest.h>
+
+#include <bit>
+#include <cmath>
+#include <map>
+#include <memory>
+#include <numeric>
+#include <random>
+#include <string>
+
+#include "fileio/model_reader.h"
+#include "fileio/model_writer.h"
+#include "model/load.h"
+
+namespace {
+
+using namespace tovik;
+using fileio::FileModel;
+using model::Model;
+using model::ModelData;
+
+class TextSink final : public fileio::ByteSink {
+ public:
+  bool write(const char* bytes, std::size_t count) override {
+    text.append(bytes, count);
+    return true;
+  }
+  bool commit() override { return true; }
+  std::string text;
+};
+
+class Log final : public fileio::ReaderLog {
+ public:
+  void warning(std::string_view line) override { lines += line; }
+  void result(std::string_view) override {}
+  std::string lines;
+};
+
+class Generator {
+ public:
+  explicit Generator(unsigned seed) : random_(seed) {}
+
+  /* exact: every double; otherwise ones that 15 digits hold, and sums of a right-hand side and a range too.
+   */
+  ModelData make(bool exact, bool hostile) {
+    exact_ = exact;
+    ModelData data;
+    const int columns = below(9) == 0 ? 1 : 1 + below(12), rows = below(9) == 0 ? 0 : 1 + below(10);
+    data.problem_name = pick({"p", "two words", "tab\tand\nfeed", ""});
+    data.objective_name = pick({"", "cost", "obj", "r1", "max", "a b"});
+    data.objective_sense = below(2) == 0 ? 1 : -1;
+    if (below(2) == 0) data.objective_offset = value();
+    const bool types = below(2) == 0;
+    data.start.push_back(0);
+    for (int j = 0; j < columns; ++j) make_column(data, rows, types);
+    for (int i = 0; i < rows; ++i) make_row(data);
+    if (below(4) != 0) make_names(data.column_names, columns, hostile);
+    if (below(4) != 0) make_names(data.row_names, rows, hostile);
+    return data;
+  }
+
+ private:
+  int below(int n) { return static_cast<int>(random_() % static_cast<unsigned>(n)); }
+  template <class T>
+  T pick(std::initializer_list<T> from) {
+    return from.begin()[below(static_cast<int>(from.size()))];
+  }
+  std::string pick(std::initializer_list<const char*> from) {
+    return from.begin()[below(static_cast<int>(from.size()))];
+  }
+
+  double value() {
+    const int kind = below(10);
+    if (kind < 4) return below(2001) - 1000;
+    if (kind < 6) return (below(20001) - 10000) / 100.0;
+    if (!exact_) return pick({1e15, -1e-300, 1e19, 0.1, 1e-5, 1e-4, 123456789012345.0, -7.25e100, 1e300});
+    if (kind < 8)
+      return pick({5e-324, -2.2250738585072014e-308, 1.7976931348623157e308, 1e22, 1e23, 0.1 + 0.2});
+    double any;
+    do {
+      any = std::bit_cast<double>((std::uint64_t{random_()} << 32) | random_());
+    } while (!std::isfinite(any));
+    return any;
+  }
+  double nonzero() {
+    double v = 0;
+    while (v == 0) v = value();
+    return v;
+  }
+  double finite_bound() {
+    double v = value();
+    while (std::fabs(v) >= 1e20) v = value();
+    return v;
+  }
+
+  void make_column(ModelData& data, int rows, bool types) {
+    data.objective.push_back(below(3) == 0 ? 0 : value());
+    double lower = 0, upper = 1e20;
+    switch (below(9)) {
+      case 0:
+        lower = -1e20;
+        break;
+      case 1:
+        lower = -1e20, upper = finite_bound();
+        break;
+      case 2:
+        upper = finite_bound();
+        break;
+      case 3:
+        lower = finite_bound();
+        break;
+      case 4:
+        lower = finite_bound(), upper = finite_bound();
+        break;
+      case 5:
+        lower = upper = finite_bound();
+        break;
+      case 6:
+        upper = pick({0.0, 1.0, -1.0, -1e20});
+        break;
+      case 7:
+        lower = 1e20;
+        break;
+      default:
+        break;
+    }
+    const char type = types ? pick({'C', 'C', 'B', 'I', 'S', 'N'}) : 'C';
+    if (type == 'B' && lower != upper) lower = 0, upper = 1;  // other bounds do not count for binaries
+    data.lower.push_back(lower);
+    data.upper.push_back(upper);
+    if (types) data.types.push_back(type);
+    for (int i = 0; i < rows; ++i) {
+      if (below(3) != 0) continue;
+      data.index.push_back(i);
+      data.value.push_back(nonzero());
+    }
+    data.start.push_back(static_cast<std::int64_t>(data.index.size()));
+  }
+
+  void make_row(ModelData& data) {
+    const char sense = pick({'L', 'G', 'E', 'R'});
+    data.sense.push_back(sense);
+    data.rhs.push_back(below(4) == 0 ? 0 : sense == 'R' && !exact_ ? below(1000) : value());
+    data.range.push_back(sense != 'R' ? 0 : exact_ ? finite_bound() : below(101) - 50);
+  }
+
+  void make_names(model::NameBlock& block, int count, bool hostile) {
+    static const char* const kOdd[] = {"x+y",       "e5",
+                                       "e",         "3x",
+                                       "",          " ",
+                                       "a b",       "a\tb",
+                                       "inf",       "INFINITY",
+                                       "end",       "st",
+                                       "free",      "bounds",
+                                       "Bin",       "c1:",
+                                       "[x]",       "x^2",
+                                       "\x7f",      "\xff",
+                                       "\xc3\xa9",  "'MARKER'",
+                                       "RHS",       "max",
+                                       "subjectto", "lazyconstraints",
+                                       "s.t.",      "OBJCONST",
+                                       "Rgr1",      "Rgc1",
+                                       "same",      "a\nb",
+                                       "$",         "*",
+                                       "1e5"};
+    for (int k = 0; k < count; ++k) {
+      std::string name = "r" + std::to_string(k);
+      if (hostile && below(3) == 0) name = kOdd[static_cast<std::size_t>(below(std::size(kOdd)))];
+      if (!hostile && below(6) == 0) {
+        name = pick({"Rgr1", "Rgr2", "free", "st", "bounds_", "x#1", "max", "\xc3\xa9"}) + std::to_string(k);
+      }
+      if (hostile && below(20) == 0) name = std::string(static_cast<std::size_t>(250 + below(20)), 'n');
+      block.add(name);
+    }
+  }
+
+  std::mt19937 random_;
+  bool exact_ = true;
+};
+
+std::string hex(double v) {
+  char text[40];
+  std::snprintf(text, sizeof text, "%a", v == 0 ? 0.0 : v);  // no -0
+  return text;
+}
+
+/* The whole model as text; columns in the order of their numbers. */
+std::string describe(const Model& m, const std::vector<int>& number) {
+  std::string text = m.objective_sense() > 0 ? "min " : "max ";
+  text += hex(m.objective_offset()) + '\n';
+  std::map<int, std::string> columns;
+  for (int j = 0; j < m.num_columns(); ++j) {
+    const auto at = static_cast<std::size_t>(j);
+    std::string column = "C ";
+    if (!m.column_types().empty()) column[0] = m.column_types()[at];
+    column += hex(m.objective()[at]) + " [" + hex(m.lower()[at]) + ',' + hex(m.upper()[at]) + "]";
+    std::map<int, double> entries;
+    for (int k = 0; k < m.column(j).count; ++k) entries[m.column(j).index[k]] = m.column(j).value[k];
+    for (const auto& [row, entry] : entries) column += ' ' + std::to_string(row) + ':' + hex(entry);
+    columns[number[at]] = column;
+  }
+  for (const auto& [j, column] : columns) text += 'x' + std::to_string(j) + ' ' + column + '\n';
+  for (int i = 0; i < m.num_rows(); ++i) {
+    const auto at = static_cast<std::size_t>(i);
+    text += std::string(1, m.sense()[at]) + ' ' + hex(m.rhs()[at]) + ' ' + hex(m.range()[at]) + '\n';
+  }
+  return text;
+}
+
+/* Which of the written names `name` is: an own one, a made-up one, or a rewritten one, which ends with its
+ * position. */
+int position_of(const model::NameTable& names, const std::string& name) {
+  if (names.empty()) return std::stoi(name.substr(1)) - 1;
+  const int own = names.find(name);
+  return own >= 0 ? own : std::stoi(name.substr(name.rfind('#') + 1));
+}
+
+std::vector<int> positions(const model::NameTable& before, const model::NameTable& after, int count) {
+  std::vector<int> numbers;
+  for (int k = 0; k < count; ++k) numbers.push_back(position_of(before, after.name(k)));
+  return numbers;
+}
+
+std::vector<int> in_order(int count) {
+  std::vector<int> numbers(static_cast<std::size_t>(count));
+  std::iota(numbers.begin(), numbers.end(), 0);
+  return numbers;
+}
+
+/* What a file cannot tell apart, in the form in which it comes back: ranges run upward in LP files, and there
+ * an end of the row is the sum of two numbers; a fixed binary column is a fixed integer one in MPS. */
+void make_comparable(ModelData& data, bool mps) {
+  for (std::size_t i = 0; i < data.sense.size() && !mps; ++i) {
+    if (data.range[i] < 0) data.rhs[i] += data.range[i];
+    data.range[i] = std::fabs(data.range[i]);
+  }
+  for (std::size_t j = 0; j < data.types.size() && mps; ++j) {
+    if (data.types[j] == 'B' && data.lower[j] == data.upper[j]) data.types[j] = 'I';
+  }
+}
+
+struct Loaded {
+  explicit Loaded(FileModel&& file) {
+    ModelData data;
+    data.objective_sense = file.objective_sense;
+    data.objective_offset = file.objective_offset;
+    data.objective = std::move(file.objective);
+    data.lower = std::move(file.lower);
+    data.upper = std::move(file.upper);
+    data.types = std::move(file.types);
+    data.rhs = std::move(file.rhs);
+    data.range = std::move(file.range);
+    data.sense = std::move(file.sense);
+    data.start = std::move(file.start);
+    data.index = std::move(file.index);
+    data.value = std::move(file.value);
+    data.column_names = file.columns.release();
+    data.row_names = file.rows.release();
+    model = std::make_unique<Model>(std::move(data));
+  }
+  std::unique_ptr<Model> model;
+};
+
+using Writer = int (*)(const fileio::WriteSource&, const fileio::WriteOptions&, fileio::ReaderLog&,
+                       fileio::TextWriter&);
+using Reader = fileio::ReadFailure (*)(fileio::ByteSource&, const fileio::ReadOptions&, fileio::ReaderLog&,
+                                       FileModel&);
+
+std::string written(const Model& model, const std::string& name, Writer writer, Log& log) {
+  TextSink sink;
+  fileio::TextWriter out(sink);
+  EXPECT_EQ(writer({model, name}, {}, log, out), 0);
+  EXPECT_TRUE(out.close());
+  return sink.text;
+}
+
+struct Format {
+  Writer write;
+  Reader read;
+};
+
+void round_trip(unsigned seed, const Format& format, bool hostile) {
+  const bool mps = format.write == fileio::write_mps;
+  ModelData data = Generator(seed).make(mps, hostile);
+  const std::string problem_name = data.problem_name;
+  Log log;
+  const std::string text = written(Model(ModelData(data)), problem_name, format.write, log);
+  make_comparable(data, mps);
+  const Model model(std::move(data));
+  SCOPED_TRACE("seed " + std::to_string(seed) + "\n" + text);
+  fileio::MemorySource source(text);
+  FileModel file;
+  const fileio::ReadFailure failure = format.read(source, {}, log, file);
+  ASSERT_EQ(failure.code, 0) << "line " << failure.first << ' ' << failure.text << failure.text2;
+  const Loaded loaded(std::move(file));
+  ASSERT_EQ(loaded.model->num_columns(), model.num_columns());
+  ASSERT_EQ(loaded.model->num_rows(), model.num_rows());
+  ASSERT_EQ(positions(model.row_names(), loaded.model->row_names(), model.num_rows()),
+            in_order(model.num_rows()));
+  ASSERT_EQ(describe(model, in_order(model.num_columns())),
+            describe(*loaded.model,
+                     positions(model.column_names(), loaded.model->column_names(), model.num_columns())))
+      << log.lines;
+}
+
+TEST(WriteRead, MpsIsExact) {
+  for (unsigned seed = 1; seed <= 3000 && !HasFatalFailure(); ++seed) {
+    round_trip(seed, {fileio::write_mps, fileio::read_mps}, seed % 2 == 0);
+  }
+}
+
+TEST(WriteRead, LpHasFifteenDigits) {
+  for (unsigned seed = 1; seed <= 3000 && !HasFatalFailure(); ++seed) {
+    round_trip(seed, {fileio::write_lp, fileio::read_lp}, seed % 2 == 0);
+  }
+}
+
+}  // namespace
