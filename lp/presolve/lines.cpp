@@ -46,12 +46,14 @@ void Lines::remove(int line, int position) {
 }
 
 void Lines::append(int line, int other, double value) {
-  if (stored_[line] != live_[line]) compact(line);
-  if (live_[line] == capacity_[line]) move_to_end(line);
-  const std::int64_t at = begin_[line] + live_[line];
+  if (stored_[line] == capacity_[line]) {
+    if (stored_[line] != live_[line]) compact(line);
+    if (live_[line] == capacity_[line]) move_to_end(line);
+  }
+  const std::int64_t at = begin_[line] + stored_[line]++;
   index_[at] = other;
   value_[at] = value;
-  stored_[line] = ++live_[line];
+  ++live_[line];
 }
 
 void Lines::move_to_end(int line) {

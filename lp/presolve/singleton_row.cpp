@@ -68,14 +68,8 @@ void undo_singleton_row(Record record, Undo& undo) {
   const double a = record.real();
   Point& p = undo.point;
   At at = p.column[j];
-  if (collapsed && at != At::basic) {
-    at = p.d[j] > 0                       ? At::lower
-         : p.d[j] < 0                     ? At::upper
-         : tighter_lower && tighter_upper ? at
-         : tighter_lower                  ? At::upper
-                                          : At::lower;  // the side that is its own
-    p.column[j] = at;
-  }
+  if (collapsed && at != At::basic)
+    p.column[j] = at = Undo::own_side(at, p.d[j], tighter_lower, tighter_upper);
   if ((at == At::lower && tighter_lower) || (at == At::upper && tighter_upper)) {
     p.y[i] = p.d[j] / a;
     p.d[j] = 0;

@@ -47,6 +47,10 @@ struct Undo {
   }
   /* A column or row at equal bounds stands where its dual says; at 0 it stays where it is. */
   static At side(At present, double dual) { return dual > 0 ? At::lower : dual < 0 ? At::upper : present; }
+  /* The same when one or both of the equal bounds came from elsewhere: at 0 its own, if there is one. */
+  static At own_side(At present, double dual, bool lower_came, bool upper_came) {
+    return side(lower_came == upper_came ? present : lower_came ? At::upper : At::lower, dual);
+  }
 };
 
 /* Undoes the whole stack. */

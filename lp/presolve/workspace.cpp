@@ -54,6 +54,7 @@ Workspace::Workspace(const LpData& original_lp, const Settings& s, Control& c, c
       row_queued_(original_lp.row_lower.size(), 0),
       column_queued_(original_lp.cost.size(), 0),
       mark_(original_lp.cost.size(), 0),
+      row_mark_(original_lp.row_lower.size(), 0),
       rows_left_(original_lp.num_rows()),
       columns_left_(original_lp.num_columns()),
       offset_(original_lp.offset) {
@@ -96,6 +97,7 @@ const Activity& Workspace::activity(int i) {
     const int j = v.index[k];
     const double least = least_term(v.value[k], lower[j], upper[j]);
     const double most = most_term(v.value[k], lower[j], upper[j]);
+    sum.largest = std::max(sum.largest, std::fabs(v.value[k]));
     if (least == -kInf) {
       ++sum.infinite_min;
     } else {
@@ -234,6 +236,11 @@ void Workspace::change_sides(int i, double new_lower, double new_upper) {
 void Workspace::change_cost(int j, double new_cost) {
   cost[j] = new_cost;
   queue_column(j);
+}
+
+void Workspace::move_cost(int j, double delta) {
+  const double sum = cost[j] + delta;
+  change_cost(j, std::fabs(sum) <= kCancelled * std::fabs(delta) ? 0.0 : sum);
 }
 
 void Workspace::add_offset(double value) {

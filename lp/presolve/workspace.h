@@ -31,6 +31,7 @@ struct Activity {
   double min = 0, max = 0;
   int infinite_min = 0, infinite_max = 0;
   double magnitude = 0;  // largest finite contribution: the scale of rounding errors
+  double largest = 0;    // entry of the row
   double least() const { return infinite_min > 0 ? -kInf : min; }
   double most() const { return infinite_max > 0 ? kInf : max; }
 };
@@ -89,6 +90,8 @@ class Workspace {
   void change_bounds(int j, double new_lower, double new_upper);
   void change_sides(int i, double new_lower, double new_upper);
   void change_cost(int j, double new_cost);
+  /* Adds to a cost; what cancels to rounding noise becomes zero. */
+  void move_cost(int j, double delta);
   void add_offset(double value);
   /* Both finite sides of row i move by delta; what cancels to rounding noise becomes zero. */
   void shift_sides(int i, double delta);
@@ -101,6 +104,8 @@ class Workspace {
   /* Row target += factor * row source, sides too when source is an equation (else only the entries). The
    * entry in column `pivot`, if any, is removed exactly. */
   void add_row_multiple(int target, double factor, int source, int pivot);
+  /* Row i is an equation: solved for column s, put in for it in all other rows and the objective; both go. */
+  void substitute(int i, int s);
   void set_entry(int i, int j, double value);  // existing or new; 0 removes it
   /* Column j of the record: a reference to the original when its entries are untouched, else a copy. */
   void store_column(int j);
@@ -134,7 +139,8 @@ class Workspace {
   std::vector<char> activity_fresh_;
   std::vector<int> changed_rows_, changed_columns_;
   std::vector<char> row_queued_, column_queued_;
-  std::vector<int> mark_;  // by column: position + 1 in the target row while rows are added
+  std::vector<int> mark_;      // by column: position + 1 in the target row while rows are added
+  std::vector<int> row_mark_;  // by row, the same for columns
   std::vector<int> scratch_index_;
   std::vector<double> scratch_value_;
   int rows_left_, columns_left_;

@@ -1,0 +1,135 @@
+#include "lp/presolve/doubleton_equation.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "lp/presolve/free_column.h"
+#include "lp/presolve/tolerances.h"
+
+namespace tovik::lp::presolve {
+namespace {
+
+constexpr double kAlike = 10;       // ratio of the entries up to which the shorter column leaves
+constexpr double kMostRatio = 1e3;  // |entry that stays / entry that leaves|
+constexpr int kMostGrowth = 4;      // of the column that stays, in multiples of its length
+constexpr int kShort = 20;          // no column of this length is too long
+
+struct Doubleton {
+  int i, leaves, stays;
+  double a, b;  // entries of the two
+};
+
+/* Bounds of the column that stays, with those of the one that leaves. */
+struct Transfer {
+  double lower, upper;
+  bool tighter_lower, tighter_upper;
+};
+
+bool may_leave(Workspace& ws, const Doubleton& d) {
+  if (ws.is_protected(d.leaves) || std::fabs(d.b) > kMostRatio * std::fabs(d.a)) return false;
+  const int grown = ws.column_length(d.leaves) + ws.column_length(d.stays) - 2;
+  if (grown > std::max(kShort, kMostGrowth * ws.column_length(d.stays))) return false;
+  const double beta = std::fabs(ws.row_lower[d.i]);
+  for (const double bound : {ws.lower[d.leaves], ws.upper[d.leaves]}) {
+    if (std::isfinite(bound) && std::max(beta, std::fabs(bound * d.a)) > kHugeMove * std::fabs(d.b))
+      return false;
+  }
+  return sound_pivot(ws, d.i, d.leaves, d.a);
+}
+
+Transfer transfer_of(const Workspace& ws, const Doubleton& d) {
+  const double beta = ws.row_lower[d.i];
+  const double old_lower = ws.lower[d.stays], old_upper = ws.upper[d.stays];
+  double lower = (beta - d.a * ws.lower[d.leaves]) / d.b;
+  double upper = (beta - d.a * ws.upper[d.leaves]) / d.b;
+  if ((d.a > 0) == (d.b > 0)) std::swap(lower, upper);
+  Transfer t;
+  t.tighter_lower = lower > old_lower + kStrict * std::max(1.0, std::fabs(lower));
+  t.tighter_upper = upper < old_upper - kStrict * std::max(1.0, std::fabs(upper));
+  t.lower = t.tighter_lower ? lower : old_lower;
+  t.upper = t.tighter_upper ? upper : old_upper;
+  return t;
+}
+
+/* Bounds that cross by rounding are made one, at a bound of its own if there is one. */
+bool mend(Transfer& t) {
+  if (t.lower <= t.upper) return true;
+  if (t.lower - t.upper > kExact * std::max(1.0, std::fabs(t.lower))) return false;
+  if (t.tighter_lower && !t.tighter_upper) {
+    t.lower = t.upper;
+  } else {
+    t.upper = t.lower;
+  }
+  return true;
+}
+
+}  // namespace
+
+bool substitute_doubleton(Workspace& ws, int i) {
+  if (!ws.equation(i) || !ws.enabled(Rule::doubleton_equation)) return false;
+  const View v = ws.row(i);
+  Doubleton d{i, v.index[0], v.index[1], v.value[0], v.value[1]};
+  Doubleton other{i, d.stays, d.leaves, d.b, d.a};
+  const double ratio = std::fabs(d.a / d.b);
+  const bool alike = ratio <= kAlike && ratio >= 1 / kAlike;
+  if (alike ? ws.column_length(d.leaves) > ws.column_length(d.stays) : ratio < 1) std::swap(d, other);
+  if (!may_leave(ws, d)) {
+    if (!may_leave(ws, other)) return false;
+    d = other;
+  }
+  Transfer t = transfer_of(ws, d);
+  if (!mend(t)) return false;
+  if (!ws.allow(Rule::doubleton_equation)) return false;
+  const bool same_sign = (d.a > 0) == (d.b > 0);
+  ws.stack.begin(Op::doubleton)
+      .integer(i)
+      .integer(d.leaves)
+      .integer(d.stays)
+      .integer(t.tighter_lower)
+      .integer(t.tighter_upper)
+      .integer(t.lower == t.upper)
+      .real(d.a)
+      .real(d.b)
+      .real(ws.row_lower[i])
+      .real(ws.cost[d.leaves])
+      .real(same_sign ? ws.upper[d.leaves] : ws.lower[d.leaves])  // where it stands at a new lower bound
+      .real(same_sign ? ws.lower[d.leaves] : ws.upper[d.leaves]);
+  ws.store_column(d.leaves);
+  ws.substitute(i, d.leaves);
+  if (t.tighter_lower || t.tighter_upper || t.lower == t.upper) ws.change_bounds(d.stays, t.lower, t.upper);
+  return true;
+}
+
+/* The column that left is basic, unless the other stands at a bound that it brought: then they change roles.
+ */
+void undo_doubleton(Record record, Undo& undo) {
+  const int i = record.integer();
+  const int j = record.integer(), k = record.integer();
+  const bool tighter_lower = record.integer() != 0;
+  const bool tighter_upper = record.integer() != 0;
+  const bool collapsed = record.integer() != 0;
+  const double a = record.real(), b = record.real(), beta = record.real();
+  double rest = undo.cost(record.real());
+  const double at_lower = record.real(), at_upper = record.real();
+  Point& p = undo.point;
+  undo.each_entry(record, j, [&](int r, double value) { rest -= value * p.y[r]; });
+  p.y[i] = rest / a;
+  p.x[j] = (beta - b * p.x[k]) / a;
+  p.d[j] = 0;
+  p.column[j] = At::basic;
+  At at = p.column[k];
+  if (collapsed && at != At::basic)
+    p.column[k] = at = Undo::own_side(at, p.d[k], tighter_lower, tighter_upper);
+  if ((at == At::lower && tighter_lower) || (at == At::upper && tighter_upper)) {
+    p.y[i] += p.d[k] / b;
+    p.d[j] = -(a / b) * p.d[k];
+    p.d[k] = 0;
+    p.x[j] = at == At::lower ? at_lower : at_upper;
+    p.column[j] = ((a > 0) == (b > 0)) == (at == At::lower) ? At::upper : At::lower;
+    p.column[k] = At::basic;
+  }
+  p.row[i] = Undo::side(At::lower, p.y[i]);
+}
+
+}  // namespace tovik::lp::presolve

@@ -1,0 +1,86 @@
+#include "lp/presolve/free_column.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "lp/presolve/tolerances.h"
+
+namespace tovik::lp::presolve {
+namespace {
+
+constexpr double kPivot = 0.01;     // of the largest entry in its row or in its column
+constexpr double kMostEntry = 1e8;  // of new entries
+constexpr double kLeastEntry = 1e-9;
+constexpr double kSupport = 1e-3;  // entry of a row that implies a bound, of the row's largest
+
+/* Largest and smallest magnitude of a line's entries. */
+struct Spread {
+  double least = kInf, most = 0;
+  explicit Spread(const View& v) {
+    for (int k = 0; k < v.length; ++k) {
+      least = std::min(least, std::fabs(v.value[k]));
+      most = std::max(most, std::fabs(v.value[k]));
+    }
+  }
+};
+
+}  // namespace
+
+bool implied_free(Workspace& ws, int s) {
+  bool below = ws.lower[s] == -kInf, above = ws.upper[s] == kInf;
+  if (below && above) return true;
+  const View v = ws.column(s);
+  ws.add_work(v.length);
+  for (int k = 0; k < v.length && !(below && above); ++k) {
+    const int r = v.index[k];
+    const double a = v.value[k];
+    const Activity& sum = ws.activity(r);
+    if (std::fabs(a) < kSupport * sum.largest) continue;
+    const double noise = sum.magnitude * kRounding * ws.row_length(r) / std::fabs(a);
+    const auto slack = [noise](double bound) { return kExact * std::max(1.0, std::fabs(bound)) - noise; };
+    below = below || ws.implied_lower(r, s, a) >= ws.lower[s] - slack(ws.lower[s]);
+    above = above || ws.implied_upper(r, s, a) <= ws.upper[s] + slack(ws.upper[s]);
+  }
+  return below && above;
+}
+
+bool sound_pivot(Workspace& ws, int i, int s, double a) {
+  const Spread row(ws.row(i)), column(ws.column(s));
+  ws.add_work(ws.row_length(i) + ws.column_length(s));
+  const double pivot = std::fabs(a);
+  if (pivot < kPivot * row.most && pivot < kPivot * column.most) return false;
+  return column.most * row.most < kMostEntry * pivot && column.least * row.least > kLeastEntry * pivot;
+}
+
+bool substitute_free_column(Workspace& ws, int i, int s) {
+  if (!ws.allow(Rule::free_column)) return false;
+  ws.stack.begin(Op::free_column).integer(i).integer(s).real(ws.row_lower[i]).real(ws.cost[s]);
+  ws.stack.line(ws.row(i));
+  ws.store_column(s);
+  ws.substitute(i, s);
+  return true;
+}
+
+/* The column is basic and its reduced cost zero, which gives the row's dual. */
+void undo_free_column(Record record, Undo& undo) {
+  const int i = record.integer();
+  const int s = record.integer();
+  double x = record.real(), y = undo.cost(record.real()), pivot = 0;
+  const View row = record.line();
+  Point& p = undo.point;
+  for (int k = 0; k < row.length; ++k) {
+    if (row.index[k] == s) {
+      pivot = row.value[k];
+    } else {
+      x -= row.value[k] * p.x[row.index[k]];
+    }
+  }
+  undo.each_entry(record, s, [&](int r, double a) { y -= a * p.y[r]; });
+  p.x[s] = x / pivot;
+  p.d[s] = 0;
+  p.column[s] = At::basic;
+  p.y[i] = y / pivot;
+  p.row[i] = Undo::side(At::lower, p.y[i]);
+}
+
+}  // namespace tovik::lp::presolve

@@ -1,0 +1,160 @@
+#include "lp/presolve/slack_column.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "lp/presolve/tolerances.h"
+
+namespace tovik::lp::presolve {
+namespace {
+
+constexpr double kLeastEntry = 1e-3;  // of the row's largest: the slack takes over the errors of its row
+
+struct Slack {
+  int i, s;
+  double a;
+  double low, high;  // range of a * x
+};
+
+bool moves_too_far(double move) {
+  return std::isfinite(move) && std::fabs(move) > kHugeMove;
+}
+
+/* The row without the column, after it. */
+void store_rest(Workspace& ws, const Slack& k) {
+  const View v = ws.row(k.i);
+  ws.add_work(v.length);
+  ws.stack.integer(v.length - 1);
+  for (int q = 0; q < v.length; ++q) {
+    if (v.index[q] != k.s) ws.stack.integer(v.index[q]).real(v.value[q]);
+  }
+}
+
+bool remove_from_equation(Workspace& ws, const Slack& k, double beta, At at) {
+  const double lower = beta - k.high, upper = beta - k.low;
+  if (lower == upper || !ws.allow(Rule::slack_column)) return false;
+  const double price = ws.cost[k.s] / k.a;
+  ws.stack.begin(Op::slack_in_equation).integer(k.i).integer(k.s).integer(static_cast<int>(at));
+  ws.stack.real(k.a).real(beta).real(price).real(ws.lower[k.s]).real(ws.upper[k.s]);
+  store_rest(ws, k);
+  ws.remove_column(k.s, Fate::other);
+  if (price != 0) {
+    const View v = ws.row(k.i);
+    for (int q = 0; q < v.length; ++q) ws.move_cost(v.index[q], -price * v.value[q]);
+    ws.add_offset(price * beta);
+  }
+  ws.change_sides(k.i, lower, upper);
+  return true;
+}
+
+bool remove_from_row(Workspace& ws, const Slack& k) {
+  const double lower = ws.row_lower[k.i] - k.high, upper = ws.row_upper[k.i] - k.low;
+  if (lower == upper || !ws.allow(Rule::slack_column)) return false;
+  ws.stack.begin(Op::slack_in_row).integer(k.i).integer(k.s);
+  ws.stack.real(k.a).real(ws.row_lower[k.i]).real(ws.row_upper[k.i]).real(ws.lower[k.s]).real(ws.upper[k.s]);
+  store_rest(ws, k);
+  ws.remove_column(k.s, Fate::other);
+  ws.change_sides(k.i, lower, upper);
+  return true;
+}
+
+/* The row's side that column s presses against, `free` when it does not. */
+At pressed_side(Workspace& ws, const Slack& k) {
+  const bool to_lower = (ws.cost[k.s] > 0) == (k.a > 0);
+  if (std::isinf(to_lower ? ws.row_lower[k.i] : ws.row_upper[k.i])) return At::free;
+  const At at = to_lower ? At::lower : At::upper;
+  if (std::isinf(to_lower ? k.low : k.high)) return at;
+  if (ws.cost[k.s] > 0) {
+    const double bound = ws.lower[k.s];
+    if (ws.implied_lower(k.i, k.s, k.a) < bound - kExact * std::max(1.0, std::fabs(bound))) return At::free;
+  } else {
+    const double bound = ws.upper[k.s];
+    if (ws.implied_upper(k.i, k.s, k.a) > bound + kExact * std::max(1.0, std::fabs(bound))) return At::free;
+  }
+  return at;
+}
+
+}  // namespace
+
+bool remove_slack_column(Workspace& ws, int s) {
+  if (!ws.settings.primal || !ws.enabled(Rule::slack_column) || ws.is_protected(s)) return false;
+  const View v = ws.column(s);
+  Slack k{v.index[0], s, v.value[0], 0, 0};
+  const double lower = ws.row_lower[k.i], upper = ws.row_upper[k.i];
+  if (ws.lower[s] >= ws.upper[s] || (lower == -kInf && upper == kInf)) return false;
+  if (ws.row_length(k.i) == 1 || std::fabs(k.a) < kLeastEntry * ws.activity(k.i).largest) return false;
+  k.low = k.a * (k.a > 0 ? ws.lower[s] : ws.upper[s]);
+  k.high = k.a * (k.a > 0 ? ws.upper[s] : ws.lower[s]);
+  if (moves_too_far(k.low) || moves_too_far(k.high)) return false;
+  if (lower == upper) return remove_from_equation(ws, k, lower, At::free);
+  if (ws.cost[s] == 0) return !ws.settings.linear_only && remove_from_row(ws, k);
+  if (!ws.settings.dual) return false;
+  const At at = pressed_side(ws, k);
+  if (at == At::free) return false;
+  (at == At::lower ? k.low : k.high) = at == At::lower ? -kInf : kInf;
+  return remove_from_equation(ws, k, at == At::lower ? lower : upper, at);
+}
+
+/* The row's dual gains the price of the slack, whose bounds were the row's sides. */
+void undo_slack_in_equation(Record record, Undo& undo) {
+  const int i = record.integer();
+  const int s = record.integer();
+  const At at = static_cast<At>(record.integer());
+  const double a = record.real(), beta = record.real(), price = undo.cost(record.real());
+  const double lower = record.real(), upper = record.real();
+  const View rest = record.line();
+  Point& p = undo.point;
+  const double y = p.y[i];
+  p.y[i] = y + price;
+  p.d[s] = -a * y;
+  if (p.row[i] == At::basic) {
+    double x = beta;
+    for (int k = 0; k < rest.length; ++k) x -= rest.value[k] * p.x[rest.index[k]];
+    p.x[s] = x / a;
+    p.column[s] = At::basic;
+  } else {
+    const bool up = (p.row[i] == At::lower) == (a > 0);
+    p.x[s] = up ? upper : lower;
+    p.column[s] = up ? At::upper : At::lower;
+  }
+  p.row[i] = at == At::free ? Undo::side(At::lower, p.y[i]) : at;
+}
+
+/* With the row between its sides the slack goes to a bound where the row holds, or else takes the row to a
+ * side and is basic. */
+void undo_slack_in_row(Record record, Undo& undo) {
+  const int i = record.integer();
+  const int s = record.integer();
+  const double a = record.real(), row_lower = record.real(), row_upper = record.real();
+  const double lower = record.real(), upper = record.real();
+  const View rest = record.line();
+  Point& p = undo.point;
+  p.d[s] = -a * p.y[i];
+  const auto stand = [&](At at) {
+    p.column[s] = at;
+    p.x[s] = at == At::lower ? lower : upper;
+  };
+  if (p.row[i] != At::basic) {
+    stand((p.row[i] == At::lower) == (a > 0) ? At::upper : At::lower);
+    return;
+  }
+  double activity = 0;
+  for (int k = 0; k < rest.length; ++k) activity += rest.value[k] * p.x[rest.index[k]];
+  for (const At at : {At::lower, At::upper}) {
+    const double bound = at == At::lower ? lower : upper;
+    const double reached = activity + a * bound;
+    if (std::isfinite(bound) && reached >= row_lower && reached <= row_upper) return stand(at);
+  }
+  p.column[s] = At::basic;
+  double least = kInf;
+  for (const At at : {At::lower, At::upper}) {
+    const double x = ((at == At::lower ? row_lower : row_upper) - activity) / a;
+    const double miss = std::max({0.0, lower - x, x - upper});
+    if (!std::isfinite(x) || miss >= least) continue;
+    least = miss;
+    p.x[s] = x;
+    p.row[i] = at;
+  }
+}
+
+}  // namespace tovik::lp::presolve
