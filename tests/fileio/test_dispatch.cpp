@@ -4,8 +4,7 @@
 #include <fstream>
 #include <sstream>
 
-#include "support/describe_problem.h"
-#include "support/environment_fixture.h"
+#include "support/file_fixture.h"
 
 namespace {
 
@@ -16,45 +15,18 @@ const std::string kMps =
     "NAME          P\nROWS\n N  obj\n G  r\nCOLUMNS\n    x  obj  1  r  1\nRHS\n    rhs  r  1\nENDATA\n";
 const std::string kModel = "min 0\nx - 1 [0,inf] r:1\nr G 1\n";
 
-class Dispatch : public support::WithEnvironment {
+class Dispatch : public support::WithFiles {
  protected:
-  void SetUp() override {
-    WithEnvironment::SetUp();
-    char pattern[] = "/tmp/tovik-files-XXXXXX";
-    folder_ = mkdtemp(pattern);
-    int status = -1;
-    lp_ = TVKcreateprob(env_, &status, "start");
-    ASSERT_EQ(status, 0);
-  }
-  void TearDown() override {
-    TVKfreeprob(env_, &lp_);
-    fs::remove_all(folder_);
-    WithEnvironment::TearDown();
-  }
-  std::string path(const std::string& name) const { return (folder_ / name).string(); }
-  void write(const std::string& name, const std::string& content) {
-    std::ofstream(path(name), std::ios::binary) << content;
-  }
-  std::string content(const std::string& name) {
-    std::ostringstream text;
-    text << std::ifstream(path(name), std::ios::binary).rdbuf();
-    return text.str();
-  }
+  void write(const std::string& name, const std::string& text) { put(name, text); }
+  int read(const std::string& name, const char* type = nullptr) { return read_file(name, type); }
   /* Writes the text through a compressor into `name`. */
   void compress(const std::string& program, const std::string& name, const std::string& text) {
     write("plain", text);
     ASSERT_EQ(std::system((program + " -c < " + path("plain") + " > '" + path(name) + "'").c_str()), 0);
   }
-  int read(const std::string& name, const char* type = nullptr) {
-    return TVKreadcopyprob(env_, lp_, path(name).c_str(), type);
-  }
-  std::string model() { return support::describe(env_, lp_); }
   std::string missing(const std::string& name) {
     return "TOVIK Error  1423: Could not open file '" + path(name) + "' for reading.\n";
   }
-
-  fs::path folder_;
-  ProbHandle lp_ = nullptr;
 };
 
 TEST_F(Dispatch, TypeNameAndFirstByteChooseTheFormat) {

@@ -1,41 +1,18 @@
 /* The LP reader through the public header: texts to models, warnings, and a corpus of broken files.
  * A corpus file is named by the code that it must give: 1602_adjacent_signs.lp. */
 #include <algorithm>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 
-#include "support/describe_problem.h"
-#include "support/environment_fixture.h"
+#include "support/file_fixture.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 
-class LpReader : public support::WithEnvironment {
+class LpReader : public support::WithFiles {
  protected:
-  void SetUp() override {
-    WithEnvironment::SetUp();
-    char pattern[] = "/tmp/tovik-lp-XXXXXX";
-    folder_ = mkdtemp(pattern);
-    int status = -1;
-    lp_ = TVKcreateprob(env_, &status, "start");
-    ASSERT_EQ(status, 0);
-  }
-  void TearDown() override {
-    TVKfreeprob(env_, &lp_);
-    fs::remove_all(folder_);
-    WithEnvironment::TearDown();
-  }
-  int read(const std::string& text) {
-    const fs::path file = folder_ / "model.lp";
-    std::ofstream(file, std::ios::binary) << text;
-    return TVKreadcopyprob(env_, lp_, file.c_str(), nullptr);
-  }
-  std::string model() { return support::describe(env_, lp_); }
-
-  fs::path folder_;
-  ProbHandle lp_ = nullptr;
+  int read(const std::string& text) { return read_text("model.lp", text); }
 };
 
 struct ModelCase {

@@ -7,42 +7,15 @@
 #include <fstream>
 #include <sstream>
 
-#include "support/describe_problem.h"
-#include "support/environment_fixture.h"
+#include "support/file_fixture.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 
-class MpsReader : public support::WithEnvironment {
+class MpsReader : public support::WithFiles {
  protected:
-  void SetUp() override {
-    WithEnvironment::SetUp();
-    ASSERT_EQ(TVKaddfuncdest(env_, results_, &results_text_, support::keep_text), 0);
-    char pattern[] = "/tmp/tovik-mps-XXXXXX";
-    folder_ = mkdtemp(pattern);
-    int status = -1;
-    lp_ = TVKcreateprob(env_, &status, "start");
-    ASSERT_EQ(status, 0);
-  }
-  void TearDown() override {
-    TVKfreeprob(env_, &lp_);
-    fs::remove_all(folder_);
-    WithEnvironment::TearDown();
-  }
-  int read(const std::string& text) {
-    const fs::path file = folder_ / "model.mps";
-    std::ofstream(file, std::ios::binary) << text;
-    return TVKreadcopyprob(env_, lp_, file.c_str(), nullptr);
-  }
-  std::string model() { return support::describe(env_, lp_); }
-  std::string results() { return std::exchange(results_text_, {}); }
-
-  fs::path folder_;
-  ProbHandle lp_ = nullptr;
-
- private:
-  std::string results_text_;
+  int read(const std::string& text) { return read_text("model.mps", text); }
 };
 
 const std::string kRows = "NAME  P\nROWS\n N  obj\n L  a\n G  b\n E  c\n";
