@@ -41,8 +41,8 @@ bool may_leave(Workspace& ws, const Doubleton& d) {
 Transfer transfer_of(const Workspace& ws, const Doubleton& d) {
   const double beta = ws.row_lower[d.i];
   const double old_lower = ws.lower[d.stays], old_upper = ws.upper[d.stays];
-  double lower = (beta - d.a * ws.lower[d.leaves]) / d.b;
-  double upper = (beta - d.a * ws.upper[d.leaves]) / d.b;
+  double lower = moved(beta, -d.a * ws.lower[d.leaves]) / d.b;
+  double upper = moved(beta, -d.a * ws.upper[d.leaves]) / d.b;
   if ((d.a > 0) == (d.b > 0)) std::swap(lower, upper);
   Transfer t;
   t.tighter_lower = lower > old_lower + kStrict * std::max(1.0, std::fabs(lower));

@@ -31,7 +31,7 @@ void store_rest(Workspace& ws, const Slack& k) {
 }
 
 bool remove_from_equation(Workspace& ws, const Slack& k, double beta, At at) {
-  const double lower = beta - k.high, upper = beta - k.low;
+  const double lower = moved(beta, -k.high), upper = moved(beta, -k.low);
   if (lower == upper || !ws.allow(Rule::slack_column)) return false;
   const double price = ws.cost[k.s] / k.a;
   ws.stack.begin(Op::slack_in_equation).integer(k.i).integer(k.s).integer(static_cast<int>(at));
@@ -48,7 +48,7 @@ bool remove_from_equation(Workspace& ws, const Slack& k, double beta, At at) {
 }
 
 bool remove_from_row(Workspace& ws, const Slack& k) {
-  const double lower = ws.row_lower[k.i] - k.high, upper = ws.row_upper[k.i] - k.low;
+  const double lower = moved(ws.row_lower[k.i], -k.high), upper = moved(ws.row_upper[k.i], -k.low);
   if (lower == upper || !ws.allow(Rule::slack_column)) return false;
   ws.stack.begin(Op::slack_in_row).integer(k.i).integer(k.s);
   ws.stack.real(k.a).real(ws.row_lower[k.i]).real(ws.row_upper[k.i]).real(ws.lower[k.s]).real(ws.upper[k.s]);

@@ -14,6 +14,14 @@ inline constexpr double kRounding = 1e-15;  // relative error of one addition, w
 inline constexpr double kStrict = 1e-9;  // relative amount by which a bound must be tighter to count as such
 inline constexpr double kHugeMove = 1e12;  // no entry times value beyond this is moved to a side
 
+inline constexpr double kCancelledSide = 1e-13;  // relative: what a difference of sides leaves by rounding
+
+/* Sum of a side or bound and a move; zero when only rounding noise is left. */
+inline double moved(double side, double move) {
+  const double sum = side + move;
+  return std::fabs(sum) < kCancelledSide * std::fabs(move) ? 0.0 : sum;
+}
+
 /* Violation of a side that proves infeasibility. */
 inline double condemn_guard(const Workspace& ws, double side) {
   return 10 * ws.settings.feasibility * std::max(1.0, std::fabs(side));

@@ -5,20 +5,16 @@
 #include <cstdio>
 #include <utility>
 
+#include "lp/presolve/tolerances.h"
+
 namespace tovik::lp::presolve {
 namespace {
 
-constexpr double kHugeProduct = 1e13;     // a contribution that counts as infinite: too coarse to reason with
-constexpr double kCancelled = 1e-12;      // relative to the larger operand: noise of a cancellation
-constexpr double kCancelledSide = 1e-13;  // the same for sides
-constexpr double kCoarse = 1e6;           // a residual this much below its largest part is summed afresh
+constexpr double kHugeProduct = 1e13;  // a contribution that counts as infinite: too coarse to reason with
+constexpr double kCancelled = 1e-12;   // relative to the larger operand: noise of a cancellation
+constexpr double kCoarse = 1e6;        // a residual this much below its largest part is summed afresh
 constexpr std::int64_t kPollEvery = 1024;  // reductions between looks at the stop signals
 constexpr double kReportSeconds = 5;
-
-double moved(double side, double delta) {
-  const double sum = side + delta;
-  return std::fabs(sum) <= kCancelledSide * std::fabs(delta) ? 0.0 : sum;
-}
 
 /* Contribution of one entry to the least activity; infinite when unbounded or too large to count with. */
 double least_term(double a, double lower, double upper) {
