@@ -18,11 +18,14 @@ constexpr double kRelax = 1e-9;       // added to a derived bound, for rounding
 constexpr double kPlain = 1e-4;       // relative contradiction that is no rounding
 constexpr int kLongColumn = 100;      // implied bounds of longer columns are not looked for
 
-/* Does a row imply a bound of column j strictly inside its own? */
-bool strictly_inside(Workspace& ws, int j, bool is_upper) {
+}  // namespace
+
+bool bound_implied_strictly(Workspace& ws, int j, bool is_upper) {
   const double bound = is_upper ? ws.upper[j] : ws.lower[j];
+  if (std::isinf(bound)) return false;
   const double margin = kInside * std::max(1.0, std::fabs(bound));
   const View v = ws.column(j);
+  if (v.length > kLongColumn) return false;
   ws.add_work(v.length);
   for (int k = 0; k < v.length; ++k) {
     const double a = v.value[k];
@@ -33,8 +36,6 @@ bool strictly_inside(Workspace& ws, int j, bool is_upper) {
   }
   return false;
 }
-
-}  // namespace
 
 DualBounds::DualBounds(Workspace& ws, bool implied) : ws_(ws) {
   const auto rows = static_cast<size_t>(ws.num_rows());
@@ -56,9 +57,9 @@ void DualBounds::find_signs(bool implied) {
     if (!ws_.column_alive(j) || ws_.column_length(j) == 0) continue;
     not_negative_[j] = ws_.upper[j] == kInf;
     not_positive_[j] = ws_.lower[j] == -kInf;
-    if (implied && ws_.lower[j] < ws_.upper[j] && ws_.column_length(j) <= kLongColumn) {
-      if (!not_negative_[j]) not_negative_[j] = strictly_inside(ws_, j, true);
-      if (!not_positive_[j]) not_positive_[j] = strictly_inside(ws_, j, false);
+    if (implied && ws_.lower[j] < ws_.upper[j]) {
+      if (!not_negative_[j]) not_negative_[j] = bound_implied_strictly(ws_, j, true);
+      if (!not_positive_[j]) not_positive_[j] = bound_implied_strictly(ws_, j, false);
     }
     if (not_negative_[j] || not_positive_[j]) order_.push_back(j);
   }

@@ -8,8 +8,11 @@
 #include "lp/presolve/forcing_row.h"
 #include "lp/presolve/free_column.h"
 #include "lp/presolve/free_row.h"
+#include "lp/presolve/parallel_columns.h"
+#include "lp/presolve/parallel_rows.h"
 #include "lp/presolve/singleton_row.h"
 #include "lp/presolve/slack_column.h"
+#include "lp/presolve/zero_cost_column.h"
 
 namespace tovik::lp::presolve {
 
@@ -26,6 +29,9 @@ const Operation& operation(Op op) {
     set(Op::slack_in_equation, {"slack in equation", undo_slack_in_equation});
     set(Op::slack_in_row, {"slack in row", undo_slack_in_row});
     set(Op::row_made_equation, {"row made equation", undo_row_made_equation});
+    set(Op::parallel_rows, {"parallel rows", undo_parallel_rows});
+    set(Op::parallel_columns, {"parallel columns", undo_parallel_columns});
+    set(Op::zero_cost_column, {"zero-cost column", undo_zero_cost_column});
     return t;
   }();
   return table[static_cast<size_t>(op)];

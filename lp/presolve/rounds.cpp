@@ -7,8 +7,11 @@
 #include "lp/presolve/fixed_column.h"
 #include "lp/presolve/forcing_row.h"
 #include "lp/presolve/free_row.h"
+#include "lp/presolve/parallel_columns.h"
+#include "lp/presolve/parallel_rows.h"
 #include "lp/presolve/singleton_row.h"
 #include "lp/presolve/slack_column.h"
+#include "lp/presolve/zero_cost_column.h"
 
 namespace tovik::lp::presolve {
 namespace {
@@ -38,7 +41,7 @@ void look_at_column(Workspace& ws, int j) {
     remove_empty_column(ws, j);
     return;
   }
-  if (fix_by_signs(ws, j)) return;
+  if (fix_by_signs(ws, j) || remove_zero_cost_column(ws, j)) return;
   if (ws.column_length(j) == 1 && remove_slack_column(ws, j)) return;
 }
 
@@ -76,12 +79,16 @@ void run_rounds(Workspace& ws) {
   const int most = ws.settings.passes < 0 ? kMostRounds : ws.settings.passes;
   const auto entries = static_cast<std::int64_t>(ws.original.matrix.index.size());
   const std::int64_t budget = kWorkPerEntry * (entries + size_of(ws));
-  Turns dual_bounds;
+  Turns dual_bounds, parallel;
   int rounds_left = ws.settings.aggregator < 0 ? most : ws.settings.aggregator;
   for (int round = 0; round < most && !ws.done() && ws.work() <= budget; ++round) {
     const std::int64_t before = size_of(ws);
     sweep(ws);
     dual_bounds.take([&] { return use_dual_bounds(ws); });
+    parallel.take([&] {
+      const bool rows = merge_parallel_rows(ws);
+      return merge_parallel_columns(ws) || rows;
+    });
     sweep(ws);
     if (rounds_left > 0) {
       --rounds_left;

@@ -1,0 +1,160 @@
+#include "lp/presolve/parallel_columns.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+#include <vector>
+
+#include "lp/presolve/dual_bounds.h"
+#include "lp/presolve/parallel_lines.h"
+#include "lp/presolve/tolerances.h"
+
+namespace tovik::lp::presolve {
+namespace {
+
+constexpr int kCompared = 8;  // columns of a bucket that a column is compared with
+constexpr double kSameCost = 1e-13;
+constexpr double kPlain = 1e-4;  // relative reduced cost that proves there is no optimum
+
+bool finite(double a, double b) {
+  return !std::isinf(a) && !std::isinf(b);
+}
+
+/* Sends column k to a bound when the sign of the reduced cost of j, a_k = g a_j, tells where. */
+bool fix_by_partner(Workspace& ws, int j, int k, double g) {
+  const double size = std::max(std::fabs(ws.cost[k]), std::fabs(g * ws.cost[j]));
+  double excess = ws.cost[k] - g * ws.cost[j];
+  if (std::fabs(excess) <= kSameCost * size) excess = 0;
+  const auto not_negative = [&](bool of_negated) {  // d_j, or -d_j
+    return of_negated ? ws.lower[j] == -kInf || bound_implied_strictly(ws, j, false)
+                      : ws.upper[j] == kInf || bound_implied_strictly(ws, j, true);
+  };
+  const bool down = excess >= 0 && not_negative(g < 0), up = excess <= 0 && not_negative(g > 0);
+  if (!down && !up) return false;
+  const bool to_lower = down && (!up || ws.lower[k] != -kInf);
+  const double bound = to_lower ? ws.lower[k] : ws.upper[k];
+  if (std::isinf(bound)) {
+    const bool by_bound = (excess > 0) == (g > 0) ? ws.upper[j] == kInf : ws.lower[j] == -kInf;
+    if (by_bound && std::fabs(excess) > kPlain * std::max(1.0, size)) {
+      Verdict verdict;
+      verdict.finding = Finding::dual_bounds_column;
+      verdict.column = k;
+      ws.condemn(std::move(verdict));
+      return false;
+    }
+    if (!down || !up || ws.is_protected(k) || !ws.allow(Rule::parallel_columns)) return false;
+    ws.fix_column(k, 0, At::free);  // both free
+    return true;
+  }
+  if (ws.is_protected(k) || std::fabs(bound) * std::max(ws.column_max(k), std::fabs(ws.cost[k])) > kHugeMove)
+    return false;
+  if (!ws.allow(Rule::parallel_columns)) return false;
+  ws.fix_column(k, bound, to_lower ? At::lower : At::upper);
+  return true;
+}
+
+/* |g| >= 1: so errors of z do not grow when it is split. */
+bool merge(Workspace& ws, int j, int k, double g) {
+  if (ws.settings.linear_only || ws.is_protected(j) || ws.is_protected(k)) return false;
+  if (!finite(ws.lower[j], ws.upper[j]) || !finite(ws.lower[k], ws.upper[k])) return false;
+  if (std::fabs(ws.cost[k] - g * ws.cost[j]) > kSameCost * std::fabs(ws.cost[k])) return false;
+  const double least = ws.lower[j] + g * (g > 0 ? ws.lower[k] : ws.upper[k]);
+  const double most = ws.upper[j] + g * (g > 0 ? ws.upper[k] : ws.lower[k]);
+  if (std::max(std::fabs(least), std::fabs(most)) > kHugeMove || !ws.allow(Rule::parallel_columns))
+    return false;
+  ws.stack.begin(Op::parallel_columns).integer(j).integer(k).real(g);
+  ws.stack.real(ws.lower[j]).real(ws.upper[j]).real(ws.lower[k]).real(ws.upper[k]);
+  ws.remove_column(k, Fate::merged);
+  ws.change_bounds(j, least, most);
+  return true;
+}
+
+/* Which of the two columns is gone, or -1. */
+int settle(Workspace& ws, int j, int k, double g) {
+  if (fix_by_partner(ws, j, k, g)) return k;
+  if (!ws.done() && fix_by_partner(ws, k, j, 1 / g)) return j;
+  if (ws.done()) return -1;
+  if (std::fabs(g) >= 1) return merge(ws, j, k, g) ? k : -1;
+  return merge(ws, k, j, 1 / g) ? j : -1;
+}
+
+bool settle_bucket(Workspace& ws, const HashedLine* begin, const HashedLine* end, Spread& spread) {
+  bool changed = false;
+  std::vector<int> kept;
+  for (const HashedLine* at = begin; at != end && !ws.done(); ++at) {
+    int column = at->line;
+    for (size_t k = 0; k < kept.size() && column >= 0; ++k) {
+      const View own = ws.column(kept[k]);
+      spread.load(own);
+      ws.add_work(2 * own.length);
+      const double ratio = spread.ratio(ws.column(column));
+      if (ratio == 0) continue;
+      const int gone = settle(ws, kept[k], column, ratio);
+      if (gone < 0) continue;
+      changed = true;
+      if (gone == kept[k]) kept[k] = column;
+      column = -1;
+    }
+    if (column >= 0 && kept.size() < kCompared) kept.push_back(column);
+  }
+  return changed;
+}
+
+}  // namespace
+
+bool merge_parallel_columns(Workspace& ws) {
+  if (!ws.enabled(Rule::parallel_columns) || !ws.settings.dual || ws.done()) return false;
+  std::vector<HashedLine> lines;
+  for (int j = 0; j < ws.num_columns(); ++j) {
+    if (!ws.column_alive(j) || ws.column_length(j) == 0 || ws.lower[j] >= ws.upper[j]) continue;
+    const View column = ws.column(j);
+    ws.add_work(column.length);
+    lines.push_back({direction_hash(column), j});
+  }
+  keep_shared_hashes(lines);
+  Spread spread(ws.num_rows());
+  bool changed = false;
+  for (size_t k = 0; k < lines.size() && !ws.done();) {
+    size_t end = k + 1;
+    while (end < lines.size() && lines[end].hash == lines[k].hash) ++end;
+    changed |= settle_bucket(ws, &lines[k], lines.data() + end, spread);
+    k = end;
+  }
+  return changed;
+}
+
+/* A nonbasic z has both parts at bounds. A basic z leaves one part at a bound, so that the other finds room
+ * within its own: the first way that fits, or the one that misses least. */
+void undo_parallel_columns(Record record, Undo& undo) {
+  const int j = record.integer();
+  const int k = record.integer();
+  const double g = record.real();
+  const double lower_j = record.real(), upper_j = record.real();
+  const double lower_k = record.real(), upper_k = record.real();
+  Point& p = undo.point;
+  p.d[k] = g * p.d[j];
+  if (p.column[j] != At::basic) {
+    const bool low = p.column[j] == At::lower, low_k = low == (g > 0);
+    p.column[k] = low_k ? At::lower : At::upper;
+    p.x[j] = low ? lower_j : upper_j;
+    p.x[k] = low_k ? lower_k : upper_k;
+    return;
+  }
+  const double z = p.x[j];
+  double best = kInf;
+  const auto attempt = [&](double xj, double xk, At at_j, At at_k) {
+    const double miss = std::max({lower_j - xj, xj - upper_j, lower_k - xk, xk - upper_k, 0.0});
+    if (miss >= best) return;
+    best = miss;
+    p.x[j] = xj;
+    p.x[k] = xk;
+    p.column[j] = at_j;
+    p.column[k] = at_k;
+  };
+  attempt(lower_j, (z - lower_j) / g, At::lower, At::basic);
+  attempt(upper_j, (z - upper_j) / g, At::upper, At::basic);
+  attempt(z - g * lower_k, lower_k, At::basic, At::lower);
+  attempt(z - g * upper_k, upper_k, At::basic, At::upper);
+}
+
+}  // namespace tovik::lp::presolve

@@ -1,0 +1,143 @@
+#include "lp/presolve/parallel_rows.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+#include <vector>
+
+#include "lp/presolve/parallel_lines.h"
+#include "lp/presolve/tolerances.h"
+
+namespace tovik::lp::presolve {
+namespace {
+
+constexpr int kCompared = 8;  // rows of a bucket that a row is compared with
+
+double size_of(double a, double b) {
+  return std::max({1.0, std::isinf(a) ? 0.0 : std::fabs(a), std::isinf(b) ? 0.0 : std::fabs(b)});
+}
+
+/* Row `other` = g times row `kept`. */
+struct Pair {
+  int kept, other;
+  double g;
+};
+
+void condemn_pair(Workspace& ws, const Pair& pair, bool kept_lower) {
+  const double sign = kept_lower ? 1.0 : -1.0;
+  Verdict verdict;
+  verdict.finding = Finding::rows_inconsistent;
+  verdict.row = pair.kept;
+  verdict.other_row = pair.other;
+  verdict.multipliers = {{pair.kept, sign}, {pair.other, -sign / pair.g}};
+  ws.condemn(std::move(verdict));
+}
+
+bool merge(Workspace& ws, const Pair& pair) {
+  const auto [i, k, g] = pair;
+  double lower = ws.row_lower[k] / g, upper = ws.row_upper[k] / g;
+  if (g < 0) std::swap(lower, upper);
+  const double own_lower = ws.row_lower[i], own_upper = ws.row_upper[i];
+  bool tighter_lower = lower > own_lower + kStrict * size_of(lower, 0);
+  bool tighter_upper = upper < own_upper - kStrict * size_of(upper, 0);
+  double new_lower = tighter_lower ? lower : own_lower;
+  double new_upper = tighter_upper ? upper : own_upper;
+  if (new_lower > new_upper) {
+    // Only a side of one row can contradict a side of the other.
+    const double gap = new_lower - new_upper, size = size_of(new_lower, new_upper);
+    if (gap * std::min(1.0, std::fabs(g)) > condemn_guard(ws, size)) {
+      condemn_pair(ws, pair, !tighter_lower);
+      return false;
+    }
+    if (tighter_lower == tighter_upper || gap * std::max(1.0, std::fabs(g)) > kExact * size) return false;
+    if (tighter_lower) {  // the own side wins
+      new_lower = own_upper;
+    } else {
+      new_upper = own_lower;
+    }
+    tighter_lower &= new_lower > own_lower;
+    tighter_upper &= new_upper < own_upper;
+  }
+  if (!ws.allow(Rule::parallel_rows)) return false;
+  ws.stack.begin(Op::parallel_rows).integer(i).integer(k).integer(tighter_lower).integer(tighter_upper);
+  ws.stack.integer(new_lower == new_upper).real(g);
+  ws.remove_row(k, Fate::merged);
+  if (tighter_lower || tighter_upper) ws.change_sides(i, new_lower, new_upper);
+  return true;
+}
+
+/* The rows of one bucket, each against the first few that stay. */
+bool merge_bucket(Workspace& ws, const HashedLine* begin, const HashedLine* end, Spread& spread) {
+  bool changed = false;
+  std::vector<int> kept;
+  for (const HashedLine* at = begin; at != end && !ws.done(); ++at) {
+    int row = at->line;
+    bool gone = false;
+    for (int& partner : kept) {
+      const View own = ws.row(partner);
+      spread.load(own);
+      ws.add_work(2 * own.length);
+      const double ratio = spread.ratio(ws.row(row));
+      if (ratio == 0) continue;
+      // An equation stays an equation: it takes the other's place.
+      const bool swapped = ws.equation(row) && !ws.equation(partner);
+      gone = merge(ws, swapped ? Pair{row, partner, 1 / ratio} : Pair{partner, row, ratio});
+      if (gone && swapped) partner = row;
+      if (gone) break;
+    }
+    changed |= gone;
+    if (!gone && kept.size() < kCompared) kept.push_back(row);
+  }
+  return changed;
+}
+
+}  // namespace
+
+bool merge_parallel_rows(Workspace& ws) {
+  if (!ws.enabled(Rule::parallel_rows) || ws.done()) return false;
+  std::vector<HashedLine> lines;
+  for (int i = 0; i < ws.num_rows(); ++i) {
+    if (!ws.row_alive(i) || ws.row_length(i) < 2) continue;
+    const View row = ws.row(i);
+    ws.add_work(row.length);
+    lines.push_back({direction_hash(row), i});
+  }
+  keep_shared_hashes(lines);
+  Spread spread(ws.num_columns());
+  bool changed = false;
+  for (size_t k = 0; k < lines.size() && !ws.done();) {
+    size_t end = k + 1;
+    while (end < lines.size() && lines[end].hash == lines[k].hash) ++end;
+    changed |= merge_bucket(ws, &lines[k], lines.data() + end, spread);
+    k = end;
+  }
+  return changed;
+}
+
+/* A row that stands at a side that came from the other one passes its dual on to it. */
+void undo_parallel_rows(Record record, Undo& undo) {
+  const int i = record.integer();
+  const int k = record.integer();
+  const bool tighter_lower = record.integer() != 0;
+  const bool tighter_upper = record.integer() != 0;
+  const bool collapsed = record.integer() != 0;
+  const double g = record.real();
+  Point& p = undo.point;
+  At at = p.row[i];
+  if (collapsed && at != At::basic) {
+    const At own = tighter_lower == tighter_upper ? at : tighter_lower ? At::upper : At::lower;
+    at = Undo::side(own, p.y[i]);
+    p.row[i] = at;
+  }
+  if ((at == At::lower && tighter_lower) || (at == At::upper && tighter_upper)) {
+    p.y[k] = p.y[i] / g;
+    p.row[k] = (at == At::lower) == (g > 0) ? At::lower : At::upper;
+    p.y[i] = 0;
+    p.row[i] = At::basic;
+  } else {
+    p.y[k] = 0;
+    p.row[k] = At::basic;
+  }
+}
+
+}  // namespace tovik::lp::presolve
