@@ -44,18 +44,22 @@ Transfer transfer_of(const Workspace& ws, const Doubleton& d) {
   double lower = moved(beta, -d.a * ws.lower[d.leaves]) / d.b;
   double upper = moved(beta, -d.a * ws.upper[d.leaves]) / d.b;
   if ((d.a > 0) == (d.b > 0)) std::swap(lower, upper);
+  // In terms of the column that leaves, and of the one that stays.
+  const double factor = std::max(1.0, std::fabs(d.b / d.a));
+  const auto guard = [&](double bound) { return no_difference(ws, bound, kStrict) / factor; };
   Transfer t;
-  t.tighter_lower = lower > old_lower + kStrict * std::max(1.0, std::fabs(lower));
-  t.tighter_upper = upper < old_upper - kStrict * std::max(1.0, std::fabs(upper));
+  t.tighter_lower = lower > old_lower + guard(lower);
+  t.tighter_upper = upper < old_upper - guard(upper);
   t.lower = t.tighter_lower ? lower : old_lower;
   t.upper = t.tighter_upper ? upper : old_upper;
   return t;
 }
 
-/* Bounds that cross by rounding are made one, at a bound of its own if there is one. */
-bool mend(Transfer& t) {
-  if (t.lower <= t.upper) return true;
-  if (t.lower - t.upper > kExact * std::max(1.0, std::fabs(t.lower))) return false;
+/* Bounds that cross or differ by rounding are made one, at a bound of its own if there is one. */
+bool mend(const Workspace& ws, Transfer& t) {
+  const double crossing = t.lower - t.upper;
+  if (crossing == 0 || !(crossing > -no_difference(ws, t.lower, kSame))) return true;
+  if (crossing > no_difference(ws, t.lower)) return false;
   if (t.tighter_lower && !t.tighter_upper) {
     t.lower = t.upper;
   } else {
@@ -79,7 +83,7 @@ bool substitute_doubleton(Workspace& ws, int i) {
     d = other;
   }
   Transfer t = transfer_of(ws, d);
-  if (!mend(t)) return false;
+  if (!mend(ws, t)) return false;
   if (!ws.allow(Rule::doubleton_equation)) return false;
   const bool same_sign = (d.a > 0) == (d.b > 0);
   ws.stack.begin(Op::doubleton)

@@ -26,7 +26,7 @@ bool remove_fixed_column(Workspace& ws, int j) {
     }
     return false;
   }
-  if (std::isinf(lower) || upper - lower > kSame * std::max(1.0, std::fabs(lower))) return false;
+  if (std::isinf(lower) || upper - lower > no_difference(ws, lower, kSame)) return false;
   if (moves_too_far(ws, j, lower) || !ws.allow(Rule::fixed_column)) return false;
   if (lower < upper) ws.change_bounds(j, lower, lower);
   ws.fix_column(j, lower, At::lower);

@@ -12,9 +12,8 @@ bool remove_forcing_row(Workspace& ws, int i) {
   const Activity& sum = ws.activity(i);
   const double lower = ws.row_lower[i], upper = ws.row_upper[i];
   // The row pushes to its lower side: each column stands where the activity is largest.
-  const auto same = [](double a, double b) {
-    return std::fabs(a - b) <= kExact * std::max(1.0, std::fabs(b));
-  };
+  const double noise = sum.magnitude * kRounding * ws.row_length(i);
+  const auto same = [&](double a, double b) { return std::fabs(a - b) <= no_difference(ws, b) + noise; };
   const bool at_lower = lower != -kInf && sum.infinite_max == 0 && same(sum.max, lower);
   const bool at_upper = upper != kInf && sum.infinite_min == 0 && same(sum.min, upper);
   if (!at_lower && !at_upper) return false;

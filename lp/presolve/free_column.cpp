@@ -37,7 +37,7 @@ bool implied_free(Workspace& ws, int s) {
     const Activity& sum = ws.activity(r);
     if (std::fabs(a) < kSupport * sum.largest) continue;
     const double noise = sum.magnitude * kRounding * ws.row_length(r) / std::fabs(a);
-    const auto slack = [noise](double bound) { return kExact * std::max(1.0, std::fabs(bound)) - noise; };
+    const auto slack = [&ws, noise](double bound) { return no_difference(ws, bound) - noise; };
     below = below || ws.implied_lower(r, s, a) >= ws.lower[s] - slack(ws.lower[s]);
     above = above || ws.implied_upper(r, s, a) <= ws.upper[s] + slack(ws.upper[s]);
   }

@@ -48,8 +48,8 @@ bool remove_free_row(Workspace& ws, int i) {
     ws.condemn(row_verdict(Finding::row_bounds_infeasible, i, sum.most() < lower));
     return false;
   }
-  const bool lower_holds = lower == -kInf || sum.least() >= lower - kExact * std::max(1.0, std::fabs(lower));
-  const bool upper_holds = upper == kInf || sum.most() <= upper + kExact * std::max(1.0, std::fabs(upper));
+  const bool lower_holds = lower == -kInf || sum.least() >= lower - no_difference(ws, lower);
+  const bool upper_holds = upper == kInf || sum.most() <= upper + no_difference(ws, upper);
   if (lower_holds && upper_holds) return ws.allow(Rule::redundant_row) && drop(ws, i);
   // A side that cannot bind only weakens arguments on duals. Equations keep theirs: they are worth more.
   if (lower < upper && ((lower_holds && lower != -kInf) || (upper_holds && upper != kInf)) &&

@@ -66,10 +66,10 @@ At pressed_side(Workspace& ws, const Slack& k) {
   if (std::isinf(to_lower ? k.low : k.high)) return at;
   if (ws.cost[k.s] > 0) {
     const double bound = ws.lower[k.s];
-    if (ws.implied_lower(k.i, k.s, k.a) < bound - kExact * std::max(1.0, std::fabs(bound))) return At::free;
+    if (ws.implied_lower(k.i, k.s, k.a) < bound - no_difference(ws, bound)) return At::free;
   } else {
     const double bound = ws.upper[k.s];
-    if (ws.implied_upper(k.i, k.s, k.a) > bound + kExact * std::max(1.0, std::fabs(bound))) return At::free;
+    if (ws.implied_upper(k.i, k.s, k.a) > bound + no_difference(ws, bound)) return At::free;
   }
   return at;
 }
