@@ -6,30 +6,26 @@
 
 #include "env/entry.h"
 #include "env/handles.h"
+#include "fileio/param_file.h"
 #include "param/registry.h"
 
 using namespace tovik;
 
 namespace {
 
-/* The file named by the process environment overrides the defaults. The library has no reader of parameter
- * files yet, so each such file counts as one that could not be read; the reader is called from here. */
-Status read_parameter_file(Environment&, const char*) {
-  return TVK_ERROR_OPEN_FOR_READING;
-}
-
 void show_on_screen(Environment& env, bool on) {
   /* 0 and 1 are always accepted, and memory that is short is told by bad_alloc. */
   static_cast<void>(param::set_integer(env, TVK_PARAM_SCRIND, on ? 1 : 0));
 }
 
+/* The file named by the process environment overrides the defaults. What is wrong with it stays unseen. */
 void read_override_file(Environment& env) {
   const char* path = secure_getenv("MERU_TOVIK_PARAMETER_FILE");
   if (path == nullptr) return;
   show_on_screen(env, true);
   message(env.warning_channel, "Reading override parameter file '%s' ", path);
   show_on_screen(env, false);
-  const bool read = read_parameter_file(env, path).ok();
+  const bool read = guarded([&] { return fileio::read_parameter_file(env, path); }).ok();
   show_on_screen(env, true);
   message(env.warning_channel, read ? "succeeded.\n" : "failed.\n");
   env.warning_channel->flush();
@@ -137,7 +133,7 @@ int TVKfreeparenv(EnvHandle env, EnvHandle* child_p) {
 }
 
 const char* TVKversion(ConstEnvHandle env) {
-  return read_environment<const char*>(env, nullptr, [](Environment&) { return "12.2.0.0"; });
+  return read_environment<const char*>(env, nullptr, [](Environment&) { return kVersion; });
 }
 
 int TVKgettime(ConstEnvHandle env, double* time_p) {

@@ -23,6 +23,8 @@ namespace tovik {
 
 struct Problem;
 
+inline constexpr char kVersion[] = "12.2.0.0";
+
 /* Deterministic work: ticks += count << (shift & 63). */
 struct WorkCounter {
   std::uint64_t ticks = 0;
