@@ -38,18 +38,20 @@ bool merge(Workspace& ws, const Pair& pair) {
   double lower = ws.row_lower[k] / g, upper = ws.row_upper[k] / g;
   if (g < 0) std::swap(lower, upper);
   const double own_lower = ws.row_lower[i], own_upper = ws.row_upper[i];
-  bool tighter_lower = lower > own_lower + kStrict * size_of(lower, 0);
-  bool tighter_upper = upper < own_upper - kStrict * size_of(upper, 0);
+  const double factor = std::max(1.0, std::fabs(g));  // a difference is seen in both rows
+  bool tighter_lower = lower > own_lower + no_difference(ws, lower, kStrict) / factor;
+  bool tighter_upper = upper < own_upper - no_difference(ws, upper, kStrict) / factor;
   double new_lower = tighter_lower ? lower : own_lower;
   double new_upper = tighter_upper ? upper : own_upper;
-  if (new_lower > new_upper) {
+  const double gap = new_lower - new_upper;
+  if ((tighter_lower || tighter_upper) && gap != 0 && gap > -no_difference(ws, new_lower, kSame)) {
     // Only a side of one row can contradict a side of the other.
-    const double gap = new_lower - new_upper, size = size_of(new_lower, new_upper);
+    const double size = size_of(new_lower, new_upper);
     if (gap * std::min(1.0, std::fabs(g)) > condemn_guard(ws, size)) {
       condemn_pair(ws, pair, !tighter_lower);
       return false;
     }
-    if (tighter_lower == tighter_upper || gap * std::max(1.0, std::fabs(g)) > kExact * size) return false;
+    if (tighter_lower == tighter_upper || gap * factor > no_difference(ws, size)) return false;
     if (tighter_lower) {  // the own side wins
       new_lower = own_upper;
     } else {
