@@ -10,23 +10,14 @@
 #include <numeric>
 #include <random>
 
+#include "tests/support/quiet_control.h"
+
 namespace tovik::lp::simplex {
 namespace {
 
 constexpr double kTol = 1e-6;
 
-class QuietControl : public Control {
- public:
-  void log(const char*) override {}
-  void flush() override {}
-  void add_work(std::uint64_t) override {}
-  double seconds() override { return 0; }
-  Stop poll() override { return polls++ < allowed ? Stop::none : Stop::user_abort; }
-  Stop poll_clock() override { return Stop::none; }
-  Stop iteration_callback() override { return Stop::none; }
-  double random() override { return 0.5; }
-  std::int64_t polls = 0, allowed = 1000000;
-};
+using support::QuietControl;
 
 LpData make_lp(int rows, int columns) {
   LpData lp;
