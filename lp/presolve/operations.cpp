@@ -12,6 +12,7 @@
 #include "lp/presolve/parallel_rows.h"
 #include "lp/presolve/singleton_row.h"
 #include "lp/presolve/slack_column.h"
+#include "lp/presolve/sparsify.h"
 #include "lp/presolve/zero_cost_column.h"
 
 namespace tovik::lp::presolve {
@@ -32,6 +33,7 @@ const Operation& operation(Op op) {
     set(Op::parallel_rows, {"parallel rows", undo_parallel_rows});
     set(Op::parallel_columns, {"parallel columns", undo_parallel_columns});
     set(Op::zero_cost_column, {"zero-cost column", undo_zero_cost_column});
+    set(Op::row_addition, {"row addition", undo_row_addition});
     return t;
   }();
   return table[static_cast<size_t>(op)];

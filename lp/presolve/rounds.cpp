@@ -11,6 +11,7 @@
 #include "lp/presolve/parallel_rows.h"
 #include "lp/presolve/singleton_row.h"
 #include "lp/presolve/slack_column.h"
+#include "lp/presolve/sparsify.h"
 #include "lp/presolve/zero_cost_column.h"
 
 namespace tovik::lp::presolve {
@@ -96,6 +97,7 @@ void run_rounds(Workspace& ws) {
     }
     if (static_cast<double>(before - size_of(ws)) <= kLittleRound * static_cast<double>(before)) break;
   }
+  sparsify_rows(ws);
 }
 
 }  // namespace tovik::lp::presolve

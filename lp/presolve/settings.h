@@ -36,6 +36,9 @@ constexpr std::uint32_t rule_bit(Rule rule) {
   return std::uint32_t{1} << static_cast<int>(rule);
 }
 inline constexpr std::uint32_t kAllRules = (std::uint32_t{1} << kRules) - 1;
+/* Sparsify is left out: after an optimal basis with basic logicals of the equations that were used, the way
+ * back ends at a basis that needs pivots. */
+inline constexpr std::uint32_t kDefaultRules = kAllRules & ~rule_bit(Rule::sparsify);
 
 struct Settings {
   int passes = -1;           // rounds of the outer loop: -1 automatic, 0 none
@@ -47,7 +50,7 @@ struct Settings {
   int dependency = -1;       // -1 automatic, 0 off, 1 begin, 2 end, 3 both
   double feasibility = 1e-6;
   double optimality = 1e-6;
-  std::uint32_t rules = kAllRules;
+  std::uint32_t rules = kDefaultRules;
   std::int64_t limit = INT64_MAX;  // reductions to make
 };
 
