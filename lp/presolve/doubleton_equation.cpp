@@ -114,11 +114,11 @@ void undo_doubleton(Record record, Undo& undo) {
   const bool tighter_upper = record.integer() != 0;
   const bool collapsed = record.integer() != 0;
   const double a = record.real(), b = record.real(), beta = record.real();
-  double rest = undo.cost(record.real());
+  CleanSum rest(undo.cost(record.real()));
   const double at_lower = record.real(), at_upper = record.real();
   Point& p = undo.point;
-  undo.each_entry(record, j, [&](int r, double value) { rest -= value * p.y[r]; });
-  p.y[i] = rest / a;
+  undo.each_entry(record, j, [&](int r, double value) { rest.subtract(value * p.y[r]); });
+  p.y[i] = rest.value() / a;
   p.x[j] = (beta - b * p.x[k]) / a;
   p.d[j] = 0;
   p.column[j] = At::basic;

@@ -101,9 +101,10 @@ void undo_fixed_column(Record record, Undo& undo) {
   At at = static_cast<At>(record.integer());
   const bool equal = record.integer() != 0;
   const double value = record.real();
-  double d = undo.cost(record.real());
+  CleanSum sum(undo.cost(record.real()));
   Point& p = undo.point;
-  undo.each_entry(record, j, [&](int i, double a) { d -= a * p.y[i]; });
+  undo.each_entry(record, j, [&](int i, double a) { sum.subtract(a * p.y[i]); });
+  const double d = sum.value();
   if (equal || undo.homogeneous) at = Undo::side(at, d);
   p.x[j] = value;
   p.d[j] = d;

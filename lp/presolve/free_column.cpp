@@ -65,7 +65,8 @@ bool substitute_free_column(Workspace& ws, int i, int s) {
 void undo_free_column(Record record, Undo& undo) {
   const int i = record.integer();
   const int s = record.integer();
-  double x = record.real(), y = undo.cost(record.real()), pivot = 0;
+  double x = record.real(), pivot = 0;
+  CleanSum y(undo.cost(record.real()));
   const View row = record.line();
   Point& p = undo.point;
   for (int k = 0; k < row.length; ++k) {
@@ -75,11 +76,11 @@ void undo_free_column(Record record, Undo& undo) {
       x -= row.value[k] * p.x[row.index[k]];
     }
   }
-  undo.each_entry(record, s, [&](int r, double a) { y -= a * p.y[r]; });
+  undo.each_entry(record, s, [&](int r, double a) { y.subtract(a * p.y[r]); });
   p.x[s] = x / pivot;
   p.d[s] = 0;
   p.column[s] = At::basic;
-  p.y[i] = y / pivot;
+  p.y[i] = y.value() / pivot;
   p.row[i] = Undo::side(At::lower, p.y[i]);
 }
 

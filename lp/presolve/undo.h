@@ -9,6 +9,7 @@
  * statuses are derived from the same tables. */
 #pragma once
 
+#include <cmath>
 #include <vector>
 
 #include "lp/linalg/lp_data.h"
@@ -24,6 +25,22 @@ struct Point {
   std::vector<double> x, d;     // columns
   std::vector<double> y;        // rows
   std::vector<At> column, row;  // a row's status is that of its activity
+};
+
+/* A sum that is zero when only the rounding of its terms is left: the sign of a dual decides where a column
+ * stands, and in a proof of infeasibility a free column needs exactly zero. */
+class CleanSum {
+ public:
+  explicit CleanSum(double first) : sum_(first), size_(std::fabs(first)) {}
+  void subtract(double term) {
+    sum_ -= term;
+    size_ += std::fabs(term);
+  }
+  double value() const { return std::fabs(sum_) <= kNoise * size_ ? 0.0 : sum_; }
+
+ private:
+  static constexpr double kNoise = 4e-16;
+  double sum_, size_;
 };
 
 struct Undo {
