@@ -45,6 +45,8 @@ constexpr Rule kRules[] = {
     {Change::rows, kDerived, 1},
     {Change::column_types, kDerived, 1},
     {Change::sets, kDerived, 1},
+    {Change::branching_order, kWorking | kSecond | kMixedInteger, 0},
+    {Change::starts, kWorking | kSecond, 0},
     {Change::whole_problem, kEverything, 1},
     {Change::quadratic, kEverything, 1},
     {Change::problem_type, kEverything, 1},

@@ -94,6 +94,8 @@ enum class Change {
   rows,
   column_types,
   sets,
+  branching_order,
+  starts,
   whole_problem,
   quadratic,
   problem_type,

@@ -553,7 +553,7 @@ TVK_API void TVKEinsort(int n, int *keys);
  * receives 0 or the code that goes with a null result: 1002, 1004 probname null, 1001. */
 TVK_API ProbHandle TVKcreateprob(ConstEnvHandle env, int *status_p, const char *probname);
 
-/* Creates a copy of the model of `lp`, with names and column types, in `env`. The solution and the basis are not
+/* Creates a copy of the model of `lp`, with all its names and data, in `env`. The solution and the basis are not
  * copied. `*status_p` as in TVKcreateprob, and 1009, 1806. */
 TVK_API ProbHandle TVKcloneprob(ConstEnvHandle env, ConstProbHandle lp, int *status_p);
 
@@ -564,14 +564,17 @@ TVK_API int TVKfreeprob(ConstEnvHandle env, ProbHandle *lp_p);
 /* The problem type, -1 after an error. */
 TVK_API int TVKgetprobtype(ConstEnvHandle env, ConstProbHandle lp);
 
-/* Changes the problem type. 0 drops the column types, 1 adds them (all 'C'). Each change discards the solution and
+/* Changes the problem type: frees what the new type cannot hold and keeps the rest. Mixed-integer data (column types, sets,
+ * indicator constraints, cuts, lazy constraints, priority order, MIP starts) belong to 1, 7 and 11, which begin with types
+ * of 'C'; a quadratic objective to 5, 7, 10, 11; quadratic constraints to 10 and 11. Each change discards the solution and
  * the basis; asking for the present type changes nothing. While TVK_PARAM_DATACHECK is 1 a line on the warning channel
  * tells which data are freed. Errors: 3, 8 and 13 need a mixed-integer problem of the matching kind with a solution:
- * 1024, 1029, 9019; 1018 for 5 and 7, 1031 for 10 and 11: quadratic data cannot be held; 1022 for any other number. */
+ * 1024, 1029, 9019; 1022 for any other number. */
 TVK_API int TVKchgprobtype(ConstEnvHandle env, ProbHandle lp, int type);
 
 /* Sets to zero each objective coefficient, right-hand side, range value, bound and matrix coefficient with an absolute
- * value less than `eps` and removes those matrix entries. Errors: 1023 for a fixed problem; 1001. */
+ * value less than `eps` and removes those matrix entries; the same in the quadratic objective and in constraints of every
+ * other kind. Errors: 1023 for a fixed problem; 1001. */
 TVK_API int TVKcleanup(ConstEnvHandle env, ProbHandle lp, double eps);
 
 /* Drops the scaling that optimizers keep for the next start (model and solution are in the caller's units in any
@@ -871,8 +874,9 @@ TVK_API int TVKsetdefaults(EnvHandle env);
  *          (values). Where a routine takes no counts, a vector ends where the next one begins, the last at nzcnt. The
  *          model stores no zeros: entries with the value 0 are dropped.
  * Null     optional vectors may be null; then obj is 0, lb 0, ub 1e20, rhs 0, sense 'E', range 0, type 'C'.
- * Names    a family (columns, rows) has names for all items or for none. Where only some are given, the others get x or c
- *          and their number from 1 (x7), or the next free number when that name is taken.
+ * Names    a family has names for all items or for none. Where only some are given, the others get the family's letter and
+ *          their number from 1 (x7), or the next free number when that name is taken. Letters: x columns, c rows, s sets,
+ *          i indicator constraints, u user cuts, l lazy constraints, q quadratic constraints, m MIP starts.
  *
  * While TVK_PARAM_DATACHECK is 1, contents are checked too; the line of the first bad entry tells its position:
  * 1215 sense, 1229 bound indicator, 3021 type, 1225 not a number, 1233 infinite number, 1224 null name, and for a matrix
@@ -969,19 +973,21 @@ TVK_API int TVKchgobjoffset(ConstEnvHandle env, ProbHandle lp, double offset);
 /* ---- Column types: 'C' continuous, 'B' binary, 'I' integer, 'S' semi-continuous, 'N' semi-integer ---- */
 
 /* Sets the types of all columns (one letter each; no terminating zero needed) or of those listed. A continuous problem
- * becomes a mixed-integer one; bounds do not change. */
+ * becomes a mixed-integer one; bounds do not change. A semi-continuous (semi-integer) column is 0 or between its bounds
+ * (and then integer). */
 TVK_API int TVKcopyctype(ConstEnvHandle env, ProbHandle lp, const char *ctype);
 TVK_API int TVKchgctype(ConstEnvHandle env, ProbHandle lp, int cnt, const int *indices, const char *ctype);
 
 /* ---- Names. Changing them keeps the solution. ---- */
 
-/* Names one item. key: 'c' column ij, 'r' row ij, 'b' the bound set (as in the BOUNDS section of a file; ij is not used).
+/* Names one item. key: 'c' column ij, 'r' row ij, 'b' the bound set (as in the BOUNDS section of a file; ij is not used),
+ * 's' set, 'i' indicator constraint, 'u' user cut, 'l' lazy constraint, 'q' quadratic constraint, 'm' MIP start ij.
  * Errors: 1003 another key; 1200 ij outside. */
 TVK_API int TVKchgname(ConstEnvHandle env, ProbHandle lp, int key, int ij, const char *newname);
 /* Name cnt columns (rows). When the model had no names, the others get made-up ones. Error: 1224 a null name. */
 TVK_API int TVKchgcolname(ConstEnvHandle env, ProbHandle lp, int cnt, const int *indices, char **newname);
 TVK_API int TVKchgrowname(ConstEnvHandle env, ProbHandle lp, int cnt, const int *indices, char **newname);
-/* Removes the names of all columns and rows. */
+/* Removes the names of columns, rows, sets, indicator constraints, cuts, lazy and quadratic constraints. */
 TVK_API int TVKdelnames(ConstEnvHandle env, ProbHandle lp);
 TVK_API int TVKchgprobname(ConstEnvHandle env, ProbHandle lp, const char *probname);
 TVK_API int TVKcopyobjname(ConstEnvHandle env, ProbHandle lp, const char *objname);
@@ -1041,6 +1047,171 @@ TVK_API int TVKgetrowindex(ConstEnvHandle env, ConstProbHandle lp, const char *n
 /* Name of the problem; of the objective (1219 when it has none). `space` bytes with the terminating zero. */
 TVK_API int TVKgetprobname(ConstEnvHandle env, ConstProbHandle lp, char *buffer, int space, int *surplus_p);
 TVK_API int TVKgetobjname(ConstEnvHandle env, ConstProbHandle lp, char *buffer, int space, int *surplus_p);
+
+/* ---- Special ordered sets ----
+ * A set lists columns with weights. Type '1': at most one of them is not zero. Type '2': at most two, neighbours in the
+ * order of the weights. A problem that receives sets becomes a mixed-integer one. Deleting a column takes it out of its
+ * sets; a set stays when it becomes empty. */
+
+/* Replaces all sets (TVKcopysos) or appends some (TVKaddsos): sostype and sosname one for each of numsos sets; columns and
+ * weights of set k at positions sosbeg[k] to sosbeg[k+1] - 1 of sosind and soswt, of the last one up to numsosnz - 1.
+ * sosname may be null, sosind and soswt too when there are no members. With TVK_PARAM_DATACHECK 1: 3009 a bad type, 1222
+ * a column twice in a set; else the last weight counts. */
+TVK_API int TVKcopysos(ConstEnvHandle env, ProbHandle lp, int numsos, int numsosnz, const char *sostype,
+                       const int *sosbeg, const int *sosind, const double *soswt, char **sosname);
+TVK_API int TVKaddsos(ConstEnvHandle env, ProbHandle lp, int numsos, int numsosnz, const char *sostype,
+                      const int *sosbeg, const int *sosind, const double *soswt, char **sosname);
+/* Delete sets begin..end, or those whose entry of delstat is exactly 1 (as TVKdelsetcols). Error: 3015 no sets. */
+TVK_API int TVKdelsos(ConstEnvHandle env, ProbHandle lp, int begin, int end);
+TVK_API int TVKdelsetsos(ConstEnvHandle env, ProbHandle lp, int *delstat);
+
+/* 0 after an error. */
+TVK_API int TVKgetnumsos(ConstEnvHandle env, ConstProbHandle lp);
+/* Sets begin..end by the surplus protocol; sosspace is the length of sosind and soswt. Members come in the order in which
+ * they were given. sostype may be null. Error: 3015 no sets. */
+TVK_API int TVKgetsos(ConstEnvHandle env, ConstProbHandle lp, int *numsosnz_p, char *sostype, int *sosbeg, int *sosind,
+                      double *soswt, int sosspace, int *surplus_p, int begin, int end);
+/* Names and look-up as for columns. */
+TVK_API int TVKgetsosname(ConstEnvHandle env, ConstProbHandle lp, char **name, char *namestore, int storespace,
+                          int *surplus_p, int begin, int end);
+TVK_API int TVKgetsosindex(ConstEnvHandle env, ConstProbHandle lp, const char *name, int *index_p);
+
+/* ---- Indicator constraints: a linear row that must hold while a binary column is 1 (or, complemented, 0) ----
+ * They make the problem a mixed-integer one. Deleting a column takes its terms out; deleting the column that switches a
+ * row deletes that constraint. The prefix is TVKE. */
+
+/* Appends one: while column indvar is 1 (0 when complemented is not zero), the row with nzcnt terms must hold. sense:
+ * 'L', 'G' or 'E', else 1215. indname may be null. Error: 1200 indvar outside.
+ *
+ *     // b = 1 -> x + y <= 4
+ *     int ind[] = {x, y}; double val[] = {1, 1};
+ *     TVKEaddindconstr(env, lp, b, 0, 2, 4.0, 'L', ind, val, NULL); */
+TVK_API int TVKEaddindconstr(ConstEnvHandle env, ProbHandle lp, int indvar, int complemented, int nzcnt, double rhs,
+                             int sense, const int *linind, const double *linval, const char *indname);
+TVK_API int TVKEdelindconstrs(ConstEnvHandle env, ProbHandle lp, int begin, int end);
+TVK_API int TVKEgetnumindconstrs(ConstEnvHandle env, ConstProbHandle lp);
+/* One of them; indvar_p, complemented_p (0 or 1), rhs_p and sense_p may be null; the terms by the surplus protocol. Error:
+ * 1200 `which` outside. */
+TVK_API int TVKEgetindconstr(ConstEnvHandle env, ConstProbHandle lp, int *indvar_p, int *complemented_p, int *nzcnt_p,
+                             double *rhs_p, char *sense_p, int *linind, double *linval, int space, int *surplus_p,
+                             int which);
+TVK_API int TVKEgetindconstrname(ConstEnvHandle env, ConstProbHandle lp, char **name, char *namestore, int storespace,
+                                 int *surplus_p, int begin, int end);
+TVK_API int TVKEgetindconstrindex(ConstEnvHandle env, ConstProbHandle lp, const char *name, int *index_p);
+
+/* ---- User cuts and lazy constraints ----
+ * Rows beside the matrix. A user cut holds at every integer point of the model and only helps the search; a lazy constraint
+ * is part of the model, which the search looks at when a candidate violates it. They make the problem a mixed-integer
+ * one. */
+
+/* Append rcnt rows as TVKaddrows does; the senses are 'L', 'G' and 'E' ('R' is 1215 under TVK_PARAM_DATACHECK, else 'E'). */
+TVK_API int TVKaddusercuts(ConstEnvHandle env, ProbHandle lp, int rcnt, int nzcnt, const double *rhs, const char *sense,
+                           const int *rmatbeg, const int *rmatind, const double *rmatval, char **rowname);
+TVK_API int TVKaddlazyconstraints(ConstEnvHandle env, ProbHandle lp, int rcnt, int nzcnt, const double *rhs,
+                                  const char *sense, const int *rmatbeg, const int *rmatind, const double *rmatval,
+                                  char **rowname);
+/* Delete those from begin to end, or all. */
+TVK_API int TVKdelusercuts(ConstEnvHandle env, ProbHandle lp, int begin, int end);
+TVK_API int TVKdellazyconstraints(ConstEnvHandle env, ProbHandle lp, int begin, int end);
+TVK_API int TVKfreeusercuts(ConstEnvHandle env, ProbHandle lp);
+TVK_API int TVKfreelazyconstraints(ConstEnvHandle env, ProbHandle lp);
+
+TVK_API int TVKgetnumusercuts(ConstEnvHandle env, ConstProbHandle lp);
+TVK_API int TVKgetnumlazyconstraints(ConstEnvHandle env, ConstProbHandle lp);
+/* Rows begin..end by the surplus protocol; rhs and sense (one each) may be null. */
+TVK_API int TVKgetusercuts(ConstEnvHandle env, ConstProbHandle lp, int *nzcnt_p, double *rhs, char *sense, int *rmatbeg,
+                           int *rmatind, double *rmatval, int rmatspace, int *surplus_p, int begin, int end);
+TVK_API int TVKgetlazyconstraints(ConstEnvHandle env, ConstProbHandle lp, int *nzcnt_p, double *rhs, char *sense,
+                                  int *rmatbeg, int *rmatind, double *rmatval, int rmatspace, int *surplus_p, int begin,
+                                  int end);
+TVK_API int TVKgetusercutname(ConstEnvHandle env, ConstProbHandle lp, char **name, char *namestore, int storespace,
+                              int *surplus_p, int begin, int end);
+TVK_API int TVKgetlazyconstraintname(ConstEnvHandle env, ConstProbHandle lp, char **name, char *namestore,
+                                     int storespace, int *surplus_p, int begin, int end);
+TVK_API int TVKgetusercutindex(ConstEnvHandle env, ConstProbHandle lp, const char *name, int *index_p);
+TVK_API int TVKgetlazyconstraintindex(ConstEnvHandle env, ConstProbHandle lp, const char *name, int *index_p);
+
+/* ---- Priority order: which columns the search should branch on first ----
+ * Order and MIP starts guide the search of a mixed-integer problem (else 3003) and are no part of what it states: changing
+ * them keeps the solution. Columns that are deleted leave them. */
+
+/* Replaces the order by cnt columns (0: none). Larger priorities come first; direction -1 down, 1 up, 0 no preference.
+ * priority and direction may be null (all 0). With TVK_PARAM_DATACHECK 1: 3006 a negative priority, 3007 another
+ * direction. Of a column listed twice the last entry counts. */
+TVK_API int TVKcopyorder(ConstEnvHandle env, ProbHandle lp, int cnt, const int *indices, const int *priority,
+                         const int *direction);
+/* The order by the surplus protocol, by ascending column; priority and direction may be null. Error: 3016 no order. */
+TVK_API int TVKgetorder(ConstEnvHandle env, ConstProbHandle lp, int *cnt_p, int *indices, int *priority, int *direction,
+                        int space, int *surplus_p);
+
+/* ---- MIP starts: points, whole or in part, to start the search from ---- */
+
+/* Effort levels: what to do with a start. -1 and 0 leave it to the optimizer. */
+#define TVK_MIPSTART_AUTO 0
+#define TVK_MIPSTART_CHECKFEAS 1
+#define TVK_MIPSTART_SOLVEFIXED 2
+#define TVK_MIPSTART_SOLVEMIP 3
+#define TVK_MIPSTART_REPAIR 4
+
+/* Appends mcnt starts: columns and values of start k at positions beg[k] to beg[k+1] - 1 of varindices and values, of the
+ * last one up to nzcnt - 1. effortlevel (null: 0) and mipstartname may be null. With TVK_PARAM_DATACHECK 1: 1003 an effort
+ * level outside -1..4. */
+TVK_API int TVKaddmipstarts(ConstEnvHandle env, ProbHandle lp, int mcnt, int nzcnt, const int *beg,
+                            const int *varindices, const double *values, const int *effortlevel, char **mipstartname);
+/* Changes the starts in mipstartindices: each gets the given values, its other values stay; effortlevel null keeps the
+ * levels. Errors: 3020 no starts, 1200 an index outside. */
+TVK_API int TVKchgmipstarts(ConstEnvHandle env, ProbHandle lp, int mcnt, const int *mipstartindices, int nzcnt,
+                            const int *beg, const int *varindices, const double *values, const int *effortlevel);
+/* Delete starts begin..end, or those whose entry of delstat is exactly 1. Error: 3020 no starts. */
+TVK_API int TVKdelmipstarts(ConstEnvHandle env, ProbHandle lp, int begin, int end);
+TVK_API int TVKdelsetmipstarts(ConstEnvHandle env, ProbHandle lp, int *delstat);
+
+TVK_API int TVKgetnummipstarts(ConstEnvHandle env, ConstProbHandle lp);
+/* Starts begin..end by the surplus protocol; effortlevel (one each) may be null. Error: 3020 no starts. */
+TVK_API int TVKgetmipstarts(ConstEnvHandle env, ConstProbHandle lp, int *nzcnt_p, int *beg, int *varindices,
+                            double *values, int *effortlevel, int startspace, int *surplus_p, int begin, int end);
+TVK_API int TVKgetmipstartname(ConstEnvHandle env, ConstProbHandle lp, char **name, char *namestore, int storespace,
+                               int *surplus_p, int begin, int end);
+TVK_API int TVKgetmipstartindex(ConstEnvHandle env, ConstProbHandle lp, const char *name, int *index_p);
+
+/* ---- Quadratic objective: obj'x + x'Qx / 2 with a symmetric matrix Q ----
+ * A linear problem becomes a quadratic one (type 5, mixed-integer 7). No optimizer solves quadratic problems yet. */
+
+/* Replaces Q by the full matrix, both halves, by columns: numcols values in qmatbeg and qmatcnt. Where Q is not symmetric:
+ * 5012 under TVK_PARAM_DATACHECK, else it stands for (Q + Q') / 2, the same function. */
+TVK_API int TVKcopyquad(ConstEnvHandle env, ProbHandle lp, const int *qmatbeg, const int *qmatcnt, const int *qmatind,
+                        const double *qmatval);
+/* Replaces Q by the diagonal matrix of these numcols values. */
+TVK_API int TVKcopyqpsep(ConstEnvHandle env, ProbHandle lp, const double *qsepvec);
+/* Sets the entries (i, j) and (j, i) of Q; reads one (0 where there is none). Error: 1200 outside. */
+TVK_API int TVKchgqpcoef(ConstEnvHandle env, ProbHandle lp, int i, int j, double value);
+TVK_API int TVKgetqpcoef(ConstEnvHandle env, ConstProbHandle lp, int i, int j, double *value_p);
+/* Columns that Q has entries in; entries of Q, both halves counted. */
+TVK_API int TVKgetnumquad(ConstEnvHandle env, ConstProbHandle lp);
+TVK_API int TVKgetnumqpnz(ConstEnvHandle env, ConstProbHandle lp);
+/* Columns begin..end of Q as TVKgetcols. Error: 5004 not a quadratic problem. */
+TVK_API int TVKgetquad(ConstEnvHandle env, ConstProbHandle lp, int *nzcnt_p, int *qmatbeg, int *qmatind,
+                       double *qmatval, int qmatspace, int *surplus_p, int begin, int end);
+
+/* ---- Quadratic constraints: a'x + x'Qx <= rhs or >= rhs (no factor 1/2) ----
+ * The problem becomes a quadratically constrained one (type 10, mixed-integer 11), also one with a quadratic objective. */
+
+/* Appends one with linnzcnt linear terms and quadnzcnt products quadval[k] * x[quadrow[k]] * x[quadcol[k]]; a pair may stand
+ * in either order, also in both, which adds up. name may be null. Errors: 6002 a sense other than 'L' and 'G'; under
+ * TVK_PARAM_DATACHECK 5011 a pair twice in the same order. */
+TVK_API int TVKaddqconstr(ConstEnvHandle env, ProbHandle lp, int linnzcnt, int quadnzcnt, double rhs, int sense,
+                          const int *linind, const double *linval, const int *quadrow, const int *quadcol,
+                          const double *quadval, const char *name);
+TVK_API int TVKdelqconstrs(ConstEnvHandle env, ProbHandle lp, int begin, int end);
+TVK_API int TVKgetnumqconstrs(ConstEnvHandle env, ConstProbHandle lp);
+/* One of them: linear terms and products each by the surplus protocol (1207 when either is too short). Each pair comes once,
+ * quadrow[k] <= quadcol[k]. rhs_p and sense_p may be null. Error: 1200 `which` outside. */
+TVK_API int TVKgetqconstr(ConstEnvHandle env, ConstProbHandle lp, int *linnzcnt_p, int *quadnzcnt_p, double *rhs_p,
+                          char *sense_p, int *linind, double *linval, int linspace, int *linsurplus_p, int *quadrow,
+                          int *quadcol, double *quadval, int quadspace, int *quadsurplus_p, int which);
+TVK_API int TVKgetqconstrname(ConstEnvHandle env, ConstProbHandle lp, char **name, char *namestore, int storespace,
+                              int *surplus_p, int begin, int end);
+TVK_API int TVKgetqconstrindex(ConstEnvHandle env, ConstProbHandle lp, const char *name, int *index_p);
 
 /* ==== Section: files (fileio/) ==== */
 

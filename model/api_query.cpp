@@ -1,22 +1,13 @@
 #include "env/entry.h"
+#include "model/api_count.h"
 #include "model/changes.h"
 #include "model/query.h"
 
 using namespace tovik;
 using model::copy_range;
+using model::count_of;
 
 namespace {
-
-/* The number that `count` takes from a problem, 0 after an error. count: int(const Problem&) */
-template <class Count>
-int count_of(ConstEnvHandle env, ConstProbHandle lp, Count&& count) {
-  int result = 0;
-  with_problem(env, lp, [&](Environment&, Problem& p) {
-    result = count(p);
-    return Status();
-  });
-  return result;
-}
 
 int types_of(ConstEnvHandle env, ConstProbHandle lp, char type) {
   return count_of(env, lp, [&](const Problem& p) { return p.model->count_type(type); });

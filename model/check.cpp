@@ -117,6 +117,10 @@ Status check_senses(Environment& env, int count, const char* senses) {
   return check_letters(env, count, senses, "LGER", TVK_ERROR_SENSE_ENTRY);
 }
 
+Status check_unranged_senses(Environment& env, int count, const char* senses) {
+  return check_letters(env, count, senses, "LGE", TVK_ERROR_SENSE_ENTRY);
+}
+
 Status check_range_presence(Environment& env, int count, const char* senses, const double* ranges) {
   if (senses == nullptr || ranges != nullptr) return {};
   return std::find(senses, senses + count, 'R') == senses + count ? Status()

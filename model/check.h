@@ -18,6 +18,8 @@ bool checking(const Environment& env);
 Status check_objective_sense(int sense);
 Status check_numbers(Environment& env, int count, const double* values);
 Status check_senses(Environment& env, int count, const char* senses);
+/* Of rows that cannot be ranged: 'L', 'G' or 'E'. */
+Status check_unranged_senses(Environment& env, int count, const char* senses);
 Status check_range_presence(Environment& env, int count, const char* senses, const double* ranges);
 Status check_bound_indicators(Environment& env, int count, const char* indicators);
 Status check_types(Environment& env, int count, const char* types);

@@ -11,6 +11,10 @@ void MipStarts::add(const NewStart& start) {
   effort_.push_back(start.effort);
 }
 
+void MipStarts::merge(int k, VectorView values) {
+  for (int p = 0; p < values.count; ++p) values_.set(k, values.index[p], values.value[p]);
+}
+
 void MipStarts::cut(Mark mark) noexcept {
   values_.cut(mark);
   effort_.resize(static_cast<std::size_t>(values_.size()));

@@ -29,6 +29,9 @@ class MipStarts {
   const NameTable& names() const { return values_.names(); }
 
   void add(const NewStart& start);
+  /* Gives columns of a start their value here; on bad_alloc some may have it already. */
+  void merge(int k, VectorView values);
+  void set_effort(int k, int effort) { effort_[static_cast<std::size_t>(k)] = effort; }
   void rename(int k, const char* name) { values_.rename(k, name); }
 
   using Mark = NamedVectors::Mark;

@@ -13,6 +13,15 @@ void NamedVectors::append(VectorView vector, const char* name) {
   }
 }
 
+void NamedVectors::set(int k, int column, double value) {
+  const int position = vectors_.find(k, column);
+  if (position < 0) {
+    vectors_.push(k, column, value);
+  } else {
+    vectors_.set_value(k, position, value);
+  }
+}
+
 void NamedVectors::rename(int k, const char* name) {
   const bool named = !names_.empty();
   if (!named) names_.make_up_all(size());

@@ -25,6 +25,8 @@ class NamedVectors {
 
   /* A null name is made up when others have names. */
   void append(VectorView vector, const char* name);
+  /* Adds an entry to vector k, or changes it. */
+  void set(int k, int column, double value);
   /* Renames one vector; the others get made-up names when there were none. */
   void rename(int k, const char* name);
   void clear_names() noexcept { names_.clear(); }

@@ -1,4 +1,5 @@
 /* Giving and removing names. */
+#include <cstring>
 #include <string>
 #include <utility>
 
@@ -38,18 +39,53 @@ Status change_row_names(Environment& env, Problem& problem, const NameChanges& c
   return {};
 }
 
+namespace {
+
+/* Names item `index` of a family. */
+template <class Family>
+Status rename(Family& family, int index, const char* name) {
+  if (index < 0 || index >= family.size()) return TVK_ERROR_INDEX_RANGE;
+  family.rename(index, name);
+  return {};
+}
+
+Status rename(Model& model, int key, int index, const char* name) {
+  const auto outside = [index](int count) { return index < 0 || index >= count; };
+  Families& families = model.change_families();
+  switch (key) {
+    case 'c':
+      if (outside(model.num_columns())) return TVK_ERROR_INDEX_RANGE;
+      model.rename_columns(1, &index, &name);
+      return {};
+    case 'r':
+      if (outside(model.num_rows())) return TVK_ERROR_INDEX_RANGE;
+      model.rename_rows(1, &index, &name);
+      return {};
+    case 'b':
+      model.set_bounds_name(name);
+      return {};
+    case 's':
+      return rename(families.sets, index, name);
+    case 'i':
+      return rename(families.indicators, index, name);
+    case 'u':
+      return rename(families.user_cuts, index, name);
+    case 'l':
+      return rename(families.lazy_constraints, index, name);
+    case 'q':
+      return rename(families.quadratic_rows, index, name);
+    default:
+      return rename(families.starts, index, name);
+  }
+}
+
+}  // namespace
+
 Status change_name(Problem& problem, int key, int index, const char* name) {
   if (Status s = check_modifiable(problem); !s.ok()) return s;
-  if (key != 'c' && key != 'r' && key != 'b') return TVK_ERROR_BAD_ARGUMENT;
+  if (key <= 0 || key > 127 || std::strchr("crbsiulqm", key) == nullptr) return TVK_ERROR_BAD_ARGUMENT;
   if (name == nullptr) return TVK_ERROR_NULL_POINTER;
-  Model& model = *problem.model;
-  if (key == 'b') {
-    model.set_bounds_name(name);
-  } else {
-    const int count = key == 'c' ? model.num_columns() : model.num_rows();
-    if (index < 0 || index >= count) return TVK_ERROR_INDEX_RANGE;
-    key == 'c' ? model.rename_columns(1, &index, &name) : model.rename_rows(1, &index, &name);
-  }
+  if (Status s = rename(*problem.model, key, index, name); !s.ok()) return s;
   invalidate(problem, Change::names);
   return {};
 }

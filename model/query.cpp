@@ -1,33 +1,26 @@
 #include "model/query.h"
 
-#include <climits>
 #include <cstdint>
 #include <cstring>
 
 #include "model/problem_type.h"
+#include "model/surplus.h"
 
 namespace tovik::model {
 
 namespace {
 
-bool asks_for_size(int space, const int* surplus) {
-  return space == 0 && surplus != nullptr;
+/* Copies as much of a text with its zero as fits behind `used` characters. */
+void put_text(const char* text, std::int64_t bytes, char* store, int space, std::int64_t used) {
+  const std::int64_t fitting = std::clamp<std::int64_t>(space - used, 0, bytes);
+  if (fitting > 0) std::memcpy(store + used, text, static_cast<std::size_t>(fitting));
 }
 
-Status tell_size(std::int64_t needed, int* surplus) {
-  *surplus = -static_cast<int>(std::min<std::int64_t>(needed, INT_MAX));
-  return needed > 0 ? Status::reported(TVK_ERROR_ARRAY_TOO_SHORT) : Status();
-}
+}  // namespace
 
-Status tell_surplus(std::int64_t needed, int space, int* surplus) {
-  const std::int64_t left = space - needed;
-  *surplus = static_cast<int>(std::max<std::int64_t>(left, -INT_MAX));
-  return left < 0 ? Status(TVK_ERROR_ARRAY_TOO_SHORT) : Status();
-}
-
-/* vector: VectorView(int k) */
-template <class Vector>
-Status get_vectors(const Range& range, const SparseOutput& out, Vector&& vector) {
+Status get_vectors(Environment& env, const Range& range, int count, const SparseOutput& out,
+                   const std::function<VectorView(int)>& vector) {
+  if (Status s = check_range(env, range.routine, range.begin, range.end, count); !s.ok()) return s;
   std::int64_t entries = 0;
   if (asks_for_size(out.space, out.surplus)) {
     for (int k = range.begin; k <= range.end; ++k) {
@@ -52,22 +45,12 @@ Status get_vectors(const Range& range, const SparseOutput& out, Vector&& vector)
   return tell_surplus(entries, out.space, out.surplus);
 }
 
-/* Copies as much of a text with its zero as fits behind `used` characters. */
-void put_text(const char* text, std::int64_t bytes, char* store, int space, std::int64_t used) {
-  const std::int64_t fitting = std::clamp<std::int64_t>(space - used, 0, bytes);
-  if (fitting > 0) std::memcpy(store + used, text, static_cast<std::size_t>(fitting));
-}
-
-}  // namespace
-
 Status get_columns(Environment& env, const Model& model, const Range& range, const SparseOutput& out) {
-  const Status checked = check_range(env, range.routine, range.begin, range.end, model.num_columns());
-  return checked.ok() ? get_vectors(range, out, [&](int j) { return model.column(j); }) : checked;
+  return get_vectors(env, range, model.num_columns(), out, [&](int j) { return model.column(j); });
 }
 
 Status get_rows(Environment& env, const Model& model, const Range& range, const SparseOutput& out) {
-  const Status checked = check_range(env, range.routine, range.begin, range.end, model.num_rows());
-  return checked.ok() ? get_vectors(range, out, [&](int i) { return model.row(i); }) : checked;
+  return get_vectors(env, range, model.num_rows(), out, [&](int i) { return model.row(i); });
 }
 
 Status get_names(Environment& env, const NameTable& table, int count, const Range& range,

@@ -1,12 +1,9 @@
 /* Queries of the model by the exported routines: ranges of values, sparse ranges and names by the surplus
- * protocol.
- *
- * Surplus protocol: a caller's array may be too short. With space 0 and a surplus pointer a query only tells
- * what it needs, as a negative surplus with code 1207 that prints nothing; otherwise it fills what fits and
- * surplus tells how much space is left (negative: missing, 1207). */
+ * protocol (surplus.h). */
 #pragma once
 
 #include <algorithm>
+#include <functional>
 #include <span>
 
 #include "env/environment.h"
@@ -40,6 +37,9 @@ struct SparseOutput {
   int space;
   int* surplus;
 };
+/* Vectors begin .. end of `count`. */
+Status get_vectors(Environment& env, const Range& range, int count, const SparseOutput& out,
+                   const std::function<VectorView(int)>& vector);
 Status get_columns(Environment& env, const Model& model, const Range& range, const SparseOutput& out);
 Status get_rows(Environment& env, const Model& model, const Range& range, const SparseOutput& out);
 

@@ -81,7 +81,7 @@ TEST_F(Names, ArgumentsAreCheckedInOrder) {
   char name[] = "n";
   char* names[] = {name, nullptr};
   const int indices[] = {0, 3};
-  EXPECT_EQ(TVKchgname(env_, lp_, 'q', 0, nullptr), 1003);
+  EXPECT_EQ(TVKchgname(env_, lp_, 'z', 0, nullptr), 1003);
   EXPECT_EQ(TVKchgname(env_, lp_, 'c', 3, nullptr), 1004);
   EXPECT_EQ(TVKchgname(env_, lp_, 'c', 3, "n"), 1200);
   EXPECT_EQ(TVKchgname(env_, lp_, 'b', 99, "bounds"), 0);
