@@ -8,10 +8,10 @@ namespace tovik::param::rows {
 
 inline constexpr auto kGeneral = std::to_array<Entry>({
     integer(NAMED(ADVIND), 1, 0, 2, "Starting basis: 0 ignored, 1 and 2 used"),
-    unused(integer(NAMED(AGGFILL), 10, 0, kUnlimited,
-                   "Most entries that the aggregator may add to the matrix by one substitution")),
-    unused(integer(NAMED(AGGIND), -1, -1, kUnlimited,
-                   "Rounds of the presolve aggregator: -1 automatic, 0 none, k at most k")),
+    integer(NAMED(AGGFILL), 10, 0, kUnlimited,
+            "Most entries that the aggregator may add to the matrix by one substitution"),
+    integer(NAMED(AGGIND), -1, -1, kUnlimited,
+            "Rounds of the presolve aggregator: -1 automatic, 0 none, k at most k"),
     hidden_integer(1004),
     unused(real(NAMED(CFILEMUL), 3, 1.1, 1e75,
                 "First size of the column file of the basis factor, as a multiple of the basis entries")),
@@ -19,9 +19,9 @@ inline constexpr auto kGeneral = std::to_array<Entry>({
             "Clock for times and time limits: 0 and 2 wall clock, 1 processor time"),
     unused(integer(NAMED(CRAIND), 1, -1, 1,
                    "Crash ordering of the slack start: 0 none, -1 and 1 two ways to weigh the objective")),
-    unused(integer(
+    integer(
         NAMED(DEPIND), -1, -1, 3,
-        "Search for dependent rows: -1 automatic, 0 off, 1 at the start of presolve, 2 at its end, 3 both")),
+        "Search for dependent rows: -1 automatic, 0 off, 1 at the start of presolve, 2 at its end, 3 both"),
     integer(NAMED(DPRIIND), 0, 0, 5,
             "Dual pricing: 0 automatic, 1 largest infeasibility, 2 and 3 steepest edge, 4 steepest edge with "
             "unit first norms, 5 devex"),
@@ -60,7 +60,7 @@ inline constexpr auto kGeneral = std::to_array<Entry>({
     integer(
         NAMED(PPRIIND), 0, -1, 4,
         "Primal pricing: 1 devex, 2 steepest edge, 3 steepest edge with unit first norms, others automatic"),
-    unused(integer(NAMED(PREIND), 1, 0, 1, "Presolve: 0 off, 1 on")),
+    integer(NAMED(PREIND), 1, 0, 1, "Presolve: 0 off, 1 on"),
     integer(NAMED(REINV), 0, 0, 10000, "Basis changes between factorizations: 0 automatic"),
     hidden_real(1032),
     unused(real(NAMED(RFILEMUL), 3, 1.1, 1e75,
@@ -84,17 +84,14 @@ inline constexpr auto kGeneral = std::to_array<Entry>({
     hidden_integer(1049),
     hidden_integer(1050),
     hidden_integer(1051),
-    unused(
-        integer(NAMED(PREPASS), -1, -1, kUnlimited, "Rounds of presolve: -1 automatic, 0 none, k at most k")),
+    integer(NAMED(PREPASS), -1, -1, kUnlimited, "Rounds of presolve: -1 automatic, 0 none, k at most k"),
     hidden_integer(kNamesOnly, 0, 0, 1),
     hidden_real(1054),
     hidden_real(1055),
     integer(NAMED(DATACHECK), 0, 0, 1, "Check the content of model data that is passed in: 0 off, 1 on"),
-    unused(
-        integer(NAMED(REDUCE), 3, 0, 3, "Presolve reductions: 0 none, 1 primal only, 2 dual only, 3 both")),
-    unused(
-        integer(NAMED(PRELINEAR), 1, 0, 1,
-                "Presolve may substitute by general equations: 0 only what maps back term by term, 1 all")),
+    integer(NAMED(REDUCE), 3, 0, 3, "Presolve reductions: 0 none, 1 primal only, 2 dual only, 3 both"),
+    integer(NAMED(PRELINEAR), 1, 0, 1,
+            "Presolve may substitute by general equations: 0 only what maps back term by term, 1 all"),
     hidden_integer(1059),
     hidden_integer(1060),
     hidden_integer(1061),

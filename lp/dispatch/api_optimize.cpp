@@ -3,6 +3,7 @@
 #include "include/tovik.h"
 #include "lp/dispatch/frame.h"
 #include "lp/dispatch/method.h"
+#include "lp/dispatch/presolve_run.h"
 #include "lp/dispatch/simplex_run.h"
 
 using namespace tovik;
@@ -12,7 +13,8 @@ namespace {
 
 Status optimize(Environment& env, Problem& problem, Method method) {
   const lp::dispatch::Profile profile(env, 2);
-  return lp::dispatch::run_simplex(env, problem, method);
+  return lp::dispatch::wants_presolve(env, problem) ? lp::dispatch::run_presolved(env, problem, method)
+                                                    : lp::dispatch::run_simplex(env, problem, method);
 }
 
 int run(ConstEnvHandle env, ProbHandle lp, Method method) {

@@ -52,6 +52,11 @@ std::string label(const model::NameTable& names, int k, char letter) {
 IterationLog::IterationLog(Environment& env, const Problem& problem, int display)
     : env_(env), problem_(problem), display_(display), start_(clock_seconds(env)), last_elapsed_(start_) {}
 
+void IterationLog::set_origin(const std::vector<int>& rows, const std::vector<int>& columns) {
+  rows_ = &rows;
+  columns_ = &columns;
+}
+
 void IterationLog::text(const char* line) {
   if (display_ > 0) message(env_.results_channel, "%s", line);
 }
@@ -60,10 +65,10 @@ void IterationLog::removed_by_singularity(const simplex::Core& core, int variabl
   if (display_ <= 0) return;
   if (variable < core.n) {
     message(env_.results_channel, "Variable '%.255s' fixed because of singularity.\n",
-            label(problem_.model->column_names(), variable, 'x').c_str());
-  } else if (problem_.model->sense()[variable - core.n] == 'R') {
+            label(problem_.model->column_names(), column(variable), 'x').c_str());
+  } else if (const int i = row(variable - core.n); problem_.model->sense()[i] == 'R') {
     message(env_.results_channel, "Variable 'range %.255s' caused singularity.\n",
-            label(problem_.model->row_names(), variable - core.n, 'c').c_str());
+            label(problem_.model->row_names(), i, 'c').c_str());
   } else {
     message(env_.results_channel, "Slack removed by singularity.\n");
   }
@@ -120,10 +125,10 @@ void IterationLog::brief(const simplex::Core& core, const simplex::IterationEven
 std::string IterationLog::variable(const simplex::Core& core, int j, bool entering) const {
   char buffer[kNameCut + 32];
   if (j < core.n) {
-    const std::string name = label(problem_.model->column_names(), j, 'x');
+    const std::string name = label(problem_.model->column_names(), column(j), 'x');
     std::snprintf(buffer, sizeof buffer, "%23s", name.c_str());
   } else {
-    const int i = j - core.n;
+    const int i = row(j - core.n);
     const bool ranged = problem_.model->sense()[i] == 'R';
     const std::string name = label(problem_.model->row_names(), i, 'c');
     std::snprintf(buffer, sizeof buffer, "%17s %s", name.c_str(), entering && ranged ? "range" : "slack");

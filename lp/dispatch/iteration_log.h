@@ -1,6 +1,8 @@
 /* The iteration log in both details, the pricing lines and the elapsed-time lines, on the results channel. */
 #pragma once
 
+#include <vector>
+
 #include "env/environment.h"
 #include "env/problem.h"
 #include "lp/simplex/observer.h"
@@ -10,6 +12,9 @@ namespace tovik::lp::dispatch {
 class IterationLog : public simplex::Observer {
  public:
   IterationLog(Environment& env, const Problem& problem, int display);
+  /* The engine works on a presolved problem, whose rows and columns have these indices in the problem: both
+   * vectors must live as long as the log. */
+  void set_origin(const std::vector<int>& rows, const std::vector<int>& columns);
   void iteration(const simplex::Core& core, const simplex::IterationEvent& event) override;
   void pricing(bool steepest_edge, bool changed) override;
   void text(const char* line) override;
@@ -20,10 +25,14 @@ class IterationLog : public simplex::Observer {
   void detailed(const simplex::Core& core, const simplex::IterationEvent& event, std::int64_t count);
   void elapsed(std::int64_t count);
   std::string variable(const simplex::Core& core, int j, bool entering) const;
+  int row(int i) const { return rows_ == nullptr ? i : (*rows_)[i]; }
+  int column(int j) const { return columns_ == nullptr ? j : (*columns_)[j]; }
 
   Environment& env_;
   const Problem& problem_;
   int display_;
+  const std::vector<int>* rows_ = nullptr;
+  const std::vector<int>* columns_ = nullptr;
   bool scaled_ = false;
   std::int64_t next_line_ = 0;
   int last_phase_ = 0;

@@ -57,8 +57,7 @@ int status_code(simplex::Outcome outcome, bool unscaled_infeasible) {
   }
 }
 
-void publish(Problem& problem, simplex::Solver& solver) {
-  simplex::Answer answer = solver.release_answer();
+void publish(Problem& problem, simplex::Answer answer, const simplex::Counters& counters) {
   const model::Model& model = *problem.model;
   const double sign = model.objective_sense();
   auto solution = std::make_unique<Solution>();
@@ -73,7 +72,6 @@ void publish(Problem& problem, simplex::Solver& solver) {
   solution->has_basis = true;
   solution->primal_feasible = answer.primal_feasible;
   solution->dual_feasible = answer.dual_feasible;
-  const simplex::Counters& counters = solver.core().counters;
   solution->iterations = static_cast<int>(counters.iterations);
   solution->phase1_iterations = static_cast<int>(counters.phase1_iterations);
   solution->factorizations = static_cast<int>(counters.factorizations);
@@ -91,26 +89,33 @@ void publish(Problem& problem, simplex::Solver& solver) {
   problem.start.change_level = 0;
 }
 
-Status run_simplex(Environment& env, Problem& problem, simplex::Method method) {
+void set_objective_limits(const Environment& env, const Problem& problem, simplex::Solver& solver) {
+  const double low = env.settings.real(TVK_PARAM_OBJLLIM);
+  const double high = env.settings.real(TVK_PARAM_OBJULIM);
+  const bool maximize = problem.model->objective_sense() < 0;
+  solver.set_objective_limits(maximize ? -high : low, maximize ? -low : high);
+}
+
+Status run_simplex(Environment& env, Problem& problem, simplex::Method method, const Beginning& beginning) {
   const Status finite = check_finite(env, *problem.model, problem.simplex == nullptr);
   if (!finite.ok()) return finite;
   EngineGuard guard(problem);
   EngineControl control(env, problem, 1);
   IterationLog log(env, problem, env.settings.integer(TVK_PARAM_SIMDISPLAY));
   LiveSimplex& live = live_simplex(env, problem, control, &log);
-  install_start(env, problem, live);
+  if (beginning.from_start) {
+    install_basis(problem, live);
+  } else {
+    install_start(env, problem, live);
+  }
   live.start_is_mine = false;  // until this run has ended in order
-  // Objective limits are stated in the user's sense; the engine minimizes.
-  const double low = env.settings.real(TVK_PARAM_OBJLLIM);
-  const double high = env.settings.real(TVK_PARAM_OBJULIM);
-  const bool maximize = problem.model->objective_sense() < 0;
-  live.solver.set_objective_limits(maximize ? -high : low, maximize ? -low : high);
-  live.solver.core().counters = simplex::Counters{};
+  set_objective_limits(env, problem, live.solver);
+  live.solver.core().counters = beginning.counters;
   const simplex::Outcome outcome = live.solver.solve(method);
   live.solver.detach();
   if (outcome == simplex::Outcome::singular) return Status(1256);
   const int status = status_code(outcome, live.solver.answer().unscaled_infeasible);
-  publish(problem, live.solver);
+  publish(problem, live.solver.release_answer(), live.solver.core().counters);
   problem.status = status;
   problem.factor_current = true;
   live.start_is_mine = true;

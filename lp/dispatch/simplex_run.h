@@ -6,13 +6,23 @@
 
 namespace tovik::lp::dispatch {
 
+/* Where a run begins. */
+struct Beginning {
+  bool from_start = false;     // at the problem's starting basis, whatever TVK_PARAM_ADVIND says
+  simplex::Counters counters;  // what was done before in the same optimization
+};
+
 /* Runs dual or primal simplex; leaves status, solution arrays and starting basis in the problem. */
-Status run_simplex(Environment& env, Problem& problem, simplex::Method method);
+Status run_simplex(Environment& env, Problem& problem, simplex::Method method,
+                   const Beginning& beginning = {});
 
 /* Status code of the public table. */
 int status_code(simplex::Outcome outcome, bool unscaled_infeasible);
 
-/* Moves the engine's answer into problem.solution and problem.start. */
-void publish(Problem& problem, simplex::Solver& solver);
+/* Moves an engine's answer for the problem's model into problem.solution and problem.start. */
+void publish(Problem& problem, simplex::Answer answer, const simplex::Counters& counters);
+
+/* Objective limits are stated in the user's sense; the engine minimizes. */
+void set_objective_limits(const Environment& env, const Problem& problem, simplex::Solver& solver);
 
 }  // namespace tovik::lp::dispatch

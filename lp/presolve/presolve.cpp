@@ -62,17 +62,23 @@ Point postsolve(const LpData& original, const Reduction& reduction, const Point&
 
 std::vector<double> infeasibility_proof(const LpData& original, const Reduction& reduction) {
   if (!reduction.verdict.primal_infeasible() || reduction.verdict.multipliers.empty()) return {};
+  std::vector<double> y(static_cast<size_t>(original.num_rows()), 0.0);
+  for (const auto& [i, value] : reduction.verdict.multipliers) y[i] = value;
+  std::vector<double> reduced(reduction.row_map.size());
+  for (size_t k = 0; k < reduced.size(); ++k) reduced[k] = y[reduction.row_map[k]];
+  return carry_proof(original, reduction, reduced);
+}
+
+std::vector<double> carry_proof(const LpData& original, const Reduction& reduction,
+                                const std::vector<double>& multipliers) {
   const LpData& lp = reduction.lp;
   Point reduced;
   reduced.x.assign(lp.cost.size(), 0.0);
   reduced.d.assign(lp.cost.size(), 0.0);
   reduced.column.assign(lp.cost.size(), At::lower);
-  reduced.y.assign(lp.row_lower.size(), 0.0);
+  reduced.y = multipliers;
   reduced.row.assign(lp.row_lower.size(), At::basic);
-  std::vector<double> y(static_cast<size_t>(original.num_rows()), 0.0);
-  for (const auto& [i, value] : reduction.verdict.multipliers) y[i] = value;
-  for (size_t k = 0; k < reduction.row_map.size(); ++k) {
-    reduced.y[k] = y[reduction.row_map[k]];
+  for (size_t k = 0; k < reduced.y.size(); ++k) {
     if (reduced.y[k] != 0) reduced.row[k] = reduced.y[k] > 0 ? At::lower : At::upper;
   }
   const Matrix& matrix = lp.matrix;

@@ -42,4 +42,9 @@ Point postsolve(const LpData& original, const Reduction& reduction, const Point&
  * when the verdict has none. */
 std::vector<double> infeasibility_proof(const LpData& original, const Reduction& reduction);
 
+/* Multipliers of the reduced problem's rows that prove it infeasible, brought to the original: to be checked.
+ */
+std::vector<double> carry_proof(const LpData& original, const Reduction& reduction,
+                                const std::vector<double>& multipliers);
+
 }  // namespace tovik::lp::presolve

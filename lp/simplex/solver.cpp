@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "lp/linalg/sum.h"
+#include "lp/simplex/certificates.h"
 #include "lp/simplex/tolerance.h"
 
 namespace tovik::lp::simplex {
@@ -68,48 +70,6 @@ std::vector<double> product(const Solver& solver, const std::vector<double>& x) 
   std::vector<double> activity(sums.size());
   for (size_t i = 0; i < sums.size(); ++i) activity[i] = sums[i].value();
   return activity;
-}
-
-/* By how much y proves that no x within its bounds meets the rows: the least value that the rows demand of
- * y'Ax less the largest that the box allows. 0 when it is no proof beyond rounding. Multipliers of rounding
- * size that would need an infinite bound are set to zero. */
-double farkas_gap(const Solver& solver, std::vector<double>& y) {
-  const LpData& lp = solver.user_lp();
-  constexpr double kNegligible = 1e-9;  // share of the largest multiplier, or of the terms of a sum
-  CompensatedSum gap;
-  double magnitude = 0;
-  const auto add = [&](double w, double bound) {
-    gap.add_product(w, bound);
-    magnitude = std::max(magnitude, std::fabs(w * bound));
-  };
-  for (int i = 0; i < lp.num_rows(); ++i) {
-    if (y[i] == 0) continue;
-    const double bound = y[i] > 0 ? lp.row_lower[i] : lp.row_upper[i];
-    if (!std::isinf(bound)) {
-      add(y[i], bound);
-    } else if (std::fabs(y[i]) <= kNegligible) {
-      y[i] = 0;
-    } else {
-      return 0;
-    }
-  }
-  for (int j = 0; j < lp.num_columns(); ++j) {
-    CompensatedSum sum;
-    double terms = 0;
-    solver.each_entry(j, [&](int i, double a) {
-      sum.add_product(a, y[i]);
-      terms += std::fabs(a * y[i]);
-    });
-    const double z = sum.value();
-    if (z == 0) continue;
-    const double bound = z > 0 ? lp.upper[j] : lp.lower[j];
-    if (!std::isinf(bound)) {
-      add(-z, bound);
-    } else if (std::fabs(z) > kNegligible * terms) {
-      return 0;
-    }
-  }
-  return gap.value() > kNegligible * magnitude ? gap.value() : 0;
 }
 
 /* Wrong-signed part of a reduced cost, given where the variable stands in a minimization. */
@@ -457,32 +417,17 @@ void Solver::extract() {
   answer_.dual_feasible = answer_.violation.dual <= options_.dual_tolerance;
 }
 
-/* y'A x over the columns' box must miss y'r over the rows' box. Tiny entries that meet an infinite bound are
- * what keeps a true certificate from passing; they are allowed only below 1e-9 of the largest product. */
+/* y'A x over the columns' box must miss y'r over the rows' box. */
 bool Solver::verify_infeasible(const std::vector<double>& scaled_row) {
   if (scaled_row.size() != static_cast<size_t>(core_->m)) return false;
   std::vector<double> y(scaled_row.size());
-  double largest = 0;
-  for (size_t i = 0; i < y.size(); ++i) {
-    y[i] = scaled_row[i] * row_scale(static_cast<int>(i));
-    largest = std::max(largest, std::fabs(y[i]));
-  }
-  if (largest == 0) return false;
-  for (double& v : y) {
-    v /= largest;
-    if (std::fabs(v) < 1e-13) v = 0;
-  }
-  // The combination of the rows may lie below or above what the box allows.
-  for (const double side : {1.0, -1.0}) {
-    std::vector<double> candidate = y;
-    for (double& v : candidate) v *= side;
-    const double gap = farkas_gap(*this, candidate);
-    if (!(gap > 0)) continue;
-    answer_.farkas = std::move(candidate);
-    answer_.farkas_gap = gap;
-    return true;
-  }
-  return false;
+  for (size_t i = 0; i < y.size(); ++i) y[i] = scaled_row[i] * row_scale(static_cast<int>(i));
+  FarkasProof proof;
+  const auto each = [this](int j, auto f) { each_entry(j, f); };
+  if (!verify_farkas(lp_, each, std::move(y), proof)) return false;
+  answer_.farkas = std::move(proof.multipliers);
+  answer_.farkas_gap = proof.gap;
+  return true;
 }
 
 /* The direction in the user's space must keep A x within the rows' infinite sides, respect the columns' and
@@ -504,7 +449,6 @@ bool Solver::verify_ray() {
   if (largest == 0) return false;
   for (double& v : ray) v /= largest;
   // Rounding is small against the terms of a sum; in a badly scaled model that says nothing about its size.
-  constexpr double kNegligible = 1e-9;
   CompensatedSum slope;
   double slope_terms = 0;
   std::vector<double> terms(static_cast<size_t>(core.m), 0.0);

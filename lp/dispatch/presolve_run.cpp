@@ -1,0 +1,204 @@
+#include "lp/dispatch/presolve_run.h"
+
+#include <new>
+#include <utility>
+
+#include "env/channel.h"
+#include "include/tovik.h"
+#include "lp/dispatch/build_lp.h"
+#include "lp/dispatch/engine_control.h"
+#include "lp/dispatch/iteration_log.h"
+#include "lp/dispatch/live_simplex.h"
+#include "lp/dispatch/presolved.h"
+#include "lp/dispatch/simplex_run.h"
+#include "lp/dispatch/user_point.h"
+#include "lp/simplex/certificates.h"
+#include "model/model.h"
+
+namespace tovik::lp::dispatch {
+namespace {
+
+using simplex::Outcome;
+
+Outcome outcome_of(Stop stop) {
+  switch (stop) {
+    case Stop::time_limit:
+      return Outcome::time_limit;
+    case Stop::tick_limit:
+      return Outcome::tick_limit;
+    default:
+      return Outcome::user_abort;
+  }
+}
+
+presolve::Point point_of(simplex::Answer answer) {
+  return {std::move(answer.x), std::move(answer.d), std::move(answer.y), std::move(answer.column_status),
+          std::move(answer.row_status)};
+}
+
+/* One run: the pieces in the order in which they are done. */
+class PresolvedRun {
+ public:
+  PresolvedRun(Environment& env, Problem& problem, simplex::Method method)
+      : env_(env), problem_(problem), method_(method), options_(engine_options(env)) {}
+
+  Status run() {
+    try {
+      record_ = make_presolved(env_, problem_);
+    } catch (const std::bad_alloc&) {
+      message(env_.warning_channel, "Insufficient memory for presolve.\n");
+      return solve_original(method_);
+    }
+    if (env_.settings.integer(TVK_PARAM_SIMDISPLAY) != 0)
+      message(env_.results_channel, "Presolve time = %7.2f sec.\n", record_->seconds);
+    const presolve::Reduction& reduction = record_->reduction;
+    if (reduction.verdict.finding != presolve::Finding::none) return condemned();
+    if (!reduction.changed && reduction.stop == Stop::none) return solve_original(method_);
+    const Outcome outcome = solve_reduced();
+    switch (outcome) {
+      case Outcome::infeasible:
+        return proven(presolve::carry_proof(record_->original, reduction, answer_.farkas))
+                   ? publish_infeasible()
+                   : solve_original(method_);
+      case Outcome::unbounded:
+        bring_back();
+        return go_on(simplex::Method::primal);
+      case Outcome::infeasible_or_unbounded:
+      case Outcome::singular:
+      case Outcome::trouble:
+        return solve_original(method_);
+      default:
+        return conclude(outcome);
+    }
+  }
+
+ private:
+  /* Presolve found out how the problem ends: taken over when it can be proven on the problem's own data. */
+  Status condemned() {
+    return proven(presolve::infeasibility_proof(record_->original, record_->reduction))
+               ? publish_infeasible()
+               : solve_original(method_);
+  }
+
+  /* Fills answer_ with the answer to the reduced problem; where presolve was stopped, with its slack basis.
+   */
+  Outcome solve_reduced() {
+    const presolve::Reduction& reduction = record_->reduction;
+    if (!record_->reduced_problem()) {
+      answer_.method = method_;
+      return Outcome::optimal;
+    }
+    EngineControl control(env_, problem_, 1);
+    IterationLog log(env_, problem_, options_.display);
+    log.set_origin(reduction.row_map, reduction.column_map);
+    simplex::Solver solver(reduction.lp, options_, control, &log);
+    set_objective_limits(env_, problem_, solver);
+    Outcome outcome = outcome_of(reduction.stop);
+    if (reduction.stop == Stop::none) {
+      outcome = solver.solve(method_);
+    } else {
+      solver.extract();
+    }
+    beginning_.counters = solver.core().counters;
+    answer_ = solver.release_answer();
+    return outcome;
+  }
+
+  bool proven(std::vector<double> multipliers) {
+    const LpData& lp = record_->original;
+    if (multipliers.empty()) return false;
+    const auto each = [&lp](int j, auto f) {
+      for (int k = lp.matrix.start[j]; k < lp.matrix.start[j + 1]; ++k)
+        f(lp.matrix.index[k], lp.matrix.value[k]);
+    };
+    return simplex::verify_farkas(lp, each, std::move(multipliers), proof_);
+  }
+
+  /* answer_ becomes the answer to the problem itself. */
+  void bring_back() {
+    const simplex::Method moved = answer_.method;
+    const LpData& lp = record_->original;
+    answer_ = complete_point(lp, presolve::postsolve(lp, record_->reduction, point_of(std::move(answer_))));
+    answer_.method = moved;
+    answer_.primal_feasible = answer_.violation.primal() <= options_.primal_tolerance;
+    answer_.dual_feasible = answer_.violation.dual <= options_.dual_tolerance;
+  }
+
+  Status conclude(Outcome outcome) {
+    bring_back();
+    if (outcome == Outcome::optimal && !is_final(record_->original, answer_, options_)) return go_on(method_);
+    return finish(status_code(outcome, false));
+  }
+
+  /* The answer stands; the problem's own engine is made when something asks for it. */
+  Status finish(int status) {
+    leave_engine();
+    publish(problem_, std::move(answer_), beginning_.counters);
+    problem_.status = status;
+    return {};
+  }
+
+  /* The point of an infeasible problem: all rows basic, columns at their bounds. */
+  Status publish_infeasible() {
+    const LpData& lp = record_->original;
+    presolve::Point point;
+    point.x.assign(lp.cost.size(), 0.0);
+    point.y.assign(lp.row_lower.size(), 0.0);
+    point.row.assign(lp.row_lower.size(), simplex::At::basic);
+    for (int j = 0; j < lp.num_columns(); ++j)
+      point.column.push_back(lp.lower[j] > -kInf  ? simplex::At::lower
+                             : lp.upper[j] < kInf ? simplex::At::upper
+                                                  : simplex::At::free);
+    answer_ = complete_point(lp, std::move(point));
+    answer_.method = method_;
+    answer_.farkas = std::move(proof_.multipliers);
+    answer_.farkas_gap = proof_.gap;
+    return finish(status_code(Outcome::infeasible, false));
+  }
+
+  /* From the point that was brought back. */
+  Status go_on(simplex::Method method) {
+    leave_engine();
+    record_.reset();
+    const simplex::Counters counters = beginning_.counters;
+    publish(problem_, std::move(answer_), counters);
+    beginning_.from_start = true;
+    return run_simplex(env_, problem_, method, beginning_);
+  }
+
+  Status solve_original(simplex::Method method) {
+    record_.reset();
+    return run_simplex(env_, problem_, method, beginning_);
+  }
+
+  /* An engine that the problem holds stands on another basis from now on. */
+  void leave_engine() {
+    problem_.factor_current = false;
+    problem_.norms = Norms{};
+    if (auto* live = static_cast<LiveSimplex*>(problem_.simplex.get()); live != nullptr)
+      live->start_is_mine = false;
+  }
+
+  Environment& env_;
+  Problem& problem_;
+  const simplex::Method method_;
+  const simplex::Options options_;
+  Beginning beginning_;
+  std::unique_ptr<Presolved> record_;
+  simplex::Answer answer_;
+  simplex::FarkasProof proof_;
+};
+
+}  // namespace
+
+bool wants_presolve(const Environment& env, const Problem& problem) {
+  if (env.settings.integer(TVK_PARAM_PREIND) == 0) return false;
+  return env.settings.integer(TVK_PARAM_ADVIND) == 0 || !problem.start.has_basis();
+}
+
+Status run_presolved(Environment& env, Problem& problem, simplex::Method method) {
+  if (const Status finite = check_finite(env, *problem.model, true); !finite.ok()) return finite;
+  return PresolvedRun(env, problem, method).run();
+}
+
+}  // namespace tovik::lp::dispatch

@@ -1,0 +1,20 @@
+/* A primal-dual point that did not come from an engine, completed and judged on the data that it is meant
+ * for.
+ */
+#pragma once
+
+#include "lp/linalg/lp_data.h"
+#include "lp/presolve/undo.h"
+#include "lp/simplex/solver.h"
+
+namespace tovik::lp::dispatch {
+
+/* The point with its nonbasic columns put exactly on their bounds and activities, reduced costs, objective
+ * and violations computed anew with compensated sums. */
+simplex::Answer complete_point(const LpData& lp, presolve::Point point);
+
+/* Whether the answer is an optimal basic solution within the tolerances: as many basics as rows, nonbasics
+ * where their statuses say, bounds and signs kept. Does not look at the basis matrix. */
+bool is_final(const LpData& lp, const simplex::Answer& answer, const simplex::Options& options);
+
+}  // namespace tovik::lp::dispatch
