@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "lp/presolve/aggregator.h"
+#include "lp/presolve/dependent_rows.h"
 #include "lp/presolve/dominated_column.h"
 #include "lp/presolve/fixed_column.h"
 #include "lp/presolve/forcing_row.h"
@@ -81,22 +82,25 @@ void run_rounds(Workspace& ws) {
   const auto entries = static_cast<std::int64_t>(ws.original.matrix.index.size());
   const std::int64_t budget = kWorkPerEntry * (entries + size_of(ws));
   Turns dual_bounds, parallel;
+  if (ws.settings.dependency == 1 || ws.settings.dependency == 3) remove_dependent_rows(ws);
   int rounds_left = ws.settings.aggregator < 0 ? most : ws.settings.aggregator;
   for (int round = 0; round < most && !ws.done() && ws.work() <= budget; ++round) {
     const std::int64_t before = size_of(ws);
     sweep(ws);
+    if (rounds_left > 0) {
+      --rounds_left;
+      if (aggregate(ws)) sweep(ws);
+    }
+    // After the substitutions, which make rows and columns alike.
     dual_bounds.take([&] { return use_dual_bounds(ws); });
     parallel.take([&] {
       const bool rows = merge_parallel_rows(ws);
       return merge_parallel_columns(ws) || rows;
     });
     sweep(ws);
-    if (rounds_left > 0) {
-      --rounds_left;
-      if (aggregate(ws)) sweep(ws);
-    }
     if (static_cast<double>(before - size_of(ws)) <= kLittleRound * static_cast<double>(before)) break;
   }
+  if (ws.settings.dependency != 1 && remove_dependent_rows(ws)) sweep(ws);
   sparsify_rows(ws);
 }
 
