@@ -18,8 +18,7 @@ constexpr double kRelax = 1e-9;       // added to a derived bound, for rounding
 constexpr double kPlain = 1e-4;       // relative contradiction that is no rounding
 constexpr int kLongColumn = 100;      // implied bounds of longer columns are not looked for
 
-}  // namespace
-
+/* Does a row keep column j strictly away from its (finite) upper or lower bound? */
 bool bound_implied_strictly(Workspace& ws, int j, bool is_upper) {
   const double bound = is_upper ? ws.upper[j] : ws.lower[j];
   if (std::isinf(bound)) return false;
@@ -36,6 +35,8 @@ bool bound_implied_strictly(Workspace& ws, int j, bool is_upper) {
   }
   return false;
 }
+
+}  // namespace
 
 DualBounds::DualBounds(Workspace& ws, bool implied) : ws_(ws) {
   const auto rows = static_cast<size_t>(ws.num_rows());

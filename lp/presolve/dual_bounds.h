@@ -17,9 +17,6 @@
 
 namespace tovik::lp::presolve {
 
-/* Does a row of the problem keep column j strictly away from its (finite) upper or lower bound? */
-bool bound_implied_strictly(Workspace& ws, int j, bool is_upper);
-
 class DualBounds {
  public:
   /* Implied: columns with strictly implied bounds count too. The workspace outlives this object. */

@@ -5,7 +5,6 @@
 #include <utility>
 #include <vector>
 
-#include "lp/presolve/dual_bounds.h"
 #include "lp/presolve/parallel_lines.h"
 #include "lp/presolve/tolerances.h"
 
@@ -25,17 +24,15 @@ bool fix_by_partner(Workspace& ws, int j, int k, double g) {
   const double size = std::max(std::fabs(ws.cost[k]), std::fabs(g * ws.cost[j]));
   double excess = ws.cost[k] - g * ws.cost[j];
   if (std::fabs(excess) <= kSameCost * size) excess = 0;
-  const auto not_negative = [&](bool of_negated) {  // d_j, or -d_j
-    return of_negated ? ws.lower[j] == -kInf || bound_implied_strictly(ws, j, false)
-                      : ws.upper[j] == kInf || bound_implied_strictly(ws, j, true);
-  };
-  const bool down = excess >= 0 && not_negative(g < 0), up = excess <= 0 && not_negative(g > 0);
+  // g d_j >= 0, g d_j <= 0
+  const bool not_negative = g > 0 ? ws.upper[j] == kInf : ws.lower[j] == -kInf;
+  const bool not_positive = g > 0 ? ws.lower[j] == -kInf : ws.upper[j] == kInf;
+  const bool down = excess >= 0 && not_negative, up = excess <= 0 && not_positive;
   if (!down && !up) return false;
   const bool to_lower = down && (!up || ws.lower[k] != -kInf);
   const double bound = to_lower ? ws.lower[k] : ws.upper[k];
   if (std::isinf(bound)) {
-    const bool by_bound = (excess > 0) == (g > 0) ? ws.upper[j] == kInf : ws.lower[j] == -kInf;
-    if (by_bound && std::fabs(excess) > kPlain * std::max(1.0, size)) {
+    if (std::fabs(excess) > kPlain * std::max(1.0, size)) {
       Verdict verdict;
       verdict.finding = Finding::dual_bounds_column;
       verdict.column = k;
