@@ -39,7 +39,7 @@ class CleanSum {
   double value() const { return std::fabs(sum_) <= kNoise * size_ ? 0.0 : sum_; }
 
  private:
-  static constexpr double kNoise = 4e-16;
+  static constexpr double kNoise = 1e-14;
   double sum_, size_;
 };
 
