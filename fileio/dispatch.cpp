@@ -9,6 +9,7 @@
 #include "env/environment.h"
 #include "env/problem.h"
 #include "fileio/channel_log.h"
+#include "fileio/file_families.h"
 #include "fileio/lp_dialogue.h"
 #include "include/tovik.h"
 #include "model/load.h"
@@ -122,35 +123,12 @@ Status read_file(Environment& env, const char* name, Format format, FileModel& m
   return failure ? report_failure(env, failure) : Status{};
 }
 
-/* Names the first family of the file that a problem object does not hold. */
-Status check_families(Environment& env, const char* name, const FileModel& model) {
-  struct Family {
-    bool present;
-    const char* words;
-    int code;
-  };
-  const Family families[] = {
-      {!model.quadratic_objective.empty(), "quadratic objective coefficients", TVK_ERROR_NOT_FOR_QP},
-      {!model.quadratic_rows.empty(), "quadratic constraints", TVK_ERROR_NOT_FOR_QCP},
-      {!model.sets.empty(), "special ordered sets", TVK_ERROR_PROBLEM_TYPE},
-      {!model.indicators.empty(), "indicator constraints", TVK_ERROR_PROBLEM_TYPE},
-      {!model.user_cuts.empty(), "user cuts", TVK_ERROR_PROBLEM_TYPE},
-      {!model.lazy_constraints.empty(), "lazy constraints", TVK_ERROR_PROBLEM_TYPE},
-  };
-  for (const Family& family : families) {
-    if (!family.present) continue;
-    message(env.error_channel, "Problem %s contains %s, which are not supported; not read.\n", name,
-            family.words);
-    return family.code;
-  }
-  return {};
-}
-
-/* The rows, columns and types of the file, ready to be loaded; types that say 'C' only are dropped. */
+/* The file's data, ready to be loaded; types that say 'C' only are dropped. */
 model::ModelData model_data(FileModel&& file, const char* name) {
   const bool continuous = std::ranges::all_of(file.types, [](char type) { return type == 'C'; });
   model::ModelData data;
   data.problem_name = name;
+  data.families = families_of(file);
   data.objective_name = std::move(file.objective_name);
   data.objective_sense = file.objective_sense;
   data.objective_offset = file.objective_offset;
@@ -170,7 +148,6 @@ model::ModelData model_data(FileModel&& file, const char* name) {
 }
 
 Status load_file(Environment& env, Problem& problem, FileModel&& model, const char* name) {
-  if (const Status status = check_families(env, name, model); !status.ok()) return status;
   env.add_work(model.index.size() + model.rhs.size() + model.objective.size());
   return model::load(env, problem, model_data(std::move(model), name));
 }

@@ -1226,14 +1226,16 @@ TVK_API int TVKgetqconstrindex(ConstEnvHandle env, ConstProbHandle lp, const cha
  * With the type given, a file that does not exist is looked for once more with .lp or .mps appended.
  *
  * LP format: an objective after Minimize or Maximize (constants are allowed there), rows after Subject To as
- * "name: 3 x - 2 y <= 4", with two senses ("1 <= x + y <= 4") for ranged rows, then Bounds, Generals, Binaries,
- * Semi-Continuous, SOS and End. A name that comes twice in one expression counts as the sum of its terms. Columns lie
+ * "name: 3 x - 2 y <= 4", with two senses ("1 <= x + y <= 4") for ranged rows and "b = 1 -> x + y <= 4" for indicator
+ * constraints, then Lazy Constraints, User Cuts, Bounds, Generals, Binaries, Semi-Continuous, SOS and End. Quadratic terms
+ * stand in brackets: "[ x ^ 2 + 2 x * y ] / 2" in the objective, without "/ 2" in rows. The problem's type follows from
+ * what the file holds. A name that comes twice in one expression counts as the sum of its terms. Columns lie
  * between 0 and infinity where the file says nothing; rows without a name are called c1, c2 ... by their position.
  *
  * Errors: 1004 filename is NULL; 1421 it is empty; 1423 the file, or its compressor, cannot be read to the end; 1424 the
  * format is unknown (or one that is not read: SAV and network files); 1436-1623 the text is not understood, with the
- * line; 1018, 1022, 1031 the model holds quadratic terms, sets, indicators, cuts or lazy constraints, which a problem
- * object cannot hold; 1023 the problem is a fixed one. On every error the problem is as it was before.
+ * line; 5011, 5012 a quadratic term twice, a matrix that is not symmetric; 1023 the problem is a fixed one. On every error
+ * the problem is as it was before.
  *
  *     status = TVKreadcopyprob(env, lp, "diet.lp.gz", NULL);
  */
@@ -1251,7 +1253,7 @@ TVK_API int TVKreadcopyprob(ConstEnvHandle env, ProbHandle lp, const char *filen
  *
  * Errors, after which the problem is as it was before: the code of the last line's error when the input ends instead of
  * bringing that line again; 1436 "end", or the end of the input, comes before any objective; 1423 standard input cannot
- * be read; 1018, 1022, 1031, 1023 as for TVKreadcopyprob.
+ * be read; 1023 the problem is a fixed one.
  *
  *     status = TVKreadcopystdin(env, lp);
  */
@@ -1389,76 +1391,3 @@ TVK_API int TVKstrongbranch(ConstEnvHandle env, ProbHandle lp, const int *indice
 }
 #endif
 #endif
-/* Writes the problem to a model file.
- *
- * filename  the file. A name that ends in .gz or .bz2 (either case) or .Z is written through the program gzip or bzip2.
- *           The new file replaces an old one only when all of it is on the disk; otherwise the old one stays.
- * filetype  one of "LP", "MPS", "RLP", "RMP", "REW" (either case; at most three characters), or NULL to let the
- *           extension decide, with .gz and its like put aside. R.. writes the names x1, x2 ... and c1, c2 ... in place
- *           of the model's own; REW is RMP.
- *
- * Families of names that the model lacks are made up for the file, with a line on the warning channel. When a name
- * cannot stand in the format, or stands twice, all names of its family are rewritten for the file: forbidden characters
- * replaced and "#" and the position (from 0) appended, with a warning.
- *
- * MPS numbers read back as the same numbers (with TVK_PARAM_MPSLONGNUM 0 they have at most 12 columns); LP numbers have
- * 15 significant digits. In both formats binary columns whose bounds differ count as bounded by 0 and 1; MPS holds no
- * constant of the objective, which becomes a column OBJCONST fixed at 1 (reading the file turns it back).
- *
- * Errors: 1421 no file name; 1422 the file cannot be created; 1424 the type or extension is unknown; 1650 the model holds a
- * number that is not finite; 1803 not all of the file could be written.
- *
- *     status = TVKwriteprob(env, lp, "diet.mps.gz", NULL);
- */
-TVK_API int TVKwriteprob(ConstEnvHandle env, ConstProbHandle lp, const char *filename, const char *filetype);
-
-/* The same as MPS file; as LP file; as LP file with the names x1 ... and c1 .... */
-TVK_API int TVKmpswrite(ConstEnvHandle env, ConstProbHandle lp, const char *filename);
-TVK_API int TVKlpwrite(ConstEnvHandle env, ConstProbHandle lp, const char *filename);
-TVK_API int TVKlprewrite(ConstEnvHandle env, ConstProbHandle lp, const char *filename);
-
-/* Writes the problem to a model file.
- *
- * filename  the file. A name that ends in .gz or .bz2 (either case) or .Z is written through the program gzip or bzip2.
- *           The new file replaces an old one only when all of it is on the disk; otherwise the old one stays.
- * filetype  one of "LP", "MPS", "RLP", "RMP", "REW" (either case; at most three characters), or NULL to let the
- *           extension decide, with .gz and its like put aside. R.. writes the names x1, x2 ... and c1, c2 ... in place
- *           of the model's own; REW is RMP.
- *
- * Families of names that the model lacks are made up for the file, with a line on the warning channel. When a name
- * cannot stand in the format, or stands twice, all names of its family are rewritten for the file: forbidden characters
- * replaced and "#" and the position (from 0) appended, with a warning.
- *
- * MPS numbers read back as the same numbers (with TVK_PARAM_MPSLONGNUM 0 they have at most 12 columns); LP numbers have
- * 15 significant digits. In both formats binary columns whose bounds differ count as bounded by 0 and 1; MPS holds no
- * constant of the objective, which becomes a column OBJCONST fixed at 1 (reading the file turns it back).
- *
- * Errors: 1421 no file name; 1422 the file cannot be created; 1424 the type or extension is unknown; 1650 the model holds a
- * number that is not finite; 1803 not all of the file could be written.
- *
- *     status = TVKwriteprob(env, lp, "diet.mps.gz", NULL);
- */
-TVK_API int TVKwriteprob(ConstEnvHandle env, ConstProbHandle lp, const char *filename, const char *filetype);
-
-/* The same as MPS file; as LP file; as LP file with the names x1 ... and c1 .... */
-TVK_API int TVKmpswrite(ConstEnvHandle env, ConstProbHandle lp, const char *filename);
-TVK_API int TVKlpwrite(ConstEnvHandle env, ConstProbHandle lp, const char *filename);
-TVK_API int TVKlprewrite(ConstEnvHandle env, ConstProbHandle lp, const char *filename);
-
-/* ---- Parameter files ---- */
-
-/* Writes the parameters that differ from their defaults, one on a line, by name. TVKEwriteparam leaves out
- * TVK_PARAM_SCRIND and TVK_PARAM_MIPCBREDLP. Numbers have 15 significant digits. Errors: 1421, 1422, 1803. */
-TVK_API int TVKwriteparam(ConstEnvHandle env, const char *filename);
-TVK_API int TVKEwriteparam(EnvHandle env, const char *filename);
-
-/* Reads such a file: every parameter gets the file's value, or its default where the file does not name it. The file may be
- * compressed, and .prm may be left out of its name. '#' begins a comment. On every error the parameters are as before.
- * Errors: 1421, 1423; with the line: 1434 not a number, 1660 incomplete line, 1661 no header; and those of the setters
- * (1013, 1014, 1015, 1026, 1028, 1807).
- *
- *     TVK_PARAM_TILIM   60      # seconds
- *     TVK_PARAM_WORKDIR "/var/tmp"
- */
-TVK_API int TVKreadcopyparam(EnvHandle env, const char *filename);
-

@@ -201,8 +201,8 @@ TEST_F(LpReader, ErrorsSayWhereAndWhat) {
        "TOVIK Error  1618: Line 3: Exponent 'e4' not started with number.\n"},
       {"min x\nst\n r: x >= 1\n r: x <= 2\nend\n", "TOVIK Error  1447: Line 4: Row 'r' repeats.\n"},
       {"min x\nsos\n s: S3:: x:1\nend\n", "TOVIK Error  1442: Line 3: Unrecognized SOS type: S3.\n"},
-      {"min x\nst\n q: [ x^2 ] <= 2\nend\n",
-       "TOVIK Error  1031: Not available for quadratically constrained programs.\n"},
+      {"min x\nst\n q: [ x^2 ] = 2\nend\n",
+       "TOVIK Error  1437: Line 3: Illegal quadratic constraint sense.\n"},
   };
   for (const LineCase& c : cases) {
     SCOPED_TRACE(c.text);

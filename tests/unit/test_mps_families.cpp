@@ -1,4 +1,4 @@
-/* What the MPS reader makes of the families that a problem does not hold, and that its result does not depend
+/* What the MPS reader makes of the families beyond rows and columns, and that its result does not depend
  * on how the bytes arrive. */
 #include <gtest/gtest.h>
 
