@@ -1259,6 +1259,51 @@ TVK_API int TVKreadcopyprob(ConstEnvHandle env, ProbHandle lp, const char *filen
  */
 TVK_API int TVKreadcopystdin(ConstEnvHandle env, ProbHandle lp);
 
+/* Writes the problem to a model file.
+ *
+ * filename  the file. A name that ends in .gz or .bz2 (either case) or .Z is written through the program gzip or bzip2.
+ *           The new file replaces an old one only when all of it is on the disk; otherwise the old one stays.
+ * filetype  one of "LP", "MPS", "RLP", "RMP", "REW" (either case; at most three characters), or NULL to let the
+ *           extension decide, with .gz and its like put aside. R.. writes the names x1, x2 ... and c1, c2 ... in place
+ *           of the model's own; REW is RMP.
+ *
+ * Families of names that the model lacks are made up for the file, with a line on the warning channel. When a name
+ * cannot stand in the format, or stands twice, all names of its family are rewritten for the file: forbidden characters
+ * replaced and "#" and the position (from 0) appended, with a warning.
+ *
+ * MPS numbers read back as the same numbers (with TVK_PARAM_MPSLONGNUM 0 they have at most 12 columns); LP numbers have
+ * 15 significant digits. In both formats binary columns whose bounds differ count as bounded by 0 and 1; MPS holds no
+ * constant of the objective, which becomes a column OBJCONST fixed at 1 (reading the file turns it back).
+ *
+ * Errors: 1421 no file name; 1422 the file cannot be created; 1424 the type or extension is unknown; 1650 the model holds a
+ * number that is not finite; 1803 not all of the file could be written.
+ *
+ *     status = TVKwriteprob(env, lp, "diet.mps.gz", NULL);
+ */
+TVK_API int TVKwriteprob(ConstEnvHandle env, ConstProbHandle lp, const char *filename, const char *filetype);
+
+/* The same as MPS file; as LP file; as LP file with the names x1 ... and c1 .... */
+TVK_API int TVKmpswrite(ConstEnvHandle env, ConstProbHandle lp, const char *filename);
+TVK_API int TVKlpwrite(ConstEnvHandle env, ConstProbHandle lp, const char *filename);
+TVK_API int TVKlprewrite(ConstEnvHandle env, ConstProbHandle lp, const char *filename);
+
+/* ---- Parameter files ---- */
+
+/* Writes the parameters that differ from their defaults, one on a line, by name. TVKEwriteparam leaves out
+ * TVK_PARAM_SCRIND and TVK_PARAM_MIPCBREDLP. Numbers have 15 significant digits. Errors: 1421, 1422, 1803. */
+TVK_API int TVKwriteparam(ConstEnvHandle env, const char *filename);
+TVK_API int TVKEwriteparam(EnvHandle env, const char *filename);
+
+/* Reads such a file: every parameter gets the file's value, or its default where the file does not name it. The file may be
+ * compressed, and .prm may be left out of its name. '#' begins a comment. On every error the parameters are as before.
+ * Errors: 1421, 1423; with the line: 1434 not a number, 1660 incomplete line, 1661 no header; and those of the setters
+ * (1013, 1014, 1015, 1026, 1028, 1807).
+ *
+ *     TVK_PARAM_TILIM   60      # seconds
+ *     TVK_PARAM_WORKDIR "/var/tmp"
+ */
+TVK_API int TVKreadcopyparam(EnvHandle env, const char *filename);
+
 /* ==== Section: optimizers, bases, rays, sensitivity, quality (lp/dispatch/) ==== */
 
 /* Optimizes a continuous linear problem by the method that TVK_PARAM_LPMETHOD names: 0 automatic, 1 primal simplex, 2 dual
