@@ -25,13 +25,6 @@ bool acceptable(const std::vector<std::string_view>& names, const NameRules& rul
   return std::ranges::all_of(names, fine) && !repeats(names);
 }
 
-std::string rewritten_name(std::string_view name, int position, const NameRules& rules) {
-  const std::string suffix = "#" + std::to_string(position);
-  std::string legal = rules.legal(name);
-  if (legal.size() > kMaxNameLength - suffix.size()) legal.resize(kMaxNameLength - suffix.size());
-  return legal + suffix;
-}
-
 }  // namespace
 
 WriterNames WriterNames::made_up(char letter, int count) {
@@ -87,6 +80,13 @@ bool WriterNames::contains(std::string_view name) const {
 std::string distinct_name(std::string wanted, const WriterNames& names) {
   while (names.contains(wanted)) wanted += '_';
   return wanted;
+}
+
+std::string rewritten_name(std::string_view name, int position, const NameRules& rules) {
+  const std::string suffix = "#" + std::to_string(position);
+  std::string legal = rules.legal(name);
+  if (legal.size() > kMaxNameLength - suffix.size()) legal.resize(kMaxNameLength - suffix.size());
+  return legal + suffix;
 }
 
 std::string single_name(std::string_view name, const NameRules& rules, bool& rewritten) {

@@ -51,6 +51,9 @@ class WriterNames {
 /* `wanted`, with underscores appended until no item of `names` is called so. */
 std::string distinct_name(std::string wanted, const WriterNames& names);
 
+/* The name in its rewritten form. */
+std::string rewritten_name(std::string_view name, int position, const NameRules& rules);
+
 /* One name by itself, such as the objective's: rewritten as item 0 when it is not acceptable. */
 std::string single_name(std::string_view name, const NameRules& rules, bool& rewritten);
 

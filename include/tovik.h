@@ -1304,6 +1304,30 @@ TVK_API int TVKEwriteparam(EnvHandle env, const char *filename);
  */
 TVK_API int TVKreadcopyparam(EnvHandle env, const char *filename);
 
+/* ---- Files about a problem: basis, values, priority order ----
+ * They speak of columns and rows by name: reading one into a problem without names is 1219. Names that cannot stand in such
+ * a file are written as in an MPS file, and found again. Unknown names are warned about and skipped. Each read may leave
+ * out the extension (.bas, .vec, .ord) and changes nothing when it fails. Errors of all: 1421, 1422, 1803 when writing;
+ * 1423, 1434, 1465, 1551, 1553 when reading. */
+
+/* The basis (TVKgetbase), with a line on the results channel. Non-basic free columns are left to the reader. Errors: 1262
+ * no basis, 1555 not one basic variable for each row. */
+TVK_API int TVKmbasewrite(ConstEnvHandle env, ConstProbHandle lp, const char *filename);
+
+/* Makes the file's basis the start of the next optimization (TVKcopybase). Rows of sense 'G' come back as "at upper".
+ * Errors: 1550 a value is missing, 1554 a non-basic variable between its bounds, 1555. */
+TVK_API int TVKreadcopybase(ConstEnvHandle env, ProbHandle lp, const char *filename);
+
+/* The values of the solution: of the columns, slacks, and duals and reduced costs where there are any. Reading makes them
+ * starting values (TVKcopystart). Errors: 1556 no solution, no values in the file. */
+TVK_API int TVKvecwrite(ConstEnvHandle env, ConstProbHandle lp, const char *filename);
+TVK_API int TVKreadcopyvec(ConstEnvHandle env, ProbHandle lp, const char *filename);
+
+/* The priority order (TVKcopyorder). Errors: 3016 no order to write; reading: 1447 a column twice, 1463, 3003, 3006,
+ * 3012 an unknown direction. */
+TVK_API int TVKordwrite(ConstEnvHandle env, ConstProbHandle lp, const char *filename);
+TVK_API int TVKreadcopyorder(ConstEnvHandle env, ProbHandle lp, const char *filename);
+
 /* ==== Section: optimizers, bases, rays, sensitivity, quality (lp/dispatch/) ==== */
 
 /* Optimizes a continuous linear problem by the method that TVK_PARAM_LPMETHOD names: 0 automatic, 1 primal simplex, 2 dual
