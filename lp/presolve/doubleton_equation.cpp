@@ -126,7 +126,9 @@ void undo_doubleton(Record record, Undo& undo) {
   if (collapsed && at != At::basic)
     p.column[k] = at = Undo::own_side(at, p.d[k], tighter_lower, tighter_upper);
   if ((at == At::lower && tighter_lower) || (at == At::upper && tighter_upper)) {
-    p.y[i] += p.d[k] / b;
+    CleanSum y(p.y[i]);
+    y.subtract(-p.d[k] / b);
+    p.y[i] = y.value();
     p.d[j] = -(a / b) * p.d[k];
     p.d[k] = 0;
     p.x[j] = at == At::lower ? at_lower : at_upper;

@@ -65,7 +65,9 @@ void undo_forcing_row(Record record, Undo& undo) {
   for (int k = 0; k < row.length; ++k) {
     const bool equal = row.index[k] < 0;
     const int j = equal ? -row.index[k] - 1 : row.index[k];
-    p.d[j] -= row.value[k] * worst;
+    CleanSum d(p.d[j]);
+    d.subtract(row.value[k] * worst);
+    p.d[j] = d.value();
     if (equal || undo.homogeneous) p.column[j] = Undo::side(p.column[j], p.d[j]);
   }
   p.column[entering] = At::basic;

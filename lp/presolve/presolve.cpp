@@ -83,8 +83,10 @@ std::vector<double> carry_proof(const LpData& original, const Reduction& reducti
   }
   const Matrix& matrix = lp.matrix;
   for (int j = 0; j < matrix.columns; ++j) {
+    CleanSum d(0);
     for (int k = matrix.start[j]; k < matrix.start[j + 1]; ++k)
-      reduced.d[j] -= matrix.value[k] * reduced.y[matrix.index[k]];
+      d.subtract(matrix.value[k] * reduced.y[matrix.index[k]]);
+    reduced.d[j] = d.value();
     reduced.column[j] = Undo::side(At::lower, reduced.d[j]);
   }
   Point point = spread(original, reduction, reduced);
