@@ -30,10 +30,19 @@ void store_rest(Workspace& ws, const Slack& k) {
   }
 }
 
+/* Will the sides that are left hold by themselves, so that the row goes too? */
+bool row_goes(Workspace& ws, const Slack& k, double lower, double upper) {
+  return ws.least_without(k.i, k.s, k.a) >= lower - kExact * std::max(1.0, std::fabs(lower)) &&
+         ws.most_without(k.i, k.s, k.a) <= upper + kExact * std::max(1.0, std::fabs(upper));
+}
+
 bool remove_from_equation(Workspace& ws, const Slack& k, double beta, At at) {
   const double lower = moved(beta, -k.high), upper = moved(beta, -k.low);
-  if (lower == upper || !ws.allow(Rule::slack_column)) return false;
+  if (lower == upper) return false;
   const double price = ws.cost[k.s] / k.a;
+  // Costs on the move spoil the dual simplex' start, which costs more than one column is worth.
+  if (price != 0 && !row_goes(ws, k, lower, upper)) return false;
+  if (!ws.allow(Rule::slack_column)) return false;
   ws.stack.begin(Op::slack_in_equation).integer(k.i).integer(k.s).integer(static_cast<int>(at));
   ws.stack.real(k.a).real(beta).real(price).real(ws.lower[k.s]).real(ws.upper[k.s]);
   store_rest(ws, k);
