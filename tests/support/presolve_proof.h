@@ -1,0 +1,169 @@
+/* Proof of one presolve run on a tiny LP: the reduced problem is equivalent, and each of its optimal bases
+ * comes back as an optimal basis of the original. All in exact arithmetic but presolve itself. */
+#pragma once
+
+#include <algorithm>
+#include <cmath>
+#include <random>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "lp/presolve/presolve.h"
+#include "support/dense_lp.h"
+#include "support/exact_lp.h"
+
+namespace support {
+
+using tovik::lp::Control;
+using tovik::lp::Stop;
+using tovik::lp::presolve::Finding;
+using tovik::lp::presolve::Reduction;
+using tovik::lp::presolve::Rule;
+using tovik::lp::presolve::Settings;
+
+/* Says nothing; asks to stop after a number of polls. */
+class QuietControl : public Control {
+ public:
+  explicit QuietControl(std::int64_t polls = INT64_MAX) : allowed_(polls) {}
+  void log(const char*) override {}
+  void flush() override {}
+  void add_work(std::uint64_t) override {}
+  double seconds() override { return 0; }
+  Stop poll() override { return allowed_-- > 0 ? Stop::none : Stop::user_abort; }
+  Stop poll_clock() override { return poll(); }
+  Stop iteration_callback() override { return poll(); }
+  double random() override { return 0.5; }
+
+ private:
+  std::int64_t allowed_;
+};
+
+struct Tally {
+  long lps = 0, reduced = 0, optimal = 0, verdicts = 0, unproved = 0, bases = 0, unchecked = 0;
+  std::array<long, tovik::lp::presolve::kRules> hits{};
+};
+
+/* Do bounds that cross, or the multipliers of rows, prove that no point is feasible? */
+inline bool proves_infeasible(const LpData& lp, const std::vector<double>& y) {
+  for (int j = 0; j < lp.num_columns(); ++j) {
+    if (lp.lower[j] > lp.upper[j]) return true;
+  }
+  if (y.empty()) return false;
+  double least = 0, most = 0, size = 0;
+  const auto add = [&size](double& sum, double factor, double low, double high) {
+    if (factor == 0) return;
+    sum += factor * (factor > 0 ? low : high);
+    size += std::fabs(factor * (factor > 0 ? low : high));
+  };
+  double largest = 0;
+  for (int i = 0; i < lp.num_rows(); ++i) {
+    add(least, y[i], lp.row_lower[i], lp.row_upper[i]);
+    largest = std::max(largest, std::fabs(y[i]));
+  }
+  for (int j = 0; j < lp.num_columns(); ++j) {
+    double sum = 0, terms = 0;
+    for (int k = lp.matrix.start[j]; k < lp.matrix.start[j + 1]; ++k) {
+      const double term = y[lp.matrix.index[k]] * lp.matrix.value[k];
+      sum += term;
+      terms += std::fabs(term);
+    }
+    if (std::fabs(sum) > 1e-12 * terms) add(most, sum, lp.upper[j], lp.lower[j]);
+  }
+  return least > most + 1e-9 * std::max(size, 1e-3 * largest);
+}
+
+/* Were columns fixed or rows changed because of what their duals are at an optimum, with bounds that other
+ * rows imply? Multipliers of rows alone do not repeat such an argument. */
+inline bool by_reduced_costs(const Reduction& r) {
+  long hits = 0;
+  for (const auto rule :
+       {Rule::dominated_column, Rule::dual_equation, Rule::parallel_columns, Rule::dominated_pair})
+    hits += r.counts.hits[static_cast<size_t>(rule)];
+  return hits > 0;
+}
+
+class PresolveProof {
+ public:
+  Tally tally;
+
+  /* What is wrong; empty when nothing is. */
+  std::string fault(const LpData& lp, const Settings& settings, std::int64_t polls = INT64_MAX) {
+    ++tally.lps;
+    QuietControl control(polls);
+    const Reduction r = tovik::lp::presolve::presolve(lp, settings, control, {}, false);
+    for (size_t k = 0; k < r.counts.hits.size(); ++k) tally.hits[k] += r.counts.hits[k];
+    try {
+      const ExactLp original(lp);
+      if (r.verdict.finding != Finding::none) return verdict_fault(lp, r, original);
+      if (!r.changed) return {};
+      ++tally.reduced;
+      return bases_fault(lp, r, original);
+    } catch (const std::overflow_error&) {
+      ++tally.unchecked;
+      return {};
+    }
+  }
+
+ private:
+  /* The undo of sparsify is promised for bases without one only. */
+  static bool has_basic_equation(const LpData& lp, const std::vector<At>& at) {
+    for (int i = 0; i < lp.num_rows(); ++i) {
+      if (lp.row_lower[i] == lp.row_upper[i] && at[lp.num_columns() + i] == At::basic) return true;
+    }
+    return false;
+  }
+  std::string verdict_fault(const LpData& lp, const Reduction& r, const ExactLp& original) {
+    ++tally.verdicts;
+    if (!r.verdict.primal_infeasible()) return original.has_optimum() ? "called dual infeasible" : "";
+    if (original.feasible()) return "called infeasible";
+    if (proves_infeasible(lp, tovik::lp::presolve::infeasibility_proof(lp, r))) return {};
+    if (by_reduced_costs(r)) {
+      ++tally.unproved;
+      return {};
+    }
+    return "the proof of infeasibility proves nothing";
+  }
+
+  std::string bases_fault(const LpData& lp, const Reduction& r, const ExactLp& original) {
+    std::string fault;
+    Rational best;
+    const auto translate = [&r]() -> std::optional<ExactLp> {
+      try {
+        return ExactLp(r.lp);
+      } catch (const std::domain_error&) {
+        return {};
+      }
+    };
+    const std::optional<ExactLp> reduced = translate();
+    if (!reduced) return "noise in the reduced problem:\n" + describe(r.lp);
+    const int columns = r.lp.num_columns();
+    const bool sparsified = r.counts.hits[static_cast<size_t>(Rule::sparsify)] > 0;
+    const int found = reduced->each_optimal_basis([&](const auto& at, const auto& value, const auto& dual) {
+      if (!fault.empty() || (sparsified && has_basic_equation(r.lp, at))) return;
+      ++tally.bases;
+      Point point;
+      point.column.assign(at.begin(), at.begin() + columns);
+      point.row.assign(at.begin() + columns, at.end());
+      for (int k = 0; k < static_cast<int>(at.size()); ++k) {
+        if (k < columns) point.x.push_back(value[k].real());
+        (k < columns ? point.d : point.y).push_back(dual[k].real());
+      }
+      fault = original.fault(tovik::lp::presolve::postsolve(lp, r, point), &best);
+      if (fault.empty() && !(best == reduced->objective(value)))
+        fault = "objective " + std::to_string(best.real()) + " after undo, " +
+                std::to_string(reduced->objective(value).real()) + " before";
+      if (!fault.empty()) {
+        fault += "\nreduced:\n" + describe(r.lp) + "statuses:";
+        for (const At a : at) fault += " " + std::to_string(static_cast<int>(a));
+        fault += "\n";
+      }
+    });
+    tally.optimal += found > 0;
+    if (found == 0 && original.has_optimum())
+      return "reduced to a problem without an optimum:\n" + describe(r.lp);
+    return fault;
+  }
+};
+
+}  // namespace support
