@@ -25,10 +25,12 @@ constexpr int kMostRaises = 6;
 /* Columns by merit: the smaller the better. */
 using Ranking = std::vector<std::pair<double, int>>;
 
-class Sifting {
+class WorkingSet {
  public:
-  Sifting(const LpData& lp, const Options& options, Control& control)
-      : lp_(lp), options_(options), control_(control) {}
+  WorkingSet(const LpData& lp, const Options& options, Control& control)
+      : lp_(lp), options_(options), control_(control) {
+    options_.sifting = Sifting::never;
+  }
   SiftingResult run();
 
  private:
@@ -71,7 +73,7 @@ class Sifting {
   int raises_ = 0;
 };
 
-SiftingResult Sifting::run() {
+SiftingResult WorkingSet::run() {
   rest_all();
   y_ = approximate_duals(lp_, std::min(kMostLagrangeSteps, lp_.num_rows() / 2), control_);
   set_penalties();
@@ -91,18 +93,18 @@ SiftingResult Sifting::run() {
   return std::move(result_);
 }
 
-void Sifting::move_resting(int j, double sign) {
+void WorkingSet::move_resting(int j, double sign) {
   const double value = sign * resting_value(j);
   if (value != 0) each_entry(j, [&](int i, double a) { rest_[i] += a * value; });
 }
 
-double Sifting::reduced_cost(int j) const {
+double WorkingSet::reduced_cost(int j) const {
   double d = lp_.cost[j];
   each_entry(j, [&](int i, double a) { d -= a * y_[i]; });
   return d;
 }
 
-void Sifting::rest_all() {
+void WorkingSet::rest_all() {
   const auto n = static_cast<size_t>(lp_.num_columns());
   const auto m = static_cast<size_t>(lp_.num_rows());
   is_working_.assign(n, 0);
@@ -123,20 +125,20 @@ void Sifting::rest_all() {
   }
 }
 
-void Sifting::set_penalties() {
+void WorkingSet::set_penalties() {
   double mean = 0;
   for (const double y : y_) mean += std::fabs(y) / static_cast<double>(y_.size());
   for (const double y : y_) penalty_.push_back(kPenalty * (std::fabs(y) + std::max(mean, 1e-3)));
 }
 
-void Sifting::join(int j) {
+void WorkingSet::join(int j) {
   is_working_[j] = 1;
   working_.push_back(j);
   move_resting(j, -1.0);
 }
 
 /* For each row the columns of least reduced cost by the approximate duals, and all columns without bounds. */
-void Sifting::first_columns() {
+void WorkingSet::first_columns() {
   Ranking ranking;
   ranking.reserve(norm_.size());
   for (int j = 0; j < lp_.num_columns(); ++j) ranking.emplace_back(reduced_cost(j) / norm_[j], j);
@@ -151,7 +153,7 @@ void Sifting::first_columns() {
   }
 }
 
-LpData Sifting::working_problem(std::vector<At>& statuses) const {
+LpData WorkingSet::working_problem(std::vector<At>& statuses) const {
   LpData sub;
   const auto add = [&](double cost, double lower, double upper, At at) {
     sub.cost.push_back(cost);
@@ -181,7 +183,7 @@ LpData Sifting::working_problem(std::vector<At>& statuses) const {
   return sub;
 }
 
-Outcome Sifting::solve(Method method) {
+Outcome WorkingSet::solve(Method method) {
   std::vector<At> statuses;
   Solver solver(working_problem(statuses), options_, control_, nullptr);
   if (result_.rounds > 0) solver.set_basis(statuses, result_.row_status);
@@ -205,7 +207,7 @@ Outcome Sifting::solve(Method method) {
 }
 
 /* The resting columns that would improve the working problem most join it; false when none would. */
-bool Sifting::bring_in() {
+bool WorkingSet::bring_in() {
   Ranking found;
   for (int j = 0; j < lp_.num_columns(); ++j) {
     if (is_working_[j] || lp_.lower[j] == lp_.upper[j]) continue;
@@ -226,7 +228,7 @@ bool Sifting::bring_in() {
 }
 
 /* Rows that still miss their sides pay more from now on; false when there are none or it does not help. */
-bool Sifting::raise_penalties() {
+bool WorkingSet::raise_penalties() {
   if (++raises_ > kMostRaises) return false;
   bool any = false;
   for (size_t i = 0; i < misses_.size(); ++i) {
@@ -238,7 +240,7 @@ bool Sifting::raise_penalties() {
 }
 
 /* Sends the worst columns back to rest when the working problem has grown too large. */
-void Sifting::weed() {
+void WorkingSet::weed() {
   const auto most = static_cast<size_t>(kMostPerRow * lp_.num_rows());
   if (working_.size() <= most) return;
   Ranking ranking;
@@ -263,12 +265,12 @@ void Sifting::weed() {
 
 }  // namespace
 
-bool sifting_pays(const LpData& lp) {
-  return lp.num_rows() >= kLeastRows && lp.num_columns() / lp.num_rows() >= kColumnsPerRow;
+bool sifting_pays(int rows, int columns) {
+  return rows >= kLeastRows && columns / rows >= kColumnsPerRow;
 }
 
 SiftingResult sift(const LpData& lp, const Options& options, Control& control) {
-  return Sifting(lp, options, control).run();
+  return WorkingSet(lp, options, control).run();
 }
 
 }  // namespace tovik::lp::simplex

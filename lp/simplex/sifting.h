@@ -25,7 +25,7 @@ struct SiftingResult {
 };
 
 /* Whether the shape of the problem makes sifting promising. */
-bool sifting_pays(const LpData& lp);
+bool sifting_pays(int rows, int columns);
 
 /* lp: minimization form, user's space. Ends early, with what it has, when the control says stop. */
 SiftingResult sift(const LpData& lp, const Options& options, Control& control);

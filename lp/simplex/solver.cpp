@@ -6,6 +6,7 @@
 
 #include "lp/linalg/sum.h"
 #include "lp/simplex/certificates.h"
+#include "lp/simplex/sifting.h"
 #include "lp/simplex/tolerance.h"
 
 namespace tovik::lp::simplex {
@@ -262,6 +263,8 @@ Outcome Solver::solve(Method method) {
     answer_.outcome = Outcome::infeasible;
     return answer_.outcome;
   }
+  // Columns that sifting left out are for the primal to bring in.
+  if (start_by_sifting() && !already_optimal()) method = Method::primal;
   Outcome outcome = Outcome::trouble;
   for (int round = 0; round <= kTightenings; ++round) {
     outcome = run(method);
@@ -284,6 +287,26 @@ Outcome Solver::solve(Method method) {
     core_->has_factor = false;  // a fresh factor for the last digits
   }
   return outcome;
+}
+
+bool Solver::start_by_sifting() {
+  const bool wanted = options_.sifting == Sifting::always ||
+                      (options_.sifting == Sifting::when_it_pays && sifting_pays(core_->m, core_->n));
+  if (has_basis_ || !wanted || core_->m == 0 || core_->n == 0) return false;
+  LpData lp = lp_;
+  lp.matrix.start.assign(1, 0);
+  for (int j = 0; j < core_->n; ++j) {
+    each_entry(j, [&](int i, double a) {
+      lp.matrix.index.push_back(i);
+      lp.matrix.value.push_back(a);
+    });
+    lp.matrix.start.push_back(static_cast<int>(lp.matrix.index.size()));
+  }
+  const SiftingResult found = sift(lp, options_, *core_->control);
+  core_->counters.iterations += found.iterations;
+  if (!found.usable) return false;
+  set_basis(found.column_status, found.row_status);
+  return true;
 }
 
 Outcome Solver::run(Method method) {

@@ -104,6 +104,7 @@ class Solver {
  private:
   Outcome run(Method method);
   bool already_optimal();
+  bool start_by_sifting();
   void settle(int j);
   Outcome run_dual();
   Outcome run_primal();

@@ -24,6 +24,8 @@ enum class Outcome {
   trouble    // numerically stuck: no claim can be verified
 };
 
+enum class Sifting { never, when_it_pays, always };  // as a start where there is no basis
+
 enum class Pricing { automatic, devex, steepest_edge, steepest_edge_unit, dantzig };
 
 struct Options {
@@ -42,6 +44,7 @@ struct Options {
   bool perturb_always = false;  // from the first iteration
   int perturb_after = 0;        // degenerate iterations before perturbing; 0 = automatic
   double perturb_magnitude = 1e-6;
+  Sifting sifting = Sifting::never;
   int scaling = 0;  // -1 none, 0 geometric with equilibration, 1 more passes
   std::uint64_t seed = 1;
   int display = 0;  // 0 none, 1 iteration log, 2 a line per iteration
