@@ -50,6 +50,7 @@ Status clone(Environment& env, Problem& source, std::unique_ptr<Problem>& copy) 
   copy->name = source.name;
   copy->type = source.type;
   copy->model = std::make_unique<model::Model>(*source.model);
+  copy->protected_columns = source.protected_columns;
   return 0;
 }
 

@@ -64,6 +64,7 @@ struct Problem {
   Journal journal;                   // of changes that the simplex engine has yet to follow
   bool factor_current = false;
   std::unique_ptr<Derived> presolve;
+  std::vector<int> protected_columns;  // that presolve must keep: ascending, each once
   std::unique_ptr<Derived> mip;
   std::unique_ptr<Problem> working;  // nested problem solved in this one's place
   std::unique_ptr<Problem> derived;  // second nested problem

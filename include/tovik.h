@@ -1333,8 +1333,10 @@ TVK_API int TVKreadcopyorder(ConstEnvHandle env, ProbHandle lp, const char *file
 /* Optimizes a continuous linear problem by the method that TVK_PARAM_LPMETHOD names: 0 automatic, 1 primal simplex, 2 dual
  * simplex; 3 to 6 run the dual simplex. Leaves a solution and its status in the problem (TVKgetstat, TVKsolution): a
  * limit, infeasibility and unboundedness are statuses, not errors. Starts from the problem's basis when TVK_PARAM_ADVIND is
- * not 0. Errors: 1017 mixed-integer, 1018 and 1031 quadratic problems, 1225 and 1233 data that is not a number or infinite
- * (found here when the data check was off), 1256 singular beyond repair, 1001. */
+ * not 0. Without one, or with TVK_PARAM_ADVIND 0 or 2, and while TVK_PARAM_PREIND is 1, a smaller problem is made and solved
+ * first (see Presolve); solution and basis are those of the problem itself. Errors: 1017 mixed-integer, 1018 and 1031
+ * quadratic problems, 1225 and 1233 data that is not a number or infinite (found here when the data check was off), 1256
+ * singular beyond repair, 1001. */
 TVK_API int TVKlpopt(ConstEnvHandle env, ProbHandle lp);
 
 /* Primal and dual simplex; otherwise as TVKlpopt. */
@@ -1345,6 +1347,81 @@ TVK_API int TVKdualopt(ConstEnvHandle env, ProbHandle lp);
  * infeasible basic variable (column j, or number of columns + i for the slack of row i), or 2100000000 when there is none.
  * Errors: 1004, 1262 no starting basis, 1256 singular basis. */
 TVK_API int TVKcheckpfeas(ConstEnvHandle env, ProbHandle lp, int *infeas_p);
+
+/* ---- Presolve ----
+ * Makes a smaller problem (the reduced problem) that is equivalent: rows and columns go, columns are substituted out, bounds
+ * become tighter. The optimizers do this by themselves and forget it; these routines are for those who want to see or use
+ * the reduced problem, or to map vectors between the two. What TVKpresolve makes stays with the problem, and the optimizers
+ * use it, until TVKfreepresolve, TVKpresolve or a change of the model. A change of bounds, right-hand sides or objective is
+ * carried into the reduced problem when that is safe; otherwise a warning tells that the reduced problem is gone.
+ *
+ * What may be done is set by TVK_PARAM_PREPASS, REDUCE, PRELINEAR, AGGIND, AGGFILL, DEPIND (TVK_PARAM_ each). While hidden
+ * parameter 1043 is 1 (default) the results channel is told what was done; with 0 neither lines nor the error lines of 1101,
+ * 1106, 1117, 1118, 1123 and 9025 are written. The LP callback is called with 7, limits are those of an optimizer.
+ *
+ * For hunting a wrong answer two hidden integer parameters help: 1050 ends presolve after so many reductions (default
+ * 2100000000), 1049 switches rules off, a bit each (default 0).
+ *
+ * Example: the reduced problem of lp, and a point of it in lp's space
+ *   ConstProbHandle small = NULL;
+ *   if (TVKpresolve(env, lp, 0) == 0 && TVKgetredlp(env, lp, &small) == 0 && small != NULL)
+ *     TVKuncrushx(env, lp, x, prex);                      prex: TVKgetnumcols(env, small) values, x: TVKgetnumcols(env, lp) */
+
+/* Presolves a continuous linear problem and keeps the result. method: what will solve the reduced problem, a code of
+ * TVK_PARAM_LPMETHOD (0..6) or one of the letters of TVKhybbaropt and TVKhybnetopt; today it changes nothing. The solution of
+ * the problem is not touched. Errors: 1017, 1018, 1031 not a continuous linear problem, 1292 method, 1225, 1233 data; 1117
+ * proven infeasible, 1118 unbounded, 1101 infeasible or unbounded; 1106 stopped by callback or flag, 1123 and 9025 limits;
+ * 1001 ("Insufficient memory for presolve." on the warning channel). After an error nothing is kept. */
+TVK_API int TVKpresolve(ConstEnvHandle env, ProbHandle lp, int method);
+
+/* Forgets what TVKpresolve made, if anything. Its reduced problem's handle is invalid from then on. */
+TVK_API int TVKfreepresolve(ConstEnvHandle env, ProbHandle lp);
+
+/* *redlp_p: the reduced problem, with the names of the rows and columns that were kept; null when there is none (no
+ * TVKpresolve, or everything was removed). It belongs to lp: it may be queried, written and cloned, but changing, optimizing
+ * or freeing it is refused (1804, 1009). Error: 1004. */
+TVK_API int TVKgetredlp(ConstEnvHandle env, ConstProbHandle lp, ConstProbHandle *redlp_p);
+
+/* What became of rows and columns: an index >= 0 in the reduced problem, or one of */
+#define TVK_PRESTAT_REDUNDANT (-1)   /* row that holds anyway */
+#define TVK_PRESTAT_FIXED (-2)       /* column at a known value */
+#define TVK_PRESTAT_SUBSTITUTED (-3) /* equation that was used up, and the column that it gave */
+#define TVK_PRESTAT_MERGED (-4)      /* parallel to one that stands for both */
+#define TVK_PRESTAT_OTHER (-5)
+/* *prestat_p: 0 not presolved, 1 there is a reduced problem, 2 everything was removed. pcstat, prstat: by column and row of
+ * lp; ocstat, orstat: original index of each column and row of the reduced problem. Any pointer may be null. Error: 1103
+ * when arrays are asked for without TVKpresolve. */
+TVK_API int TVKgetprestat(ConstEnvHandle env, ConstProbHandle lp, int *prestat_p, int *pcstat, int *prstat, int *ocstat,
+                          int *orstat);
+
+/* Original to reduced. x and pi have an entry for each column and row of lp, prex and prepi for each of the reduced problem;
+ * values of what was removed are lost. TVKcrushform: a linear form of len entries becomes *plen_p entries and the constant
+ * *poffset_p, with the same value at x and at its image for every x that TVKuncrushx can give; pind and pval have room for
+ * an entry for each reduced column; 1121 when the form has no image. Errors: 1103 not presolved, 1004, 1003, 1201. */
+TVK_API int TVKcrushx(ConstEnvHandle env, ConstProbHandle lp, const double *x, double *prex);
+TVK_API int TVKcrushpi(ConstEnvHandle env, ConstProbHandle lp, const double *pi, double *prepi);
+TVK_API int TVKcrushform(ConstEnvHandle env, ConstProbHandle lp, int len, const int *ind, const double *val, int *plen_p,
+                         double *poffset_p, int *pind, double *pval);
+
+/* Reduced to original, sizes as above: a feasible prex gives a feasible x of the same objective, optimal prepi give optimal
+ * pi (those of removed rows follow from the signs of the others; for the basis itself optimize lp). TVKqpuncrushpi also
+ * takes the point x of lp, on which the duals of a linear problem do not depend. ind and val have room for an entry for
+ * each column of lp. Errors: 1103, 1004, 1003, 1201. */
+TVK_API int TVKuncrushx(ConstEnvHandle env, ConstProbHandle lp, double *x, const double *prex);
+TVK_API int TVKuncrushpi(ConstEnvHandle env, ConstProbHandle lp, double *pi, const double *prepi);
+TVK_API int TVKqpuncrushpi(ConstEnvHandle env, ConstProbHandle lp, double *pi, const double *prepi, const double *x);
+TVK_API int TVKuncrushform(ConstEnvHandle env, ConstProbHandle lp, int plen, const int *pind, const double *pval, int *len_p,
+                           double *offset_p, int *ind, double *val);
+
+/* Columns that presolve must not remove, for all later runs: replaces the list, cnt 0 empties it. Deleting columns renumbers
+ * it, a new model empties it. The query follows the surplus protocol. Errors: 1003, 1004, 1201, 1207. */
+TVK_API int TVKcopyprotected(ConstEnvHandle env, ProbHandle lp, int cnt, const int *indices);
+TVK_API int TVKgetprotected(ConstEnvHandle env, ConstProbHandle lp, int *cnt_p, int *indices, int space, int *surplus_p);
+
+/* Return the index in lp of column j or row i of the reduced problem; -1 after an error (1103, 1201, 1203), which is
+ * reported. */
+TVK_API int TVKEgetorigcolind(ConstEnvHandle env, ConstProbHandle lp, int j);
+TVK_API int TVKEgetorigrowind(ConstEnvHandle env, ConstProbHandle lp, int i);
 
 /* ---- Bases ----
  * Statuses of columns (cstat, one per column) and of rows (rstat, one per row): */

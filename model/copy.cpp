@@ -127,6 +127,7 @@ Status load(Environment& env, Problem& problem, ModelData&& data) {
   problem.model = std::move(fresh);
   problem.type = type;
   if (!name.empty()) problem.name.swap(name);
+  problem.protected_columns.clear();
   invalidate(problem, Change::whole_problem);
   return {};
 }

@@ -6,6 +6,7 @@
 #include "model/changes.h"
 #include "model/check.h"
 #include "model/problem_type.h"
+#include "model/protected_columns.h"
 #include "model/start_basis.h"
 
 namespace tovik::model {
@@ -157,6 +158,7 @@ Status delete_columns(Environment& env, Problem& problem, int begin, int end) {
   if (begin > end) return {};
   problem.model->delete_columns(begin, end);
   drop_start_columns(problem, begin, end);
+  drop_protected(problem, begin, end);
   invalidate(problem, Change::delete_columns, {Edit::deleted(Edit::Lines::columns, begin, end)});
   return {};
 }
@@ -183,6 +185,7 @@ Status delete_column_set(Problem& problem, int* delstat) {
     const std::span<const int> marks(delstat, static_cast<std::size_t>(count));
     problem.model->delete_marked_columns(marks);
     drop_start_columns(problem, marks);
+    drop_protected(problem, marks);
     invalidate(problem, Change::delete_columns, {Edit::deleted(Edit::Lines::columns, marks)});
   }
   number_the_kept(delstat, count);

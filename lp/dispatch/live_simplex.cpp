@@ -102,6 +102,10 @@ simplex::Options engine_options(const Environment& env) {
   options.perturb_after = s.integer(TVK_PARAM_PERLIM);
   take_number(s.real(TVK_PARAM_EPPER), options.perturb_magnitude);
   options.scaling = s.integer(TVK_PARAM_SCAIND);
+  const int method = s.integer(TVK_PARAM_LPMETHOD);
+  options.sifting = method == 0   ? simplex::Sifting::when_it_pays
+                    : method == 5 ? simplex::Sifting::always
+                                  : simplex::Sifting::never;
   options.seed = static_cast<std::uint64_t>(s.integer(param::kRandomSeed));
   options.display = s.integer(TVK_PARAM_SIMDISPLAY);
   return options;
@@ -138,27 +142,33 @@ void install_start(Environment& env, Problem& problem, LiveSimplex& live) {
   install_basis(problem, live);
 }
 
-void install_basis(Problem& problem, LiveSimplex& live) {
-  if (live.start_is_mine) return;
+BasisStatus starting_basis(const Problem& problem) {
   const model::Model& model = *problem.model;
   const Start& start = problem.start;
-  std::vector<simplex::At> columns(static_cast<size_t>(model.num_columns()), simplex::At::lower);
-  std::vector<simplex::At> rows(static_cast<size_t>(model.num_rows()), simplex::At::basic);
-  for (size_t j = 0; j < columns.size() && j < start.column_status.size(); ++j)
-    columns[j] = column_at(start.column_status[j]);
-  for (size_t i = 0; i < rows.size() && i < start.row_status.size(); ++i) {
+  BasisStatus basis;
+  basis.column.assign(static_cast<size_t>(model.num_columns()), simplex::At::lower);
+  basis.row.assign(static_cast<size_t>(model.num_rows()), simplex::At::basic);
+  for (size_t j = 0; j < basis.column.size() && j < start.column_status.size(); ++j)
+    basis.column[j] = column_at(start.column_status[j]);
+  for (size_t i = 0; i < basis.row.size() && i < start.row_status.size(); ++i) {
     const simplex::At at = column_at(start.row_status[i]);
     // A row's status says on which side of its range it stands; rows with one side have but one place.
     const char sense = model.sense()[i];
-    rows[i] = at == simplex::At::basic || sense == 'R' ? at
-              : sense == 'L'                           ? simplex::At::upper
-                                                       : simplex::At::lower;
+    basis.row[i] = at == simplex::At::basic || sense == 'R' ? at
+                   : sense == 'L'                           ? simplex::At::upper
+                                                            : simplex::At::lower;
   }
-  live.solver.set_basis(columns, rows);
+  return basis;
+}
+
+void install_basis(Problem& problem, LiveSimplex& live) {
+  if (live.start_is_mine) return;
+  const BasisStatus basis = starting_basis(problem);
+  live.solver.set_basis(basis.column, basis.row);
   if (!problem.norms.dual.empty() && problem.norms.dual.size() == problem.norms.head.size()) {
     std::vector<int> head(problem.norms.head);
     for (int& j : head) {
-      if (j < 0) j = model.num_columns() - j - 1;
+      if (j < 0) j = problem.model->num_columns() - j - 1;
     }
     live.solver.set_dual_norms(problem.norms.dual, head);
   }

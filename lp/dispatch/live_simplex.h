@@ -4,6 +4,7 @@
 #pragma once
 
 #include <memory>
+#include <vector>
 
 #include "env/problem.h"
 #include "lp/simplex/solver.h"
@@ -44,6 +45,12 @@ LiveSimplex& live_simplex(Environment& env, Problem& problem, Control& control, 
 void install_start(Environment& env, Problem& problem, LiveSimplex& live);
 /* The starting basis, which the problem must hold. */
 void install_basis(Problem& problem, LiveSimplex& live);
+
+/* The starting basis as engines see it: a row's status is that of its activity. */
+struct BasisStatus {
+  std::vector<simplex::At> column, row;
+};
+BasisStatus starting_basis(const Problem& problem);
 
 /* The engine if there is one that is up to date with a solved problem, else null. */
 LiveSimplex* current_simplex(Problem& problem);

@@ -12,8 +12,7 @@
 #include "lp/dispatch/presolved.h"
 #include "lp/dispatch/simplex_run.h"
 #include "lp/dispatch/user_point.h"
-#include "lp/simplex/certificates.h"
-#include "model/model.h"
+#include "lp/presolve/forward.h"
 
 namespace tovik::lp::dispatch {
 namespace {
@@ -40,24 +39,26 @@ presolve::Point point_of(simplex::Answer answer) {
 class PresolvedRun {
  public:
   PresolvedRun(Environment& env, Problem& problem, simplex::Method method)
-      : env_(env), problem_(problem), method_(method), options_(engine_options(env)) {}
+      : env_(env),
+        problem_(problem),
+        method_(method),
+        options_(engine_options(env)),
+        record_(kept_record(problem)) {}
 
   Status run() {
-    try {
-      record_ = make_presolved(env_, problem_);
-    } catch (const std::bad_alloc&) {
-      message(env_.warning_channel, "Insufficient memory for presolve.\n");
-      return solve_original(method_);
-    }
-    if (env_.settings.integer(TVK_PARAM_SIMDISPLAY) != 0)
-      message(env_.results_channel, "Presolve time = %7.2f sec.\n", record_->seconds);
+    if (record_ == nullptr && !make_record()) return solve_original(method_);
     const presolve::Reduction& reduction = record_->reduction;
-    if (reduction.verdict.finding != presolve::Finding::none) return condemned();
-    if (!reduction.changed && reduction.stop == Stop::none) return solve_original(method_);
+    if (record_->conclusion == Conclusion::infeasible) return publish_infeasible();
+    if (!reduction.changed && reduction.stop == Stop::none) {
+      own_record_.reset();
+      return run_simplex(env_, problem_, method_);
+    }
     const Outcome outcome = solve_reduced();
     switch (outcome) {
       case Outcome::infeasible:
-        return proven(presolve::carry_proof(record_->original, reduction, answer_.farkas))
+        return proves_infeasible(record_->original,
+                                 presolve::carry_proof(record_->original, reduction, answer_.farkas),
+                                 record_->proof)
                    ? publish_infeasible()
                    : solve_original(method_);
       case Outcome::unbounded:
@@ -73,18 +74,24 @@ class PresolvedRun {
   }
 
  private:
-  /* Presolve found out how the problem ends: taken over when it can be proven on the problem's own data. */
-  Status condemned() {
-    return proven(presolve::infeasibility_proof(record_->original, record_->reduction))
-               ? publish_infeasible()
-               : solve_original(method_);
+  bool make_record() {
+    try {
+      own_record_ = make_presolved(env_, problem_);
+    } catch (const std::bad_alloc&) {
+      message(env_.warning_channel, "Insufficient memory for presolve.\n");
+      return false;
+    }
+    record_ = own_record_.get();
+    if (options_.display != 0)
+      message(env_.results_channel, "Presolve time = %7.2f sec.\n", record_->seconds);
+    return true;
   }
 
   /* Fills answer_ with the answer to the reduced problem; where presolve was stopped, with its slack basis.
    */
   Outcome solve_reduced() {
     const presolve::Reduction& reduction = record_->reduction;
-    if (!record_->reduced_problem()) {
+    if (record_->all_removed()) {
       answer_.method = method_;
       return Outcome::optimal;
     }
@@ -93,6 +100,7 @@ class PresolvedRun {
     log.set_origin(reduction.row_map, reduction.column_map);
     simplex::Solver solver(reduction.lp, options_, control, &log);
     set_objective_limits(env_, problem_, solver);
+    if (env_.settings.integer(TVK_PARAM_ADVIND) != 0 && problem_.start.has_basis()) install_crushed(solver);
     Outcome outcome = outcome_of(reduction.stop);
     if (reduction.stop == Stop::none) {
       outcome = solver.solve(method_);
@@ -104,14 +112,12 @@ class PresolvedRun {
     return outcome;
   }
 
-  bool proven(std::vector<double> multipliers) {
-    const LpData& lp = record_->original;
-    if (multipliers.empty()) return false;
-    const auto each = [&lp](int j, auto f) {
-      for (int k = lp.matrix.start[j]; k < lp.matrix.start[j + 1]; ++k)
-        f(lp.matrix.index[k], lp.matrix.value[k]);
-    };
-    return simplex::verify_farkas(lp, each, std::move(multipliers), proof_);
+  /* The problem's starting basis in the reduced problem; the engine completes and repairs it. */
+  void install_crushed(simplex::Solver& solver) const {
+    BasisStatus basis = starting_basis(problem_);
+    const presolve::Basis crushed =
+        presolve::crush_basis(record_->reduction, {std::move(basis.column), std::move(basis.row)});
+    solver.set_basis(crushed.column, crushed.row);
   }
 
   /* answer_ becomes the answer to the problem itself. */
@@ -151,23 +157,25 @@ class PresolvedRun {
                                                   : simplex::At::free);
     answer_ = complete_point(lp, std::move(point));
     answer_.method = method_;
-    answer_.farkas = std::move(proof_.multipliers);
-    answer_.farkas_gap = proof_.gap;
+    answer_.farkas = record_->proof.multipliers;
+    answer_.farkas_gap = record_->proof.gap;
     return finish(status_code(Outcome::infeasible, false));
   }
 
   /* From the point that was brought back. */
   Status go_on(simplex::Method method) {
     leave_engine();
-    record_.reset();
+    own_record_.reset();
     const simplex::Counters counters = beginning_.counters;
     publish(problem_, std::move(answer_), counters);
     beginning_.from_start = true;
     return run_simplex(env_, problem_, method, beginning_);
   }
 
+  /* Presolve did not help: it is gone with what it left. */
   Status solve_original(simplex::Method method) {
-    record_.reset();
+    own_record_.reset();
+    problem_.presolve.reset();
     return run_simplex(env_, problem_, method, beginning_);
   }
 
@@ -184,16 +192,17 @@ class PresolvedRun {
   const simplex::Method method_;
   const simplex::Options options_;
   Beginning beginning_;
-  std::unique_ptr<Presolved> record_;
+  std::unique_ptr<Presolved> own_record_;
+  Presolved* record_;  // the one that the problem keeps, or own_record_
   simplex::Answer answer_;
-  simplex::FarkasProof proof_;
 };
 
 }  // namespace
 
 bool wants_presolve(const Environment& env, const Problem& problem) {
   if (env.settings.integer(TVK_PARAM_PREIND) == 0) return false;
-  return env.settings.integer(TVK_PARAM_ADVIND) == 0 || !problem.start.has_basis();
+  if (kept_record(problem) != nullptr || !problem.start.has_basis()) return true;
+  return env.settings.integer(TVK_PARAM_ADVIND) != 1;
 }
 
 Status run_presolved(Environment& env, Problem& problem, simplex::Method method) {

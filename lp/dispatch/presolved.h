@@ -2,23 +2,49 @@
  * the problem until it is freed, the model changes, or the optimizer that made it ends. */
 #pragma once
 
+#include <memory>
+#include <vector>
+
 #include "env/environment.h"
 #include "env/problem.h"
 #include "lp/presolve/presolve.h"
+#include "lp/simplex/certificates.h"
 
 namespace tovik::lp::dispatch {
 
+enum class Conclusion {
+  reduced,     // the reduced problem stands for the original
+  infeasible,  // proven on the original's data
+  unbounded,
+  undecided,  // infeasible or unbounded
+  stopped     // by a limit or the user; the reduced problem stands for the original nevertheless
+};
+
 struct Presolved : Derived {
   LpData original;  // minimization form
+  double sign = 1;  // -1: the user maximizes
   presolve::Reduction reduction;
+  Conclusion conclusion = Conclusion::reduced;
+  simplex::FarkasProof proof;  // when infeasible
   double seconds = 0;
-  bool reduced_problem() const { return reduction.lp.num_columns() > 0 || reduction.lp.num_rows() > 0; }
+  std::unique_ptr<Problem> reduced;  // the reduced problem as users see it, made when asked for
+  bool all_removed() const { return reduction.lp.num_columns() == 0 && reduction.lp.num_rows() == 0; }
 };
 
 /* What the parameters allow. */
 presolve::Settings presolve_settings(const Environment& env);
 
-/* Runs presolve on a problem whose data were checked; whatever it found is in the record. */
+/* Runs presolve on a problem whose data were checked, and writes its lines while the presolve display is on.
+ */
 std::unique_ptr<Presolved> make_presolved(Environment& env, Problem& problem);
+
+/* 0, or the code of what presolve found out or was stopped by. */
+int outcome_code(const Presolved& presolved);
+
+/* The record that TVKpresolve left with the problem, or null. */
+Presolved* kept_record(const Problem& problem);
+
+/* Multipliers by row of the original, tried on its data. */
+bool proves_infeasible(const LpData& original, std::vector<double> multipliers, simplex::FarkasProof& proof);
 
 }  // namespace tovik::lp::dispatch
