@@ -1,9 +1,9 @@
 #include "lp/presolve/aggregator.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdint>
-#include <queue>
 #include <vector>
 
 #include "lp/presolve/doubleton_equation.h"
@@ -12,17 +12,14 @@
 namespace tovik::lp::presolve {
 namespace {
 
-constexpr std::int64_t kMostKey = 400;      // (row length - 1) * (column length - 1) of a candidate
+constexpr int kMostKey = 400;               // (row length - 1) * (column length - 1) of a candidate
 constexpr std::int64_t kWorkPerEntry = 20;  // of one round
 constexpr int kPollEvery = 256;             // candidates between checkpoints
 constexpr double kPivot = 0.01;
 
 struct Candidate {
-  std::int64_t key;  // product of the lengths without the pivot: bound of the new entries
+  int key;  // product of the lengths without the pivot: bound of the new entries
   int row, column;
-  bool operator<(const Candidate& other) const {
-    return key != other.key ? key > other.key : column > other.column;
-  }
 };
 
 class Aggregator {
@@ -36,12 +33,15 @@ class Aggregator {
     doubletons();
     if (!ws_.enabled(Rule::free_column)) return;
     for (int s = 0; s < ws_.num_columns(); ++s) {
-      if (const Candidate c = candidate(s); c.row >= 0) heap_.push(c);
+      const Candidate c = candidate(s);
+      if (c.row >= 0 && implied_free(ws_, s)) waiting_[c.key].push_back(s);
     }
-    while (!heap_.empty() && go_on()) {
-      const Candidate best = heap_.top();
-      heap_.pop();
-      try_candidate(best);
+    for (int key = 0; key <= kMostKey; ++key) {
+      // The list may not grow meanwhile: who waits on goes to a larger key.
+      for (const int s : waiting_[key]) {
+        if (!go_on()) return;
+        try_column(s, key);
+      }
     }
   }
 
@@ -86,27 +86,26 @@ class Aggregator {
     for (int k = 0; k < length; ++k) largest = std::max(largest, std::fabs(v.value[k]));
     for (int k = 0; k < length; ++k) {
       const int i = v.index[k];
-      const double a = std::fabs(v.value[k]);
+      if (!ws_.equation(i)) continue;
       const std::int64_t key = std::int64_t{ws_.row_length(i) - 1} * (length - 1);
-      if (!ws_.equation(i) || key >= best.key) continue;
+      if (key >= best.key) continue;
+      const double a = std::fabs(v.value[k]);
       if (a < kPivot * largest && a < kPivot * ws_.activity(i).largest) continue;
-      best.key = key;
+      best.key = static_cast<int>(key);
       best.row = i;
     }
     return best;
   }
 
-  void try_candidate(const Candidate& old) {
-    const Candidate c = candidate(old.column);
+  void try_column(int s, int key) {
+    const Candidate c = candidate(s);
     if (c.row < 0) return;
-    if (c.key > old.key) {  // its lines have grown since: it waits for its turn
-      heap_.push(c);
+    if (c.key > key) {  // its lines have grown since: it waits for its turn
+      waiting_[c.key].push_back(s);
       return;
     }
-    if (!implied_free(ws_, c.column)) return;
-    if (!sound_pivot(ws_, c.row, c.column, ws_.entry(c.row, c.column))) return;
-    if (!little_fill(c)) return;
-    substitute_free_column(ws_, c.row, c.column);
+    if (!implied_free(ws_, s) || !sound_pivot(ws_, c.row, s, ws_.entry(c.row, s))) return;
+    if (little_fill(c)) substitute_free_column(ws_, c.row, s);
   }
 
   /* Counts the new entries that meet old ones, only when it matters. */
@@ -129,7 +128,7 @@ class Aggregator {
   Workspace& ws_;
   std::vector<int> mark_;  // rows
   std::int64_t most_work_;
-  std::priority_queue<Candidate> heap_;
+  std::array<std::vector<int>, kMostKey + 1> waiting_;  // columns by key
   int looked_ = 0;
 };
 
