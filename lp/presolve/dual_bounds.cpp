@@ -8,7 +8,7 @@
 namespace tovik::lp::presolve {
 namespace {
 
-constexpr int kVisits = 5;            // of a column, on average
+constexpr int kWorkPerEntry = 12;     // entries touched per entry of the columns that give bounds
 constexpr double kSmallEntry = 1e-3;  // share of a column's largest entry below which no bound is derived
 constexpr double kGain = 1e-3;        // relative improvement that makes a new bound worth having
 constexpr double kLargeDual = 1e8;    // bounds beyond are too coarse to use
@@ -31,7 +31,7 @@ bool bound_implied_strictly(Workspace& ws, int j, bool is_upper) {
     const double implied = is_upper ? ws.implied_upper(v.index[k], j, a) : ws.implied_lower(v.index[k], j, a);
     if (std::fabs(implied) > kLargePrimal) continue;
     if (is_upper ? implied >= bound - margin : implied <= bound + margin) continue;
-    if (std::fabs(a) >= kSmallEntry * ws.row_max(v.index[k])) return true;
+    if (std::fabs(a) >= kSmallEntry * ws.activity(v.index[k]).largest) return true;
   }
   return false;
 }
@@ -81,12 +81,14 @@ void DualBounds::compute(const std::vector<char>& mute) {
   std::fill(gave_.begin(), gave_.end(), 0);
   std::fill(queued_.begin(), queued_.end(), 1);  // muted and unsigned columns are never queued
   queue_.clear();
+  std::int64_t entries = 0;
   for (const int j : order_) {
     if (!ws_.column_alive(j) || (!mute.empty() && mute[j])) continue;
     queue_.push_back(j);
+    entries += ws_.column_length(j);
   }
-  const size_t visits = kVisits * queue_.size();
-  for (size_t k = 0; k < queue_.size() && k < visits && contradiction_ < 0; ++k) {
+  const std::int64_t limit = ws_.work() + kWorkPerEntry * entries;
+  for (size_t k = 0; k < queue_.size() && ws_.work() <= limit && contradiction_ < 0; ++k) {
     queued_[queue_[k]] = 0;
     visit(queue_[k]);
   }
