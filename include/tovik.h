@@ -1331,7 +1331,7 @@ TVK_API int TVKreadcopyorder(ConstEnvHandle env, ProbHandle lp, const char *file
 /* ==== Section: optimizers, bases, rays, sensitivity, quality (lp/dispatch/) ==== */
 
 /* Optimizes a continuous linear problem by the method that TVK_PARAM_LPMETHOD names: 0 automatic, 1 primal simplex, 2 dual
- * simplex; 3 to 6 run the dual simplex. Leaves a solution and its status in the problem (TVKgetstat, TVKsolution): a
+ * simplex, 5 sifting; 3, 4 and 6 run the dual simplex. Leaves a solution and its status in the problem (TVKgetstat, TVKsolution): a
  * limit, infeasibility and unboundedness are statuses, not errors. Starts from the problem's basis when TVK_PARAM_ADVIND is
  * not 0. Without one, or with TVK_PARAM_ADVIND 0 or 2, and while TVK_PARAM_PREIND is 1, a smaller problem is made and solved
  * first (see Presolve); solution and basis are those of the problem itself. Errors: 1017 mixed-integer, 1018 and 1031
@@ -1342,6 +1342,11 @@ TVK_API int TVKlpopt(ConstEnvHandle env, ProbHandle lp);
 /* Primal and dual simplex; otherwise as TVKlpopt. */
 TVK_API int TVKprimopt(ConstEnvHandle env, ProbHandle lp);
 TVK_API int TVKdualopt(ConstEnvHandle env, ProbHandle lp);
+
+/* Sifting: a small working problem of the most promising columns is solved and enlarged until its duals leave no column
+ * out, then the primal simplex makes sure of the answer; otherwise as TVKlpopt. For problems with many more columns than
+ * rows; TVKlpopt begins like this by itself where it promises much. */
+TVK_API int TVKsiftopt(ConstEnvHandle env, ProbHandle lp);
 
 /* Tests the starting basis for primal feasibility within TVK_PARAM_EPRHS: *infeas_p receives the index of the most
  * infeasible basic variable (column j, or number of columns + i for the slack of row i), or 2100000000 when there is none.

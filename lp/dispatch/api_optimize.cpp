@@ -25,6 +25,21 @@ int run(ConstEnvHandle env, ProbHandle lp, Method method) {
   });
 }
 
+/* The method parameter says sifting while this lives. */
+class SiftingAsked {
+ public:
+  explicit SiftingAsked(Environment& env) : env_(env), method_(env.settings.integer(TVK_PARAM_LPMETHOD)) {
+    env_.settings.set_integer(TVK_PARAM_LPMETHOD, 5);
+  }
+  ~SiftingAsked() { env_.settings.set_integer(TVK_PARAM_LPMETHOD, method_); }
+  SiftingAsked(const SiftingAsked&) = delete;
+  SiftingAsked& operator=(const SiftingAsked&) = delete;
+
+ private:
+  Environment& env_;
+  const int method_;
+};
+
 }  // namespace
 
 int TVKdualopt(ConstEnvHandle env, ProbHandle lp) {
@@ -41,8 +56,17 @@ int TVKlpopt(ConstEnvHandle env, ProbHandle lp) {
     const lp::dispatch::OptimizerFrame frame(e);
     int method = lp::dispatch::resolve_method(e, p, true);
     if (method == 6) method = lp::dispatch::resolve_method(e, p, false);
-    // Network, barrier and sifting are answered by the dual simplex.
+    // Network and barrier are answered by the dual simplex; sifting begins either.
     return optimize(e, p, method == 1 ? Method::primal : Method::dual);
+  });
+}
+
+int TVKsiftopt(ConstEnvHandle env, ProbHandle lp) {
+  return with_problem(env, lp, [&](Environment& e, Problem& p) -> Status {
+    if (const Status status = lp::dispatch::check_continuous(p); !status.ok()) return status;
+    const lp::dispatch::OptimizerFrame frame(e);
+    const SiftingAsked asked(e);
+    return optimize(e, p, Method::primal);
   });
 }
 
