@@ -18,6 +18,7 @@ if(CCACHE_PROGRAM)
   set(CMAKE_C_COMPILER_LAUNCHER ${CCACHE_PROGRAM})
 endif()
 find_package(Threads REQUIRED)
+find_package(EXPAT REQUIRED)
 
 # Everything is compiled and linked alike, third-party headers apart, so that sanitizers see the whole program.
 if(TOVIK_SANITIZE)

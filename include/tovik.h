@@ -1328,6 +1328,29 @@ TVK_API int TVKreadcopyvec(ConstEnvHandle env, ProbHandle lp, const char *filena
 TVK_API int TVKordwrite(ConstEnvHandle env, ConstProbHandle lp, const char *filename);
 TVK_API int TVKreadcopyorder(ConstEnvHandle env, ProbHandle lp, const char *filename);
 
+/* ---- Solution and MIP-start files: XML ----
+ * A file has a header, measures of quality, and the values of rows and columns by name and index; TVK_PARAM_WRITELEVEL chooses
+ * the columns: 1 all, 2 those with a type other than 'C', 3 those that are not zero, 4 both. Numbers have 15 significant
+ * digits. Names of bytes that are no UTF-8 make the file declare iso-8859-1 and come back as they were. Reading finds
+ * a column by its name, where the problem has names and the file tells it, else by its index; unknown ones are skipped
+ * with a warning. A file without '<' before its first blank is read as text: a NAME line, "column value" records that
+ * begin with a blank, ENDATA. Each read changes nothing when it fails; .sol and .mst may be left out. Errors of all:
+ * 1421, 1422, 1803 when writing; 1423, 1425 no XML, 1434 when reading. */
+
+/* Writes the current solution, with the basis and the duals that it has. Errors: 1217, 3023 no solution. */
+TVK_API int TVKsolwrite(ConstEnvHandle env, ConstProbHandle lp, const char *filename);
+
+/* Reads the first solution of a file: a start of the next optimization for a continuous problem (TVKcopystart; basis and
+ * values as far as the file has them for all rows and columns), a MIP start for a mixed-integer one. */
+TVK_API int TVKreadcopysol(ConstEnvHandle env, ProbHandle lp, const char *filename);
+
+/* Writes MIP starts begin..end. Errors: 3020 there are none; 1205/1206 and 1200. */
+TVK_API int TVKwritemipstarts(ConstEnvHandle env, ConstProbHandle lp, const char *filename, int begin, int end);
+
+/* Adds the first MIP start of a file, or all of them. Errors: 3003 not a mixed-integer problem. */
+TVK_API int TVKreadcopymipstart(ConstEnvHandle env, ProbHandle lp, const char *filename);
+TVK_API int TVKreadcopymipstarts(ConstEnvHandle env, ProbHandle lp, const char *filename);
+
 /* ==== Section: optimizers, bases, rays, sensitivity, quality (lp/dispatch/) ==== */
 
 /* Optimizes a continuous linear problem by the method that TVK_PARAM_LPMETHOD names: 0 automatic, 1 primal simplex, 2 dual

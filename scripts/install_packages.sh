@@ -3,7 +3,7 @@
 # Usage: scripts/install_packages.sh build|test
 set -euo pipefail
 
-build=(g++ cmake ninja-build libcli11-dev nlohmann-json3-dev bzip2 gzip)
+build=(g++ cmake ninja-build libexpat1-dev libcli11-dev nlohmann-json3-dev bzip2 gzip)
 test=("${build[@]}" git python3 ccache libgtest-dev clang-format-14 pkg-config binutils)
 
 case "${1:-}" in
