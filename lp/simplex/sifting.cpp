@@ -12,7 +12,7 @@ namespace {
 
 /* Below these the dual simplex on all columns is as fast. */
 constexpr int kLeastRows = 100;
-constexpr int kColumnsPerRow = 50;
+constexpr int kColumnsPerRow = 25;
 constexpr int kMostRounds = 200;
 constexpr int kMostLagrangeSteps = 300;
 constexpr int kStartPerRow = 4;      // columns that each row brings into the first working problem
