@@ -4,6 +4,7 @@
 
 #include "lp/presolve/free_row.h"
 #include "lp/presolve/rounds.h"
+#include "lp/presolve/tolerances.h"
 
 namespace tovik::lp::presolve {
 namespace {
@@ -32,12 +33,25 @@ Point spread(const LpData& original, const Reduction& reduction, const Point& re
   return point;
 }
 
+/* Before a rule makes a point of such an interval. */
+void condemn_crossed_bounds(Workspace& ws) {
+  for (int j = 0; j < ws.num_columns(); ++j) {
+    if (ws.lower[j] - ws.upper[j] <= condemn_guard(ws, ws.lower[j])) continue;
+    Verdict verdict;
+    verdict.finding = Finding::column_bounds_cross;
+    verdict.column = j;
+    ws.condemn(std::move(verdict));
+    return;
+  }
+}
+
 }  // namespace
 
 Reduction presolve(const LpData& original, const Settings& settings, Control& control,
                    const std::vector<char>& protected_columns, bool display) {
   Workspace ws(original, settings, control, protected_columns);
   ws.display = display;
+  condemn_crossed_bounds(ws);
   run_rounds(ws);
   control.add_work(static_cast<std::uint64_t>(ws.work()));
   Reduction result;

@@ -52,6 +52,7 @@ TEST_F(RandomLps, AnswersAreProvenAndAgree) {
       int code = 0;
       ProbHandle prob = TVKcreateprob(env_, &code, "random");
       ASSERT_EQ(lp.copy(env_, prob), 0) << "seed " << seed;
+      ASSERT_EQ(TVKsetintparam(env_, TVK_PARAM_PREIND, primal == (seed % 2 == 0)), 0);
       code = primal ? TVKprimopt(env_, prob) : TVKdualopt(env_, prob);
       outcomes[primal] = support::outcome_of(env_, prob, lp, code);
       const std::string wrong = support::check_answer(env_, prob, lp, outcomes[primal]);
