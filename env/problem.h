@@ -35,6 +35,7 @@ struct Start {
   std::vector<int> row_status;
   std::vector<double> primal, row_primal, dual, row_dual;  // optional starting values; empty when absent
   int change_level = 0;  // 2 objective, 3 added columns, 1 other changes; a larger one replaces a smaller
+  const void* keeper = nullptr;  // the engine that keeps the statuses up to date in place, if one does
   bool has_basis() const { return !column_status.empty() || !row_status.empty(); }
 };
 

@@ -1,5 +1,6 @@
 #include "lp/dispatch/live_simplex.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "include/tovik.h"
@@ -39,30 +40,49 @@ simplex::Pricing primal_pricing(int code) {
   }
 }
 
-/* Bounds, right-hand sides and costs that differ from the engine's copy. Matrix changes never get here: they
- * drop it. */
-void follow_changes(const model::Model& model, simplex::Solver& solver) {
-  const LpData& lp = solver.user_lp();
-  const double sign = model.objective_sense();
-  const auto objective = model.objective();
-  const auto lower = model.lower();
-  const auto upper = model.upper();
-  for (int j = 0; j < lp.num_columns(); ++j) {
-    const double low = stored_lower(lower[j]);
-    const double high = stored_upper(upper[j]);
-    if (low != lp.lower[j] || high != lp.upper[j]) solver.change_bounds(j, low, high);
-    const double cost = sign * objective[j];
-    if (cost != lp.cost[j]) solver.change_cost(j, cost);
+/* Bounds, right-hand sides and costs that differ from the engine's copy. */
+class Follower {
+ public:
+  Follower(const model::Model& model, simplex::Solver& solver)
+      : model_(model), solver_(solver), sign_(model.objective_sense()) {}
+
+  void column(int j) {
+    const LpData& lp = solver_.user_lp();
+    const double low = stored_lower(model_.lower()[j]);
+    const double high = stored_upper(model_.upper()[j]);
+    if (low != lp.lower[j] || high != lp.upper[j]) solver_.change_bounds(j, low, high);
+    const double cost = sign_ * model_.objective()[j];
+    if (cost != lp.cost[j]) solver_.change_cost(j, cost);
+    solver_.renew_column(j);
   }
-  const auto rhs = model.rhs();
-  const auto sense = model.sense();
-  const auto range = model.range();
-  for (int i = 0; i < lp.num_rows(); ++i) {
-    const RowBounds b = row_bounds(sense[i], rhs[i], range[i]);
+  void row(int i) {
+    const LpData& lp = solver_.user_lp();
+    const RowBounds b = row_bounds(model_.sense()[i], model_.rhs()[i], model_.range()[i]);
     if (b.lower != lp.row_lower[i] || b.upper != lp.row_upper[i])
-      solver.change_row_bounds(i, b.lower, b.upper);
+      solver_.change_row_bounds(i, b.lower, b.upper);
+    solver_.renew_row(i);  // its slack counts from the right-hand side
   }
-  solver.change_offset(sign * model.objective_offset());
+  void offset() { solver_.change_offset(sign_ * model_.objective_offset()); }
+
+ private:
+  const model::Model& model_;
+  simplex::Solver& solver_;
+  double sign_;
+};
+
+void follow_changes(Problem& problem, LiveSimplex& live) {
+  Follower follow(*problem.model, live.solver);
+  Journal& journal = problem.journal;
+  if (journal.values_lost()) {
+    live.solver.renew_answer();
+    for (int j = 0; j < live.solver.user_lp().num_columns(); ++j) follow.column(j);
+    for (int i = 0; i < live.solver.user_lp().num_rows(); ++i) follow.row(i);
+  } else {
+    for (const int j : journal.columns().touched()) follow.column(j);
+    for (const int i : journal.rows().touched()) follow.row(i);
+  }
+  follow.offset();
+  journal.clear();
 }
 
 simplex::At column_at(int status) {
@@ -114,22 +134,20 @@ simplex::Options engine_options(const Environment& env) {
 LiveSimplex& live_simplex(Environment& env, Problem& problem, Control& control, simplex::Observer* observer) {
   const simplex::Options options = engine_options(env);
   auto* live = static_cast<LiveSimplex*>(problem.simplex.get());
-  const auto fits = [&](const simplex::Solver& solver) {
-    return solver.core().n == problem.model->num_columns() && solver.core().m == problem.model->num_rows() &&
-           solver.num_entries() == problem.model->num_nonzeros();
-  };
-  if (live != nullptr && (live->solver.options().scaling != options.scaling || !fits(live->solver))) {
+  if (live != nullptr && (live->solver.options().scaling != options.scaling || problem.journal.moved())) {
     problem.simplex.reset();
     live = nullptr;
   }
   if (live != nullptr) {
     live->solver.set_control(control, observer);
     live->solver.set_options(options);
-    follow_changes(*problem.model, live->solver);
+    follow_changes(problem, *live);
   } else {
     problem.simplex = std::make_unique<LiveSimplex>(build_lp(*problem.model), options, control, observer);
+    problem.journal.start(problem.rows(), problem.columns());
     live = static_cast<LiveSimplex*>(problem.simplex.get());
   }
+  live->data_checked = false;  // as far as is known here
   return *live;
 }
 
@@ -176,7 +194,49 @@ void install_basis(Problem& problem, LiveSimplex& live) {
 
 LiveSimplex* current_simplex(Problem& problem) {
   auto* live = static_cast<LiveSimplex*>(problem.simplex.get());
-  return live != nullptr && live->start_is_mine ? live : nullptr;
+  return live != nullptr && live->start_is_mine && !problem.journal.moved() ? live : nullptr;
+}
+
+Status check_data(Environment& env, Problem& problem) {
+  const auto* live = static_cast<const LiveSimplex*>(problem.simplex.get());
+  const model::Model& model = *problem.model;
+  const Journal& journal = problem.journal;
+  if (live != nullptr && live->data_checked && !journal.values_lost() && !journal.moved()) {
+    const auto finite_column = [&](int j) {
+      return std::isfinite(model.objective()[j]) && !std::isnan(model.lower()[j]) &&
+             !std::isnan(model.upper()[j]);
+    };
+    const auto finite_row = [&](int i) {
+      return std::isfinite(model.range()[i]) && !std::isnan(model.rhs()[i]);
+    };
+    const auto columns = journal.columns().touched();
+    const auto rows = journal.rows().touched();
+    if (std::all_of(columns.begin(), columns.end(), finite_column) &&
+        std::all_of(rows.begin(), rows.end(), finite_row)) {
+      return {};
+    }
+  }
+  return check_finite(env, model, live == nullptr);
+}
+
+StartIs judge_start(Environment& env, Problem& problem) {
+  LiveSimplex* live = current_simplex(problem);
+  if (live == nullptr || !live->data_checked || !check_data(env, problem).ok()) return StartIs::unknown;
+  if (engine_options(env).scaling != live->solver.options().scaling) return StartIs::unknown;
+  EngineGuard guard(problem);
+  live->solver.set_options(engine_options(env));
+  follow_changes(problem, *live);
+  const simplex::Standing::State state = live->solver.standing();
+  guard.arrived();
+  switch (state) {
+    case simplex::Standing::State::optimal:
+    case simplex::Standing::State::primal_feasible:
+      return StartIs::feasible;
+    case simplex::Standing::State::primal_infeasible:
+      return StartIs::infeasible;
+    default:
+      return StartIs::unknown;
+  }
 }
 
 }  // namespace tovik::lp::dispatch

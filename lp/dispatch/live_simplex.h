@@ -1,6 +1,6 @@
 /* The simplex engine that lives with a problem between optimizations: it keeps scaled model, basis, factor
- * and norms, and follows changes of bounds, right-hand sides and costs so that the next optimization goes on
- * where the last one ended. */
+ * and norms, and follows the changes that the problem's journal names, so that the next optimization goes on
+ * where the last one ended and looks at nothing that has not changed. */
 #pragma once
 
 #include <memory>
@@ -17,6 +17,7 @@ class LiveSimplex : public Derived {
       : solver(std::move(lp), options, control, observer) {}
   simplex::Solver solver;
   bool start_is_mine = false;  // problem.start holds the basis that the engine stands on
+  bool data_checked = false;   // the engine's data are numbers
 };
 
 /* While an engine is on its way from one state to another a failure must not leave it in between: unless it
@@ -54,5 +55,12 @@ BasisStatus starting_basis(const Problem& problem);
 
 /* The engine if there is one that is up to date with a solved problem, else null. */
 LiveSimplex* current_simplex(Problem& problem);
+
+/* 1225 or 1233 for data that no optimizer can work with; looks at no more than what has changed. */
+Status check_data(Environment& env, Problem& problem);
+
+/* Whether the starting basis is primal feasible, where the engine can tell by looking at the changes. */
+enum class StartIs { unknown, feasible, infeasible };
+StartIs judge_start(Environment& env, Problem& problem);
 
 }  // namespace tovik::lp::dispatch

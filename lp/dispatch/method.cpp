@@ -4,6 +4,7 @@
 
 #include "include/tovik.h"
 #include "lp/dispatch/basis_view.h"
+#include "lp/dispatch/live_simplex.h"
 #include "model/model.h"
 
 namespace tovik::lp::dispatch {
@@ -53,6 +54,8 @@ int resolve_method(Environment& env, Problem& problem, bool allow_concurrent) {
   if (threads == 0) threads = std::max(1, thread_limit());
   if (threads >= 2 && env.settings.integer(TVK_PARAM_MEMORYEMPHASIS) == 0 && allow_concurrent) return 6;
   if (env.settings.integer(TVK_PARAM_ADVIND) != 0 && problem.start.has_basis()) {
+    const StartIs known = judge_start(env, problem);
+    if (known != StartIs::unknown) return known == StartIs::feasible ? 1 : 2;
     int worst = 0;
     const Status status = most_infeasible_basic(env, problem, &worst);
     if (status.ok() && worst == kNone) return 1;

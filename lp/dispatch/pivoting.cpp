@@ -56,7 +56,7 @@ void load(simplex::Core& core, int variable, SparseVector& column) {
 /* The moved basis becomes the problem's start; what was solved no longer holds. */
 void adopt(Problem& problem, BasisView& view) {
   view.solver().extract();
-  publish(problem, view.solver().release_answer(), view.solver().core().counters);
+  publish(problem, view.solver());
   problem.solution.reset();
   problem.status = 0;
   static_cast<LiveSimplex*>(problem.simplex.get())->start_is_mine = true;

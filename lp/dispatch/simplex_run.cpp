@@ -1,9 +1,9 @@
 #include "lp/dispatch/simplex_run.h"
 
+#include <span>
 #include <utility>
 
 #include "include/tovik.h"
-#include "lp/dispatch/build_lp.h"
 #include "lp/dispatch/engine_control.h"
 #include "lp/dispatch/iteration_log.h"
 #include "lp/dispatch/live_simplex.h"
@@ -23,11 +23,9 @@ int row_start_code(simplex::At at, char sense) {
   return start_code(simplex::At::lower);
 }
 
-std::vector<double> times(double sign, std::vector<double> values) {
-  if (sign < 0) {
-    for (double& v : values) v = v == 0 ? 0 : -v;
-  }
-  return values;
+/* The user's signs; never -0. */
+double times(double sign, double value) {
+  return value == 0 ? 0 : sign * value;
 }
 
 }  // namespace
@@ -57,36 +55,105 @@ int status_code(simplex::Outcome outcome, bool unscaled_infeasible) {
   }
 }
 
-void publish(Problem& problem, simplex::Answer answer, const simplex::Counters& counters) {
-  const model::Model& model = *problem.model;
-  const double sign = model.objective_sense();
-  auto solution = std::make_unique<Solution>();
-  solution->objective = sign * answer.objective + 0.0;  // never -0
-  solution->x = std::move(answer.x);
-  const auto rhs = model.rhs();
-  solution->slack = std::move(answer.activity);
-  for (size_t i = 0; i < solution->slack.size(); ++i) solution->slack[i] = rhs[i] - solution->slack[i];
-  solution->pi = times(sign, std::move(answer.y));
-  solution->dj = times(sign, std::move(answer.d));
-  solution->method = answer.method == simplex::Method::primal ? 1 : 2;
-  solution->has_basis = true;
-  solution->primal_feasible = answer.primal_feasible;
-  solution->dual_feasible = answer.dual_feasible;
-  solution->iterations = static_cast<int>(counters.iterations);
-  solution->phase1_iterations = static_cast<int>(counters.phase1_iterations);
-  solution->factorizations = static_cast<int>(counters.factorizations);
-  solution->ray = std::move(answer.ray);
-  solution->farkas = std::move(answer.farkas);
-  solution->farkas_gap = answer.farkas_gap;
-  std::vector<int> column_status(answer.column_status.size());
-  std::vector<int> row_status(answer.row_status.size());
-  for (size_t j = 0; j < column_status.size(); ++j) column_status[j] = start_code(answer.column_status[j]);
-  for (size_t i = 0; i < row_status.size(); ++i)
-    row_status[i] = row_start_code(answer.row_status[i], model.sense()[i]);
-  problem.solution = std::move(solution);
-  problem.start.column_status.swap(column_status);
-  problem.start.row_status.swap(row_status);
+namespace {
+
+/* Writes entries of an answer into arrays that have its size. */
+class AnswerWriter {
+ public:
+  AnswerWriter(const model::Model& model, const simplex::Answer& answer, Solution& solution, Start& start)
+      : sign_(model.objective_sense()),
+        rhs_(model.rhs()),
+        sense_(model.sense()),
+        answer_(answer),
+        solution_(solution),
+        start_(start) {}
+
+  void column(int j) {
+    solution_.x[j] = answer_.x[j];
+    solution_.dj[j] = times(sign_, answer_.d[j]);
+  }
+  void row(int i) {
+    solution_.slack[i] = rhs_[i] - answer_.activity[i];
+    solution_.pi[i] = times(sign_, answer_.y[i]);
+  }
+  void column_status(int j) { start_.column_status[j] = start_code(answer_.column_status[j]); }
+  void row_status(int i) { start_.row_status[i] = row_start_code(answer_.row_status[i], sense_[i]); }
+
+ private:
+  double sign_;
+  std::span<const double> rhs_;
+  std::span<const char> sense_;
+  const simplex::Answer& answer_;
+  Solution& solution_;
+  Start& start_;
+};
+
+/* All that is not one entry a row or column. */
+void write_summary(const simplex::Answer& answer, const simplex::Counters& counters, double sign,
+                   Solution& solution) {
+  solution.objective = sign * answer.objective + 0.0;  // never -0
+  solution.method = answer.method == simplex::Method::primal ? 1 : 2;
+  solution.has_basis = true;
+  solution.primal_feasible = answer.primal_feasible;
+  solution.dual_feasible = answer.dual_feasible;
+  solution.iterations = static_cast<int>(counters.iterations);
+  solution.phase1_iterations = static_cast<int>(counters.phase1_iterations);
+  solution.factorizations = static_cast<int>(counters.factorizations);
+  solution.farkas_gap = answer.farkas_gap;
+}
+
+void publish_changes(Problem& problem, const simplex::Solver& solver) {
+  AnswerWriter writer(*problem.model, solver.answer(), *problem.solution, problem.start);
+  for (const int j : solver.changed_columns()) {
+    writer.column(j);
+    writer.column_status(j);
+  }
+  for (const int i : solver.changed_rows()) {
+    writer.row(i);
+    writer.row_status(i);
+  }
+  write_summary(solver.answer(), solver.core().counters, problem.model->objective_sense(), *problem.solution);
+  problem.solution->ray.clear();
+  problem.solution->farkas.clear();
   problem.start.change_level = 0;
+}
+
+}  // namespace
+
+void publish(Problem& problem, const simplex::Answer& answer, const simplex::Counters& counters) {
+  auto solution = std::make_unique<Solution>();
+  Start start;
+  solution->x.resize(answer.x.size());
+  solution->dj.resize(answer.d.size());
+  solution->slack.resize(answer.activity.size());
+  solution->pi.resize(answer.y.size());
+  start.column_status.resize(answer.column_status.size());
+  start.row_status.resize(answer.row_status.size());
+  solution->ray = answer.ray;
+  solution->farkas = answer.farkas;
+  AnswerWriter writer(*problem.model, answer, *solution, start);
+  for (size_t j = 0; j < answer.x.size(); ++j) writer.column(static_cast<int>(j));
+  for (size_t i = 0; i < answer.activity.size(); ++i) writer.row(static_cast<int>(i));
+  for (size_t j = 0; j < answer.column_status.size(); ++j) writer.column_status(static_cast<int>(j));
+  for (size_t i = 0; i < answer.row_status.size(); ++i) writer.row_status(static_cast<int>(i));
+  write_summary(answer, counters, problem.model->objective_sense(), *solution);
+  problem.solution = std::move(solution);
+  problem.start.column_status.swap(start.column_status);
+  problem.start.row_status.swap(start.row_status);
+  problem.start.keeper = nullptr;
+  problem.start.change_level = 0;
+}
+
+void publish(Problem& problem, simplex::Solver& solver) {
+  const bool kept = problem.solution != nullptr && problem.solution->keeper == &solver &&
+                    problem.start.keeper == &solver && !solver.answer_is_new();
+  if (kept) {
+    publish_changes(problem, solver);
+  } else {
+    publish(problem, solver.answer(), solver.core().counters);
+    problem.solution->keeper = problem.start.keeper = &solver;
+  }
+  solver.answer_taken();
 }
 
 void set_objective_limits(const Environment& env, const Problem& problem, simplex::Solver& solver) {
@@ -97,8 +164,7 @@ void set_objective_limits(const Environment& env, const Problem& problem, simple
 }
 
 Status run_simplex(Environment& env, Problem& problem, simplex::Method method, const Beginning& beginning) {
-  const Status finite = check_finite(env, *problem.model, problem.simplex == nullptr);
-  if (!finite.ok()) return finite;
+  if (const Status finite = check_data(env, problem); !finite.ok()) return finite;
   EngineGuard guard(problem);
   EngineControl control(env, problem, 1);
   IterationLog log(env, problem, env.settings.integer(TVK_PARAM_SIMDISPLAY));
@@ -109,8 +175,10 @@ Status run_simplex(Environment& env, Problem& problem, simplex::Method method, c
     install_start(env, problem, live);
   }
   live.start_is_mine = false;  // until this run has ended in order
+  live.data_checked = true;
   set_objective_limits(env, problem, live.solver);
-  live.solver.core().counters = beginning.counters;
+  live.solver.set_counters(beginning.counters);
+  if (env.callbacks.lp != nullptr) live.solver.look_again();  // it is called by the algorithms
   const simplex::Outcome outcome = live.solver.solve(method);
   live.solver.detach();
   if (outcome == simplex::Outcome::singular) return Status(1256);

@@ -19,8 +19,10 @@ Status run_simplex(Environment& env, Problem& problem, simplex::Method method,
 /* Status code of the public table. */
 int status_code(simplex::Outcome outcome, bool unscaled_infeasible);
 
-/* Moves an engine's answer for the problem's model into problem.solution and problem.start. */
-void publish(Problem& problem, simplex::Answer answer, const simplex::Counters& counters);
+/* Writes an answer for the problem's model into problem.solution and problem.start. */
+void publish(Problem& problem, const simplex::Answer& answer, const simplex::Counters& counters);
+/* The same of an engine that stays: what it wrote before is changed in place, where that has changed. */
+void publish(Problem& problem, simplex::Solver& solver);
 
 /* Objective limits are stated in the user's sense; the engine minimizes. */
 void set_objective_limits(const Environment& env, const Problem& problem, simplex::Solver& solver);

@@ -17,6 +17,18 @@ class CompensatedSum {
     add(p);
     error_ += std::fma(a, b, -p);
   }
+  /* a * (to - from) with no more loss than one add_product() has. */
+  struct Difference {
+    Difference(double to, double from) : high(to - from) {
+      const double back = high - to;  // -from, but for rounding
+      low = (to - (high - back)) - (from + back);
+    }
+    double high, low;  // together exactly to - from
+  };
+  void add_product(double a, const Difference& d) {
+    add_product(a, d.high);
+    error_ += a * d.low;
+  }
   double value() const { return sum_ + error_; }
 
  private:

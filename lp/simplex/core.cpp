@@ -122,20 +122,16 @@ void Core::set_basis(const std::vector<At>& status) {
   update_basis_pattern();
 }
 
+At Core::status(int j) const {
+  if (!nonbasic[j]) return At::basic;
+  if (move[j] < 0 || (move[j] == 0 && lower[j] == -kInf && upper[j] != kInf)) return At::upper;
+  return is_free(j) ? At::free : At::lower;
+}
+
 std::vector<At> Core::basis_status() const {
-  std::vector<At> status(static_cast<size_t>(total));
-  for (int j = 0; j < total; ++j) {
-    if (!nonbasic[j]) {
-      status[j] = At::basic;
-    } else if (move[j] < 0 || (move[j] == 0 && lower[j] == -kInf && upper[j] != kInf)) {
-      status[j] = At::upper;
-    } else if (is_free(j)) {
-      status[j] = At::free;
-    } else {
-      status[j] = At::lower;
-    }
-  }
-  return status;
+  std::vector<At> all(static_cast<size_t>(total));
+  for (int j = 0; j < total; ++j) all[j] = status(j);
+  return all;
 }
 
 void Core::update_basis_pattern() {

@@ -94,6 +94,7 @@ class Core {
    * factor. */
   void set_basis(const std::vector<At>& status);
   std::vector<At> basis_status() const;
+  At status(int j) const;
   /* Puts nonbasic j on the bound that `move` prefers or, when `prefer` is 0, the bound nearest to zero. Sets
    * move, value. */
   void place_nonbasic(int j, int prefer);

@@ -1,5 +1,9 @@
 /* One LP, solved by dual or primal simplex, with the answer checked in the user's own space.
  *
+ * A solve that goes on from an optimum first looks at what has changed since (Standing); where nothing needs
+ * to move it costs no more than that. The answer stays in the solver, and who keeps a copy is told which
+ * entries are new.
+ *
  * Takes the model in minimization form, scales it, keeps basis and factor between solves (warm start), orders
  * dual, primal and clean-up runs, verifies each claim on the unscaled data (violations with compensated sums,
  * Farkas certificate, ray) and hands out values, duals, statuses and certificates in the user's space of the
@@ -7,40 +11,20 @@
 #pragma once
 
 #include <memory>
+#include <span>
+#include <utility>
 #include <vector>
 
+#include "lp/simplex/answer.h"
 #include "lp/simplex/core.h"
 #include "lp/simplex/dual.h"
 #include "lp/simplex/observer.h"
 #include "lp/simplex/primal.h"
-#include "lp/simplex/scaling.h"
+#include "lp/simplex/standing.h"
+#include "lp/simplex/user_space.h"
+#include "lp/simplex/user_sums.h"
 
 namespace tovik::lp::simplex {
-
-enum class Method { dual, primal };
-
-/* Largest violations of a point in the user's space, and where. */
-struct Violation {
-  double row = 0, column = 0, dual = 0;
-  int worst_row = -1, worst_column = -1, worst_dual = -1;  // worst_dual: variable, n + i for a row's dual
-  double primal() const { return row > column ? row : column; }
-};
-
-struct Answer {
-  Outcome outcome = Outcome::trouble;
-  bool has_values = false;  // x, activity, y, d, statuses are set
-  bool primal_feasible = false, dual_feasible = false;
-  bool unscaled_infeasible =
-      false;                     // optimal in scaled space, violated by more than the tolerance in the user's
-  Method method = Method::dual;  // of the last run that moved
-  double objective = 0;
-  std::vector<double> x, activity, y, d;
-  std::vector<At> column_status, row_status;  // of a row: the status of its slack-like logical, see below
-  std::vector<double> ray;                    // unbounded: columns
-  std::vector<double> farkas;  // infeasible: y by row with max over the box of y'Ax < min of y'(row bounds)
-  double farkas_gap = 0;       // by which the certificate holds
-  Violation violation;
-};
 
 class Solver {
  public:
@@ -67,24 +51,43 @@ class Solver {
 
   Outcome solve(Method method);
   const Answer& answer() const { return answer_; }
-  Answer release_answer() { return std::move(answer_); }
-  Core& core() { return *core_; }
+  Answer release_answer() {
+    standing_.forget();
+    return std::move(answer_);
+  }
+  /* What is known of the present basis and model before a solve: looks at changes only. */
+  Standing::State standing();
+  /* Entries of the answer that the last solves may have changed: all of them, or those that the standing
+   * names, until answer_taken(). */
+  bool answer_is_new() const { return answer_is_new_; }
+  std::span<const int> changed_columns() const { return standing_.columns(); }
+  std::span<const int> changed_rows() const { return standing_.rows(); }
+  void answer_taken();
+  /* A copy may be wrong in these entries although the answer is the same. */
+  void renew_column(int j) { standing_.renew_column(j); }
+  void renew_row(int i) { standing_.renew_row(i); }
+  void renew_answer() { answer_is_new_ = true; }
+
+  /* Whoever may move the core takes it as it is: the next solve looks at everything again. */
+  Core& core() {
+    standing_.forget();
+    return *core_;
+  }
   const Core& core() const { return *core_; }
-  Dual& dual();  // made when first asked for
-  Primal& primal();
-  const Scaling& scaling() const { return scaling_; }
+  Dual& dual() {
+    standing_.forget();
+    return the_dual();
+  }
+  const std::vector<double>& dual_norms() const { return dual_->norms().view(); }  // where has_dual_norms()
+  void set_counters(const Counters& counters) { core_->counters = counters; }
+  void look_again() { standing_.forget(); }  // the next solve must run its algorithm
+
+  const UserSpace& user() const { return user_; }
   /* Vectors in the user's space; its matrix has sizes but no entries, see each_entry. */
-  const LpData& user_lp() const { return lp_; }
-  /* f(row, value) for the entries of column j in the user's space: scale factors are powers of two, so
-   * nothing is lost. */
+  const LpData& user_lp() const { return user_.lp; }
   template <class F>
   void each_entry(int j, F f) const {
-    const Matrix& matrix = core_->lp.matrix;
-    const double c = 1.0 / column_scale(j);
-    for (int k = matrix.start[j]; k < matrix.start[j + 1]; ++k) {
-      const int i = matrix.index[k];
-      f(i, scaling_.active() ? matrix.value[k] * c / scaling_.row[i] : matrix.value[k]);
-    }
+    user_.each_entry(j, f);
   }
   std::int64_t num_entries() const { return static_cast<std::int64_t>(core_->lp.matrix.index.size()); }
 
@@ -96,16 +99,19 @@ class Solver {
 
   /* Factor of the present basis, made when there is none. False when the basis is singular. */
   bool ensure_factor();
-  double column_scale(int j) const { return scaling_.active() ? scaling_.column[j] : 1.0; }
-  double row_scale(int i) const { return scaling_.active() ? scaling_.row[i] : 1.0; }
+  double column_scale(int j) const { return user_.column_scale(j); }
+  double row_scale(int i) const { return user_.row_scale(i); }
   /* Fills the answer's values, duals and violations from the core's present point. */
   void extract();
 
  private:
+  Dual& the_dual();  // made when first asked for
+  Primal& the_primal();
+  bool stands(Method method);
   Outcome run(Method method);
   bool already_optimal();
   bool start_by_sifting();
-  void settle(int j);
+  void place_again(int j);
   Outcome run_dual();
   Outcome run_primal();
   bool verify_infeasible(const std::vector<double>& scaled_row);
@@ -113,15 +119,19 @@ class Solver {
   void prepare();
   bool bounds_cross();
 
-  LpData lp_;
-  Scaling scaling_;
   Options options_;
+  UserSpace user_;
   std::unique_ptr<Core> core_;
   std::unique_ptr<Dual> dual_;
   std::unique_ptr<Primal> primal_;
   bool has_basis_ = false;
   bool keep_norms_ = false;
   Answer answer_;
+  UserSums sums_;
+  Standing standing_;
+  bool answer_is_new_ = true;
+  bool values_are_fresh_ = false;  // computed from the model's own bounds and costs, and not moved since
+  bool known_infeasible_ = false;  // the start of this solve, by the look at the changes
 };
 
 /* Violations of a primal-dual point of lp; statuses tell which sign of d is wrong. Compensated sums. */

@@ -1,0 +1,227 @@
+#include "lp/simplex/standing.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace tovik::lp::simplex {
+namespace {
+
+constexpr double kStrict = 1e-9;  // violations of touched entries beyond this are for the algorithms to judge
+constexpr double kResidual = 1e-8;  // largest disagreement between the user's sums and the engine's values
+constexpr int kRefreshes = 500;     // refreshes between two complete extractions
+constexpr int kLeastTouched = 64;   // changes that are always followed one by one
+constexpr int kTouchedShare = 10;   // beyond them, one variable in so many
+
+/* By how much a value misses its bounds. */
+double outside(double value, double low, double high) {
+  return std::max(low - value, value - high);
+}
+
+/* Wrong-signed part of a nonbasic variable's reduced cost. */
+double wrong_sign(double d, At status, bool fixed) {
+  if (fixed) return 0;
+  if (status == At::lower) return -d;
+  if (status == At::upper) return d;
+  return std::fabs(d);
+}
+
+}  // namespace
+
+void Standing::settle(const Options& options) {
+  const auto most = static_cast<size_t>(std::max(kLeastTouched, core_.total / kTouchedShare));
+  forget();
+  shift_.resize(core_.m);
+  cost_shift_.resize(core_.m);
+  rows_.resize(core_.m);
+  columns_.resize(core_.n);
+  is_touched_.assign(static_cast<size_t>(core_.total), 0);
+  touched_.clear();
+  touched_.reserve(most);
+  position_.assign(static_cast<size_t>(core_.total), -1);
+  find_positions();
+  primal_tolerance_ = options.primal_tolerance;
+  dual_tolerance_ = options.dual_tolerance;
+  refreshes_ = 0;
+  state_ = State::optimal;
+}
+
+void Standing::find_positions() {
+  for (int p = 0; p < core_.m; ++p) position_[core_.head[p]] = p;
+}
+
+void Standing::note(int j) {
+  if (!holds() || is_touched_[j]) return;
+  if (touched_.size() == touched_.capacity()) return forget();
+  is_touched_[j] = 1;
+  touched_.push_back({j, core_.value[j], j < core_.n ? user_.lp.cost[j] : 0.0});
+}
+
+bool Standing::needs_factor() const {
+  return holds() && std::any_of(touched_.begin(), touched_.end(), [&](const Touched& t) {
+           return core_.nonbasic[t.variable] ? core_.value[t.variable] != t.value
+                                             : t.variable < core_.n && user_.lp.cost[t.variable] != t.cost;
+         });
+}
+
+bool Standing::follows(const Options& options) const {
+  return state_ == State::optimal && options.primal_tolerance == primal_tolerance_ &&
+         options.dual_tolerance == dual_tolerance_ && refreshes_ < kRefreshes;
+}
+
+bool Standing::bounds_cross() const {
+  return std::any_of(touched_.begin(), touched_.end(),
+                     [&](const Touched& t) { return !(core_.lower[t.variable] <= core_.upper[t.variable]); });
+}
+
+Standing::State Standing::refresh(const Options& options) {
+  if (touched_.empty() && holds() && options.primal_tolerance == primal_tolerance_ &&
+      options.dual_tolerance == dual_tolerance_) {
+    return state_;
+  }
+  if (!follows(options) || bounds_cross() || (needs_factor() && !core_.has_factor)) {
+    forget();
+    return state_;
+  }
+  ++refreshes_;
+  move_costs();
+  move_values();
+  for (const Touched& t : touched_) {
+    const int j = t.variable;
+    is_touched_[j] = 0;
+    j < core_.n ? sums_.columns().add(j) : sums_.rows().add(j - core_.n);
+  }
+  touched_.clear();
+  state_ = judge(options);
+  core_.charge(sums_.take_work());
+  return state_;
+}
+
+double Standing::user_value(int j) const {
+  return core_.nonbasic[j] ? user_.nonbasic_value(j) : core_.x[position_[j]] * user_.column_scale(j);
+}
+
+void Standing::move_column(int j, double value) {
+  sums_.move_x(j, answer_.x[j], value);
+  answer_.x[j] = value;
+}
+
+/* Reduced costs follow from the duals: the user's sums give them when the columns are judged. */
+void Standing::move_costs() {
+  cost_shift_.clear();
+  for (const Touched& t : touched_) {
+    const int j = t.variable;
+    if (j >= core_.n || user_.lp.cost[j] == t.cost) continue;
+    core_.work_cost[j] = core_.cost[j];
+    sums_.change_cost(j, t.cost, user_.lp.cost[j], answer_.x[j]);
+    if (core_.nonbasic[j]) continue;
+    const int p = position_[j];
+    cost_shift_.array[p] = core_.cost[j] - t.cost * user_.column_scale(j);
+    cost_shift_.index[cost_shift_.count++] = p;
+  }
+  if (cost_shift_.count == 0) return;
+  core_.btran(cost_shift_, cost_density_);
+  const auto move = [&](int i) {
+    const double change = cost_shift_.array[i];
+    if (change == 0 || !core_.nonbasic[core_.n + i]) return;
+    core_.d[core_.n + i] -= change;
+    const double y = -core_.d[core_.n + i] * user_.row_scale(i);
+    sums_.move_y(i, answer_.y[i], y);
+    answer_.y[i] = y;
+  };
+  for (int k = 0; k < cost_shift_.count; ++k) move(cost_shift_.index[k]);
+  for (int i = 0; cost_shift_.count < 0 && i < core_.m; ++i) move(i);
+}
+
+void Standing::move_values() {
+  shift_.clear();
+  for (const Touched& t : touched_) {
+    const int j = t.variable;
+    if (!core_.nonbasic[j]) {
+      core_.x_lower[position_[j]] = core_.lower[j];
+      core_.x_upper[position_[j]] = core_.upper[j];
+    } else if (core_.value[j] != t.value) {
+      core_.add_column(j, t.value - core_.value[j], shift_);
+      if (j < core_.n) move_column(j, user_value(j));
+    }
+  }
+  if (shift_.count == 0) return;
+  core_.ftran(shift_, value_density_);
+  const auto move = [&](int p) {
+    if (shift_.array[p] == 0) return;
+    const int j = core_.head[p];
+    core_.x[p] += shift_.array[p];
+    j < core_.n ? move_column(j, user_value(j)) : sums_.rows().add(j - core_.n);
+  };
+  for (int k = 0; k < shift_.count; ++k) move(shift_.index[k]);
+  for (int p = 0; shift_.count < 0 && p < core_.m; ++p) move(p);
+}
+
+void Standing::judge_column(int j, Findings& found) {
+  const double scale = user_.column_scale(j);
+  const double x = answer_.x[j];
+  const double d = user_.lp.cost[j] - sums_.dual_sum(j);
+  const At status = core_.status(j);
+  answer_.d[j] = d;
+  answer_.column_status[j] = status;
+  found.user_primal = std::max(found.user_primal, outside(x, user_.lp.lower[j], user_.lp.upper[j]));
+  if (status == At::basic) {
+    const int p = position_[j];
+    found.primal = std::max(found.primal, outside(core_.x[p], core_.x_lower[p], core_.x_upper[p]));
+    found.residual = std::max(found.residual, std::fabs(d) * scale);
+    found.user_dual = std::max(found.user_dual, std::fabs(d));
+    return;
+  }
+  core_.d[j] = d * scale;
+  const double wrong = wrong_sign(d, status, user_.lp.lower[j] == user_.lp.upper[j]);
+  found.dual = std::max(found.dual, wrong * scale);
+  found.user_dual = std::max(found.user_dual, wrong);
+}
+
+void Standing::judge_row(int i, Findings& found) {
+  const int j = core_.n + i;
+  const double activity = sums_.activity(i);
+  const double scaled = activity * user_.row_scale(i);
+  const At status = core_.status(j);
+  answer_.activity[i] = activity;
+  answer_.row_status[i] = activity_status(status);
+  found.user_primal =
+      std::max(found.user_primal, outside(activity, user_.lp.row_lower[i], user_.lp.row_upper[i]));
+  if (status == At::basic) {
+    const int p = position_[j];
+    found.primal = std::max(found.primal, outside(core_.x[p], core_.x_lower[p], core_.x_upper[p]));
+    found.residual = std::max(found.residual, std::fabs(scaled + core_.x[p]));
+    found.user_dual = std::max(found.user_dual, std::fabs(answer_.y[i]));
+    return;
+  }
+  found.residual = std::max(found.residual, std::fabs(scaled + core_.value[j]));
+  const bool fixed = user_.lp.row_lower[i] == user_.lp.row_upper[i];
+  found.dual = std::max(found.dual, wrong_sign(core_.d[j], status, fixed));
+  found.user_dual = std::max(found.user_dual, wrong_sign(answer_.y[i], answer_.row_status[i], fixed));
+}
+
+Standing::State Standing::judge(const Options& options) {
+  Findings found;
+  for (const int j : sums_.columns().view()) {
+    judge_column(j, found);
+    columns_.add(j);
+  }
+  for (const int i : sums_.rows().view()) {
+    judge_row(i, found);
+    rows_.add(i);
+  }
+  sums_.columns().clear();
+  sums_.rows().clear();
+  answer_.objective = sums_.objective();
+  if (!(found.residual <= kResidual)) return State::unknown;
+  if (found.user_primal > options.primal_tolerance) return State::primal_infeasible;
+  if (!(found.primal <= kStrict)) return State::unknown;
+  const bool dual = found.dual <= kStrict && found.user_dual <= options.dual_tolerance;
+  return dual ? State::optimal : State::primal_feasible;
+}
+
+void Standing::taken() {
+  columns_.clear();
+  rows_.clear();
+}
+
+}  // namespace tovik::lp::simplex

@@ -1,0 +1,60 @@
+#include "lp/simplex/user_sums.h"
+
+#include <utility>
+
+namespace tovik::lp::simplex {
+
+void UserSums::compute(const std::vector<double>& x, const std::vector<double>& y) {
+  const int n = space_.lp.num_columns();
+  const int m = space_.lp.num_rows();
+  activity_.assign(static_cast<size_t>(m), CompensatedSum{});
+  dual_sum_.assign(static_cast<size_t>(n), CompensatedSum{});
+  objective_ = CompensatedSum{};
+  for (int j = 0; j < n; ++j) {
+    CompensatedSum& dual = dual_sum_[j];
+    const double at = x[j];
+    if (at == 0) {
+      space_.each_entry(j, [&](int i, double a) { dual.add_product(a, y[i]); });
+    } else {
+      space_.each_entry(j, [&](int i, double a) {
+        dual.add_product(a, y[i]);
+        activity_[i].add_product(a, at);
+      });
+      objective_.add_product(space_.lp.cost[j], at);
+    }
+  }
+  rows_.resize(m);
+  columns_.resize(n);
+}
+
+void UserSums::move_x(int j, double from, double to) {
+  const CompensatedSum::Difference change(to, from);
+  space_.each_entry(j, [&](int i, double a) {
+    activity_[i].add_product(a, change);
+    rows_.add(i);
+  });
+  objective_.add_product(space_.lp.cost[j], change);
+  columns_.add(j);
+  work_ += space_.column_length(j);
+}
+
+void UserSums::move_y(int i, double from, double to) {
+  const CompensatedSum::Difference change(to, from);
+  space_.each_row_entry(i, [&](int j, double a) {
+    dual_sum_[j].add_product(a, change);
+    columns_.add(j);
+  });
+  rows_.add(i);
+  work_ += space_.core->rows.row_length(i);
+}
+
+void UserSums::change_cost(int j, double from, double to, double x) {
+  objective_.add_product(x, CompensatedSum::Difference(to, from));
+  columns_.add(j);
+}
+
+std::int64_t UserSums::take_work() {
+  return std::exchange(work_, 0);
+}
+
+}  // namespace tovik::lp::simplex

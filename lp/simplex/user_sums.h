@@ -1,0 +1,45 @@
+/* Sums over the user's model at a point (x, y): the rows' activities A x, the columns' dual sums A'y, the
+ * objective.
+ *
+ * Holds     each sum with the error of every operation carried along, so that it stays as good as a fresh one
+ * while single values move: m + n sums of 16 bytes. Order     compute() for a new point; move_x(), move_y(),
+ * change_cost() for single differences. Marks     rows() and columns() list what a difference has touched
+ * since the last clear_marks(): a row's activity, a column's x, cost or dual sum, a row's y. Cost      of a
+ * difference: the entries of the column or row. */
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "lp/linalg/sum.h"
+#include "lp/simplex/marked_list.h"
+#include "lp/simplex/user_space.h"
+
+namespace tovik::lp::simplex {
+
+class UserSums {
+ public:
+  explicit UserSums(const UserSpace& space) : space_(space) {}
+
+  void compute(const std::vector<double>& x, const std::vector<double>& y);
+  void move_x(int j, double from, double to);
+  void move_y(int i, double from, double to);
+  void change_cost(int j, double from, double to, double x);
+
+  double activity(int i) const { return activity_[i].value(); }
+  double dual_sum(int j) const { return dual_sum_[j].value(); }
+  double objective() const { return objective_.value() + space_.lp.offset; }
+
+  MarkedList& rows() { return rows_; }
+  MarkedList& columns() { return columns_; }
+  std::int64_t take_work();  // entries touched since the last call
+
+ private:
+  const UserSpace& space_;
+  std::vector<CompensatedSum> activity_, dual_sum_;
+  CompensatedSum objective_;  // without the offset
+  MarkedList rows_, columns_;
+  std::int64_t work_ = 0;
+};
+
+}  // namespace tovik::lp::simplex
