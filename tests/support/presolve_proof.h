@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "lp/presolve/forward.h"
 #include "lp/presolve/presolve.h"
 #include "support/dense_lp.h"
 #include "support/exact_lp.h"
@@ -83,6 +84,30 @@ inline bool by_reduced_costs(const Reduction& r) {
   return hits > 0;
 }
 
+/* The way there against the way back: points and duals return, and a form has the same value on both sides.
+ */
+inline std::string crush_fault(const Reduction& r, const Point& reduced, const Point& undone) {
+  namespace presolve = tovik::lp::presolve;
+  const auto differs = [](double a, double b) { return std::fabs(a - b) > 1e-9 * (1 + std::fabs(a)); };
+  const std::vector<double> x = presolve::crush_point(r, undone.x), y = presolve::crush_duals(r, undone.y);
+  for (size_t k = 0; k < x.size(); ++k) {
+    if (differs(x[k], reduced.x[k])) return "crushed point, reduced column " + std::to_string(k);
+  }
+  for (size_t k = 0; k < y.size(); ++k) {
+    if (differs(y[k], reduced.y[k])) return "crushed duals, reduced row " + std::to_string(k);
+  }
+  presolve::Form form;
+  double value = 0;
+  for (size_t j = 0; j < undone.x.size(); ++j) {
+    form.coefficients.push_back(static_cast<double>((j * 7 + 3) % 5) - 2);
+    value += form.coefficients[j] * undone.x[j];
+  }
+  if (!presolve::crush_form(r, form)) return {};
+  double image = form.constant;
+  for (size_t k = 0; k < x.size(); ++k) image += form.coefficients[k] * reduced.x[k];
+  return differs(value, image) ? "crushed form" : "";
+}
+
 class PresolveProof {
  public:
   Tally tally;
@@ -149,7 +174,9 @@ class PresolveProof {
         if (k < columns) point.x.push_back(value[k].real());
         (k < columns ? point.d : point.y).push_back(dual[k].real());
       }
-      fault = original.fault(tovik::lp::presolve::postsolve(lp, r, point), &best);
+      const Point undone = tovik::lp::presolve::postsolve(lp, r, point);
+      fault = original.fault(undone, &best);
+      if (fault.empty()) fault = crush_fault(r, point, undone);
       if (fault.empty() && !(best == reduced->objective(value)))
         fault = "objective " + std::to_string(best.real()) + " after undo, " +
                 std::to_string(reduced->objective(value).real()) + " before";
