@@ -97,7 +97,7 @@ void condemn_contradiction(Workspace& ws) {
 
 bool use_dual_bounds(Workspace& ws) {
   const bool columns = ws.enabled(Rule::dominated_column), rows = ws.enabled(Rule::dual_equation);
-  if (!ws.settings.dual || ws.done() || (!columns && !rows)) return false;
+  if (ws.done() || (!columns && !rows)) return false;
   DualBounds bounds(ws, true);
   bounds.compute({});
   if (bounds.contradiction() >= 0) {

@@ -75,7 +75,7 @@ Locks locks_of(Workspace& ws, int j) {
 }
 
 bool fix_by_signs(Workspace& ws, int j) {
-  if (!ws.settings.dual || ws.is_protected(j) || !ws.enabled(Rule::dual_fixing)) return false;
+  if (ws.is_protected(j) || !ws.enabled(Rule::dual_fixing)) return false;
   const double c = ws.cost[j];
   const Locks locks = locks_of(ws, j);
   const bool down = !locks.down && c >= 0, up = !locks.up && c <= 0;

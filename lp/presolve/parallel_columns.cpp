@@ -100,7 +100,7 @@ bool settle_bucket(Workspace& ws, const HashedLine* begin, const HashedLine* end
 }  // namespace
 
 bool merge_parallel_columns(Workspace& ws) {
-  if (!ws.enabled(Rule::parallel_columns) || !ws.settings.dual || ws.done()) return false;
+  if (!ws.enabled(Rule::parallel_columns) || ws.done()) return false;
   std::vector<HashedLine> lines;
   for (int j = 0; j < ws.num_columns(); ++j) {
     if (!ws.column_alive(j) || ws.column_length(j) == 0 || ws.lower[j] >= ws.upper[j]) continue;

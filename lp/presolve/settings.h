@@ -40,6 +40,16 @@ inline constexpr std::uint32_t kAllRules = (std::uint32_t{1} << kRules) - 1;
  * back ends at a basis that needs pivots. */
 inline constexpr std::uint32_t kDefaultRules = kAllRules & ~rule_bit(Rule::sparsify);
 
+/* The others keep every feasible point. Empty rows and fixed columns go whatever is allowed, and the
+ * aggregator has a switch of its own. */
+inline constexpr std::uint32_t kDualRules =
+    rule_bit(Rule::empty_column) | rule_bit(Rule::dual_fixing) | rule_bit(Rule::dominated_column) |
+    rule_bit(Rule::parallel_columns) | rule_bit(Rule::zero_cost_column) | rule_bit(Rule::dual_equation) |
+    rule_bit(Rule::dominated_pair);
+inline constexpr std::uint32_t kPrimalRules =
+    kAllRules & ~(kDualRules | rule_bit(Rule::empty_row) | rule_bit(Rule::fixed_column) |
+                  rule_bit(Rule::doubleton_equation) | rule_bit(Rule::free_column));
+
 struct Settings {
   int passes = -1;           // rounds of the outer loop: -1 automatic, 0 none
   bool primal = true;        // reductions that keep every feasible point
@@ -52,6 +62,7 @@ struct Settings {
   double optimality = 1e-6;
   std::uint32_t rules = kDefaultRules;
   std::int64_t limit = INT64_MAX;  // reductions to make
+  std::uint32_t allowed() const { return rules & ~((primal ? 0 : kPrimalRules) | (dual ? 0 : kDualRules)); }
 };
 
 struct Counts {

@@ -86,7 +86,7 @@ At pressed_side(Workspace& ws, const Slack& k) {
 }  // namespace
 
 bool remove_slack_column(Workspace& ws, int s) {
-  if (!ws.settings.primal || !ws.enabled(Rule::slack_column) || ws.is_protected(s)) return false;
+  if (!ws.enabled(Rule::slack_column) || ws.is_protected(s)) return false;
   const View v = ws.column(s);
   Slack k{v.index[0], s, v.value[0], 0, 0};
   const double lower = ws.row_lower[k.i], upper = ws.row_upper[k.i];

@@ -80,7 +80,7 @@ class Workspace {
 
   /* May rule make a reduction now? Counts it when it may. */
   bool allow(Rule rule);
-  bool enabled(Rule rule) const { return (settings.rules & rule_bit(rule)) != 0; }
+  bool enabled(Rule rule) const { return (settings.allowed() & rule_bit(rule)) != 0; }
   bool done() const { return verdict.finding != Finding::none || stop != Stop::none || exhausted_; }
   void condemn(Verdict found);
   void add_work(std::int64_t ticks) { work_ += ticks; }

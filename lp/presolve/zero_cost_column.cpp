@@ -28,7 +28,7 @@ bool entries_fit(const View& column) {
 }  // namespace
 
 bool remove_zero_cost_column(Workspace& ws, int j) {
-  if (!ws.settings.dual || ws.settings.linear_only || ws.is_protected(j) || ws.cost[j] != 0) return false;
+  if (ws.settings.linear_only || ws.is_protected(j) || ws.cost[j] != 0) return false;
   if ((ws.lower[j] != -kInf && ws.upper[j] != kInf) || !ws.enabled(Rule::zero_cost_column)) return false;
   const Locks locks = locks_of(ws, j);
   const bool up = !locks.up && ws.upper[j] == kInf, down = !locks.down && ws.lower[j] == -kInf;
