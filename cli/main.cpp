@@ -4,6 +4,7 @@
 #include <mutex>
 
 #include "console.h"
+#include "files.h"
 #include "input.h"
 #include "library.h"
 #include "options.h"
@@ -110,6 +111,13 @@ ExitStatus list_parameters(const Parameters& parameters, const Options& options)
   return ExitStatus::solved;
 }
 
+/* The console that shows what is wrong with the file ends before the solve makes its own. */
+bool read_parameters(const Environment& environment, const std::string& file) {
+  Console console(environment, stderr, Shown::said);
+  console.set_label(file);
+  return TVKreadcopyparam(environment.handle(), file.c_str()) == 0;
+}
+
 ExitStatus run(int argc, const char* const* argv) {
   const auto parsed = parse_options(argc, argv);
   if (const auto* done = std::get_if<ExitStatus>(&parsed)) return *done;
@@ -120,7 +128,10 @@ ExitStatus run(int argc, const char* const* argv) {
     return ExitStatus::solved;
   }
   const Parameters parameters(environment);
+  if (!options.params_file.empty() && !read_parameters(environment, options.params_file))
+    return ExitStatus::bad_input;
   for (const Assignment& assignment : options.assignments) parameters.apply(assignment);
+  if (options.verb == Verb::convert) return convert(environment, options);
   return options.verb == Verb::params ? list_parameters(parameters, options)
                                       : solve_all(environment, parameters, options);
 }

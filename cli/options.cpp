@@ -61,6 +61,8 @@ void add_assigning(CLI::App& app, const std::string& option, const std::string& 
 }
 
 void add_parameter_options(CLI::App& app, Options& options) {
+  app.add_option("--params", options.params_file, "Parameter file; what the command line sets wins over it")
+      ->type_name("FILE");
   add_assigning(app, "--set", "NAME=VALUE",
                 "Set any parameter (see: tovik params), any case, TVK_PARAM_ optional; repeatable",
                 [&options](const std::string& text) {
@@ -91,6 +93,7 @@ const char kSolveFooter[] =
     "checked.\n"
     "\n"
     "Other verbs: tovik params [PATTERN]   list the parameters: value, default, range, meaning\n"
+    "             tovik convert IN OUT     write a model in the format that the name OUT tells\n"
     "\n"
     "Exit status: 0 solved, 1 infeasible, 2 usage, 3 limit with a solution, 4 limit without one, 5 "
     "unbounded,\n"
@@ -113,6 +116,14 @@ void describe_solve(CLI::App& app, Options& options) {
       },
       "More detailed log: a line for each iteration");
   app.add_flag("-p,--print", options.print_values, "Print the values (done anyway for at most 20 columns)");
+  const auto add_file = [&app](const char* option, std::string& file, const char* meaning) {
+    app.add_option(option, file, meaning)->type_name("FILE");
+  };
+  add_file("--basis", options.basis_file, "Start from the basis in this file");
+  add_file("--start", options.start_file, "Start the mixed-integer search from this MIP start");
+  add_file("--solution", options.solution_file, "Write the solution to this file (XML)");
+  add_file("--write-basis", options.new_basis_file, "Write the last basis to this file");
+  add_file("--write-model", options.model_file, "Write the model as it is solved (.lp, .mps, .gz ...)");
   app.add_option("--log", options.log_file, "Write the log to this file as well")->type_name("FILE");
   app.add_flag("--json", options.json,
                "One JSON object a model on standard output; the log goes to standard error");
@@ -135,22 +146,52 @@ void describe_params(CLI::App& app, Options& options) {
   add_parameter_options(app, options);
 }
 
+void describe_convert(CLI::App& app, Options& options) {
+  app.formatter(std::make_shared<HelpFormat>("tovik convert IN OUT [options]"));
+  app.footer(
+      "Reads the model IN (- reads standard input) and writes it to OUT, whose name tells the format: .lp or "
+      ".mps; .rlp\nand .rmp with the names x1, c1 ...; each may end in .gz or .bz2.");
+  app.add_option("models", options.models)->required()->expected(2)->type_name("IN OUT");
+  add_parameter_options(app, options);
+}
+
+void describe(CLI::App& app, Options& options) {
+  switch (options.verb) {
+    case Verb::params:
+      return describe_params(app, options);
+    case Verb::convert:
+      return describe_convert(app, options);
+    default:
+      return describe_solve(app, options);
+  }
+}
+
+Verb verb_of(const std::string& word) {
+  if (word == "params") return Verb::params;
+  return word == "convert" ? Verb::convert : Verb::solve;
+}
+
+/* Each of these files belongs to one model. */
+bool names_one_model_file(const Options& options) {
+  for (const std::string* file : {&options.basis_file, &options.start_file, &options.solution_file,
+                                  &options.new_basis_file, &options.model_file}) {
+    if (!file->empty()) return true;
+  }
+  return false;
+}
+
 }  // namespace
 
 std::variant<Options, ExitStatus> parse_options(int argc, const char* const* argv) {
   Options options;
   std::vector<std::string> words(argv + (argc > 0 ? 1 : 0), argv + argc);
-  if (!words.empty() && (words.front() == "solve" || words.front() == "params")) {
-    if (words.front() == "params") options.verb = Verb::params;
+  if (!words.empty() && (words.front() == "solve" || verb_of(words.front()) != Verb::solve)) {
+    options.verb = verb_of(words.front());
     words.erase(words.begin());
   }
   CLI::App app;
-  if (options.verb == Verb::params) {
-    describe_params(app, options);
-  } else {
-    describe_solve(app, options);
-    if (words.empty()) words.emplace_back("--help");
-  }
+  describe(app, options);
+  if (words.empty() && options.verb != Verb::params) words.emplace_back("--help");
   try {
     std::vector<std::string> reversed(words.rbegin(),
                                       words.rend());  // the order that the parser takes a vector in
@@ -162,6 +203,10 @@ std::variant<Options, ExitStatus> parse_options(int argc, const char* const* arg
     return argc > 1 ? ExitStatus::solved : ExitStatus::usage;
   } catch (const CLI::ParseError& error) {
     std::fprintf(stderr, "tovik: %s\nRun tovik --help for the options.\n", error.what());
+    return ExitStatus::usage;
+  }
+  if (options.verb == Verb::solve && options.models.size() > 1 && names_one_model_file(options)) {
+    std::fputs("tovik: files to start from and to write belong to one model; give one model\n", stderr);
     return ExitStatus::usage;
   }
   return options;

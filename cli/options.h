@@ -16,13 +16,16 @@ struct Assignment {
   std::string value;
 };
 
-enum class Verb { solve, params, version };
+enum class Verb { solve, params, convert, version };
 
 struct Options {
   Verb verb = Verb::solve;
-  std::vector<std::string> models;
-  std::string pattern;  // of `params`
+  std::vector<std::string> models;  // of `convert`: the one to read and the one to write
+  std::string pattern;              // of `params`
   std::vector<Assignment> assignments;
+  std::string params_file;
+  std::string basis_file, start_file;                     // to read before the solve
+  std::string solution_file, new_basis_file, model_file;  // to write
   std::string log_file;
   bool relax = false;
   bool quiet = false;

@@ -70,6 +70,10 @@ ExitStatus exit_status_of_solve_error(int code) {
   }
 }
 
+ExitStatus exit_status_of_write_error(int code) {
+  return code == TVK_ERROR_OUT_OF_MEMORY ? ExitStatus::out_of_memory : ExitStatus::usage;
+}
+
 ExitStatus zeroed(ExitStatus status) {
   const int code = static_cast<int>(status);
   return code == 1 || (code >= 3 && code <= 6) ? ExitStatus::solved : status;

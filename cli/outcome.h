@@ -3,6 +3,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace tovik::cli {
 
@@ -57,7 +58,9 @@ struct Outcome {
   std::string method;
   std::optional<double> read_seconds, presolve_seconds, solve_seconds;
   double peak_memory_mb = 0;
-  std::string error;  // text of the first error, empty without one
+  bool has_values = false;           // the library holds values, feasible or not
+  std::vector<std::string> written;  // files, in order
+  std::string error;                 // text of the first error, empty without one
   ExitStatus exit_status = ExitStatus::solved;
 };
 
@@ -69,6 +72,8 @@ bool is_optimal(int status);
 /* The exit status for an error code, while reading a model or while solving it. */
 ExitStatus exit_status_of_read_error(int code);
 ExitStatus exit_status_of_solve_error(int code);
+/* ... or while writing a file. */
+ExitStatus exit_status_of_write_error(int code);
 
 /* What --exit-zero makes of it: every honest answer about the model is 0. */
 ExitStatus zeroed(ExitStatus status);

@@ -112,7 +112,9 @@ std::string closing_block(const Model& model, const Outcome& outcome) {
     block += format("Bound       %.12g, gap %.2g %%\n", *outcome.best_bound, 100 * outcome.gap.value_or(NAN));
   }
   if (outcome.violations) block += checked_line(model, *outcome.violations);
-  return block + work_line(outcome);
+  block += work_line(outcome);
+  for (const std::string& file : outcome.written) block += "Written     " + file + "\n";
+  return block;
 }
 
 std::string value_table(const Model& model, const Outcome& outcome, bool with_rows) {

@@ -6,6 +6,7 @@
 #include <system_error>
 
 #include "check.h"
+#include "files.h"
 #include "input.h"
 #include "report.h"
 
@@ -84,6 +85,7 @@ void collect(const Workplace& place, const Model& model, Outcome& outcome) {
   outcome.method = method_name(method);
   outcome.simplex_iterations = TVKgetitcnt(env, model.handle());
   outcome.barrier_iterations = TVKgetbaritcnt(env, model.handle());
+  outcome.has_values = type != 0;
   outcome.feasible = type != 0 && (primal_feasible != 0 || is_optimal(*outcome.status));
   outcome.exit_status = exit_status_of(*outcome.status, outcome.feasible);
   if (!outcome.feasible) return;
@@ -102,6 +104,24 @@ void collect(const Workplace& place, const Model& model, Outcome& outcome) {
   if (outcome.violations->failed) outcome.exit_status = ExitStatus::numerical_failure;
 }
 
+enum class Stage { reading, solving, writing };
+
+ExitStatus exit_status_of(Stage stage, int code) {
+  if (stage == Stage::reading) return exit_status_of_read_error(code);
+  return stage == Stage::solving ? exit_status_of_solve_error(code) : exit_status_of_write_error(code);
+}
+
+/* A file that cannot be written does not hide the answer. */
+void write_what_was_found(const Workplace& place, const Model& model, Outcome& outcome) {
+  try {
+    write_results(place, model, outcome);
+  } catch (const LibraryError& error) {
+    outcome.error = place.console.first_error().empty() ? error.what() : place.console.first_error();
+    outcome.exit_status = exit_status_of_write_error(error.code);
+  }
+  place.console.set_label("");
+}
+
 }  // namespace
 
 Outcome solve_file(const Workplace& place, const std::string& file,
@@ -110,21 +130,25 @@ Outcome solve_file(const Workplace& place, const std::string& file,
   outcome.file = file;
   place.console.begin_model("");
   std::optional<Model> model;
-  bool have_model = false;
+  Stage stage = Stage::reading;
   try {
     model.emplace(place.environment, file);
     read_model(place, *model, file, outcome);
-    have_model = true;
     place.console.note(size_line(outcome));
+    stage = Stage::writing;
+    write_model(place, *model, outcome);
+    stage = Stage::reading;
+    read_starts(place, *model);
+    stage = Stage::solving;
     optimize(place, *model, outcome);
     collect(place, *model, outcome);
+    write_what_was_found(place, *model, outcome);
     outcome.peak_memory_mb = peak_memory_mb();
     show(*model, outcome);
   } catch (const LibraryError& error) {
     outcome.error = place.console.first_error().empty() ? error.what() : place.console.first_error();
-    outcome.exit_status =
-        have_model ? exit_status_of_solve_error(error.code) : exit_status_of_read_error(error.code);
-    if (have_model && outcome.exit_status == ExitStatus::usage)
+    outcome.exit_status = exit_status_of(stage, error.code);
+    if (stage == Stage::solving && outcome.exit_status == ExitStatus::usage)
       place.console.complain("tovik: --relax solves the continuous relaxation");
   } catch (const std::system_error& error) {
     outcome.error = error.what();

@@ -350,4 +350,63 @@ TEST_F(Program, InterruptWhileSolvingStopsSoonAndReports) {
   EXPECT_LT(result.json()["solve_seconds"].get<double>(), 20.0);
 }
 
+const char kSmallModel[] = "max\n obj: 3 x + 2 y\nst\n r: x + 4 y <= 4\nbounds\n x <= 2\nend\n";
+
+TEST_F(Program, ConvertsModels) {
+  write("a.lp", kSmallModel);
+  EXPECT_EQ(run({"convert", "a.lp", "b.mps.gz"}).exit, 0);
+  EXPECT_EQ(run({"convert", "b.mps.gz", "c.rlp"}).exit, 0);
+  EXPECT_NE(contents(folder_ / "c.rlp").find(" obj: 3 x1 + 2 x2\nSubject To\n c1: x1 + 4 x2 <= 4\n"),
+            std::string::npos);
+  EXPECT_EQ(run({"convert", "-", "d.lp"}, kSmallModel).exit, 0);
+  EXPECT_TRUE(contents(folder_ / "d.lp").starts_with("\\Problem name: stdin\n"));
+  const Result unknown = run({"convert", "a.lp", "b.xyz"});
+  EXPECT_EQ(unknown.exit, 2);
+  EXPECT_EQ(unknown.err, "b.xyz: TOVIK Error  1424: Invalid filetype.\n");
+  const Result missing = run({"convert", "none.lp", "b.lp"});
+  EXPECT_EQ(missing.exit, 7);
+  EXPECT_EQ(missing.err, "none.lp: TOVIK Error  1423: Could not open file 'none.lp' for reading.\n");
+  EXPECT_EQ(run({"convert", "a.lp"}).exit, 2);
+}
+
+TEST_F(Program, FilesToStartFromAndToWrite) {
+  write("a.lp", kSmallModel);
+  const Result first =
+      run({"a.lp", "--solution", "a.sol", "--write-basis", "a.bas", "--write-model", "b.mps"});
+  EXPECT_EQ(first.exit, 0) << first.err;
+  EXPECT_NE(first.out.find("Written     b.mps\nWritten     a.sol\nWritten     a.bas\n"), std::string::npos);
+  EXPECT_NE(contents(folder_ / "a.sol").find("objectiveValue=\"7\""), std::string::npos);
+  EXPECT_TRUE(contents(folder_ / "b.mps").starts_with("NAME "));
+  const Result again = run({"a.lp", "--basis", "a.bas", "--json", "-q"});
+  EXPECT_EQ(again.exit, 0) << again.err;
+  EXPECT_EQ(again.json()["simplex_iterations"], 0);
+  write("wrong.bas", "NAME\n ZZ x\nENDATA\n");
+  const Result wrong = run({"a.lp", "--basis", "wrong.bas"});
+  EXPECT_EQ(wrong.exit, 7);
+  EXPECT_EQ(wrong.err, "wrong.bas: TOVIK Error  1551: Line 2: Unrecognized basis indicator 'ZZ'.\n");
+  const Result nowhere = run({"a.lp", "--solution", "none/a.sol"});
+  EXPECT_EQ(nowhere.exit, 2);
+  EXPECT_NE(nowhere.out.find("Objective   7\n"), std::string::npos);
+  EXPECT_EQ(run({"a.lp", "b.mps", "--solution", "c.sol"}).exit, 2);
+  EXPECT_FALSE(fs::exists(folder_ / "c.sol"));
+}
+
+TEST_F(Program, ParameterFileComesBeforeTheCommandLine) {
+  write("p.prm", "TOVIK Parameter File Version 12.2.0.0\nTVK_PARAM_ITLIM 5\nTVK_PARAM_EPOPT 1e-7\n");
+  const Result both = run({"params", "--set", "itlim=9", "--params", "p.prm"});
+  EXPECT_EQ(both.exit, 0) << both.err;
+  std::istringstream lines(both.out);
+  std::string iterations, optimality;
+  for (std::string line; std::getline(lines, line);) {
+    if (line.starts_with("ITLIM ")) iterations = line;
+    if (line.starts_with("EPOPT ")) optimality = line;
+  }
+  EXPECT_NE(iterations.find(" 9* "), std::string::npos) << iterations;
+  EXPECT_NE(optimality.find("1e-07"), std::string::npos) << optimality;
+  write("q.prm", "no header\n");
+  const Result wrong = run({"params", "--params", "q.prm"});
+  EXPECT_EQ(wrong.exit, 7);
+  EXPECT_EQ(wrong.err, "q.prm: TOVIK Error  1661: Line 1:  Missing or invalid header.\n");
+}
+
 }  // namespace
