@@ -12,7 +12,9 @@
 #include "lp/dispatch/presolved.h"
 #include "lp/dispatch/simplex_run.h"
 #include "lp/dispatch/user_point.h"
+#include "lp/presolve/dualize.h"
 #include "lp/presolve/forward.h"
+#include "param/hidden.h"
 
 namespace tovik::lp::dispatch {
 namespace {
@@ -95,12 +97,13 @@ class PresolvedRun {
       answer_.method = method_;
       return Outcome::optimal;
     }
+    if (wants_dual_form()) return solve_dual_form();
     EngineControl control(env_, problem_, 1);
     IterationLog log(env_, problem_, options_.display);
     log.set_origin(reduction.row_map, reduction.column_map);
     simplex::Solver solver(reduction.lp, options_, control, &log);
     set_objective_limits(env_, problem_, solver);
-    if (env_.settings.integer(TVK_PARAM_ADVIND) != 0 && problem_.start.has_basis()) install_crushed(solver);
+    if (starts_from_basis()) install_crushed(solver);
     Outcome outcome = outcome_of(reduction.stop);
     if (reduction.stop == Stop::none) {
       outcome = solver.solve(method_);
@@ -110,6 +113,70 @@ class PresolvedRun {
     beginning_.counters = solver.core().counters;
     answer_ = solver.release_answer();
     return outcome;
+  }
+
+  /* Not with a basis to start from, nor with limits on an objective that the dual approaches from the other
+   * side.
+   */
+  bool wants_dual_form() const {
+    constexpr double kNoLimit = 1e75;
+    const Settings& s = env_.settings;
+    const int wish = s.integer(TVK_PARAM_PREDUAL);
+    if (wish < 0 || record_->reduction.stop != Stop::none || starts_from_basis() ||
+        s.real(TVK_PARAM_OBJULIM) < kNoLimit || s.real(TVK_PARAM_OBJLLIM) > -kNoLimit) {
+      return false;
+    }
+    return wish > 0 || presolve::dualization_pays(record_->reduction.lp);
+  }
+
+  /* As solve_reduced, by the dual form: its dual simplex is the primal's on the reduced problem and the other
+   * way round. A run that a limit ends has no point of the reduced problem but that of the slack basis. */
+  Outcome solve_dual_form() {
+    const LpData& reduced = record_->reduction.lp;
+    if (env_.settings.integer(param::kPresolveDisplay) != 0)
+      message(env_.results_channel, "DUAL formed by presolve\n");
+    const presolve::DualForm form = presolve::dualize(reduced);
+    EngineControl control(env_, problem_, 1);
+    simplex::Solver solver(form.lp, options_, control, nullptr);
+    const Outcome outcome =
+        solver.solve(method_ == simplex::Method::dual ? simplex::Method::primal : simplex::Method::dual);
+    beginning_.counters = solver.core().counters;
+    simplex::Answer dual = solver.release_answer();
+    answer_ = simplex::Answer{};
+    answer_.method = method_;
+    switch (outcome) {
+      case Outcome::optimal:
+        take_point(presolve::undualize(reduced, form, point_of(std::move(dual))));
+        return outcome;
+      case Outcome::unbounded:
+        answer_.farkas = presolve::row_multipliers(form, dual.ray);
+        return Outcome::infeasible;
+      case Outcome::infeasible:
+        return Outcome::infeasible_or_unbounded;
+      default:
+        take_slack_basis(reduced);
+        return outcome;
+    }
+  }
+
+  void take_point(presolve::Point point) {
+    answer_.x = std::move(point.x);
+    answer_.d = std::move(point.d);
+    answer_.y = std::move(point.y);
+    answer_.column_status = std::move(point.column);
+    answer_.row_status = std::move(point.row);
+  }
+
+  void take_slack_basis(const LpData& lp) {
+    EngineControl control(env_, problem_, 1);
+    simplex::Solver solver(lp, options_, control, nullptr);
+    solver.extract();
+    answer_ = solver.release_answer();
+    answer_.method = method_;
+  }
+
+  bool starts_from_basis() const {
+    return env_.settings.integer(TVK_PARAM_ADVIND) != 0 && problem_.start.has_basis();
   }
 
   /* The problem's starting basis in the reduced problem; the engine completes and repairs it. */
