@@ -87,7 +87,7 @@ void discard(Problem& problem, const Rule& rule, bool engine_follows) noexcept {
     problem.working.reset();
   }
   if (drops(kSecond)) problem.derived.reset();
-  if (drops(kPresolve)) problem.presolve.reset();
+  if (drops(kPresolve) && !std::exchange(problem.presolve_up_to_date, false)) problem.presolve.reset();
   if (drops(kFactor) || drops(kSimplex)) problem.factor_current = false;
   if (drops(kSimplex) && !engine_follows) problem.simplex.reset();
   if (drops(kStart)) clear_start(problem.start);

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <initializer_list>
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -19,12 +20,18 @@ namespace model {
 class Model;
 }
 
+struct Problem;
+enum class Change;
+
 /* Derived data that a subsystem hangs on a problem (live factor, presolved copy, ...); freed through this
  * interface. */
 struct Derived {
   virtual ~Derived() = default;
   /* Can go on after rows or columns were added or deleted, by the problem's journal. */
   virtual bool follows_structure() const { return false; }
+  /* Takes over a change of values of these rows or columns that was just made in the model, or the rows just
+   * added at its end (no lines). False when it cannot. */
+  virtual bool take_over(const Problem&, Change, std::span<const int> /*lines*/) { return false; }
 };
 
 /* The starting information for the next optimization. Statuses: 0 at lower, 1 basic, 2 at upper, 3 free
@@ -65,6 +72,7 @@ struct Problem {
   Journal journal;                   // of changes that the simplex engine has yet to follow
   bool factor_current = false;
   std::unique_ptr<Derived> presolve;
+  bool presolve_up_to_date = false;    // it took over the change that is just being made
   std::vector<int> protected_columns;  // that presolve must keep: ascending, each once
   std::unique_ptr<Derived> mip;
   std::unique_ptr<Problem> working;  // nested problem solved in this one's place

@@ -3,6 +3,8 @@
  * problem as it was. */
 #pragma once
 
+#include <span>
+
 #include "env/environment.h"
 #include "env/problem.h"
 #include "model/model.h"
@@ -15,6 +17,10 @@ Status check_modifiable(const Problem& problem);
 /* Where a presolved model exists: tells that it cannot follow a change ("Warning: <change> the presolved
  * model fails."), and discards it. */
 void discard_presolved_model(Environment& env, Problem& problem, const char* change);
+/* After values of these rows or columns were changed in the model, or rows added at its end (no lines): the
+ * presolved model takes that over, or is discarded as above. */
+void carry_to_presolved_model(Environment& env, Problem& problem, Change kind, std::span<const int> lines,
+                              const char* change) noexcept;
 
 // ---- Adding and deleting (growth.cpp)
 Status add_rows(Environment& env, Problem& problem, const NewColumns& columns, const NewRows& rows);

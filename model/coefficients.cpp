@@ -57,14 +57,14 @@ void apply(Environment& env, Problem& problem, int i, int j, double value) {
     model.set_coefficient(i, j, value);
     invalidate(problem, Change::matrix);
   } else if (i == kObjectiveRow) {
-    discard_presolved_model(env, problem, "Changing obj. of");
     adjust_solution(problem, i, j, value - model.objective()[static_cast<std::size_t>(j)]);
     model.set_objective(j, value);
+    carry_to_presolved_model(env, problem, Change::objective, {&j, 1}, "Changing obj. of");
     invalidate(problem, Change::objective, {Edit::values(Edit::Lines::columns, {&j, 1})});
   } else if (j == kRhsColumn) {
-    discard_presolved_model(env, problem, "Changing rhs of");
     adjust_solution(problem, i, j, value - model.rhs()[static_cast<std::size_t>(i)]);
     model.set_rhs(i, value);
+    carry_to_presolved_model(env, problem, Change::rhs, {&i, 1}, "Changing rhs of");
     invalidate(problem, Change::rhs, {Edit::values(Edit::Lines::rows, {&i, 1})});
   } else {
     model.set_range(i, value);

@@ -110,7 +110,11 @@ Status add_rows(Environment& env, Problem& problem, const NewColumns& columns, c
   reserve_start(problem, rows.count, columns.count);
   std::vector<char> letters;
   model.add_rows(with_types(problem, columns, letters), rows);
-  discard_presolved_model(env, problem, "Adding rows to");
+  if (columns.count == 0) {
+    carry_to_presolved_model(env, problem, Change::rows, {}, "Adding rows to");
+  } else {
+    discard_presolved_model(env, problem, "Adding rows to");
+  }
   extend_start(problem);
   invalidate(problem, Change::rows,
              {Edit::added(Edit::Lines::columns, columns.count), Edit::added(Edit::Lines::rows, rows.count)});

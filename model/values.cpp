@@ -73,6 +73,17 @@ void discard_presolved_model(Environment& env, Problem& problem, const char* cha
   problem.presolve.reset();
 }
 
+void carry_to_presolved_model(Environment& env, Problem& problem, Change kind, std::span<const int> lines,
+                              const char* change) noexcept {
+  if (!problem.presolve) return;
+  try {
+    problem.presolve_up_to_date = problem.presolve->take_over(problem, kind, lines);
+  } catch (const std::bad_alloc&) {
+    problem.presolve_up_to_date = false;
+  }
+  if (!problem.presolve_up_to_date) discard_presolved_model(env, problem, change);
+}
+
 Status change_bounds(Environment& env, Problem& problem, const BoundChanges& changes, BoundRule rule) {
   if (Status s = check_modifiable(problem); !s.ok()) return s;
   if (changes.count < 0) return TVK_ERROR_BAD_ARGUMENT;
@@ -86,12 +97,13 @@ Status change_bounds(Environment& env, Problem& problem, const BoundChanges& cha
   Model& model = *problem.model;
   const Status indices = check_safe_indices(env, {'c', model.num_columns()}, changes.count, changes.columns);
   if (!indices.ok()) return indices;
-  discard_presolved_model(env, problem, "Changing bounds of");
   for (int k = 0; k < changes.count; ++k) {
     const char which = changes.which[k];
     if (which == 'L' || which == 'B') change_lower(env, model, changes.columns[k], changes.bounds[k], rule);
     if (which == 'U' || which == 'B') change_upper(env, model, changes.columns[k], changes.bounds[k], rule);
   }
+  carry_to_presolved_model(env, problem, Change::bounds, list(changes.columns, changes.count),
+                           "Changing bounds of");
   invalidate(problem, Change::bounds,
              {Edit::values(Edit::Lines::columns, list(changes.columns, changes.count))});
   return {};
@@ -102,8 +114,9 @@ Status change_rhs(Environment& env, Problem& problem, const ValueChanges& change
   Model& model = *problem.model;
   const Status checked = check_changes(env, changes, {'r', model.num_rows()});
   if (!checked.ok() || changes.count == 0) return checked;
-  discard_presolved_model(env, problem, "Changing rhs of");
   for (int k = 0; k < changes.count; ++k) model.set_rhs(changes.indices[k], changes.values[k]);
+  carry_to_presolved_model(env, problem, Change::rhs, list(changes.indices, changes.count),
+                           "Changing rhs of");
   invalidate(problem, Change::rhs, {Edit::values(Edit::Lines::rows, list(changes.indices, changes.count))});
   return {};
 }
@@ -125,8 +138,9 @@ Status change_objective(Environment& env, Problem& problem, const ValueChanges& 
   Model& model = *problem.model;
   const Status checked = check_changes(env, changes, {'c', model.num_columns()});
   if (!checked.ok() || changes.count == 0) return checked;
-  discard_presolved_model(env, problem, "Changing obj. of");
   for (int k = 0; k < changes.count; ++k) model.set_objective(changes.indices[k], changes.values[k]);
+  carry_to_presolved_model(env, problem, Change::objective, list(changes.indices, changes.count),
+                           "Changing obj. of");
   invalidate(problem, Change::objective,
              {Edit::values(Edit::Lines::columns, list(changes.indices, changes.count))});
   return {};
@@ -160,8 +174,8 @@ Status change_objective_offset(Environment& env, Problem& problem, double offset
   if (checking(env)) {
     if (Status s = check_numbers(env, 1, &offset); !s.ok()) return s;
   }
-  discard_presolved_model(env, problem, "Changing the objective of");
   problem.model->set_objective_offset(offset);
+  carry_to_presolved_model(env, problem, Change::objective, {}, "Changing the objective of");
   invalidate(problem, Change::objective, {});
   return {};
 }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <memory>
+#include <span>
 #include <vector>
 
 #include "env/environment.h"
@@ -28,6 +29,7 @@ struct Presolved : Derived {
   simplex::FarkasProof proof;  // when infeasible
   double seconds = 0;
   std::unique_ptr<Problem> reduced;  // the reduced problem as users see it, made when asked for
+  bool take_over(const Problem& problem, Change change, std::span<const int> lines) override;
   bool all_removed() const { return reduction.lp.num_columns() == 0 && reduction.lp.num_rows() == 0; }
 };
 

@@ -13,6 +13,7 @@ constexpr double kSameRatio = 1e-9;  // relative difference at which a form stil
 /* One way of each operation. Null: what the operation takes away is all that changes. */
 struct Steps {
   bool listed = false;
+  int kept_rows_used = 0;  // so many of its first integers are rows that stay and whose sides it counts on
   void (*point)(Record, std::vector<double>& x) = nullptr;
   void (*duals)(Record, std::vector<double>& y) = nullptr;
   bool (*form)(Record, Form& form) = nullptr;
@@ -181,17 +182,19 @@ constexpr auto kTable = [] {
   set(Op::fixed_column, {.form = fixed_form});
   set(Op::doubleton, {.form = doubleton_form, .basis = doubleton_basis});
   set(Op::free_column, {.form = free_column_form});
-  set(Op::slack_in_equation,
-      {.duals = slack_in_equation_duals, .form = slack_in_equation_form, .basis = slack_in_equation_basis});
-  set(Op::slack_in_row, {.form = slack_in_row_form, .basis = slack_in_row_basis});
-  set(Op::parallel_rows, {.duals = parallel_rows_duals, .basis = parallel_rows_basis});
+  set(Op::slack_in_equation, {.kept_rows_used = 1,
+                              .duals = slack_in_equation_duals,
+                              .form = slack_in_equation_form,
+                              .basis = slack_in_equation_basis});
+  set(Op::slack_in_row, {.kept_rows_used = 1, .form = slack_in_row_form, .basis = slack_in_row_basis});
+  set(Op::parallel_rows, {.kept_rows_used = 1, .duals = parallel_rows_duals, .basis = parallel_rows_basis});
   set(Op::parallel_columns, {.point = parallel_columns_point,
                              .form = parallel_columns_form,
                              .form_back = parallel_columns_back,
                              .basis = parallel_columns_basis});
   set(Op::zero_cost_column, {.form = zero_cost_form});
-  set(Op::row_addition, {.duals = row_addition_duals});
-  set(Op::row_made_equation, {});
+  set(Op::row_addition, {.kept_rows_used = 2, .duals = row_addition_duals});
+  set(Op::row_made_equation, {.kept_rows_used = 1});
   return table;
 }();
 
@@ -247,6 +250,16 @@ void uncrush_form(const Reduction& reduction, Form& form) {
   for (int k = stack.size() - 1; k >= 0; --k) {
     if (const auto step = steps_of(stack, k).form_back; step != nullptr) step(stack.record(k), form);
   }
+}
+
+std::vector<char> plain_rows(const Reduction& reduction) {
+  std::vector<char> plain(reduction.row_fate.size(), 1);
+  const Stack& stack = reduction.stack;
+  for (int k = 0; k < stack.size(); ++k) {
+    Record record = stack.record(k);
+    for (int used = 0; used < steps_of(stack, k).kept_rows_used; ++used) plain[record.integer()] = 0;
+  }
+  return plain;
 }
 
 Basis crush_basis(const Reduction& reduction, Basis basis) {

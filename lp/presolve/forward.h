@@ -30,6 +30,9 @@ std::vector<double> crush_duals(const Reduction& reduction, std::vector<double> 
 bool crush_form(const Reduction& reduction, Form& form);
 /* The other way: always possible. */
 void uncrush_form(const Reduction& reduction, Form& form);
+/* Rows that no operation used beyond the entries of columns that left: one flag for each row of the original.
+ * Their sides may move, and the sides of the reduced row with them. */
+std::vector<char> plain_rows(const Reduction& reduction);
 /* Statuses by original column and row become those by reduced ones; the number of basics may be off by a few.
  */
 Basis crush_basis(const Reduction& reduction, Basis basis);

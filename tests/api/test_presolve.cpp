@@ -449,4 +449,99 @@ TEST_F(Presolve, LimitsAndTheUserStopIt) {
   }
 }
 
+/* Each change, on a problem with a singleton row and a fixed column: is it carried into the reduced problem,
+ * and is the next answer that of the changed model either way? */
+TEST_F(Presolve, ChangesAreCarriedOrTold) {
+  struct Case {
+    const char* name;
+    std::function<int(ProbHandle)> change;
+    const char* failure;  // what the warning says that failed; empty: carried
+  };
+  const auto bound = [&](int j, const char* which, double value) {
+    return [=, this](ProbHandle lp) { return TVKchgbds(env_, lp, 1, &j, which, &value); };
+  };
+  const auto rhs = [&](int i, double value) {
+    return [=, this](ProbHandle lp) { return TVKchgrhs(env_, lp, 1, &i, &value); };
+  };
+  const auto cost = [&](int j, double value) {
+    return [=, this](ProbHandle lp) { return TVKchgobj(env_, lp, 1, &j, &value); };
+  };
+  const auto row = [&](int j, char sense) {
+    return [=, this](ProbHandle lp) {
+      const double right = 3, entries[] = {1, 2};
+      const int begin = 0, columns[] = {0, j};
+      return TVKaddrows(env_, lp, 0, 1, 2, &right, &sense, &begin, columns, entries, nullptr, nullptr);
+    };
+  };
+  const double one = 1;
+  const std::vector<Case> cases = {
+      {"tighter lower", bound(0, "L", 1), ""},
+      {"tighter upper", bound(2, "U", 2), ""},
+      {"looser upper", bound(2, "U", 20), "Changing bounds of"},
+      {"bound that a row gave", bound(3, "U", 7), "Changing bounds of"},
+      {"bound of a removed column", bound(4, "B", 1), "Changing bounds of"},
+      {"rhs", rhs(0, 5), ""},
+      {"rhs of a removed row", rhs(2, 7), "Changing rhs of"},
+      {"rhs as coefficient", [&](ProbHandle lp) { return TVKchgcoef(env_, lp, 1, -1, 4); }, ""},
+      {"cost", cost(1, 4), ""},
+      {"cost of a removed column", cost(4, 7), "Changing obj. of"},
+      {"cost as coefficient", [&](ProbHandle lp) { return TVKchgcoef(env_, lp, -1, 0, 0.5); }, ""},
+      {"offset", [&](ProbHandle lp) { return TVKchgobjoffset(env_, lp, 11); }, ""},
+      {"sense", [&](ProbHandle lp) { return TVKchgobjsen(env_, lp, -1); }, "Changing the objective of"},
+      {"row", row(1, 'G'), ""},
+      {"ranged row", row(1, 'R'), "Adding rows to"},
+      {"row with a removed column", row(4, 'G'), "Adding rows to"},
+      {"column",
+       [&](ProbHandle lp) {
+         return TVKaddcols(env_, lp, 1, 0, &one, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
+       },
+       "Adding columns to"},
+  };
+  Lp model = stubborn();
+  model.columns = 5;
+  model.obj.push_back(6);
+  model.lb.push_back(2);
+  model.ub.push_back(2);
+  model.beg.push_back(model.beg.back() + model.cnt.back());
+  model.cnt.push_back(1);
+  model.ind.push_back(0);
+  model.val.push_back(1);
+  for (const Case& c : cases) {
+    for (const bool solved_before : {false, true}) {
+      SCOPED_TRACE(std::string(c.name) + (solved_before ? " after a solve" : ""));
+      ProbHandle lp = load(model);
+      ASSERT_EQ(TVKpresolve(env_, lp, 0), 0);
+      const ConstProbHandle small = reduced(lp);
+      ASSERT_EQ(TVKgetnumcols(env_, small), 4);
+      ASSERT_EQ(TVKgetnumrows(env_, small), 4);
+      if (solved_before) {
+        ASSERT_EQ(TVKdualopt(env_, lp), 0);
+      }
+      warnings();
+      ASSERT_EQ(c.change(lp), 0);
+      const std::string told = c.failure;
+      EXPECT_EQ(warnings(), told.empty() ? "" : "Warning: " + told + " the presolved model fails.\n");
+      EXPECT_EQ(fate_of(lp), told.empty() ? 1 : 0);
+      double value = 0;
+      if (told.empty()) {
+        int code = 0;
+        ProbHandle copy = TVKcloneprob(env_, small, &code);
+        ASSERT_EQ(TVKdualopt(env_, copy), 0);
+        ASSERT_EQ(TVKgetobjval(env_, copy, &value), 0);
+        EXPECT_EQ(TVKfreeprob(env_, &copy), 0);
+      }
+      const Lp changed = support::read_back(env_, lp);
+      results();
+      const int code = TVKdualopt(env_, lp);
+      const support::Outcome answer = support::outcome_of(env_, lp, changed, code);
+      EXPECT_EQ(support::check_answer(env_, lp, changed, answer), "");
+      if (told.empty()) {
+        EXPECT_NEAR(answer.objective, value, 1e-9 * (1 + std::fabs(value)));
+      }
+      errors();
+      EXPECT_EQ(TVKfreeprob(env_, &lp), 0);
+    }
+  }
+}
+
 }  // namespace
