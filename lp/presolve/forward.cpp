@@ -5,6 +5,8 @@
 #include <cmath>
 #include <utility>
 
+#include "lp/presolve/tolerances.h"
+
 namespace tovik::lp::presolve {
 namespace {
 
@@ -29,7 +31,8 @@ void substitute(Form& form, int s, double a, double beta, const View& rest) {
   g[s] = 0;
   form.constant += factor * beta;
   for (int k = 0; k < rest.length; ++k) {
-    if (rest.index[k] != s) g[rest.index[k]] -= factor * rest.value[k];
+    double& other = g[rest.index[k]];
+    if (rest.index[k] != s) other = moved(other, -factor * rest.value[k]);
   }
 }
 
