@@ -84,9 +84,12 @@ class ExactLp {
     }
     return found;
   }
-  bool has_optimum() const {
-    return each_optimal_basis([](const auto&, const auto&, const auto&) {}) > 0;
+  std::optional<Rational> optimum() const {
+    std::optional<Rational> best;
+    each_optimal_basis([&](const auto&, const auto& value, const auto&) { best = objective(value); });
+    return best;
   }
+  bool has_optimum() const { return optimum().has_value(); }
   bool feasible() const {
     ExactLp plain = *this;
     plain.cost_.assign(plain.cost_.size(), Rational());

@@ -84,9 +84,17 @@ inline bool by_reduced_costs(const Reduction& r) {
   return hits > 0;
 }
 
+/* Some form of the original's columns. */
+inline tovik::lp::presolve::Form some_form(const LpData& lp) {
+  tovik::lp::presolve::Form form;
+  for (int j = 0; j < lp.num_columns(); ++j) form.coefficients.push_back((j * 7 + 3) % 5 - 2);
+  return form;
+}
+
 /* The way there against the way back: points and duals return, and a form has the same value on both sides.
  */
-inline std::string crush_fault(const Reduction& r, const Point& reduced, const Point& undone) {
+inline std::string crush_fault(const LpData& lp, const Reduction& r, const Point& reduced,
+                               const Point& undone) {
   namespace presolve = tovik::lp::presolve;
   const auto differs = [](double a, double b) { return std::fabs(a - b) > 1e-9 * (1 + std::fabs(a)); };
   const std::vector<double> x = presolve::crush_point(r, undone.x), y = presolve::crush_duals(r, undone.y);
@@ -96,12 +104,9 @@ inline std::string crush_fault(const Reduction& r, const Point& reduced, const P
   for (size_t k = 0; k < y.size(); ++k) {
     if (differs(y[k], reduced.y[k])) return "crushed duals, reduced row " + std::to_string(k);
   }
-  presolve::Form form;
+  presolve::Form form = some_form(lp);
   double value = 0;
-  for (size_t j = 0; j < undone.x.size(); ++j) {
-    form.coefficients.push_back(static_cast<double>((j * 7 + 3) % 5) - 2);
-    value += form.coefficients[j] * undone.x[j];
-  }
+  for (size_t j = 0; j < undone.x.size(); ++j) value += form.coefficients[j] * undone.x[j];
   if (!presolve::crush_form(r, form)) return {};
   double image = form.constant;
   for (size_t k = 0; k < x.size(); ++k) image += form.coefficients[k] * reduced.x[k];
@@ -113,17 +118,22 @@ class PresolveProof {
   Tally tally;
 
   /* What is wrong; empty when nothing is. */
-  std::string fault(const LpData& lp, const Settings& settings, std::int64_t polls = INT64_MAX) {
+  std::string fault(const LpData& lp, const Settings& settings, std::int64_t polls = INT64_MAX,
+                    const std::vector<char>& kept = {}) {
     ++tally.lps;
     QuietControl control(polls);
-    const Reduction r = tovik::lp::presolve::presolve(lp, settings, control, {}, false);
+    const Reduction r = tovik::lp::presolve::presolve(lp, settings, control, kept, false);
     for (size_t k = 0; k < r.counts.hits.size(); ++k) tally.hits[k] += r.counts.hits[k];
+    for (size_t j = 0; j < kept.size(); ++j) {
+      if (kept[j] && r.column_fate[j] != tovik::lp::presolve::Fate::kept) return "protected column went";
+    }
     try {
       const ExactLp original(lp);
       if (r.verdict.finding != Finding::none) return verdict_fault(lp, r, original);
       if (!r.changed) return {};
       ++tally.reduced;
-      return bases_fault(lp, r, original);
+      const std::string fault = bases_fault(lp, r, original);
+      return fault.empty() ? promise_fault(lp, r, settings) : fault;
     } catch (const std::overflow_error&) {
       ++tally.unchecked;
       return {};
@@ -131,6 +141,21 @@ class PresolveProof {
   }
 
  private:
+  /* Without reductions that look at the objective any other form has the same minimum in both problems; while
+   * only linear functions are allowed each form has an image. */
+  std::string promise_fault(const LpData& lp, const Reduction& r, const Settings& settings) {
+    LpData original = lp, reduced = r.lp;
+    tovik::lp::presolve::Form form = some_form(lp);
+    original.cost = form.coefficients;
+    original.offset = 0;
+    if (!crush_form(r, form)) return settings.linear_only ? "a form without image" : "";
+    if (settings.dual) return {};
+    reduced.cost = form.coefficients;
+    reduced.offset = form.constant;
+    const std::optional<Rational> here = ExactLp(original).optimum(), there = ExactLp(reduced).optimum();
+    return here == there ? "" : "another minimum of a form, although the objective was to be left aside";
+  }
+
   /* The undo of sparsify is promised for bases without one only. */
   static bool has_basic_equation(const LpData& lp, const std::vector<At>& at) {
     for (int i = 0; i < lp.num_rows(); ++i) {
@@ -176,7 +201,7 @@ class PresolveProof {
       }
       const Point undone = tovik::lp::presolve::postsolve(lp, r, point);
       fault = original.fault(undone, &best);
-      if (fault.empty()) fault = crush_fault(r, point, undone);
+      if (fault.empty()) fault = crush_fault(lp, r, point, undone);
       if (fault.empty() && !(best == reduced->objective(value)))
         fault = "objective " + std::to_string(best.real()) + " after undo, " +
                 std::to_string(reduced->objective(value).real()) + " before";
