@@ -44,7 +44,6 @@ constexpr QualityName kQuality[] = {{"maxPrimalInfeas", TVK_QUALITY_MAX_PRIMAL_I
 
 /* The measures that the solution allows, behind the tolerances in force. */
 void add_quality(Environment& env, Problem& problem, bool duals, SolutionReport& report) {
-  if (report.mixed_integer) report.quality.emplace_back("epInt", env.settings.real(TVK_PARAM_EPINT));
   report.quality.emplace_back("epRHS", env.settings.real(TVK_PARAM_EPRHS));
   if (duals) report.quality.emplace_back("epOpt", env.settings.real(TVK_PARAM_EPOPT));
   const std::span<const QualityName> measures =

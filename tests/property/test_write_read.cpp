@@ -1,16 +1,19 @@
 /* Random models written and read back are the same models: MPS to the last bit, LP to 15 digits. The models
  * hold names with hostile characters, extreme and denormal numbers, every kind of bound and type, ranges,
- * empty rows and columns. A failure prints the seed and the file. */
+ * empty rows and columns, sets, indicators, cuts, quadratic terms. A failure prints the seed and the file. */
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <bit>
 #include <cmath>
 #include <map>
 #include <memory>
 #include <numeric>
 #include <random>
+#include <span>
 #include <string>
 
+#include "fileio/file_families.h"
 #include "fileio/model_reader.h"
 #include "fileio/model_writer.h"
 #include "model/load.h"
@@ -59,6 +62,7 @@ class Generator {
     for (int i = 0; i < rows; ++i) make_row(data);
     if (below(4) != 0) make_names(data.column_names, columns, hostile);
     if (below(4) != 0) make_names(data.row_names, rows, hostile);
+    if (below(2) == 0) make_families(data.families, columns);
     return data;
   }
 
@@ -147,6 +151,45 @@ class Generator {
     data.range.push_back(sense != 'R' ? 0 : exact_ ? finite_bound() : below(101) - 50);
   }
 
+  double coefficient() { return (1 + below(40)) / 4.0 * (below(2) == 0 ? 1 : -1); }
+
+  /* Terms over ascending columns. */
+  struct Terms {
+    std::vector<int> index;
+    std::vector<double> value;
+    model::VectorView view() const { return {index.data(), value.data(), static_cast<int>(index.size())}; }
+  };
+  Terms make_terms(int columns) {
+    Terms terms;
+    for (int j = 0; j < columns; ++j) {
+      if (below(3) != 0) continue;
+      terms.index.push_back(j);
+      terms.value.push_back(coefficient());
+    }
+    return terms;
+  }
+  std::vector<model::QuadraticTerm> make_products(int columns) {
+    std::vector<model::QuadraticTerm> terms;
+    for (int k = 1 + below(4); k > 0; --k) terms.push_back({below(columns), below(columns), coefficient()});
+    model::normalize(terms);
+    return terms;
+  }
+  void make_families(model::Families& families, int columns) {
+    for (int k = below(3); k > 0; --k) {
+      const Terms terms = make_terms(columns);
+      const std::string name = "shared" + std::to_string(k);  // also by rows of other kinds
+      families.sets.add({pick({'1', '2'}), terms.view(), below(2) == 0 ? "set" : nullptr});
+      families.indicators.add(
+          {{terms.view(), pick({'L', 'G', 'E'}), value(), name.c_str()}, below(columns), below(2) == 0});
+      families.user_cuts.add({terms.view(), pick({'L', 'G', 'E'}), value()});
+      families.lazy_constraints.add({terms.view(), pick({'L', 'G'}), value(), name.c_str()});
+      const auto products = make_products(columns);
+      if (!products.empty())
+        families.quadratic_rows.add({{terms.view(), pick({'L', 'G'}), value()}, products});
+    }
+    if (below(2) == 0) families.quadratic_objective = model::QuadraticObjective(make_products(columns));
+  }
+
   void make_names(model::NameBlock& block, int count, bool hostile) {
     static const char* const kOdd[] = {"x+y",       "e5",
                                        "e",         "3x",
@@ -187,6 +230,54 @@ std::string hex(double v) {
   return text;
 }
 
+/* Terms in the order of the columns' numbers. */
+std::string describe(const model::VectorView& terms, const std::vector<int>& number) {
+  std::map<int, double> sorted;
+  for (int k = 0; k < terms.count; ++k)
+    sorted[number[static_cast<std::size_t>(terms.index[k])]] = terms.value[k];
+  std::string text;
+  for (const auto& [j, value] : sorted) text += " x" + std::to_string(j) + ':' + hex(value);
+  return text;
+}
+
+std::string describe(std::span<const model::QuadraticTerm> terms, const std::vector<int>& number) {
+  std::map<std::pair<int, int>, double> sorted;
+  for (const model::QuadraticTerm& term : terms) {
+    const int a = number[static_cast<std::size_t>(term.column)],
+              b = number[static_cast<std::size_t>(term.other)];
+    sorted[std::minmax(a, b)] = term.value;
+  }
+  std::string text;
+  for (const auto& [pair, value] : sorted)
+    text += " x" + std::to_string(pair.first) + "*x" + std::to_string(pair.second) + ':' + hex(value);
+  return text;
+}
+
+std::string describe(const model::RowPool& rows, int k, const std::vector<int>& number) {
+  const auto at = static_cast<std::size_t>(k);
+  return describe(rows.row(k), number) + ' ' + rows.sense()[at] + ' ' + hex(rows.rhs()[at]);
+}
+
+std::string describe(const model::Families& f, const std::vector<int>& number) {
+  std::string text = "Q" + describe(f.quadratic_objective.terms(), number) + '\n';
+  for (int k = 0; k < f.quadratic_rows.size(); ++k)
+    text += "q" + describe(f.quadratic_rows.linear(), k, number) +
+            describe(f.quadratic_rows.terms(k), number) + '\n';
+  for (int k = 0; k < f.indicators.size(); ++k) {
+    const int column = f.indicators.column()[static_cast<std::size_t>(k)];
+    text += (f.indicators.complemented(k) ? "not x" : "if x") +
+            std::to_string(number[static_cast<std::size_t>(column)]) +
+            describe(f.indicators.rows(), k, number) + '\n';
+  }
+  for (int k = 0; k < f.user_cuts.size(); ++k) text += "u" + describe(f.user_cuts, k, number) + '\n';
+  for (int k = 0; k < f.lazy_constraints.size(); ++k)
+    text += "l" + describe(f.lazy_constraints, k, number) + '\n';
+  for (int k = 0; k < f.sets.size(); ++k)
+    text += std::string("s") + f.sets.type()[static_cast<std::size_t>(k)] +
+            describe(f.sets.members(k), number) + '\n';
+  return text;
+}
+
 /* The whole model as text; columns in the order of their numbers. */
 std::string describe(const Model& m, const std::vector<int>& number) {
   std::string text = m.objective_sense() > 0 ? "min " : "max ";
@@ -207,7 +298,7 @@ std::string describe(const Model& m, const std::vector<int>& number) {
     const auto at = static_cast<std::size_t>(i);
     text += std::string(1, m.sense()[at]) + ' ' + hex(m.rhs()[at]) + ' ' + hex(m.range()[at]) + '\n';
   }
-  return text;
+  return text + describe(m.families(), number);
 }
 
 /* Which of the written names `name` is: an own one, a made-up one, or a rewritten one, which ends with its
@@ -245,6 +336,7 @@ void make_comparable(ModelData& data, bool mps) {
 struct Loaded {
   explicit Loaded(FileModel&& file) {
     ModelData data;
+    data.families = fileio::families_of(file);
     data.objective_sense = file.objective_sense;
     data.objective_offset = file.objective_offset;
     data.objective = std::move(file.objective);
