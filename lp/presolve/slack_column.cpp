@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 
 #include "lp/presolve/tolerances.h"
 
@@ -9,6 +10,11 @@ namespace tovik::lp::presolve {
 namespace {
 
 constexpr double kLeastEntry = 1e-3;  // of the row's largest: the slack takes over the errors of its row
+
+/* Each record holds its row. So that a long row with many slacks does not fill the memory, the records of
+ * long rows end when all records together hold this many integers for each entry of the problem. */
+constexpr int kLong = 100;
+constexpr std::int64_t kMostStored = 4;
 
 struct Slack {
   int i, s;
@@ -28,6 +34,11 @@ void store_rest(Workspace& ws, const Slack& k) {
   for (int q = 0; q < v.length; ++q) {
     if (v.index[q] != k.s) ws.stack.integer(v.index[q]).real(v.value[q]);
   }
+}
+
+bool stores_too_much(const Workspace& ws, int i) {
+  const auto entries = static_cast<std::int64_t>(ws.original.matrix.index.size());
+  return ws.row_length(i) > kLong && ws.stack.stored() > kMostStored * entries;
 }
 
 /* Will the sides that are left hold by themselves, so that the row goes too? */
@@ -91,7 +102,9 @@ bool remove_slack_column(Workspace& ws, int s) {
   Slack k{v.index[0], s, v.value[0], 0, 0};
   const double lower = ws.row_lower[k.i], upper = ws.row_upper[k.i];
   if (ws.lower[s] >= ws.upper[s] || (lower == -kInf && upper == kInf)) return false;
-  if (ws.row_length(k.i) == 1 || std::fabs(k.a) < kLeastEntry * ws.activity(k.i).largest) return false;
+  if (ws.row_length(k.i) == 1 || stores_too_much(ws, k.i) ||
+      std::fabs(k.a) < kLeastEntry * ws.activity(k.i).largest)
+    return false;
   k.low = k.a * (k.a > 0 ? ws.lower[s] : ws.upper[s]);
   k.high = k.a * (k.a > 0 ? ws.upper[s] : ws.lower[s]);
   if (moves_too_far(k.low) || moves_too_far(k.high)) return false;

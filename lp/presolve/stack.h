@@ -51,6 +51,7 @@ class Record {
 class Stack {
  public:
   int size() const { return static_cast<int>(entries_.size()); }
+  std::int64_t stored() const { return static_cast<std::int64_t>(ints_.size()); }  // integers of all records
   Op op(int k) const { return entries_[k].op; }
   Record record(int k) const { return {ints_.data() + entries_[k].ints, reals_.data() + entries_[k].reals}; }
 
