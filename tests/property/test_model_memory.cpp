@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "support/describe_problem.h"
+#include "support/describe_families.h"
 #include "support/environment_fixture.h"
 
 namespace {
@@ -58,11 +58,28 @@ class OutOfMemory : public support::WithEnvironment {
     EXPECT_EQ(TVKnewrows(env_, lp, 36, nullptr, nullptr, nullptr, named ? names.data() : nullptr), 0);
     for (int k = 0; k < 40; ++k) EXPECT_EQ(TVKchgcoef(env_, lp, 0, k, k + 1), 0);
     for (int k = 1; k < 36; ++k) EXPECT_EQ(TVKchgcoef(env_, lp, k, 0, k + 1), 0);
+    if (with_families_) add_families(lp);
     return lp;
   }
 
+  /* One item in every family. */
+  void add_families(ProbHandle lp) {
+    const int begin = 0, columns[] = {3, 1, 2};
+    const double values[] = {1, 2, 3};
+    char name[] = "item";
+    char* names[] = {name};
+    EXPECT_EQ(TVKaddsos(env_, lp, 1, 3, "1", &begin, columns, values, names), 0);
+    EXPECT_EQ(TVKaddlazyconstraints(env_, lp, 1, 3, values, "L", &begin, columns, values, nullptr), 0);
+    EXPECT_EQ(TVKEaddindconstr(env_, lp, 5, 0, 3, 1, 'L', columns, values, nullptr), 0);
+    EXPECT_EQ(TVKcopyorder(env_, lp, 3, columns, nullptr, nullptr), 0);
+    EXPECT_EQ(TVKaddmipstarts(env_, lp, 1, 3, &begin, columns, values, nullptr, nullptr), 0);
+    EXPECT_EQ(TVKchgqpcoef(env_, lp, 1, 2, 4), 0);
+    EXPECT_EQ(TVKaddqconstr(env_, lp, 3, 1, 1, 'L', columns, values, columns, columns, values, nullptr), 0);
+  }
+
   std::string text_of(ProbHandle lp, bool named) {
-    return named ? support::describe(env_, lp) + rows_of(lp) : rows_of(lp);
+    const std::string families = with_families_ ? support::describe_families(env_, lp) : "";
+    return families + (named ? support::describe(env_, lp) : "") + rows_of(lp);
   }
   std::string rows_of(ProbHandle lp) {
     const int rows = TVKgetnumrows(env_, lp), entries = TVKgetnumnz(env_, lp);
@@ -119,6 +136,8 @@ class OutOfMemory : public support::WithEnvironment {
     EXPECT_EQ(TVKfreeprob(env_, &lp), 0);
   }
 
+  bool with_families_ = false;
+
   void fail_in_all_states(const char* what, const Call& call) {
     for (const bool named : {false, true}) {
       for (const bool derived : {false, true}) fail_everywhere(what, named, derived, call);
@@ -162,6 +181,49 @@ TEST_F(OutOfMemory, LeavesTheProblemAsItWas) {
     return TVKcopylpwnames(env_, lp, 3, 2, 1, rhs, rhs, "LL", begins, counts, indices, value, rhs, rhs,
                            nullptr, names, names);
   });
+}
+
+TEST_F(OutOfMemory, LeavesTheFamiliesAsTheyWere) {
+  with_families_ = true;
+  const double values[] = {1, 2, 3, 4, 5, 6};
+  const int begin[] = {0, 4}, columns[] = {0, 3, 7, 3, 39, 5}, first[] = {0};
+  std::string long_name(250, 'f');
+  char a[] = "one";
+  char* names[] = {a, long_name.data()};
+  const auto fails = [&](const char* what, const Call& call) { fail_everywhere(what, false, true, call); };
+  fails("copy sets",
+        [&](ProbHandle lp) { return TVKcopysos(env_, lp, 2, 6, "12", begin, columns, values, names); });
+  fails("add sets",
+        [&](ProbHandle lp) { return TVKaddsos(env_, lp, 2, 6, "12", begin, columns, values, names); });
+  fails("delete sets", [&](ProbHandle lp) { return TVKdelsos(env_, lp, 0, 0); });
+  fails("add cuts", [&](ProbHandle lp) {
+    return TVKaddusercuts(env_, lp, 2, 6, values, "LG", begin, columns, values, names);
+  });
+  fails("add lazy constraints", [&](ProbHandle lp) {
+    return TVKaddlazyconstraints(env_, lp, 2, 6, values, "LG", begin, columns, values, names);
+  });
+  fails("add an indicator constraint", [&](ProbHandle lp) {
+    return TVKEaddindconstr(env_, lp, 4, 1, 6, 2, 'G', columns, values, long_name.c_str());
+  });
+  fails("copy an order", [&](ProbHandle lp) { return TVKcopyorder(env_, lp, 6, columns, columns, nullptr); });
+  fails("add starts", [&](ProbHandle lp) {
+    return TVKaddmipstarts(env_, lp, 2, 6, begin, columns, values, columns, names);
+  });
+  fails("change a start", [&](ProbHandle lp) {
+    return TVKchgmipstarts(env_, lp, 1, first, 6, begin, columns, values, nullptr);
+  });
+  fails("change the quadratic objective", [&](ProbHandle lp) { return TVKchgqpcoef(env_, lp, 30, 1, 2); });
+  const std::vector<double> diagonal(40, 2.0);
+  fails("copy a quadratic objective", [&](ProbHandle lp) { return TVKcopyqpsep(env_, lp, diagonal.data()); });
+  fails("add a quadratic constraint", [&](ProbHandle lp) {
+    return TVKaddqconstr(env_, lp, 6, 6, 1, 'G', columns, values, columns, columns, values,
+                         long_name.c_str());
+  });
+  fails("name a set", [&](ProbHandle lp) { return TVKchgname(env_, lp, 'l', 0, long_name.c_str()); });
+  fails("delete columns", [&](ProbHandle lp) { return TVKdelcols(env_, lp, 2, 5); });
+  with_families_ = false;
+  fail_everywhere("become mixed-integer", true, true,
+                  [&](ProbHandle lp) { return TVKchgprobtype(env_, lp, 1); });
 }
 
 }  // namespace
