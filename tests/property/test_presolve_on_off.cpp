@@ -70,6 +70,49 @@ class PresolveOnOff : public support::WithEnvironment {
     set(TVK_PARAM_DEPIND, lps.pick(0, 3));
     set(TVK_PARAM_PREDUAL, lps.pick(-1, 1));
   }
+  /* In the problem and in the model: mostly of rows and columns that presolve kept. */
+  void change(ProbHandle prob, support::Lp& lp, support::StructuredLps& lps) {
+    std::vector<int> column_fate(lp.obj.size()), row_fate(lp.rhs.size());
+    const bool known =
+        TVKgetprestat(env_, prob, nullptr, column_fate.data(), row_fate.data(), nullptr, nullptr) == 0;
+    errors();
+    const auto choose = [&](const std::vector<int>& fate) {
+      int k = 0;
+      for (int tries = 0; tries < 20; ++tries) {
+        k = lps.pick(0, static_cast<int>(fate.size()) - 1);
+        if (!known || fate[k] >= 0) break;
+      }
+      return k;
+    };
+    const int i = choose(row_fate), j = choose(column_fate);
+    switch (lps.pick(0, 3)) {
+      case 0:
+        lp.obj[j] += lps.pick(-3, 3);
+        EXPECT_EQ(TVKchgobj(env_, prob, 1, &j, &lp.obj[j]), 0);
+        break;
+      case 1: {
+        const bool upper = lps.chance(0.5);
+        double& bound = upper ? lp.ub[j] : lp.lb[j];
+        bound = std::isinf(upper ? lp.high(j) : lp.low(j)) ? (upper ? 1 : -1) * lps.pick(0, 9)
+                                                           : bound + lps.pick(-1, 2) * (upper ? -0.5 : 0.5);
+        EXPECT_EQ(TVKchgbds(env_, prob, 1, &j, upper ? "U" : "L", &bound), 0);
+        break;
+      }
+      case 2:
+        lp.rhs[i] += lps.pick(-2, 2);
+        EXPECT_EQ(TVKchgrhs(env_, prob, 1, &i, &lp.rhs[i]), 0);
+        break;
+      default: {
+        const int begin = 0, columns[] = {j, (j + 1) % lp.columns};
+        const double values[] = {1.0, static_cast<double>(lps.pick(1, 3))}, rhs = lps.pick(0, 20);
+        const int count = known && column_fate[columns[1]] >= 0 ? 2 : 1;
+        EXPECT_EQ(TVKaddrows(env_, prob, 0, 1, count, &rhs, "L", &begin, columns, values, nullptr, nullptr),
+                  0);
+        lp = support::read_back(env_, prob);
+        break;
+      }
+    }
+  }
 };
 
 TEST_F(PresolveOnOff, AnswersAgreeAndAreProven) {
@@ -97,6 +140,38 @@ TEST_F(PresolveOnOff, AnswersAgreeAndAreProven) {
                   << complaints[1] << support::describe(lp);
   }
   for (const int count : of_status) EXPECT_GT(count, static_cast<int>(kModels) / 50);
+}
+
+/* What TVKpresolve left serves after changes that it can follow, and must be forgotten after the others. */
+TEST_F(PresolveOnOff, ChangesAfterPresolveAreFollowedOrForgotten) {
+  int followed = 0, failures = 0;
+  for (unsigned seed = 1; seed <= kModels && failures < 10; ++seed) {
+    support::StructuredLps lps(seed);
+    support::Lp lp = to_public(lps.make(false), lps.chance(0.3));
+    draw_settings(lps);
+    ASSERT_EQ(lps.chance(0.5) ? TVKsetintparam(env_, TVK_PARAM_REDUCE, 1) : 0, 0);
+    int code = 0;
+    ProbHandle prob = TVKcreateprob(env_, &code, "changing");
+    ASSERT_EQ(lp.copy(env_, prob), 0);
+    std::string complaints;
+    if (TVKpresolve(env_, prob, 0) == 0) {
+      for (int k = lps.pick(1, 3); k > 0; --k) change(prob, lp, lps);
+      int fate = 0;
+      ASSERT_EQ(TVKgetprestat(env_, prob, &fate, nullptr, nullptr, nullptr, nullptr), 0);
+      followed += fate != 0;
+      code = lps.chance(0.5) ? TVKprimopt(env_, prob) : TVKdualopt(env_, prob);
+      const support::Outcome with = support::outcome_of(env_, prob, lp, code);
+      complaints = support::check_answer(env_, prob, lp, with);
+      std::string plain;
+      const support::Outcome without = solve(lp, false, false, plain);
+      if (with.status != without.status) complaints += "another verdict than without presolve\n";
+    }
+    errors();
+    ASSERT_EQ(TVKfreeprob(env_, &prob), 0);
+    failures += !complaints.empty();
+    EXPECT_EQ(complaints, "") << "seed " << seed << '\n' << support::describe(lp);
+  }
+  EXPECT_GT(followed, static_cast<int>(kModels) / 20);
 }
 
 }  // namespace
