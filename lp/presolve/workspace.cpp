@@ -26,7 +26,21 @@ double most_term(double a, double lower, double upper) {
   return -least_term(-a, lower, upper);
 }
 
+double largest(const View& v) {
+  double found = 0;
+  for (int k = 0; k < v.length; ++k) found = std::max(found, std::fabs(v.value[k]));
+  return found;
+}
+
 }  // namespace
+
+double Workspace::row_max(int i) {
+  return largest(row(i));
+}
+
+double Workspace::column_max(int j) {
+  return largest(column(j));
+}
 
 Workspace::Workspace(const LpData& original_lp, const Settings& s, Control& c, const std::vector<char>& kept)
     : original(original_lp),
@@ -57,20 +71,6 @@ Workspace::Workspace(const LpData& original_lp, const Settings& s, Control& c, c
   for (int i = 0; i < num_rows(); ++i) queue_row(i);
   for (int j = 0; j < num_columns(); ++j) queue_column(j);
   last_report_ = control.seconds();
-}
-
-double Workspace::row_max(int i) {
-  const View v = row(i);
-  double largest = 0;
-  for (int k = 0; k < v.length; ++k) largest = std::max(largest, std::fabs(v.value[k]));
-  return largest;
-}
-
-double Workspace::column_max(int j) {
-  const View v = column(j);
-  double largest = 0;
-  for (int k = 0; k < v.length; ++k) largest = std::max(largest, std::fabs(v.value[k]));
-  return largest;
 }
 
 double Workspace::entry(int i, int j) {
@@ -110,36 +110,22 @@ const Activity& Workspace::activity(int i) {
   return sum;
 }
 
-double Workspace::least_without(int i, int j, double a) {
+/* Least value of sign * row i without column j, whose entry is a. */
+double Workspace::rest_without(int i, int j, double a, double sign) {
   const Activity& sum = activity(i);
-  const double own = least_term(a, lower[j], upper[j]);
-  if (own == -kInf) return sum.infinite_min == 1 ? sum.min : -kInf;
-  if (sum.infinite_min > 0) return -kInf;
-  const double rest = sum.min - own;
+  const int infinite = sign > 0 ? sum.infinite_min : sum.infinite_max;
+  const double total = sign > 0 ? sum.min : -sum.max;
+  const double own = least_term(sign * a, lower[j], upper[j]);
+  if (own == -kInf) return infinite == 1 ? total : -kInf;
+  if (infinite > 0) return -kInf;
+  const double rest = total - own;
   if (sum.magnitude <= kCoarse * std::max(1.0, std::fabs(rest))) return rest;
   double fresh = 0;
   const View v = row(i);
   add_work(v.length);
   for (int k = 0; k < v.length; ++k) {
     const int other = v.index[k];
-    if (other != j) fresh += least_term(v.value[k], lower[other], upper[other]);
-  }
-  return fresh;
-}
-
-double Workspace::most_without(int i, int j, double a) {
-  const Activity& sum = activity(i);
-  const double own = most_term(a, lower[j], upper[j]);
-  if (own == kInf) return sum.infinite_max == 1 ? sum.max : kInf;
-  if (sum.infinite_max > 0) return kInf;
-  const double rest = sum.max - own;
-  if (sum.magnitude <= kCoarse * std::max(1.0, std::fabs(rest))) return rest;
-  double fresh = 0;
-  const View v = row(i);
-  add_work(v.length);
-  for (int k = 0; k < v.length; ++k) {
-    const int other = v.index[k];
-    if (other != j) fresh += most_term(v.value[k], lower[other], upper[other]);
+    if (other != j) fresh += least_term(sign * v.value[k], lower[other], upper[other]);
   }
   return fresh;
 }

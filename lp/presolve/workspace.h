@@ -72,8 +72,8 @@ class Workspace {
   /* Cached until a bound or an entry of the row changes. */
   const Activity& activity(int i);
   /* Activity bounds without column j, whose entry is a. */
-  double least_without(int i, int j, double a);
-  double most_without(int i, int j, double a);
+  double least_without(int i, int j, double a) { return rest_without(i, j, a, 1.0); }
+  double most_without(int i, int j, double a) { return -rest_without(i, j, a, -1.0); }
   /* Bounds that row i puts on column j through the bounds of its other columns. */
   double implied_lower(int i, int j, double a);
   double implied_upper(int i, int j, double a);
@@ -127,6 +127,7 @@ class Workspace {
   LpData extract(std::vector<int>& row_map, std::vector<int>& column_map);
 
  private:
+  double rest_without(int i, int j, double a, double sign);
   static std::vector<int> take(std::vector<int>& list, std::vector<char>& flags);
   void touch_row(int i) { activity_fresh_[i] = 0; }
 
