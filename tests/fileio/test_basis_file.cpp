@@ -202,4 +202,52 @@ TEST_F(BasisFile, Vectors) {
   }
 }
 
+TEST_F(BasisFile, Orders) {
+  load("max x + y + z\nst\n r: x + y + z <= 9\ngenerals\n x y z\nend\n");
+  const auto read_order = [this](const std::string& records) {
+    put("a.ord", "NAME\n" + records + "ENDATA\n");
+    return TVKreadcopyorder(env_, lp_, path("a.ord").c_str());
+  };
+  const auto order = [this] {
+    int count = 0, surplus = 0, columns[3], priorities[3], directions[3];
+    EXPECT_EQ(TVKgetorder(env_, lp_, &count, columns, priorities, directions, 3, &surplus), 0);
+    std::string text;
+    for (int k = 0; k < count; ++k) {
+      text += std::to_string(columns[k]) + ':' + std::to_string(priorities[k]) + ':' +
+              std::to_string(directions[k]) + ' ';
+    }
+    return text;
+  };
+  EXPECT_EQ(TVKordwrite(env_, lp_, path("a.ord").c_str()), 3016);
+  ASSERT_EQ(read_order("* first\n UP z  10\n    y  3\n dn x  2100000000\n"), 0) << errors();
+  EXPECT_EQ(order(), "0:2100000000:-1 1:3:0 2:10:1 ");
+  ASSERT_EQ(TVKordwrite(env_, lp_, path("b.ord.gz").c_str()), 0);
+  ASSERT_EQ(TVKordwrite(env_, lp_, path("b.ord").c_str()), 0);
+  EXPECT_EQ(content("b.ord"), "NAME          p\n DN x  2100000000\n    y  3\n UP z  10\nENDATA\n");
+  ASSERT_EQ(read_order("    x  1\n"), 0);
+  errors();
+  const RecordCase cases[] = {
+      {" XX x  1\n", 3012, "Line 2: Unrecognized direction 'XX'"},
+      {" U x  1\n", 3012, "Line 2: Unrecognized direction 'U '"},
+      {" x\n", 1553, "Line 2: Wrong number of entries"},
+      {" x  1.5\n", 1434, "Line 2: Couldn't convert '1.5' to a number"},
+      {" x  2100000001\n", 1463, "Line 2: Magnitude exceeds integer limit 2100000000"},
+      {" x  -1\n", 3006, "Negative priority entry -1"},
+      {" x  1\n y 2\n UP x 2\n", 1447, nullptr},
+  };
+  for (const RecordCase& c : cases) {
+    SCOPED_TRACE(c.records);
+    EXPECT_EQ(read_order(c.records), c.code);
+    const std::string said = errors();
+    if (c.text != nullptr) {
+      EXPECT_EQ(said, "TOVIK Error  " + std::to_string(c.code) + ": " + c.text + ".\n");
+    }
+    EXPECT_EQ(order(), "0:1:0 ");
+  }
+  ASSERT_EQ(TVKreadcopyorder(env_, lp_, path("b.ord.gz").c_str()), 0);
+  EXPECT_EQ(order(), "0:2100000000:-1 1:3:0 2:10:1 ");
+  load("min x\nend\n");
+  EXPECT_EQ(read_order("    x  1\n"), 3003);
+}
+
 }  // namespace
