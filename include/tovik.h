@@ -1474,7 +1474,8 @@ TVK_API int TVKcopystart(ConstEnvHandle env, ProbHandle lp, const int *cstat, co
                          const double *rprim, const double *cdual, const double *rdual);
 
 /* Dual steepest-edge norms of the basis, one per basis position, with the basic variable of each position in head: column
- * j, or -i-1 for the slack of row i. norm and head hold one entry per row; *len_p receives their number. 1264: none. */
+ * j, or -i-1 for the slack of row i. norm and head hold one entry per row; *len_p receives their number. 1264: none; so after
+ * a primal run, and after one through presolve, which has those of the reduced problem's basis only. */
 TVK_API int TVKgetdnorms(ConstEnvHandle env, ConstProbHandle lp, double *norm, int *head, int *len_p);
 TVK_API int TVKcopydnorms(ConstEnvHandle env, ProbHandle lp, const double *norm, const int *head, int len);
 

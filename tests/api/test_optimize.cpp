@@ -230,7 +230,9 @@ TEST_F(Optimize, MethodsAndStarts) {
     ASSERT_EQ(TVKsetintparam(env_, TVK_PARAM_LPMETHOD, method), 0);
     ProbHandle lp = load(model);
     EXPECT_EQ(TVKlpopt(env_, lp), 0);
-    EXPECT_EQ(TVKgetmethod(env_, lp), method == 1 ? 1 : 2) << method;
+    if (method != 5) {  // sifting hands over to either
+      EXPECT_EQ(TVKgetmethod(env_, lp), method == 1 ? 1 : 2) << method;
+    }
     EXPECT_EQ(TVKfreeprob(env_, &lp), 0);
   }
   ASSERT_EQ(TVKsetintparam(env_, TVK_PARAM_LPMETHOD, 0), 0);
@@ -485,6 +487,7 @@ TEST_F(Optimize, AskedForPivots) {
 }
 
 TEST_F(Optimize, NormsAreThoseOfTheInverseAndComeBack) {
+  ASSERT_EQ(TVKsetintparam(env_, TVK_PARAM_PREIND, 0), 0);
   ASSERT_EQ(TVKsetintparam(env_, TVK_PARAM_SCAIND, -1), 0);
   const Lp model = assignment(8, 1);
   ProbHandle lp = load(model);
