@@ -46,6 +46,20 @@ const char* method_name(int method) {
   }
 }
 
+/* The type of the continuous relaxation; what is quadratic stays so. */
+int relaxed_type(int type) {
+  switch (type) {
+    case TVK_PROBTYPE_MILP:
+      return TVK_PROBTYPE_LP;
+    case TVK_PROBTYPE_MIQP:
+      return TVK_PROBTYPE_QP;
+    case TVK_PROBTYPE_MIQCP:
+      return TVK_PROBTYPE_QCP;
+    default:
+      return type;
+  }
+}
+
 void read_model(const Workplace& place, Model& model, const std::string& file, Outcome& outcome) {
   const Stopwatch watch;
   place.console.set_label(file == "-" ? "standard input" : file);
@@ -56,8 +70,10 @@ void read_model(const Workplace& place, Model& model, const std::string& file, O
         TVKreadcopyprob(place.environment.handle(), model.handle(), input.path().c_str(), nullptr));
   }
   place.console.set_label("");
-  if (place.options.relax && model.type() != 0)
-    place.environment.check(TVKchgprobtype(place.environment.handle(), model.handle(), 0));
+  if (place.options.relax) {
+    const int type = relaxed_type(model.type());
+    place.environment.check(TVKchgprobtype(place.environment.handle(), model.handle(), type));
+  }
   outcome.read_seconds = watch.seconds();
   outcome.rows = model.rows();
   outcome.columns = model.columns();
@@ -148,7 +164,7 @@ Outcome solve_file(const Workplace& place, const std::string& file,
   } catch (const LibraryError& error) {
     outcome.error = place.console.first_error().empty() ? error.what() : place.console.first_error();
     outcome.exit_status = exit_status_of(stage, error.code);
-    if (stage == Stage::solving && outcome.exit_status == ExitStatus::usage)
+    if (stage == Stage::solving && error.code == TVK_ERROR_NOT_FOR_MIP)
       place.console.complain("tovik: --relax solves the continuous relaxation");
   } catch (const std::system_error& error) {
     outcome.error = error.what();

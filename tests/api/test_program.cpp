@@ -295,6 +295,11 @@ TEST_F(Program, RelaxIgnoresIntegrality) {
   EXPECT_EQ(relaxed.exit, 0) << relaxed.err;
   EXPECT_EQ(relaxed.json()["problem_type"], "LP");
   EXPECT_NEAR(relaxed.json()["objective"].get<double>(), 2.5, 1e-9);
+  write("quadratic.lp", "Minimize\n x + [ x ^ 2 ] / 2\nSubject To\n a: x + y >= 1\nGenerals\n x\nEnd\n");
+  const Result quadratic = run({"quadratic.lp", "--relax"});  // a linear model would have another optimum
+  EXPECT_EQ(quadratic.exit, 2);
+  EXPECT_TRUE(contains(quadratic.err, "1018")) << quadratic.err;
+  EXPECT_FALSE(contains(quadratic.err, "--relax")) << quadratic.err;
 }
 
 TEST_F(Program, LimitsSayWhetherASolutionIsKnown) {

@@ -55,6 +55,8 @@ TEST_F(Changes, EachKindDropsItsOwn) {
       {Change::rhs, false, false, false, true, true, true, true, true, true, 1},
       {Change::matrix, false, false, false, false, false, true, true, true, false, 1},
       {Change::add_columns, false, false, false, true, true, true, true, true, true, 3},
+      {Change::branching_order, true, false, true, true, true, true, true, false, true, 0},
+      {Change::starts, true, false, true, true, true, true, true, true, true, 0},
       {Change::rows, false, false, false, false, false, true, false, false, true, 1},
       {Change::problem_type, false, false, false, false, false, false, false, false, false, 1},
       {Change::norms, true, true, true, true, true, true, false, true, true, 0},
