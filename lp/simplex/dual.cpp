@@ -18,6 +18,7 @@ constexpr int kRounds = 12;          // phase changes before giving up
 constexpr int kTroubles = 60;        // numerical rejections in a row before giving up
 constexpr double kProgress = 1e-9;   // relative growth of the objective that counts as progress
 constexpr double kStrongestPerturbation = 1e4;
+constexpr double kByList = 0.4;  // columns with a smaller share of nonzeros are gone through by their list
 constexpr double kUsualMagnitude = 1e-6;  // perturbation magnitude that means a scale of 1
 
 double bound_product(double d, double low, double high) {
@@ -215,6 +216,7 @@ bool Dual::rebuild(bool refactor) {
   core_.compute_dual();
   correct_duals();
   core_.compute_primal();
+  entering_.prepare(core_);
   objective_ = dual_objective();
   wanted_ = Rebuild::none;
   fresh_ = true;
@@ -455,8 +457,8 @@ void Dual::apply(int p, const DualEntering::Pick& pick) {
 
 void Dual::update_duals(double theta) {
   if (theta == 0) return;
-  const std::vector<int>& index = entering_.row_index();
-  const std::vector<double>& alpha = entering_.row_alpha();
+  const std::span<const int> index = entering_.row_index();
+  const std::span<const double> alpha = entering_.row_alpha();
   const size_t size = index.size();
   const double tolerance = core_.dual_tolerance;
   for (size_t k = 0; k < size; ++k) {
@@ -472,21 +474,23 @@ void Dual::update_duals(double theta) {
 void Dual::update_values(int p, double step) {
   const SparseVector& column = p >= 0 ? alpha_column_ : flip_column_;
   const double tolerance = core_.primal_tolerance;
-  const double* const weight = norms_.view().data();
-  const auto move = [&](int i) {
-    const double value = core_.x[i] - step * column.array[i];
-    core_.x[i] = value;
-    leaving_.set(i, DualLeaving::violation2(value, core_.x_lower[i], core_.x_upper[i], tolerance), weight[i]);
-  };
-  if (column.count >= 0 && column.count < 0.4 * core_.m) {
-    for (int k = 0; k < column.count; ++k) move(column.index[k]);
-    core_.charge(3 * static_cast<std::int64_t>(column.count));
-  } else {
-    for (int i = 0; i < core_.m; ++i) {
-      if (column.array[i] != 0) move(i);
+  if (column.count >= 0 && column.count < kByList * core_.m) {
+    const double* const weight = norms_.view().data();
+    for (int k = 0; k < column.count; ++k) {
+      const int i = column.index[k];
+      const double value = core_.x[i] - step * column.array[i];
+      core_.x[i] = value;
+      leaving_.set(i, DualLeaving::violation2(value, core_.x_lower[i], core_.x_upper[i], tolerance),
+                   weight[i]);
     }
-    core_.charge(2 * static_cast<std::int64_t>(core_.m));
+    core_.charge(3 * static_cast<std::int64_t>(column.count));
+    return;
   }
+  const double* const change = column.array.data();
+  double* const x = core_.x.data();
+  for (int i = 0; i < core_.m; ++i) x[i] -= step * change[i];
+  leaving_.set_all(core_, norms_.view());
+  core_.charge(2 * static_cast<std::int64_t>(core_.m));
 }
 
 void Dual::report(int entering, int leaving, bool to_upper) {

@@ -13,79 +13,147 @@ constexpr double kGoodShare = 0.1;  // a group's pivot is good when it reaches t
 constexpr double kGoodAlways = 1.0;  // ... or this size
 }  // namespace
 
-inline void DualEntering::consider(const Core& core, int j, double alpha) {
-  index_.push_back(j);
-  alpha_.push_back(alpha);
-  const double a = sign_ * alpha;
-  double direction = core.move[j];
-  if (direction == 0) {
-    if (core.work_lower[j] != -kInf || core.work_upper[j] != kInf) return;
-    direction = a > 0 ? 1.0 : -1.0;
+void DualEntering::prepare(const Core& core) {
+  const auto size = static_cast<size_t>(core.total) + 1;  // one more: the loops write before they decide
+  if (index_.size() != size) {
+    index_.resize(size);
+    alpha_.resize(size);
+    slot_.resize(size);
+    pivot_.resize(size);
+    dual_.resize(size);
   }
-  const double pivot = a * direction;
-  if (pivot <= smallest_) return;
-  const double dual = direction * core.d[j];
-  candidates_.push_back({j, pivot, alpha, dual, 0.0});
-  relaxed_ = std::min(relaxed_, (dual + core.dual_tolerance) / pivot);
-  largest_alpha_ = std::max(largest_alpha_, pivot);
+  free_ = 0;
+  for (int j = 0; j < core.total; ++j) {
+    free_ += core.nonbasic[j] && core.work_lower[j] == -kInf && core.work_upper[j] == kInf;
+  }
 }
 
-void DualEntering::load(Core& core, const SparseVector& rho, const SparseVector& alpha_row, double delta) {
-  index_.clear();
-  alpha_.clear();
-  candidates_.clear();
-  largest_alpha_ = 0;
-  relaxed_ = kInf;
-  sign_ = delta < 0 ? -1.0 : 1.0;
-  smallest_ = pivot_tolerance(core.factor.updates());
+/* The loops here and in find_candidates() store every entry and step on by the outcome of the test: whether
+ * an entry stays is close to random, and a branch on it would mostly be mispredicted. */
+void DualEntering::pack_row(Core& core, const SparseVector& rho, const SparseVector& alpha_row) {
+  int* const index = index_.data();
+  double* const packed = alpha_.data();
   const double* const alpha = alpha_row.array.data();
+  int count = 0;
+  const auto structural = [&](int j) {
+    const double a = alpha[j];
+    index[count] = j;
+    packed[count] = a;
+    count += std::fabs(a) >= kTiny;
+  };
   if (alpha_row.count >= 0) {
-    for (int k = 0; k < alpha_row.count; ++k) {
-      const int j = alpha_row.index[k];
-      if (std::fabs(alpha[j]) >= kTiny) consider(core, j, alpha[j]);
-    }
+    for (int k = 0; k < alpha_row.count; ++k) structural(alpha_row.index[k]);
   } else {
-    for (int j = 0; j < core.n; ++j) {
-      if (std::fabs(alpha[j]) >= kTiny) consider(core, j, alpha[j]);
-    }
+    for (int j = 0; j < core.n; ++j) structural(j);
     core.charge(core.n / 2);
   }
-  core.row_ap_density.update(static_cast<double>(index_.size()), core.n);
+  core.row_ap_density.update(count, core.n);
   const auto logical = [&](int i) {
     const int j = core.n + i;
-    if (rho.array[i] != 0 && core.nonbasic[j] && !core.is_fixed(j)) consider(core, j, rho.array[i]);
+    const double a = rho.array[i];
+    index[count] = j;
+    packed[count] = a;
+    count += (a != 0) & (core.nonbasic[j] != 0) & (core.lower[j] != core.upper[j]);
   };
   if (rho.count >= 0) {
     for (int k = 0; k < rho.count; ++k) logical(rho.index[k]);
   } else {
     for (int i = 0; i < core.m; ++i) logical(i);
   }
-  core.charge(2 * static_cast<std::int64_t>(index_.size()));
+  count_ = count;
+  core.charge(2 * static_cast<std::int64_t>(count));
+}
+
+void DualEntering::find_candidates(const Core& core) {
+  const int* const index = index_.data();
+  const double* const alpha = alpha_.data();
+  const signed char* const move = core.move.data();
+  const double* const d = core.d.data();
+  int* const slot = slot_.data();
+  double* const pivots = pivot_.data();
+  double* const duals = dual_.data();
+  const double sign = sign_;
+  const double smallest = smallest_;
+  int found = 0;
+  for (int k = 0; k < count_; ++k) {
+    const double pivot = sign * alpha[k] * move[index[k]];
+    slot[found] = k;
+    pivots[found] = pivot;
+    found += pivot > smallest;
+  }
+  double relaxed = kInf;
+  double largest = 0;
+  const double tolerance = core.dual_tolerance;
+  for (int c = 0; c < found; ++c) {
+    const int j = index[slot[c]];
+    const double dual = move[j] * d[j];
+    duals[c] = dual;
+    largest = std::max(largest, pivots[c]);
+    if (dual + tolerance < relaxed * pivots[c]) relaxed = (dual + tolerance) / pivots[c];
+  }
+  found_ = found;
+  relaxed_ = relaxed;
+  largest_alpha_ = largest;
+}
+
+void DualEntering::add_free_candidates(const Core& core) {
+  for (int k = 0; k < count_; ++k) {
+    const int j = index_[k];
+    if (core.move[j] != 0 || core.work_lower[j] != -kInf || core.work_upper[j] != kInf) continue;
+    const double a = sign_ * alpha_[k];
+    const double pivot = std::fabs(a);
+    if (pivot <= smallest_) continue;
+    const double dual = a > 0 ? core.d[j] : -core.d[j];
+    slot_[found_] = k;
+    pivot_[found_] = pivot;
+    dual_[found_++] = dual;
+    relaxed_ = std::min(relaxed_, (dual + core.dual_tolerance) / pivot);
+    largest_alpha_ = std::max(largest_alpha_, pivot);
+  }
+}
+
+void DualEntering::load(Core& core, const SparseVector& rho, const SparseVector& alpha_row, double delta) {
+  sign_ = delta < 0 ? -1.0 : 1.0;
+  smallest_ = pivot_tolerance(core.factor.updates());
+  pack_row(core, rho, alpha_row);
+  find_candidates(core);
+  if (free_ > 0) add_free_candidates(core);
+}
+
+/* Large steps: keeps only the candidates whose break points the slope can reach. */
+void DualEntering::select_reachable(const Core& core, double delta) {
+  candidates_.clear();
+  double slope = std::fabs(delta);
+  int left = found_;
+  double reach = std::max(relaxed_, 0.0) * 10 + 1e-7;
+  for (;;) {
+    int kept = 0;
+    for (int c = 0; c < left; ++c) {
+      const double pivot = pivot_[c];
+      const double dual = dual_[c];
+      const int k = slot_[c];
+      if (pivot * reach >= dual) {
+        const int j = index_[k];
+        slope -= pivot * (core.work_upper[j] - core.work_lower[j]);
+        candidates_.push_back({j, pivot, alpha_[k], dual, dual / pivot});
+      } else {
+        slot_[kept] = k;
+        pivot_[kept] = pivot;
+        dual_[kept++] = dual;
+      }
+    }
+    left = kept;
+    if (slope < 0 || left == 0) return;
+    reach *= 10;
+  }
 }
 
 DualEntering::Pick DualEntering::choose(Core& core, double delta) {
   flips_.clear();
   Pick pick;
-  const double theta = relaxed_;
-  if (candidates_.empty()) return pick;
-
-  // Large steps: keep only the candidates whose break points the slope can reach.
-  double slope = std::fabs(delta);
-  size_t selected = 0;
-  double reach = std::max(theta, 0.0) * 10 + 1e-7;
-  for (;;) {
-    for (size_t k = selected; k < candidates_.size(); ++k) {
-      Candidate& c = candidates_[k];
-      if (c.alpha * reach >= c.dual) {
-        slope -= c.alpha * (core.work_upper[c.variable] - core.work_lower[c.variable]);
-        std::swap(candidates_[selected++], c);
-      }
-    }
-    if (slope < 0 || selected == candidates_.size()) break;
-    reach *= 10;
-  }
-  candidates_.resize(selected);
-  for (Candidate& c : candidates_) c.ratio = c.dual / c.alpha;
+  if (found_ == 0) return pick;
+  select_reachable(core, delta);
+  const size_t selected = candidates_.size();
   std::sort(candidates_.begin(), candidates_.end(), [](const Candidate& a, const Candidate& b) {
     return a.ratio != b.ratio ? a.ratio < b.ratio : a.variable < b.variable;
   });
@@ -99,7 +167,7 @@ DualEntering::Pick DualEntering::choose(Core& core, double delta) {
     suffix_[k] = least;
   }
   group_.clear();
-  slope = std::fabs(delta);
+  double slope = std::fabs(delta);
   size_t k = 0;
   while (k < selected) {
     group_.push_back(static_cast<int>(k));

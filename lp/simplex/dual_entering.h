@@ -8,6 +8,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <vector>
 
 #include "lp/simplex/core.h"
@@ -22,14 +23,17 @@ class DualEntering {
     double theta = 0;  // dual step d_q / alpha
   };
 
-  /* Gathers the pivot row from rho (logicals) and alpha_row (structurals), and the candidates in it, in one
-   * pass. delta: signed violation of the leaving variable. */
+  /* Sizes the row for the core; counts the free nonbasics, which are candidates in both directions. Call
+   * whenever statuses or bounds have been set anew. */
+  void prepare(const Core& core);
+  /* Gathers the pivot row from rho (logicals) and alpha_row (structurals), and the candidates in it.
+   * delta: signed violation of the leaving variable. */
   void load(Core& core, const SparseVector& rho, const SparseVector& alpha_row, double delta);
   /* May shift the cost of the pick so that its step is not negative. */
   Pick choose(Core& core, double delta);
   const std::vector<int>& flips() const { return flips_; }
-  const std::vector<int>& row_index() const { return index_; }
-  const std::vector<double>& row_alpha() const { return alpha_; }
+  std::span<const int> row_index() const { return {index_.data(), static_cast<size_t>(count_)}; }
+  std::span<const double> row_alpha() const { return {alpha_.data(), static_cast<size_t>(count_)}; }
   double largest_alpha() const { return largest_alpha_; }
 
  private:
@@ -40,10 +44,18 @@ class DualEntering {
     double dual;   // move * d
     double ratio;  // dual / alpha
   };
-  void consider(const Core& core, int j, double alpha);
-  std::vector<int> index_;
-  std::vector<double> alpha_;
-  std::vector<Candidate> candidates_;
+  void pack_row(Core& core, const SparseVector& rho, const SparseVector& alpha_row);
+  void find_candidates(const Core& core);
+  void add_free_candidates(const Core& core);
+  void select_reachable(const Core& core, double delta);
+  std::vector<int> index_;            // the packed row, first count_ valid
+  std::vector<double> alpha_;         // likewise
+  std::vector<int> slot_;             // candidates by place in the packed row, first found_ valid
+  std::vector<double> pivot_, dual_;  // of the candidates, in the direction in which each may move
+  int count_ = 0;
+  int found_ = 0;
+  int free_ = 0;                       // free nonbasics at the last prepare()
+  std::vector<Candidate> candidates_;  // those that the step can reach
   std::vector<double> suffix_;
   std::vector<int> group_;  // first candidate of each group
   std::vector<int> flips_;

@@ -21,10 +21,28 @@ void DualLeaving::resize(int rows) {
   taboo_count_ = 0;
 }
 
-void DualLeaving::rebuild(Core& core, const std::vector<double>& weight, bool keep_taboo) {
+void DualLeaving::measure(const Core& core) {
+  const double* const x = core.x.data();
+  const double* const low = core.x_lower.data();
+  const double* const high = core.x_upper.data();
+  double* const squared = infeasibility_.data();
+  const double tolerance = core.primal_tolerance;
+  for (int p = 0; p < core.m; ++p) squared[p] = violation2(x[p], low[p], high[p], tolerance);
+}
+
+void DualLeaving::set_all(const Core& core, const std::vector<double>& weight) {
+  measure(core);
+  if (!listed_) return;
   for (int p = 0; p < core.m; ++p) {
-    infeasibility_[p] = violation2(core.x[p], core.x_lower[p], core.x_upper[p], core.primal_tolerance);
+    if (!in_list_[p] && infeasibility_[p] > cutoff_ * weight[p]) {
+      in_list_[p] = 1;
+      list_.push_back(p);
+    }
   }
+}
+
+void DualLeaving::rebuild(Core& core, const std::vector<double>& weight, bool keep_taboo) {
+  measure(core);
   if (!keep_taboo && taboo_count_ > 0) {
     std::fill(taboo_.begin(), taboo_.end(), 0);
     taboo_count_ = 0;

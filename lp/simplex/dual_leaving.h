@@ -3,9 +3,10 @@
  * Modes     dense: every choice scans all rows. Listed: only rows whose merit passes a cut-off are kept in a
  * list; rows are added as their merit grows, and the list is rebuilt when its best falls below the cut-off,
  * so that in a hyper-sparse run no choice looks at all rows. Order     rebuild() after the values were
- * recomputed; touch() for every value that an update changed. */
+ * recomputed; set() for every value that an update changed. */
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <vector>
 
@@ -34,12 +35,15 @@ class DualLeaving {
     ++taboo_count_;
   }
   int taboo_count() const { return taboo_count_; }
+  /* set() for all rows from the core's values. */
+  void set_all(const Core& core, const std::vector<double>& weight);
   static double violation2(double x, double low, double high, double tolerance) {
-    const double v = x < low - tolerance ? low - x : x > high + tolerance ? x - high : 0.0;
-    return v * v;
+    const double v = std::max(low - x, x - high);
+    return v > tolerance ? v * v : 0.0;
   }
 
  private:
+  void measure(const Core& core);
   void make_list(Core& core, const std::vector<double>& weight);
   int scan(Core& core, const std::vector<double>& weight) const;
   std::vector<double> infeasibility_;

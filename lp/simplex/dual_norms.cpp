@@ -3,6 +3,9 @@
 #include <algorithm>
 
 namespace tovik::lp::simplex {
+namespace {
+constexpr double kByList = 0.4;  // columns with a smaller share of nonzeros are gone through by their list
+}  // namespace
 
 void DualNorms::compute(Core& core, SparseVector& work) {
   weight_.resize(static_cast<size_t>(core.m));
@@ -18,17 +21,19 @@ void DualNorms::compute(Core& core, SparseVector& work) {
 void DualNorms::update(int p, const SparseVector& column, double pivot, const SparseVector& tau) {
   const double pivot_weight = weight_[p];
   const double inverse = 1.0 / pivot;
-  const auto step = [&](int i) {
-    const double ratio = column.array[i] * inverse;
-    const double updated = weight_[i] + ratio * (ratio * pivot_weight - 2.0 * tau.array[i]);
-    weight_[i] = std::max(updated, std::max(kFloor, ratio * ratio * kFloor));
+  const double* const alpha = column.array.data();
+  const double* const t = tau.array.data();
+  double* const weight = weight_.data();
+  const auto step = [=](int i) {
+    const double ratio = alpha[i] * inverse;
+    const double updated = weight[i] + ratio * (ratio * pivot_weight - 2.0 * t[i]);
+    weight[i] = std::max(updated, std::max(kFloor, ratio * ratio * kFloor));
   };
-  if (column.count >= 0) {
+  const int size = static_cast<int>(weight_.size());
+  if (column.count >= 0 && column.count < kByList * size) {
     for (int k = 0; k < column.count; ++k) step(column.index[k]);
   } else {
-    for (int i = 0; i < static_cast<int>(weight_.size()); ++i) {
-      if (column.array[i] != 0) step(i);
-    }
+    for (int i = 0; i < size; ++i) step(i);  // a zero leaves the weight as it is
   }
   weight_[p] = std::max(kFloor, pivot_weight * inverse * inverse);
 }
