@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "lp/factor/builder.h"
+#include "lp/factor/joint_solver.h"
 #include "lp/factor/lu.h"
 #include "lp/factor/solver.h"
 #include "lp/factor/update.h"
@@ -37,13 +38,14 @@ class Signs {
 }  // namespace
 
 struct Factor::Impl {
-  explicit Impl(const Matrix& a) : matrix(a), builder(a), solver(lu) {}
+  explicit Impl(const Matrix& a) : matrix(a), builder(a), solver(lu), joint_solver(lu) {}
 
   const Matrix& matrix;
   Settings settings;
   Lu lu;
   Builder builder;
   Solver solver;
+  JointSolver joint_solver;
   Stats stats;
   std::vector<int> head;
   int update_limit = 0;  // 0: by default
@@ -184,6 +186,9 @@ double Factor::residual_check() {
 
 void Factor::ftran(SparseVector& v, double expected_density) {
   impl_->solver.ftran(v, expected_density);
+}
+void Factor::ftran(std::span<SparseVector* const> vectors) {
+  impl_->joint_solver.ftran(vectors, impl_->solver.counts());
 }
 void Factor::btran(SparseVector& v, double expected_density) {
   impl_->solver.btran(v, expected_density);

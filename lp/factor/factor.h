@@ -9,6 +9,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <vector>
 
 #include "lp/linalg/lp_data.h"
@@ -67,6 +68,9 @@ class Factor {
    * spike in ftran, the row eta in btran; the flag is reset. */
   void ftran(SparseVector& v, double expected_density);
   void btran(SparseVector& v, double expected_density);
+
+  /* ftran() of up to four vectors in one pass; for vectors whose results are expected to be dense. */
+  void ftran(std::span<SparseVector* const> vectors);
 
   /* Replaces the basic variable of position r. column: packed spike of ftran(a_q), with the full result in
    * its array (pivot = column.array[r]); row: packed partial result of btran(e_r). Returns false when the new

@@ -33,6 +33,7 @@ class Solver {
 
   Workspace& workspace() { return work_; }
   const SolveCounts& counts() const { return counts_; }
+  SolveCounts& counts() { return counts_; }
 
  private:
   void load(SparseVector& v, const std::vector<int>& slot_of);

@@ -1,6 +1,7 @@
 #include "lp/simplex/core.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdio>
 
@@ -9,6 +10,7 @@ namespace tovik::lp::simplex {
 namespace {
 constexpr double kColumnPriceRatio =
     0.7;  // price by columns when rows would touch more than this share of all entries
+constexpr double kJointDensity = 0.25;  // results denser than this are solved for together
 constexpr double kLargestThreshold = 0.99999;
 constexpr double kStrictThreshold =
     0.5;                             // beyond this a stricter pivot rule does not mend an inaccurate factor
@@ -226,6 +228,23 @@ FactorState Core::factor_basis() {
 void Core::ftran(SparseVector& v, Density& density) {
   factor.ftran(v, density.value());
   density.update(v);
+}
+
+void Core::ftran(std::span<const Solve> solves) {
+  std::array<SparseVector*, 4> together;
+  size_t count = 0;
+  for (const Solve& s : solves) {
+    if (s.density->value() > kJointDensity && count < together.size()) together[count++] = s.vector;
+  }
+  if (count > 1) factor.ftran({together.data(), count});
+  for (const Solve& s : solves) {
+    if (count > 1 &&
+        std::find(together.begin(), together.begin() + count, s.vector) != together.begin() + count) {
+      s.density->update(*s.vector);
+    } else {
+      ftran(*s.vector, *s.density);
+    }
+  }
 }
 
 void Core::btran(SparseVector& v, Density& density) {

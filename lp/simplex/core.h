@@ -13,6 +13,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <vector>
 
 #include "lp/factor/factor.h"
@@ -110,6 +111,12 @@ class Core {
    * allowed. */
   FactorState refactor();
   void ftran(SparseVector& v, Density& density);
+  struct Solve {
+    SparseVector* vector;
+    Density* density;
+  };
+  /* Several solves with the same factor, together where their results are dense. */
+  void ftran(std::span<const Solve> solves);
   void btran(SparseVector& v, Density& density);
   /* rho' A over active columns into alpha (dimension n). */
   void price(const SparseVector& rho, SparseVector& alpha);

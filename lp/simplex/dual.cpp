@@ -1,6 +1,7 @@
 #include "lp/simplex/dual.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdio>
 
@@ -361,10 +362,7 @@ Dual::Step Dual::iterate() {
     wanted_ = Rebuild::refactor;
     return Step::numerical;
   }
-  core_.load_column(pick.variable, alpha_column_);
-  alpha_column_.want_pack = true;
-  core_.ftran(alpha_column_, core_.column_density);
-  alpha_column_.want_pack = false;
+  solve_columns(pick.variable);
   const double by_column = alpha_column_.array[p];
   const double gap = std::fabs(by_column - pick.alpha);
   const double size = std::min(std::fabs(by_column), std::fabs(pick.alpha));
@@ -386,18 +384,36 @@ bool Dual::price_and_choose(DualEntering::Pick& pick) {
   return pick.variable >= 0;
 }
 
-/* Moves the flipped variables to their other bounds and solves for the change of the basic values. */
-void Dual::solve_flips() {
-  flip_column_.clear();
+/* The iteration's solves: the entering column, the change of the basic values by flips, and the pivot row's
+ * product with the inverse for the weights. */
+void Dual::solve_columns(int entering) {
+  std::array<Core::Solve, 3> solves;
+  size_t count = 0;
+  core_.load_column(entering, alpha_column_);
+  alpha_column_.want_pack = true;
+  solves[count++] = {&alpha_column_, &core_.column_density};
+  if (pricing_ == Pricing::steepest_edge) {
+    tau_.copy(rho_);
+    solves[count++] = {&tau_, &core_.dse_density};
+  }
+  if (!entering_.flips().empty()) {
+    flip_column_.clear();
+    for (int j : entering_.flips())
+      core_.add_column(j, core_.move[j] * (core_.work_upper[j] - core_.work_lower[j]), flip_column_);
+    solves[count++] = {&flip_column_, &core_.flip_density};
+  }
+  core_.ftran({solves.data(), count});
+  alpha_column_.want_pack = false;
+}
+
+/* Moves the flipped variables to their other bounds. */
+void Dual::flip() {
   for (int j : entering_.flips()) {
-    const double change = core_.move[j] * (core_.work_upper[j] - core_.work_lower[j]);
-    objective_ += core_.d[j] * change;
+    objective_ += core_.d[j] * core_.move[j] * (core_.work_upper[j] - core_.work_lower[j]);
     core_.move[j] = static_cast<signed char>(-core_.move[j]);
     core_.value[j] = core_.move[j] > 0 ? core_.work_lower[j] : core_.work_upper[j];
-    core_.add_column(j, change, flip_column_);
   }
   core_.counters.bound_flips += static_cast<std::int64_t>(entering_.flips().size());
-  core_.ftran(flip_column_, core_.flip_density);
 }
 
 void Dual::apply(int p, const DualEntering::Pick& pick) {
@@ -406,7 +422,7 @@ void Dual::apply(int p, const DualEntering::Pick& pick) {
   const int leaving_move = delta_ < 0 ? 1 : -1;
   const double bound = leaving_move > 0 ? core_.x_lower[p] : core_.x_upper[p];
   if (!entering_.flips().empty()) {
-    solve_flips();
+    flip();
     update_values(-1, 1.0);
     delta_ = core_.x[p] - bound;
   }
@@ -418,8 +434,6 @@ void Dual::apply(int p, const DualEntering::Pick& pick) {
   const double step = delta_ / pivot;
   const double entering_value = core_.value[q] + step;
   if (pricing_ == Pricing::steepest_edge) {
-    tau_.copy(rho_);
-    core_.ftran(tau_, core_.dse_density);
     norms_.update(p, alpha_column_, pivot, tau_);
   } else if (pricing_ == Pricing::devex) {
     norms_.update_devex(p, alpha_column_, pivot);

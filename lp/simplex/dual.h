@@ -50,7 +50,8 @@ class Dual {
   Step iterate();
   int choose_row();
   bool price_and_choose(DualEntering::Pick& pick);
-  void solve_flips();
+  void solve_columns(int entering);
+  void flip();
   void apply(int p, const DualEntering::Pick& pick);
   void update_duals(double theta);
   void update_values(int p, double step);

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <map>
 #include <numeric>
 #include <random>
 #include <set>
@@ -169,6 +170,49 @@ void check_solves(Factor& factor, const Matrix& a, const std::vector<int>& head,
   }
 }
 
+/* Several right-hand sides at once must solve what single solves do, and leave the same spike for an update.
+ */
+void check_joint_solves(Factor& factor, const Matrix& a, const std::vector<int>& head, double tolerance,
+                        Random& random) {
+  const int m = a.rows;
+  for (const int lanes : {2, 3, 4}) {
+    std::vector<SparseVector> vectors(lanes);
+    std::vector<std::vector<double>> rights(lanes);
+    std::vector<SparseVector*> together;
+    for (int k = 0; k < lanes; ++k) {
+      rights[k].assign(m, 0.0);
+      for (int e = 0; e < 1 + k * m; ++e) rights[k][below(random, m)] = uniform(random, -2, 2);
+      vectors[k].resize(m);
+      vectors[k].array = rights[k];
+      vectors[k].count = -1;
+      if (k % 2 == 0) vectors[k].reindex();
+      together.push_back(&vectors[k]);
+    }
+    SparseVector single = vectors[0];
+    vectors[0].want_pack = single.want_pack = true;
+    factor.ftran(together);
+    for (int k = 0; k < lanes; ++k) {
+      expect_listed(vectors[k]);
+      ASSERT_LE(ftran_error(a, head, vectors[k].array, rights[k]), tolerance) << k << " of " << lanes;
+    }
+    factor.ftran(single, 1.0);
+    const auto spike = [](const SparseVector& v) {
+      std::map<int, double> entries;
+      for (size_t k = 0; k < v.packed_index.size(); ++k) entries[v.packed_index[k]] = v.packed_value[k];
+      return entries;
+    };
+    ASSERT_FALSE(vectors[0].want_pack);
+    const std::map<int, double> expected = spike(single);
+    const std::map<int, double> found = spike(vectors[0]);
+    double largest = 1.0;
+    for (const auto& [slot, value] : expected) largest = std::max(largest, std::fabs(value));
+    for (const auto& [slot, value] : expected)
+      ASSERT_NEAR(found.count(slot) > 0 ? found.at(slot) : 0.0, value, 1e-9 * largest);
+    for (const auto& [slot, value] : found)
+      ASSERT_NEAR(expected.count(slot) > 0 ? expected.at(slot) : 0.0, value, 1e-9 * largest);
+  }
+}
+
 std::vector<int> logical_basis(const Matrix& a) {
   std::vector<int> head(a.rows);
   std::iota(head.begin(), head.end(), a.columns);
@@ -228,6 +272,7 @@ TEST_P(FactorFamilies, BuildSolvesAndRepairs) {
     ASSERT_EQ(expected, std::multiset<int>(head.begin(), head.end())) << "head is not the repaired basis";
     EXPECT_LE(factor.residual_check(), 1e-12);
     check_solves(factor, a, head, random, family.tolerance);
+    check_joint_solves(factor, a, head, family.tolerance, random);
   }
 }
 
@@ -281,7 +326,10 @@ TEST_P(FactorFamilies, ReplacementsKeepTheFactorRight) {
         basic[a.columns + exchange.row] = 1;
       }
     }
-    if (replaced % 37 == 0) check_solves(factor, a, head, random, family.update_tolerance);
+    if (replaced % 37 == 0) {
+      check_solves(factor, a, head, random, family.update_tolerance);
+      check_joint_solves(factor, a, head, family.update_tolerance, random);
+    }
     if (HasFatalFailure()) return;
   }
   EXPECT_GT(replaced, 800);
