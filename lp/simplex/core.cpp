@@ -360,6 +360,35 @@ void Core::compute_dual() {
   buffer_.clear();
 }
 
+bool Core::must_stop(std::int64_t iteration_end, Outcome& outcome) {
+  constexpr int kClockEvery = 100;
+  report_work();
+  Stop stop = control->iteration_callback();
+  if (stop == Stop::none) {
+    const bool at_limit = counters.iterations >= options.iteration_limit;
+    if (at_limit || counters.iterations >= iteration_end) {
+      outcome = at_limit ? Outcome::iteration_limit : Outcome::trouble;
+      return true;
+    }
+    stop = control->poll();
+    if (stop == Stop::none && counters.iterations % kClockEvery == 0) stop = control->poll_clock();
+  }
+  switch (stop) {
+    case Stop::none:
+      return false;
+    case Stop::time_limit:
+      outcome = Outcome::time_limit;
+      break;
+    case Stop::tick_limit:
+      outcome = Outcome::tick_limit;
+      break;
+    case Stop::user_abort:
+      outcome = Outcome::user_abort;
+      break;
+  }
+  return true;
+}
+
 double Core::objective() const {
   double sum = lp.offset;
   for (int j = 0; j < total; ++j) {

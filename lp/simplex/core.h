@@ -150,6 +150,10 @@ class Core {
   std::int64_t work_done = 0;  // ticks outside the factor
   void charge(std::int64_t ticks) { work_done += ticks; }
   std::int64_t total_work() const { return work_done + factor.work(); }
+  /* Asked before each iteration: reports the work, calls the callback, looks at limits, at the control and
+   * now and then at the clock. True: stop with `outcome`; it is trouble when the budget that ends at
+   * iteration_end is used up. */
+  bool must_stop(std::int64_t iteration_end, Outcome& outcome);
   /* Hands the work since the last call to the control. */
   void report_work() {
     const std::int64_t done = total_work();

@@ -254,39 +254,11 @@ double Dual::dual_objective() const {
 }
 
 bool Dual::check_limits() {
-  Counters& c = core_.counters;
-  core_.report_work();
-  Stop stop = core_.control->iteration_callback();
-  if (stop == Stop::none) {
-    if (c.iterations >= core_.options.iteration_limit) {
-      stop_ = Outcome::iteration_limit;
-      return true;
-    }
-    if (beyond_objective_limit()) {
-      stop_ = Outcome::objective_limit;
-      return true;
-    }
-    if (c.iterations >= iteration_end_) {
-      stop_ = Outcome::trouble;
-      return true;
-    }
-    stop = core_.control->poll();
-    if (stop == Stop::none && c.iterations % 100 == 0) stop = core_.control->poll_clock();
+  if (beyond_objective_limit()) {
+    stop_ = Outcome::objective_limit;
+    return true;
   }
-  switch (stop) {
-    case Stop::none:
-      return false;
-    case Stop::time_limit:
-      stop_ = Outcome::time_limit;
-      break;
-    case Stop::tick_limit:
-      stop_ = Outcome::tick_limit;
-      break;
-    case Stop::user_abort:
-      stop_ = Outcome::user_abort;
-      break;
-  }
-  return true;
+  return core_.must_stop(iteration_end_, stop_);
 }
 
 // ---- one iteration

@@ -282,34 +282,7 @@ bool Primal::check_limits() {
     wanted_ = Rebuild::recompute;
     return false;
   }
-  core_.report_work();
-  Stop stop = core_.control->iteration_callback();
-  if (stop == Stop::none) {
-    if (iterations >= core_.options.iteration_limit) {
-      stop_ = Outcome::iteration_limit;
-      return true;
-    }
-    if (iterations >= iteration_end_) {
-      stop_ = Outcome::trouble;
-      return true;
-    }
-    stop = core_.control->poll();
-    if (stop == Stop::none && iterations % 100 == 0) stop = core_.control->poll_clock();
-  }
-  switch (stop) {
-    case Stop::none:
-      return false;
-    case Stop::time_limit:
-      stop_ = Outcome::time_limit;
-      break;
-    case Stop::tick_limit:
-      stop_ = Outcome::tick_limit;
-      break;
-    case Stop::user_abort:
-      stop_ = Outcome::user_abort;
-      break;
-  }
-  return true;
+  return core_.must_stop(iteration_end_, stop_);
 }
 
 /* gain: decrease of the function being minimized in the last step. */

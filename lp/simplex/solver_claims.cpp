@@ -34,29 +34,21 @@ double dual_violation(double d, At status, double low, double high) {
 
 Violation measure_violation(const LpData& lp, const Answer& answer) {
   Violation v;
+  const auto note = [](double violation, int where, double& largest, int& worst) {
+    if (!(violation > largest)) return;
+    largest = violation;
+    worst = where;
+  };
   for (int j = 0; j < lp.num_columns(); ++j) {
-    const double bound = std::max(lp.lower[j] - answer.x[j], answer.x[j] - lp.upper[j]);
-    if (bound > v.column) {
-      v.column = bound;
-      v.worst_column = j;
-    }
-    const double wrong = dual_violation(answer.d[j], answer.column_status[j], lp.lower[j], lp.upper[j]);
-    if (wrong > v.dual) {
-      v.dual = wrong;
-      v.worst_dual = j;
-    }
+    note(std::max(lp.lower[j] - answer.x[j], answer.x[j] - lp.upper[j]), j, v.column, v.worst_column);
+    note(dual_violation(answer.d[j], answer.column_status[j], lp.lower[j], lp.upper[j]), j, v.dual,
+         v.worst_dual);
   }
   for (int i = 0; i < lp.num_rows(); ++i) {
-    const double bound = std::max(lp.row_lower[i] - answer.activity[i], answer.activity[i] - lp.row_upper[i]);
-    if (bound > v.row) {
-      v.row = bound;
-      v.worst_row = i;
-    }
-    const double wrong = dual_violation(answer.y[i], answer.row_status[i], lp.row_lower[i], lp.row_upper[i]);
-    if (wrong > v.dual) {
-      v.dual = wrong;
-      v.worst_dual = lp.num_columns() + i;
-    }
+    note(std::max(lp.row_lower[i] - answer.activity[i], answer.activity[i] - lp.row_upper[i]), i, v.row,
+         v.worst_row);
+    note(dual_violation(answer.y[i], answer.row_status[i], lp.row_lower[i], lp.row_upper[i]),
+         lp.num_columns() + i, v.dual, v.worst_dual);
   }
   return v;
 }
