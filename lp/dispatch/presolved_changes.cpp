@@ -25,8 +25,8 @@ bool used(const Presolved& record, std::initializer_list<Rule> rules) {
 }
 
 bool used_dual_arguments(const Presolved& record) {
-  return used(record, {Rule::dominated_column, Rule::dual_equation, Rule::dominated_pair,
-                       Rule::zero_cost_column, Rule::parallel_columns});
+  return used(record,
+              {Rule::dominated_column, Rule::dual_equation, Rule::zero_cost_column, Rule::parallel_columns});
 }
 
 /* Place of each of `lines` in the reduced problem; empty when one is not there. */

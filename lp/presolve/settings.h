@@ -24,11 +24,9 @@ enum class Rule {
   parallel_rows,
   parallel_columns,
   zero_cost_column,
-  two_entry_column,
   sparsify,
   dependent_rows,
   dual_equation,
-  dominated_pair,
   count
 };
 inline constexpr int kRules = static_cast<int>(Rule::count);
@@ -44,8 +42,7 @@ inline constexpr std::uint32_t kDefaultRules = kAllRules & ~rule_bit(Rule::spars
  * aggregator has a switch of its own. */
 inline constexpr std::uint32_t kDualRules =
     rule_bit(Rule::empty_column) | rule_bit(Rule::dual_fixing) | rule_bit(Rule::dominated_column) |
-    rule_bit(Rule::parallel_columns) | rule_bit(Rule::zero_cost_column) | rule_bit(Rule::dual_equation) |
-    rule_bit(Rule::dominated_pair);
+    rule_bit(Rule::parallel_columns) | rule_bit(Rule::zero_cost_column) | rule_bit(Rule::dual_equation);
 inline constexpr std::uint32_t kPrimalRules =
     kAllRules & ~(kDualRules | rule_bit(Rule::empty_row) | rule_bit(Rule::fixed_column) |
                   rule_bit(Rule::doubleton_equation) | rule_bit(Rule::free_column));

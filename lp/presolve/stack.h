@@ -23,7 +23,6 @@ enum class Op : std::uint8_t {
   parallel_rows,
   parallel_columns,
   zero_cost_column,
-  two_entry_column,
   row_addition,
   row_made_equation,
   count

@@ -212,13 +212,6 @@ class PlantedLps {
         }
         no_cost_.push_back(j);
         break;
-      case Rule::two_entry_column:
-        clear_column(lp, j);
-        r[j] = nonzero();
-        lp.a[i2][j] = nonzero();
-        kind_[i] = "LGR"[pick(0, 2)];
-        free_column(lp, j);
-        break;
       case Rule::sparsify:
         if (i == i2) break;
         for (double& entry : r) entry = entry == 0 && chance(0.7) ? nonzero() : entry;
@@ -240,15 +233,6 @@ class PlantedLps {
         (chance(0.5) ? lp.lower[j] : lp.upper[j]) = chance(0.5) ? -kInf : kInf;
         if (lp.lower[j] == kInf) lp.lower[j] = -kInf;
         if (lp.upper[j] == -kInf) lp.upper[j] = kInf;
-        break;
-      case Rule::dominated_pair:
-        if (j == j2) break;
-        for (int k = 0; k < lp.rows(); ++k) {
-          if (chance(0.6)) kind_[k] = "LG"[pick(0, 1)];
-          lp.a[k][j2] = lp.a[k][j] + (kind_[k] == 'L' ? pick(0, 1) : kind_[k] == 'G' ? -pick(0, 1) : 0);
-        }
-        lp.upper[j] = kInf;
-        same_cost_.push_back({j2, j, 1.0});
         break;
       case Rule::count:
         break;

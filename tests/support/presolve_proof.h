@@ -78,8 +78,7 @@ inline bool proves_infeasible(const LpData& lp, const std::vector<double>& y) {
  * rows imply? Multipliers of rows alone do not repeat such an argument. */
 inline bool by_reduced_costs(const Reduction& r) {
   long hits = 0;
-  for (const auto rule :
-       {Rule::dominated_column, Rule::dual_equation, Rule::parallel_columns, Rule::dominated_pair})
+  for (const auto rule : {Rule::dominated_column, Rule::dual_equation, Rule::parallel_columns})
     hits += r.counts.hits[static_cast<size_t>(rule)];
   return hits > 0;
 }
