@@ -96,6 +96,7 @@ void QuadraticObjective::set(int i, int j, double value) {
 }
 
 void QuadraticObjective::renumber_columns(std::span<const int> renumber) noexcept {
+  matrix_.truncate(std::min(matrix_.size(), static_cast<int>(renumber.size())));  // without entries there
   matrix_.renumber_indices(renumber);
   matrix_.keep_vectors(renumber.first(static_cast<std::size_t>(matrix_.size())));
 }

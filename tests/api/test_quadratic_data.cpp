@@ -50,6 +50,16 @@ TEST_F(QuadraticData, ObjectiveIsCopiedQueriedChangedAndFollowsColumns) {
   EXPECT_EQ(TVKfreeprob(env_, &copy), 0);
 }
 
+TEST_F(QuadraticData, ColumnsThatGoWhileTheMatrixIsEmptyAreForgotten) {
+  ASSERT_EQ(TVKchgqpcoef(env_, lp_, 2, 2, 5), 0);
+  ASSERT_EQ(TVKchgqpcoef(env_, lp_, 2, 2, 0), 0);
+  ASSERT_EQ(TVKdelcols(env_, lp_, 1, 2), 0);
+  ASSERT_EQ(TVKnewcols(env_, lp_, 1, nullptr, nullptr, nullptr, nullptr, nullptr), 0);
+  ASSERT_EQ(TVKchgqpcoef(env_, lp_, 1, 1, 3), 0);
+  ASSERT_EQ(TVKdelcols(env_, lp_, 0, 0), 0);
+  EXPECT_EQ(text(), "type 5\nquad x2*x2 3\n");
+}
+
 TEST_F(QuadraticData, AsymmetryIsAnErrorOrAveraged) {
   Matrix matrix;
   matrix.val[4] = 3;  // of x, in the column of y
