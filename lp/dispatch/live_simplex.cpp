@@ -70,7 +70,59 @@ class Follower {
   double sign_;
 };
 
-void follow_changes(Problem& problem, LiveSimplex& live) {
+/* The lines that have come, in the engine's form. */
+simplex::Reshape reshape_of(const Problem& problem) {
+  const model::Model& model = *problem.model;
+  const Journal& journal = problem.journal;
+  const double sign = model.objective_sense();
+  const int first_column = model.num_columns() - journal.columns().added();
+  const int first_row = model.num_rows() - journal.rows().added();
+  simplex::Reshape change;
+  change.rows_gone = journal.rows().gone();
+  change.columns_gone = journal.columns().gone();
+  change.columns.rows = model.num_rows();
+  change.columns.columns = journal.columns().added();
+  change.rows.rows = first_column;
+  change.rows.columns = journal.rows().added();
+  for (int j = first_column; j < model.num_columns(); ++j) {
+    change.cost.push_back(sign * model.objective()[j]);
+    change.lower.push_back(stored_lower(model.lower()[j]));
+    change.upper.push_back(stored_upper(model.upper()[j]));
+    const model::ColumnView column = model.column(j);
+    change.columns.index.insert(change.columns.index.end(), column.index, column.index + column.count);
+    change.columns.value.insert(change.columns.value.end(), column.value, column.value + column.count);
+    change.columns.start.push_back(static_cast<int>(change.columns.index.size()));
+  }
+  for (int i = first_row; i < model.num_rows(); ++i) {
+    const RowBounds bounds = row_bounds(model.sense()[i], model.rhs()[i], model.range()[i]);
+    change.row_lower.push_back(bounds.lower);
+    change.row_upper.push_back(bounds.upper);
+    const model::RowView row = model.row(i);
+    for (int k = 0; k < row.count; ++k) {
+      if (row.index[k] >= first_column) break;  // ascending; new columns hold these entries
+      change.rows.index.push_back(row.index[k]);
+      change.rows.value.push_back(row.value[k]);
+    }
+    change.rows.start.push_back(static_cast<int>(change.rows.index.size()));
+  }
+  return change;
+}
+
+/* Rows and columns that have come or gone. False when the engine cannot go on: its basis does not allow it,
+ * or so much is new that scale factors and basis deserve a fresh start. */
+bool follow_structure(Problem& problem, LiveSimplex& live) {
+  const Journal& journal = problem.journal;
+  if (!journal.moved()) return true;
+  if (journal.structure_lost() || !live.start_is_mine || !problem.start.has_basis()) return false;
+  const auto mostly_new = [](int added, size_t all) { return 2 * static_cast<size_t>(added) > all + 20; };
+  if (mostly_new(journal.rows().added(), problem.rows()) ||
+      mostly_new(journal.columns().added(), problem.columns()))
+    return false;
+  live.norms_are_told = false;
+  return live.solver.reshape(reshape_of(problem));
+}
+
+void follow_values(Problem& problem, LiveSimplex& live) {
   Follower follow(*problem.model, live.solver);
   Journal& journal = problem.journal;
   if (journal.values_lost()) {
@@ -134,14 +186,15 @@ simplex::Options engine_options(const Environment& env) {
 LiveSimplex& live_simplex(Environment& env, Problem& problem, Control& control, simplex::Observer* observer) {
   const simplex::Options options = engine_options(env);
   auto* live = static_cast<LiveSimplex*>(problem.simplex.get());
-  if (live != nullptr && (live->solver.options().scaling != options.scaling || problem.journal.moved())) {
+  if (live != nullptr &&
+      (live->solver.options().scaling != options.scaling || !follow_structure(problem, *live))) {
     problem.simplex.reset();
     live = nullptr;
   }
   if (live != nullptr) {
     live->solver.set_control(control, observer);
     live->solver.set_options(options);
-    follow_changes(problem, *live);
+    follow_values(problem, *live);
   } else {
     problem.simplex = std::make_unique<LiveSimplex>(build_lp(*problem.model), options, control, observer);
     problem.journal.start(problem.rows(), problem.columns());
@@ -197,35 +250,50 @@ LiveSimplex* current_simplex(Problem& problem) {
   return live != nullptr && live->start_is_mine && !problem.journal.moved() ? live : nullptr;
 }
 
+namespace {
+
+/* Are the values and entries that the journal names numbers? */
+bool changes_are_numbers(const model::Model& model, const Journal& journal) {
+  const auto all = [](const double* values, int count) {
+    return std::all_of(values, values + count, [](double v) { return std::isfinite(v); });
+  };
+  const auto column = [&](int j) {
+    return std::isfinite(model.objective()[j]) && !std::isnan(model.lower()[j]) &&
+           !std::isnan(model.upper()[j]);
+  };
+  const auto row = [&](int i) { return std::isfinite(model.range()[i]) && !std::isnan(model.rhs()[i]); };
+  const auto columns = journal.columns().touched();
+  const auto rows = journal.rows().touched();
+  if (!std::all_of(columns.begin(), columns.end(), column) || !std::all_of(rows.begin(), rows.end(), row))
+    return false;
+  for (int j = model.num_columns() - journal.columns().added(); j < model.num_columns(); ++j) {
+    if (!column(j) || !all(model.column(j).value, model.column(j).count)) return false;
+  }
+  for (int i = model.num_rows() - journal.rows().added(); i < model.num_rows(); ++i) {
+    if (!row(i) || !all(model.row(i).value, model.row(i).count)) return false;
+  }
+  return true;
+}
+
+}  // namespace
+
 Status check_data(Environment& env, Problem& problem) {
   const auto* live = static_cast<const LiveSimplex*>(problem.simplex.get());
-  const model::Model& model = *problem.model;
-  const Journal& journal = problem.journal;
-  if (live != nullptr && live->data_checked && !journal.values_lost() && !journal.moved()) {
-    const auto finite_column = [&](int j) {
-      return std::isfinite(model.objective()[j]) && !std::isnan(model.lower()[j]) &&
-             !std::isnan(model.upper()[j]);
-    };
-    const auto finite_row = [&](int i) {
-      return std::isfinite(model.range()[i]) && !std::isnan(model.rhs()[i]);
-    };
-    const auto columns = journal.columns().touched();
-    const auto rows = journal.rows().touched();
-    if (std::all_of(columns.begin(), columns.end(), finite_column) &&
-        std::all_of(rows.begin(), rows.end(), finite_row)) {
-      return {};
-    }
-  }
-  return check_finite(env, model, live == nullptr);
+  const bool known = live != nullptr && live->data_checked && !problem.journal.values_lost();
+  if (known && changes_are_numbers(*problem.model, problem.journal)) return {};
+  return check_finite(env, *problem.model, live == nullptr || problem.journal.moved());
 }
 
 StartIs judge_start(Environment& env, Problem& problem) {
-  LiveSimplex* live = current_simplex(problem);
-  if (live == nullptr || !live->data_checked || !check_data(env, problem).ok()) return StartIs::unknown;
-  if (engine_options(env).scaling != live->solver.options().scaling) return StartIs::unknown;
+  auto* live = static_cast<LiveSimplex*>(problem.simplex.get());
+  if (live == nullptr || !live->start_is_mine || !live->data_checked || problem.journal.structure_lost() ||
+      !check_data(env, problem).ok() || engine_options(env).scaling != live->solver.options().scaling) {
+    return StartIs::unknown;
+  }
   EngineGuard guard(problem);
+  if (!follow_structure(problem, *live)) return StartIs::unknown;
   live->solver.set_options(engine_options(env));
-  follow_changes(problem, *live);
+  follow_values(problem, *live);
   const simplex::Standing::State state = live->solver.standing();
   guard.arrived();
   switch (state) {

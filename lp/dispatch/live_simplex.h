@@ -15,9 +15,11 @@ class LiveSimplex : public Derived {
  public:
   LiveSimplex(LpData lp, const simplex::Options& options, Control& control, simplex::Observer* observer)
       : solver(std::move(lp), options, control, observer) {}
+  bool follows_structure() const override { return start_is_mine; }
   simplex::Solver solver;
   bool start_is_mine = false;  // problem.start holds the basis that the engine stands on
   bool data_checked = false;   // the engine's data are numbers
+  bool norms_are_told = true;  // no rows or columns have come or gone since the last optimization
 };
 
 /* While an engine is on its way from one state to another a failure must not leave it in between: unless it

@@ -112,7 +112,7 @@ void publish_changes(Problem& problem, const simplex::Solver& solver) {
     writer.row(i);
     writer.row_status(i);
   }
-  write_summary(solver.answer(), solver.core().counters, problem.model->objective_sense(), *problem.solution);
+  write_summary(solver.answer(), solver.counters(), problem.model->objective_sense(), *problem.solution);
   problem.solution->ray.clear();
   problem.solution->farkas.clear();
   problem.start.change_level = 0;
@@ -150,7 +150,7 @@ void publish(Problem& problem, simplex::Solver& solver) {
   if (kept) {
     publish_changes(problem, solver);
   } else {
-    publish(problem, solver.answer(), solver.core().counters);
+    publish(problem, solver.answer(), solver.counters());
     problem.solution->keeper = problem.start.keeper = &solver;
   }
   solver.answer_taken();
@@ -183,10 +183,11 @@ Status run_simplex(Environment& env, Problem& problem, simplex::Method method, c
   live.solver.detach();
   if (outcome == simplex::Outcome::singular) return Status(1256);
   const int status = status_code(outcome, live.solver.answer().unscaled_infeasible);
-  publish(problem, live.solver.release_answer(), live.solver.core().counters);
+  publish(problem, live.solver);
   problem.status = status;
   problem.factor_current = true;
   live.start_is_mine = true;
+  live.norms_are_told = true;
   guard.arrived();
   return {};
 }

@@ -76,7 +76,8 @@ Status copy_dual_norms(Problem& problem, const double* norms, const int* head, i
 
 Status get_dual_norms(Problem& problem, double* norms, int* head, int* length) {
   if (norms == nullptr || head == nullptr || length == nullptr) return Status(1004);
-  if (const LiveSimplex* live = current_simplex(problem); live != nullptr && live->solver.has_dual_norms()) {
+  if (const LiveSimplex* live = current_simplex(problem);
+      live != nullptr && live->norms_are_told && live->solver.has_dual_norms()) {
     const simplex::Core& core = live->solver.core();
     const std::vector<double>& weights = live->solver.dual_norms();
     for (int p = 0; p < core.m; ++p) {

@@ -58,6 +58,8 @@ class EngineRandom {
 
 enum class FactorState { good, repaired, singular };
 
+struct Reshape;
+
 class Core {
  public:
   Core(LpData scaled_lp, const Options& options, Control& control);
@@ -102,6 +104,10 @@ class Core {
   void use_original_bounds();   // work bounds = model bounds; nonbasics placed by their move
   void use_original_costs();    // drops perturbation and shifts
   void update_basis_pattern();  // row copy activity from nonbasic flags and fixed columns (after set_basis)
+  /* Rows and columns go and come, in scaled space (see reshape.h). Keeps the factor unless rows do. The x of
+   * new logicals and the d of new columns are left 0. */
+  void reshape(const Reshape& change);
+  std::vector<int> positions_of_logicals(std::span<const int> rows_of_logicals) const;  // ascending
   /* Bookkeeping of one basis change: q enters at position p, the leaving variable stands at its bound given
    * by out_move. */
   void exchange(int q, int p, int leaving_move);

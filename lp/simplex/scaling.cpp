@@ -50,6 +50,10 @@ double geometric_pass(const Matrix& a, std::vector<double>& row, std::vector<dou
 
 }  // namespace
 
+double scale_factor(double smallest, double largest) {
+  return largest > 0 ? power_of_two(1.0 / std::sqrt(smallest * largest)) : 1.0;
+}
+
 Scaling compute_scaling(const Matrix& a, int mode) {
   Scaling scaling;
   if (mode < 0) return scaling;

@@ -17,4 +17,8 @@ struct Scaling {
 /* mode -1: none; 0: geometric and equilibrated unless the entries lie within [0.2, 5]; 1: more passes. */
 Scaling compute_scaling(const Matrix& matrix, int mode);
 
+/* For a line that is added to a scaled model: a power of two that brings the geometric mean of its smallest
+ * and largest entry near 1. */
+double scale_factor(double smallest, double largest);
+
 }  // namespace tovik::lp::simplex

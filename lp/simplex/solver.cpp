@@ -64,7 +64,10 @@ Solver::Solver(LpData lp, const Options& options, Control& control, Observer* ob
 }
 
 Dual& Solver::the_dual() {
-  if (dual_ == nullptr) dual_ = std::make_unique<Dual>(*core_);
+  if (dual_ == nullptr) {
+    dual_ = std::make_unique<Dual>(*core_);
+    dual_->norms().set(std::exchange(carried_norms_, {}));
+  }
   return *dual_;
 }
 

@@ -20,6 +20,7 @@
 #include "lp/simplex/dual.h"
 #include "lp/simplex/observer.h"
 #include "lp/simplex/primal.h"
+#include "lp/simplex/reshape.h"
 #include "lp/simplex/standing.h"
 #include "lp/simplex/user_space.h"
 #include "lp/simplex/user_sums.h"
@@ -78,7 +79,11 @@ class Solver {
     standing_.forget();
     return the_dual();
   }
-  const std::vector<double>& dual_norms() const { return dual_->norms().view(); }  // where has_dual_norms()
+  /* Where has_dual_norms(). */
+  const std::vector<double>& dual_norms() const {
+    return dual_ != nullptr ? dual_->norms().view() : carried_norms_;
+  }
+  const Counters& counters() const { return core_->counters; }
   void set_counters(const Counters& counters) { core_->counters = counters; }
   void look_again() { standing_.forget(); }  // the next solve must run its algorithm
 
@@ -96,6 +101,8 @@ class Solver {
   void change_row_bounds(int i, double lower, double upper);
   void change_cost(int j, double cost);
   void change_offset(double offset);
+  /* Rows and columns go and come. False when the basis does not allow it; nothing has then happened. */
+  bool reshape(Reshape change);
 
   /* Factor of the present basis, made when there is none. False when the basis is singular. */
   bool ensure_factor();
@@ -126,6 +133,7 @@ class Solver {
   std::unique_ptr<Primal> primal_;
   bool has_basis_ = false;
   bool keep_norms_ = false;
+  std::vector<double> carried_norms_;  // for the dual that is not yet made
   Answer answer_;
   UserSums sums_;
   Standing standing_;

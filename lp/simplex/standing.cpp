@@ -27,11 +27,13 @@ double wrong_sign(double d, At status, bool fixed) {
 
 }  // namespace
 
-void Standing::settle(const Options& options) {
+/* Everything that counts rows, columns or changes, for the present sizes. */
+void Standing::resize() {
   const auto most = static_cast<size_t>(std::max(kLeastTouched, core_.total / kTouchedShare));
-  forget();
-  shift_.resize(core_.m);
-  cost_shift_.resize(core_.m);
+  if (shift_.dimension() != core_.m) {
+    shift_.resize(core_.m);
+    cost_shift_.resize(core_.m);
+  }
   rows_.resize(core_.m);
   columns_.resize(core_.n);
   is_touched_.assign(static_cast<size_t>(core_.total), 0);
@@ -39,6 +41,11 @@ void Standing::settle(const Options& options) {
   touched_.reserve(most);
   position_.assign(static_cast<size_t>(core_.total), -1);
   find_positions();
+}
+
+void Standing::settle(const Options& options) {
+  forget();
+  resize();
   primal_tolerance_ = options.primal_tolerance;
   dual_tolerance_ = options.dual_tolerance;
   refreshes_ = 0;
@@ -94,6 +101,51 @@ Standing::State Standing::refresh(const Options& options) {
   state_ = judge(options);
   core_.charge(sums_.take_work());
   return state_;
+}
+
+void Standing::prepare_reshape(const Reshape& change) {
+  const bool moves = std::any_of(change.columns_gone.begin(), change.columns_gone.end(),
+                                 [&](int j) { return core_.value[j] != 0; });
+  if (state_ != State::optimal || !touched_.empty() || moves) forget();
+}
+
+void Standing::reshape(const Reshape& change) {
+  if (!holds()) return;
+  const auto columns = static_cast<size_t>(core_.n);
+  const auto rows = static_cast<size_t>(core_.m);
+  for (auto* v : {&answer_.x, &answer_.d}) {
+    take_out(*v, change.columns_gone);
+    v->resize(columns, 0.0);
+  }
+  for (auto* v : {&answer_.activity, &answer_.y}) {
+    take_out(*v, change.rows_gone);
+    v->resize(rows, 0.0);
+  }
+  take_out(answer_.column_status, change.columns_gone);
+  answer_.column_status.resize(columns, At::lower);
+  take_out(answer_.row_status, change.rows_gone);
+  answer_.row_status.resize(rows, At::basic);
+  sums_.reshape(change, answer_.x, answer_.y);
+  resize();
+  if (static_cast<size_t>(change.new_columns() + change.new_rows()) > touched_.capacity()) return forget();
+  for (int j = core_.n - change.new_columns(); j < core_.n; ++j) enter_column(j);
+  for (int i = core_.m - change.new_rows(); i < core_.m; ++i) enter_row(i);
+}
+
+/* A new column comes from 0 to the bound that its reduced cost asks for. */
+void Standing::enter_column(int j) {
+  const double d = user_.lp.cost[j] - sums_.dual_sum(j);
+  if (d != 0) core_.place_nonbasic(j, d > 0 ? 1 : -1);
+  is_touched_[j] = 1;
+  touched_.push_back({j, 0.0, 0.0});
+}
+
+void Standing::enter_row(int i) {
+  const int j = core_.n + i;
+  const int p = position_[j];
+  core_.x[p] = -sums_.activity(i) * user_.row_scale(i);
+  is_touched_[j] = 1;
+  touched_.push_back({j, 0.0, 0.0});
 }
 
 double Standing::user_value(int j) const {

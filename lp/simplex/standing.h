@@ -21,6 +21,7 @@
 #include "lp/simplex/answer.h"
 #include "lp/simplex/core.h"
 #include "lp/simplex/marked_list.h"
+#include "lp/simplex/reshape.h"
 #include "lp/simplex/types.h"
 #include "lp/simplex/user_space.h"
 #include "lp/simplex/user_sums.h"
@@ -44,6 +45,10 @@ class Standing {
   /* The positions of the basis were permuted by a factorization. */
   void find_positions();
   State refresh(const Options& options);
+  /* Before and after the core and the user's vectors are reshaped: the answer is reshaped with them, and what
+   * is new counts as touched. Forgets where basic values would have to move for what is gone. */
+  void prepare_reshape(const Reshape& change);
+  void reshape(const Reshape& change);
 
   /* Columns and rows whose entries of the answer may differ since the last taken(). */
   std::span<const int> columns() const { return columns_.view(); }
@@ -73,6 +78,9 @@ class Standing {
   void move_column(int j, double value);
   void move_costs();
   void move_values();
+  void resize();
+  void enter_column(int j);
+  void enter_row(int i);
   void judge_column(int j, Findings& found);
   void judge_row(int i, Findings& found);
   State judge(const Options& options);

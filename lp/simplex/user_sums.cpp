@@ -53,6 +53,22 @@ void UserSums::change_cost(int j, double from, double to, double x) {
   columns_.add(j);
 }
 
+void UserSums::reshape(const Reshape& change, const std::vector<double>& x, const std::vector<double>& y) {
+  take_out(activity_, change.rows_gone);
+  take_out(dual_sum_, change.columns_gone);
+  const int old_rows = static_cast<int>(activity_.size());
+  for (int i = old_rows; i < space_.lp.num_rows(); ++i) {
+    CompensatedSum& sum = activity_.emplace_back();
+    space_.each_row_entry(i, [&](int j, double a) { sum.add_product(a, x[j]); });
+  }
+  for (int j = static_cast<int>(dual_sum_.size()); j < space_.lp.num_columns(); ++j) {
+    CompensatedSum& sum = dual_sum_.emplace_back();
+    space_.each_entry(j, [&](int i, double a) { sum.add_product(a, y[i]); });
+  }
+  rows_.resize(space_.lp.num_rows());
+  columns_.resize(space_.lp.num_columns());
+}
+
 std::int64_t UserSums::take_work() {
   return std::exchange(work_, 0);
 }

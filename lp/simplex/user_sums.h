@@ -13,6 +13,7 @@
 
 #include "lp/linalg/sum.h"
 #include "lp/simplex/marked_list.h"
+#include "lp/simplex/reshape.h"
 #include "lp/simplex/user_space.h"
 
 namespace tovik::lp::simplex {
@@ -25,6 +26,9 @@ class UserSums {
   void move_x(int j, double from, double to);
   void move_y(int i, double from, double to);
   void change_cost(int j, double from, double to, double x);
+  /* After the space was reshaped: x is 0 in columns that went and in new ones, y in rows likewise. Forgets
+   * marks. */
+  void reshape(const Reshape& change, const std::vector<double>& x, const std::vector<double>& y);
 
   double activity(int i) const { return activity_[i].value(); }
   double dual_sum(int j) const { return dual_sum_[j].value(); }

@@ -1,0 +1,105 @@
+/* Rows and columns that go and come between two solves. */
+#include <algorithm>
+#include <cmath>
+
+#include "lp/simplex/solver.h"
+
+namespace tovik::lp::simplex {
+namespace {
+
+/* Smallest and largest size of the entries of one line. */
+struct Spread {
+  double low = kInf, high = 0;
+  void add(double v) {
+    if (v == 0) return;
+    low = std::min(low, std::fabs(v));
+    high = std::max(high, std::fabs(v));
+  }
+};
+
+/* Scale factors of the new lines: of columns by their entries in old rows, then of rows. */
+void extend_scaling(const Reshape& change, Scaling& scaling) {
+  const auto old_rows = static_cast<int>(scaling.row.size());
+  for (int j = 0; j < change.new_columns(); ++j) {
+    Spread spread;
+    for (int k = change.columns.start[j]; k < change.columns.start[j + 1]; ++k) {
+      const int i = change.columns.index[k];
+      if (i < old_rows) spread.add(change.columns.value[k] * scaling.row[i]);
+    }
+    scaling.column.push_back(scale_factor(spread.low, spread.high));
+  }
+  for (int i = 0; i < change.new_rows(); ++i) {
+    Spread spread;
+    for (int k = change.rows.start[i]; k < change.rows.start[i + 1]; ++k)
+      spread.add(change.rows.value[k] * scaling.column[change.rows.index[k]]);
+    scaling.row.push_back(scale_factor(spread.low, spread.high));
+  }
+}
+
+/* Brings the new lines, the last of the scaled model, into its space. */
+void scale(Reshape& change, const Scaling& scaling) {
+  const auto first_column = static_cast<int>(scaling.column.size()) - change.new_columns();
+  const auto first_row = static_cast<int>(scaling.row.size()) - change.new_rows();
+  for (int j = 0; j < change.new_columns(); ++j) {
+    const double c = scaling.column[first_column + j];
+    change.cost[j] *= c;
+    change.lower[j] /= c;
+    change.upper[j] /= c;
+    for (int k = change.columns.start[j]; k < change.columns.start[j + 1]; ++k)
+      change.columns.value[k] *= c * scaling.row[change.columns.index[k]];
+  }
+  for (int i = 0; i < change.new_rows(); ++i) {
+    const double r = scaling.row[first_row + i];
+    change.row_lower[i] *= r;
+    change.row_upper[i] *= r;
+    for (int k = change.rows.start[i]; k < change.rows.start[i + 1]; ++k)
+      change.rows.value[k] *= r * scaling.column[change.rows.index[k]];
+  }
+}
+
+void reshape_vectors(const Reshape& change, LpData& lp) {
+  const auto exchange = [](std::vector<double>& v, std::span<const int> gone,
+                           const std::vector<double>& added) {
+    take_out(v, gone);
+    v.insert(v.end(), added.begin(), added.end());
+  };
+  exchange(lp.cost, change.columns_gone, change.cost);
+  exchange(lp.lower, change.columns_gone, change.lower);
+  exchange(lp.upper, change.columns_gone, change.upper);
+  exchange(lp.row_lower, change.rows_gone, change.row_lower);
+  exchange(lp.row_upper, change.rows_gone, change.row_upper);
+  lp.matrix.columns = static_cast<int>(lp.cost.size());
+  lp.matrix.rows = static_cast<int>(lp.row_lower.size());
+}
+
+}  // namespace
+
+bool Solver::reshape(Reshape change) {
+  Core& core = *core_;
+  const bool allowed = std::all_of(change.columns_gone.begin(), change.columns_gone.end(),
+                                   [&](int j) { return core.nonbasic[j] != 0; }) &&
+                       std::none_of(change.rows_gone.begin(), change.rows_gone.end(),
+                                    [&](int i) { return core.nonbasic[core.n + i] != 0; });
+  if (!allowed) return false;
+  standing_.prepare_reshape(change);
+  answer_is_new_ = true;
+  if (keep_norms_) {
+    if (dual_ != nullptr) carried_norms_ = dual_->norms().view();
+    take_out(carried_norms_, core.positions_of_logicals(change.rows_gone));
+    carried_norms_.resize(carried_norms_.size() + static_cast<size_t>(change.new_rows()), 1.0);
+  }
+  reshape_vectors(change, user_.lp);
+  if (user_.scaling.active()) {
+    take_out(user_.scaling.column, change.columns_gone);
+    take_out(user_.scaling.row, change.rows_gone);
+    extend_scaling(change, user_.scaling);
+    scale(change, user_.scaling);
+  }
+  core.reshape(change);
+  dual_.reset();
+  primal_.reset();
+  standing_.reshape(change);
+  return true;
+}
+
+}  // namespace tovik::lp::simplex
