@@ -1,7 +1,6 @@
 /* Presolve as users meet it: what it says, what it leaves, the maps between the two problems, limits,
  * changes. */
 #include <functional>
-#include <regex>
 
 #include "support/environment_fixture.h"
 #include "support/random_lp.h"
@@ -78,8 +77,10 @@ class Presolve : public support::WithEnvironment {
   }
   /* What was written to the results channel since the last call, without the rounds of the aggregator. */
   std::string results() {
-    return std::regex_replace(std::exchange(text_, {}),
-                              std::regex("Tried aggregator (1 time|\\d+ times)\\.\n"), "");
+    std::string text = std::exchange(text_, {});
+    const std::size_t at = text.find("Tried aggregator ");
+    if (at != std::string::npos) text.erase(at, text.find('\n', at) + 1 - at);
+    return text;
   }
   int integer(int number, int value) { return TVKsetintparam(env_, number, value); }
   ConstProbHandle reduced(ProbHandle lp) {
