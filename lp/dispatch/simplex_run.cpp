@@ -69,17 +69,33 @@ class AnswerWriter {
         start_(start) {}
 
   void column(int j) {
+    column_values(j);
+    column_status(j);
+  }
+  void row(int i) {
+    row_values(i);
+    row_status(i);
+  }
+  /* Without a factor there are values but no statuses. */
+  void all() {
+    for (size_t j = 0; j < answer_.x.size(); ++j) column_values(static_cast<int>(j));
+    for (size_t i = 0; i < answer_.activity.size(); ++i) row_values(static_cast<int>(i));
+    for (size_t j = 0; j < answer_.column_status.size(); ++j) column_status(static_cast<int>(j));
+    for (size_t i = 0; i < answer_.row_status.size(); ++i) row_status(static_cast<int>(i));
+  }
+
+ private:
+  void column_values(int j) {
     solution_.x[j] = answer_.x[j];
     solution_.dj[j] = times(sign_, answer_.d[j]);
   }
-  void row(int i) {
+  void row_values(int i) {
     solution_.slack[i] = rhs_[i] - answer_.activity[i];
     solution_.pi[i] = times(sign_, answer_.y[i]);
   }
   void column_status(int j) { start_.column_status[j] = start_code(answer_.column_status[j]); }
   void row_status(int i) { start_.row_status[i] = row_start_code(answer_.row_status[i], sense_[i]); }
 
- private:
   double sign_;
   std::span<const double> rhs_;
   std::span<const char> sense_;
@@ -102,15 +118,14 @@ void write_summary(const simplex::Answer& answer, const simplex::Counters& count
   solution.farkas_gap = answer.farkas_gap;
 }
 
-void publish_changes(Problem& problem, const simplex::Solver& solver) {
+/* Into arrays of the right size. */
+void publish_in_place(Problem& problem, const simplex::Solver& solver) {
   AnswerWriter writer(*problem.model, solver.answer(), *problem.solution, problem.start);
-  for (const int j : solver.changed_columns()) {
-    writer.column(j);
-    writer.column_status(j);
-  }
-  for (const int i : solver.changed_rows()) {
-    writer.row(i);
-    writer.row_status(i);
+  if (solver.answer_is_new()) {
+    writer.all();
+  } else {
+    for (const int j : solver.changed_columns()) writer.column(j);
+    for (const int i : solver.changed_rows()) writer.row(i);
   }
   write_summary(solver.answer(), solver.counters(), problem.model->objective_sense(), *problem.solution);
   problem.solution->ray.clear();
@@ -131,11 +146,7 @@ void publish(Problem& problem, const simplex::Answer& answer, const simplex::Cou
   start.row_status.resize(answer.row_status.size());
   solution->ray = answer.ray;
   solution->farkas = answer.farkas;
-  AnswerWriter writer(*problem.model, answer, *solution, start);
-  for (size_t j = 0; j < answer.x.size(); ++j) writer.column(static_cast<int>(j));
-  for (size_t i = 0; i < answer.activity.size(); ++i) writer.row(static_cast<int>(i));
-  for (size_t j = 0; j < answer.column_status.size(); ++j) writer.column_status(static_cast<int>(j));
-  for (size_t i = 0; i < answer.row_status.size(); ++i) writer.row_status(static_cast<int>(i));
+  AnswerWriter(*problem.model, answer, *solution, start).all();
   write_summary(answer, counters, problem.model->objective_sense(), *solution);
   problem.solution = std::move(solution);
   problem.start.column_status.swap(start.column_status);
@@ -145,12 +156,17 @@ void publish(Problem& problem, const simplex::Answer& answer, const simplex::Cou
 }
 
 void publish(Problem& problem, simplex::Solver& solver) {
+  const simplex::Answer& answer = solver.answer();
   const bool kept = problem.solution != nullptr && problem.solution->keeper == &solver &&
-                    problem.start.keeper == &solver && !solver.answer_is_new();
+                    problem.start.keeper == &solver && problem.solution->x.size() == answer.x.size() &&
+                    problem.solution->slack.size() == answer.activity.size() &&
+                    problem.start.column_status.size() == answer.column_status.size() &&
+                    problem.start.row_status.size() == answer.row_status.size() && answer.ray.empty() &&
+                    answer.farkas.empty();
   if (kept) {
-    publish_changes(problem, solver);
+    publish_in_place(problem, solver);
   } else {
-    publish(problem, solver.answer(), solver.counters());
+    publish(problem, answer, solver.counters());
     problem.solution->keeper = problem.start.keeper = &solver;
   }
   solver.answer_taken();

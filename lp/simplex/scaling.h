@@ -11,7 +11,7 @@ namespace tovik::lp::simplex {
 
 struct Scaling {
   std::vector<double> row, column;  // empty when the model is not scaled
-  bool active() const { return !row.empty(); }
+  bool active() const { return !row.empty() || !column.empty(); }
 };
 
 /* mode -1: none; 0: geometric and equilibrated unless the entries lie within [0.2, 5]; 1: more passes. */

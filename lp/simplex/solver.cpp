@@ -234,7 +234,20 @@ bool Solver::bounds_cross() {
   return false;
 }
 
+/* The complete check of a standing optimum, from recomputed values. */
+Standing::State Solver::recheck() {
+  const bool cross = bounds_cross();
+  extract();
+  if (!cross && answer_.primal_feasible && answer_.dual_feasible &&
+      core_->primal_infeasibility().count == 0 && core_->dual_infeasibility().count == 0) {
+    standing_.settle(options_);
+    return Standing::State::optimal;
+  }
+  return Standing::State::unknown;
+}
+
 Standing::State Solver::standing() {
+  if (standing_.holds() && standing_.is_due()) return recheck();
   if (!core_->has_factor && standing_.needs_factor()) ensure_factor();
   return standing_.refresh(options_);
 }

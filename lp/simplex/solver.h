@@ -115,6 +115,7 @@ class Solver {
   Dual& the_dual();  // made when first asked for
   Primal& the_primal();
   bool stands(Method method);
+  Standing::State recheck();
   Outcome run(Method method);
   bool already_optimal();
   bool start_by_sifting();

@@ -72,7 +72,11 @@ bool Standing::needs_factor() const {
 
 bool Standing::follows(const Options& options) const {
   return state_ == State::optimal && options.primal_tolerance == primal_tolerance_ &&
-         options.dual_tolerance == dual_tolerance_ && refreshes_ < kRefreshes;
+         options.dual_tolerance == dual_tolerance_;
+}
+
+bool Standing::is_due() const {
+  return refreshes_ >= kRefreshes;
 }
 
 bool Standing::bounds_cross() const {

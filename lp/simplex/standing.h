@@ -42,6 +42,8 @@ class Standing {
   /* Before the bounds or the cost of variable j change. */
   void note(int j);
   bool needs_factor() const;
+  /* So many differences have been added up that everything is to be computed anew. */
+  bool is_due() const;
   /* The positions of the basis were permuted by a factorization. */
   void find_positions();
   State refresh(const Options& options);

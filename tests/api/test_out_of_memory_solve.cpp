@@ -72,6 +72,7 @@ class Session {
     call("pivot in", [&] { return TVKpivotin(env_, lp_, &column, 1); });
     call("after the pivot", [&] { return TVKdualopt(env_, lp_); });
     ASSERT_EQ(TVKgetstat(env_, lp_), TVK_STATUS_OPTIMAL);
+    solve_again();
     ASSERT_EQ(TVKcloseTOVIK(&env_), 0);
   }
   bool reached() const { return reached_; }
@@ -130,6 +131,31 @@ class Session {
     const std::vector<int> columns(static_cast<std::size_t>(TVKgetnumcols(env_, lp_)), 0);
     const std::vector<int> rows(static_cast<std::size_t>(TVKgetnumrows(env_, lp_)), 1);
     call("basis", [&] { return TVKcopybase(env_, lp_, columns.data(), rows.data()); });
+  }
+
+  /* Rows, columns and values that come and go under a live engine. */
+  void solve_again() {
+    const double large = 1e6, one = 1, small = -1e6;
+    const int begin = 0, index = 0;
+    const int rows = TVKgetnumrows(env_, lp_), columns = TVKgetnumcols(env_, lp_);
+    const auto solve = [&](const char* what) {
+      call(what, [&] { return TVKdualopt(env_, lp_); });
+      ASSERT_EQ(TVKgetstat(env_, lp_), TVK_STATUS_OPTIMAL);
+    };
+    call("bound", [&] { return TVKchgbds(env_, lp_, 1, &index, "U", &large); });
+    solve("after the bound");
+    call("row",
+         [&] { return TVKaddrows(env_, lp_, 0, 1, 1, &large, "L", &begin, &index, &one, nullptr, nullptr); });
+    solve("after the row");
+    call("column",
+         [&] { return TVKaddcols(env_, lp_, 1, 1, &one, &begin, &rows, &one, nullptr, &one, nullptr); });
+    solve("after the column");
+    call("right-hand side", [&] { return TVKchgrhs(env_, lp_, 1, &rows, &small); });  // cuts the optimum off
+    call("no point left", [&] { return TVKdualopt(env_, lp_); });
+    ASSERT_EQ(TVKgetstat(env_, lp_), TVK_STATUS_INFEASIBLE);
+    call("delete column", [&] { return TVKdelcols(env_, lp_, columns, columns); });
+    call("delete row", [&] { return TVKdelrows(env_, lp_, rows, rows); });
+    solve("after deleting");
   }
 
   /* Model, status, solution and basis. */

@@ -1,7 +1,6 @@
 /* Random sequences of edits: a solve that goes on from the last basis tells what a fresh solve of the same
  * model tells, its answer carries a proof, and the basis it leaves is found final at once. */
-#include "support/environment_fixture.h"
-#include "support/random_lp.h"
+#include "support/fresh_solves.h"
 
 namespace {
 
@@ -12,13 +11,8 @@ constexpr unsigned kSequences = 12000;
 #endif
 constexpr int kSteps = 6;
 
-class EditSequences : public support::WithEnvironment {
+class EditSequences : public support::WithFreshSolves {
  protected:
-  int optimize(ProbHandle lp, int method) {
-    if (method == 0) return TVKlpopt(env_, lp);
-    return method == 1 ? TVKprimopt(env_, lp) : TVKdualopt(env_, lp);
-  }
-
   /* One edit; its name goes to the trace. */
   int edit(support::LpMaker& maker, ProbHandle lp, std::string& trace) {
     const int n = TVKgetnumcols(env_, lp), m = TVKgetnumrows(env_, lp);
@@ -109,41 +103,6 @@ class EditSequences : public support::WithEnvironment {
         named("direction");
         return TVKchgobjsen(env_, lp, -TVKgetobjsen(env_, lp));
     }
-  }
-
-  /* The model of `lp` in a problem of its own, with the basis of `lp` where it holds one. */
-  support::Outcome resolve(const support::Lp& model, ProbHandle lp, int method, bool with_basis) {
-    int code = 0;
-    ProbHandle fresh = TVKcreateprob(env_, &code, "fresh");
-    EXPECT_EQ(model.copy(env_, fresh), 0);
-    if (with_basis) {
-      std::vector<int> columns(model.obj.size() + 1), rows(model.rhs.size() + 1);
-      EXPECT_EQ(TVKgetbase(env_, lp, columns.data(), rows.data()), 0);
-      EXPECT_EQ(TVKcopybase(env_, fresh, columns.data(), rows.data()), 0);
-    }
-    code = optimize(fresh, method);
-    const support::Outcome outcome = support::outcome_of(env_, fresh, model, code);
-    EXPECT_EQ(TVKfreeprob(env_, &fresh), 0);
-    return outcome;
-  }
-
-  /* What is wrong with the present answer of `lp`. */
-  std::string judge(ProbHandle lp, const support::Outcome& warm, const support::Lp& model, int method) {
-    std::string wrong = support::check_answer(env_, lp, model, warm);
-    const support::Outcome cold = resolve(model, lp, 2, false);
-    const double size = 1 + std::fabs(warm.objective);
-    if (cold.status != warm.status) {
-      wrong += "fresh solve has status " + std::to_string(cold.status) + '\n';
-    } else if (cold.status == TVK_STATUS_OPTIMAL &&
-               std::fabs(cold.objective - warm.objective) > 1e-5 * size) {
-      wrong += "fresh solve has objective " + std::to_string(cold.objective) + '\n';
-    }
-    if (warm.status != TVK_STATUS_OPTIMAL || model.columns + model.rows == 0) return wrong;
-    const support::Outcome again = resolve(model, lp, method, true);
-    if (again.status != warm.status || again.iterations != 0)
-      wrong += "the basis is not final: " + std::to_string(again.iterations) + " iterations, status " +
-               std::to_string(again.status) + '\n';
-    return wrong;
   }
 };
 
