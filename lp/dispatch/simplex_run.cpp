@@ -118,7 +118,6 @@ void write_summary(const simplex::Answer& answer, const simplex::Counters& count
   solution.farkas_gap = answer.farkas_gap;
 }
 
-<<<<<<< HEAD
 /* Gives arrays the sizes of the answer's; where memory is short nothing changes. */
 void fit(const simplex::Answer& answer, Solution& solution, Start& start) {
   const auto each = [&](auto f) {
@@ -135,8 +134,6 @@ void fit(const simplex::Answer& answer, Solution& solution, Start& start) {
   each([](auto& v, size_t size) { v.resize(size); });
 }
 
-=======
->>>>>>> origin/main
 /* Into arrays of the right size. */
 void publish_in_place(Problem& problem, const simplex::Solver& solver) {
   AnswerWriter writer(*problem.model, solver.answer(), *problem.solution, problem.start);
@@ -177,18 +174,9 @@ void publish(Problem& problem, const simplex::Answer& answer, const simplex::Cou
 void publish(Problem& problem, simplex::Solver& solver) {
   const simplex::Answer& answer = solver.answer();
   const bool kept = problem.solution != nullptr && problem.solution->keeper == &solver &&
-<<<<<<< HEAD
                     problem.start.keeper == &solver && answer.ray.empty() && answer.farkas.empty();
   if (kept) {
     fit(answer, *problem.solution, problem.start);
-=======
-                    problem.start.keeper == &solver && problem.solution->x.size() == answer.x.size() &&
-                    problem.solution->slack.size() == answer.activity.size() &&
-                    problem.start.column_status.size() == answer.column_status.size() &&
-                    problem.start.row_status.size() == answer.row_status.size() && answer.ray.empty() &&
-                    answer.farkas.empty();
-  if (kept) {
->>>>>>> origin/main
     publish_in_place(problem, solver);
   } else {
     publish(problem, answer, solver.counters());

@@ -140,6 +140,7 @@ void Core::update_basis_pattern() {
   std::vector<char> active(static_cast<size_t>(n));
   for (int j = 0; j < n; ++j) active[j] = static_cast<char>(nonbasic[j] && !is_fixed(j));
   rows.build(lp.matrix, active);
+  rows_are_stale = false;
 }
 
 void Core::use_original_bounds() {

@@ -79,6 +79,7 @@ class Core {
 
   factor::Factor factor;
   bool has_factor = false;  // factor belongs to head
+  bool rows_are_stale = false;
   Options options;
   Control* control;
   Observer* observer = nullptr;  // may be null
@@ -104,6 +105,10 @@ class Core {
   void use_original_bounds();   // work bounds = model bounds; nonbasics placed by their move
   void use_original_costs();    // drops perturbation and shifts
   void update_basis_pattern();  // row copy activity from nonbasic flags and fixed columns (after set_basis)
+  /* After a reshape the row copy waits for the first who reads it. */
+  void ensure_rows() {
+    if (rows_are_stale) update_basis_pattern();
+  }
   /* Rows and columns go and come, in scaled space (see reshape.h). Keeps the factor unless rows do. The x of
    * new logicals and the d of new columns are left 0. */
   void reshape(const Reshape& change);

@@ -115,7 +115,8 @@ void Core::reshape(const Reshape& change) {
     v.insert(v.begin() + kept_columns, static_cast<size_t>(change.new_columns()), fill);
     v.resize(v.size() + static_cast<size_t>(change.new_rows()), fill);
   };
-  for (auto* v : {&cost, &lower, &upper, &value, &d, &random_value}) reshape_all(*v, 0.0);
+  for (auto* v : {&cost, &lower, &upper, &work_cost, &work_lower, &work_upper, &value, &d, &random_value})
+    reshape_all(*v, 0.0);
   for (auto* v : {&nonbasic, &move}) reshape_all(*v, static_cast<signed char>(0));
 
   if (!change.rows_gone.empty() || !change.columns_gone.empty())
@@ -142,16 +143,22 @@ void Core::reshape(const Reshape& change) {
     upper[j] = -change.row_lower[k];
     random_value[j] = random.real();
   }
-  work_cost = cost;
-  work_lower = lower;
-  work_upper = upper;
-  for (int k = 0; k < change.new_columns(); ++k) place_nonbasic(kept_columns + k, 0);
+  const auto take_over = [&](int j) {
+    work_cost[j] = cost[j];
+    work_lower[j] = lower[j];
+    work_upper[j] = upper[j];
+  };
+  for (int k = 0; k < change.new_columns(); ++k) {
+    take_over(kept_columns + k);
+    place_nonbasic(kept_columns + k, 0);
+  }
+  for (int k = 0; k < change.new_rows(); ++k) take_over(n + kept_rows + k);
   if (change.moves_rows()) {
     has_factor = false;
     buffer_.resize(m);
   }
   factor.set_rebuild_overhead(2 * static_cast<std::int64_t>(lp.matrix.index.size()) + 4 * total);
-  update_basis_pattern();
+  rows_are_stale = true;
 }
 
 }  // namespace tovik::lp::simplex

@@ -9,9 +9,10 @@ namespace tovik::lp::simplex {
 
 class MarkedList {
  public:
+  /* Empty, for numbers below `size`. */
   void resize(int size) {
-    marked_.assign(static_cast<size_t>(size), 0);
-    list_.clear();
+    clear();
+    marked_.resize(static_cast<size_t>(size), 0);
     list_.reserve(static_cast<size_t>(size));
   }
   void add(int k) {

@@ -160,7 +160,7 @@ void Solver::change_bounds(int j, double low, double high) {
   core_->lower[j] = low / c;
   core_->upper[j] = high / c;
   place_again(j);
-  if (core_->nonbasic[j] && was_fixed != core_->is_fixed(j)) {
+  if (core_->nonbasic[j] && was_fixed != core_->is_fixed(j) && !core_->rows_are_stale) {
     if (was_fixed) {
       core_->rows.activate(j);
     } else {
@@ -191,6 +191,7 @@ bool Solver::ensure_factor() {
   if (core.has_factor) return true;
   if (keep_norms_) the_dual().norms().save(core);
   for (int p = 0; p < core.m; ++p) core.value[core.head[p]] = core.x[p];  // unused of basic variables
+  core.ensure_rows();
   const FactorState state = core.refactor();
   if (state != FactorState::good) {
     standing_.forget();
@@ -229,6 +230,7 @@ bool Solver::bounds_cross() {
       return true;
     }
     core.lower[j] = core.upper[j];
+    core.ensure_rows();
     if (j < core.n && core.nonbasic[j]) core.rows.deactivate(j);
   }
   return false;
@@ -339,6 +341,7 @@ bool Solver::start_by_sifting() {
 
 Outcome Solver::run(Method method) {
   values_are_fresh_ = false;
+  core_->ensure_rows();
   return method == Method::dual ? run_dual() : run_primal();
 }
 

@@ -59,7 +59,7 @@ class Solver {
   /* What is known of the present basis and model before a solve: looks at changes only. */
   Standing::State standing();
   /* Entries of the answer that the last solves may have changed: all of them, or those that the standing
-   * names, until answer_taken(). */
+   * names, until answer_taken(). The answer may have grown or lost its last entries. */
   bool answer_is_new() const { return answer_is_new_; }
   std::span<const int> changed_columns() const { return standing_.columns(); }
   std::span<const int> changed_rows() const { return standing_.rows(); }
@@ -72,11 +72,13 @@ class Solver {
   /* Whoever may move the core takes it as it is: the next solve looks at everything again. */
   Core& core() {
     standing_.forget();
+    core_->ensure_rows();
     return *core_;
   }
   const Core& core() const { return *core_; }
   Dual& dual() {
     standing_.forget();
+    core_->ensure_rows();
     return the_dual();
   }
   /* Where has_dual_norms(). */

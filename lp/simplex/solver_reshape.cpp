@@ -57,6 +57,11 @@ void scale(Reshape& change, const Scaling& scaling) {
   }
 }
 
+/* Where only the last lines go the others keep their numbers. */
+bool are_last(std::span<const int> gone, int count) {
+  return gone.empty() || gone.front() == count - static_cast<int>(gone.size());
+}
+
 void reshape_vectors(const Reshape& change, LpData& lp) {
   const auto exchange = [](std::vector<double>& v, std::span<const int> gone,
                            const std::vector<double>& added) {
@@ -82,7 +87,9 @@ bool Solver::reshape(Reshape change) {
                                     [&](int i) { return core.nonbasic[core.n + i] != 0; });
   if (!allowed) return false;
   standing_.prepare_reshape(change);
-  answer_is_new_ = true;
+  answer_is_new_ = answer_is_new_ || !are_last(change.columns_gone, core.n) ||
+                   !are_last(change.rows_gone, core.m) || !standing_.columns().empty() ||
+                   !standing_.rows().empty();
   if (keep_norms_) {
     if (dual_ != nullptr) carried_norms_ = dual_->norms().view();
     take_out(carried_norms_, core.positions_of_logicals(change.rows_gone));

@@ -8,7 +8,7 @@ namespace {
 
 constexpr double kStrict = 1e-9;  // violations of touched entries beyond this are for the algorithms to judge
 constexpr double kResidual = 1e-8;  // largest disagreement between the user's sums and the engine's values
-constexpr int kRefreshes = 500;     // refreshes between two complete extractions
+constexpr int kRefreshes = 1000;    // refreshes between two complete extractions
 constexpr int kLeastTouched = 64;   // changes that are always followed one by one
 constexpr int kTouchedShare = 10;   // beyond them, one variable in so many
 
@@ -36,10 +36,11 @@ void Standing::resize() {
   }
   rows_.resize(core_.m);
   columns_.resize(core_.n);
-  is_touched_.assign(static_cast<size_t>(core_.total), 0);
+  for (const Touched& t : touched_) is_touched_[t.variable] = 0;
   touched_.clear();
   touched_.reserve(most);
-  position_.assign(static_cast<size_t>(core_.total), -1);
+  is_touched_.resize(static_cast<size_t>(core_.total), 0);
+  position_.resize(static_cast<size_t>(core_.total));
   find_positions();
 }
 
@@ -176,6 +177,7 @@ void Standing::move_costs() {
   }
   if (cost_shift_.count == 0) return;
   core_.btran(cost_shift_, cost_density_);
+  core_.ensure_rows();
   const auto move = [&](int i) {
     const double change = cost_shift_.array[i];
     if (change == 0 || !core_.nonbasic[core_.n + i]) return;

@@ -94,7 +94,7 @@ class Standing {
   State state_ = State::unknown;
   double primal_tolerance_ = 0, dual_tolerance_ = 0;  // of the solve that settled
   int refreshes_ = 0;
-  std::vector<int> position_;  // of basic variables
+  std::vector<int> position_;  // of basic variables; others hold no meaning
   std::vector<Touched> touched_;
   std::vector<char> is_touched_;
   SparseVector shift_, cost_shift_;

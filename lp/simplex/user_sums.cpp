@@ -56,10 +56,13 @@ void UserSums::change_cost(int j, double from, double to, double x) {
 void UserSums::reshape(const Reshape& change, const std::vector<double>& x, const std::vector<double>& y) {
   take_out(activity_, change.rows_gone);
   take_out(dual_sum_, change.columns_gone);
-  const int old_rows = static_cast<int>(activity_.size());
-  for (int i = old_rows; i < space_.lp.num_rows(); ++i) {
+  for (int i = 0; i < change.new_rows(); ++i) {
+    const double r = 1.0 / space_.row_scale(static_cast<int>(activity_.size()));
     CompensatedSum& sum = activity_.emplace_back();
-    space_.each_row_entry(i, [&](int j, double a) { sum.add_product(a, x[j]); });
+    for (int k = change.rows.start[i]; k < change.rows.start[i + 1]; ++k) {
+      const int j = change.rows.index[k];
+      sum.add_product(change.rows.value[k] * r / space_.column_scale(j), x[j]);
+    }
   }
   for (int j = static_cast<int>(dual_sum_.size()); j < space_.lp.num_columns(); ++j) {
     CompensatedSum& sum = dual_sum_.emplace_back();

@@ -26,8 +26,8 @@ class UserSums {
   void move_x(int j, double from, double to);
   void move_y(int i, double from, double to);
   void change_cost(int j, double from, double to, double x);
-  /* After the space was reshaped: x is 0 in columns that went and in new ones, y in rows likewise. Forgets
-   * marks. */
+  /* After the space was reshaped, with the change in scaled space: x is 0 in columns that went and in new
+   * ones, y in rows likewise. Forgets marks. */
   void reshape(const Reshape& change, const std::vector<double>& x, const std::vector<double>& y);
 
   double activity(int i) const { return activity_[i].value(); }
