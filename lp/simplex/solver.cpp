@@ -292,17 +292,42 @@ Outcome Solver::solve(Method method) {
   }
   // Columns that sifting left out are for the primal to bring in.
   if (start_by_sifting() && !already_optimal()) method = Method::primal;
-  Outcome outcome = Outcome::trouble;
-  for (int round = 0; round <= kTightenings; ++round) {
-    outcome = run(method);
+  const Outcome outcome = run_to_tolerance(method);
+  if (outcome == Outcome::optimal && answer_.has_values && !answer_.unscaled_infeasible) {
+    standing_.settle(options_);
+  }
+  return outcome;
+}
+
+/* Runs until the answer keeps the user's tolerances on the user's own LP; the engine's are tightened where it
+ * does not. What exceeds them may be rounding noise of large values, which no pivot removes: rounds after the
+ * first have a budget, and the best of the optimal bases found is the answer. */
+Outcome Solver::run_to_tolerance(Method method) {
+  Basis best;
+  for (int round = 0;; ++round) {
+    if (round > 0) {
+      const std::int64_t budget = std::max<std::int64_t>(1000, core_->counters.iterations / 4);
+      core_->options.iteration_limit =
+          std::min<std::int64_t>(options_.iteration_limit, core_->counters.iterations + budget);
+    }
+    const Outcome outcome = run(method);
+    core_->options.iteration_limit = options_.iteration_limit;
     extract();
     answer_.outcome = outcome;
     has_basis_ = true;
-    if (outcome != Outcome::optimal) break;
+    if (outcome != Outcome::optimal) {
+      const bool out_of_budget =
+          outcome == Outcome::iteration_limit && core_->counters.iterations < options_.iteration_limit;
+      const bool astray = out_of_budget || outcome == Outcome::trouble || outcome == Outcome::singular;
+      return round > 0 && astray ? go_back(best) : outcome;
+    }
     const double primal_excess = answer_.violation.primal() / options_.primal_tolerance;
     const double dual_excess = answer_.violation.dual / options_.dual_tolerance;
-    answer_.unscaled_infeasible = primal_excess > 1 || dual_excess > 1;
-    if (!answer_.unscaled_infeasible || round == kTightenings) break;
+    const double excess = std::max(primal_excess, dual_excess);
+    answer_.unscaled_infeasible = excess > 1;
+    if (!answer_.unscaled_infeasible) return outcome;
+    if (round == kTightenings) return excess <= best.excess ? outcome : go_back(best);
+    if (excess < best.excess) best = {answer_.column_status, answer_.row_status, excess};
     const double primal_goal = core_->primal_tolerance / (3 * primal_excess);
     while (primal_excess > 1 && core_->primal_tolerance > std::max(kTightest, primal_goal)) {
       core_->primal_tolerance = tighten_feasibility(core_->primal_tolerance);
@@ -313,10 +338,16 @@ Outcome Solver::solve(Method method) {
     }
     core_->has_factor = false;  // a fresh factor for the last digits
   }
-  if (outcome == Outcome::optimal && answer_.has_values && !answer_.unscaled_infeasible) {
-    standing_.settle(options_);
-  }
-  return outcome;
+}
+
+/* Back to an optimal basis that misses the user's tolerances. */
+Outcome Solver::go_back(const Basis& basis) {
+  set_basis(basis.columns, basis.rows);
+  values_are_fresh_ = false;
+  extract();
+  answer_.outcome = answer_.column_status.empty() ? Outcome::singular : Outcome::optimal;
+  answer_.unscaled_infeasible = !answer_.primal_feasible || !answer_.dual_feasible;
+  return answer_.outcome;
 }
 
 bool Solver::start_by_sifting() {

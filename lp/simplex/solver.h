@@ -118,6 +118,13 @@ class Solver {
   Primal& the_primal();
   bool stands(Method method);
   Standing::State recheck();
+  /* An optimal basis and by how many times it misses the user's tolerances. */
+  struct Basis {
+    std::vector<At> columns, rows;
+    double excess = 1e300;
+  };
+  Outcome run_to_tolerance(Method method);
+  Outcome go_back(const Basis& basis);
   Outcome run(Method method);
   bool already_optimal();
   bool start_by_sifting();
