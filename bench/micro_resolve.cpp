@@ -6,12 +6,14 @@
  *   cost_moves    of a basic column, a little: duals move
  *   rhs_moves     of a tight row, a little
  *   add_row       a row that the optimum meets with room to spare is added; in every second run deleted again
+ *   add_cut       the same with a row that cuts the optimum off: some pivots, and a fresh start when it goes
  *   delete_row    a row with a basic slack goes and comes back as the last one
  *   column        a nonbasic column goes and comes back as the last one
  *   bound_pivots  a bound that cuts the optimum off, then back: a few pivots each
- * All but the last need no pivot: candidates are tried out before the clock starts. Counters: microseconds a
- * solve, pivots a solve. The models lie in ../shared/models beside the sources; without them the run is
- * skipped. */
+ *
+ * All but add_cut and bound_pivots need no pivot: candidates are tried out before the clock starts. Counters:
+ * microseconds a solve, pivots a solve. The models lie in ../shared/models beside the sources; without them
+ * the run is skipped. */
 #include <benchmark/benchmark.h>
 
 #include <tovik.h>
@@ -204,15 +206,30 @@ void value_change(benchmark::State& state, const std::string& model, const Kind&
   report(state, state.iterations(), pivots);
 }
 
-void add_row(benchmark::State& state, const std::string& model) {
+/* Rows made of every second entry of another, with room to spare or short of it. */
+void add_row(benchmark::State& state, const std::string& model, bool cutting) {
   Session s(model);
   if (!s.ready()) return state.SkipWithError("model missing");
   std::vector<Session::Vector> cuts;
   for (const int i : s.choose(s.rows(), [](int) { return true; })) {
-    cuts.push_back(s.row(i));
-    cuts.back().sense = 'L';
-    cuts.back().rhs = s.rhs_[i] - s.slack_[i] + 1;
+    Session::Vector cut = s.row(i);
+    std::size_t kept = 0;
+    double activity = 0;
+    for (std::size_t k = 0; k < cut.index.size(); k += 2) {
+      cut.index[kept] = cut.index[k];
+      cut.value[kept++] = cut.value[k];
+      activity += cut.value[k] * s.x_[cut.index[k]];
+    }
+    cut.index.resize(kept);
+    cut.value.resize(kept);
+    cut.sense = 'L';
+    cut.rhs = activity + (cutting ? -step(activity) : 1);
+    s.add(cut, true);
+    const bool fits = s.solve() == 0 && (s.pivots() > 0) == cutting;
+    s.delete_row(static_cast<int>(s.rows()) - 1);
+    if (s.solve() == 0 && fits) cuts.push_back(cut);
   }
+  if (cuts.empty()) return state.SkipWithError("no candidates");
   const int last = static_cast<int>(s.rows());
   std::size_t at = 0;
   bool on = true;
@@ -236,7 +253,7 @@ void come_and_go(benchmark::State& state, const std::string& model, bool rows) {
   Session s(model);
   if (!s.ready()) return state.SkipWithError("model missing");
   std::vector<int> candidates =
-      rows ? s.choose(s.rows(), [&](int i) { return s.row_status_[i] == 1 && std::fabs(s.slack_[i]) > 1e-3; })
+      rows ? s.choose(s.rows(), [&](int i) { return s.row_status_[i] == 1; })
            : s.choose(s.columns(), [&](int j) { return nonbasic(s, j) && s.lower_[j] == 0; });
   if (candidates.empty()) return state.SkipWithError("no candidates");
   std::sort(candidates.rbegin(), candidates.rend());  // what comes back last does not move those still to go
@@ -273,7 +290,8 @@ const bool entered = [] {
     for (const Kind& kind : kinds()) {
       enter(name + kind.name, [=](benchmark::State& state) { value_change(state, model, kind); });
     }
-    enter(name + "add_row", [=](benchmark::State& state) { add_row(state, model); });
+    enter(name + "add_row", [=](benchmark::State& state) { add_row(state, model, false); });
+    enter(name + "add_cut", [=](benchmark::State& state) { add_row(state, model, true); });
     enter(name + "delete_row", [=](benchmark::State& state) { come_and_go(state, model, true); });
     enter(name + "column", [=](benchmark::State& state) { come_and_go(state, model, false); });
   }
