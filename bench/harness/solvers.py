@@ -10,6 +10,7 @@ import tempfile
 import threading
 import time
 from dataclasses import asdict, dataclass
+from pathlib import Path
 
 GRACE_SECONDS = 5.0  # a program that overruns its own limit by this much is killed
 BUSY_FACTOR = 20  # wall clock seconds that one second of processor time may take on a busy machine
@@ -17,6 +18,12 @@ BUSY_FACTOR = 20  # wall clock seconds that one second of processor time may tak
 
 # A BLAS that starts threads of its own would give one program more processors than the other.
 _THREAD_VARIABLES = ("OPENBLAS_NUM_THREADS", "OMP_NUM_THREADS", "MKL_NUM_THREADS")
+
+
+def find_program(given, root):
+    """The program `tovik`: as given, $TOVIK, in the usual build folders below `root`, on the PATH; None when nowhere."""
+    candidates = [given, os.environ.get("TOVIK"), root / "build" / "release" / "tovik", root / "build" / "tovik", shutil.which("tovik")]
+    return next((str(Path(c).resolve()) for c in candidates if c and Path(c).is_file()), None)
 
 
 @dataclass
