@@ -155,6 +155,28 @@ std::optional<Keyword> keyword_at(const char* p) {
 
 }  // namespace
 
+bool may_begin_header(std::string_view word) {
+  if (word.size() < 2) return false;
+  switch (upper(word[0])) {
+    case 'M':
+    case 'B':
+    case 'I':
+      return std::string_view("IAON").find(upper(word[1])) != std::string_view::npos;
+    case 'S':
+      return std::string_view("TU.OE").find(upper(word[1])) != std::string_view::npos;
+    case 'U':
+      return upper(word[1]) == 'S';
+    case 'L':
+      return upper(word[1]) == 'A';
+    case 'G':
+      return upper(word[1]) == 'E';
+    case 'E':
+      return upper(word[1]) == 'N';
+    default:
+      return false;
+  }
+}
+
 std::optional<Header> find_header(std::string_view line, Section current) {
   const std::optional<Keyword> keyword = keyword_at(skip_blanks(line.data()));
   if (!keyword || (reachable(current) & bit(keyword->section)) == 0) return std::nullopt;

@@ -30,4 +30,7 @@ struct Header {
 /* The header that `line` is while `current` is the open section. The line's end must be of class kLineEnd. */
 std::optional<Header> find_header(std::string_view line, Section current);
 
+/* False for most words that no header begins with: looks at the first letters only. */
+bool may_begin_header(std::string_view word);
+
 }  // namespace tovik::fileio::lp

@@ -8,33 +8,48 @@
 namespace tovik::fileio::lp {
 namespace {
 
-constexpr std::string_view kIndent = "     ";
-constexpr std::size_t kLongestPiece = 2 * kMaxNameLength + kNumberText + 16;
+constexpr std::string_view kBreak = "\n     ";
+constexpr std::size_t kIndent = kBreak.size() - 1;
 
 }  // namespace
+
+const std::size_t Lines::kLongestPiece = 2 * kMaxNameLength + 2 * kNumberText + 32;
 
 void Lines::header(std::string_view text) {
   out_.put(text);
   out_.put('\n');
 }
 
-void Lines::piece(std::string_view text) {
-  char* p = out_.room(kLongestPiece);
-  if (used_ + text.size() > kWidth && used_ > kIndent.size()) {
-    *p++ = '\n';
-    p = copy_text(p, kIndent);
-    used_ = kIndent.size();
+/* The piece stands where begin_piece() said. */
+void Lines::end_piece(char* end) {
+  char* const begin = out_.at();
+  const auto size = static_cast<std::size_t>(end - begin);
+  used_ += size;
+  if (used_ > kWidth && used_ - size > kIndent) {
+    std::memmove(begin + kBreak.size(), begin, size);
+    copy_text(begin, kBreak);
+    end += kBreak.size();
+    used_ = kIndent + size;
   }
-  out_.advance_to(copy_text(p, text));
-  used_ += text.size();
+  out_.advance_to(end);
 }
 
-void Lines::label(std::string_view name) {
-  char text[kMaxNameLength + 2];
-  text[0] = ' ';
-  char* end = copy_text(text + 1, name);
-  *end++ = ':';
-  piece({text, static_cast<std::size_t>(end - text)});
+void Lines::piece(std::string_view text) {
+  end_piece(copy_text(begin_piece(), text));
+}
+
+void Lines::name(std::string_view name) {
+  char* p = begin_piece();
+  *p++ = ' ';
+  end_piece(copy_text(p, name));
+}
+
+void Lines::label(std::string_view text) {
+  char* p = begin_piece();
+  *p++ = ' ';
+  p = copy_text(p, text);
+  *p++ = ':';
+  end_piece(p);
   first_ = true;
 }
 
@@ -64,28 +79,55 @@ char* Lines::factor(char* to, double coefficient) {
 }
 
 void Lines::term(double coefficient, std::string_view name) {
-  char text[kLongestPiece];
-  char* end = copy_text(factor(text, coefficient), name);
-  piece({text, static_cast<std::size_t>(end - text)});
+  end_piece(copy_text(factor(begin_piece(), coefficient), name));
 }
 
 void Lines::product(double coefficient, std::string_view name, std::string_view other) {
-  char text[kLongestPiece];
-  char* end = copy_text(factor(text, coefficient), name);
-  end = name == other ? copy_text(end, "^2") : copy_text(copy_text(end, " * "), other);
-  piece({text, static_cast<std::size_t>(end - text)});
+  char* end = copy_text(factor(begin_piece(), coefficient), name);
+  end_piece(name == other ? copy_text(end, "^2") : copy_text(copy_text(end, " * "), other));
 }
 
 void Lines::constant(double value) {
-  char text[kLongestPiece];
-  char* end = write_number(sign(text, value < 0), std::fabs(value));
-  piece({text, static_cast<std::size_t>(end - text)});
+  end_piece(write_number(sign(begin_piece(), value < 0), std::fabs(value)));
 }
 
 void Lines::number(std::string_view before, double value) {
-  char text[kLongestPiece];
-  char* end = write_number(copy_text(text, before), value);
-  piece({text, static_cast<std::size_t>(end - text)});
+  end_piece(write_number(copy_text(begin_piece(), before), value));
+}
+
+void Lines::member(std::string_view name, double weight) {
+  char* p = begin_piece();
+  *p++ = ' ';
+  p = copy_text(p, name);
+  *p++ = ':';
+  end_piece(write_number(p, weight));
+}
+
+void Lines::statement(std::string_view name, std::string_view behind) {
+  char* p = begin_piece();
+  *p++ = ' ';
+  out_.advance_to(copy_text(copy_text(copy_text(p, name), behind), "\n"));
+}
+
+void Lines::statement(std::string_view name, std::string_view sense, double value) {
+  char* p = begin_piece();
+  *p++ = ' ';
+  p = write_number(copy_text(copy_text(p, name), sense), value);
+  *p++ = '\n';
+  out_.advance_to(p);
+}
+
+void Lines::statement(double lower, std::string_view name, double upper) {
+  char* p = begin_piece();
+  *p++ = ' ';
+  p = copy_text(write_bound(p, lower), " <= ");
+  p = copy_text(copy_text(p, name), " <= ");
+  out_.advance_to(copy_text(write_bound(p, upper), "\n"));
+}
+
+char* Lines::write_bound(char* to, double value) {
+  if (value >= kInfinity) return copy_text(to, "inf");
+  return value <= -kInfinity ? copy_text(to, "-inf") : write_number(to, value);
 }
 
 char* Lines::write_number(char* to, double value) {

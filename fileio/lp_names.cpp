@@ -39,7 +39,8 @@ bool may_start(std::string_view name) {
 }
 
 /* Whether the line " NAME" and `behind` is a header while `section` is open. */
-bool is_header(std::string_view name, const char* behind, Section section) {
+bool is_header(std::string_view name, char behind, Section section) {
+  if (!may_begin_header(name)) return false;
   const std::string line = ' ' + std::string(name) + behind + '\n';
   return find_header(std::string_view(line).substr(0, line.size() - 1), section).has_value();
 }
@@ -61,12 +62,12 @@ std::string LpNameRules::legal(std::string_view name) const {
 }
 
 bool LpColumnRules::acceptable(std::string_view name) const {
-  return LpNameRules::acceptable(name) && !is_infinity(name) && !is_header(name, "", Section::bounds) &&
-         !is_header(name, "", Section::sets);
+  return LpNameRules::acceptable(name) && !is_infinity(name) && !is_header(name, ' ', Section::bounds) &&
+         !is_header(name, ' ', Section::sets);
 }
 
 bool LpLabelRules::acceptable(std::string_view name) const {
-  return LpNameRules::acceptable(name) && !is_header(name, ":", section_);
+  return LpNameRules::acceptable(name) && !is_header(name, ':', section_);
 }
 
 }  // namespace tovik::fileio::lp

@@ -26,13 +26,38 @@ struct Digits {
   int exponent;
 };
 
+/* The digits of a magnitude that has few behind the point, as most numbers of models have: the whole number
+ * `scaled` for which scaled / 10^k rounds to the magnitude. Below 10^15 only one can, so it is the shortest
+ * too. False for the others. */
+bool few_digits(double magnitude, Digits& digits) {
+  constexpr struct {
+    int count;
+    double power;
+  } kPlaces[] = {{2, 1e2}, {5, 1e5}, {9, 1e9}};
+  if (!(magnitude >= 1e-4 && magnitude < kPlainInteger)) return false;
+  for (const auto& places : kPlaces) {
+    const double product = magnitude * places.power;
+    if (product >= kPlainInteger) return false;
+    auto scaled = static_cast<std::int64_t>(product + 0.5);
+    if (static_cast<double>(scaled) / places.power != magnitude) continue;
+    int behind_point = places.count;
+    for (; scaled % 10 == 0; scaled /= 10) --behind_point;
+    const char* const end = std::to_chars(digits.text, digits.text + kNumberText, scaled).ptr;
+    digits.count = static_cast<int>(end - digits.text);
+    digits.exponent = digits.count - 1 - behind_point;
+    return true;
+  }
+  return false;
+}
+
 Digits shortest_digits(double magnitude) {
+  Digits digits;
+  if (few_digits(magnitude, digits)) return digits;
   char text[kNumberText];
   const char* const end =
       std::to_chars(text, text + sizeof text, magnitude, std::chars_format::scientific).ptr;
   const char* letter = end - 4;
   while (*letter != 'e') --letter;
-  Digits digits;
   digits.text[0] = text[0];
   digits.count = letter == text + 1 ? 1 : static_cast<int>(letter - text) - 1;
   if (digits.count > 1) std::memcpy(digits.text + 1, text + 2, static_cast<std::size_t>(digits.count) - 1);
@@ -40,6 +65,26 @@ Digits shortest_digits(double magnitude) {
   for (const char* p = letter + 2; p != end; ++p) digits.exponent = digits.exponent * 10 + (*p - '0');
   if (letter[1] == '-') digits.exponent = -digits.exponent;
   return digits;
+}
+
+/* Rounds the shortest digits of a value to `count` of them, as the value itself would round: nothing shorter
+ * lies between the two. Only when what falls away is a single 5 does it tell nothing; then false. */
+bool round_digits(Digits& digits, int count) {
+  if (digits.count == count + 1 && digits.text[count] == '5') return false;
+  const bool up = digits.text[count] >= '5';
+  digits.count = count;
+  if (up) {
+    while (digits.count > 0 && digits.text[digits.count - 1] == '9') --digits.count;
+    if (digits.count > 0) {
+      ++digits.text[digits.count - 1];
+    } else {
+      digits.text[0] = '1';
+      digits.count = 1;
+      ++digits.exponent;
+    }
+  }
+  while (digits.count > 1 && digits.text[digits.count - 1] == '0') --digits.count;
+  return true;
 }
 
 char* copy(char* to, const char* from, int count) {
@@ -95,8 +140,8 @@ char* write_general15(char* to, double value) {
   constexpr int kDigits = 15;
   if (is_plain_integer(value)) return write_integer(to, value);
   if (!std::isfinite(value)) return std::to_chars(to, to + kNumberText, value).ptr;
-  const Digits digits = shortest_digits(std::fabs(value));
-  if (digits.count > kDigits) {
+  Digits digits = shortest_digits(std::fabs(value));
+  if (digits.count > kDigits && !round_digits(digits, kDigits)) {
     return std::to_chars(to, to + kNumberText, value, std::chars_format::general, kDigits).ptr;
   }
   if (std::signbit(value)) *to++ = '-';

@@ -54,6 +54,7 @@ class TextWriter {
     return at_;
   }
   void advance_to(char* end) { at_ = end; }
+  char* at() { return at_; }        // where the next byte goes
   void put(std::string_view text);  // of any length
   void put(char c) {
     *room(1) = c;

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "model/names.h"
+#include "model/vector_file.h"
 
 namespace tovik::fileio {
 
@@ -41,6 +42,16 @@ class WriterNames {
   int size() const { return static_cast<int>(views_.size()); }
   Origin origin() const { return origin_; }
   bool contains(std::string_view name) const;  // looks at all of them
+
+  /* For writers that take names in no order: sends for the names of these items. First where their texts
+   * stand, then, some time later, the texts. */
+  void fetch_places(model::VectorView items) const {
+    for (int k = 0; k < items.count; ++k)
+      __builtin_prefetch(&views_[static_cast<std::size_t>(items.index[k])]);
+  }
+  void fetch_texts(model::VectorView items) const {
+    for (int k = 0; k < items.count; ++k) __builtin_prefetch((*this)[items.index[k]].data());
+  }
 
  private:
   std::vector<std::string_view> views_;
