@@ -5,17 +5,21 @@
 #include <new>
 
 #include "env/environment.h"
+#include "env/network_problem.h"
 #include "env/problem.h"
 
 namespace tovik {
 
 enum class In { callback_refused, callback_allowed };
 
-/* Looks handles up before touching them: 1002, 1009 for a problem that is not live, 1806, 1804, then 1009 for
- * a null problem. env_out is set unless the code is 1002; problem_out is set on success. */
+/* Looks handles up before touching them: 1002, 1009 for a problem or network that is not live, 1806, 1804,
+ * then 1009 for a null one. env_out is set unless the code is 1002; problem_out (network_out) is set on
+ * success. */
 int check_handles(ConstEnvHandle env, Environment** env_out, In in = In::callback_refused) noexcept;
 int check_handles(ConstEnvHandle env, ConstProbHandle lp, Environment** env_out, Problem** problem_out,
                   In in = In::callback_refused) noexcept;
+int check_handles(ConstEnvHandle env, ConstNetProbHandle net, Environment** env_out,
+                  NetworkProblem** network_out, In in = In::callback_refused) noexcept;
 
 template <class Worker>
 Status guarded(Worker&& worker) noexcept {
@@ -38,39 +42,65 @@ int with_environment(ConstEnvHandle handle, Worker&& worker, In in = In::callbac
   return report(*env, guarded([&] { return worker(*env); }));
 }
 
-/* Marks a problem while a routine changes or optimizes it. */
-class ProblemUse {
+/* Marks a problem or network while a routine changes or optimizes it. */
+template <class Record>
+class InUse {
  public:
-  explicit ProblemUse(Problem& problem) : problem_(problem) { problem_.in_use = true; }
-  ~ProblemUse() { problem_.in_use = false; }
-  ProblemUse(const ProblemUse&) = delete;
-  ProblemUse& operator=(const ProblemUse&) = delete;
+  explicit InUse(Record& record) : record_(record) { record_.in_use = true; }
+  ~InUse() { record_.in_use = false; }
+  InUse(const InUse&) = delete;
+  InUse& operator=(const InUse&) = delete;
 
  private:
-  Problem& problem_;
+  Record& record_;
 };
+
+namespace detail {
+
+template <class Record, class Handle, class Worker>
+int with_record(ConstEnvHandle env_handle, Handle handle, Worker&& worker, In in) {
+  Environment* env = nullptr;
+  Record* record = nullptr;
+  if (int code = check_handles(env_handle, handle, &env, &record, in); code != 0) {
+    return env != nullptr ? report(*env, code) : code;
+  }
+  return report(*env, guarded([&] { return worker(*env, *record); }));
+}
+
+/* The worker, refused from a callback or message function that is called while another one changes the
+ * record. */
+template <class Record, class Worker>
+auto exclusive(Worker& worker) {
+  return [&worker](Environment& env, Record& record) -> Status {
+    if (record.in_use) return TVK_ERROR_IN_INFO_CALLBACK;
+    const InUse<Record> in_use(record);
+    return worker(env, record);
+  };
+}
+
+}  // namespace detail
 
 /* worker: Status(Environment&, Problem&). This one only reads the problem. */
 template <class Worker>
-int with_problem(ConstEnvHandle handle, ConstProbHandle lp, Worker&& worker, In in = In::callback_refused) {
-  Environment* env = nullptr;
-  Problem* problem = nullptr;
-  if (int code = check_handles(handle, lp, &env, &problem, in); code != 0) {
-    return env != nullptr ? report(*env, code) : code;
-  }
-  return report(*env, guarded([&] { return worker(*env, *problem); }));
+int with_problem(ConstEnvHandle env, ConstProbHandle lp, Worker&& worker, In in = In::callback_refused) {
+  return detail::with_record<Problem>(env, lp, worker, in);
 }
 
-/* This one may change it: refused from a callback or message function that is called while another one does.
- */
+/* This one may change it. */
 template <class Worker>
-int with_problem(ConstEnvHandle handle, ProbHandle lp, Worker&& worker, In in = In::callback_refused) {
-  const auto use = [&](Environment& env, Problem& problem) -> Status {
-    if (problem.in_use) return TVK_ERROR_IN_INFO_CALLBACK;
-    const ProblemUse in_use(problem);
-    return worker(env, problem);
-  };
-  return with_problem(handle, static_cast<ConstProbHandle>(lp), use, in);
+int with_problem(ConstEnvHandle env, ProbHandle lp, Worker&& worker, In in = In::callback_refused) {
+  return with_problem(env, static_cast<ConstProbHandle>(lp), detail::exclusive<Problem>(worker), in);
+}
+
+/* The same for networks. worker: Status(Environment&, NetworkProblem&) */
+template <class Worker>
+int with_network(ConstEnvHandle env, ConstNetProbHandle net, Worker&& worker, In in = In::callback_refused) {
+  return detail::with_record<NetworkProblem>(env, net, worker, in);
+}
+template <class Worker>
+int with_network(ConstEnvHandle env, NetProbHandle net, Worker&& worker, In in = In::callback_refused) {
+  return with_network(env, static_cast<ConstNetProbHandle>(net), detail::exclusive<NetworkProblem>(worker),
+                      in);
 }
 
 }  // namespace tovik

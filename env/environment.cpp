@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <thread>
 
+#include "env/network_problem.h"
 #include "env/problem.h"
 
 namespace tovik {
@@ -26,7 +27,9 @@ bool Environment::delivering() const {
 }
 
 bool Environment::in_use() const {
-  return std::any_of(problems.begin(), problems.end(), [](const auto& problem) { return problem->in_use; }) ||
+  const auto used = [](const auto& record) { return record->in_use; };
+  return std::any_of(problems.begin(), problems.end(), used) ||
+         std::any_of(networks.begin(), networks.end(), used) ||
          std::any_of(children.begin(), children.end(), [](const auto& child) { return child->in_use(); });
 }
 

@@ -22,6 +22,7 @@
 namespace tovik {
 
 struct Problem;
+struct NetworkProblem;
 
 inline constexpr char kVersion[] = "12.2.0.0";
 
@@ -56,6 +57,7 @@ struct Environment {
   Channel* results_channel = nullptr;
   Channel* log_channel = nullptr;
   std::vector<std::unique_ptr<Problem>> problems;
+  std::vector<std::unique_ptr<NetworkProblem>> networks;
   std::vector<std::unique_ptr<Environment>> children;
   Environment* parent = nullptr;
   Random random;
@@ -74,7 +76,7 @@ struct Environment {
 
   void add_work(std::uint64_t count) { work->add(count); }
   bool delivering() const;  // called from a destination function of one of the channels, children's included
-  bool in_use() const;      // a routine changes or optimizes one of the problems, children's included
+  bool in_use() const;  // a routine changes or optimizes one of the problems or networks, children's included
 };
 
 /* Work done while it lives does not count. */

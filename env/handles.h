@@ -3,6 +3,7 @@
 #pragma once
 
 #include "env/environment.h"
+#include "env/network_problem.h"
 #include "env/problem.h"
 
 namespace tovik {
@@ -12,6 +13,9 @@ inline EnvHandle to_handle(Environment* env) {
 }
 inline ProbHandle to_handle(Problem* problem) {
   return reinterpret_cast<ProbHandle>(problem);
+}
+inline NetProbHandle to_handle(NetworkProblem* network) {
+  return reinterpret_cast<NetProbHandle>(network);
 }
 inline ChannelHandle to_handle(Channel* channel) {
   return reinterpret_cast<ChannelHandle>(channel);
@@ -23,6 +27,9 @@ inline Environment* from_handle(ConstEnvHandle env) {
 }
 inline Problem* from_handle(ConstProbHandle lp) {
   return reinterpret_cast<Problem*>(const_cast<ProbHandle>(lp));
+}
+inline NetworkProblem* from_handle(ConstNetProbHandle net) {
+  return reinterpret_cast<NetworkProblem*>(const_cast<NetProbHandle>(net));
 }
 inline Channel* from_handle(ChannelHandle channel) {
   return reinterpret_cast<Channel*>(channel);

@@ -1,4 +1,4 @@
-/* The live handles of the process: environments, problems and channels.
+/* The live handles of the process: environments, problems, networks and channels.
  * A handle that a caller passes in is looked up here before anything behind it is read, so that a freed,
  * foreign or random pointer is told apart from a live one without being followed.
  *
@@ -10,7 +10,7 @@
 
 namespace tovik {
 
-enum class HandleKind { environment, problem, channel };
+enum class HandleKind { environment, problem, network, channel };
 
 bool is_live(const void* handle, HandleKind kind) noexcept;
 

@@ -23,6 +23,8 @@ typedef struct TVKenvironment *EnvHandle;
 typedef const struct TVKenvironment *ConstEnvHandle;
 typedef struct TVKproblem *ProbHandle;
 typedef const struct TVKproblem *ConstProbHandle;
+typedef struct TVKnetproblem *NetProbHandle;
+typedef const struct TVKnetproblem *ConstNetProbHandle;
 typedef struct TVKchannel *ChannelHandle;
 
 /* ---- Constants -------------------------------------------------------------------------------------------------- */
@@ -1212,6 +1214,92 @@ TVK_API int TVKgetqconstr(ConstEnvHandle env, ConstProbHandle lp, int *linnzcnt_
 TVK_API int TVKgetqconstrname(ConstEnvHandle env, ConstProbHandle lp, char **name, char *namestore, int storespace,
                               int *surplus_p, int begin, int end);
 TVK_API int TVKgetqconstrindex(ConstEnvHandle env, ConstProbHandle lp, const char *name, int *index_p);
+
+/* ---- Networks: minimum-cost flow problems as objects of their own ----
+ * A network has nodes with supplies and arcs, each from its tail to its head, with costs and bounds:
+ *
+ *     minimize or maximize  obj'flow   subject to   flow out of i - flow into i = supply[i] for each node i,   lb <= flow <= ub
+ *
+ * A negative supply is a demand. Parallel arcs and loops (tail = head) are allowed, and crossed bounds as in a model.
+ * Handles, ranges, DATACHECK, infinity, names and the surplus protocol are those of problems and models: 1009 for a handle
+ * that is no network, 1230 a node index and 1231 an arc index that is out of range (always checked, with the position in
+ * its list), 1012 more than 2100000000 nodes or 1050000000 arcs. Made-up names are n1, n2 ... and a1, a2 ....
+ * Closing the environment frees its networks.
+ *
+ *     // Ship 4 units from node 0 to node 2, directly or through node 1.
+ *     double supply[] = {4, 0, -4}, cost[] = {1, 1, 5}, ub[] = {3, 3, TVK_INFBOUND};
+ *     int tail[] = {0, 1, 0}, head[] = {1, 2, 2};
+ *     NetProbHandle net = TVKNETcreateprob(env, &status, "shipping");
+ *     TVKNETcopynet(env, net, TVK_MIN, 3, supply, NULL, 3, tail, head, cost, NULL, ub, NULL);
+ *     TVKcopynettolp(env, lp, net);
+ *     TVKlpopt(env, lp);             // 3 units through node 1, 1 unit directly: 11
+ *     TVKNETfreeprob(env, &net); */
+
+/* Creates an empty network (minimize); frees one and sets `*net_p` to null. Codes as in TVKcreateprob, TVKfreeprob. */
+TVK_API NetProbHandle TVKNETcreateprob(ConstEnvHandle env, int *status_p, const char *probname);
+TVK_API int TVKNETfreeprob(ConstEnvHandle env, NetProbHandle *net_p);
+
+/* Replaces the whole network. supply and nodename hold one entry for each of numnodes nodes, the others one for each of
+ * numarcs arcs. supply and obj may be null (0), lb (0), ub (1e20) and the names too. Errors: 1003 a negative count, or
+ * under DATACHECK another objsense than 1 and -1; 1004 tail or head null. */
+TVK_API int TVKNETcopynet(ConstEnvHandle env, NetProbHandle net, int objsense, int numnodes, const double *supply,
+                          char **nodename, int numarcs, const int *tail, const int *head, const double *obj,
+                          const double *lb, const double *ub, char **arcname);
+
+/* Replaces the model of `lp` by that of the network: a continuous problem with one column for each arc (its cost, bounds
+ * and name; +1 in the row of its tail and -1 in that of its head, a loop has no entries) and one row for each node
+ * (sense 'E', the supply as right-hand side, its name). The problem takes the network's name. Errors: 1009, 1806 also for
+ * `net`; 1023. */
+TVK_API int TVKcopynettolp(ConstEnvHandle env, ProbHandle lp, ConstNetProbHandle net);
+
+/* Append nodes, or arcs between present nodes. Null arrays as in TVKNETcopynet. */
+TVK_API int TVKNETaddnodes(ConstEnvHandle env, NetProbHandle net, int ncnt, const double *supply, char **nodename);
+TVK_API int TVKNETaddarcs(ConstEnvHandle env, NetProbHandle net, int acnt, const int *tail, const int *head,
+                          const double *obj, const double *lb, const double *ub, char **arcname);
+
+/* Delete nodes or arcs begin..end, or those whose entry of delstat is 1, as TVKdelrows and TVKdelsetrows do. The arcs of a
+ * deleted node go with it; the remaining ones keep their order. */
+TVK_API int TVKNETdelnodes(ConstEnvHandle env, NetProbHandle net, int begin, int end);
+TVK_API int TVKNETdelarcs(ConstEnvHandle env, NetProbHandle net, int begin, int end);
+TVK_API int TVKNETdelsetnodes(ConstEnvHandle env, NetProbHandle net, int *delstat);
+TVK_API int TVKNETdelsetarcs(ConstEnvHandle env, NetProbHandle net, int *delstat);
+
+/* Change cnt values, for the nodes (supply, names) or arcs (all others) in `indices`. TVKNETchgbds follows the rules of
+ * TVKchgbds; a negative objsense is TVK_MAX. TVKNETdelnames removes the names of nodes and arcs. */
+TVK_API int TVKNETchgsupply(ConstEnvHandle env, NetProbHandle net, int cnt, const int *indices, const double *values);
+TVK_API int TVKNETchgobj(ConstEnvHandle env, NetProbHandle net, int cnt, const int *indices, const double *values);
+TVK_API int TVKNETchgbds(ConstEnvHandle env, NetProbHandle net, int cnt, const int *indices, const char *lu,
+                         const double *bd);
+TVK_API int TVKNETchgarcends(ConstEnvHandle env, NetProbHandle net, int cnt, const int *indices, const int *tail,
+                             const int *head);
+TVK_API int TVKNETchgobjsen(ConstEnvHandle env, NetProbHandle net, int objsense);
+TVK_API int TVKNETchgnodename(ConstEnvHandle env, NetProbHandle net, int cnt, const int *indices, char **newname);
+TVK_API int TVKNETchgarcname(ConstEnvHandle env, NetProbHandle net, int cnt, const int *indices, char **newname);
+TVK_API int TVKNETdelnames(ConstEnvHandle env, NetProbHandle net);
+TVK_API int TVKNETchgprobname(ConstEnvHandle env, NetProbHandle net, const char *probname);
+
+/* Counts and objective sense; 0 after an error. */
+TVK_API int TVKNETgetnumnodes(ConstEnvHandle env, ConstNetProbHandle net);
+TVK_API int TVKNETgetnumarcs(ConstEnvHandle env, ConstNetProbHandle net);
+TVK_API int TVKNETgetobjsen(ConstEnvHandle env, ConstNetProbHandle net);
+/* Entries begin..end. One of tail and head may be null. */
+TVK_API int TVKNETgetsupply(ConstEnvHandle env, ConstNetProbHandle net, double *supply, int begin, int end);
+TVK_API int TVKNETgetarcends(ConstEnvHandle env, ConstNetProbHandle net, int *tail, int *head, int begin, int end);
+TVK_API int TVKNETgetobj(ConstEnvHandle env, ConstNetProbHandle net, double *obj, int begin, int end);
+TVK_API int TVKNETgetlb(ConstEnvHandle env, ConstNetProbHandle net, double *lb, int begin, int end);
+TVK_API int TVKNETgetub(ConstEnvHandle env, ConstNetProbHandle net, double *ub, int begin, int end);
+/* The arcs that begin or end at nodes begin..end: their number, the position in `arc` of each node's first one, and the
+ * arcs, ascending within a node, by the surplus protocol (arcspace entries). A loop comes once with its node. */
+TVK_API int TVKNETgetnodearcs(ConstEnvHandle env, ConstNetProbHandle net, int *arccnt_p, int *arcbeg, int *arc,
+                              int arcspace, int *surplus_p, int begin, int end);
+/* Names and look-up as for columns and rows. */
+TVK_API int TVKNETgetnodename(ConstEnvHandle env, ConstNetProbHandle net, char **name, char *namestore, int storespace,
+                              int *surplus_p, int begin, int end);
+TVK_API int TVKNETgetarcname(ConstEnvHandle env, ConstNetProbHandle net, char **name, char *namestore, int storespace,
+                             int *surplus_p, int begin, int end);
+TVK_API int TVKNETgetnodeindex(ConstEnvHandle env, ConstNetProbHandle net, const char *name, int *index_p);
+TVK_API int TVKNETgetarcindex(ConstEnvHandle env, ConstNetProbHandle net, const char *name, int *index_p);
+TVK_API int TVKNETgetprobname(ConstEnvHandle env, ConstNetProbHandle net, char *buffer, int space, int *surplus_p);
 
 /* ==== Section: files (fileio/) ==== */
 

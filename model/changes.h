@@ -3,10 +3,12 @@
  * problem as it was. */
 #pragma once
 
+#include <optional>
 #include <span>
 
 #include "env/environment.h"
 #include "env/problem.h"
+#include "model/check.h"
 #include "model/model.h"
 
 namespace tovik::model {
@@ -45,7 +47,7 @@ Status get_coefficient(const Problem& problem, int i, int j, double* value);
 // ---- Values by row or column (values.cpp)
 struct BoundChanges {
   int count;
-  const int* columns;
+  const int* indices;
   const char* which;  // 'L', 'U', 'B'
   const double* bounds;
 };
@@ -63,6 +65,14 @@ Status change_senses(Environment& env, Problem& problem, int count, const int* r
 Status change_objective_sense(Environment& env, Problem& problem, int sense);
 Status change_objective_offset(Environment& env, Problem& problem, double offset);
 
+/* The checks that all changes by index list share; the rule says what is changed. */
+Status check_changes(Environment& env, const ValueChanges& changes, IndexRule rule);
+Status check_changes(Environment& env, const BoundChanges& changes, IndexRule rule);
+/* What is stored when a bound is changed to `bound`: with a zero for tiny values and +-1e20 for large ones.
+ * Nothing, with a warning, when it is to be ignored. */
+std::optional<double> new_lower_bound(Environment& env, double bound);
+std::optional<double> new_upper_bound(Environment& env, double bound);
+
 // ---- Names (naming.cpp)
 Status change_name(Problem& problem, int key, int index, const char* name);
 struct NameChanges {
@@ -70,6 +80,8 @@ struct NameChanges {
   const int* indices;
   const char* const* names;
 };
+/* A null pointer among the names could not be stored, so it fails whatever the data check says. */
+Status check_renames(Environment& env, const NameChanges& changes, IndexRule rule);
 Status change_column_names(Environment& env, Problem& problem, const NameChanges& changes);
 Status change_row_names(Environment& env, Problem& problem, const NameChanges& changes);
 Status delete_names(Problem& problem);

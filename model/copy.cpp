@@ -1,6 +1,5 @@
 #include "model/copy.h"
 
-#include <cstring>
 #include <numeric>
 #include <utility>
 
@@ -31,25 +30,6 @@ Status check_content(Environment& env, const CopyArguments& a) {
   if (Status s = check_numbers(env, a.rows, a.range); !s.ok()) return s;
   if (Status s = check_names(env, a.columns, a.column_names); !s.ok()) return s;
   return check_names(env, a.rows, a.row_names);
-}
-
-/* The names in one block of exactly the needed size; null entries are made up. */
-NameBlock collect_names(char letter, int count, const char* const* names) {
-  NameBlock block;
-  if (names == nullptr) return block;
-  std::size_t bytes = 0;
-  for (int k = 0; k < count; ++k) {
-    if (names[k] == nullptr) {
-      NameTable table(letter);
-      table.append(0, count, names);
-      return table.release();
-    }
-    bytes += std::strlen(names[k]) + 1;
-  }
-  block.text.reserve(bytes);
-  block.offset.reserve(static_cast<std::size_t>(count));
-  for (int k = 0; k < count; ++k) block.add(names[k]);
-  return block;
 }
 
 std::int64_t count_entries(const CopyArguments& a) {
@@ -110,6 +90,7 @@ namespace {
 /* The problem type of a model with these data; sets and the like bring types with them. */
 int complete(ModelData& data) {
   if (data.types.empty() && data.families.has_mixed_integer()) data.types.assign(data.objective.size(), 'C');
+  if (data.problem_type >= 0) return data.problem_type;
   int type = data.types.empty() && !data.families.has_mixed_integer() ? TVK_PROBTYPE_LP : TVK_PROBTYPE_MILP;
   if (!data.families.quadratic_objective.empty()) type = quadratic_type(type);
   if (!data.families.quadratic_rows.empty()) type = quadratically_constrained_type(type);

@@ -1,8 +1,18 @@
 #include "model/deletions.h"
 
+#include <algorithm>
 #include <bit>
 
 namespace tovik::model {
+
+bool any_marked(const int* marks, int count) {
+  return std::find(marks, marks + count, 1) != marks + count;
+}
+
+void number_the_kept(int* marks, int count) {
+  int kept = 0;
+  for (int k = 0; k < count; ++k) marks[k] = marks[k] == 1 ? -1 : kept++;
+}
 
 void Deletions::begin(int stored) {
   if (pending()) return;

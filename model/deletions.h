@@ -13,6 +13,11 @@
 
 namespace tovik::model {
 
+/* Marks of a caller, one for each item; exactly 1 deletes. */
+bool any_marked(const int* marks, int count);
+/* Replaces each mark by the item's new position, -1 for a deleted one. */
+void number_the_kept(int* marks, int count);
+
 class Deletions {
  public:
   bool pending() const { return count_ > 0; }

@@ -83,15 +83,6 @@ NewColumns with_types(const Problem& problem, NewColumns columns, std::vector<ch
   return columns;
 }
 
-void number_the_kept(int* delstat, int count) {
-  int kept = 0;
-  for (int k = 0; k < count; ++k) delstat[k] = delstat[k] == 1 ? -1 : kept++;
-}
-
-bool any_marked(const int* delstat, int count) {
-  return std::find(delstat, delstat + count, 1) != delstat + count;
-}
-
 }  // namespace
 
 Status add_rows(Environment& env, Problem& problem, const NewColumns& columns, const NewRows& new_rows) {

@@ -18,7 +18,7 @@ double fold_bound(double bound) {
 }  // namespace
 
 Model::Model(ModelData&& data) {
-  pack_matrix(data);
+  if (!data.packed) pack_matrix(data);
   columns_ = VectorFile(std::move(data.start), std::move(data.index), std::move(data.value));
   objective_sense_ = data.objective_sense;
   objective_offset_ = data.objective_offset;
@@ -146,25 +146,13 @@ int Model::count_type(char type) const {
 }
 
 void Model::rename_columns(int count, const int* columns, const char* const* names) {
-  const bool named = !change().column_names_.empty();
-  if (!named) column_names_.make_up_all(num_columns());
-  try {
-    column_names_.rename(count, columns, names);
-  } catch (...) {
-    if (!named) column_names_.clear();
-    throw;
-  }
+  const int present = change().num_columns();
+  column_names_.rename(present, count, columns, names);
 }
 
 void Model::rename_rows(int count, const int* rows, const char* const* names) {
-  const bool named = !change().row_names_.empty();
-  if (!named) row_names_.make_up_all(num_rows());
-  try {
-    row_names_.rename(count, rows, names);
-  } catch (...) {
-    if (!named) row_names_.clear();
-    throw;
-  }
+  const int present = change().num_rows();
+  row_names_.rename(present, count, rows, names);
 }
 
 void Model::delete_names() noexcept {

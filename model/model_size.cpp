@@ -2,24 +2,13 @@
 #include <algorithm>
 #include <utility>
 
+#include "model/arrays.h"
 #include "model/entry_packer.h"
 #include "model/model.h"
 
 namespace tovik::model {
 
 namespace {
-
-/* Appends `count` values from a caller's array, or `fallback` where there is none. */
-template <class T>
-void append_values(std::vector<T>& to, const T* values, int count, T fallback) {
-  const std::size_t size = to.size() + static_cast<std::size_t>(count);
-  if (size > to.capacity()) to.reserve(std::max(size, to.capacity() + to.capacity() / 2));
-  if (values != nullptr) {
-    to.insert(to.end(), values, values + count);
-  } else {
-    to.resize(size, fallback);
-  }
-}
 
 /* Entries of vector k in the beginnings-only form. */
 template <class Batch>

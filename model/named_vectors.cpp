@@ -23,14 +23,7 @@ void NamedVectors::set(int k, int column, double value) {
 }
 
 void NamedVectors::rename(int k, const char* name) {
-  const bool named = !names_.empty();
-  if (!named) names_.make_up_all(size());
-  try {
-    names_.rename(1, &k, &name);
-  } catch (...) {
-    if (!named) names_.clear();
-    throw;
-  }
+  names_.rename(size(), 1, &k, &name);
 }
 
 void NamedVectors::cut(Mark mark) noexcept {

@@ -110,7 +110,18 @@ void NameTable::clear() noexcept {
   drop_index();
 }
 
-void NameTable::rename(int count, const int* positions, const char* const* names) {
+void NameTable::rename(int present, int count, const int* positions, const char* const* names) {
+  const bool named = !empty();
+  if (!named) append(0, present, nullptr, true);
+  try {
+    rename_present(count, positions, names);
+  } catch (...) {
+    if (!named) clear();
+    throw;
+  }
+}
+
+void NameTable::rename_present(int count, const int* positions, const char* const* names) {
   std::size_t bytes = 0;
   for (int k = 0; k < count; ++k) bytes += std::string_view(names[k]).size() + 1;
   if (mostly_waste()) compact();
@@ -220,6 +231,24 @@ void NameTable::drop_index() const noexcept {
   std::vector<int>().swap(slots_);
   used_slots_ = 0;
   duplicates_ = false;
+}
+
+NameBlock collect_names(char letter, int count, const char* const* names) {
+  NameBlock block;
+  if (names == nullptr) return block;
+  std::size_t bytes = 0;
+  for (int k = 0; k < count; ++k) {
+    if (names[k] == nullptr) {
+      NameTable table(letter);
+      table.append(0, count, names);
+      return table.release();
+    }
+    bytes += std::string_view(names[k]).size() + 1;
+  }
+  block.text.reserve(bytes);
+  block.offset.reserve(static_cast<std::size_t>(count));
+  for (int k = 0; k < count; ++k) block.add(names[k]);
+  return block;
 }
 
 }  // namespace tovik::model

@@ -45,11 +45,9 @@ class NameTable {
   void truncate(int count) noexcept;
   void clear() noexcept;
 
-  /* Renames the listed positions; a later entry for the same position wins. The table must hold names. */
-  void rename(int count, const int* positions, const char* const* names);
-
-  /* Gives every one of `count` items a made-up name; the table must be empty. */
-  void make_up_all(int count) { append(0, count, nullptr, true); }
+  /* Renames the listed positions of `present` items; a later entry for the same position wins. In a table
+   * without names the other items get made-up ones. */
+  void rename(int present, int count, const int* positions, const char* const* names);
 
   /* Drops the names with renumber[k] < 0 and moves the others to renumber[k] (ascending). */
   void renumber(std::span<const int> renumber) noexcept;
@@ -62,6 +60,7 @@ class NameTable {
   static constexpr int kErased = -2;
 
   void append(int present, int count, const char* const* names, bool always);
+  void rename_present(int count, const int* positions, const char* const* names);
   void add_made_up(int position);
   bool mostly_waste() const { return waste_ > block_.text.size() / 2 + 1024; }
   void compact();
@@ -80,5 +79,9 @@ class NameTable {
   mutable std::size_t used_slots_ = 0;  // occupied or erased
   mutable bool duplicates_ = false;     // some position is not in the index because a lower one has its name
 };
+
+/* The names of `count` items in one block of exactly the needed size; null entries are made up with the
+ * letter. Empty when names is null. */
+NameBlock collect_names(char letter, int count, const char* const* names);
 
 }  // namespace tovik::model

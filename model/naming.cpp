@@ -8,9 +8,6 @@
 
 namespace tovik::model {
 
-namespace {
-
-/* A null pointer among the names could not be stored, so it fails whatever the data check says. */
 Status check_renames(Environment& env, const NameChanges& changes, IndexRule rule) {
   if (changes.count < 0) return TVK_ERROR_BAD_ARGUMENT;
   if (changes.count == 0) return {};
@@ -18,8 +15,6 @@ Status check_renames(Environment& env, const NameChanges& changes, IndexRule rul
   if (Status s = check_names(env, changes.count, changes.names); !s.ok()) return s;
   return check_safe_indices(env, rule, changes.count, changes.indices);
 }
-
-}  // namespace
 
 Status change_column_names(Environment& env, Problem& problem, const NameChanges& changes) {
   if (Status s = check_modifiable(problem); !s.ok()) return s;

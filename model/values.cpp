@@ -15,22 +15,6 @@ constexpr double kInfiniteChange = 1e17;
 /* A bound change below this size means 0. */
 constexpr double kZeroChange = 1e-10;
 
-/* The checks that all changes by index list share, around the content check of the values. */
-template <class ContentCheck>
-Status check_changes(Environment& env, const ValueChanges& changes, IndexRule rule, ContentCheck&& content) {
-  if (changes.count < 0) return TVK_ERROR_BAD_ARGUMENT;
-  if (changes.count == 0) return {};
-  if (changes.indices == nullptr || changes.values == nullptr) return TVK_ERROR_NULL_POINTER;
-  if (checking(env)) {
-    if (Status s = content(); !s.ok()) return s;
-  }
-  return check_safe_indices(env, rule, changes.count, changes.indices);
-}
-
-Status check_changes(Environment& env, const ValueChanges& changes, IndexRule rule) {
-  return check_changes(env, changes, rule, [&] { return check_numbers(env, changes.count, changes.values); });
-}
-
 std::span<const int> list(const int* indices, int count) {
   return {indices, static_cast<std::size_t>(count)};
 }
@@ -42,26 +26,54 @@ double normal_bound(double bound) {
 }
 
 void change_lower(Environment& env, Model& model, int j, double bound, BoundRule rule) {
-  if (bound >= kInfiniteChange) {
-    message(env.warning_channel, "Warning:  Infinity lower bound ignored.\n");
-    return;
-  }
-  const double value = normal_bound(bound);
-  const bool looser = value <= model.lower()[static_cast<std::size_t>(j)];
-  if (rule == BoundRule::replace || !looser) model.set_lower(j, value);
+  const auto value = new_lower_bound(env, bound);
+  if (!value) return;
+  const bool looser = *value <= model.lower()[static_cast<std::size_t>(j)];
+  if (rule == BoundRule::replace || !looser) model.set_lower(j, *value);
 }
 
 void change_upper(Environment& env, Model& model, int j, double bound, BoundRule rule) {
-  if (bound <= -kInfiniteChange) {
-    message(env.warning_channel, "Warning:  -Infinity upper bound ignored.\n");
-    return;
-  }
-  const double value = normal_bound(bound);
-  const bool looser = value >= model.upper()[static_cast<std::size_t>(j)];
-  if (rule == BoundRule::replace || !looser) model.set_upper(j, value);
+  const auto value = new_upper_bound(env, bound);
+  if (!value) return;
+  const bool looser = *value >= model.upper()[static_cast<std::size_t>(j)];
+  if (rule == BoundRule::replace || !looser) model.set_upper(j, *value);
 }
 
 }  // namespace
+
+Status check_changes(Environment& env, const ValueChanges& changes, IndexRule rule) {
+  if (changes.count < 0) return TVK_ERROR_BAD_ARGUMENT;
+  if (changes.count == 0) return {};
+  if (changes.indices == nullptr || changes.values == nullptr) return TVK_ERROR_NULL_POINTER;
+  if (checking(env)) {
+    if (Status s = check_numbers(env, changes.count, changes.values); !s.ok()) return s;
+  }
+  return check_safe_indices(env, rule, changes.count, changes.indices);
+}
+
+Status check_changes(Environment& env, const BoundChanges& changes, IndexRule rule) {
+  if (changes.count < 0) return TVK_ERROR_BAD_ARGUMENT;
+  if (changes.count == 0) return {};
+  if (changes.indices == nullptr || changes.which == nullptr || changes.bounds == nullptr)
+    return TVK_ERROR_NULL_POINTER;
+  if (checking(env)) {
+    if (Status s = check_bound_indicators(env, changes.count, changes.which); !s.ok()) return s;
+    if (Status s = check_numbers(env, changes.count, changes.bounds); !s.ok()) return s;
+  }
+  return check_safe_indices(env, rule, changes.count, changes.indices);
+}
+
+std::optional<double> new_lower_bound(Environment& env, double bound) {
+  if (!(bound >= kInfiniteChange)) return normal_bound(bound);
+  message(env.warning_channel, "Warning:  Infinity lower bound ignored.\n");
+  return {};
+}
+
+std::optional<double> new_upper_bound(Environment& env, double bound) {
+  if (!(bound <= -kInfiniteChange)) return normal_bound(bound);
+  message(env.warning_channel, "Warning:  -Infinity upper bound ignored.\n");
+  return {};
+}
 
 Status check_modifiable(const Problem& problem) {
   return problem.fixed() ? Status(TVK_ERROR_FIXED_PROBLEM) : Status();
@@ -86,26 +98,18 @@ void carry_to_presolved_model(Environment& env, Problem& problem, Change kind, s
 
 Status change_bounds(Environment& env, Problem& problem, const BoundChanges& changes, BoundRule rule) {
   if (Status s = check_modifiable(problem); !s.ok()) return s;
-  if (changes.count < 0) return TVK_ERROR_BAD_ARGUMENT;
-  if (changes.count == 0) return {};
-  if (changes.columns == nullptr || changes.which == nullptr || changes.bounds == nullptr)
-    return TVK_ERROR_NULL_POINTER;
-  if (checking(env)) {
-    if (Status s = check_bound_indicators(env, changes.count, changes.which); !s.ok()) return s;
-    if (Status s = check_numbers(env, changes.count, changes.bounds); !s.ok()) return s;
-  }
   Model& model = *problem.model;
-  const Status indices = check_safe_indices(env, {'c', model.num_columns()}, changes.count, changes.columns);
-  if (!indices.ok()) return indices;
+  const Status checked = check_changes(env, changes, {'c', model.num_columns()});
+  if (!checked.ok() || changes.count == 0) return checked;
   for (int k = 0; k < changes.count; ++k) {
     const char which = changes.which[k];
-    if (which == 'L' || which == 'B') change_lower(env, model, changes.columns[k], changes.bounds[k], rule);
-    if (which == 'U' || which == 'B') change_upper(env, model, changes.columns[k], changes.bounds[k], rule);
+    if (which == 'L' || which == 'B') change_lower(env, model, changes.indices[k], changes.bounds[k], rule);
+    if (which == 'U' || which == 'B') change_upper(env, model, changes.indices[k], changes.bounds[k], rule);
   }
-  carry_to_presolved_model(env, problem, Change::bounds, list(changes.columns, changes.count),
+  carry_to_presolved_model(env, problem, Change::bounds, list(changes.indices, changes.count),
                            "Changing bounds of");
   invalidate(problem, Change::bounds,
-             {Edit::values(Edit::Lines::columns, list(changes.columns, changes.count))});
+             {Edit::values(Edit::Lines::columns, list(changes.indices, changes.count))});
   return {};
 }
 
