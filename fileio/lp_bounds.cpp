@@ -29,6 +29,7 @@ bool begins_value(std::string_view text) {
 
 bool BoundReader::read_section() {
   while (scanner_.more()) {
+    builder_.fetch_column(scanner_.coming_name());  // its place is then on the way while this line is read
     if (!builder_.count_bound() || !read_statement()) return false;
   }
   return !messages_.failed();

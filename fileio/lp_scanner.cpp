@@ -43,6 +43,15 @@ bool Scanner::at_line_begin() const {
   return true;
 }
 
+std::string_view Scanner::coming_name() const {
+  const std::string_view text = lines_.coming().substr(0, kMaxNameLength);
+  std::size_t begin = 0;
+  while (begin < text.size() && !is(text[begin], kNameStart | kLineEnd)) ++begin;
+  std::size_t end = begin;
+  while (end < text.size() && !is(text[end], kDelimiter)) ++end;
+  return text.substr(begin, end - begin);
+}
+
 std::string_view Scanner::read_word() {
   const char* begin = p_;
   while (!is(*p_, kDelimiter)) ++p_;

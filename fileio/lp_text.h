@@ -69,6 +69,8 @@ class ContentLines {
   /* The content; the byte behind it is of class kLineEnd. Lives until the next call of next(). */
   std::string_view line() const { return line_; }
   int number() const { return lines_.number(); }
+  /* As far as known, the text behind this line, comments and all. */
+  std::string_view coming() const { return lines_.coming(); }
   /* Whether line() begins a line; false for what follows in an over-long one. */
   bool is_fresh() const { return fresh_; }
 

@@ -156,7 +156,7 @@ model::NameBlock NameTable::release() {
 }
 
 void NameTable::grow(std::size_t slots) {
-  std::vector<Slot> wider(slots);
+  Slots wider(slots);
   const std::size_t mask = slots - 1;
   for (const Slot& slot : slots_) {
     if (slot.id == kNone) continue;

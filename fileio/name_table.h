@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "fileio/large_pages.h"
 #include "model/name_block.h"
 
 namespace tovik::fileio {
@@ -57,6 +58,7 @@ class NameTable {
     std::uint32_t hash = 0;
     std::int32_t id = kNone;
   };
+  using Slots = std::vector<Slot, LargePages<Slot>>;
   bool holds(const Slot& slot, const Key& key, std::string_view name) const;
   std::size_t slot_of(std::string_view name, const Key& key) const;
   void grow(std::size_t slots);
@@ -64,7 +66,7 @@ class NameTable {
 
   std::vector<char> text_;
   std::vector<std::size_t> begin_;  // size() + 1 entries
-  std::vector<Slot> slots_;         // a power of two; id kNone is empty
+  Slots slots_;                     // a power of two; id kNone is empty
   int indexed_ = 0;                 // ids below it are indexed
 };
 

@@ -80,6 +80,8 @@ class LineReader {
   std::string_view line() const { return line_; }
   int number() const { return number_; }       // physical line, from 1; stays at the largest int beyond
   bool complete() const { return complete_; }  // the line ends with a line feed or with the data
+  /* What the buffer holds of the lines to come: something to prepare for, to be seen as lines later. */
+  std::string_view coming() const { return {buffer_.get() + begin_, end_ - begin_}; }
   /* Of an incomplete line: gives the last `count` bytes back, they begin the next piece. At least one byte
    * must stay. */
   void give_back(std::size_t count);
