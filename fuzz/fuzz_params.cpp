@@ -4,6 +4,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <string>
@@ -21,11 +22,14 @@ std::string content(const std::string& name) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  static const std::string name = "/tmp/tovik-fuzz-" + std::to_string(getpid()) + ".prm";
+  static const std::string name =
+      std::filesystem::temp_directory_path() / ("tovik-fuzz-" + std::to_string(getpid()) + ".prm");
   std::ofstream(name, std::ios::binary)
       .write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(size));
-  int status = 0;
-  EnvHandle env = TVKopenTOVIK(&status);
+  static EnvHandle env = [] {
+    int status = 0;
+    return TVKopenTOVIK(&status);
+  }();
   if (TVKreadcopyparam(env, name.c_str()) == 0) {
     TVKsetintparam(env, TVK_PARAM_SCRIND, 0);
     tovik::fileio::fuzz::require(TVKwriteparam(env, name.c_str()) == 0);
@@ -33,7 +37,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     tovik::fileio::fuzz::require(TVKreadcopyparam(env, name.c_str()) == 0);
     tovik::fileio::fuzz::require(TVKwriteparam(env, name.c_str()) == 0 && content(name) == first);
   }
-  TVKcloseTOVIK(&env);
+  TVKsetdefaults(env);
   std::remove(name.c_str());
   return 0;
 }
