@@ -3,11 +3,13 @@
 #include <algorithm>
 #include <cmath>
 
+#include "model_data.h"
+#include "sum.h"
+
 namespace tovik::cli {
 
 namespace {
 
-constexpr int kColumnsAtOnce = 4096;
 /* A result passes while it violates by at most this many tolerances, scaled by the largest number that
  * entered it: the tolerances hold for the optimizer's scaled model, and no sum is more exact than its terms.
  */
@@ -17,50 +19,6 @@ constexpr int kIntegralityParameter = TVK_PARAM_EPINT;
 
 bool infinite(double bound) {
   return std::abs(bound) >= TVK_INFBOUND;
-}
-
-/* A sum of products as accurate as if computed with twice the digits, and its largest term. */
-class Sum {
- public:
-  void add(double a, double b) {
-    const double product = a * b;
-    const double product_error = std::fma(a, b, -product);
-    const double sum = total_ + product;
-    const double shift = sum - total_;
-    error_ += (total_ - (sum - shift)) + (product - shift) + product_error;
-    total_ = sum;
-    largest_ = std::max(largest_, std::abs(product));
-  }
-  double value() const { return total_ + error_; }
-  double size() const { return std::max(1.0, largest_); }
-
- private:
-  double total_ = 0, error_ = 0, largest_ = 0;
-};
-
-/* The columns of the model, a block at a time. */
-template <class Visit>
-void for_each_column(const Model& model, Visit visit) {
-  ConstEnvHandle env = model.environment().handle();
-  std::vector<int> begin, row;
-  std::vector<double> value;
-  const int columns = model.columns();
-  for (int first = 0; first < columns; first += kColumnsAtOnce) {
-    const int last = std::min(columns, first + kColumnsAtOnce) - 1;
-    int count = 0, surplus = 0;
-    TVKgetcols(env, model.handle(), &count, nullptr, nullptr, nullptr, 0, &surplus, first, last);
-    const auto space = static_cast<std::size_t>(std::max(1, -surplus));
-    begin.resize(static_cast<std::size_t>(last - first) + 2);
-    row.resize(std::max(row.size(), space));
-    value.resize(std::max(value.size(), space));
-    model.environment().check(TVKgetcols(env, model.handle(), &count, begin.data(), row.data(), value.data(),
-                                         static_cast<int>(space), &surplus, first, last));
-    begin[static_cast<std::size_t>(last - first) + 1] = count;
-    for (int j = first; j <= last; ++j) {
-      const auto k = static_cast<std::size_t>(j - first);
-      visit(j, row.data() + begin[k], value.data() + begin[k], begin[k + 1] - begin[k]);
-    }
-  }
 }
 
 double outside(double value, double lower, double upper) {
@@ -86,9 +44,9 @@ class Check {
         lower_(model.all<double>(TVKgetlb, model.columns())),
         upper_(model.all<double>(TVKgetub, model.columns())),
         cost_(model.all<double>(TVKgetobj, model.columns())),
+        rows_(row_limits(model)),
         activity_(static_cast<std::size_t>(model.rows())) {
     if (request.with_integrality) type_ = model.all<char>(TVKgetctype, model.columns());
-    read_row_limits();
   }
 
   Violations run() {
@@ -99,19 +57,6 @@ class Check {
   }
 
  private:
-  void read_row_limits() {
-    const int rows = model_.rows();
-    row_lower_ = model_.all<double>(TVKgetrhs, rows);
-    row_upper_ = row_lower_;
-    const auto sense = model_.all<char>(TVKgetsense, rows);
-    const auto range = model_.all<double>(TVKgetrngval, rows);
-    for (std::size_t i = 0; i < sense.size(); ++i) {
-      if (sense[i] == 'L') row_lower_[i] = -TVK_INFBOUND;
-      if (sense[i] == 'G') row_upper_[i] = TVK_INFBOUND;
-      if (sense[i] == 'R') (range[i] < 0 ? row_lower_[i] : row_upper_[i]) += range[i];
-    }
-  }
-
   bool semi_continuous(std::size_t j) const { return !type_.empty() && (type_[j] == 'S' || type_[j] == 'N'); }
   bool integer(std::size_t j) const {
     return !type_.empty() && (type_[j] == 'B' || type_[j] == 'I' || type_[j] == 'N');
@@ -142,12 +87,13 @@ class Check {
   }
 
   void rows() {
-    for_each_column(model_, [this](int j, const int* row, const double* value, int count) {
-      for (int k = 0; k < count; ++k)
-        activity_[static_cast<std::size_t>(row[k])].add(value[k], x_[static_cast<std::size_t>(j)]);
+    for_each_column(model_, [this](int j, const Slice& entries) {
+      for (std::size_t k = 0; k < entries.index.size(); ++k)
+        activity_[static_cast<std::size_t>(entries.index[k])].add(entries.value[k],
+                                                                  x_[static_cast<std::size_t>(j)]);
     });
     for (std::size_t i = 0; i < activity_.size(); ++i) {
-      const double violation = outside(activity_[i].value(), row_lower_[i], row_upper_[i]);
+      const double violation = outside(activity_[i].value(), rows_.lower[i], rows_.upper[i]);
       result_.row.meet(violation, static_cast<int>(i));
       judge(violation, feasibility_ * activity_[i].size());
     }
@@ -158,15 +104,16 @@ class Check {
     const auto pi = model_.all<double>(TVKgetpi, model_.rows());
     result_.has_duals = true;
     for (std::size_t i = 0; i < pi.size(); ++i) {
-      const double violation = residual(activity_[i].value(), row_lower_[i], row_upper_[i], sign * pi[i]);
+      const double violation = residual(activity_[i].value(), rows_.lower[i], rows_.upper[i], sign * pi[i]);
       result_.dual_row.meet(violation, static_cast<int>(i));
       judge(violation, std::max(optimality_, feasibility_) * std::max(activity_[i].size(), std::abs(pi[i])));
     }
-    for_each_column(model_, [&](int j, const int* row, const double* value, int count) {
+    for_each_column(model_, [&](int j, const Slice& entries) {
       const auto column = static_cast<std::size_t>(j);
       Sum reduced;
       reduced.add(cost_[column], 1.0);
-      for (int k = 0; k < count; ++k) reduced.add(-value[k], pi[static_cast<std::size_t>(row[k])]);
+      for (std::size_t k = 0; k < entries.index.size(); ++k)
+        reduced.add(-entries.value[k], pi[static_cast<std::size_t>(entries.index[k])]);
       const double violation = residual(x_[column], lower_[column], upper_[column], sign * reduced.value());
       result_.dual_column.meet(violation, j);
       judge(violation, optimality_ * reduced.size());
@@ -181,7 +128,7 @@ class Check {
   const CheckRequest request_;
   const double feasibility_, optimality_;
   const std::vector<double> x_, lower_, upper_, cost_;
-  std::vector<double> row_lower_, row_upper_;
+  const Limits rows_;
   std::vector<char> type_;
   std::vector<Sum> activity_;
   Violations result_;

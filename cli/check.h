@@ -3,8 +3,7 @@
  * reported does not lean on the optimizer's own bookkeeping. Violations are absolute and unscaled. Those of
  * the duals are natural residuals: the smaller of a reduced cost of the wrong sign and the distance to the
  * bound that would excuse it, so they vanish exactly when the values are optimal. Cost: twice one pass over
- * the matrix, in blocks of columns.   Errors: LibraryError, bad_alloc. Paper: Ogita, Rump, Oishi, Accurate
- * sum and dot product, SIAM J. Sci. Comput. 26 (2005). */
+ * the matrix, in blocks of columns.   Errors: LibraryError, bad_alloc. */
 #pragma once
 
 #include "library.h"

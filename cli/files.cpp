@@ -62,10 +62,7 @@ ExitStatus convert(const Environment& environment, const Options& options) {
   try {
     const Model model(environment, from);
     console.set_label(from == "-" ? "standard input" : from);
-    {
-      const Input input(from);
-      environment.check(TVKreadcopyprob(environment.handle(), model.handle(), input.path().c_str(), nullptr));
-    }
+    read_model_file(model, from);
     if (from == "-") environment.check(TVKchgprobname(environment.handle(), model.handle(), "stdin"));
     reading = false;
     console.set_label(to);

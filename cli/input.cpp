@@ -86,6 +86,12 @@ Input::Input(const std::string& file) : path_(file) {
 
 Input::~Input() = default;
 
+void read_model_file(const Model& model, const std::string& file) {
+  const Input input(file);
+  const Environment& environment = model.environment();
+  environment.check(TVKreadcopyprob(environment.handle(), model.handle(), input.path().c_str(), nullptr));
+}
+
 void Input::abandon() {
   if (const char* path = temporary_path) unlink(path);
 }

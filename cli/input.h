@@ -5,6 +5,8 @@
 #include <memory>
 #include <string>
 
+#include "library.h"
+
 namespace tovik::cli {
 
 class Input {
@@ -25,5 +27,8 @@ class Input {
   std::string path_;
   std::unique_ptr<TemporaryFile> temporary_;
 };
+
+/* Reads a model file, "-" is standard input. LibraryError, std::system_error. */
+void read_model_file(const Model& model, const std::string& file);
 
 }  // namespace tovik::cli

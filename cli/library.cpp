@@ -72,6 +72,14 @@ bool Model::mixed_integer() const {
   return kind == 1 || kind == 7 || kind == 11;
 }
 
+void Model::relax() {
+  int relaxed = type();
+  if (relaxed == TVK_PROBTYPE_MILP) relaxed = TVK_PROBTYPE_LP;
+  if (relaxed == TVK_PROBTYPE_MIQP) relaxed = TVK_PROBTYPE_QP;
+  if (relaxed == TVK_PROBTYPE_MIQCP) relaxed = TVK_PROBTYPE_QCP;
+  environment_.check(TVKchgprobtype(environment_.handle(), handle_, relaxed));
+}
+
 std::vector<std::string> Model::names(NameQuery query, const char* word, int begin, int end) const {
   std::vector<std::string> result;
   if (begin > end) return result;

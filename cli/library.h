@@ -50,6 +50,8 @@ class Model {
   int columns() const { return TVKgetnumcols(environment_.handle(), handle_); }
   int type() const { return TVKgetprobtype(environment_.handle(), handle_); }
   bool mixed_integer() const;
+  /* Becomes its continuous relaxation; what is quadratic stays so. */
+  void relax();
 
   /* A range query over all rows or all columns. */
   template <class Value, class Query>
@@ -63,10 +65,11 @@ class Model {
   std::string column_name(int j) const { return names(TVKgetcolname, "column ", j, j).front(); }
   std::string row_name(int i) const { return names(TVKgetrowname, "row ", i, i).front(); }
 
- private:
+  /* Names begin..end of any family; where the model has none, `word` and the position. */
   using NameQuery = int (*)(ConstEnvHandle, ConstProbHandle, char**, char*, int, int*, int, int);
   std::vector<std::string> names(NameQuery query, const char* word, int begin, int end) const;
 
+ private:
   const Environment& environment_;
   ProbHandle handle_ = nullptr;
 };

@@ -7,11 +7,13 @@
 #include "files.h"
 #include "input.h"
 #include "library.h"
+#include "lint.h"
 #include "options.h"
 #include "parameters.h"
 #include "report.h"
 #include "signals.h"
 #include "solve.h"
+#include "verify_run.h"
 
 namespace tovik::cli {
 
@@ -132,6 +134,8 @@ ExitStatus run(int argc, const char* const* argv) {
     return ExitStatus::bad_input;
   for (const Assignment& assignment : options.assignments) parameters.apply(assignment);
   if (options.verb == Verb::convert) return convert(environment, options);
+  if (options.verb == Verb::verify) return verify_file(environment, options);
+  if (options.verb == Verb::check) return check_models(environment, options);
   return options.verb == Verb::params ? list_parameters(parameters, options)
                                       : solve_all(environment, parameters, options);
 }

@@ -94,6 +94,8 @@ const char kSolveFooter[] =
     "\n"
     "Other verbs: tovik params [PATTERN]   list the parameters: value, default, range, meaning\n"
     "             tovik convert IN OUT     write a model in the format that the name OUT tells\n"
+    "             tovik check MODEL ...    what looks wrong in a model, by name\n"
+    "             tovik verify MODEL SOLUTION   does a solution file hold for a model?\n"
     "\n"
     "Exit status: 0 solved, 1 infeasible, 2 usage, 3 limit with a solution, 4 limit without one, 5 "
     "unbounded,\n"
@@ -155,8 +157,52 @@ void describe_convert(CLI::App& app, Options& options) {
   add_parameter_options(app, options);
 }
 
+void describe_verify(CLI::App& app, Options& options) {
+  app.formatter(std::make_shared<HelpFormat>("tovik verify MODEL SOLUTION [options]"));
+  app.footer(
+      "Recomputes what the solution file (.sol, .mst, may end in .gz or .bz2) claims from the two files "
+      "alone: "
+      "objective,\nviolations of every kind with the worst item by name, and what the duals prove. "
+      "Tolerances "
+      "are those of the\nparameters EPRHS, EPINT and EPOPT.\n"
+      "Exit status: 0 the solution holds, 9 a check failed, 7 a file is missing or malformed, or the two do "
+      "not belong\ntogether.");
+  app.add_option("models", options.models)->required()->expected(2)->type_name("MODEL SOLUTION");
+  app.add_option("--pick", options.pick, "Which solution of the file to look at (1)")
+      ->type_name("N")
+      ->check(CLI::PositiveNumber);
+  app.add_option("--tolerance", options.tolerance, "Largest violation of rows, bounds and integrality")
+      ->type_name("T")
+      ->check(CLI::NonNegativeNumber);
+  app.add_flag("--zeros", options.zeros, "Columns that the file gives no value are 0");
+  app.add_flag("--relax", options.relax, "Ignore integrality");
+  app.add_flag("--json", options.json, "One JSON object on standard output");
+  add_parameter_options(app, options);
+}
+
+void describe_check(CLI::App& app, Options& options) {
+  app.formatter(std::make_shared<HelpFormat>("tovik check MODEL [MODEL ...] [options]"));
+  app.footer(
+      "Reads each model and tells what looks wrong, by name: errors (no solution can exist, or the model "
+      "says "
+      "what it\ncannot mean), warnings (numbers that make trouble), notes (harmless).\n"
+      "Exit status: 0 no errors, 9 errors (with --strict also warnings), 7 input missing or malformed.");
+  app.add_option("models", options.models)->required()->type_name("MODEL");
+  app.add_option("--most", options.most, "Findings of each kind to show, the worst first (5)")
+      ->type_name("N")
+      ->check(CLI::PositiveNumber);
+  app.add_flag("--strict", options.strict, "Exit with 9 for warnings too");
+  app.add_flag("-q,--quiet", options.quiet, "No notes");
+  app.add_flag("--json", options.json, "One JSON object a model on standard output");
+  add_parameter_options(app, options);
+}
+
 void describe(CLI::App& app, Options& options) {
   switch (options.verb) {
+    case Verb::verify:
+      return describe_verify(app, options);
+    case Verb::check:
+      return describe_check(app, options);
     case Verb::params:
       return describe_params(app, options);
     case Verb::convert:
@@ -167,8 +213,12 @@ void describe(CLI::App& app, Options& options) {
 }
 
 Verb verb_of(const std::string& word) {
-  if (word == "params") return Verb::params;
-  return word == "convert" ? Verb::convert : Verb::solve;
+  const std::pair<const char*, Verb> verbs[] = {
+      {"params", Verb::params}, {"convert", Verb::convert}, {"verify", Verb::verify}, {"check", Verb::check}};
+  for (const auto& [name, verb] : verbs) {
+    if (word == name) return verb;
+  }
+  return Verb::solve;
 }
 
 /* Each of these files belongs to one model. */

@@ -1,6 +1,7 @@
 /* The command line of the program. */
 #pragma once
 
+#include <optional>
 #include <string>
 #include <variant>
 #include <vector>
@@ -16,12 +17,13 @@ struct Assignment {
   std::string value;
 };
 
-enum class Verb { solve, params, convert, version };
+enum class Verb { solve, params, convert, verify, check, version };
 
 struct Options {
   Verb verb = Verb::solve;
-  std::vector<std::string> models;  // of `convert`: the one to read and the one to write
-  std::string pattern;              // of `params`
+  std::vector<std::string>
+      models;           // of `convert`: the one to read and the one to write; of `verify`: model, solution
+  std::string pattern;  // of `params`
   std::vector<Assignment> assignments;
   std::string params_file;
   std::string basis_file, start_file;                     // to read before the solve
@@ -32,6 +34,11 @@ struct Options {
   bool print_values = false;
   bool json = false;
   bool exit_zero = false;
+  int pick = 1;                     // of `verify`: which solution of the file, from 1
+  bool zeros = false;               // columns without a value are 0
+  std::optional<double> tolerance;  // in place of the parameters
+  int most = 5;                     // of `check`: findings of a kind that are shown
+  bool strict = false;              // warnings count as errors
 };
 
 /* The options, or the exit status when there is nothing to do: help was printed, or the line is wrong. */

@@ -1,52 +1,13 @@
 #include "report.h"
 
-#include <array>
 #include <cmath>
-#include <cstdarg>
-#include <cstdio>
 #include <nlohmann/json.hpp>
+
+#include "text.h"
 
 namespace tovik::cli {
 
 namespace {
-
-__attribute__((format(printf, 1, 2))) std::string format(const char* pattern, ...) {
-  std::array<char, 512> buffer{};
-  va_list arguments;
-  va_start(arguments, pattern);
-  std::vsnprintf(buffer.data(), buffer.size(), pattern, arguments);
-  va_end(arguments);
-  return buffer.data();
-}
-
-std::string type_name(int type) {
-  switch (type) {
-    case TVK_PROBTYPE_LP:
-      return "LP";
-    case TVK_PROBTYPE_MILP:
-      return "MILP";
-    case TVK_PROBTYPE_FIXED_MILP:
-      return "fixed MILP";
-    case TVK_PROBTYPE_QP:
-      return "QP";
-    case TVK_PROBTYPE_MIQP:
-      return "MIQP";
-    case TVK_PROBTYPE_FIXED_MIQP:
-      return "fixed MIQP";
-    case TVK_PROBTYPE_QCP:
-      return "QCP";
-    case TVK_PROBTYPE_MIQCP:
-      return "MIQCP";
-    case TVK_PROBTYPE_FIXED_MIQCP:
-      return "fixed MIQCP";
-    default:
-      return "type " + std::to_string(type);
-  }
-}
-
-std::string counted(long count, const char* word) {
-  return std::to_string(count) + " " + word + (count == 1 ? "" : "s");
-}
 
 /* "rows 1.2e-09 (R17)": an amount and the name of its place. */
 template <class NameOf>

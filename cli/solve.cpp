@@ -46,34 +46,15 @@ const char* method_name(int method) {
   }
 }
 
-/* The type of the continuous relaxation; what is quadratic stays so. */
-int relaxed_type(int type) {
-  switch (type) {
-    case TVK_PROBTYPE_MILP:
-      return TVK_PROBTYPE_LP;
-    case TVK_PROBTYPE_MIQP:
-      return TVK_PROBTYPE_QP;
-    case TVK_PROBTYPE_MIQCP:
-      return TVK_PROBTYPE_QCP;
-    default:
-      return type;
-  }
-}
-
 void read_model(const Workplace& place, Model& model, const std::string& file, Outcome& outcome) {
   const Stopwatch watch;
   place.console.set_label(file == "-" ? "standard input" : file);
   {
     const Signals::Unfinished unfinished(place.signals);
-    const Input input(file);
-    place.environment.check(
-        TVKreadcopyprob(place.environment.handle(), model.handle(), input.path().c_str(), nullptr));
+    read_model_file(model, file);
   }
   place.console.set_label("");
-  if (place.options.relax) {
-    const int type = relaxed_type(model.type());
-    place.environment.check(TVKchgprobtype(place.environment.handle(), model.handle(), type));
-  }
+  if (place.options.relax) model.relax();
   outcome.read_seconds = watch.seconds();
   outcome.rows = model.rows();
   outcome.columns = model.columns();

@@ -178,7 +178,7 @@ Status copy_start(Environment& env, Problem& problem, const SolutionFile& soluti
 Status read_solution(Environment& env, Problem& problem, const char* name) {
   std::vector<SolutionFile> solutions;
   int found = 0;
-  const Status status = read_solution_file(env, problem, name, ".sol", {true, false}, solutions, found);
+  const Status status = read_solution_file(env, problem, name, ".sol", {true, false, 0}, solutions, found);
   if (!status.ok()) return status;
   if (found > 1)
     message(env.warning_channel, "Warning: more than one solution read, only first one processed.\n");
@@ -190,13 +190,62 @@ Status read_starts(Environment& env, Problem& problem, const char* name, bool se
   std::vector<SolutionFile> solutions;
   int found = 0;
   if (!problem.mixed_integer()) return TVK_ERROR_NOT_MIP;
-  const Status status = read_solution_file(env, problem, name, ".mst", {false, several}, solutions, found);
+  const Status status = read_solution_file(env, problem, name, ".mst", {false, several, 0}, solutions, found);
   if (!status.ok()) return status;
   if (found > 1 && !several) {
     message(env.warning_channel,
             "Warning: more than one TOVIKSolution element in file, only first one processed.\n");
   }
   return add_starts(env, problem, solutions);
+}
+
+/* ---- What a file says, without taking it over */
+
+struct SolutionOutputs {
+  int *count, *unknown, *status;
+  double *objective, *x, *pi, *slack, *dj;
+  int *column_status, *row_status;
+};
+
+/* Columns that the write level left out because they are 0. */
+void fill_zeros(const Problem& problem, SolutionFile& solution) {
+  if (solution.level != WriteLevel::nonzero && solution.level != WriteLevel::discrete_nonzero) return;
+  const auto types = problem.model->column_types();
+  for (std::size_t j = 0; j < solution.x.size(); ++j) {
+    const bool discrete = !types.empty() && types[j] != 'C';
+    if (solution.x[j] == kNoValue && (discrete || solution.level == WriteLevel::nonzero)) solution.x[j] = 0;
+  }
+}
+
+template <class Value>
+void hand_over(const std::vector<Value>& values, std::size_t count, Value absent, Value* to) {
+  if (to == nullptr) return;
+  std::fill_n(to, count, absent);
+  std::ranges::copy(values, to);
+}
+
+Status query_solution(Environment& env, const Problem& problem, const char* name, int which,
+                      const SolutionOutputs& to) {
+  if (which < 0) return TVK_ERROR_INDEX_RANGE;
+  std::vector<SolutionFile> solutions;
+  int found = 0;
+  const Status status =
+      read_solution_file(env, problem, name, ".sol", {true, false, which}, solutions, found);
+  if (!status.ok()) return status;
+  if (which >= found) return TVK_ERROR_INDEX_RANGE;
+  SolutionFile& solution = solutions[0];
+  fill_zeros(problem, solution);
+  if (to.count != nullptr) *to.count = found;
+  if (to.unknown != nullptr) *to.unknown = solution.unknown;
+  if (to.status != nullptr) *to.status = solution.status;
+  if (to.objective != nullptr) *to.objective = solution.objective;
+  hand_over(solution.x, problem.columns(), kNoValue, to.x);
+  hand_over(solution.dj, problem.columns(), kNoValue, to.dj);
+  hand_over(solution.column_status, problem.columns(), -1, to.column_status);
+  hand_over(solution.pi, problem.rows(), kNoValue, to.pi);
+  hand_over(solution.slack, problem.rows(), kNoValue, to.slack);
+  hand_over(solution.row_status, problem.rows(), -1, to.row_status);
+  return {};
 }
 
 }  // namespace
@@ -222,4 +271,13 @@ int TVKreadcopymipstart(ConstEnvHandle env, ProbHandle lp, const char* filename)
 
 int TVKreadcopymipstarts(ConstEnvHandle env, ProbHandle lp, const char* filename) {
   return with_problem(env, lp, [&](Environment& e, Problem& p) { return read_starts(e, p, filename, true); });
+}
+
+int TVKreadsolution(ConstEnvHandle env, ConstProbHandle lp, const char* filename, int which, int* count_p,
+                    int* unknown_p, int* lpstat_p, double* objval_p, double* x, double* pi, double* slack,
+                    double* dj, int* cstat, int* rstat) {
+  return with_problem(env, lp, [&](Environment& e, Problem& p) {
+    return query_solution(e, p, filename, which,
+                          {count_p, unknown_p, lpstat_p, objval_p, x, pi, slack, dj, cstat, rstat});
+  });
 }

@@ -41,7 +41,11 @@ int write_starts(const WriteSource& source, int begin, int end, WriteLevel level
 struct SolutionFile {
   std::string name;
   int effort = 0;
-  bool has_value = false;  // of some column
+  bool has_value = false;              // of some column
+  double objective = kNoValue;         // that the header states; NaN when that is no number
+  WriteLevel level = WriteLevel::all;  // that the header states
+  int status = 0;                      // solution status that the header states
+  int unknown = 0;                     // elements that name no column (row) of the model
   /* One per column (row): kNoValue and -1 where the file says nothing. Those of rows are empty when the file
    * has no rows. */
   std::vector<double> x, dj, slack, pi;
@@ -50,7 +54,8 @@ struct SolutionFile {
 
 struct SolutionReading {
   bool rows = false;     // constraints count too
-  bool several = false;  // all solutions, not the first only
+  bool several = false;  // all solutions, not just one
+  int which = 0;         // that one, from 0
 };
 
 /* 1425, 1434. `found` is the number of solutions in the file. */

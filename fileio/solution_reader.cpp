@@ -107,7 +107,7 @@ class Parser {
   double number(const char* text, double absent);
   int line() const { return static_cast<int>(XML_GetCurrentLineNumber(parser_.get())); }
   std::string text(const char* bytes) const { return latin1_ ? folded(bytes) : std::string(bytes); }
-  bool counts() const { return depth_in_solution_ > 0 && (found_ == 1 || reading_.several); }
+  bool counts() const { return depth_in_solution_ > 0 && (reading_.several || found_ == reading_.which + 1); }
   template <class... Arguments>
   void warn(const char* format, Arguments... arguments) {
     if (warnings_.admit()) log_.warn(format, arguments...);
@@ -185,12 +185,32 @@ void Parser::begin_solution() {
   met_rows_.assign(rows, 0);
 }
 
+/* A number of the header that readers can do without: NaN when it is none. */
+double stated(const char* digits) {
+  double value = 0;
+  return parse_whole_number(digits, digits + std::strlen(digits), value) ? value : std::nan("");
+}
+
+int status_number(double number) {
+  return number >= 0 && number <= 9999 ? static_cast<int>(number) : 0;
+}
+
+WriteLevel level_of(double number) {
+  if (!(number >= 1 && number <= 4)) return WriteLevel::all;
+  return static_cast<WriteLevel>(static_cast<int>(number));
+}
+
 void Parser::header(const XML_Char** attributes) {
+  SolutionFile& solution = solutions_.back();
   for (; *attributes != nullptr; attributes += 2) {
-    if (std::strcmp(attributes[0], "solutionName") == 0) solutions_.back().name = text(attributes[1]);
-    if (std::strcmp(attributes[0], "MIPStartEffortLevel") == 0) {
+    const std::string_view key = attributes[0];
+    if (key == "solutionName") solution.name = text(attributes[1]);
+    if (key == "objectiveValue") solution.objective = stated(attributes[1]);
+    if (key == "solutionStatusValue") solution.status = status_number(stated(attributes[1]));
+    if (key == "writeLevel") solution.level = level_of(stated(attributes[1]));
+    if (key == "MIPStartEffortLevel") {
       const double effort = number(attributes[1], 0);
-      solutions_.back().effort = effort >= 0 && effort <= 4 ? static_cast<int>(effort) : 0;
+      solution.effort = effort >= 0 && effort <= 4 ? static_cast<int>(effort) : 0;
     }
   }
 }
@@ -226,6 +246,7 @@ int Parser::resolve(const Identity& element, const model::NameTable& names, int 
     if (inside && names.name(static_cast<int>(index)) == name) return static_cast<int>(index);
     const int found = names.find(name);
     if (found < 0) {
+      ++solutions_.back().unknown;
       warn(column ? "Warning, line %d: '%.255s' is not a variable.\n"
                   : "Warning, line %d: '%.255s' is not a constraint.\n",
            line(), name.c_str());
@@ -233,6 +254,7 @@ int Parser::resolve(const Identity& element, const model::NameTable& names, int 
     return found;
   }
   if (inside) return static_cast<int>(index);
+  ++solutions_.back().unknown;
   const int shown = static_cast<int>(std::clamp(index, -2147483647.0, 2147483647.0));
   warn(column ? "Warning, line %d: Variable index '%d' out of range.\n"
               : "Warning, line %d: Constraint index '%d' out of range.\n",
@@ -299,6 +321,7 @@ ReadFailure read_start_text(ByteSource& source, const model::Model& model, Reade
     const int j = columns.find(cards.fields()[0]);
     if (j < 0) {
       cards.unknown_name(cards.fields()[0], "a variable");
+      ++solution.unknown;
       continue;
     }
     solution.x[static_cast<std::size_t>(j)] = value;

@@ -1432,6 +1432,22 @@ TVK_API int TVKsolwrite(ConstEnvHandle env, ConstProbHandle lp, const char *file
  * values as far as the file has them for all rows and columns), a MIP start for a mixed-integer one. */
 TVK_API int TVKreadcopysol(ConstEnvHandle env, ProbHandle lp, const char *filename);
 
+/* What solution `which` (from 0) of a solution or MIP-start file says about lp, which stays as it is: for checking a file,
+ * or for using its values elsewhere. Arrays as in TVKsolution and TVKgetbase; each output may be null. What the file does not
+ * say is 1e20, a status -1; a column that is left out because it is zero (write levels 3 and 4) is 0.
+ *
+ * count_p    number of solutions in the file      unknown_p  elements about columns or rows that lp does not have
+ * lpstat_p   the solution status that the file states, 0 none
+ * objval_p   the objective value that it states: 1e20 none, NaN no number
+ *
+ * Errors: 1200 there is no solution `which`; 1219 a text file and lp has no names.
+ *
+ *     double *x = malloc(TVKgetnumcols(env, lp) * sizeof(double));
+ *     TVKreadsolution(env, lp, "plan.sol.gz", 0, NULL, NULL, NULL, NULL, x, NULL, NULL, NULL, NULL, NULL); */
+TVK_API int TVKreadsolution(ConstEnvHandle env, ConstProbHandle lp, const char *filename, int which, int *count_p,
+                            int *unknown_p, int *lpstat_p, double *objval_p, double *x, double *pi, double *slack,
+                            double *dj, int *cstat, int *rstat);
+
 /* Writes MIP starts begin..end. Errors: 3020 there are none; 1205/1206 and 1200. */
 TVK_API int TVKwritemipstarts(ConstEnvHandle env, ConstProbHandle lp, const char *filename, int begin, int end);
 
