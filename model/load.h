@@ -38,13 +38,15 @@ struct ModelData {
   std::vector<int> index;
   std::vector<double> value;
   NameBlock column_names, row_names;
-  Families families;  // filled by the add() of each; indices are columns
+  Families families;      // filled by the add() of each; indices are columns
+  bool packed = false;    // the matrix has no zeros and no row twice in a column: nobody need look
+  int problem_type = -1;  // that the data belong to; -1: the one that they make
 };
 
 /* Replaces the model of `problem` and discards its solution and derived data; the problem becomes of the type
- * that its data make it: mixed-integer with types, sets, indicators, cuts or lazy constraints, quadratic or
- * quadratically constrained with such data. 1023 for a problem of a fixed type. On failure the problem stays
- * as it was. */
+ * that the data tell, or make: mixed-integer with types, sets, indicators, cuts or lazy constraints,
+ * quadratic or quadratically constrained with such data. 1023 for a problem of a fixed type. On failure the
+ * problem stays as it was. */
 Status load(Environment& env, Problem& problem, ModelData&& data);
 
 }  // namespace tovik::model

@@ -24,6 +24,17 @@ void normalize(std::vector<QuadraticTerm>& terms) {
 }
 
 QuadraticObjective::QuadraticObjective(std::span<const QuadraticTerm> terms) {
+  build(terms, 2);
+}
+
+QuadraticObjective QuadraticObjective::of_matrix(std::span<const QuadraticTerm> entries) {
+  QuadraticObjective objective;
+  objective.build(entries, 1);
+  return objective;
+}
+
+/* of_square: factor from a square's term to its entry of Q. */
+void QuadraticObjective::build(std::span<const QuadraticTerm> terms, double of_square) {
   int columns = 0;
   for (const QuadraticTerm& term : terms) columns = std::max(columns, term.other + 1);
   std::vector<std::int64_t> start(static_cast<std::size_t>(columns) + 1, 0);
@@ -42,7 +53,7 @@ QuadraticObjective::QuadraticObjective(std::span<const QuadraticTerm> terms) {
   };
   for (const QuadraticTerm& term : terms) {
     const bool square = term.column == term.other;
-    put(term.column, term.other, square ? 2 * term.value : term.value);
+    put(term.column, term.other, square ? of_square * term.value : term.value);
     if (!square) put(term.other, term.column, term.value);
   }
   matrix_ = VectorFile(std::move(start), std::move(index), std::move(value));
@@ -61,16 +72,24 @@ int QuadraticObjective::num_columns() const noexcept {
 }
 
 std::vector<QuadraticTerm> QuadraticObjective::terms() const {
-  std::vector<QuadraticTerm> terms;
+  std::vector<QuadraticTerm> terms = matrix();
+  for (QuadraticTerm& term : terms) {
+    if (term.column == term.other) term.value /= 2;
+  }
+  std::erase_if(terms, [](const QuadraticTerm& term) { return term.value == 0; });
+  return terms;
+}
+
+std::vector<QuadraticTerm> QuadraticObjective::matrix() const {
+  std::vector<QuadraticTerm> entries;
   for (int j = 0; j < matrix_.size(); ++j) {
     const VectorView v = matrix_.at(j);
     for (int p = 0; p < v.count; ++p) {
-      const int i = v.index[p];
-      if (i >= j) terms.push_back({j, i, i == j ? v.value[p] / 2 : v.value[p]});
+      if (v.index[p] >= j) entries.push_back({j, v.index[p], v.value[p]});
     }
   }
-  normalize(terms);
-  return terms;
+  normalize(entries);
+  return entries;
 }
 
 void QuadraticObjective::set(int i, int j, double value) {

@@ -29,6 +29,8 @@ class QuadraticObjective {
   QuadraticObjective() = default;
   /* From terms of the function (not of Q), in the stored form of normalize(). */
   explicit QuadraticObjective(std::span<const QuadraticTerm> terms);
+  /* From the entries of Q as matrix() gives them. */
+  static QuadraticObjective of_matrix(std::span<const QuadraticTerm> entries);
 
   bool empty() const { return matrix_.entries() == 0; }
   /* Stored entries of Q, both halves counted. */
@@ -42,6 +44,8 @@ class QuadraticObjective {
   int num_columns() const noexcept;
   /* Terms of the function x'Qx / 2, each pair once: q/2 for a square, q for a product. */
   std::vector<QuadraticTerm> terms() const;
+  /* Entries of Q itself, each pair once: column <= other, in this order. */
+  std::vector<QuadraticTerm> matrix() const;
 
   /* Sets entries (i, j) and (j, i) of Q; 0 removes them. */
   void set(int i, int j, double value);
@@ -50,6 +54,8 @@ class QuadraticObjective {
   void remove_small(double eps) noexcept { matrix_.remove_small(eps); }
 
  private:
+  void build(std::span<const QuadraticTerm> terms, double of_square);
+
   VectorFile matrix_;  // its vectors end with the last column that was given an entry
 };
 
