@@ -8,9 +8,11 @@
 
 #include "env/environment.h"
 #include "env/problem.h"
+#include "env/sav_signature.h"
 #include "fileio/channel_log.h"
 #include "fileio/file_families.h"
 #include "fileio/lp_dialogue.h"
+#include "fileio/saved_problem.h"
 #include "include/tovik.h"
 #include "model/load.h"
 #include "param/hidden.h"
@@ -68,7 +70,19 @@ Status print_failure(Environment& env, const ReadFailure& failure) {
   return code;
 }
 
-/* Reads the first byte of a file whose name does not tell its format. */
+/* A SAV file begins with a line feed, its signature and five bytes more. */
+bool goes_on_as_sav(ByteSource& source) {
+  char bytes[10];
+  std::size_t size = 0;
+  while (size < sizeof bytes) {
+    const std::size_t count = source.read(bytes + size, sizeof bytes - size);
+    if (count == 0) return false;
+    size += count;
+  }
+  return std::string_view(bytes, sizeof bytes).starts_with(kSavSignature);
+}
+
+/* Reads the first bytes of a file whose name does not tell its format. */
 Status guess_format(Environment& env, const char* name, Format& format) {
   OpenRequest request;
   request.name = name;
@@ -76,7 +90,7 @@ Status guess_format(Environment& env, const char* name, Format& format) {
   if (const Status status = open_for_reading(env, request, source); !status.ok()) return status;
   char byte = '\0';
   if (source->read(&byte, 1) == 1) {
-    format = format_of_first_byte(byte);
+    format = byte == '\n' && goes_on_as_sav(*source) ? Format::sav : format_of_first_byte(byte);
   } else if (!source->finish()) {
     return fail(env, TVK_ERROR_OPEN_FOR_READING, name);
   }
@@ -92,7 +106,7 @@ Status choose_format(Environment& env, const char* name, const char* type, Forma
       if (const Status status = guess_format(env, name, format); !status.ok()) return status;
     }
   }
-  const bool readable = format == Format::lp || format == Format::mps;
+  const bool readable = format == Format::lp || format == Format::mps || format == Format::sav;
   return readable ? Status{} : Status(TVK_ERROR_FILE_TYPE);
 }
 
@@ -194,6 +208,7 @@ Status report_failure(Environment& env, const ReadFailure& failure) {
 Status read_problem(Environment& env, Problem& problem, const char* name, const char* type) {
   Format format = Format::unknown;
   if (const Status status = choose_format(env, name, type, format); !status.ok()) return status;
+  if (format == Format::sav) return read_saved_problem(env, problem, name);
   FileModel model;
   if (const Status status = read_file(env, name, format, model); !status.ok()) return status;
   return load_file(env, problem, std::move(model), name);

@@ -3,6 +3,7 @@
 #include "env/problem.h"
 #include "fileio/channel_log.h"
 #include "fileio/model_writer.h"
+#include "fileio/saved_problem.h"
 #include "fileio/stream.h"
 #include "include/tovik.h"
 
@@ -25,6 +26,7 @@ WriteFormat write_format_of_type(std::string_view type) {
   if (starts_with_keyword(type, "RMP") || starts_with_keyword(type, "REW")) return WriteFormat::generic_mps;
   if (starts_with_keyword(type, "LP")) return WriteFormat::lp;
   if (starts_with_keyword(type, "RLP")) return WriteFormat::generic_lp;
+  if (starts_with_keyword(type, "SAV")) return WriteFormat::sav;
   return WriteFormat::unknown;
 }
 
@@ -40,6 +42,7 @@ Status finish_file(TextWriter& out, ByteSink& sink) {
 Status write_problem(Environment& env, const Problem& problem, const char* name, WriteFormat format) {
   if (name == nullptr || name[0] == '\0') return TVK_ERROR_NO_FILE_NAME;
   if (format == WriteFormat::unknown) return TVK_ERROR_FILE_TYPE;
+  if (format == WriteFormat::sav) return write_saved_problem(env, problem, name);
   const model::Model& model = *problem.model;
   env.add_work(static_cast<std::uint64_t>(model.num_nonzeros()) +
                static_cast<std::uint64_t>(model.num_rows() + model.num_columns()));

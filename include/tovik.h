@@ -1307,11 +1307,12 @@ TVK_API int TVKNETgetprobname(ConstEnvHandle env, ConstNetProbHandle net, char *
  *
  * filename  the file; it becomes the problem's name. A name that ends in .gz or .bz2 (either case) or .Z is read through
  *           the program gzip or bzip2, which must be on the search path; no shell sees the name.
- * filetype  "LP" or "MPS" (either case; what follows these letters is ignored), or NULL to let the name's extension
- *           (.lp, .mps, .qps) decide and, where it tells nothing, the file's first byte: '*', 'N' or 'n' mean MPS; a
- *           blank, a line feed, a backslash, 'M' or 'm' mean LP.
+ * filetype  "LP", "MPS" or "SAV" (either case; what follows these letters is ignored), or NULL to let the name's extension
+ *           (.lp, .mps, .qps, .sav) decide and, where it tells nothing, the file's first bytes: '*', 'N' or 'n' mean MPS;
+ *           a blank, a line feed, a backslash, 'M' or 'm' mean LP; the signature behind a line feed and other control
+ *           characters mean SAV.
  *
- * With the type given, a file that does not exist is looked for once more with .lp or .mps appended.
+ * With the type given, a file that does not exist is looked for once more with .lp, .mps or .sav appended.
  *
  * LP format: an objective after Minimize or Maximize (constants are allowed there), rows after Subject To as
  * "name: 3 x - 2 y <= 4", with two senses ("1 <= x + y <= 4") for ranged rows and "b = 1 -> x + y <= 4" for indicator
@@ -1320,10 +1321,13 @@ TVK_API int TVKNETgetprobname(ConstEnvHandle env, ConstNetProbHandle net, char *
  * what the file holds. A name that comes twice in one expression counts as the sum of its terms. Columns lie
  * between 0 and infinity where the file says nothing; rows without a name are called c1, c2 ... by their position.
  *
+ * A SAV file brings back the problem that it was written from, to the last bit, with all families, MIP starts, priority
+ * order and problem type. A basis in it becomes the starting basis (TVKcopybase), with a line on the warning channel.
+ *
  * Errors: 1004 filename is NULL; 1421 it is empty; 1423 the file, or its compressor, cannot be read to the end; 1424 the
- * format is unknown (or one that is not read: SAV and network files); 1436-1623 the text is not understood, with the
- * line; 5011, 5012 a quadratic term twice, a matrix that is not symmetric; 1023 the problem is a fixed one. On every error
- * the problem is as it was before.
+ * format is unknown (or one that is not read: network files); 1436-1623 the text is not understood, with the line; 1560 no
+ * SAV file, 1561 a SAV file that ends too early, 1563 one that is damaged or of a later version; 5011, 5012 a quadratic term
+ * twice, a matrix that is not symmetric; 1023 the problem is a fixed one. On every error the problem is as it was before.
  *
  *     status = TVKreadcopyprob(env, lp, "diet.lp.gz", NULL);
  */
@@ -1351,7 +1355,7 @@ TVK_API int TVKreadcopystdin(ConstEnvHandle env, ProbHandle lp);
  *
  * filename  the file. A name that ends in .gz or .bz2 (either case) or .Z is written through the program gzip or bzip2.
  *           The new file replaces an old one only when all of it is on the disk; otherwise the old one stays.
- * filetype  one of "LP", "MPS", "RLP", "RMP", "REW" (either case; at most three characters), or NULL to let the
+ * filetype  one of "LP", "MPS", "SAV", "RLP", "RMP", "REW" (either case; at most three characters), or NULL to let the
  *           extension decide, with .gz and its like put aside. R.. writes the names x1, x2 ... and c1, c2 ... in place
  *           of the model's own; REW is RMP.
  *
@@ -1363,8 +1367,11 @@ TVK_API int TVKreadcopystdin(ConstEnvHandle env, ProbHandle lp);
  * 15 significant digits. In both formats binary columns whose bounds differ count as bounded by 0 and 1; MPS holds no
  * constant of the objective, which becomes a column OBJCONST fixed at 1 (reading the file turns it back).
  *
+ * SAV is binary (docs/sav-format.md): the fastest to write and read, with every number to the last bit, every name and
+ * everything that a problem is made of, and the starting basis or that of the last optimization.
+ *
  * Errors: 1421 no file name; 1422 the file cannot be created; 1424 the type or extension is unknown; 1650 the model holds a
- * number that is not finite; 1803 not all of the file could be written.
+ * number that is not finite (LP and MPS); 1803 not all of the file could be written, 1562 the same of a SAV file.
  *
  *     status = TVKwriteprob(env, lp, "diet.mps.gz", NULL);
  */
@@ -1374,6 +1381,22 @@ TVK_API int TVKwriteprob(ConstEnvHandle env, ConstProbHandle lp, const char *fil
 TVK_API int TVKmpswrite(ConstEnvHandle env, ConstProbHandle lp, const char *filename);
 TVK_API int TVKlpwrite(ConstEnvHandle env, ConstProbHandle lp, const char *filename);
 TVK_API int TVKlprewrite(ConstEnvHandle env, ConstProbHandle lp, const char *filename);
+
+/* A restart file: a SAV file that holds, beside the problem, where its optimization stands: basis, pricing norms of the dual
+ * simplex, starting values, and the solution with its status and counters. Read into a problem, in the same process or
+ * another one, it makes that the problem that was written, name included: its solution can be queried, and the next
+ * optimization goes on from the basis, after an optimal one without an iteration. Parameters are not part of it
+ * (TVKwriteparam).
+ *
+ * The file may be compressed; .xxx may be left out of its name when it is read. A SAV file serves as well. Reading prints
+ * "Load of restart from file succeeded." on the results channel or "Load of restart from file failed." on the error channel,
+ * behind the reason; the problem is then as it was before. Errors: writing 1421, 1422, 1562; reading 1004, 1421, 1423, 1560,
+ * 1561, 1563, and 1023 into a fixed problem.
+ *
+ *     status = TVKwriterestart(env, lp, "night.xxx");
+ */
+TVK_API int TVKwriterestart(ConstEnvHandle env, ConstProbHandle lp, const char *filename);
+TVK_API int TVKreadcopyrestart(ConstEnvHandle env, ProbHandle lp, const char *filename);
 
 /* ---- Parameter files ---- */
 

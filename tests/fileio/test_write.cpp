@@ -179,6 +179,8 @@ TEST_F(Write, TypeAndNameChooseTheFormat) {
       {"a.rlp", nullptr, 0, "\\"},
       {"a.rmp", nullptr, 0, "NAME"},
       {"a.rew", nullptr, 0, "NAME"},
+      {"a.Sav", nullptr, 0, "\nTOVIK"},
+      {"a.lp", "sav", 0, "\nTOVIK"},
       {"a.qps", nullptr, 1424, ""},
       {"a.net", nullptr, 1424, ""},
       {"a", nullptr, 1424, ""},
@@ -203,8 +205,9 @@ TEST_F(Write, TypeAndNameChooseTheFormat) {
     EXPECT_EQ(errors(), c.code == 0 ? "" : "TOVIK Error  1424: Invalid filetype.\n");
     EXPECT_EQ(fs::exists(path(c.file)), c.code == 0);
     if (c.code != 0) continue;
-    EXPECT_TRUE(content(c.file).starts_with(c.begins));
-    const std::string as = std::string(c.begins) == "NAME" || std::string(c.begins) == "BZh" ? "mps" : "lp";
+    const std::string begins = c.begins;
+    EXPECT_TRUE(content(c.file).starts_with(begins));
+    const std::string as = begins == "NAME" || begins == "BZh" ? "mps" : begins[0] == '\n' ? "sav" : "lp";
     EXPECT_EQ(read_file(c.file, as.c_str()), 0);
     if (std::string(c.file).find(".r") == std::string::npos) {
       EXPECT_EQ(model(), before);
@@ -223,6 +226,7 @@ TEST_F(Write, FilesThatCannotBeWritten) {
     EXPECT_EQ(errors(), "TOVIK Error  1422: Could not open file '" + path(name) + "' for writing.\n");
   }
   EXPECT_EQ(TVKlpwrite(env_, lp_, "/dev/full"), 1803);
+  EXPECT_EQ(TVKwriteprob(env_, lp_, "/dev/full", "SAV"), 1562);
   const std::string search = std::getenv("PATH");
   setenv("PATH", "/nowhere", 1);
   EXPECT_EQ(write("a.lp.gz"), 1422);
@@ -237,7 +241,8 @@ TEST_F(Write, FilesThatCannotBeWritten) {
 
 TEST_F(Write, OldFileStaysWhenTheDiskIsFull) {
   load("min x\nst\n r: x >= 1\nend\n");
-  for (const char* name : {"a.lp", "a.mps.gz"}) {
+  for (const char* name : {"a.lp", "a.mps.gz", "a.sav", "a.sav.gz"}) {
+    const int failure = std::string(name).find("sav") != std::string::npos ? 1562 : 1803;
     put(name, "old");
     signal(SIGXFSZ, SIG_IGN);
     rlimit before{};
@@ -247,11 +252,12 @@ TEST_F(Write, OldFileStaysWhenTheDiskIsFull) {
     ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
     const int code = write(name);
     ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &before), 0);
-    EXPECT_EQ(code, 1803) << name;
-    EXPECT_EQ(errors(), "TOVIK Error  1803: Failure on temporary file write.\n");
+    EXPECT_EQ(code, failure) << name;
+    EXPECT_EQ(errors(), failure == 1803 ? "TOVIK Error  1803: Failure on temporary file write.\n"
+                                        : "TOVIK Error  1562: Unable to write SAV file to disk.\n");
     EXPECT_EQ(content(name), "old");
   }
-  EXPECT_EQ(files_in_folder(), 3u);
+  EXPECT_EQ(files_in_folder(), 5u);
 }
 
 TEST_F(Write, LinksAndPermissionsStay) {
@@ -287,22 +293,24 @@ TEST_F(Write, KilledWriterLeavesAWholeFile) {
   std::string objective = "min 1 x0";
   for (int j = 1; j < 3000; ++j) objective += "\n + " + std::to_string(j) + " x" + std::to_string(j);
   load(objective + "\nend\n");
-  const std::string whole[] = {text_of("a.lp"), (TVKchgobjsen(env_, lp_, TVK_MAX), text_of("b.lp"))};
-  for (int round = 0; round < 15; ++round) {
+  for (int round = 0; round < 45; ++round) {
+    const std::string name = std::string("a.") + (round % 3 == 0 ? "lp" : round % 3 == 1 ? "mps" : "sav");
+    const std::string whole[] = {(TVKchgobjsen(env_, lp_, TVK_MIN), text_of(name)),
+                                 (TVKchgobjsen(env_, lp_, TVK_MAX), text_of(name))};
     const pid_t child = fork();
     ASSERT_GE(child, 0);
     if (child == 0) {
       for (int k = 0;; ++k) {
         TVKchgobjsen(env_, lp_, k % 2 == 0 ? TVK_MIN : TVK_MAX);
-        if (TVKlpwrite(env_, lp_, path("a.lp").c_str()) != 0) _exit(1);
+        if (write(name) != 0) _exit(1);
       }
     }
-    std::this_thread::sleep_for(std::chrono::microseconds(2000 + 1337 * round));
+    std::this_thread::sleep_for(std::chrono::microseconds(2000 + 447 * round));
     kill(child, SIGKILL);
     int status = 0;
     waitpid(child, &status, 0);
     ASSERT_TRUE(WIFSIGNALED(status));
-    const std::string text = content("a.lp");
+    const std::string text = content(name);
     ASSERT_TRUE(text == whole[0] || text == whole[1]) << text.size();
   }
 }
