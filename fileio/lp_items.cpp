@@ -149,13 +149,18 @@ void Items::bounds(int j) {
   const auto at = static_cast<std::size_t>(j);
   const double lower = model_.lower()[at], upper = model_.upper()[at];
   const bool binary = type_of(model_, j) == 'B';
-  if (lower == 0 && (binary ? upper == 1 : upper >= kInfinity)) return;
+  if (lower != 0 || (binary ? upper != 1 : upper < kInfinity)) every_bound(j);
+}
+
+void Items::every_bound(int j) {
+  const auto at = static_cast<std::size_t>(j);
+  const double lower = model_.lower()[at], upper = model_.upper()[at];
   const std::string_view name = names_.columns[j];
   if (lower <= -kInfinity && upper >= kInfinity) {
     lines_.statement(name, " Free");
   } else if (lower == upper) {
     lines_.statement(name, " = ", lower);
-  } else if (upper >= kInfinity && !binary) {
+  } else if (upper >= kInfinity && type_of(model_, j) != 'B') {
     lines_.statement(name, " >= ", lower);
   } else {
     lines_.statement(lower, name, upper);
@@ -178,6 +183,44 @@ void Items::columns_of_types(std::string_view header, std::string_view types) {
     lines_.name(names_.columns[j]);
   }
   if (open) lines_.end();
+}
+
+void Items::column_list(std::span<const int> columns) {
+  for (const int j : columns) lines_.name(names_.columns[j]);
+  if (!columns.empty()) lines_.end();
+}
+
+void Items::whole() {
+  header(model_.objective_sense() >= 0 ? "Minimize" : "Maximize");
+  objective();
+  all_constraints();
+  all_cuts();
+  header("Bounds");
+  for (int j = 0; j < model_.num_columns(); ++j) bounds(j);
+  for (std::size_t i = 0; i < names_.range_columns.size(); ++i) range_column_bounds(static_cast<int>(i));
+  columns_of_types("Binaries", "B");
+  columns_of_types("Generals", "IN");
+  columns_of_types("Semi-Continuous", "SN");
+  if (!families_.sets.empty()) header("SOS");
+  for (int k = 0; k < families_.sets.size(); ++k) set(k);
+  header("End");
+}
+
+void Items::all_constraints() {
+  const int quadratic = families_.quadratic_rows.size(), indicators = families_.indicators.size();
+  if (model_.num_rows() + quadratic + indicators == 0) return;
+  header("Subject To");
+  rows(0, model_.num_rows());
+  for (int k = 0; k < quadratic; ++k) quadratic_row(k);
+  for (int k = 0; k < indicators; ++k) indicator(k);
+}
+
+void Items::all_cuts() {
+  const int cuts = families_.user_cuts.size(), lazy = families_.lazy_constraints.size();
+  if (cuts > 0) header("User Cuts");
+  for (int k = 0; k < cuts; ++k) user_cut(k);
+  if (lazy > 0) header("Lazy Constraints");
+  for (int k = 0; k < lazy; ++k) lazy_constraint(k);
 }
 
 }  // namespace tovik::fileio::lp

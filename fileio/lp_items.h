@@ -6,6 +6,7 @@
  * Errors    none of its own. */
 #pragma once
 
+#include <span>
 #include <string>
 #include <vector>
 
@@ -36,9 +37,13 @@ class Items {
   void lazy_constraint(int k) { cut(families_.lazy_constraints, names_.lazy, k); }
   void set(int k);
   void bounds(int j);
+  void every_bound(int j);  // also those that a reader assumes
   void range_column_bounds(int i);
   /* Names of columns of these types, as many on a line as there is room; nothing when there are none. */
   void columns_of_types(std::string_view header, std::string_view types);
+  void column_list(std::span<const int> columns);
+  /* Everything from the objective to the end, each section with its header. */
+  void whole();
   void header(std::string_view text) { lines_.header(text); }
   bool finite() const { return lines_.finite(); }
 
@@ -47,6 +52,8 @@ class Items {
   void ranged_row(int i, model::VectorView view);
   void cut(const model::RowPool& rows, const WriterNames& names, int k);
   void quadratic_objective();
+  void all_constraints();
+  void all_cuts();
   void terms(model::VectorView terms);
   void end(char sense, double rhs);
   const std::string* range_column(std::size_t i) const {

@@ -1,4 +1,4 @@
-/* The LP writer: names for the file, and the order of its sections. */
+/* The LP writer: names for the file, and what else stands in it beside the items of the model. */
 #include <cmath>
 #include <string>
 
@@ -36,16 +36,7 @@ class Writer {
     name_everything();
     items_.header("\\Problem name: " + title(source_.name));
     items_.header("");
-    items_.header(model_.objective_sense() >= 0 ? "Minimize" : "Maximize");
-    items_.objective();
-    write_constraints();
-    write_cuts();
-    write_bounds();
-    items_.columns_of_types("Binaries", "B");
-    items_.columns_of_types("Generals", "IN");
-    items_.columns_of_types("Semi-Continuous", "SN");
-    write_sets();
-    items_.header("End");
+    items_.whole();
     return items_.finite() ? 0 : TVK_ERROR_NUMBER_NOT_REPRESENTABLE;
   }
 
@@ -53,10 +44,6 @@ class Writer {
   void name_everything();
   WriterNames names_of(const model::NameTable& table, Kind kind, int count, const NameRules& rules);
   void find_range_columns();
-  void write_constraints();
-  void write_cuts();
-  void write_bounds();
-  void write_sets();
 
   const WriteSource& source_;
   const model::Model& model_;
@@ -111,37 +98,6 @@ void Writer::find_range_columns() {
     if (name.size() <= kMaxNameLength && taken.find(name) == NameTable::kNone)
       names_.range_columns[at] = name;
   }
-}
-
-void Writer::write_constraints() {
-  const int rows = model_.num_rows(), quadratic = families_.quadratic_rows.size(),
-            indicators = families_.indicators.size();
-  if (rows + quadratic + indicators == 0) return;
-  items_.header("Subject To");
-  items_.rows(0, rows);
-  for (int k = 0; k < quadratic; ++k) items_.quadratic_row(k);
-  for (int k = 0; k < indicators; ++k) items_.indicator(k);
-}
-
-void Writer::write_cuts() {
-  const int cuts = families_.user_cuts.size(), lazy = families_.lazy_constraints.size();
-  if (cuts > 0) items_.header("User Cuts");
-  for (int k = 0; k < cuts; ++k) items_.user_cut(k);
-  if (lazy > 0) items_.header("Lazy Constraints");
-  for (int k = 0; k < lazy; ++k) items_.lazy_constraint(k);
-}
-
-void Writer::write_bounds() {
-  items_.header("Bounds");
-  for (int j = 0; j < model_.num_columns(); ++j) items_.bounds(j);
-  for (std::size_t i = 0; i < names_.range_columns.size(); ++i)
-    items_.range_column_bounds(static_cast<int>(i));
-}
-
-void Writer::write_sets() {
-  if (families_.sets.empty()) return;
-  items_.header("SOS");
-  for (int k = 0; k < families_.sets.size(); ++k) items_.set(k);
 }
 
 }  // namespace

@@ -25,6 +25,15 @@ bool acceptable(const std::vector<std::string_view>& names, const NameRules& rul
   return std::ranges::all_of(names, fine) && !repeats(names);
 }
 
+/* Empty when there are no names. */
+std::vector<std::string_view> views_of(const model::NameTable& names, int count) {
+  std::vector<std::string_view> views;
+  if (names.empty()) return views;
+  views.reserve(static_cast<std::size_t>(count));
+  for (int k = 0; k < count; ++k) views.emplace_back(names.name(k));
+  return views;
+}
+
 }  // namespace
 
 WriterNames WriterNames::made_up(char letter, int count) {
@@ -65,12 +74,15 @@ WriterNames WriterNames::from(std::vector<std::string_view> names, char letter, 
 }
 
 WriterNames WriterNames::from(const model::NameTable& names, char letter, int count, const NameRules& rules) {
-  std::vector<std::string_view> views;
-  if (!names.empty()) {
-    views.reserve(static_cast<std::size_t>(count));
-    for (int k = 0; k < count; ++k) views.emplace_back(names.name(k));
-  }
-  return from(std::move(views), letter, count, rules);
+  return from(views_of(names, count), letter, count, rules);
+}
+
+WriterNames WriterNames::unchanged(const model::NameTable& names, char letter, int count) {
+  if (names.empty()) return made_up(letter, count);
+  WriterNames own;
+  own.views_ = views_of(names, count);
+  for (std::string_view& view : own.views_) view = view.substr(0, kMaxNameLength);
+  return own;
 }
 
 bool WriterNames::contains(std::string_view name) const {

@@ -38,6 +38,9 @@ class WriterNames {
                           const NameRules& rules);
   static WriterNames from(const model::NameTable& names, char letter, int count, const NameRules& rules);
 
+  /* For people, not for readers: whatever the names are, of each the first 255 characters. */
+  static WriterNames unchanged(const model::NameTable& names, char letter, int count);
+
   std::string_view operator[](int k) const { return views_[static_cast<std::size_t>(k)]; }
   int size() const { return static_cast<int>(views_.size()); }
   Origin origin() const { return origin_; }

@@ -1382,6 +1382,45 @@ TVK_API int TVKmpswrite(ConstEnvHandle env, ConstProbHandle lp, const char *file
 TVK_API int TVKlpwrite(ConstEnvHandle env, ConstProbHandle lp, const char *filename);
 TVK_API int TVKlprewrite(ConstEnvHandle env, ConstProbHandle lp, const char *filename);
 
+/* ---- Display: a model on a channel, for people to read ----
+ * The words are those of the LP format, and the numbers have 15 significant digits; names stand as they are, and where there
+ * are none, made-up ones. Each call sends one message to `channel` (TVKgetchannels, TVKaddchannel), however long.
+ *
+ * pattern     of the names that are shown: '*' stands for any characters, '?' for one; NULL shows every one
+ * begin, end  range of indices, as in the queries; of these, what the pattern fits is shown
+ *
+ * Where there is nothing the channel is told so ("There are no constraints.", "No constraints match 'x*'."). Errors: 1051 the
+ * channel is none; 1205/1206 and 1200 the range.
+ *
+ *     TVKdisplaysummary(env, lp, results);
+ *     TVKdisplayrows(env, lp, results, "cap_*", 0, TVKgetnumrows(env, lp) - 1);
+ *     TVKdisplayctype(env, lp, results, 'B', NULL, 0, TVKgetnumcols(env, lp) - 1); */
+
+/* Rows of the matrix, quadratic and indicator constraints, cuts, lazy constraints, sets: one statement each, ranged rows with
+ * both ends. */
+TVK_API int TVKdisplayrows(ConstEnvHandle env, ConstProbHandle lp, ChannelHandle channel, const char *pattern, int begin,
+                           int end);
+TVK_API int TVKdisplayqconstrs(ConstEnvHandle env, ConstProbHandle lp, ChannelHandle channel, const char *pattern,
+                               int begin, int end);
+TVK_API int TVKEdisplayindconstrs(ConstEnvHandle env, ConstProbHandle lp, ChannelHandle channel, const char *pattern,
+                                  int begin, int end);
+TVK_API int TVKdisplayusercuts(ConstEnvHandle env, ConstProbHandle lp, ChannelHandle channel, const char *pattern,
+                               int begin, int end);
+TVK_API int TVKdisplaylazyconstraints(ConstEnvHandle env, ConstProbHandle lp, ChannelHandle channel, const char *pattern,
+                                      int begin, int end);
+TVK_API int TVKdisplaysos(ConstEnvHandle env, ConstProbHandle lp, ChannelHandle channel, const char *pattern, int begin,
+                          int end);
+/* The bounds of columns, a line each, 0 and infinity too. */
+TVK_API int TVKdisplaybounds(ConstEnvHandle env, ConstProbHandle lp, ChannelHandle channel, const char *pattern, int begin,
+                             int end);
+/* The names of the columns of type `ctype`: 'C', 'B', 'I', 'S' or 'N', else 1003. */
+TVK_API int TVKdisplayctype(ConstEnvHandle env, ConstProbHandle lp, ChannelHandle channel, int ctype, const char *pattern,
+                            int begin, int end);
+/* The objective; all of the problem; its name, type, sizes and how large its numbers are. */
+TVK_API int TVKdisplayobj(ConstEnvHandle env, ConstProbHandle lp, ChannelHandle channel);
+TVK_API int TVKdisplayprob(ConstEnvHandle env, ConstProbHandle lp, ChannelHandle channel);
+TVK_API int TVKdisplaysummary(ConstEnvHandle env, ConstProbHandle lp, ChannelHandle channel);
+
 /* A restart file: a SAV file that holds, beside the problem, where its optimization stands: basis, pricing norms of the dual
  * simplex, starting values, and the solution with its status and counters. Read into a problem, in the same process or
  * another one, it makes that the problem that was written, name included: its solution can be queried, and the next
@@ -1397,6 +1436,36 @@ TVK_API int TVKlprewrite(ConstEnvHandle env, ConstProbHandle lp, const char *fil
  */
 TVK_API int TVKwriterestart(ConstEnvHandle env, ConstProbHandle lp, const char *filename);
 TVK_API int TVKreadcopyrestart(ConstEnvHandle env, ProbHandle lp, const char *filename);
+
+/* ---- Network files: the DIMACS format for minimum-cost flow problems ----
+ *
+ *     c a comment
+ *     p min 3 3          3 nodes, 3 arcs; before all other records
+ *     n 1 4              node 1 supplies 4; a node without a record has the supply 0
+ *     n 3 -4
+ *     a 1 2 0 3 1        arc from node 1 to node 2: bounds 0 and 3, cost 1
+ *     a 2 3 0 3 1
+ *     a 1 3 0 -1 5
+ *
+ * Nodes count from 1 in the file, from 0 in the network. More is read than the format knows: fractions, negative lower
+ * bounds, empty lines. Infinite bounds are "inf" with or without a sign, numbers of 1e20 and beyond, and the upper bound
+ * "-1" (just so) of an arc whose lower bound is not negative. Comments written by TVKNETwriteprob bring back what the
+ * format cannot tell: "c @problem NAME", "c @maximize" (the costs are then negated in the file, so that every other
+ * program has the right problem, too), "c @node NODE NAME" and, before the arc's record, "c @arc NAME". Arcs keep their
+ * order; finite numbers read back as the same numbers.
+ *
+ * TVKNETreadcopyprob replaces the network; .net may be left out of the name, and the file may be compressed. The name of
+ * the problem is the one in the file, or else the file's. TVKreadcopyprob reads such a file as a linear problem (see
+ * TVKcopynettolp) whose rows are called n1 ... and columns a1 ... where the file has no names. TVKNETwriteprob writes one;
+ * filetype is "NET", "MIN" or NULL, whatever the name's extension.
+ *
+ * Errors, after which nothing is changed: 1004 filename is NULL (reading); 1421 no file name; 1423, 1422, 1803 as for model
+ * files; 1424 another filetype; 1531 no problem line before the first record, a second one, or one that does not begin with
+ * "p min"; 1530 nodes outside the problem line's count, a node twice, too many arcs, or a million nodes more than the file
+ * speaks of (a warning tells what and where); 1538 the file ends before its last arc; 1537 a line that is not understood;
+ * 1012 more than 524999999 nodes or arcs; 1650 a number that is not finite (writing). */
+TVK_API int TVKNETreadcopyprob(ConstEnvHandle env, NetProbHandle net, const char *filename);
+TVK_API int TVKNETwriteprob(ConstEnvHandle env, ConstNetProbHandle net, const char *filename, const char *filetype);
 
 /* ---- Parameter files ---- */
 
