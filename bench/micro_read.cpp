@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "fileio/model_reader.h"
+#include "fileio/network_file.h"
 #include "fileio/number.h"
 
 namespace {
@@ -118,6 +119,36 @@ void ReadMps(benchmark::State& state) {
   read_all(state, read_mps, mps_text(rows, rows, 10));
 }
 BENCHMARK(ReadMps)->Arg(100)->Arg(10000)->Arg(200000)->Unit(benchmark::kMillisecond);
+
+/* Ten arcs a node, random ends; most numbers whole. */
+std::string network_text(int nodes) {
+  std::mt19937 random(1);
+  const auto node = [&] { return std::to_string(random() % static_cast<unsigned>(nodes) + 1); };
+  std::string text = "c bench\np min " + std::to_string(nodes) + ' ' + std::to_string(10 * nodes) + '\n';
+  for (int i = 1; i < nodes; i += 7)
+    text += "n " + std::to_string(i) + ' ' + std::to_string(static_cast<int>(random() % 2000) - 1000) + '\n';
+  for (int k = 0; k < 10 * nodes; ++k) {
+    const double cost = static_cast<double>(random() % 100000) / (k % 4 == 0 ? 100 : 1);
+    text +=
+        "a " + node() + ' ' + node() + " 0 " + std::to_string(random() % 10000) + ' ' + number(cost) + '\n';
+  }
+  return text;
+}
+
+/* Argument: nodes. */
+void ReadNetwork(benchmark::State& state) {
+  const std::string text = network_text(static_cast<int>(state.range(0)));
+  for (auto _ : state) {
+    MemorySource source(text);
+    SilentLog log;
+    tovik::model::NetworkData data;
+    if (read_network(source, {}, log, data)) state.SkipWithError("the text is not understood");
+    benchmark::DoNotOptimize(data.cost.data());
+  }
+  state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations()) *
+                          static_cast<std::int64_t>(text.size()));
+}
+BENCHMARK(ReadNetwork)->Arg(1000)->Arg(100000)->Unit(benchmark::kMillisecond);
 
 void ParseNumbers(benchmark::State& state) {
   std::vector<std::string> texts;

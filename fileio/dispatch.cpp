@@ -12,6 +12,7 @@
 #include "fileio/channel_log.h"
 #include "fileio/file_families.h"
 #include "fileio/lp_dialogue.h"
+#include "fileio/network_file.h"
 #include "fileio/saved_problem.h"
 #include "include/tovik.h"
 #include "model/load.h"
@@ -106,8 +107,7 @@ Status choose_format(Environment& env, const char* name, const char* type, Forma
       if (const Status status = guess_format(env, name, format); !status.ok()) return status;
     }
   }
-  const bool readable = format == Format::lp || format == Format::mps || format == Format::sav;
-  return readable ? Status{} : Status(TVK_ERROR_FILE_TYPE);
+  return format != Format::unknown ? Status{} : Status(TVK_ERROR_FILE_TYPE);
 }
 
 ReadOptions options_of(const Settings& settings) {
@@ -209,6 +209,7 @@ Status read_problem(Environment& env, Problem& problem, const char* name, const 
   Format format = Format::unknown;
   if (const Status status = choose_format(env, name, type, format); !status.ok()) return status;
   if (format == Format::sav) return read_saved_problem(env, problem, name);
+  if (format == Format::network) return read_network_problem(env, problem, name);
   FileModel model;
   if (const Status status = read_file(env, name, format, model); !status.ok()) return status;
   return load_file(env, problem, std::move(model), name);
