@@ -13,6 +13,7 @@ namespace fs = std::filesystem;
 const std::string kLp = "min x\nst\n r: x >= 1\nend\n";
 const std::string kMps =
     "NAME          P\nROWS\n N  obj\n G  r\nCOLUMNS\n    x  obj  1  r  1\nRHS\n    rhs  r  1\nENDATA\n";
+const std::string kNet = "p min 1 1\na 1 1 0 1 1\n";
 const std::string kModel = "min 0\nx - 1 [0,inf] r:1\nr G 1\n";
 
 class Dispatch : public support::WithFiles {
@@ -48,8 +49,10 @@ TEST_F(Dispatch, TypeNameAndFirstByteChooseTheFormat) {
       {"a", "Mps2", kMps, 0},
       {"a", "MP", kMps, 1424},
       {"a.lp", "", kLp, 1424},
-      {"a.net", nullptr, kLp, 1424},
-      {"a", "NET", kLp, 1424},
+      {"a.net", nullptr, kNet, 0},
+      {"a.MIN", nullptr, kNet, 0},
+      {"a.lp", "NET", kNet, 0},
+      {"a", "min", kNet, 0},
       {"lp", nullptr, kLp, 0},
       {"data", nullptr, "\n" + kLp, 0},
       {"data", nullptr, " " + kLp, 0},
