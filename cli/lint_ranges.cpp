@@ -31,13 +31,14 @@ constexpr Kind kLooksInfinite = {"looks-infinite", Severity::warning, "huge numb
 constexpr Kind kNines = {"nines", Severity::note, "numbers of nines that look like infinity",
                          "leave the bound out (infinity is 1e20) or give the limit that is meant"};
 
-/* The smallest and largest magnitude of numbers other than zero and infinity, and where they are. */
+/* The smallest and largest magnitude of numbers other than zero (tiny ones are told by themselves) and
+ * infinity, and where they are. */
 struct Spread {
   double smallest = 0, largest = 0;
   int smallest_at = -1, largest_at = -1;
   void meet(double value, int where) {
     const double size = std::abs(value);
-    if (size == 0 || std::isinf(size)) return;
+    if (size < kTiny || std::isinf(size)) return;
     if (smallest_at < 0 || size < smallest) smallest = size, smallest_at = where;
     if (largest_at < 0 || size > largest) largest = size, largest_at = where;
   }

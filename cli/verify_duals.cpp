@@ -24,7 +24,7 @@ class DualCheck {
     infeasibility_ = begin("dual_infeasibility", "Duals", q_.tolerances.optimality, claimed);
     complementarity_ = begin("complementary_slackness", "Compl. sl.", gap_tolerance_, claimed);
     gap_ = begin("duality_gap", "Gap", gap_tolerance_, claimed);
-    stated_ = begin("reduced_costs", "Red. costs", 0, true);
+    stated_ = begin("reduced_costs", "Red. costs", kStatedTolerance, true);
     basis_ = begin("basis", "Basis", q_.tolerances.feasibility, true);
   }
 

@@ -29,19 +29,22 @@ foreach(group unit property api fileio regress)
 endforeach()
 
 # The tests of the program run it; without the program they skip.
+find_package(nlohmann_json REQUIRED)
 if(TARGET tovik_program)
-  add_dependencies(test_api_program tovik_program)
   add_library(tovik_wrong_values MODULE tests/api/wrong_values.c)
   target_include_directories(tovik_wrong_values PRIVATE include)
   target_link_libraries(tovik_wrong_values PRIVATE ${CMAKE_DL_LIBS})
-  add_dependencies(test_api_program tovik_wrong_values)
-  target_compile_definitions(test_api_program PRIVATE TOVIK_PROGRAM="$<TARGET_FILE:tovik_program>"
-    TOVIK_WRONG_VALUES="$<TARGET_FILE:tovik_wrong_values>")
-else()
-  target_compile_definitions(test_api_program PRIVATE TOVIK_PROGRAM="" TOVIK_WRONG_VALUES="")
 endif()
-find_package(nlohmann_json REQUIRED)
-target_link_libraries(test_api_program PRIVATE nlohmann_json::nlohmann_json)
+foreach(test test_api_program test_api_program_check test_api_program_verify)
+  target_link_libraries(${test} PRIVATE nlohmann_json::nlohmann_json)
+  if(TARGET tovik_program)
+    add_dependencies(${test} tovik_program tovik_wrong_values)
+    target_compile_definitions(${test} PRIVATE TOVIK_PROGRAM="$<TARGET_FILE:tovik_program>"
+      TOVIK_WRONG_VALUES="$<TARGET_FILE:tovik_wrong_values>")
+  else()
+    target_compile_definitions(${test} PRIVATE TOVIK_PROGRAM="" TOVIK_WRONG_VALUES="")
+  endif()
+endforeach()
 
 # The public header as a C compiler sees it.
 add_executable(test_api_c99 tests/api/compile_c99.c)

@@ -1,5 +1,6 @@
 /* Solution and MIP-start files: their text, what comes back, and what readers say about faulty ones. */
 #include <algorithm>
+#include <cmath>
 
 #include "support/file_fixture.h"
 
@@ -230,6 +231,54 @@ TEST_F(SolutionFile, TextStartsAndFaultyFiles) {
   EXPECT_EQ(
       warnings(),
       "Warning, line 5: 'y' is not a variable.\nWarning: no complete solution read, no start loaded.\n");
+}
+
+TEST_F(SolutionFile, QueryHandsOverWhatAFileSaysAndLeavesTheProblemAlone) {
+  load("max 3 x + 2 y + z\nst\n a: x + 4 y + z <= 4\nbounds\n x <= 2\nend\n");
+  ASSERT_EQ(TVKdualopt(env_, lp_), 0);
+  ASSERT_EQ(TVKsolwrite(env_, lp_, path("a.sol").c_str()), 0);
+  double objective = 0, x[3], dj[3], pi[1], slack[1];
+  int count = 0, unknown = -1, status = 0, cstat[3], rstat[1];
+  const auto read = [&](const char* name, int which = 0) {
+    return TVKreadsolution(env_, lp_, path(name).c_str(), which, &count, &unknown, &status, &objective, x, pi,
+                           slack, dj, cstat, rstat);
+  };
+  ASSERT_EQ(read("a.sol"), 0) << errors();
+  EXPECT_EQ(TVKgetstat(env_, lp_), 1) << "the solution is still there";
+  EXPECT_EQ((std::vector<double>{objective, x[0], x[1], x[2], dj[0], dj[1], dj[2], pi[0], slack[0]}),
+            (std::vector<double>{8, 2, 0, 2, 2, -2, 0, 1, 0}));
+  EXPECT_EQ((std::vector<int>{count, unknown, status, cstat[0], cstat[1], cstat[2], rstat[0]}),
+            (std::vector<int>{1, 0, 1, TVK_AT_UPPER, TVK_AT_LOWER, TVK_BASIC, TVK_AT_LOWER}));
+
+  /* The second of two; what it does not say is told apart from zero. */
+  const std::string other =
+      "<TOVIKSolution><header objectiveValue=\"?\"/><variables><variable name=\"y\" "
+      "value=\"5\"/><variable index=\"7\" value=\"1\"/></variables></TOVIKSolution>";
+  put("b.sol", "<TOVIKSolutions><TOVIKSolution/>" + other + "</TOVIKSolutions>");
+  ASSERT_EQ(read("b.sol", 1), 0) << errors();
+  EXPECT_TRUE(std::isnan(objective));
+  EXPECT_EQ((std::vector<double>{x[0], x[1], x[2], dj[1], pi[0], slack[0]}),
+            (std::vector<double>{1e20, 5, 1e20, 1e20, 1e20, 1e20}));
+  EXPECT_EQ((std::vector<int>{count, unknown, status, cstat[1], rstat[0]}),
+            (std::vector<int>{2, 1, 0, -1, -1}));
+  EXPECT_EQ(read("b.sol", 0), 0);
+  EXPECT_EQ(objective, 1e20);
+  for (const int which : {-1, 2}) EXPECT_EQ(read("b.sol", which), 1200);
+
+  /* What the write level leaves out is zero, among the columns that it speaks of. */
+  const char type[] = {'I', 'C', 'C'};
+  ASSERT_EQ(TVKcopyctype(env_, lp_, type), 0);
+  for (const auto& [level, absent] : {std::pair("2", 1e20), {"3", 0.0}, {"4", 1e20}}) {
+    put("c.sol",
+        document("<variable name=\"z\" value=\"4\"/>\n", std::string(" writeLevel=\"") + level + "\""));
+    ASSERT_EQ(read("c.sol"), 0) << errors();
+    EXPECT_EQ(x[0], level[0] == '2' ? 1e20 : 0.0) << level;
+    EXPECT_EQ(x[1], absent) << level;
+    EXPECT_EQ(x[2], 4) << level;
+  }
+  EXPECT_EQ(TVKreadsolution(env_, lp_, path("c.sol").c_str(), 0, nullptr, nullptr, nullptr, nullptr, nullptr,
+                            nullptr, nullptr, nullptr, nullptr, nullptr),
+            0);
 }
 
 }  // namespace
