@@ -48,8 +48,10 @@ Status write_basis_file(Environment& env, Problem& problem, const char* name) {
   if (start.column_status.size() != problem.columns() || start.row_status.size() != problem.rows() ||
       !start.has_basis())
     return TVK_ERROR_NO_BASIS;
-  const BasisView basis{start.column_status, start.row_status,
-                        problem.solution != nullptr ? problem.solution->iterations : 0};
+  BasisView basis{start.column_status, start.row_status,
+                  problem.solution != nullptr ? problem.solution->iterations : 0};
+  if (start.primal.size() == problem.columns()) basis.primal = start.primal;
+  if (start.row_primal.size() == problem.rows()) basis.slack = start.row_primal;
   ChannelLog log(env);
   ReadFailure failure;
   const Status status = write_file(env, name, [&](TextWriter& out) {
@@ -57,7 +59,10 @@ Status write_basis_file(Environment& env, Problem& problem, const char* name) {
     return failure.code;
   });
   if (failure) return report_failure(env, failure);
-  if (status.ok()) log.print("Basis written to file '%s'.\n", name);
+  if (!status.ok()) return status;
+  log.print(is_superbasis(*problem.model, basis) ? "Superbasis written to file '%s'.\n"
+                                                 : "Basis written to file '%s'.\n",
+            name);
   return status;
 }
 
@@ -69,9 +74,9 @@ Status read_basis_file(Environment& env, Problem& problem, const char* name) {
                                                        : read_basis(source, model, log, basis);
   });
   if (!status.ok() || model.num_columns() + model.num_rows() == 0) return status;
-  return lp::dispatch::copy_start(
-      env, problem,
-      {array_of(basis.column_status), array_of(basis.row_status), values_or_null(basis.primal)});
+  return lp::dispatch::copy_start(env, problem,
+                                  {array_of(basis.column_status), array_of(basis.row_status),
+                                   values_or_null(basis.primal), values_or_null(basis.slack)});
 }
 
 Status write_vector_file(Environment& env, Problem& problem, const char* name) {

@@ -37,7 +37,8 @@ class Reader {
         basis_(basis),
         cards_(source, log),
         columns_(model.column_names()),
-        rows_(model.row_names()) {}
+        rows_(model.row_names()),
+        vertices_only_(!model.column_types().empty() || model.families().has_mixed_integer()) {}
 
   ReadFailure run();
 
@@ -51,8 +52,11 @@ class Reader {
   int column(std::string_view name);
   int row(std::string_view name);
   void set_basic_column(int j, const double* value);
+  bool between_column(double value);
+  void set_row(int i, int status, double value);
   void settle_resting_columns();
   void derive_values();
+  void derive_slacks();
   std::string_view field(std::size_t k) const { return cards_.fields()[k]; }
 
   const model::Model& model_;
@@ -62,6 +66,9 @@ class Reader {
   CardNames columns_, rows_;
   std::vector<double> value_;  // of columns
   std::vector<char> told_;     // columns whose value the file tells
+  std::vector<double> slack_;  // of rows
+  std::vector<char> told_rows_;
+  const bool vertices_only_;
 };
 
 ReadFailure Reader::run() {
@@ -70,6 +77,8 @@ ReadFailure Reader::run() {
   basis_.row_status.assign(static_cast<std::size_t>(model_.num_rows()), TVK_BASIC);
   value_.assign(columns, 0.0);
   told_.assign(columns, 0);
+  slack_.assign(static_cast<std::size_t>(model_.num_rows()), 0.0);
+  told_rows_.assign(slack_.size(), 0);
   while (cards_.next() && record()) {
   }
   cards_.close();
@@ -138,22 +147,36 @@ bool Reader::apply(Code code, const double* value) {
     case Code::basic:
       return basic(value);
     case Code::basic_row:
-      if (const int i = row(field(1)); i >= 0) basis_.row_status[static_cast<std::size_t>(i)] = TVK_BASIC;
+      set_row(row(field(1)), TVK_BASIC, *value);
       return true;
-    case Code::free_column: {
-      const int j = column(field(1));
-      if (j < 0) return true;
-      const auto at = static_cast<std::size_t>(j);
-      if (model_.lower()[at] > -kInfinity || model_.upper()[at] < kInfinity)
-        return cards_.fail(ReadFailure::plain(TVK_ERROR_NO_SUPERBASES));
-      basis_.column_status[at] = TVK_FREE_SUPER;
-      value_[at] = *value;
-      return true;
-    }
+    case Code::free_column:
+      return between_column(*value);
     case Code::free_row:
-      return cards_.fail(ReadFailure::plain(TVK_ERROR_NO_SUPERBASES));
+      if (vertices_only_) return cards_.fail(ReadFailure::plain(TVK_ERROR_NO_SUPERBASES));
+      set_row(row(field(1)), TVK_FREE_SUPER, *value);
+      return true;
   }
   return true;
+}
+
+bool Reader::between_column(double value) {
+  const int j = column(field(1));
+  if (j < 0) return true;
+  const auto at = static_cast<std::size_t>(j);
+  const bool free = model_.lower()[at] <= -kInfinity && model_.upper()[at] >= kInfinity;
+  if (vertices_only_ && !free) return cards_.fail(ReadFailure::plain(TVK_ERROR_NO_SUPERBASES));
+  basis_.column_status[at] = TVK_FREE_SUPER;
+  value_[at] = value;
+  told_[at] = 1;
+  return true;
+}
+
+void Reader::set_row(int i, int status, double value) {
+  if (i < 0) return;
+  const auto at = static_cast<std::size_t>(i);
+  basis_.row_status[at] = status;
+  slack_[at] = value;
+  told_rows_[at] = 1;
 }
 
 bool Reader::pair(int row_status, const double* value) {
@@ -193,15 +216,28 @@ void Reader::settle_resting_columns() {
 }
 
 void Reader::derive_values() {
-  bool complete = false;
   for (std::size_t j = 0; j < value_.size(); ++j) {
     const int status = basis_.column_status[j];
     if (status == TVK_AT_LOWER) value_[j] = model_.lower()[j];
     if (status == TVK_AT_UPPER) value_[j] = model_.upper()[j];
     if (status == TVK_BASIC && told_[j] == 0) return;
-    complete = complete || status == TVK_BASIC;
   }
-  if (complete) basis_.primal = std::move(value_);
+  if (std::ranges::find(told_, 1) == told_.end()) return;
+  basis_.primal = std::move(value_);
+  derive_slacks();
+}
+
+/* A row at its other end has its range as slack. */
+void Reader::derive_slacks() {
+  for (std::size_t i = 0; i < slack_.size(); ++i) {
+    const int status = basis_.row_status[i];
+    const bool inside = status == TVK_BASIC || status == TVK_FREE_SUPER;
+    if (inside && told_rows_[i] == 0) return;
+    if (inside) continue;
+    const double range = model_.sense()[i] == 'R' ? model_.range()[i] : 0;
+    slack_[i] = (status == TVK_AT_UPPER) == (range > 0) ? -range : 0;
+  }
+  basis_.slack = std::move(slack_);
 }
 
 }  // namespace

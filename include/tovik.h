@@ -1307,12 +1307,12 @@ TVK_API int TVKNETgetprobname(ConstEnvHandle env, ConstNetProbHandle net, char *
  *
  * filename  the file; it becomes the problem's name. A name that ends in .gz or .bz2 (either case) or .Z is read through
  *           the program gzip or bzip2, which must be on the search path; no shell sees the name.
- * filetype  "LP", "MPS" or "SAV" (either case; what follows these letters is ignored), or NULL to let the name's extension
- *           (.lp, .mps, .qps, .sav) decide and, where it tells nothing, the file's first bytes: '*', 'N' or 'n' mean MPS;
+ * filetype  "LP", "MPS", "SAV" or "NET" (or "MIN"; either case; what follows these letters is ignored), or NULL to let the
+ *           name's extension (.lp, .mps, .qps, .sav, .net, .min) decide and, where it tells nothing, the file's first bytes: '*', 'N' or 'n' mean MPS;
  *           a blank, a line feed, a backslash, 'M' or 'm' mean LP; the signature behind a line feed and other control
  *           characters mean SAV.
  *
- * With the type given, a file that does not exist is looked for once more with .lp, .mps or .sav appended.
+ * With the type given, a file that does not exist is looked for once more with .lp, .mps, .sav or .net appended.
  *
  * LP format: an objective after Minimize or Maximize (constants are allowed there), rows after Subject To as
  * "name: 3 x - 2 y <= 4", with two senses ("1 <= x + y <= 4") for ranged rows and "b = 1 -> x + y <= 4" for indicator
@@ -1325,7 +1325,7 @@ TVK_API int TVKNETgetprobname(ConstEnvHandle env, ConstNetProbHandle net, char *
  * order and problem type. A basis in it becomes the starting basis (TVKcopybase), with a line on the warning channel.
  *
  * Errors: 1004 filename is NULL; 1421 it is empty; 1423 the file, or its compressor, cannot be read to the end; 1424 the
- * format is unknown (or one that is not read: network files); 1436-1623 the text is not understood, with the line; 1560 no
+ * format is unknown; 1530-1538 and 1012 of network files (see there); 1436-1623 the text is not understood, with the line; 1560 no
  * SAV file, 1561 a SAV file that ends too early, 1563 one that is damaged or of a later version; 5011, 5012 a quadratic term
  * twice, a matrix that is not symmetric; 1023 the problem is a fixed one. On every error the problem is as it was before.
  *
@@ -1490,12 +1490,15 @@ TVK_API int TVKreadcopyparam(EnvHandle env, const char *filename);
  * out the extension (.bas, .vec, .ord) and changes nothing when it fails. Errors of all: 1421, 1422, 1803 when writing;
  * 1423, 1434, 1465, 1551, 1553 when reading. */
 
-/* The basis (TVKgetbase), with a line on the results channel. Non-basic free columns are left to the reader. Errors: 1262
- * no basis, 1555 not one basic variable for each row. */
+/* The basis (TVKgetbase), with a line on the results channel. When there are starting values of the columns (TVKcopystart)
+ * and the problem is not mixed-integer it is written with values, the slacks of rows too, and what lies between its bounds
+ * comes back; else non-basic free columns are left to the reader. Errors: 1262 no basis, 1555 not one basic variable for each
+ * row. */
 TVK_API int TVKmbasewrite(ConstEnvHandle env, ConstProbHandle lp, const char *filename);
 
-/* Makes the file's basis the start of the next optimization (TVKcopybase). Rows of sense 'G' come back as "at upper".
- * Errors: 1550 a value is missing, 1554 a non-basic variable between its bounds, 1555. */
+/* Makes the file's basis, and its values when it tells those of all basic columns, the start of the next optimization
+ * (TVKcopystart). Rows of sense 'G' come back as "at upper". Errors: 1550 a value is missing, 1554 a non-basic variable between
+ * its bounds in a mixed-integer problem, 1555. */
 TVK_API int TVKreadcopybase(ConstEnvHandle env, ProbHandle lp, const char *filename);
 
 /* The values of the solution: of the columns, slacks, and duals and reduced costs where there are any. Reading makes them

@@ -165,10 +165,7 @@ void publish(Problem& problem, const simplex::Answer& answer, const simplex::Cou
   AnswerWriter(*problem.model, answer, *solution, start).all();
   write_summary(answer, counters, problem.model->objective_sense(), *solution);
   problem.solution = std::move(solution);
-  problem.start.column_status.swap(start.column_status);
-  problem.start.row_status.swap(start.row_status);
-  problem.start.keeper = nullptr;
-  problem.start.change_level = 0;
+  problem.start = std::move(start);  // values to start from belonged to the basis before
 }
 
 void publish(Problem& problem, simplex::Solver& solver) {

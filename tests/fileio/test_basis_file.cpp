@@ -81,8 +81,10 @@ TEST_F(BasisFile, Records) {
       {"COLUMNS\n", 1551, "Line 2: Unrecognized basis indicator 'COLUMNS'"},
       {" XU y  b  1x\n", 1434, "Line 2: Couldn't convert '1x' to a number"},
       {" BR a\n", 1550, "Basis missing some basic values"},
-      {" SC x  2\n", 1554, "Superbases are not allowed"},
-      {" SR a  2\n", 1554, "Superbases are not allowed"},
+      {" SC x  2\n", 0, "30023 111"},
+      {" XL y  b  1\n SR b  2\n", 0, "01023 131"},
+      {" SC x\n", 1550, "Basis missing some basic values"},
+      {" SR a\n", 1550, "Basis missing some basic values"},
       {" BS x\n BS y\n", 1555, "2 extra basic variable(s)"},
       {" LL a\n", 1555, "1 too few basic variable(s)"},
   };
@@ -97,6 +99,43 @@ TEST_F(BasisFile, Records) {
     }
   }
   EXPECT_EQ(warnings(), "");
+}
+
+/* Values make a superbasis: what lies between its bounds comes back with its value. */
+TEST_F(BasisFile, Superbasis) {
+  load();
+  const int columns[] = {3, 1, 1, 2, 3}, rows[] = {1, 0, 3};
+  const double x[] = {0.5, 3.5, 2, 2, -7.5};
+  ASSERT_EQ(TVKcopystart(env_, lp_, columns, rows, x, nullptr, nullptr, nullptr), 0);
+  ASSERT_EQ(TVKmbasewrite(env_, lp_, path("a.bas").c_str()), 0);
+  EXPECT_EQ(results(), "Superbasis written to file '" + path("a.bas") + "'.\n");
+  const std::string text =
+      "NAME          p  Iterations 0  Rows 3  Cols 5\n XU y  b    3.500000000000000e+00\n"
+      " XL z  c    2.000000000000000e+00\n UL w\n BR a    3.500000000000000e+00\n"
+      " SR c   -4.500000000000000e+00\n SC x    5.000000000000000e-01\n SC f   "
+      "-7.500000000000000e+00\nENDATA\n";
+  EXPECT_EQ(content("a.bas"), text);
+  set_basis({0, 0, 0, 2, 3}, {1, 1, 1});
+  ASSERT_EQ(TVKreadcopybase(env_, lp_, path("a.bas").c_str()), 0) << errors();
+  EXPECT_EQ(basis(), "31123 123");
+  ASSERT_EQ(TVKmbasewrite(env_, lp_, path("b.bas").c_str()), 0);
+  EXPECT_EQ(content("b.bas"), text);
+  ASSERT_EQ(TVKchgobjsen(env_, lp_, TVK_MAX), 0);
+  ASSERT_EQ(TVKlpopt(env_, lp_), 0);
+  double value = 0;
+  ASSERT_EQ(TVKgetobjval(env_, lp_, &value), 0);
+  EXPECT_DOUBLE_EQ(value, 4);
+  ASSERT_EQ(TVKmbasewrite(env_, lp_, path("b.bas").c_str()), 0);
+  EXPECT_TRUE(results().ends_with("\nBasis written to file '" + path("b.bas") + "'.\n"));
+
+  const char integer = 'I';
+  const int first = 0;
+  ASSERT_EQ(TVKchgctype(env_, lp_, 1, &first, &integer), 0);
+  for (const char* records : {" SC x  2\n", " XL y  b  1\n SR b  2\n"}) {
+    EXPECT_EQ(read(records), 1554);
+    EXPECT_EQ(errors(), "TOVIK Error  1554: Superbases are not allowed.\n");
+  }
+  EXPECT_EQ(read(" SC f  2.5\n"), 0) << errors();
 }
 
 TEST_F(BasisFile, Warnings) {
