@@ -4,7 +4,7 @@
 set -euo pipefail
 
 build=(g++ cmake ninja-build libexpat1-dev libcli11-dev nlohmann-json3-dev bzip2 gzip)
-test=("${build[@]}" git python3 ccache libgtest-dev clang-format-14 pkg-config binutils)
+test=("${build[@]}" git python3 ccache libgtest-dev clang-format-14 pkg-config binutils locales)
 
 case "${1:-}" in
   build) wanted=("${build[@]}") ;;

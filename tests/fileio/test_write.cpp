@@ -6,7 +6,6 @@
 #include <unistd.h>
 
 #include <chrono>
-#include <clocale>
 #include <cmath>
 #include <thread>
 
@@ -269,23 +268,6 @@ TEST_F(Write, LinksAndPermissionsStay) {
   EXPECT_TRUE(fs::is_symlink(path("link.lp")));
   EXPECT_TRUE(content("real.lp").starts_with("\\Problem"));
   EXPECT_EQ(fs::status(path("real.lp")).permissions(), fs::perms::owner_read | fs::perms::owner_write);
-}
-
-/* Numbers have a point whatever the language of the user. */
-TEST_F(Write, LocaleDoesNotMatter) {
-  load("min 0.5 x\nst\n r: 1.25 x >= 2.75\nend\n");
-  const std::string lp = text_of("a.lp"), mps = text_of("a.mps");
-  bool found = false;
-  for (const char* name : {"de_DE.UTF-8", "de_DE.utf8", "de_DE", "fr_FR.UTF-8", "fr_FR"}) {
-    if (std::setlocale(LC_ALL, name) == nullptr) continue;
-    found = true;
-    EXPECT_EQ(text_of("a.lp"), lp);
-    EXPECT_EQ(text_of("a.mps"), mps);
-    ASSERT_EQ(read_file("a.lp"), 0);
-    EXPECT_EQ(text_of("a.lp"), lp);
-  }
-  std::setlocale(LC_ALL, "C");
-  if (!found) GTEST_SKIP() << "no locale with a comma is installed";
 }
 
 /* A process that is killed while it replaces a file leaves the old one or the new one. */
