@@ -1308,9 +1308,9 @@ TVK_API int TVKNETgetprobname(ConstEnvHandle env, ConstNetProbHandle net, char *
  * filename  the file; it becomes the problem's name. A name that ends in .gz or .bz2 (either case) or .Z is read through
  *           the program gzip or bzip2, which must be on the search path; no shell sees the name.
  * filetype  "LP", "MPS", "SAV" or "NET" (or "MIN"; either case; what follows these letters is ignored), or NULL to let the
- *           name's extension (.lp, .mps, .qps, .sav, .net, .min) decide and, where it tells nothing, the file's first bytes: '*', 'N' or 'n' mean MPS;
- *           a blank, a line feed, a backslash, 'M' or 'm' mean LP; the signature behind a line feed and other control
- *           characters mean SAV.
+ *           name's extension (.lp, .mps, .qps, .sav, .net, .min) decide and, where it tells nothing, the file's first
+ *           bytes: '*', 'N' or 'n' mean MPS; a blank, a line feed, a backslash, 'M' or 'm' mean LP; the signature behind a
+ *           line feed and other control characters mean SAV.
  *
  * With the type given, a file that does not exist is looked for once more with .lp, .mps, .sav or .net appended.
  *
@@ -1325,9 +1325,10 @@ TVK_API int TVKNETgetprobname(ConstEnvHandle env, ConstNetProbHandle net, char *
  * order and problem type. A basis in it becomes the starting basis (TVKcopybase), with a line on the warning channel.
  *
  * Errors: 1004 filename is NULL; 1421 it is empty; 1423 the file, or its compressor, cannot be read to the end; 1424 the
- * format is unknown; 1530-1538 and 1012 of network files (see there); 1436-1623 the text is not understood, with the line; 1560 no
- * SAV file, 1561 a SAV file that ends too early, 1563 one that is damaged or of a later version; 5011, 5012 a quadratic term
- * twice, a matrix that is not symmetric; 1023 the problem is a fixed one. On every error the problem is as it was before.
+ * format is unknown; 1436-1623 the text is not understood, with the line; 1560 no SAV file, 1561 a SAV file that ends too
+ * early, 1563 one that is damaged or of a later version; 1012, 1530-1538 of network files (see there); 5011, 5012 a
+ * quadratic term twice, a matrix that is not symmetric; 1023 the problem is a fixed one. On every error the problem is as it
+ * was before.
  *
  *     status = TVKreadcopyprob(env, lp, "diet.lp.gz", NULL);
  */

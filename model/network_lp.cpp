@@ -40,6 +40,7 @@ void collect_matrix(const Network& network, ModelData& data) {
 
 ModelData lp_of(const Network& network) {
   ModelData data;
+  data.packed = true;
   data.objective_sense = network.objective_sense();
   data.objective = copy_of(network.cost());
   data.lower = copy_of(network.lower());
