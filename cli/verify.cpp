@@ -12,7 +12,6 @@ namespace tovik::cli {
 namespace {
 
 constexpr double kNoValue = 1e20;             // what the library hands over where the file is silent
-constexpr double kDigits = 1e-15;             // of a number that was written with fifteen digits
 constexpr double kObjectiveTolerance = 1e-6;  // relative
 constexpr double kNotANumber = std::numeric_limits<double>::quiet_NaN();
 

@@ -2,7 +2,7 @@
  *
  * Each measure is the largest and the summed violation of one kind of condition, with the worst item by name.
  * Violations are absolute, in the model's units, from compensated sums; they hold up to the tolerance plus
- * what the fifteen digits of a file cannot tell (1e-15 of the magnitudes that were added up). A number that
+ * what the fifteen digits of a file cannot tell (kDigits of the magnitudes that were added up). A number that
  * is not finite never holds. Errors: LibraryError, bad_alloc. */
 #pragma once
 
@@ -14,6 +14,8 @@
 #include "sum.h"
 
 namespace tovik::cli {
+
+inline constexpr double kDigits = 5e-15;  // relative error of a number that was written with fifteen digits
 
 /* One solution of a file, as TVKreadsolution hands it over. */
 struct Claim {

@@ -8,7 +8,6 @@ namespace tovik::cli {
 
 namespace {
 
-constexpr double kDigits = 1e-15;
 constexpr double kGapTolerance = 1e-6;     // relative to the objective
 constexpr double kStatedTolerance = 1e-6;  // relative, of a reduced cost that the file states
 
@@ -34,7 +33,7 @@ class DualCheck {
     DualAnswer answer;
     answer.bound = direction_ * bound_.value();
     const double gap = direction_ * q_.objective - bound_.value();
-    gap_.meet(std::abs(gap), kDigits * bound_.magnitude(), [] { return std::string(); });
+    gap_.meet(std::abs(gap), kDigits * bound_.magnitude() + bound_rounding_, [] { return std::string(); });
     answer.proves = infeasibility_.holds() && gap_.holds() && std::isfinite(gap);
     if (!q_.claim.column_status.empty()) basic_count();
     for (Measure* done : {&infeasibility_, &complementarity_, &gap_, &stated_, &basis_}) {
@@ -53,47 +52,55 @@ class DualCheck {
     return measure;
   }
 
-  /* A value within [lower, upper] that has the dual value `dual`, known up to `rounding`. */
+  /* A row or column: its value within limits, its dual value, how well both are known. */
+  struct Item {
+    double value, lower, upper, dual;
+    double value_rounding, dual_rounding;
+  };
+
   template <class NameOf>
-  void pair(double value, double lower, double upper, double dual, double rounding, NameOf name_of) {
-    const double limit = dual > 0 ? lower : upper;
-    if (std::isnan(dual) || std::isnan(value)) {
+  void pair(const Item& item, NameOf name_of) {
+    const double limit = item.dual > 0 ? item.lower : item.upper;
+    if (std::isnan(item.dual) || std::isnan(item.value)) {
       infeasibility_.meet(std::nan(""), 0, name_of);
-    } else if (dual == 0 || std::isinf(limit)) {
-      infeasibility_.meet(std::abs(dual), rounding, name_of);
+    } else if (item.dual == 0 || std::isinf(limit)) {
+      infeasibility_.meet(std::abs(item.dual), item.dual_rounding, name_of);
     } else {
+      const double distance = std::abs(item.value - limit), rounding = item.dual_rounding * distance;
       infeasibility_.meet(0, 0, name_of);
-      complementarity_.meet(std::abs(dual * (value - limit)), rounding * std::abs(value - limit), name_of);
-      bound_.add(dual, limit);
+      complementarity_.meet(std::abs(item.dual) * distance, rounding, name_of);
+      bound_.add(item.dual, limit);
+      bound_rounding_ += rounding;
     }
   }
 
-  /* Basis status: non-basic ones stand at a limit, basic ones have no dual value. */
+  /* Non-basic ones stand at a limit. */
   template <class NameOf>
-  void status(int status, double value, const double (&ends)[2], double dual, double rounding,
-              NameOf name_of) {
-    const double slack = kDigits * std::abs(value);
-    if (status == TVK_BASIC) {
-      basis_.meet(std::abs(dual) <= q_.tolerances.optimality + rounding ? 0.0 : std::abs(dual), rounding,
-                  name_of);
-    } else {
-      const double place = status == TVK_FREE_SUPER ? 0.0 : ends[status == TVK_AT_UPPER ? 1 : 0];
-      basis_.meet(std::abs(value - place), slack, name_of);
-    }
+  void basis_status(int status, const Item& item, NameOf name_of) {
+    const double limit = status == TVK_AT_UPPER ? item.upper : item.lower;
+    const double place = status == TVK_FREE_SUPER ? 0.0 : limit;
+    const double distance = status == TVK_BASIC ? 0.0 : std::abs(item.value - place);
+    basis_.meet(distance, item.value_rounding, name_of);
   }
 
   void rows() {
     const Limits limits = row_limits(q_.model);
     for (int i = 0; i < q_.model.rows(); ++i) {
       const auto at = static_cast<std::size_t>(i);
-      const double dual = direction_ * q_.claim.pi[at], value = q_.activities[at].value();
-      const double lower = limits.lower[at], upper = limits.upper[at];
+      const Sum& activity = q_.activities[at];
+      Item item = {activity.value(),
+                   limits.lower[at],
+                   limits.upper[at],
+                   direction_ * q_.claim.pi[at],
+                   kDigits * activity.magnitude(),
+                   kDigits * std::abs(q_.claim.pi[at])};
       const auto name = [&] { return q_.model.row_name(i); };
-      pair(value, lower, upper, dual, 0, name);
+      pair(item, name);
       if (q_.claim.row_status.empty()) continue;
       /* A row that has one side is non-basic there, whatever the file calls it. */
-      const double low = std::isinf(lower) ? upper : lower, high = std::isinf(upper) ? lower : upper;
-      status(q_.claim.row_status[at], value, {low, high}, dual, 0, name);
+      if (std::isinf(item.lower)) item.lower = item.upper;
+      if (std::isinf(item.upper)) item.upper = item.lower;
+      basis_status(q_.claim.row_status[at], item, name);
     }
   }
 
@@ -110,14 +117,18 @@ class DualCheck {
       reduced.add(cost[at]);
       for (std::size_t k = 0; k < entries.index.size(); ++k)
         reduced.add(-entries.value[k], q_.claim.pi[static_cast<std::size_t>(entries.index[k])]);
-      const double rounding = kDigits * reduced.magnitude();
+      const double value = q_.claim.x[at], rounding = kDigits * reduced.magnitude();
+      const Item item = {value,
+                         bounds.lower[at],
+                         bounds.upper[at],
+                         direction_ * reduced.value(),
+                         kDigits * std::abs(value),
+                         rounding};
       const auto name = [&] { return q_.model.column_name(j); };
-      const double dual = direction_ * reduced.value(), value = q_.claim.x[at];
-      pair(value, bounds.lower[at], bounds.upper[at], dual, rounding, name);
+      pair(item, name);
       if (!q_.claim.dj.empty())
         stated_.meet(std::abs(reduced.value() - q_.claim.dj[at]), kStatedTolerance * reduced.size(), name);
-      if (!q_.claim.column_status.empty())
-        status(q_.claim.column_status[at], value, {bounds.lower[at], bounds.upper[at]}, dual, rounding, name);
+      if (!q_.claim.column_status.empty()) basis_status(q_.claim.column_status[at], item, name);
     });
   }
 
@@ -134,6 +145,7 @@ class DualCheck {
   const double gap_tolerance_;
   Measure infeasibility_, complementarity_, gap_, stated_, basis_;
   Sum bound_;
+  double bound_rounding_ = 0;
 };
 
 }  // namespace
