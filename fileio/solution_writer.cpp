@@ -41,7 +41,10 @@ bool is_latin1(const model::NameTable& names) {
 
 bool is_latin1(const WriteSource& source) {
   return is_latin1(source.model.column_names()) || is_latin1(source.model.row_names()) ||
-         is_latin1(source.model.families().starts.names()) || xml_text(source.name) == XmlText::latin1;
+         is_latin1(source.model.families().starts.names()) ||
+         is_latin1(source.model.families().indicators.names()) ||
+         is_latin1(source.model.families().quadratic_rows.names()) ||
+         xml_text(source.name) == XmlText::latin1;
 }
 
 class Writer {
@@ -56,6 +59,10 @@ class Writer {
   void write_header(const SolutionReport& report);
   void write_quality(const SolutionReport& report);
   void write_rows(const SolutionReport& report);
+  void write_families(const SolutionReport& report);
+  /* slack: double(int) */
+  template <class Slack>
+  void write_family(const char* element, const model::NameTable& names, int count, Slack&& slack);
   void write_columns(const SolutionReport& report);
   void write_start(int k);
   void write_identity(const model::NameTable& names, int k);
@@ -127,6 +134,46 @@ void Writer::write_rows(const SolutionReport& report) {
   xml_.close("linearConstraints");
 }
 
+template <class Slack>
+void Writer::write_family(const char* element, const model::NameTable& names, int count, Slack&& slack) {
+  if (count == 0) return;
+  xml_.open(element);
+  for (int k = 0; k < count; ++k) {
+    xml_.begin("constraint");
+    write_identity(names, k);
+    xml_.attribute("slack", slack(k));
+    xml_.end();
+  }
+  xml_.close(element);
+}
+
+double slack_of(const model::RowPool& rows, int k, const std::vector<double>& x) {
+  double slack = rows.rhs()[static_cast<std::size_t>(k)];
+  const model::VectorView row = rows.row(k);
+  for (int t = 0; t < row.count; ++t) slack -= row.value[t] * x[static_cast<std::size_t>(row.index[t])];
+  return slack;
+}
+
+/* An indicator constraint that is switched off leaves all the room there is. */
+void Writer::write_families(const SolutionReport& report) {
+  const model::Indicators& indicators = model_.families().indicators;
+  const model::QuadraticRows& quadratic = model_.families().quadratic_rows;
+  const std::vector<double>& x = report.solution->x;
+  write_family("indicatorConstraints", indicators.names(), indicators.size(), [&](int k) {
+    const double at = x[static_cast<std::size_t>(indicators.column()[static_cast<std::size_t>(k)])];
+    const bool active = indicators.complemented(k) ? at < 0.5 : at > 0.5;
+    return active ? slack_of(indicators.rows(), k, x) : model::kInfinity;
+  });
+  write_family("quadraticConstraints", quadratic.names(), quadratic.size(), [&](int k) {
+    double slack = slack_of(quadratic.linear(), k, x);
+    for (const model::QuadraticTerm& term : quadratic.terms(k)) {
+      slack -=
+          term.value * x[static_cast<std::size_t>(term.column)] * x[static_cast<std::size_t>(term.other)];
+    }
+    return slack;
+  });
+}
+
 void Writer::write_columns(const SolutionReport& report) {
   xml_.open("variables");
   for (int j = 0; j < model_.num_columns(); ++j) {
@@ -147,6 +194,7 @@ int Writer::write(const SolutionReport& report) {
   write_header(report);
   write_quality(report);
   write_rows(report);
+  write_families(report);
   write_columns(report);
   xml_.close(kRoot);
   return result();

@@ -986,6 +986,9 @@ TVK_API int TVKchgctype(ConstEnvHandle env, ProbHandle lp, int cnt, const int *i
  * 's' set, 'i' indicator constraint, 'u' user cut, 'l' lazy constraint, 'q' quadratic constraint, 'm' MIP start ij.
  * Errors: 1003 another key; 1200 ij outside. */
 TVK_API int TVKchgname(ConstEnvHandle env, ProbHandle lp, int key, int ij, const char *newname);
+/* Names cnt items of a kind at once, all or none: the keys of TVKchgname without 'b'. Errors: 1003 another key, 1224 a null
+ * name; 1201, 1203 or (other kinds) 1200 an index outside. */
+TVK_API int TVKchgnames(ConstEnvHandle env, ProbHandle lp, int key, int cnt, const int *indices, char **newname);
 /* Name cnt columns (rows). When the model had no names, the others get made-up ones. Error: 1224 a null name. */
 TVK_API int TVKchgcolname(ConstEnvHandle env, ProbHandle lp, int cnt, const int *indices, char **newname);
 TVK_API int TVKchgrowname(ConstEnvHandle env, ProbHandle lp, int cnt, const int *indices, char **newname);
@@ -1058,7 +1061,8 @@ TVK_API int TVKgetobjname(ConstEnvHandle env, ConstProbHandle lp, char *buffer, 
 /* Replaces all sets (TVKcopysos) or appends some (TVKaddsos): sostype and sosname one for each of numsos sets; columns and
  * weights of set k at positions sosbeg[k] to sosbeg[k+1] - 1 of sosind and soswt, of the last one up to numsosnz - 1.
  * sosname may be null, sosind and soswt too when there are no members. With TVK_PARAM_DATACHECK 1: 3009 a bad type, 1222
- * a column twice in a set; else the last weight counts. */
+ * a column twice in a set, 3010 a weight twice in a set; else the last weight of a column counts, and equal weights leave
+ * the order to the positions. */
 TVK_API int TVKcopysos(ConstEnvHandle env, ProbHandle lp, int numsos, int numsosnz, const char *sostype,
                        const int *sosbeg, const int *sosind, const double *soswt, char **sosname);
 TVK_API int TVKaddsos(ConstEnvHandle env, ProbHandle lp, int numsos, int numsosnz, const char *sostype,
@@ -1218,7 +1222,8 @@ TVK_API int TVKgetqconstrindex(ConstEnvHandle env, ConstProbHandle lp, const cha
 /* ---- Networks: minimum-cost flow problems as objects of their own ----
  * A network has nodes with supplies and arcs, each from its tail to its head, with costs and bounds:
  *
- *     minimize or maximize  obj'flow   subject to   flow out of i - flow into i = supply[i] for each node i,   lb <= flow <= ub
+ *     minimize or maximize  obj'flow   subject to   flow out of i - flow into i = supply[i] for every node i,
+ *                                                   lb <= flow <= ub
  *
  * A negative supply is a demand. Parallel arcs and loops (tail = head) are allowed, and crossed bounds as in a model.
  * Handles, ranges, DATACHECK, infinity, names and the surplus protocol are those of problems and models: 1009 for a handle

@@ -82,6 +82,8 @@ struct NameChanges {
 };
 /* A null pointer among the names could not be stored, so it fails whatever the data check says. */
 Status check_renames(Environment& env, const NameChanges& changes, IndexRule rule);
+/* Of the items that the key stands for, as in change_name but without the bound set. */
+Status change_names(Environment& env, Problem& problem, int key, const NameChanges& changes);
 Status change_column_names(Environment& env, Problem& problem, const NameChanges& changes);
 Status change_row_names(Environment& env, Problem& problem, const NameChanges& changes);
 Status delete_names(Problem& problem);

@@ -28,7 +28,9 @@ class Indicators {
   const NameTable& names() const { return rows_.names(); }
 
   void add(const NewIndicator& indicator);
-  void rename(int k, const char* name) { rows_.rename(k, name); }
+  void rename(int count, const int* positions, const char* const* names) {
+    rows_.rename(count, positions, names);
+  }
   void clear_names() noexcept { rows_.clear_names(); }
   void clear() noexcept;
   void keep(std::span<const int> renumber) noexcept;

@@ -32,7 +32,9 @@ class MipStarts {
   /* Gives columns of a start their value here; on bad_alloc some may have it already. */
   void merge(int k, VectorView values);
   void set_effort(int k, int effort) { effort_[static_cast<std::size_t>(k)] = effort; }
-  void rename(int k, const char* name) { values_.rename(k, name); }
+  void rename(int count, const int* positions, const char* const* names) {
+    values_.rename(count, positions, names);
+  }
 
   using Mark = NamedVectors::Mark;
   Mark mark() const { return values_.mark(); }

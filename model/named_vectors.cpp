@@ -22,10 +22,6 @@ void NamedVectors::set(int k, int column, double value) {
   }
 }
 
-void NamedVectors::rename(int k, const char* name) {
-  names_.rename(size(), 1, &k, &name);
-}
-
 void NamedVectors::cut(Mark mark) noexcept {
   vectors_.truncate(mark.vectors);
   if (names_.size() > mark.names) names_.truncate(mark.names);

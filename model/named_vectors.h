@@ -27,8 +27,10 @@ class NamedVectors {
   void append(VectorView vector, const char* name);
   /* Adds an entry to vector k, or changes it. */
   void set(int k, int column, double value);
-  /* Renames one vector; the others get made-up names when there were none. */
-  void rename(int k, const char* name);
+  /* Renames the listed vectors; the others get made-up names when there were none. */
+  void rename(int count, const int* positions, const char* const* names) {
+    names_.rename(size(), count, positions, names);
+  }
   void clear_names() noexcept { names_.clear(); }
 
   /* The family as it is now, and the way back to it after vectors were appended. */

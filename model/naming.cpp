@@ -36,51 +36,79 @@ Status change_row_names(Environment& env, Problem& problem, const NameChanges& c
 
 namespace {
 
-/* Names item `index` of a family. */
-template <class Family>
-Status rename(Family& family, int index, const char* name) {
-  if (index < 0 || index >= family.size()) return TVK_ERROR_INDEX_RANGE;
-  family.rename(index, name);
-  return {};
-}
-
-Status rename(Model& model, int key, int index, const char* name) {
-  const auto outside = [index](int count) { return index < 0 || index >= count; };
-  Families& families = model.change_families();
+int items_of(const Problem& problem, int key) {
+  const Families& families = problem.model->families();
   switch (key) {
     case 'c':
-      if (outside(model.num_columns())) return TVK_ERROR_INDEX_RANGE;
-      model.rename_columns(1, &index, &name);
-      return {};
+      return problem.model->num_columns();
     case 'r':
-      if (outside(model.num_rows())) return TVK_ERROR_INDEX_RANGE;
-      model.rename_rows(1, &index, &name);
-      return {};
-    case 'b':
-      model.set_bounds_name(name);
-      return {};
+      return problem.model->num_rows();
     case 's':
-      return rename(families.sets, index, name);
+      return families.sets.size();
     case 'i':
-      return rename(families.indicators, index, name);
+      return families.indicators.size();
     case 'u':
-      return rename(families.user_cuts, index, name);
+      return families.user_cuts.size();
     case 'l':
-      return rename(families.lazy_constraints, index, name);
+      return families.lazy_constraints.size();
     case 'q':
-      return rename(families.quadratic_rows, index, name);
+      return families.quadratic_rows.size();
     default:
-      return rename(families.starts, index, name);
+      return families.starts.size();
   }
+}
+
+/* Indices in range, names not null. */
+void rename(Model& model, int key, const NameChanges& changes) {
+  Families& families = model.change_families();
+  const auto in = [&changes](auto& family) { family.rename(changes.count, changes.indices, changes.names); };
+  switch (key) {
+    case 'c':
+      return model.rename_columns(changes.count, changes.indices, changes.names);
+    case 'r':
+      return model.rename_rows(changes.count, changes.indices, changes.names);
+    case 's':
+      return in(families.sets);
+    case 'i':
+      return in(families.indicators);
+    case 'u':
+      return in(families.user_cuts);
+    case 'l':
+      return in(families.lazy_constraints);
+    case 'q':
+      return in(families.quadratic_rows);
+    default:
+      return in(families.starts);
+  }
+}
+
+bool is_key(int key, const char* keys) {
+  return key > 0 && key <= 127 && std::strchr(keys, key) != nullptr;
 }
 
 }  // namespace
 
 Status change_name(Problem& problem, int key, int index, const char* name) {
   if (Status s = check_modifiable(problem); !s.ok()) return s;
-  if (key <= 0 || key > 127 || std::strchr("crbsiulqm", key) == nullptr) return TVK_ERROR_BAD_ARGUMENT;
+  if (!is_key(key, "crbsiulqm")) return TVK_ERROR_BAD_ARGUMENT;
   if (name == nullptr) return TVK_ERROR_NULL_POINTER;
-  if (Status s = rename(*problem.model, key, index, name); !s.ok()) return s;
+  if (key == 'b') {
+    problem.model->set_bounds_name(name);
+  } else {
+    if (index < 0 || index >= items_of(problem, key)) return TVK_ERROR_INDEX_RANGE;
+    rename(*problem.model, key, {1, &index, &name});
+  }
+  invalidate(problem, Change::names);
+  return {};
+}
+
+Status change_names(Environment& env, Problem& problem, int key, const NameChanges& changes) {
+  if (Status s = check_modifiable(problem); !s.ok()) return s;
+  if (!is_key(key, "crsiulqm")) return TVK_ERROR_BAD_ARGUMENT;
+  const int items = items_of(problem, key);
+  const Status checked = check_renames(env, changes, {static_cast<char>(key), items});
+  if (!checked.ok() || changes.count == 0) return checked;
+  rename(*problem.model, key, changes);
   invalidate(problem, Change::names);
   return {};
 }

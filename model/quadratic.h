@@ -73,7 +73,9 @@ class QuadraticRows {
   const NameTable& names() const { return linear_.names(); }
 
   void add(const NewQuadraticRow& row);
-  void rename(int k, const char* name) { linear_.rename(k, name); }
+  void rename(int count, const int* positions, const char* const* names) {
+    linear_.rename(count, positions, names);
+  }
   void clear_names() noexcept { linear_.clear_names(); }
   void clear() noexcept;
   void keep(std::span<const int> renumber) noexcept;

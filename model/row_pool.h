@@ -36,7 +36,9 @@ class RowPool {
   const NameTable& names() const { return rows_.names(); }
 
   void add(const PoolRow& row);
-  void rename(int k, const char* name) { rows_.rename(k, name); }
+  void rename(int count, const int* positions, const char* const* names) {
+    rows_.rename(count, positions, names);
+  }
   void clear_names() noexcept { rows_.clear_names(); }
 
   using Mark = NamedVectors::Mark;

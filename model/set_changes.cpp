@@ -1,4 +1,5 @@
 /* Copying, adding and deleting special ordered sets. */
+#include <algorithm>
 #include <utility>
 
 #include "model/changes.h"
@@ -20,6 +21,19 @@ Status check_set_types(Environment& env, const SetList& list) {
   return {};
 }
 
+/* Weights order a set: with equal ones nobody knows which columns are neighbours. */
+Status check_weights(const SetList& list) {
+  std::vector<double> weights;
+  for (int k = 0; k < list.count; ++k) {
+    const VectorView members = vector_of(matrix_of(list), k);
+    weights.assign(members.value, members.value + members.count);
+    std::sort(weights.begin(), weights.end());
+    if (std::adjacent_find(weights.begin(), weights.end()) != weights.end())
+      return TVK_ERROR_SOS_WEIGHTS_NOT_UNIQUE;
+  }
+  return {};
+}
+
 Status check_list(Environment& env, const Problem& problem, const SetList& list) {
   if (Status s = check_modifiable(problem); !s.ok()) return s;
   if (list.count < 0 || list.entries < 0) return TVK_ERROR_BAD_ARGUMENT;
@@ -29,6 +43,7 @@ Status check_list(Environment& env, const Problem& problem, const SetList& list)
   if (Status s = check_columns_matrix(env, problem, matrix_of(list)); !s.ok()) return s;
   if (!checking(env)) return {};
   if (Status s = check_set_types(env, list); !s.ok()) return s;
+  if (Status s = check_weights(list); !s.ok()) return s;
   return check_names(env, list.count, list.names);
 }
 

@@ -30,7 +30,9 @@ class Sets {
   const NameTable& names() const { return members_.names(); }
 
   void add(const NewSet& set);
-  void rename(int k, const char* name) { members_.rename(k, name); }
+  void rename(int count, const int* positions, const char* const* names) {
+    members_.rename(count, positions, names);
+  }
   void clear_names() noexcept { members_.clear_names(); }
 
   using Mark = NamedVectors::Mark;

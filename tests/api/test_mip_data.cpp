@@ -89,7 +89,12 @@ TEST_F(MipData, DeletesByRangeAndMarksAndTheRestKeepsItsNames) {
   EXPECT_EQ(TVKgetsosindex(env_, lp_, "b", &index), 1210);
   EXPECT_EQ(TVKgetusercutindex(env_, lp_, "d", &index), 0);
   ASSERT_EQ(TVKchgname(env_, lp_, 's', 1, "new"), 0);
-  ASSERT_EQ(TVKchgname(env_, lp_, 'u', 0, "cut"), 0);
+  const int both[] = {0, 1}, outside[] = {0, 2};
+  EXPECT_EQ(TVKchgnames(env_, lp_, 's', 2, outside, names), 1200);
+  EXPECT_EQ(TVKchgnames(env_, lp_, 'b', 1, both, names), 1003);
+  char second[] = "cut";
+  char* cuts[] = {second, d};
+  ASSERT_EQ(TVKchgnames(env_, lp_, 'u', 2, both, cuts), 0);
   EXPECT_EQ(text(),
             "type 1 CCC\nset a 1 x:1\nset new 1\ncut cut E 0 x:1\ncut d E 0\nstart b 0 y:2\nstart d 0\n");
   ASSERT_EQ(TVKdelsos(env_, lp_, 0, 0), 0);
@@ -151,7 +156,7 @@ TEST_F(MipData, ContentIsCheckedToTheLetterOnlyWhenAsked) {
   const int beg[] = {0, 2}, twice[] = {0, 0, 1, 2}, far[] = {0, 1, 2, 3}, fine[] = {0, 1, 2, 0},
             priority[] = {1, -1}, direction[] = {0, 2};
   const int effort[] = {0, 7};
-  const double val[] = {1, 2, 3, 4};
+  const double val[] = {1, 2, 3, 4}, even[] = {1, 2, 1, 1};
   char name[] = "n";
   char* names[] = {name, nullptr};
   struct Case {
@@ -163,6 +168,8 @@ TEST_F(MipData, ContentIsCheckedToTheLetterOnlyWhenAsked) {
       {[&] { return TVKaddsos(env_, lp_, 2, 4, "1X", beg, fine, val, nullptr); }, 3009,
        "Illegal sostype entry 1"},
       {[&] { return TVKaddsos(env_, lp_, 2, 4, "12", beg, twice, val, nullptr); }, 1222, "Duplicate entry"},
+      {[&] { return TVKaddsos(env_, lp_, 2, 4, "12", beg, fine, even, nullptr); }, 3010,
+       "Set does not have unique weights"},
       {[&] { return TVKaddsos(env_, lp_, 2, 0, "12", beg, nullptr, nullptr, names); }, 1224,
        "Null pointer 1 in name array"},
       {[&] { return TVKcopyorder(env_, lp_, 2, beg, priority, nullptr); }, 3006, "Negative priority entry 1"},
