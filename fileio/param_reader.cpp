@@ -1,5 +1,8 @@
+#include <locale.h>
+
 #include <algorithm>
 #include <charconv>
+#include <cstdlib>
 #include <limits>
 #include <memory>
 #include <string>
@@ -12,6 +15,7 @@
 #include "include/tovik.h"
 #include "param/hidden.h"
 #include "param/registry.h"
+#include "param/rollback.h"
 
 namespace tovik::fileio {
 namespace {
@@ -41,16 +45,27 @@ std::string_view without_comment(std::string_view line) {
   return line;
 }
 
-/* The number that the text begins with, as far as it goes. */
-template <class Number>
-bool begins_with_number(std::string_view text, Number& value) {
-  if (!text.empty() && text[0] == '+') text.remove_prefix(1);
+std::string_view without_plus(std::string_view text) {
+  const bool plus = text.starts_with('+') && !text.starts_with("+-");
+  return plus ? text.substr(1) : text;
+}
+
+/* The number that the text begins with, as far as it goes. One beyond the type becomes the largest there is,
+ * which is beyond every range that a parameter has. */
+bool begins_with_number(std::string_view text, int& value) {
+  text = without_plus(text);
   const auto result = std::from_chars(text.data(), text.data() + text.size(), value);
   if (result.ec != std::errc::result_out_of_range) return result.ec == std::errc();
-  // Beyond the type, and so beyond every range that a parameter has.
-  value = std::numeric_limits<Number>::max();
-  if (text[0] == '-') value = -value;
+  value = text[0] == '-' ? -std::numeric_limits<int>::max() : std::numeric_limits<int>::max();
   return true;
+}
+
+/* Decimal or, behind 0x, hexadecimal; infinite and undefined values too. */
+bool begins_with_number(const std::string& text, double& value) {
+  char* end = nullptr;
+  static const locale_t plain = newlocale(LC_ALL_MASK, "C", nullptr);
+  value = strtod_l(text.c_str(), &end, plain);
+  return end != text.c_str();
 }
 
 class Reader {
@@ -131,10 +146,10 @@ Status Reader::read_header() {
 
 /* A word that is a whole number is the parameter's number, unless names alone are wanted. */
 Status Reader::find_entry(std::string_view word, const param::Entry*& entry) {
-  const std::string_view digits = word[0] == '+' ? word.substr(1) : word;
+  const std::string_view digits = without_plus(word);
   int number = 0;
   const auto parsed = std::from_chars(digits.data(), digits.data() + digits.size(), number);
-  const bool whole = parsed.ec == std::errc() && parsed.ptr == digits.data() + digits.size();
+  const bool whole = parsed.ec != std::errc::invalid_argument && parsed.ptr == digits.data() + digits.size();
   if (whole && env_.settings.integer(param::kNamesOnly) == 0) {
     entry = param::locate(env_, number);
     return entry != nullptr ? Status() : Status(TVK_ERROR_PARAMETER_NUMBER);
@@ -202,7 +217,9 @@ Status Reader::read_text(std::string_view text, Setting& setting) {
   return status;
 }
 
+/* All settings or, when memory runs out, none. */
 Status Reader::apply() {
+  param::Rollback rollback(env_);
   param::reset(env_);
   for (const Setting& setting : settings_) {
     const int number = setting.entry->number;
@@ -212,6 +229,7 @@ Status Reader::apply() {
                                                     : param::set_text(env_, number, setting.text.c_str());
     if (!status.ok()) return status;
   }
+  rollback.keep();
   return {};
 }
 

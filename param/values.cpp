@@ -7,6 +7,7 @@
 #include "env/entry.h"
 #include "param/hidden.h"
 #include "param/registry.h"
+#include "param/screen.h"
 
 namespace tovik::param {
 
@@ -46,10 +47,6 @@ bool polishing_conflict(const Settings& s, int number, double value) {
     default:
       return false;
   }
-}
-
-std::array<Channel*, 3> screen_channels(Environment& env) {
-  return {env.results_channel, env.warning_channel, env.error_channel};
 }
 
 void detach_screen(Environment& env) {

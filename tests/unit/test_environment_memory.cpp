@@ -3,9 +3,13 @@
 #include <gtest/gtest.h>
 #include <tovik.h>
 
+#include <unistd.h>
+
+#include <cstdio>
 #include <cstdlib>
 #include <functional>
 #include <new>
+#include <string_view>
 
 namespace {
 
@@ -121,6 +125,35 @@ TEST(Memory, WorkInsideAnEnvironment) {
   EXPECT_EQ(TVKdelfpdest(env, error, stdout), 1052);
   EXPECT_EQ(TVKgetnumint(env, lp), 1);
   EXPECT_EQ(TVKcloseTOVIK(&env), 0);
+}
+
+/* A parameter file is applied whole or not at all. */
+TEST(Memory, ReadingParameters) {
+  char name[] = "/tmp/tovik-memory-XXXXXX";
+  FILE* file = fdopen(mkstemp(name), "w");
+  ASSERT_NE(file, nullptr);
+  std::fprintf(file,
+               "TOVIK Parameter File Version 12.2.0.0\nTVK_PARAM_ITLIM 5\nTVK_PARAM_WORKDIR \"%0400d\"\n", 7);
+  std::fclose(file);
+  int status = -1;
+  EnvHandle env = TVKopenTOVIK(&status);
+  ASSERT_EQ(TVKsetstrparam(env, TVK_PARAM_WORKDIR, "before"), 0);
+  ASSERT_EQ(TVKsetintparam(env, TVK_PARAM_SIMDISPLAY, 2), 0);
+  for (int allocations = 0; status != 0 || allocations == 0; ++allocations) {
+    allocations_left = allocations;
+    status = TVKreadcopyparam(env, name);
+    allocations_left = -1;
+    char text[TVK_STR_PARAM_MAX];
+    int display = 0, limit = 0;
+    TVKgetstrparam(env, TVK_PARAM_WORKDIR, text);
+    TVKgetintparam(env, TVK_PARAM_SIMDISPLAY, &display);
+    TVKgetintparam(env, TVK_PARAM_ITLIM, &limit);
+    const bool applied = TVKstrlen(text) == 400 && display == 1 && limit == 5;
+    const bool unchanged = std::string_view(text) == "before" && display == 2 && limit != 5;
+    ASSERT_TRUE(status == 0 ? applied : status == 1001 && unchanged) << allocations << ' ' << status;
+  }
+  EXPECT_EQ(TVKcloseTOVIK(&env), 0);
+  std::remove(name);
 }
 
 /* The report of a shortage needs no memory itself. */

@@ -1,0 +1,27 @@
+/* Takes back changes of parameters: unless keep() is called, the destructor gives the environment the values,
+ * the random state and the screen that it had before. Errors    bad_alloc in the constructor only. */
+#pragma once
+
+#include <array>
+
+#include "env/environment.h"
+
+namespace tovik::param {
+
+class Rollback {
+ public:
+  explicit Rollback(Environment& env);
+  ~Rollback();
+  Rollback(const Rollback&) = delete;
+  Rollback& operator=(const Rollback&) = delete;
+  void keep() noexcept { kept_ = true; }
+
+ private:
+  Environment& env_;
+  Settings settings_;
+  Random random_;
+  std::array<bool, 3> on_screen_{};
+  bool kept_ = false;
+};
+
+}  // namespace tovik::param
