@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <charconv>
 #include <cstdarg>
 #include <cstdint>
 #include <cstdio>
@@ -42,10 +43,27 @@ std::string temporary_name(const std::string& target) {
   return folder_of(target) + text;
 }
 
+/* Whether the old file may be overwritten where the system does not let a new one take its place: in a folder
+ * that belongs to somebody else, or at a mount point. */
+bool wants_overwriting(int code) {
+  return code == EACCES || code == EPERM || code == EROFS || code == EBUSY;
+}
+
+bool copy_whole(int from, int to) {
+  char block[65536];
+  if (::lseek(from, 0, SEEK_SET) != 0) return false;
+  for (;;) {
+    const ssize_t count = read_some(from, block, sizeof block);
+    if (count <= 0) return count == 0;
+    if (!write_all(to, block, static_cast<std::size_t>(count))) return false;
+  }
+}
+
 /* The descriptor that the bytes go to, and what makes them the file. */
 class Target {
  public:
-  /* A file that is open in place: a pipe or a device. */
+  Target() = default;
+  /* What is open in place: a pipe, a device, a file that no other can replace. */
   explicit Target(Descriptor file) : file_(std::move(file)) {}
   Target(Descriptor file, std::string temporary, std::string name)
       : file_(std::move(file)), temporary_(std::move(temporary)), name_(std::move(name)) {}
@@ -61,15 +79,20 @@ class Target {
 
   bool commit() {
     if (temporary_.empty()) return file_.close();
-    if (!synchronize(file_.get()) || !file_.close()) return false;
-    if (::rename(temporary_.c_str(), name_.c_str()) != 0) return false;
+    if (!synchronize(file_.get())) return false;
+    if (::rename(temporary_.c_str(), name_.c_str()) != 0) return wants_overwriting(errno) && overwrite();
     temporary_.clear();
     const Descriptor folder = open_descriptor(folder_of(name_).c_str(), O_RDONLY | O_DIRECTORY);
     if (folder.valid()) synchronize(folder.get());
-    return true;
+    return file_.close();
   }
 
  private:
+  bool overwrite() const {
+    Descriptor old = open_descriptor(name_.c_str(), O_WRONLY | O_TRUNC);
+    return old.valid() && copy_whole(file_.get(), old.get()) && synchronize(old.get()) && old.close();
+  }
+
   Descriptor file_;
   std::string temporary_;  // empty when there is nothing to rename
   std::string name_;
@@ -84,24 +107,64 @@ void inherit(int descriptor, const struct stat& old) {
   ::fchmod(descriptor, old.st_mode & 07777);
 }
 
+/* The descriptor of this process that a name like /dev/stdout stands for, or -1. */
+int own_descriptor(std::string_view name) {
+  if (name == "/dev/stdout") return STDOUT_FILENO;
+  if (name == "/dev/stderr") return STDERR_FILENO;
+  for (const std::string_view folder : {"/dev/fd/", "/proc/self/fd/"}) {
+    if (!name.starts_with(folder)) continue;
+    int number = -1;
+    const char* const end = name.data() + name.size();
+    const auto parsed = std::from_chars(name.data() + folder.size(), end, number);
+    return parsed.ec == std::errc() && parsed.ptr == end ? number : -1;
+  }
+  return -1;
+}
+
+/* The end of a chain of symbolic links, whether there is a file or not; empty when the links lead in a
+ * circle. */
+std::string end_of_links(std::string name) {
+  constexpr int kLongestChain = 40;
+  for (int step = 0; step < kLongestChain; ++step) {
+    std::error_code none;
+    const fs::path next = fs::read_symlink(name, none);
+    if (none) return name;
+    name = next.is_absolute() ? next.string() : folder_of(name) + '/' + next.string();
+  }
+  return {};
+}
+
+/* A file beside the one that it is to replace; that one itself where no file can be put beside it. */
+Target open_beside(const std::string& target, const struct stat* old) {
+  int failure = EEXIST;
+  for (int attempt = 0; attempt < 100 && failure == EEXIST; ++attempt) {
+    std::string temporary = temporary_name(target);
+    Descriptor file = open_descriptor(temporary.c_str(), O_RDWR | O_CREAT | O_EXCL);
+    if (!file.valid()) {
+      failure = errno;
+      continue;
+    }
+    if (old != nullptr) inherit(file.get(), *old);
+    return Target(std::move(file), std::move(temporary), target);
+  }
+  if (old == nullptr || !wants_overwriting(failure)) return {};
+  return Target(open_descriptor(target.c_str(), O_WRONLY | O_TRUNC));
+}
+
 Target open_target(const char* name) {
+  if (const int own = own_descriptor(name); own >= 0) {
+    if (own == STDOUT_FILENO) std::fflush(stdout);
+    if (own == STDERR_FILENO) std::fflush(stderr);
+    return Target(Descriptor(::fcntl(own, F_DUPFD_CLOEXEC, STDERR_FILENO + 1)));
+  }
   struct stat old {};
   const bool exists = ::stat(name, &old) == 0;
-  if (exists && S_ISDIR(old.st_mode)) return Target(Descriptor());
+  if (!exists && errno != ENOENT) return {};
+  if (exists && S_ISDIR(old.st_mode)) return {};
   if (exists && !S_ISREG(old.st_mode)) return Target(open_descriptor(name, O_WRONLY | O_NOCTTY));
-  if (exists && ::faccessat(AT_FDCWD, name, W_OK, AT_EACCESS) != 0) return Target(Descriptor());
-  std::string target = name;
-  std::error_code unresolved;
-  if (const fs::path real = fs::canonical(name, unresolved); !unresolved) target = real.string();
-  for (int attempt = 0; attempt < 100; ++attempt) {
-    std::string temporary = temporary_name(target);
-    Descriptor file = open_descriptor(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL);
-    if (!file.valid() && errno == EEXIST) continue;
-    if (!file.valid()) break;
-    if (exists) inherit(file.get(), old);
-    return Target(std::move(file), std::move(temporary), std::move(target));
-  }
-  return Target(Descriptor());
+  if (exists && ::faccessat(AT_FDCWD, name, W_OK, AT_EACCESS) != 0) return {};
+  const std::string target = end_of_links(name);
+  return target.empty() ? Target() : open_beside(target, exists ? &old : nullptr);
 }
 
 class FileSink final : public ByteSink {

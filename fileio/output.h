@@ -6,7 +6,9 @@
  * A regular file is written under another name in its folder, forced to the disk and then renamed: whatever
  * goes wrong, and whenever the process ends, the name stands for the old file or for the whole new one. (A
  * process that is killed may leave ".tovik-..." behind.) The new file keeps the permissions of the old one; a
- * symbolic link stays and its target is replaced. Pipes and devices are written as they are.
+ * symbolic link stays and its target is replaced. Where the system lets no new file take the old one's place
+ * (EACCES, EPERM, EROFS, EBUSY) the old one is overwritten. Pipes, devices and what stands for an open
+ * descriptor (/dev/stdout, /dev/fd/3) are written as they are.
  *
  * A compressed name is written through "gzip -c" or "bzip2 -c", started with an argument vector and never
  * through a shell. */

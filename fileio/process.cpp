@@ -56,34 +56,35 @@ class SpawnSetup {
   posix_spawnattr_t attributes_;
 };
 
-/* Holds back the signal that a write to a closed pipe raises in this thread. */
-class NoPipeSignal {
+/* Holds back, in this thread, a signal that a write may raise beside its error: at a closed pipe, or at the
+ * largest size that a file may have. */
+class HeldBack {
  public:
-  NoPipeSignal() {
-    sigemptyset(&pipe_);
-    sigaddset(&pipe_, SIGPIPE);
+  explicit HeldBack(int signal) {
+    sigemptyset(&signal_);
+    sigaddset(&signal_, signal);
     sigset_t pending;
     sigpending(&pending);
-    was_pending_ = sigismember(&pending, SIGPIPE) == 1;
-    if (!was_pending_) pthread_sigmask(SIG_BLOCK, &pipe_, &before_);
+    was_pending_ = sigismember(&pending, signal) == 1;
+    if (!was_pending_) pthread_sigmask(SIG_BLOCK, &signal_, &before_);
   }
-  ~NoPipeSignal() {
+  ~HeldBack() {
     if (was_pending_) return;
     const int code = errno;
     if (raised_) {
       const timespec at_once{};
-      while (sigtimedwait(&pipe_, nullptr, &at_once) < 0 && errno == EINTR) {
+      while (sigtimedwait(&signal_, nullptr, &at_once) < 0 && errno == EINTR) {
       }
     }
     pthread_sigmask(SIG_SETMASK, &before_, nullptr);
     errno = code;
   }
-  NoPipeSignal(const NoPipeSignal&) = delete;
-  NoPipeSignal& operator=(const NoPipeSignal&) = delete;
+  HeldBack(const HeldBack&) = delete;
+  HeldBack& operator=(const HeldBack&) = delete;
   void note_raised() { raised_ = true; }
 
  private:
-  sigset_t pipe_, before_;
+  sigset_t signal_, before_;
   bool was_pending_ = false, raised_ = false;
 };
 
@@ -124,12 +125,13 @@ ssize_t read_some(int descriptor, char* buffer, std::size_t capacity) {
 }
 
 bool write_all(int descriptor, const char* bytes, std::size_t count) {
-  NoPipeSignal quiet;
+  HeldBack pipe(SIGPIPE), size(SIGXFSZ);
   while (count != 0) {
     const ssize_t written = ::write(descriptor, bytes, count);
     if (written < 0 && errno == EINTR) continue;
     if (written <= 0) {
-      if (written < 0 && errno == EPIPE) quiet.note_raised();
+      if (written < 0 && errno == EPIPE) pipe.note_raised();
+      if (written < 0 && errno == EFBIG) size.note_raised();
       return false;
     }
     bytes += written;

@@ -1360,7 +1360,9 @@ TVK_API int TVKreadcopystdin(ConstEnvHandle env, ProbHandle lp);
 /* Writes the problem to a model file.
  *
  * filename  the file. A name that ends in .gz or .bz2 (either case) or .Z is written through the program gzip or bzip2.
- *           The new file replaces an old one only when all of it is on the disk; otherwise the old one stays.
+ *           The new file replaces an old one only when all of it is on the disk; otherwise the old one stays. Only where
+ *           no new file can take its place (in a folder that is not the user's own) the old one is overwritten. Names of
+ *           open streams (/dev/stdout, /dev/fd/3) write to where these stand.
  * filetype  one of "LP", "MPS", "SAV", "RLP", "RMP", "REW" (either case; at most three characters), or NULL to let the
  *           extension decide, with .gz and its like put aside. R.. writes the names x1, x2 ... and c1, c2 ... in place
  *           of the model's own; REW is RMP.

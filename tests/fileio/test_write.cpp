@@ -2,6 +2,7 @@
  * old file when something goes wrong. */
 #include <signal.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -226,6 +227,11 @@ TEST_F(Write, FilesThatCannotBeWritten) {
   }
   EXPECT_EQ(TVKlpwrite(env_, lp_, "/dev/full"), 1803);
   EXPECT_EQ(TVKwriteprob(env_, lp_, "/dev/full", "SAV"), 1562);
+  EXPECT_EQ(write(std::string(300, 'n') + ".lp"), 1422);
+  fs::create_symlink("circle.lp", path("circle.lp"));
+  EXPECT_EQ(write("circle.lp"), 1422);
+  EXPECT_TRUE(fs::remove(path("circle.lp")));
+  EXPECT_EQ(TVKwriteprob(env_, lp_, "/dev/fd/9999", "LP"), 1422);
   const std::string search = std::getenv("PATH");
   setenv("PATH", "/nowhere", 1);
   EXPECT_EQ(write("a.lp.gz"), 1422);
@@ -243,7 +249,6 @@ TEST_F(Write, OldFileStaysWhenTheDiskIsFull) {
   for (const char* name : {"a.lp", "a.mps.gz", "a.sav", "a.sav.gz"}) {
     const int failure = std::string(name).find("sav") != std::string::npos ? 1562 : 1803;
     put(name, "old");
-    signal(SIGXFSZ, SIG_IGN);
     rlimit before{};
     ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
     rlimit small = before;
@@ -268,6 +273,53 @@ TEST_F(Write, LinksAndPermissionsStay) {
   EXPECT_TRUE(fs::is_symlink(path("link.lp")));
   EXPECT_TRUE(content("real.lp").starts_with("\\Problem"));
   EXPECT_EQ(fs::status(path("real.lp")).permissions(), fs::perms::owner_read | fs::perms::owner_write);
+}
+
+/* A link may lead to a file that is still to be made, over another link. */
+TEST_F(Write, LinksToNothingStay) {
+  load("min x\nst\n r: x >= 1\nend\n");
+  fs::create_directory(path("other"));
+  fs::create_symlink("other/second.lp", path("first.lp"));
+  fs::create_symlink("../new.lp", path("other/second.lp"));
+  ASSERT_EQ(write("first.lp"), 0) << errors();
+  EXPECT_TRUE(fs::is_symlink(path("first.lp")) && fs::is_symlink(path("other/second.lp")));
+  EXPECT_TRUE(content("new.lp").starts_with("\\Problem"));
+}
+
+/* A user who may change a file, but neither add one to its folder nor take it away from there. */
+TEST_F(Write, FilesThatCannotBeReplacedAreOverwritten) {
+  load("min x\nst\n r: x >= 1\nend\n");
+  const std::string whole = text_of("whole.lp");
+  ASSERT_EQ(chmod(folder_.c_str(), 0755), 0);
+  for (const mode_t mode : {0555, 01777}) {
+    const std::string folder = mode == 0555 ? "closed" : "sticky", file = folder + "/a.lp";
+    fs::create_directory(path(folder));
+    put(file, std::string(500, 'o'));
+    ASSERT_EQ(chmod(path(file).c_str(), 0666), 0);
+    ASSERT_EQ(chmod(path(folder).c_str(), mode), 0);
+    const uid_t user = geteuid();
+    if (user == 0) {
+      ASSERT_EQ(seteuid(65534), 0);
+    }
+    const int code = write(file);
+    ASSERT_EQ(seteuid(user), 0);
+    EXPECT_EQ(code, 0) << errors() << folder;
+    EXPECT_EQ(content(file), whole);
+    ASSERT_EQ(chmod(path(folder).c_str(), 0755), 0);
+    EXPECT_EQ(std::distance(fs::directory_iterator(path(folder)), fs::directory_iterator()), 1);
+  }
+}
+
+/* What a program prints before and after stays where it is when its output goes to a file. */
+TEST_F(Write, StandardOutputIsWrittenInPlace) {
+  load("min x\nst\n r: x >= 1\nend\n");
+  const std::string whole = text_of("whole.lp");
+  testing::internal::CaptureStdout();
+  std::printf("before\n");
+  const int code = TVKwriteprob(env_, lp_, "/dev/stdout", "LP");
+  std::printf("after\n");
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), "before\n" + whole + "after\n");
+  EXPECT_EQ(code, 0);
 }
 
 /* A process that is killed while it replaces a file leaves the old one or the new one. */
