@@ -256,8 +256,12 @@ void Writer::write_marker(bool begin) {
 
 void Writer::write_columns() {
   out_.put("COLUMNS\n");
+  constexpr int kAhead = 4;  // columns by which the names of their rows are sent for, twice that their places
   bool integer = false;
-  for (int j = 0; j < model_.num_columns(); ++j) {
+  const int columns = model_.num_columns();
+  for (int j = 0; j < columns; ++j) {
+    if (j + 2 * kAhead < columns) rows_.fetch_places(model_.column(j + 2 * kAhead));
+    if (j + kAhead < columns) rows_.fetch_texts(model_.column(j + kAhead));
     if (is_integer(type_of(j)) != integer) {
       integer = !integer;
       write_marker(integer);
