@@ -4,6 +4,7 @@
 #include <mutex>
 
 #include "console.h"
+#include "display.h"
 #include "files.h"
 #include "input.h"
 #include "library.h"
@@ -134,6 +135,7 @@ ExitStatus run(int argc, const char* const* argv) {
     return ExitStatus::bad_input;
   for (const Assignment& assignment : options.assignments) parameters.apply(assignment);
   if (options.verb == Verb::convert) return convert(environment, options);
+  if (options.verb == Verb::display) return display_model(environment, options);
   if (options.verb == Verb::verify) return verify_file(environment, options);
   if (options.verb == Verb::check) return check_models(environment, options);
   return options.verb == Verb::params ? list_parameters(parameters, options)

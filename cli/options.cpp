@@ -94,6 +94,7 @@ const char kSolveFooter[] =
     "\n"
     "Other verbs: tovik params [PATTERN]   list the parameters: value, default, range, meaning\n"
     "             tovik convert IN OUT     write a model in the format that the name OUT tells\n"
+    "             tovik display MODEL      sizes; with a PATTERN what fits it\n"
     "             tovik check MODEL ...    what looks wrong in a model, by name\n"
     "             tovik verify MODEL SOLUTION   does a solution file hold for a model?\n"
     "\n"
@@ -157,6 +158,16 @@ void describe_convert(CLI::App& app, Options& options) {
   add_parameter_options(app, options);
 }
 
+void describe_display(CLI::App& app, Options& options) {
+  app.formatter(std::make_shared<HelpFormat>("tovik display MODEL [PATTERN] [options]"));
+  app.footer(
+      "Tells how large the model is and how large its numbers are, or, with a pattern such as 'cap_*' or "
+      "'x?', shows the\nrows, constraints, sets and bounds whose names fit. Exit status: 0, or 7 for a file "
+      "that is missing or malformed.");
+  app.add_option("models", options.models)->required()->expected(1, 2)->type_name("MODEL [PATTERN]");
+  add_parameter_options(app, options);
+}
+
 void describe_verify(CLI::App& app, Options& options) {
   app.formatter(std::make_shared<HelpFormat>("tovik verify MODEL SOLUTION [options]"));
   app.footer(
@@ -207,14 +218,19 @@ void describe(CLI::App& app, Options& options) {
       return describe_params(app, options);
     case Verb::convert:
       return describe_convert(app, options);
+    case Verb::display:
+      return describe_display(app, options);
     default:
       return describe_solve(app, options);
   }
 }
 
 Verb verb_of(const std::string& word) {
-  const std::pair<const char*, Verb> verbs[] = {
-      {"params", Verb::params}, {"convert", Verb::convert}, {"verify", Verb::verify}, {"check", Verb::check}};
+  const std::pair<const char*, Verb> verbs[] = {{"params", Verb::params},
+                                                {"convert", Verb::convert},
+                                                {"verify", Verb::verify},
+                                                {"check", Verb::check},
+                                                {"display", Verb::display}};
   for (const auto& [name, verb] : verbs) {
     if (word == name) return verb;
   }

@@ -17,13 +17,13 @@ struct Assignment {
   std::string value;
 };
 
-enum class Verb { solve, params, convert, verify, check, version };
+enum class Verb { solve, params, convert, verify, check, display, version };
 
 struct Options {
   Verb verb = Verb::solve;
-  std::vector<std::string>
-      models;           // of `convert`: the one to read and the one to write; of `verify`: model, solution
-  std::string pattern;  // of `params`
+  std::vector<std::string> models;  // of `convert`: the one to read and the one to write; of `verify`: model,
+                                    // solution; of `display`: model, pattern
+  std::string pattern;              // of `params`
   std::vector<Assignment> assignments;
   std::string params_file;
   std::string basis_file, start_file;                     // to read before the solve

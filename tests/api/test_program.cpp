@@ -192,6 +192,18 @@ TEST_F(Program, ShowsBlockValuesAndLogWhereAsked) {
   EXPECT_TRUE(contains(run({"model.lp", "-q", "-p"}).out, "metal")) << "rows are printed with -p";
 }
 
+TEST_F(Program, DisplaysSizesOrWhatFitsAPattern) {
+  write("model.lp", "min x1 + x2 + y\nst\n cap_1: x1 + x2 >= 2\n cap_2: y <= 8\nbounds\n x2 <= 4\nend\n");
+  const Result summary = run({"display", "model.lp"});
+  EXPECT_EQ(summary.exit, 0) << summary.err;
+  EXPECT_TRUE(contains(summary.out, "Constraints             2  (1 <=, 1 >=, right-hand sides 2 to 8)\n"))
+      << summary.out;
+  EXPECT_EQ(run({"display", "model.lp", "cap_?"}).out,
+            " cap_1: x1 + x2 >= 2\n cap_2: y <= 8\nNo variables match 'cap_?'.\n");
+  EXPECT_EQ(run({"display", "model.lp", "x*"}).out, "No constraints match 'x*'.\n x1 >= 0\n 0 <= x2 <= 4\n");
+  EXPECT_EQ(run({"display", "missing.lp"}).exit, 7);
+}
+
 TEST_F(Program, AModelWithoutColumnsIsNoError) {
   write("empty.lp", "Minimize\nEnd\n");
   const Result result = run({"empty.lp"});

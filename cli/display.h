@@ -1,0 +1,11 @@
+/* The verb `display`: a model in a few lines, or those of its items whose names fit a pattern. */
+#pragma once
+
+#include "library.h"
+#include "options.h"
+
+namespace tovik::cli {
+
+ExitStatus display_model(const Environment& environment, const Options& options);
+
+}  // namespace tovik::cli
