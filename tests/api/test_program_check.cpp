@@ -3,6 +3,7 @@
 #include <map>
 
 #include "support/program_fixture.h"
+#include "tovik.h"
 
 namespace {
 
@@ -102,7 +103,9 @@ TEST_F(Check, NotesWhatIsHarmless) {
       {"min x\nst\n a: x + y >= 1\n b: 0 x <= 1\nend\n", "empty-row", "b: 0 <= 1\n"},
       {"min x\nst\n a: x + y >= 1\n b: x + 2 y <= 90\nbounds\n x <= 8\n y <= 9\nend\n", "redundant-row",
        "b: activity in [0, 26], <= 90\n"},
-      {"min x\nst\n a: x + y >= 1\n b: z + 2 w <= 0\nend\n", "forcing-row", "b: activity in [0, inf], <= 0\n"},
+      {"min x\nst\n a: x + y >= 1\n b: x + 2 y >= -1e30\nend\n", "free-row", "b\n"},
+      {"min x\nst\n a: x + y >= 1\n b: z + 2 w <= 0\nend\n", "forcing-row",
+       "b: activity in [0, inf], <= 0\n"},
       {"min x + z\nst\n a: x + y >= 1\nend\n", "empty-column", "z: cost 1, [0, inf]\n"},
       {"min x\nst\n a: x + y >= 1\n b: -3 x - 3 y >= -9\nend\n", "parallel-rows", "b = -3 * a\n"},
       {"min 2 x + 2 z\nst\n a: x + y + z >= 1\n b: 3 x + 3 z + y >= 2\nend\n", "duplicate-columns",
@@ -122,6 +125,20 @@ TEST_F(Check, NotesWhatIsHarmless) {
       "NAME t\nROWS\n N c\n L 1st\n L r\nCOLUMNS\n x c 1 1st 1\n x r 2\n e2 1st 1\nENDATA\n", 0, {}, "m.mps");
   EXPECT_EQ(items(names, "names-not-in-lp"),
             "1 of 2 rows, the first is 1st\n1 of 2 columns, the first is e2\n");
+}
+
+/* Only a program, and the binary files that it writes, can give two columns one name. */
+TEST_F(Check, NamesThatComeTwice) {
+  int status = 0;
+  EnvHandle env = TVKopenTOVIK(&status);
+  ProbHandle lp = TVKcreateprob(env, &status, "twice");
+  char x[] = "x", y[] = "y";
+  char* names[] = {x, y, x};
+  ASSERT_EQ(TVKnewcols(env, lp, 3, nullptr, nullptr, nullptr, nullptr, names), 0);
+  ASSERT_EQ(TVKwriteprob(env, lp, (folder_ / "m.sav").c_str(), nullptr), 0);
+  TVKcloseTOVIK(&env);
+  const Json object = Json::parse(run({"check", "m.sav", "--json"}).out);
+  EXPECT_EQ(items(object, "duplicate-names"), "column x\n") << object;
 }
 
 TEST_F(Check, SaneModelsGiveNothing) {
