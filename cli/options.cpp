@@ -60,7 +60,8 @@ void add_assigning(CLI::App& app, const std::string& option, const std::string& 
       ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
 }
 
-void add_parameter_options(CLI::App& app, Options& options) {
+/* The ways of setting any parameter. */
+void add_setting_options(CLI::App& app, Options& options) {
   app.add_option("--params", options.params_file, "Parameter file; what the command line sets wins over it")
       ->type_name("FILE");
   add_assigning(app, "--set", "NAME=VALUE",
@@ -71,6 +72,11 @@ void add_parameter_options(CLI::App& app, Options& options) {
                     throw CLI::ValidationError("--set", "needs NAME=VALUE, not '" + text + "'");
                   options.assignments.push_back({"--set", text.substr(0, equals), text.substr(equals + 1)});
                 });
+}
+
+/* ... and the short ones for solving. */
+void add_parameter_options(CLI::App& app, Options& options) {
+  add_setting_options(app, options);
   for (const Shorthand& shorthand : shorthands()) {
     add_assigning(app, shorthand.option, "N", shorthand.meaning,
                   [&options, &shorthand](const std::string& value) {
@@ -188,7 +194,7 @@ void describe_verify(CLI::App& app, Options& options) {
   app.add_flag("--zeros", options.zeros, "Columns that the file gives no value are 0");
   app.add_flag("--relax", options.relax, "Ignore integrality");
   app.add_flag("--json", options.json, "One JSON object on standard output");
-  add_parameter_options(app, options);
+  add_setting_options(app, options);
 }
 
 void describe_check(CLI::App& app, Options& options) {
@@ -205,7 +211,7 @@ void describe_check(CLI::App& app, Options& options) {
   app.add_flag("--strict", options.strict, "Exit with 9 for warnings too");
   app.add_flag("-q,--quiet", options.quiet, "No notes");
   app.add_flag("--json", options.json, "One JSON object a model on standard output");
-  add_parameter_options(app, options);
+  add_setting_options(app, options);
 }
 
 void describe(CLI::App& app, Options& options) {
