@@ -125,7 +125,7 @@ Status add_starts(Environment& env, Problem& problem, const std::vector<Solution
   std::vector<double> values;
   std::vector<const char*> names;
   for (const SolutionFile& solution : solutions) {
-    if (!solution.has_value) continue;
+    if (std::ranges::all_of(solution.x, [](double value) { return value == kNoValue; })) continue;
     begin.push_back(static_cast<int>(columns.size()));
     efforts.push_back(solution.effort);
     names.push_back(solution.name.empty() ? nullptr : solution.name.c_str());

@@ -41,7 +41,6 @@ int write_starts(const WriteSource& source, int begin, int end, WriteLevel level
 struct SolutionFile {
   std::string name;
   int effort = 0;
-  bool has_value = false;              // of some column
   double objective = kNoValue;         // that the header states; NaN when that is no number
   WriteLevel level = WriteLevel::all;  // that the header states
   int status = 0;                      // solution status that the header states

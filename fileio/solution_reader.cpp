@@ -282,7 +282,6 @@ void Parser::variable(const Identity& element) {
   SolutionFile& solution = solutions_.back();
   const auto at = static_cast<std::size_t>(j);
   solution.x[at] = number(element.value, kNoValue);
-  solution.has_value = solution.has_value || solution.x[at] != kNoValue;
   if (!reading_.rows) return;
   solution.dj[at] = number(element.dual, kNoValue);
   solution.column_status[at] = element.status == nullptr ? -1 : status_of(element.status);
@@ -325,7 +324,6 @@ ReadFailure read_start_text(ByteSource& source, const model::Model& model, Reade
       continue;
     }
     solution.x[static_cast<std::size_t>(j)] = value;
-    solution.has_value = true;
   }
   cards.close();
   return cards.failure();

@@ -165,6 +165,8 @@ TEST_F(SolutionFile, Elements) {
       {"<variable name=\"x\"/><variable name=\"y\" value=\"1\"/>", "0 1:1\n", ""},
       {"<variable name=\"x\" value=\"1\"/><variable name=\"x\" value=\"2\"/>", "0 0:2\n",
        "Warning, line 5: repeated entry for 'x'.\n"},
+      {"<variable name=\"x\" value=\"1\"/><variable name=\"x\"/>", "",
+       "Warning, line 5: repeated entry for 'x'.\nWarning: no MIP start values read, no MIP start loaded.\n"},
       {"<variable index=\"1\" value=\"1\"/><variable index=\"1\" value=\"2\"/>", "0 1:2\n",
        "Warning, line 5: repeated entry for variable index 1.\n"},
       {"<variable name=\"q\" index=\"0\" value=\"1\"/><variable name=\"y\" value=\"1\"/>", "0 1:1\n",
