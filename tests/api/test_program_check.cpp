@@ -65,6 +65,10 @@ TEST_F(Check, FindsErrorsByName) {
 
 TEST_F(Check, FindsWarningsByName) {
   const Fault faults[] = {
+      {"min x\nst\n c: b + x >= 1\nbounds\n b <= 2\nbinaries\n b\nend\n", "binary-bounds", "b: [0, 2]\n"},
+      {"min x\nst\n a: b = 1 -> 0 x >= 2\n c: b + x >= 1\nbinaries\n b\nend\n", "indicator-empty", "a: b\n"},
+      {"min x\nst\n a: 1e-6 x + 0.1 y >= 1\n b: 1e5 y + 1e6 z >= 1\nend\n", "matrix-range",
+       "1e-06 (a, x) to 1e+06 (b, z)\n"},
       {"min n\nst\n a: n + y >= 1\nbounds\n n <= 3.5\ngenerals\n n\nend\n", "fractional-bounds",
        "n: [0, 3.5]\n"},
       {"min s + y\nst\n a: s + y >= 1\nsemi-continuous\n s\nend\n", "semicontinuous-unbounded",
