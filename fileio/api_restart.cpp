@@ -24,11 +24,14 @@ Norms norms_of(Problem& problem) {
 int told(ConstEnvHandle env, int code) {
   Environment* environment = nullptr;
   if (check_handles(env, &environment) != 0) return code;
-  if (code == 0) {
-    message(environment->results_channel, "Load of restart from file succeeded.\n");
-  } else {
-    message(environment->error_channel, "Load of restart from file failed.\n");
-  }
+  static_cast<void>(guarded([&]() -> Status {
+    if (code == 0) {
+      message(environment->results_channel, "Load of restart from file succeeded.\n");
+    } else {
+      message(environment->error_channel, "Load of restart from file failed.\n");
+    }
+    return {};
+  }));
   return code;
 }
 

@@ -96,8 +96,7 @@ bool check_rows(const SavRows& rows, IndexCheck& columns) {
 bool check_model(const SavFile& file) {
   const std::size_t n = file.columns(), m = file.rows();
   const bool fits = file.objective.size() == n && file.lower.size() == n && file.upper.size() == n &&
-                    absent_or(file.types, n) && file.rhs.size() == m && file.sense.size() == m &&
-                    absent_or(file.range, m);
+                    file.rhs.size() == m && file.sense.size() == m && absent_or(file.range, m);
   if (!fits || !check_names(file.column_names, n) || !check_names(file.row_names, m)) return false;
   if (!check_text(file.problem_name) || !check_text(file.objective_name) || !check_text(file.bounds_name))
     return false;
@@ -161,13 +160,15 @@ bool check_families(const SavFile& file) {
          check_quadratic(file, columns);
 }
 
-/* Has a problem of the file's type such data? */
+/* Problems of the mixed-integer types, and no others, have column types; other data only where the type says
+ * so. */
 bool check_type(const SavFile& file) {
   const int type = file.problem_type();
-  const bool mixed_integer = !file.types.empty() || file.sets.size() != 0 || file.starts.size() != 0 ||
-                             file.indicators.terms.size() != 0 || file.user_cuts.terms.size() != 0 ||
-                             file.lazy_constraints.terms.size() != 0 || !file.order_column.empty();
-  return (!mixed_integer || model::is_mixed_integer(type)) &&
+  const bool mixed_integer = model::is_mixed_integer(type);
+  const bool other_data = file.sets.size() != 0 || file.starts.size() != 0 ||
+                          file.indicators.terms.size() != 0 || file.user_cuts.terms.size() != 0 ||
+                          file.lazy_constraints.terms.size() != 0 || !file.order_column.empty();
+  return file.types.size() == (mixed_integer ? file.columns() : 0) && (!other_data || mixed_integer) &&
          (file.form_value.empty() || model::is_quadratic(type)) &&
          (file.quadratic_rows.terms.size() == 0 || model::is_quadratically_constrained(type));
 }

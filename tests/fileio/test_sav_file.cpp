@@ -297,9 +297,16 @@ TEST_F(Restart, InterruptedRunKeepsItsNorms) {
   double objective = 0;
   ASSERT_EQ(TVKgetobjval(env_, lp_, &objective), 0);
   EXPECT_NEAR(objective, 5501.8458883, 1e-4);
+  double lower[2][20], upper[2][20];
+  ASSERT_EQ(TVKgetobjsens(env_, lp_, 0, 19, lower[0], upper[0]), 0);
   ASSERT_EQ(write_restart("b.xxx"), 0);
   renew();
   ASSERT_EQ(read_restart("b.xxx"), 0);
+  ASSERT_EQ(TVKgetobjsens(env_, lp_, 0, 19, lower[1], upper[1]), 0) << "without an optimization";
+  for (int j = 0; j < 20; ++j) {
+    EXPECT_NEAR(lower[1][j], lower[0][j], 1e-7 * std::fabs(lower[0][j]));
+    EXPECT_NEAR(upper[1][j], upper[0][j], 1e-7 * std::fabs(upper[0][j]));
+  }
   ASSERT_EQ(TVKdualopt(env_, lp_), 0);
   EXPECT_EQ(TVKgetitcnt(env_, lp_), 0);
 }

@@ -492,7 +492,8 @@ void sav_round_trip(unsigned seed, bool hostile) {
   Generator generator(seed);
   ModelData data = generator.make(true, hostile);
   generator.add_what_no_text_holds(data);
-  const int type = seed % 2 == 0 ? 11 : 13;
+  if (data.families.has_mixed_integer() && data.types.empty()) data.types.assign(data.objective.size(), 'C');
+  const int type = data.types.empty() ? 10 : seed % 3 == 0 ? 13 : 11;
   const std::string name = data.problem_name;
   Model model(std::move(data));
   generator.edit(model);

@@ -61,6 +61,7 @@ TEST(SavFileCheck, ContradictionsAreFound) {
       {"number of entries", [](SavFile& f) { f.sizes[2] = 3; }},
       {"unknown problem type", [](SavFile& f) { f.sizes[3] = 2; }},
       {"type without the data", [](SavFile& f) { f.sizes[3] = 1; }},
+      {"mixed-integer without column types", [](SavFile& f) { f.types.clear(); }},
       {"objective sense", [](SavFile& f) { f.sizes[4] = 0; }},
       {"no offset", [](SavFile& f) { f.offset.clear(); }},
       {"short array", [](SavFile& f) { f.lower.pop_back(); }},
