@@ -28,8 +28,9 @@ bool begins_value(std::string_view text) {
 }  // namespace
 
 bool BoundReader::read_section() {
+  constexpr int kAhead = 3;
   while (scanner_.more()) {
-    builder_.fetch_column(scanner_.coming_name());  // its place is then on the way while this line is read
+    builder_.fetch_column(scanner_.coming_name(kAhead));  // its place is on the way while others are read
     if (!builder_.count_bound() || !read_statement()) return false;
   }
   return !messages_.failed();

@@ -14,8 +14,10 @@ constexpr const char* kKindNames[kRowKinds] = {"Row", "Quadratic constraint", "I
 
 constexpr std::int64_t kFirstReserve = 60000;  // a hint beyond this is believed only when the data comes
 
-std::size_t hint(std::int64_t expected) {
-  return static_cast<std::size_t>(std::clamp<std::int64_t>(expected, 0, kFirstReserve));
+/* Room for what is expected, or for what a file of that length may hold. */
+std::size_t room(std::int64_t expected, std::size_t bytes, std::size_t bytes_each) {
+  const auto hint = static_cast<std::size_t>(std::clamp<std::int64_t>(expected, 0, kFirstReserve));
+  return std::min(std::max(hint, bytes / bytes_each), static_cast<std::size_t>(kMaxEntries));
 }
 
 NamedRow named_row(std::string_view name, const Expression& expression, const RowLimits& limits) {
@@ -42,15 +44,22 @@ NameTable row_names(NameTable&& given, const std::vector<int>& ids) {
 
 }  // namespace
 
-Builder::Builder(const ReadOptions& options, Messages& messages) : messages_(messages), row_start_(1, 0) {
-  const std::size_t rows = hint(options.expected_rows), columns = hint(options.expected_columns);
+Builder::Builder(const ReadOptions& options, std::size_t bytes, Messages& messages)
+    : messages_(messages), row_start_(1, 0) {
+  constexpr std::size_t kBytesPerTerm = 16, kBytesPerLine = 64, kBytesPerName = 8;
+  const std::size_t rows = room(options.expected_rows, bytes, kBytesPerLine),
+                    columns = room(options.expected_columns, bytes, kBytesPerLine),
+                    terms = room(options.expected_nonzeros, bytes, kBytesPerTerm);
   model_.rhs.reserve(rows);
   model_.sense.reserve(rows);
+  row_start_.reserve(rows + 1);
+  columns_.reserve_text(columns, columns * kBytesPerName);
   model_.objective.reserve(columns);
   model_.lower.reserve(columns);
   model_.upper.reserve(columns);
-  term_column_.reserve(hint(options.expected_nonzeros));
-  term_value_.reserve(hint(options.expected_nonzeros));
+  notes_.reserve(columns);
+  term_column_.reserve(terms);
+  term_value_.reserve(terms);
 }
 
 int Builder::column(std::string_view name, const NameTable::Key& key) {

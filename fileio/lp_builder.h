@@ -39,7 +39,8 @@ inline constexpr int kRowKinds = 5;
 
 class Builder {
  public:
-  Builder(const ReadOptions& options, Messages& messages);
+  /* bytes: length of the file, 0 when not known. */
+  Builder(const ReadOptions& options, std::size_t bytes, Messages& messages);
 
   /* The column of a name, created when new; -1 after a failure. The key may be made and fetched before. */
   int column(std::string_view name) { return column(name, NameTable::key_of(name)); }

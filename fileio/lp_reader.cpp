@@ -16,7 +16,7 @@ class Reader {
   Reader(ByteSource& source, const ReadOptions& options, Messages& messages)
       : messages_(messages),
         scanner_(source, options.line_buffer, messages),
-        builder_(options, messages),
+        builder_(options, source.expected_size(), messages),
         expressions_(scanner_, builder_, messages),
         constraints_(scanner_, builder_, messages, options.rows_end_with_line),
         bounds_(scanner_, builder_, messages),

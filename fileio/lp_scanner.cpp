@@ -1,5 +1,6 @@
 #include "fileio/lp_scanner.h"
 
+#include <algorithm>
 #include <string>
 
 #include "fileio/number.h"
@@ -43,8 +44,9 @@ bool Scanner::at_line_begin() const {
   return true;
 }
 
-std::string_view Scanner::coming_name() const {
-  const std::string_view text = lines_.coming().substr(0, kMaxNameLength);
+std::string_view Scanner::coming_name(int lines) const {
+  std::string_view text = lines_.coming().substr(0, 2 * kMaxNameLength);
+  for (; lines > 1; --lines) text.remove_prefix(std::min(text.find('\n'), text.size() - 1) + 1);
   std::size_t begin = 0;
   while (begin < text.size() && !is(text[begin], kNameStart | kLineEnd)) ++begin;
   std::size_t end = begin;

@@ -41,8 +41,8 @@ class Scanner {
   }
   /* The rest of the line, which is then done. Lives until the next call of more(). */
   std::string_view take_line();
-  /* What looks like the first name of the next line; may be empty. */
-  std::string_view coming_name() const;
+  /* What looks like the first name of the line so many lines ahead; may be empty. */
+  std::string_view coming_name(int lines) const;
   /* Whether only blanks stand before the current position in its line. */
   bool at_line_begin() const;
 
