@@ -5,6 +5,7 @@
 
 #include "fileio/network_file.h"
 #include "fuzz/reader_harness.h"
+#include "tests/support/text_sink.h"
 
 using namespace tovik::fileio;
 using fuzz::require;
@@ -32,16 +33,6 @@ void check(const NetworkData& data) {
   check_names(data.arc_names, arcs);
 }
 
-class TextSink final : public ByteSink {
- public:
-  bool write(const char* bytes, std::size_t count) override {
-    text.append(bytes, count);
-    return true;
-  }
-  bool commit() override { return true; }
-  std::string text;
-};
-
 bool same_names(const tovik::model::NameTable& one, const tovik::model::NameTable& other) {
   if (one.size() != other.size()) return false;
   for (int k = 0; k < one.size(); ++k)
@@ -50,7 +41,7 @@ bool same_names(const tovik::model::NameTable& one, const tovik::model::NameTabl
 }
 
 void check_round_trip(const Network& network, std::string_view title) {
-  TextSink sink;
+  support::TextSink sink;
   TextWriter out(sink);
   require(write_network(network, title, out) == 0 && out.close());
   MemorySource source(sink.text);
