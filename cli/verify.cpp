@@ -107,10 +107,10 @@ void Verification::objective() {
   }
   verdict_.objective = total.value();
   objective_slack_ = kDigits * total.magnitude();
-  if (!claim_.objective) return;
-  Measure stated =
-      measure("objective", "Objective", kObjectiveTolerance * std::max(1.0, std::abs(*claim_.objective)));
-  stated.meet(std::abs(total.value() - *claim_.objective), objective_slack_, [] { return std::string(); });
+  if (!claim_.objective && std::isfinite(total.value())) return;
+  const double claimed = claim_.objective.value_or(kNotANumber);
+  Measure stated = measure("objective", "Objective", kObjectiveTolerance * std::max(1.0, std::abs(claimed)));
+  stated.meet(std::abs(total.value() - claimed), objective_slack_, [] { return std::string(); });
   keep(std::move(stated));
 }
 

@@ -28,6 +28,7 @@ std::string line(const Measure& measure) {
 std::string objective_lines(const Verdict& verdict, const Claim& claim, const Measure* stated) {
   std::string text = format("Objective   %.15g", verdict.objective);
   if (stated == nullptr) return text + ", the file states none\n";
+  if (!claim.objective) return text + ": FAILED\n";
   if (stated->holds()) return text + ", as the file states\n";
   return text + format(", the file states %.15g: FAILED\n", *claim.objective);
 }

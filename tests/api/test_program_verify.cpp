@@ -174,6 +174,18 @@ TEST_F(Verify, NoVerdictWithoutMatchingFiles) {
   EXPECT_EQ(run({"verify", "m.lp"}).exit, 2);
 }
 
+TEST_F(Verify, ValuesThatOverflowNeverHold) {
+  write("m.lp", "Minimize\n 0 x\nSubject To\n a: 1e10 x - 1e10 y >= 0\n b: 1e10 x >= 0\nEnd\n");
+  put("m.sol", {{"x", "1e300"}, {"y", "1e300"}});
+  const Json rows = check({"m.lp", "m.sol"}, 9)["checks"]["rows"];
+  EXPECT_EQ(rows["violated"], 2);
+  EXPECT_EQ(rows["worst"], "a");
+  EXPECT_TRUE(rows["largest"].is_null());
+  write("m.lp", "Minimize\n 1e10 x\nSubject To\n a: y >= 0\nEnd\n");
+  EXPECT_EQ(check({"m.lp", "m.sol"}, 9)["checks"]["objective"]["holds"], false);
+  EXPECT_TRUE(contains(run({"verify", "m.lp", "m.sol"}).out, "FAILED: objective\n"));
+}
+
 TEST_F(Verify, PicksOneOfSeveralAndReadsMipStarts) {
   write("m.lp", kRich);
   const std::vector<Value> good = {{"n", "2"}, {"s", "1"}, {"p", "2"}, {"q", "1"}, {"r", "0"}, {"b", "1"}};
