@@ -10,7 +10,7 @@
 namespace tovik::fileio::sav {
 namespace {
 
-constexpr std::size_t kBuffer = (std::size_t{1} << 18) + kAlignment;
+constexpr std::size_t kBuffer = (std::size_t{1} << 16) + kAlignment;
 constexpr std::size_t kFirstRoom = std::size_t{1} << 16;  // elements, of a file whose size is not known
 
 }  // namespace

@@ -9,22 +9,14 @@
 #include "fileio/crc32c.h"
 #include "fileio/sav_file.h"
 #include "fuzz/reader_harness.h"
+#include "tests/support/text_sink.h"
 
 namespace {
 
 using namespace tovik;
 using namespace tovik::fileio;
 using fuzz::require;
-
-class TextSink final : public ByteSink {
- public:
-  bool write(const char* bytes, std::size_t count) override {
-    text.append(bytes, count);
-    return true;
-  }
-  bool commit() override { return true; }
-  std::string text;
-};
+using support::TextSink;
 
 /* A model with something in every family. */
 std::string whole_file() {
