@@ -165,6 +165,35 @@ TEST_F(SavFile, BasisIsLoadedWithAWarning) {
   }
 }
 
+/* Puts the right CRC-32C at the end of a changed file. */
+void seal(std::string& bytes) {
+  std::uint32_t crc = ~std::uint32_t{0};
+  for (std::size_t k = 0; k + 8 < bytes.size(); ++k) {
+    crc ^= static_cast<unsigned char>(bytes[k]);
+    for (int bit = 0; bit < 8; ++bit) crc = crc >> 1 ^ ((crc & 1) != 0 ? 0x82F63B78u : 0u);
+  }
+  for (std::size_t k = 0; k < 4; ++k) bytes[bytes.size() - 8 + k] = static_cast<char>(~crc >> 8 * k & 255);
+}
+
+TEST_F(SavFile, BasisWithAnUnknownStatus) {
+  load_small();
+  const std::string before = model();
+  ASSERT_EQ(TVKlpopt(env_, lp_), 0);
+  ASSERT_EQ(write("a.sav"), 0);
+  std::string bytes = content("a.sav");
+  const std::size_t section = bytes.find("BCOLc");
+  ASSERT_NE(section, std::string::npos);
+  bytes[section + 16] = 4;
+  seal(bytes);
+  renew();
+  ASSERT_EQ(read_text("b.sav", bytes), 0) << errors();
+  EXPECT_EQ(warnings(), "Warning:  File contains basis.  Basis not loaded.\n");
+  EXPECT_EQ(model(), before);
+  EXPECT_EQ(TVKgetbase(env_, lp_, nullptr, nullptr), 1262);
+  errors();
+  EXPECT_EQ(TVKreadcopyrestart(env_, lp_, path("b.sav").c_str()), 1563);
+}
+
 TEST_F(SavFile, DamagedFilesAreRefused) {
   load_everything();
   ASSERT_EQ(write("a.sav"), 0);
