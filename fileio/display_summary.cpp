@@ -23,8 +23,11 @@ class Magnitudes {
     for (const double value : values) add(value);
   }
   int count() const { return count_; }
-  /* "0.5 to 300" */
-  std::string text() const { return count_ == 0 ? "none" : number(least_) + " to " + number(largest_); }
+  /* "0.5 to 300", "all 1" */
+  std::string text() const {
+    if (count_ == 0) return "none";
+    return least_ == largest_ ? "all " + number(least_) : number(least_) + " to " + number(largest_);
+  }
 
  private:
   static std::string number(double value) {

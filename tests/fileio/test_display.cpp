@@ -106,7 +106,7 @@ TEST_F(Display, Summary) {
             "Problem                 p  (mixed-integer quadratically constrained, maximize)\n"
             "Variables               7  (1 binary, 2 general, 1 semi-continuous, 1 semi-integer, 1 free, "
             "6 between two bounds, bounds 1 to 10)\n"
-            "Objective nonzeros      7  (1 to 1, 1 quadratic terms, with a constant)\n"
+            "Objective nonzeros      7  (all 1, 1 quadratic terms, with a constant)\n"
             "Constraints             3  (1 <=, 1 =, 1 ranged, right-hand sides 1 to 4)\n"
             "Nonzeros                6  (1 to 2)\n"
             "Quadratic constraints   1\nIndicator constraints   1\nSpecial ordered sets    1\n"

@@ -143,21 +143,22 @@ TEST(ParseNumber, StopsWhereTheNumberStops) {
 TEST(NameTable, KeepsOrderAndFindsEveryName) {
   NameTable table;
   std::vector<std::string> names;
-  for (int k = 0; k < 20000; ++k)
+  constexpr int kCount = 80000;  // the index takes large pages
+  for (int k = 0; k < kCount; ++k)
     names.push_back(std::string(static_cast<std::size_t>(k % 19), 'n') + std::to_string(k));
-  for (int k = 0; k < 20000; ++k) {
+  for (int k = 0; k < kCount; ++k) {
     const NameTable::Interned entry = table.intern(names[static_cast<std::size_t>(k)]);
     ASSERT_TRUE(entry.added && entry.id == k);
   }
-  for (int k = 0; k < 20000; ++k) {
+  for (int k = 0; k < kCount; ++k) {
     ASSERT_EQ(table.find(names[static_cast<std::size_t>(k)]), k);
     ASSERT_FALSE(table.intern(names[static_cast<std::size_t>(k)]).added);
     ASSERT_STREQ(table.c_str(k), names[static_cast<std::size_t>(k)].c_str());
   }
   EXPECT_EQ(table.find("absent"), NameTable::kNone);
   const tovik::model::NameBlock block = table.release();
-  ASSERT_EQ(block.size(), 20000u);
-  EXPECT_STREQ(block.name(19999), names[19999].c_str());
+  ASSERT_EQ(block.size(), std::size_t{kCount});
+  EXPECT_STREQ(block.name(kCount - 1), names[kCount - 1].c_str());
 }
 
 }  // namespace
