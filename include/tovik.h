@@ -1311,7 +1311,8 @@ TVK_API int TVKNETgetprobname(ConstEnvHandle env, ConstNetProbHandle net, char *
 /* Reads a model file into an existing problem, whose data it replaces.
  *
  * filename  the file; it becomes the problem's name. A name that ends in .gz or .bz2 (either case) or .Z is read through
- *           the program gzip or bzip2, which must be on the search path; no shell sees the name.
+ *           the program gzip or bzip2, which must be on the search path; no shell sees the name. A process that ignores
+ *           SIGCHLD, or waits for every child, takes the result of these programs away: the file then counts as broken.
  * filetype  "LP", "MPS", "SAV" or "NET" (or "MIN"; either case; what follows these letters is ignored), or NULL to let the
  *           name's extension (.lp, .mps, .qps, .sav, .net, .min) decide and, where it tells nothing, the file's first
  *           bytes: '*', 'N' or 'n' mean MPS; a blank, a line feed, a backslash, 'M' or 'm' mean LP; the signature behind a
