@@ -1,42 +1,12 @@
 /* Every modification fails cleanly wherever memory runs out: the code is 1001 and the problem is as before;
  * the same call then succeeds. */
-#include <cstdlib>
 #include <functional>
-#include <new>
 #include <string>
 #include <vector>
 
 #include "support/describe_families.h"
 #include "support/environment_fixture.h"
-
-namespace {
-
-long allocations_until_failure = -1;  // negative: none fails
-
-void* allocate(std::size_t size) {
-  if (allocations_until_failure >= 0 && allocations_until_failure-- == 0) return nullptr;
-  return std::malloc(size == 0 ? 1 : size);
-}
-
-}  // namespace
-
-[[gnu::noinline]] void* operator new(std::size_t size) {
-  void* const memory = allocate(size);
-  if (memory == nullptr) throw std::bad_alloc();
-  return memory;
-}
-[[gnu::noinline]] void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-  return allocate(size);
-}
-[[gnu::noinline]] void operator delete(void* memory) noexcept {
-  std::free(memory);
-}
-[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept {
-  std::free(memory);
-}
-[[gnu::noinline]] void operator delete(void* memory, const std::nothrow_t&) noexcept {
-  std::free(memory);
-}
+#include "support/failing_memory.h"
 
 namespace {
 
@@ -115,10 +85,10 @@ class OutOfMemory : public support::WithEnvironment {
       } else if (named) {
         EXPECT_EQ(TVKgetcolindex(env_, lp, "name_7", &index), 0);
       }
-      allocations_until_failure = k;
+      support::allocations_until_failure = k;
       const int code = call(lp);
-      const bool reached = allocations_until_failure < 0;
-      allocations_until_failure = -1;
+      const bool reached = support::allocations_until_failure < 0;
+      support::allocations_until_failure = -1;
       if (code == 0) {
         ASSERT_EQ(text_of(lp, named), after) << "allocation " << k;
         if (!reached) break;
