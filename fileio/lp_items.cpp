@@ -65,15 +65,15 @@ void Items::ranged_row(int i, model::VectorView view) {
   const double rhs = model_.rhs()[at], range = model_.range()[at];
   const double low = range < 0 ? rhs + range : rhs;
   const std::string* const column = range_column(at);
-  if (column == nullptr && range > -kInfinity && range < kInfinity) {
+  const bool one_side = range >= kInfinity || range <= -kInfinity;
+  const bool two_sides = column == nullptr && !one_side;
+  if (two_sides) {
     lines_.number(" ", low);
     lines_.piece(" <=");
-    terms(view);
-    return end('L', range < 0 ? rhs : rhs + range);
   }
   terms(view);
-  if (range >= kInfinity) return end('G', rhs);
-  if (range <= -kInfinity) return end('L', rhs);
+  if (one_side) return end(range > 0 ? 'G' : 'L', rhs);
+  if (two_sides) return end('L', range < 0 ? rhs : rhs + range);
   lines_.term(-1, *column);
   end('E', low);
 }
@@ -149,7 +149,7 @@ void Items::bounds(int j) {
   const auto at = static_cast<std::size_t>(j);
   const double lower = model_.lower()[at], upper = model_.upper()[at];
   const bool binary = type_of(model_, j) == 'B';
-  if (lower != 0 || (binary ? upper != 1 : upper < kInfinity)) every_bound(j);
+  if (lower != 0 || (binary ? upper != 1 : !(upper >= kInfinity))) every_bound(j);
 }
 
 void Items::every_bound(int j) {

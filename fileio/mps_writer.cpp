@@ -329,7 +329,7 @@ void Writer::write_bounds_of(int j) {
   const double lower = model_.lower()[at], upper = model_.upper()[at];
   const char type = type_of(j);
   const bool semicontinuous = type == 'S' || type == 'N';
-  if (type == 'B' && lower != upper) return bound("BV", j);
+  if (type == 'B' && (lower < upper || lower > upper)) return bound("BV", j);
   if (semicontinuous) {
     if (lower <= -kInfinity) {
       bound("MI", j);
@@ -345,7 +345,7 @@ void Writer::write_bounds_of(int j) {
   } else if (lower != 0 || upper <= 0) {
     bound("LO", j, lower);
   }
-  if (upper < kInfinity) bound("UP", j, upper);
+  if (!(upper >= kInfinity)) bound("UP", j, upper);
 }
 
 void Writer::write_sets() {

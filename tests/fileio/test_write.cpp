@@ -8,6 +8,7 @@
 
 #include <chrono>
 #include <cmath>
+#include <functional>
 #include <thread>
 
 #include "support/file_fixture.h"
@@ -237,10 +238,19 @@ TEST_F(Write, FilesThatCannotBeWritten) {
   EXPECT_EQ(write("a.lp.gz"), 1422);
   setenv("PATH", search.c_str(), 1);
   const int zero = 0;
-  const double not_a_number = std::nan("");
-  ASSERT_EQ(TVKchgrhs(env_, lp_, 1, &zero, &not_a_number), 0);
-  EXPECT_EQ(write("a.lp"), 1650);
-  EXPECT_EQ(write("a.mps"), 1650);
+  const double not_a_number = std::nan(""), two = 2;
+  const std::function<int(const double*)> changes[] = {
+      [&](const double* value) { return TVKchgrhs(env_, lp_, 1, &zero, value); },
+      [&](const double* value) { return TVKchgbds(env_, lp_, 1, &zero, "U", value); },
+      [&](const double* value) {
+        return TVKchgsense(env_, lp_, 1, &zero, "R") + TVKchgrngval(env_, lp_, 1, &zero, value);
+      }};
+  for (const auto& change : changes) {
+    ASSERT_EQ(change(&not_a_number), 0);
+    EXPECT_EQ(write("a.lp"), 1650);
+    EXPECT_EQ(write("a.mps"), 1650);
+    ASSERT_EQ(change(&two), 0);
+  }
   EXPECT_EQ(files_in_folder(), 2u);  // the input and the folder
 }
 
