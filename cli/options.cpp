@@ -132,7 +132,7 @@ void describe_solve(CLI::App& app, Options& options) {
   add_file("--start", options.start_file, "Start the mixed-integer search from this MIP start");
   add_file("--solution", options.solution_file, "Write the solution to this file (XML)");
   add_file("--write-basis", options.new_basis_file, "Write the last basis to this file");
-  add_file("--write-model", options.model_file, "Write the model as it is solved (.lp, .mps, .gz ...)");
+  add_file("--write-model", options.model_file, "Write the model as it is solved (.lp, .mps, .sav, .gz ...)");
   app.add_option("--log", options.log_file, "Write the log to this file as well")->type_name("FILE");
   app.add_flag("--json", options.json,
                "One JSON object a model on standard output; the log goes to standard error");
@@ -158,8 +158,11 @@ void describe_params(CLI::App& app, Options& options) {
 void describe_convert(CLI::App& app, Options& options) {
   app.formatter(std::make_shared<HelpFormat>("tovik convert IN OUT [options]"));
   app.footer(
-      "Reads the model IN (- reads standard input) and writes it to OUT, whose name tells the format: .lp or "
-      ".mps; .rlp\nand .rmp with the names x1, c1 ...; each may end in .gz or .bz2.");
+      "Reads the model IN (- reads standard input; .lp, .mps, .sav, .net) and writes it to OUT, whose name "
+      "tells "
+      "the format:\n.lp, .mps or .sav; .rlp and .rmp are LP and MPS with the names x1, c1 ...; each may end "
+      "in .gz "
+      "or .bz2.");
   app.add_option("models", options.models)->required()->expected(2)->type_name("IN OUT");
   add_parameter_options(app, options);
 }
