@@ -137,27 +137,11 @@ Status read_file(Environment& env, const char* name, Format format, FileModel& m
   return failure ? report_failure(env, failure) : Status{};
 }
 
-/* The file's data, ready to be loaded; types that say 'C' only are dropped. */
+/* Types that say 'C' only are dropped. */
 model::ModelData model_data(FileModel&& file, const char* name) {
-  const bool continuous = std::ranges::all_of(file.types, [](char type) { return type == 'C'; });
-  model::ModelData data;
+  if (std::ranges::all_of(file.types, [](char type) { return type == 'C'; })) file.types.clear();
+  model::ModelData data = data_of(std::move(file));
   data.problem_name = name;
-  data.families = families_of(file);
-  data.objective_name = std::move(file.objective_name);
-  data.objective_sense = file.objective_sense;
-  data.objective_offset = file.objective_offset;
-  data.objective = std::move(file.objective);
-  data.lower = std::move(file.lower);
-  data.upper = std::move(file.upper);
-  if (!continuous) data.types = std::move(file.types);
-  data.rhs = std::move(file.rhs);
-  data.range = std::move(file.range);
-  data.sense = std::move(file.sense);
-  data.start = std::move(file.start);
-  data.index = std::move(file.index);
-  data.value = std::move(file.value);
-  data.column_names = file.columns.release();
-  data.row_names = file.rows.release();
   return data;
 }
 

@@ -1,5 +1,7 @@
 #include "fileio/file_families.h"
 
+#include <utility>
+
 namespace tovik::fileio {
 namespace {
 
@@ -38,6 +40,27 @@ model::Families families_of(const FileModel& file) {
   for (const IndicatorRow& indicator : file.indicators)
     families.indicators.add({row_of(indicator.row), indicator.column, !indicator.active_at_one});
   return families;
+}
+
+model::ModelData data_of(FileModel&& file) {
+  model::ModelData data;
+  data.families = families_of(file);
+  data.objective_name = std::move(file.objective_name);
+  data.objective_sense = file.objective_sense;
+  data.objective_offset = file.objective_offset;
+  data.objective = std::move(file.objective);
+  data.lower = std::move(file.lower);
+  data.upper = std::move(file.upper);
+  data.types = std::move(file.types);
+  data.rhs = std::move(file.rhs);
+  data.range = std::move(file.range);
+  data.sense = std::move(file.sense);
+  data.start = std::move(file.start);
+  data.index = std::move(file.index);
+  data.value = std::move(file.value);
+  data.column_names = file.columns.release();
+  data.row_names = file.rows.release();
+  return data;
 }
 
 }  // namespace tovik::fileio

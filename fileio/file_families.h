@@ -1,13 +1,17 @@
-/* What a file says beyond rows, columns and column types, in the form in which a model holds it. */
+/* What a file says in the form in which a model holds it. */
 #pragma once
 
 #include "fileio/model_reader.h"
 #include "model/families.h"
+#include "model/load.h"
 
 namespace tovik::fileio {
 
 /* The columns of `file` are the model's. Items without a name get one when others of their family have names.
  */
 model::Families families_of(const FileModel& file);
+
+/* All of the file but the problem's name. */
+model::ModelData data_of(FileModel&& file);
 
 }  // namespace tovik::fileio

@@ -356,29 +356,6 @@ void make_comparable(ModelData& data, bool mps) {
   }
 }
 
-struct Loaded {
-  explicit Loaded(FileModel&& file) {
-    ModelData data;
-    data.families = fileio::families_of(file);
-    data.objective_sense = file.objective_sense;
-    data.objective_offset = file.objective_offset;
-    data.objective = std::move(file.objective);
-    data.lower = std::move(file.lower);
-    data.upper = std::move(file.upper);
-    data.types = std::move(file.types);
-    data.rhs = std::move(file.rhs);
-    data.range = std::move(file.range);
-    data.sense = std::move(file.sense);
-    data.start = std::move(file.start);
-    data.index = std::move(file.index);
-    data.value = std::move(file.value);
-    data.column_names = file.columns.release();
-    data.row_names = file.rows.release();
-    model = std::make_unique<Model>(std::move(data));
-  }
-  std::unique_ptr<Model> model;
-};
-
 using Writer = int (*)(const fileio::WriteSource&, const fileio::WriteOptions&, fileio::ReaderLog&,
                        fileio::TextWriter&);
 using Reader = fileio::ReadFailure (*)(fileio::ByteSource&, const fileio::ReadOptions&, fileio::ReaderLog&,
@@ -410,14 +387,12 @@ void round_trip(unsigned seed, const Format& format, bool hostile) {
   FileModel file;
   const fileio::ReadFailure failure = format.read(source, {}, log, file);
   ASSERT_EQ(failure.code, 0) << "line " << failure.first << ' ' << failure.text << failure.text2;
-  const Loaded loaded(std::move(file));
-  ASSERT_EQ(loaded.model->num_columns(), model.num_columns());
-  ASSERT_EQ(loaded.model->num_rows(), model.num_rows());
-  ASSERT_EQ(positions(model.row_names(), loaded.model->row_names(), model.num_rows()),
-            in_order(model.num_rows()));
+  const Model loaded(fileio::data_of(std::move(file)));
+  ASSERT_EQ(loaded.num_columns(), model.num_columns());
+  ASSERT_EQ(loaded.num_rows(), model.num_rows());
+  ASSERT_EQ(positions(model.row_names(), loaded.row_names(), model.num_rows()), in_order(model.num_rows()));
   ASSERT_EQ(describe(model, in_order(model.num_columns())),
-            describe(*loaded.model,
-                     positions(model.column_names(), loaded.model->column_names(), model.num_columns())))
+            describe(loaded, positions(model.column_names(), loaded.column_names(), model.num_columns())))
       << log.lines;
 }
 

@@ -4,21 +4,12 @@
 
 #include "fileio/solution_file.h"
 #include "model/load.h"
+#include "support/text_sink.h"
 
 namespace {
 
 using namespace tovik;
 using namespace tovik::fileio;
-
-class TextSink final : public ByteSink {
- public:
-  bool write(const char* bytes, std::size_t count) override {
-    text.append(bytes, count);
-    return true;
-  }
-  bool commit() override { return true; }
-  std::string text;
-};
 
 /* Columns x y b: b = 1 -> x + y <= 4, b = 0 -> x >= 1, x y + 2 x^2 + y <= 20. */
 model::Model sample() {
@@ -44,7 +35,7 @@ TEST(SolutionWriter, SlacksOfIndicatorAndQuadraticConstraints) {
   SolutionReport report;
   report.solution = &solution;
   report.mixed_integer = true;
-  TextSink sink;
+  support::TextSink sink;
   TextWriter out(sink);
   ASSERT_EQ(write_solution({model, "p"}, report, out), 0);
   ASSERT_TRUE(out.close());
