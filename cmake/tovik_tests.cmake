@@ -58,7 +58,8 @@ add_test(NAME install.consumers COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/tests/instal
 set_tests_properties(install.consumers PROPERTIES LABELS install TIMEOUT 300)
 
 # The example models and programs.
-file(GLOB example_models CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/examples/*.lp ${CMAKE_CURRENT_SOURCE_DIR}/examples/*.mps)
+file(GLOB example_models CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/examples/*.lp ${CMAKE_CURRENT_SOURCE_DIR}/examples/*.mps
+     ${CMAKE_CURRENT_SOURCE_DIR}/examples/*.net)
 if(TARGET tovik_program AND TARGET example_production)
   add_test(NAME examples COMMAND Python3::Interpreter ${CMAKE_CURRENT_SOURCE_DIR}/tests/install/check_examples.py
     --program $<TARGET_FILE:tovik_program> --example $<TARGET_FILE:example_production> ${example_models})
