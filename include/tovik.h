@@ -430,7 +430,8 @@ TVK_API void TVKEgeneric_unlock(void *lock);
 /* Registers the function that the continuous optimizers call while they run (null: none): `wherefrom` is 1 on each
  * simplex iteration and 7 during presolve, `handle` is the pointer given here. A result other than 0 stops the
  * optimization, which then ends with status TVK_STATUS_USER_ABORT. `cbdata` is opaque. The function may ask the
- * problem that is being optimized for what it holds; changing, optimizing or freeing it gives 1804. */
+ * problem that is being optimized for what it holds; changing, optimizing or freeing it gives 1804, and so does what
+ * needs a factored basis. */
 TVK_API int TVKsetlpcallbackfunc(EnvHandle env,
                                  int (*func)(ConstEnvHandle env, void *cbdata, int wherefrom, void *handle),
                                  void *handle);

@@ -100,7 +100,7 @@ int TVKgetbasehead(ConstEnvHandle env, ConstProbHandle lp, int* head, double* x)
   return with_problem(env, lp, [&](Environment& e, Problem& p) -> Status {
     if (head == nullptr && x == nullptr) return Status(1004);
     BasisView view;
-    if (const Status status = view.open(e, p); !status.ok()) return status;
+    if (const Status status = view.open_for_query(e, p); !status.ok()) return status;
     for (int k = 0; k < view.rows(); ++k) {
       if (head != nullptr) head[k] = view.head(k);
       if (x != nullptr) x[k] = view.value(k);
@@ -114,7 +114,7 @@ int TVKgetbaseinvrow(ConstEnvHandle env, ConstProbHandle lp, int position, doubl
     if (row == nullptr) return Status(1004);
     if (position < 0 || position >= p.model->num_rows()) return fail(e, 1203, position);
     BasisView view;
-    if (const Status status = view.open(e, p); !status.ok()) return status;
+    if (const Status status = view.open_for_query(e, p); !status.ok()) return status;
     std::vector<double> result;
     view.inverse_row(position, result);
     copy_out(result, row);
@@ -127,7 +127,7 @@ int TVKgetbaseinvcol(ConstEnvHandle env, ConstProbHandle lp, int i, double* colu
     if (column == nullptr) return Status(1004);
     if (i < 0 || i >= p.model->num_rows()) return fail(e, 1203, i);
     BasisView view;
-    if (const Status status = view.open(e, p); !status.ok()) return status;
+    if (const Status status = view.open_for_query(e, p); !status.ok()) return status;
     std::vector<double> result;
     view.solve(view.column(p.model->num_columns() + i), result);
     copy_out(result, column);
@@ -140,7 +140,7 @@ int TVKgettableaurow(ConstEnvHandle env, ConstProbHandle lp, int position, doubl
     if (columns == nullptr && slacks == nullptr) return Status(1004);
     if (position < 0 || position >= p.model->num_rows()) return fail(e, 1203, position);
     BasisView view;
-    if (const Status status = view.open(e, p); !status.ok()) return status;
+    if (const Status status = view.open_for_query(e, p); !status.ok()) return status;
     std::vector<double> row, alpha;
     view.inverse_row(position, row);
     if (slacks != nullptr) copy_out(row, slacks);
@@ -157,7 +157,7 @@ int TVKgettableaucol(ConstEnvHandle env, ConstProbHandle lp, int j, double* colu
     if (column == nullptr) return Status(1004);
     if (j < 0 || j >= p.model->num_columns()) return fail(e, 1201, j);
     BasisView view;
-    if (const Status status = view.open(e, p); !status.ok()) return status;
+    if (const Status status = view.open_for_query(e, p); !status.ok()) return status;
     std::vector<double> result;
     view.solve(view.column(j), result);
     copy_out(result, column);
@@ -169,7 +169,7 @@ int TVKftran(ConstEnvHandle env, ConstProbHandle lp, double* vector) {
   return with_problem(env, lp, [&](Environment& e, Problem& p) -> Status {
     if (vector == nullptr) return Status(1004);
     BasisView view;
-    if (const Status status = view.open(e, p); !status.ok()) return status;
+    if (const Status status = view.open_for_query(e, p); !status.ok()) return status;
     std::vector<double> result;
     view.solve(std::vector<double>(vector, vector + view.rows()), result);
     copy_out(result, vector);
@@ -181,7 +181,7 @@ int TVKbtran(ConstEnvHandle env, ConstProbHandle lp, double* vector) {
   return with_problem(env, lp, [&](Environment& e, Problem& p) -> Status {
     if (vector == nullptr) return Status(1004);
     BasisView view;
-    if (const Status status = view.open(e, p); !status.ok()) return status;
+    if (const Status status = view.open_for_query(e, p); !status.ok()) return status;
     std::vector<double> result;
     view.solve_transposed(std::vector<double>(vector, vector + view.rows()), result);
     copy_out(result, vector);

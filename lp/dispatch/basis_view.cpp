@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "include/tovik.h"
 #include "lp/dispatch/engine_control.h"
 #include "model/model.h"
 
@@ -34,6 +35,11 @@ Status BasisView::open(Environment& env, Problem& problem) {
   live_->start_is_mine = true;
   guard.arrived();
   return {};
+}
+
+Status BasisView::open_for_query(Environment& env, Problem& problem) {
+  if (!problem.start.has_basis()) return Status(1262);
+  return problem.in_use ? Status(TVK_ERROR_IN_INFO_CALLBACK) : open(env, problem);
 }
 
 int BasisView::head(int p) const {

@@ -17,6 +17,9 @@ class BasisView {
   /* Makes or reuses the engine, installs the problem's basis, factors it and computes the basic values. 1262
    * without a basis, 1256 when it is singular. */
   Status open(Environment& env, Problem& problem);
+  /* The same for a routine that only asks: 1804 while another one, from whose callback it may have been
+   * called, is changing or optimizing the problem with that engine. */
+  Status open_for_query(Environment& env, Problem& problem);
 
   int rows() const { return core_->m; }
   int columns() const { return core_->n; }

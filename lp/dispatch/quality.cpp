@@ -197,7 +197,7 @@ Status measure_quality(Environment& env, Problem& problem, int what, Measure* re
 
 Status basis_kappa(Environment& env, Problem& problem, double* kappa) {
   BasisView view;
-  if (const Status status = view.open(env, problem); !status.ok()) return status;
+  if (const Status status = view.open_for_query(env, problem); !status.ok()) return status;
   simplex::Core& core = view.core();
   const auto m = static_cast<size_t>(core.m);
   *kappa = 1;

@@ -20,7 +20,7 @@ double clip(double v) {
 
 Status Sensitivity::open(Environment& env, Problem& problem) {
   if (problem.status != 1 && problem.status != 5) return Status(1260);
-  if (const Status status = view_.open(env, problem); !status.ok()) return status;
+  if (const Status status = view_.open_for_query(env, problem); !status.ok()) return status;
   problem_ = &problem;
   sign_ = problem.model->objective_sense();
   const simplex::Core& core = view_.core();

@@ -40,6 +40,24 @@ int stop_at_seventh(ConstEnvHandle, void*, int wherefrom, void* count) {
   EXPECT_TRUE(wherefrom == 1 || wherefrom == 7) << wherefrom;
   return ++*static_cast<int*>(count) == 7;
 }
+/* Asks for what needs a factored basis, while the engine is on its way to another one. */
+struct Curious {
+  ProbHandle lp;
+  int calls = 0;
+  std::vector<int> codes;
+};
+int ask_for_factor(ConstEnvHandle env, void*, int, void* handle) {
+  auto* self = static_cast<Curious*>(handle);
+  double value, low, high;
+  std::vector<double> x(static_cast<std::size_t>(TVKgetnumrows(env, self->lp)));
+  for (const int code : {TVKgetbasehead(env, self->lp, nullptr, x.data()), TVKftran(env, self->lp, x.data()),
+                         TVKgetquality(env, self->lp, TVK_QUALITY_KAPPA, &value, nullptr),
+                         TVKgetobjsens(env, self->lp, 0, 0, &low, &high)}) {
+    if (code != TVK_ERROR_IN_INFO_CALLBACK) self->codes.push_back(code);
+  }
+  ++self->calls;
+  return 0;
+}
 void keep_codes(ConstEnvHandle, int code, void* codes) {
   static_cast<std::vector<int>*>(codes)->push_back(code);
 }
@@ -222,6 +240,27 @@ TEST_F(Optimize, ProfilingAndProblemsOfOtherKinds) {
     EXPECT_TRUE(errors().starts_with("TOVIK Error  1017: "));
   }
   EXPECT_EQ(TVKgetstat(env_, lp), 0);
+}
+
+TEST_F(Optimize, CallbacksDoNotGetTheFactorOfABasisThatChanges) {
+  const Lp model = assignment(6, 1);
+  ProbHandle lp = load(model);
+  for (const int method : {1, 2}) {
+    ASSERT_EQ(TVKsetlpcallbackfunc(env_, nullptr, nullptr), 0);
+    ASSERT_EQ(run(lp, method), 0);
+    const std::vector<int> columns{0, 7, 14, 21, 28, 35};
+    const std::vector<double> costs(columns.size(), method == 1 ? 1.0 : 1000.0);
+    ASSERT_EQ(TVKchgobj(env_, lp, 6, columns.data(), costs.data()), 0);
+    Curious curious{lp, 0, {}};
+    ASSERT_EQ(TVKsetlpcallbackfunc(env_, ask_for_factor, &curious), 0);
+    EXPECT_EQ(run(lp, method), 0);
+    EXPECT_EQ(TVKgetstat(env_, lp), TVK_STATUS_OPTIMAL);
+    EXPECT_GT(curious.calls, 1) << method;
+    // Without a solution there is nothing to be sensitive.
+    for (const int code : curious.codes) EXPECT_EQ(code, TVK_ERROR_NO_SENSITIVITY) << method;
+    double kappa = 0;
+    EXPECT_EQ(TVKgetquality(env_, lp, TVK_QUALITY_KAPPA, &kappa, nullptr), 0);
+  }
 }
 
 TEST_F(Optimize, MethodsAndStarts) {
