@@ -10,6 +10,7 @@
 #include <string>
 
 #include "fuzz/reader_harness.h"
+#include "param/hidden.h"
 
 namespace {
 
@@ -32,6 +33,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   }();
   if (TVKreadcopyparam(env, name.c_str()) == 0) {
     TVKsetintparam(env, TVK_PARAM_SCRIND, 0);
+    TVKsetintparam(env, tovik::param::kNamesOnly, 0);  // else numbers, which the writer uses, are no names
     tovik::fileio::fuzz::require(TVKwriteparam(env, name.c_str()) == 0);
     const std::string first = content(name);
     tovik::fileio::fuzz::require(TVKreadcopyparam(env, name.c_str()) == 0);
