@@ -180,6 +180,22 @@ bool check_norms(const SavState& state, std::int64_t columns, std::int64_t rows)
          std::ranges::all_of(state.dual_norms, [](double norm) { return norm > 0; });
 }
 
+/* Values come of all columns and rows or of none, duals only beside them, and what the numbers promise is
+ * there: queries rely on it. */
+bool check_solution(const SavState& state, std::size_t columns, std::size_t rows) {
+  const bool values = state.x.size() == columns && state.slack.size() == rows;
+  const bool duals = state.dj.size() == columns && state.pi.size() == rows;
+  if (!values && !(state.x.empty() && state.slack.empty())) return false;
+  if (!(values && duals) && !(state.dj.empty() && state.pi.empty())) return false;
+  if (state.counts.empty()) return state.numbers.empty();
+  if (state.counts.size() < SavState::kCounts || state.numbers.size() < SavState::kNumbers) return false;
+  const auto is_int = [](std::int64_t value) { return value == static_cast<int>(value); };
+  if (!std::ranges::all_of(state.counts, is_int)) return false;
+  const bool basis = state.column_status.size() == columns && state.row_status.size() == rows;
+  return (state.counts[SavState::kHasBasis] == 0 || basis) &&
+         (!(state.numbers[1] > 0) || state.farkas.size() == rows);
+}
+
 /* Of statuses only the number counts here: which of them mean something is for the load to say. */
 bool check_state(const SavFile& file) {
   const SavState& state = file.state;
@@ -193,11 +209,7 @@ bool check_state(const SavFile& file) {
   for (const auto* of_rows : {&state.row_primal, &state.row_dual, &state.slack, &state.pi, &state.farkas}) {
     if (!absent_or(*of_rows, m)) return false;
   }
-  const bool solution = state.counts.empty() ? state.numbers.empty()
-                                             : state.counts.size() >= SavState::kCounts &&
-                                                   state.numbers.size() >= SavState::kNumbers;
-  const auto is_int = [](std::int64_t value) { return value == static_cast<int>(value); };
-  return solution && std::ranges::all_of(state.counts, is_int) &&
+  return check_solution(state, n, m) &&
          check_norms(state, static_cast<std::int64_t>(n), static_cast<std::int64_t>(m));
 }
 

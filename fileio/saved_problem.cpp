@@ -7,6 +7,7 @@
 
 #include "env/environment.h"
 #include "env/problem.h"
+#include "env/status_table.h"
 #include "fileio/output.h"
 #include "fileio/stream.h"
 #include "include/tovik.h"
@@ -175,6 +176,8 @@ Status read_restart(Environment& env, Problem& problem, const char* name) {
   loading.norms.head = std::move(state.norm_head);
   if (!state.counts.empty()) {
     loading.status = static_cast<int>(state.counts[SavState::kStatus]);
+    if (loading.status != 0 && status_text(loading.status) == nullptr)
+      return fail(env, TVK_ERROR_FILE_FORMAT, name);
     loading.solution = solution_of(state);
   }
   loading.data = model_data(std::move(file));

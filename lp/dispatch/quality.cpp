@@ -4,6 +4,7 @@
 #include <cmath>
 #include <vector>
 
+#include "env/solution_access.h"
 #include "include/tovik.h"
 #include "lp/dispatch/basis_view.h"
 #include "lp/dispatch/build_lp.h"
@@ -133,13 +134,14 @@ void each(const std::vector<double>& values, bool rows, Gather& gather) {
 
 Status measure_quality(Environment& env, Problem& problem, int what, Measure* result) {
   if (what == TVK_QUALITY_KAPPA) return basis_kappa(env, problem, &result->value);
-  if (problem.solution == nullptr || problem.status == 0) return Status(1217);
+  Status why;
+  if (find_solution(problem, Wanted::values, why) == nullptr) return why;
   const Data data{*problem.model, *problem.solution, static_cast<double>(problem.model->objective_sense())};
   const bool dual = what == TVK_QUALITY_MAX_DUAL_INFEAS || what == TVK_QUALITY_SUM_DUAL_INFEAS ||
                     what == TVK_QUALITY_MAX_DUAL_RESIDUAL || what == TVK_QUALITY_SUM_DUAL_RESIDUAL ||
                     what == TVK_QUALITY_MAX_COMP_SLACK || what == TVK_QUALITY_SUM_COMP_SLACK ||
                     what == TVK_QUALITY_MAX_PI || what == TVK_QUALITY_MAX_RED_COST;
-  if (dual && data.solution.dj.empty() && data.solution.pi.empty()) return Status(1232);
+  if (dual && !has_duals(problem)) return Status(1232);
   Gather largest(false);
   Gather sum(true);
   switch (what) {

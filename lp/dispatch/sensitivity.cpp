@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "env/solution_access.h"
 #include "model/model.h"
 
 namespace tovik::lp::dispatch {
@@ -19,7 +20,9 @@ double clip(double v) {
 }  // namespace
 
 Status Sensitivity::open(Environment& env, Problem& problem) {
-  if (problem.status != 1 && problem.status != 5) return Status(1260);
+  Status why;
+  const bool optimal = problem.status == 1 || problem.status == 5;
+  if (!optimal || find_solution(problem, Wanted::duals, why) == nullptr) return Status(1260);
   if (const Status status = view_.open_for_query(env, problem); !status.ok()) return status;
   problem_ = &problem;
   sign_ = problem.model->objective_sense();

@@ -48,6 +48,10 @@ SavFile small_file() {
   file.state.row_status = {9};  // whether it means something is for the load to say
   file.state.norm_head = {-1};
   file.state.dual_norms = {1};
+  file.state.counts.assign(SavState::kCounts, 1);
+  file.state.numbers = {0, 1};
+  file.state.x = file.state.dj = {0, 0};
+  file.state.slack = file.state.pi = file.state.farkas = {1};
   return file;
 }
 
@@ -103,6 +107,12 @@ TEST(SavFileCheck, ContradictionsAreFound) {
       {"no starts of products", [](SavFile& f) { f.products = {}; }},
       {"form out of range", [](SavFile& f) { f.form_row[1] = 2; }},
       {"form not in order", [](SavFile& f) { f.form_column[1] = 0, f.form_row[1] = 0; }},
+      {"values of columns alone", [](SavFile& f) { f.state.slack = f.state.pi = f.state.dj = {}; }},
+      {"duals of rows alone", [](SavFile& f) { f.state.dj.clear(); }},
+      {"duals without values", [](SavFile& f) { f.state.x = f.state.slack = {}; }},
+      {"solution of a basis that is not there",
+       [](SavFile& f) { f.state.column_status = f.state.row_status = {}; }},
+      {"proof that is not there", [](SavFile& f) { f.state.farkas.clear(); }},
       {"order not in order",
        [](SavFile& f) {
          f.order_column = {1, 1};
@@ -112,21 +122,16 @@ TEST(SavFileCheck, ContradictionsAreFound) {
          f.order_column = {0, 2};
        }},
       {"efforts", [](SavFile& f) { f.start_efforts.clear(); }},
-      {"statuses of rows only", [](SavFile& f) { f.state.column_status.clear(); }},
+      {"statuses of rows only",
+       [](SavFile& f) { f.state.column_status.clear(), f.state.counts[SavState::kHasBasis] = 0; }},
       {"head of norms", [](SavFile& f) { f.state.norm_head[0] = -2; }},
       {"norm of zero", [](SavFile& f) { f.state.dual_norms[0] = 0; }},
       {"norm that is no number", [nan](SavFile& f) { f.state.dual_norms[0] = nan; }},
       {"norms without head", [](SavFile& f) { f.state.norm_head.clear(); }},
       {"starting values", [](SavFile& f) { f.state.primal = {1}; }},
-      {"solution without status",
-       [](SavFile& f) {
-         f.state.numbers = {1, 2};
-       }},
+      {"solution without status", [](SavFile& f) { f.state.counts.clear(); }},
       {"status that is no int",
-       [](SavFile& f) {
-         f.state.counts.assign(SavState::kCounts, std::int64_t{1} << 33);
-         f.state.numbers = {1, 2};
-       }},
+       [](SavFile& f) { f.state.counts[SavState::kStatus] = std::int64_t{1} << 33; }},
   };
   for (const auto& [what, spoil] : cases) {
     SavFile file = small_file();
