@@ -62,13 +62,13 @@ Status copy_network(Environment& env, NetworkProblem& problem, int sense, const 
                     const NewArcs& arcs) {
   if (nodes.count < 0 || arcs.count < 0) return TVK_ERROR_BAD_ARGUMENT;
   if (lacks_ends(arcs)) return TVK_ERROR_NULL_POINTER;
+  if (Status s = check_size(env, nodes.count, arcs.count); !s.ok()) return s;
   if (checking(env)) {
     if (Status s = check_objective_sense(sense); !s.ok()) return s;
     if (Status s = check_content(env, nodes); !s.ok()) return s;
     if (Status s = check_content(env, arcs); !s.ok()) return s;
   }
   if (Status s = check_ends(env, {'n', nodes.count}, arcs.count, arcs.tail, arcs.head); !s.ok()) return s;
-  if (Status s = check_size(env, nodes.count, arcs.count); !s.ok()) return s;
   auto fresh = std::make_unique<Network>();
   fresh->set_objective_sense(sense < 0 ? -1 : 1);
   fresh->add_nodes(nodes.count, nodes.supply, nodes.names);
@@ -81,11 +81,11 @@ Status add_nodes(Environment& env, NetworkProblem& problem, const NewNodes& node
   Network& network = *problem.network;
   if (nodes.count < 0) return TVK_ERROR_BAD_ARGUMENT;
   if (nodes.count == 0) return {};
+  const std::int64_t total = std::int64_t{network.num_nodes()} + nodes.count;
+  if (Status s = check_size(env, total, network.num_arcs()); !s.ok()) return s;
   if (checking(env)) {
     if (Status s = check_content(env, nodes); !s.ok()) return s;
   }
-  const std::int64_t total = std::int64_t{network.num_nodes()} + nodes.count;
-  if (Status s = check_size(env, total, network.num_arcs()); !s.ok()) return s;
   network.add_nodes(nodes.count, nodes.supply, nodes.names);
   return {};
 }
@@ -95,12 +95,12 @@ Status add_arcs(Environment& env, NetworkProblem& problem, const NewArcs& arcs) 
   if (arcs.count < 0) return TVK_ERROR_BAD_ARGUMENT;
   if (arcs.count == 0) return {};
   if (lacks_ends(arcs)) return TVK_ERROR_NULL_POINTER;
+  const std::int64_t total = std::int64_t{network.num_arcs()} + arcs.count;
+  if (Status s = check_size(env, network.num_nodes(), total); !s.ok()) return s;
   if (checking(env)) {
     if (Status s = check_content(env, arcs); !s.ok()) return s;
   }
   if (Status s = check_ends(env, nodes_of(network), arcs.count, arcs.tail, arcs.head); !s.ok()) return s;
-  const std::int64_t total = std::int64_t{network.num_arcs()} + arcs.count;
-  if (Status s = check_size(env, network.num_nodes(), total); !s.ok()) return s;
   network.add_arcs(arcs);
   return {};
 }

@@ -2,6 +2,7 @@
  */
 #include <cmath>
 #include <functional>
+#include <limits>
 
 #include "support/environment_fixture.h"
 #include "support/network_data.h"
@@ -72,6 +73,28 @@ TEST_F(NetworkObject, HandlesAreToldApart) {
   EXPECT_EQ(net_, nullptr);
   EXPECT_EQ(TVKNETfreeprob(env_, &stale), 1009);
   EXPECT_EQ(TVKcopynettolp(env_, lp, stale), 1009);
+}
+
+/* The arrays are as long as one element: nothing of them is read before the count is found too large. */
+TEST_F(NetworkObject, HugeCountsAreRefusedBeforeArraysAreRead) {
+  constexpr int kHuge = std::numeric_limits<int>::max();
+  const std::vector<double> value(1, 0.0);
+  const std::vector<int> node(1, 0);
+  const std::string before = text();
+  for (const int check : {0, 1}) {
+    ASSERT_EQ(TVKsetintparam(env_, TVK_PARAM_DATACHECK, check), 0);
+    EXPECT_EQ(TVKNETaddnodes(env_, net_, kHuge, value.data(), nullptr), 1012);
+    EXPECT_EQ(
+        TVKNETaddarcs(env_, net_, kHuge, node.data(), node.data(), value.data(), nullptr, nullptr, nullptr),
+        1012);
+    EXPECT_EQ(TVKNETcopynet(env_, net_, 1, 1, nullptr, nullptr, kHuge, node.data(), node.data(), value.data(),
+                            nullptr, nullptr, nullptr),
+              1012);
+    EXPECT_EQ(TVKNETcopynet(env_, net_, 1, kHuge, value.data(), nullptr, 0, nullptr, nullptr, nullptr,
+                            nullptr, nullptr, nullptr),
+              1012);
+  }
+  EXPECT_EQ(text(), before);
 }
 
 /* What a message function tries while a routine changes the network. */
