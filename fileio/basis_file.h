@@ -36,7 +36,8 @@ struct BasisFile {
   std::vector<double> primal, slack;
 };
 
-/* 1555 when the basic variables are not as many as the rows. */
+/* 1555 when the basic variables are not as many as the rows, 1650 when a value is not finite: no reader takes
+ * it. */
 ReadFailure write_basis(const WriteSource& source, const BasisView& basis, ReaderLog& log, TextWriter& out);
 
 /* 1555 with the difference, or none when the numbers are equal. */

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cmath>
 
 #include "fileio/basis_file.h"
 #include "fileio/card_file.h"
@@ -21,6 +22,7 @@ class Records {
   void pairs(bool values);
   void upper_columns();
   void values_of_others();
+  bool finite() const { return finite_; }  // each value that was written
 
  private:
   int column_status(int j) const { return basis_.column_status[static_cast<std::size_t>(j)]; }
@@ -33,6 +35,7 @@ class Records {
   const BasisView& basis_;
   WriterNames columns_, rows_;
   TextWriter& out_;
+  bool finite_ = true;
 };
 
 void Records::record(std::string_view code, std::string_view name, std::string_view other,
@@ -41,6 +44,7 @@ void Records::record(std::string_view code, std::string_view name, std::string_v
   char* p = copy_text(copy_text(out_.room(2 * kMaxNameLength + 64), code), name);
   if (!other.empty()) p = copy_text(copy_text(p, "  "), other);
   if (value != nullptr) {
+    finite_ = finite_ && std::isfinite(*value);
     char text[kNumberText];
     const auto length = static_cast<std::size_t>(write_exponent(text, *value, kDigits) - text);
     p = copy_text(p, "  ");
@@ -122,7 +126,7 @@ ReadFailure write_basis(const WriteSource& source, const BasisView& basis, Reade
   records.upper_columns();
   if (values) records.values_of_others();
   out.put("ENDATA\n");
-  return {};
+  return records.finite() ? ReadFailure() : ReadFailure::plain(TVK_ERROR_NUMBER_NOT_REPRESENTABLE);
 }
 
 }  // namespace tovik::fileio

@@ -1,6 +1,7 @@
 /* Basis, vector and priority-order files: their text, what each record does, what is refused, and that what
  * was written comes back. */
 #include <algorithm>
+#include <cmath>
 
 #include "support/file_fixture.h"
 
@@ -161,6 +162,13 @@ TEST_F(BasisFile, WhatCannotBeDone) {
   EXPECT_EQ(TVKmbasewrite(env_, lp_, path("a.bas").c_str()), 1262);
   set_basis({0, 0, 0, 0, 0}, {1, 1, 0});
   EXPECT_EQ(TVKmbasewrite(env_, lp_, path("a.bas").c_str()), 1555);
+  const int columns[] = {3, 0, 0, 0, 0}, rows[] = {1, 1, 1};
+  for (const double value : {std::nan(""), HUGE_VAL, 1e308}) {  // the last one makes an infinite slack
+    const double x[] = {value, -value, value, value, -value};
+    ASSERT_EQ(TVKcopystart(env_, lp_, columns, rows, x, nullptr, nullptr, nullptr), 0);
+    EXPECT_EQ(TVKmbasewrite(env_, lp_, path("a.bas").c_str()), 1650) << value;
+  }
+  set_basis({0, 0, 0, 0, 0}, {1, 1, 0});
   EXPECT_FALSE(std::filesystem::exists(path("a.bas")));
   EXPECT_EQ(TVKmbasewrite(env_, lp_, ""), 1421);
   EXPECT_EQ(TVKreadcopybase(env_, lp_, nullptr), 1421);
