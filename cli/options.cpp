@@ -266,7 +266,8 @@ std::variant<Options, ExitStatus> parse_options(int argc, const char* const* arg
   }
   CLI::App app;
   describe(app, options);
-  if (words.empty() && options.verb != Verb::params) words.emplace_back("--help");
+  const bool nothing_said = words.empty() && options.verb != Verb::params;
+  if (nothing_said) words.emplace_back("--help");
   try {
     std::vector<std::string> reversed(words.rbegin(),
                                       words.rend());  // the order that the parser takes a vector in
@@ -275,7 +276,7 @@ std::variant<Options, ExitStatus> parse_options(int argc, const char* const* arg
     options.verb = Verb::version;
   } catch (const CLI::CallForHelp&) {
     std::fputs(app.help().c_str(), stdout);
-    return argc > 1 ? ExitStatus::solved : ExitStatus::usage;
+    return nothing_said ? ExitStatus::usage : ExitStatus::solved;
   } catch (const CLI::ParseError& error) {
     std::fprintf(stderr, "tovik: %s\nRun tovik --help for the options.\n", error.what());
     return ExitStatus::usage;

@@ -147,6 +147,11 @@ TEST_F(Program, RefusesWrongUsage) {
     EXPECT_EQ(result.exit, 2) << Json(words);
     EXPECT_EQ(result.out.empty(), !words.empty()) << result.out;  // only the bare name prints the help
   }
+  for (const char* verb : {"solve", "convert", "display", "check", "verify"}) {
+    const Result result = run({verb});
+    EXPECT_EQ(result.exit, 2) << verb << ": a script whose list of files is empty must not pass";
+    EXPECT_TRUE(contains(result.out, "Usage:")) << verb;
+  }
 }
 
 TEST_F(Program, LaterSettingsWinAndAnyCaseWillDo) {
