@@ -37,7 +37,7 @@ int TVKNETfreeprob(ConstEnvHandle env, NetProbHandle* net_p) {
     Environment* checked = nullptr;
     NetworkProblem* network = nullptr;
     if (int bad = check_handles(env, *net_p, &checked, &network); bad != 0) return bad;
-    if (network->in_use) return TVK_ERROR_IN_INFO_CALLBACK;
+    if (network->use.busy()) return TVK_ERROR_IN_INFO_CALLBACK;
     std::erase_if(network->env->networks, [&](const auto& other) { return other.get() == network; });
     return 0;
   });

@@ -79,6 +79,7 @@ ProbHandle TVKcloneprob(ConstEnvHandle env, ConstProbHandle lp, int* status_p) {
     Environment* checked = nullptr;
     Problem* source = nullptr;
     if (int code = check_handles(env, lp, &checked, &source); code != 0) return code;
+    const Reading mark(source->use);
     return clone(e, *source, copy);
   });
 }
@@ -89,7 +90,7 @@ int TVKfreeprob(ConstEnvHandle env, ProbHandle* lp_p) {
     Environment* checked = nullptr;
     Problem* problem = nullptr;
     if (int bad = check_handles(env, *lp_p, &checked, &problem); bad != 0) return bad;
-    if (problem->in_use) return TVK_ERROR_IN_INFO_CALLBACK;
+    if (problem->use.busy()) return TVK_ERROR_IN_INFO_CALLBACK;
     return free_problem(*problem);
   });
   if (code == 0) *lp_p = nullptr;

@@ -42,19 +42,6 @@ int with_environment(ConstEnvHandle handle, Worker&& worker, In in = In::callbac
   return report(*env, guarded([&] { return worker(*env); }));
 }
 
-/* Marks a problem or network while a routine changes or optimizes it. */
-template <class Record>
-class InUse {
- public:
-  explicit InUse(Record& record) : record_(record) { record_.in_use = true; }
-  ~InUse() { record_.in_use = false; }
-  InUse(const InUse&) = delete;
-  InUse& operator=(const InUse&) = delete;
-
- private:
-  Record& record_;
-};
-
 namespace detail {
 
 template <class Record, class Handle, class Worker>
@@ -67,13 +54,20 @@ int with_record(ConstEnvHandle env_handle, Handle handle, Worker&& worker, In in
   return report(*env, guarded([&] { return worker(*env, *record); }));
 }
 
-/* The worker, refused from a callback or message function that is called while another one changes the
- * record. */
+/* The worker, refused from a callback or message function of a routine that is at work on the record. */
 template <class Record, class Worker>
-auto exclusive(Worker& worker) {
+auto changing(Worker& worker) {
   return [&worker](Environment& env, Record& record) -> Status {
-    if (record.in_use) return TVK_ERROR_IN_INFO_CALLBACK;
-    const InUse<Record> in_use(record);
+    if (record.use.busy()) return TVK_ERROR_IN_INFO_CALLBACK;
+    const Changing mark(record.use);
+    return worker(env, record);
+  };
+}
+
+template <class Record, class Worker>
+auto reading(Worker& worker) {
+  return [&worker](Environment& env, Record& record) -> Status {
+    const Reading mark(record.use);
     return worker(env, record);
   };
 }
@@ -83,24 +77,25 @@ auto exclusive(Worker& worker) {
 /* worker: Status(Environment&, Problem&). This one only reads the problem. */
 template <class Worker>
 int with_problem(ConstEnvHandle env, ConstProbHandle lp, Worker&& worker, In in = In::callback_refused) {
-  return detail::with_record<Problem>(env, lp, worker, in);
+  return detail::with_record<Problem>(env, lp, detail::reading<Problem>(worker), in);
 }
 
 /* This one may change it. */
 template <class Worker>
 int with_problem(ConstEnvHandle env, ProbHandle lp, Worker&& worker, In in = In::callback_refused) {
-  return with_problem(env, static_cast<ConstProbHandle>(lp), detail::exclusive<Problem>(worker), in);
+  return detail::with_record<Problem>(env, static_cast<ConstProbHandle>(lp),
+                                      detail::changing<Problem>(worker), in);
 }
 
 /* The same for networks. worker: Status(Environment&, NetworkProblem&) */
 template <class Worker>
 int with_network(ConstEnvHandle env, ConstNetProbHandle net, Worker&& worker, In in = In::callback_refused) {
-  return detail::with_record<NetworkProblem>(env, net, worker, in);
+  return detail::with_record<NetworkProblem>(env, net, detail::reading<NetworkProblem>(worker), in);
 }
 template <class Worker>
 int with_network(ConstEnvHandle env, NetProbHandle net, Worker&& worker, In in = In::callback_refused) {
-  return with_network(env, static_cast<ConstNetProbHandle>(net), detail::exclusive<NetworkProblem>(worker),
-                      in);
+  return detail::with_record<NetworkProblem>(env, static_cast<ConstNetProbHandle>(net),
+                                             detail::changing<NetworkProblem>(worker), in);
 }
 
 }  // namespace tovik

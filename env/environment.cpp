@@ -27,7 +27,7 @@ bool Environment::delivering() const {
 }
 
 bool Environment::in_use() const {
-  const auto used = [](const auto& record) { return record->in_use; };
+  const auto used = [](const auto& record) { return record->use.busy(); };
   return std::any_of(problems.begin(), problems.end(), used) ||
          std::any_of(networks.begin(), networks.end(), used) ||
          std::any_of(children.begin(), children.end(), [](const auto& child) { return child->in_use(); });

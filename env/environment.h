@@ -76,7 +76,7 @@ struct Environment {
 
   void add_work(std::uint64_t count) { work->add(count); }
   bool delivering() const;  // called from a destination function of one of the channels, children's included
-  bool in_use() const;  // a routine changes or optimizes one of the problems or networks, children's included
+  bool in_use() const;      // a routine works on one of the problems or networks, children's included
 };
 
 /* Work done while it lives does not count. */

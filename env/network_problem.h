@@ -7,6 +7,7 @@
 
 #include "env/environment.h"
 #include "env/registry.h"
+#include "env/use.h"
 
 namespace tovik {
 
@@ -22,7 +23,7 @@ struct NetworkProblem {
 
   Environment* env;
   std::string name;
-  bool in_use = false;  // a routine that may change it is running
+  Use use;  // by routines that are running
   std::unique_ptr<model::Network> network;
   LiveHandle live;  // last: a handle is live while the record is whole
 };

@@ -13,6 +13,7 @@
 #include "env/journal.h"
 #include "env/registry.h"
 #include "env/solution.h"
+#include "env/use.h"
 
 namespace tovik {
 
@@ -61,9 +62,9 @@ struct Problem {
 
   Environment* env;
   std::string name;
-  int status = 0;       // solution status; 0 = no solution
-  int type = 0;         // problem type 0, 1, 3, 5, 7, 8, 10, 11, 13
-  bool in_use = false;  // a routine that may change it is running
+  int status = 0;  // solution status; 0 = no solution
+  int type = 0;    // problem type 0, 1, 3, 5, 7, 8, 10, 11, 13
+  Use use;         // by routines that are running
   std::unique_ptr<model::Model> model;
   std::unique_ptr<Solution> solution;  // null until the first optimization
   Start start;

@@ -48,7 +48,7 @@ typedef struct TVKchannel *ChannelHandle;
  * Each routine checks its handles first, without following pointers that it does not know, so that a null, freed or
  * foreign handle yields a code and never a crash: 1002 no such environment, 1009 no such problem, 1806 a problem of
  * another environment, 1804 a call from inside the info callback that is not allowed there, or one from a callback or
- * message function that would change, optimize or free a problem that a routine is changing or optimizing right then.
+ * message function that would change, optimize or free a problem that a routine is working on right then.
  * Then it checks its arguments. A failed routine changes nothing and writes one line to the environment's error channel:
  * "TOVIK Error %5d: ", the text of the code, a period and a newline. */
 
@@ -1503,7 +1503,7 @@ TVK_API int TVKreadcopyparam(EnvHandle env, const char *filename);
 /* The basis (TVKgetbase), with a line on the results channel. When there are starting values of the columns (TVKcopystart)
  * and the problem is not mixed-integer it is written with values, the slacks of rows too, and what lies between its bounds
  * comes back; else non-basic free columns are left to the reader. Errors: 1262 no basis, 1555 not one basic variable for each
- * row. */
+ * row, 1650 a starting value is not finite. */
 TVK_API int TVKmbasewrite(ConstEnvHandle env, ConstProbHandle lp, const char *filename);
 
 /* Makes the file's basis, and its values when it tells those of all basic columns, the start of the next optimization

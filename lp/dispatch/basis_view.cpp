@@ -39,7 +39,7 @@ Status BasisView::open(Environment& env, Problem& problem) {
 
 Status BasisView::open_for_query(Environment& env, Problem& problem) {
   if (!problem.start.has_basis()) return Status(1262);
-  return problem.in_use ? Status(TVK_ERROR_IN_INFO_CALLBACK) : open(env, problem);
+  return problem.use.changing ? Status(TVK_ERROR_IN_INFO_CALLBACK) : open(env, problem);
 }
 
 int BasisView::head(int p) const {

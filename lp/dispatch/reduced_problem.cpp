@@ -56,7 +56,7 @@ Status reduced_problem(Environment& env, const Problem& problem, Presolved& pres
     auto made = std::make_unique<Problem>(env);
     made->name = problem.name;
     if (const Status s = model::load(env, *made, data_of(*problem.model, presolved)); !s.ok()) return s;
-    made->in_use = true;
+    made->use.changing = true;
     presolved.reduced = std::move(made);
   }
   *reduced = presolved.reduced.get();

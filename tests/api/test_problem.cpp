@@ -163,6 +163,10 @@ TEST_F(Problems, AProblemAtWorkIsNotChangedOrFreedUnderIt) {
       "message", [&](void* m) { return TVKaddfuncdest(env_, warning_, m, meddle); },
       [&] { return TVKchgprobtype(env_, lp, 0); });
   ASSERT_EQ(TVKdisconnectchannel(env_, warning_), 0);
+  meddled(
+      "message of a writer", [&](void* m) { return TVKaddfuncdest(env_, warning_, m, meddle); },
+      [&] { return TVKlpwrite(env_, lp, "/dev/null"); });
+  ASSERT_EQ(TVKdisconnectchannel(env_, warning_), 0);
   EXPECT_EQ(TVKdelcols(env_, lp, 0, 0), 0);  // allowed again afterwards
   EXPECT_EQ(TVKfreeprob(env_, &lp), 0);
   EXPECT_EQ(TVKfreeparenv(env_, &child), 0);
