@@ -159,10 +159,9 @@ void describe_convert(CLI::App& app, Options& options) {
   app.formatter(std::make_shared<HelpFormat>("tovik convert IN OUT [options]"));
   app.footer(
       "Reads the model IN (- reads standard input; .lp, .mps, .sav, .net) and writes it to OUT, whose name "
-      "tells "
-      "the format:\n.lp, .mps or .sav; .rlp and .rmp are LP and MPS with the names x1, c1 ...; each may end "
-      "in .gz "
-      "or .bz2.");
+      "tells the format:\n"
+      ".lp, .mps or .sav; .rlp and .rmp are LP and MPS with the names x1, c1 ...; each may end in .gz or "
+      ".bz2.");
   app.add_option("models", options.models)->required()->expected(2)->type_name("IN OUT");
   add_parameter_options(app, options);
 }
@@ -181,12 +180,13 @@ void describe_verify(CLI::App& app, Options& options) {
   app.formatter(std::make_shared<HelpFormat>("tovik verify MODEL SOLUTION [options]"));
   app.footer(
       "Recomputes what the solution file (.sol, .mst, may end in .gz or .bz2) claims from the two files "
-      "alone: "
-      "objective,\nviolations of every kind with the worst item by name, and what the duals prove. "
-      "Tolerances "
-      "are those of the\nparameters EPRHS, EPINT and EPOPT.\n"
+      "alone: objective,\n"
+      "violations of every kind with the worst item by name, and what the duals prove. Tolerances are those "
+      "of the\n"
+      "parameters EPRHS, EPINT and EPOPT.\n"
       "Exit status: 0 the solution holds, 9 a check failed, 7 a file is missing or malformed, or the two do "
-      "not belong\ntogether.");
+      "not belong\n"
+      "together.");
   app.add_option("models", options.models)->required()->expected(2)->type_name("MODEL SOLUTION");
   app.add_option("--pick", options.pick, "Which solution of the file to look at (1)")
       ->type_name("N")
@@ -204,8 +204,8 @@ void describe_check(CLI::App& app, Options& options) {
   app.formatter(std::make_shared<HelpFormat>("tovik check MODEL [MODEL ...] [options]"));
   app.footer(
       "Reads each model and tells what looks wrong, by name: errors (no solution can exist, or the model "
-      "says "
-      "what it\ncannot mean), warnings (numbers that make trouble), notes (harmless).\n"
+      "says what it\n"
+      "cannot mean), warnings (numbers that make trouble), notes (harmless).\n"
       "Exit status: 0 no errors, 9 errors (with --strict also warnings), 7 input missing or malformed.");
   app.add_option("models", options.models)->required()->type_name("MODEL");
   app.add_option("--most", options.most, "Findings of each kind to show, the worst first (5)")

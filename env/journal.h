@@ -1,12 +1,13 @@
 /* What has changed in the rows and columns of a problem's model since the engine that lives with the problem
  * last looked. The engine follows what is on record instead of comparing itself with the whole model.
  *
- * Holds     of rows and of columns: those whose values changed, in the present numbering, perhaps more than
- * once; those that are gone, in the numbering of the engine, ascending; and the number of new ones, which are
- * the last of the model. Order     start() when an engine is made from the model, clear() when it has
- * followed. Room      is made by start(): noting a change takes no memory and cannot fail. What finds no room
- * or is not named is lost: values then have to be compared one by one, lost structure needs a new engine.
- * Errors    bad_alloc from start(). */
+ * - Holds: of rows and of columns: those whose values changed, in the present numbering, perhaps more than
+ *   once; those that are gone, in the numbering of the engine, ascending; and the number of new ones, which
+ *   are the last of the model.
+ * - Order: start() when an engine is made from the model, clear() when it has followed.
+ * - Room: is made by start(): noting a change takes no memory and cannot fail. What finds no room or is not
+ *   named is lost: values then have to be compared one by one, lost structure needs a new engine.
+ * - Errors: bad_alloc from start(). */
 #pragma once
 
 #include <cstddef>

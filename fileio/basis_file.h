@@ -2,10 +2,13 @@
  *
  * A basis has, for each column and row, a status: 0 at the lower bound, 1 basic, 2 at the upper bound, 3
  * non-basic and free or between its bounds. What the file does not mention is a column at its lower bound or
- * a basic row; a record XU column row, XL column row   makes the column basic and puts the row at its upper
- * or lower end, UL column, LL column           puts the column at a bound (or a row, when no column is called
- * so), BS name                        makes a column or row basic, BR row value                   gives a
- * basic row its slack, SC column value, SR row value  gives a column or row of status 3 its value or slack.
+ * a basic row. The records:
+ * - XU column row, XL column row: makes the column basic and puts the row at its upper or lower end;
+ * - UL column, LL column: puts the column at a bound (or a row, when no column is called so);
+ * - BS name: makes a column or row basic;
+ * - BR row value: gives a basic row its slack;
+ * - SC column value, SR row value: gives a column or row of status 3 its value or slack.
+ *
  * XU, XL and BS may carry the value of their column as well.
  *
  * A basis with values is a superbasis: all basic columns and rows have their values, and those of status 3

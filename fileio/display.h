@@ -5,7 +5,7 @@
  * The text of one call is made whole before anybody sees it, so that a destination of the channel may do what
  * it likes to the model.
  *
- * Errors    1200 a range beyond the items. */
+ * - Errors: 1200 a range beyond the items. */
 #pragma once
 
 #include <string>

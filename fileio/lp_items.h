@@ -1,9 +1,9 @@
 /* The items of a model in the words of the LP format, one call each: objective, rows, sets, bounds. The file
  * writer and the display routines share them; what stands between the items is theirs.
  *
- * Order     any. Every item ends with its line. Bounds that a reader assumes without a statement write none.
- * Numbers   15 significant digits; finite() tells whether all were numbers so far.
- * Errors    none of its own. */
+ * - Order: any. Every item ends with its line. Bounds that a reader assumes without a statement write none.
+ * - Numbers: 15 significant digits; finite() tells whether all were numbers so far.
+ * - Errors: none of its own. */
 #pragma once
 
 #include <span>

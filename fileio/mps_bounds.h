@@ -2,7 +2,8 @@
  *
  * close() then settles what the lines left open, in the order of the columns: a negative upper bound without
  * a lower one opens the lower bound, a semi-continuous column without a lower bound gets 1, and doubtful
- * bounds are told. Errors   1434, 1435, 1449, 1454 .. 1460. */
+ * bounds are told.
+ * - Errors: 1434, 1435, 1449, 1454 .. 1460. */
 #pragma once
 
 #include <string>

@@ -4,7 +4,8 @@
  * that of the line before. Coefficients of free rows that are not the objective are dropped, zeros are kept
  * out of the matrix. Columns between integer markers are of type 'I' with bounds 0 and infinity. Columns
  * between set markers form a special ordered set, with the coefficients of the reference row, or else their
- * positions, as weights. Errors   1432, 1433, 1434, 1435, 1442, 1443, 1446, 1448, 1480 .. 1483. */
+ * positions, as weights.
+ * - Errors: 1432, 1433, 1434, 1435, 1442, 1443, 1446, 1448, 1480 .. 1483. */
 #pragma once
 
 #include <array>

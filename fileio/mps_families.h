@@ -6,7 +6,7 @@
  * symmetric matrix of x'Qx in that row, both halves. INDICATORS   " IF ROW COLUMN VALUE": the row holds when
  * the column has the value, 0 or 1.
  *
- * Errors   1434, 1435, 1437 .. 1439, 1442, 1447 .. 1449, 1463, 1479, 1486, 3301, 5011, 5012. */
+ * - Errors: 1434, 1435, 1437 .. 1439, 1442, 1447 .. 1449, 1463, 1479, 1486, 3301, 5011, 5012. */
 #pragma once
 
 #include <string>

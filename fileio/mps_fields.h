@@ -1,9 +1,9 @@
 /* One line of an MPS file cut into fields, in place.
  *
- * Field     a slice of the line, with its first eight bytes as a number: names of up to eight characters, the
- * common case, are compared and hashed without touching the text again. Record    a line as free fields
- * (separated by blanks; every byte up to the blank counts as one, so tabs and carriage returns need no care),
- * or as the six fixed fields of the old card layout.
+ * - Field: a slice of the line, with its first eight bytes as a number: names of up to eight characters, the
+ *   common case, are compared and hashed without touching the text again.
+ * - Record: a line as free fields (separated by blanks; every byte up to the blank counts as one, so tabs and
+ *   carriage returns need no care), or as the six fixed fields of the old card layout.
  *
  * The scanner reads up to kScanSlack bytes beyond the line; the buffer that holds it provides them. */
 #pragma once

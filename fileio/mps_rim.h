@@ -2,7 +2,8 @@
  *
  * A range r makes a row two-sided: 'L' rows go from rhs - |r| to rhs, 'G' rows from rhs to rhs + |r|, 'E'
  * rows from rhs to rhs + r (below rhs when r is negative). Values for the objective are ignored with a
- * warning. Errors   1434, 1435, 1438, 1447, 1448. */
+ * warning.
+ * - Errors: 1434, 1435, 1438, 1447, 1448. */
 #pragma once
 
 #include <string>

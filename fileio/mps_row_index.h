@@ -1,11 +1,11 @@
 /* The index from row names to rows, made once when all rows are known and then asked once or twice for every
  * line of the matrix.
  *
- * Holds    buckets of one cache line with four rows each, a power of two of them, at most half full on
- * average. A row whose bucket is full stands in a bucket behind it. For names of up to eight bytes the key is
- * the name itself, so that a look-up touches one line of memory, no text, and rarely branches twice. Ids 0, 1
- * .. the rows of the model; -1, -2 .. the free rows. Fields   asked for must have kScanSlack readable bytes
- * behind them. */
+ * - Holds: buckets of one cache line with four rows each, a power of two of them, at most half full on
+ *   average. A row whose bucket is full stands in a bucket behind it. For names of up to eight bytes the key
+ *   is the name itself, so that a look-up touches one line of memory, no text, and rarely branches twice.
+ * - Ids: 0, 1 .. the rows of the model; -1, -2 .. the free rows.
+ * - Fields: what is asked for must have kScanSlack readable bytes behind it. */
 #pragma once
 
 #include <cstdint>

@@ -3,8 +3,9 @@
  * Deleting one row of a model moves the numbers of all later ones, in every array and in every matrix entry.
  * A run of single deletions therefore only marks what goes; the arrays are compacted once, when the model is
  * next read or changed otherwise. The marks know which stored row is the current row i: a tree of counts over
- * the stored positions. Cost      mark: logarithmic; the first of a run is proportional to the number of rows
- * (not of entries). Errors    bad_alloc from begin() only. */
+ * the stored positions.
+ * - Cost: mark: logarithmic; the first of a run is proportional to the number of rows (not of entries).
+ * - Errors: bad_alloc from begin() only. */
 #pragma once
 
 #include <cstddef>

@@ -1,10 +1,11 @@
 /* Which arcs touch which node.
  *
- * Holds     for every node a doubly linked list of arc ends; end 2a is the tail of arc a, end 2a + 1 its
- * head. A loop stands in its node's list once, by its tail. Order  of a list is free; arcs_of() sorts. Cost
- * build: nodes + arcs; attach, detach: constant; arcs_of: proportional to the arcs of the node, and their
- * sorting. Errors    bad_alloc from build, add_nodes, add_arcs and arcs_of; the lists are then as before.
- */
+ * - Holds: for every node a doubly linked list of arc ends; end 2a is the tail of arc a, end 2a + 1 its head.
+ *   A loop stands in its node's list once, by its tail.
+ * - Order: of a list is free; arcs_of() sorts.
+ * - Cost: build: nodes + arcs; attach, detach: constant; arcs_of: proportional to the arcs of the node, and
+ *   their sorting.
+ * - Errors: bad_alloc from build, add_nodes, add_arcs and arcs_of; the lists are then as before. */
 #pragma once
 
 #include <cstddef>

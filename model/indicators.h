@@ -2,7 +2,8 @@
  * complemented, while it is 0.
  *
  * Deleting a column takes its terms out of the rows; deleting the column that switches a row deletes that
- * constraint. Errors    bad_alloc; the table is then as before the call. */
+ * constraint.
+ * - Errors: bad_alloc; the table is then as before the call. */
 #pragma once
 
 #include <span>

@@ -1,8 +1,8 @@
 /* Points, whole or in part, from which a mixed-integer search may start.
  *
- * Holds     by start: values of some columns, the effort to spend on it, and names of all starts or of none.
- * Deleting a column takes its value out; a start stays also when it becomes empty. Errors    bad_alloc; the
- * table is then as before the call. */
+ * - Holds: by start: values of some columns, the effort to spend on it, and names of all starts or of none.
+ *   Deleting a column takes its value out; a start stays also when it becomes empty.
+ * - Errors: bad_alloc; the table is then as before the call. */
 #pragma once
 
 #include <cstdint>

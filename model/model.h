@@ -1,14 +1,16 @@
 /* One model: objective, rows, columns, the sparse matrix, bounds, ranges, names, column types, and the
  * families of further mixed-integer and quadratic data.
  *
- * Values     in the caller's units. Infinite bounds are stored as +-1e20. A range r of an 'R' row means rhs
- * <= ax <= rhs + r for r >= 0 and rhs + r <= ax <= rhs for r < 0. The matrix holds no zeros and no row twice
- * in a column. Matrix     kept column-wise in a VectorFile. A row-wise copy is built when rows are first read
- * and then kept up to date; it is dropped where that would cost more than building it again, or when memory
- * for it is short. Deletion   only marks; the arrays are compacted by the next other access (see
- * deletions.h). Reading    const, but may build the row copy, a name index or compact: one thread at a time.
- * Errors     bad_alloc; the model is then as before the call. Arguments are the caller's business: indices in
- * range, sizes as stated. Functions marked noexcept cannot fail. */
+ * - Values: in the caller's units. Infinite bounds are stored as +-1e20. A range r of an 'R' row means rhs <=
+ *   ax <= rhs + r for r >= 0 and rhs + r <= ax <= rhs for r < 0. The matrix holds no zeros and no row twice
+ *   in a column.
+ * - Matrix: kept column-wise in a VectorFile. A row-wise copy is built when rows are first read and then kept
+ *   up to date; it is dropped where that would cost more than building it again, or when memory for it is
+ *   short.
+ * - Deletion: only marks; the arrays are compacted by the next other access (see deletions.h).
+ * - Reading: const, but may build the row copy, a name index or compact: one thread at a time.
+ * - Errors: bad_alloc; the model is then as before the call. Arguments are the caller's business: indices in
+ *   range, sizes as stated. Functions marked noexcept cannot fail. */
 #pragma once
 
 #include <cstdint>

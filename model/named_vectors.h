@@ -1,8 +1,9 @@
 /* A family of sparse vectors over the columns of a model, each with an optional name: what sets, rows beside
  * the matrix and MIP starts have in common.
  *
- * Holds     one VectorFile (indices are columns, none twice in a vector; values may be zero) and the names,
- * of all vectors or of none. Errors    bad_alloc; the family is then as before the call. */
+ * - Holds: one VectorFile (indices are columns, none twice in a vector; values may be zero) and the names, of
+ *   all vectors or of none.
+ * - Errors: bad_alloc; the family is then as before the call. */
 #pragma once
 
 #include <cstdint>

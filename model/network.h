@@ -1,16 +1,17 @@
 /* One minimum-cost flow problem: nodes with supplies, arcs with costs and bounds.
  *
- * Statement  minimize (or maximize) the sum of cost[a] * flow[a] so that at each node i
- *            (flow out of i) - (flow into i) = supply[i], and lower[a] <= flow[a] <= upper[a].
- * Values     in the caller's units. Infinite bounds are stored as +-1e20; crossed bounds are data like any
- * other. Parallel arcs and loops are allowed. Names  of all nodes or none, of all arcs or none; made-up ones
- * begin with 'n' and 'a'.
- * Arcs of a node  come from lists (incidence.h) that are built when they are first asked for and then kept up
- * to date; they are dropped when memory for them is short. Deletion  only marks; the arrays are compacted by
- * the next other access (deletions.h). Deleting a node deletes its arcs. Reading  const, but may build the
- * lists or a name index, or compact: one thread at a time.
- * Errors     bad_alloc; the network is then as before the call. Arguments are the caller's business: indices
- * in range, sizes as stated. Functions marked noexcept cannot fail. */
+ * - Statement: minimize (or maximize) the sum of cost[a] * flow[a] so that at each node i (flow out of i) -
+ *   (flow into i) = supply[i], and lower[a] <= flow[a] <= upper[a].
+ * - Values: in the caller's units. Infinite bounds are stored as +-1e20; crossed bounds are data like any
+ *   other. Parallel arcs and loops are allowed.
+ * - Names: of all nodes or none, of all arcs or none; made-up ones begin with 'n' and 'a'.
+ * - Arcs of a node: come from lists (incidence.h) that are built when they are first asked for and then kept
+ *   up to date; they are dropped when memory for them is short.
+ * - Deletion: only marks; the arrays are compacted by the next other access (deletions.h). Deleting a node
+ *   deletes its arcs.
+ * - Reading: const, but may build the lists or a name index, or compact: one thread at a time.
+ * - Errors: bad_alloc; the network is then as before the call. Arguments are the caller's business: indices
+ *   in range, sizes as stated. Functions marked noexcept cannot fail. */
 #pragma once
 
 #include <cstddef>

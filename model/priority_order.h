@@ -1,7 +1,7 @@
 /* The order in which columns are to be branched on: for some columns a priority (larger ones first) and a
  * preferred direction.
  *
- * Holds     one entry for each listed column, by ascending column. Deleting a column deletes its entry. */
+ * - Holds: one entry for each listed column, by ascending column. Deleting a column deletes its entry. */
 #pragma once
 
 #include <span>

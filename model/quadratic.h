@@ -1,10 +1,12 @@
 /* The quadratic data of a model.
  *
- * QuadraticObjective  the symmetric matrix Q of the term x'Qx / 2 in the objective, by columns, both halves
- * stored, no zeros. QuadraticRows  quadratic constraints: linear part + x'Qx (no factor 1/2), sense 'L' or
- * 'G', right-hand side, names of all or of none. Their quadratic parts are lists of terms: coefficient times
- * the product of two columns, each pair once, column <= other, in this order; no zeros. Deleting a column
- * takes its terms out; a constraint stays. Errors    bad_alloc; the data are then as before the call. */
+ * - QuadraticObjective: the symmetric matrix Q of the term x'Qx / 2 in the objective, by columns, both halves
+ *   stored, no zeros.
+ * - QuadraticRows: quadratic constraints: linear part + x'Qx (no factor 1/2), sense 'L' or 'G', right-hand
+ *   side, names of all or of none. Their quadratic parts are lists of terms: coefficient times the product of
+ *   two columns, each pair once, column <= other, in this order; no zeros. Deleting a column takes its terms
+ *   out; a constraint stays.
+ * - Errors: bad_alloc; the data are then as before the call. */
 #pragma once
 
 #include <cstdint>

@@ -1,9 +1,9 @@
 /* Linear rows that stand beside the matrix: user cuts, lazy constraints, and the linear parts of indicator
  * and quadratic constraints.
  *
- * Holds     by row: its terms over the columns (no zeros), sense 'L', 'E' or 'G', right-hand side, and names
- * of all rows or of none. Deleting a column takes its terms out; the row stays. Errors    bad_alloc; the pool
- * is then as before the call. */
+ * - Holds: by row: its terms over the columns (no zeros), sense 'L', 'E' or 'G', right-hand side, and names
+ *   of all rows or of none. Deleting a column takes its terms out; the row stays.
+ * - Errors: bad_alloc; the pool is then as before the call. */
 #pragma once
 
 #include <cstdint>

@@ -1,9 +1,10 @@
 /* The special ordered sets of a model.
  *
- * Holds     by set: its type ('1' at most one member is not zero, '2' at most two and those neighbours in the
- * order of the weights), its members as (column, weight) in the order in which they were given, and names of
- * all sets or of none. Deleting a column takes it out of its sets; a set stays also when it becomes empty.
- * Errors    bad_alloc; the table is then as before the call. */
+ * - Holds: by set: its type ('1' at most one member is not zero, '2' at most two and those neighbours in the
+ *   order of the weights), its members as (column, weight) in the order in which they were given, and names
+ *   of all sets or of none. Deleting a column takes it out of its sets; a set stays also when it becomes
+ *   empty.
+ * - Errors: bad_alloc; the table is then as before the call. */
 #pragma once
 
 #include <cstdint>

@@ -1,12 +1,13 @@
 /* A file of sparse vectors (the columns of a matrix, or its rows) that grows at every end.
  *
- * Holds     entries (index, value) of vector k at start_[k] .. start_[k] + count_[k] - 1, with room up to
- * capacity_[k]. A vector that outgrows its place moves to the end of the file with half its length as new
- * room; when half of the file is abandoned places it is rewritten. No index occurs twice in one vector; the
- * order is free. Lookup    find() scans short vectors. A long one gets a hash of its positions when it is
- * first searched; push, set and remove keep that hash up to date, the bulk operations drop it. Cost push,
- * set, remove, find: amortised constant. append: proportional to the entries. Errors    bad_alloc from the
- * operations not marked noexcept; the contents are then unchanged. */
+ * - Holds: entries (index, value) of vector k at start_[k] .. start_[k] + count_[k] - 1, with room up to
+ *   capacity_[k]. A vector that outgrows its place moves to the end of the file with half its length as new
+ *   room; when half of the file is abandoned places it is rewritten. No index occurs twice in one vector; the
+ *   order is free.
+ * - Lookup: find() scans short vectors. A long one gets a hash of its positions when it is first searched;
+ *   push, set and remove keep that hash up to date, the bulk operations drop it.
+ * - Cost: push, set, remove, find: amortised constant. append: proportional to the entries.
+ * - Errors: bad_alloc from the operations not marked noexcept; the contents are then unchanged. */
 #pragma once
 
 #include <cstddef>

@@ -1,5 +1,6 @@
 /* Takes back changes of parameters: unless keep() is called, the destructor gives the environment the values,
- * the random state and the screen that it had before. Errors    bad_alloc in the constructor only. */
+ * the random state and the screen that it had before.
+ * - Errors: bad_alloc in the constructor only. */
 #pragma once
 
 #include <array>

@@ -1,10 +1,11 @@
 /* Choice of the entering column in the dual simplex: Harris' ratio test with bound flipping.
- * Holds     the pivot row as pairs (variable, alpha) over movable nonbasics, and the candidates among them.
- * Order     load() after the row was priced; choose(); flips() and theta are valid until the next load().
- * Method    The slope of the dual objective starts at |delta| and falls by alpha * range as break points
- * d/alpha are passed; break points are walked in groups of nearly equal ratio; the last group that holds a
- * large enough pivot gives the entering variable, all groups before it flip to their other bounds. Papers
- * Harris, Math. Programming 5 (1973); Maros, EJOR 149 (2003); Koberstein, thesis Paderborn (2005). */
+ * - Holds: the pivot row as pairs (variable, alpha) over movable nonbasics, and the candidates among them.
+ * - Order: load() after the row was priced; choose(); flips() and theta are valid until the next load().
+ * - Method: The slope of the dual objective starts at |delta| and falls by alpha * range as break points
+ *   d/alpha are passed; break points are walked in groups of nearly equal ratio; the last group that holds a
+ *   large enough pivot gives the entering variable, all groups before it flip to their other bounds.
+ * - Papers: Harris, Math. Programming 5 (1973); Maros, EJOR 149 (2003); Koberstein, thesis Paderborn (2005).
+ */
 #pragma once
 
 #include <cstdint>

@@ -1,9 +1,10 @@
 /* Choice of the leaving row in the dual simplex: the largest infeasibility^2 / weight.
- * Holds     infeasibility[p] = squared violation of basic p (0 when within tolerance), size m.
- * Modes     dense: every choice scans all rows. Listed: only rows whose merit passes a cut-off are kept in a
- * list; rows are added as their merit grows, and the list is rebuilt when its best falls below the cut-off,
- * so that in a hyper-sparse run no choice looks at all rows. Order     rebuild() after the values were
- * recomputed; set() for every value that an update changed. */
+ *
+ * - Holds: infeasibility[p] = squared violation of basic p (0 when within tolerance), size m.
+ * - Modes: dense: every choice scans all rows. Listed: only rows whose merit passes a cut-off are kept in a
+ *   list; rows are added as their merit grows, and the list is rebuilt when its best falls below the cut-off,
+ *   so that in a hyper-sparse run no choice looks at all rows.
+ * - Order: rebuild() after the values were recomputed; set() for every value that an update changed. */
 #pragma once
 
 #include <algorithm>

@@ -1,10 +1,10 @@
 /* Dual steepest-edge weights.
- * Holds     w[p] = ||row p of B^-1||^2 by basis position (scaled space), at least kFloor.
- * Reads     nothing but its arguments.
- * Order     exact() when a row's exact norm is known; update() once per pivot, before the factor is updated;
- *           save()/restore() around a refactorization, which may permute positions.
- * Trust     exact() compares the stored with the exact norm and answers whether the choice may stand.
- * Paper     Forrest, Goldfarb, Math. Programming 57 (1992). */
+ * - Holds: w[p] = ||row p of B^-1||^2 by basis position (scaled space), at least kFloor. Reads nothing but
+ *   its arguments.
+ * - Order: exact() when a row's exact norm is known; update() once per pivot, before the factor is updated;
+ *   save()/restore() around a refactorization, which may permute positions.
+ * - Trust: exact() compares the stored with the exact norm and answers whether the choice may stand.
+ * - Paper: Forrest, Goldfarb, Math. Programming 57 (1992). */
 #pragma once
 
 #include <cstdint>

@@ -1,15 +1,17 @@
 /* Choice of the entering column in the primal simplex.
  *
- * Holds     weight[j]      squared edge norm of nonbasic j: exact (1 + ||B^-1 a_j||^2), devex in a reference
- * framework, or 1 merit[j]       square of the attractive part of d[j], 0 when j may not enter; merit /
- * weight decides a candidate list with a cut-off: everything outside the list is worth less, so that a
- * hyper-sparse iteration touches only the list and the columns whose d or weight has changed Order start()
- * once a solve; refresh() after d was recomputed; choose(); then, for one basis change, update_weights()
- *           before and touch() after d, move and nonbasic have changed.
- * Trust     update_weights() compares the devex weight with the exact reference weight; too many bad ones
- * reset the framework. Errors    bad_alloc passes through. Papers    Harris, Math. Programming 5 (1973);
- * Forrest, Goldfarb, Math. Programming 57 (1992); Hall, McKinnon, Computational Optimization and Applications
- * 32 (2005). */
+ * - weight[j]: squared edge norm of nonbasic j: exact (1 + ||B^-1 a_j||^2), devex in a reference framework,
+ *   or 1.
+ * - merit[j]: square of the attractive part of d[j], 0 when j may not enter; merit / weight decides.
+ * - Candidates: a list with a cut-off: everything outside the list is worth less, so that a hyper-sparse
+ *   iteration touches only the list and the columns whose d or weight has changed.
+ * - Order: start() once a solve; refresh() after d was recomputed; choose(); then, for one basis change,
+ *   update_weights() before and touch() after d, move and nonbasic have changed.
+ * - Trust: update_weights() compares the devex weight with the exact reference weight; too many bad ones
+ *   reset the framework.
+ * - Errors: bad_alloc passes through.
+ * - Papers: Harris, Math. Programming 5 (1973); Forrest, Goldfarb, Math. Programming 57 (1992); Hall,
+ *   McKinnon, Computational Optimization and Applications 32 (2005). */
 #pragma once
 
 #include <algorithm>

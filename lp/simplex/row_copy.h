@@ -1,9 +1,10 @@
 /* Row-wise copy of the matrix for pricing a row: alpha = rho' A over the columns that may enter.
  *
- * Holds     each row's entries, those of active columns (nonbasic and not fixed) first; active_end[i] is the
- * border. Order     activate(j) / deactivate(j) when a column leaves or enters the basis: O(entries of the
- * column) through a cross index between the column file and the row file. Cost      24 bytes an entry beside
- * the column file. */
+ * - Holds: each row's entries, those of active columns (nonbasic and not fixed) first; active_end[i] is the
+ *   border.
+ * - Order: activate(j) / deactivate(j) when a column leaves or enters the basis: O(entries of the column)
+ *   through a cross index between the column file and the row file.
+ * - Cost: 24 bytes an entry beside the column file. */
 #pragma once
 
 #include <cstdint>

@@ -1,11 +1,12 @@
 /* Sums over the user's model at a point (x, y): the rows' activities A x, the columns' dual sums A'y, the
  * objective.
  *
- * Holds     each sum with the error of every operation carried along, so that it stays as good as a fresh one
- * while single values move: m + n sums of 16 bytes. Order     compute() for a new point; move_x(), move_y(),
- * change_cost() for single differences. Marks     rows() and columns() list what a difference has touched
- * since the last clear_marks(): a row's activity, a column's x, cost or dual sum, a row's y. Cost      of a
- * difference: the entries of the column or row. */
+ * - Holds: each sum with the error of every operation carried along, so that it stays as good as a fresh one
+ *   while single values move: m + n sums of 16 bytes.
+ * - Order: compute() for a new point; move_x(), move_y(), change_cost() for single differences.
+ * - Marks: rows() and columns() list what a difference has touched since the last clear_marks(): a row's
+ * activity, a column's x, cost or dual sum, a row's y.
+ * - Cost: of a difference: the entries of the column or row. */
 #pragma once
 
 #include <cstdint>
