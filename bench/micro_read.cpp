@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
-#include "fileio/model_reader.h"
-#include "fileio/network_file.h"
-#include "fileio/number.h"
+#include "fileio/network/file.h"
+#include "fileio/record/model_reader.h"
+#include "fileio/stream/number.h"
 
 namespace {
 

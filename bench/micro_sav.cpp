@@ -9,8 +9,8 @@
 #include <string>
 
 #include "bench/random_model.h"
-#include "fileio/crc32c.h"
-#include "fileio/sav_file.h"
+#include "fileio/sav/crc32c.h"
+#include "fileio/sav/file.h"
 #include "tests/support/text_sink.h"
 
 namespace {

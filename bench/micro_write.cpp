@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "bench/random_model.h"
-#include "fileio/model_writer.h"
-#include "fileio/number_text.h"
+#include "fileio/record/model_writer.h"
+#include "fileio/stream/number_text.h"
 
 namespace {
 

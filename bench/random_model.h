@@ -7,10 +7,10 @@
 #include <string>
 #include <string_view>
 
-#include "fileio/model_reader.h"
-#include "fileio/output.h"
-#include "model/load.h"
-#include "model/model.h"
+#include "fileio/record/model_reader.h"
+#include "fileio/stream/output.h"
+#include "model/store/load.h"
+#include "model/store/model.h"
 
 namespace bench {
 

@@ -11,7 +11,7 @@
 #include <optional>
 #include <string>
 
-#include "library.h"
+#include "cli/library.h"
 
 namespace tovik::cli {
 

@@ -1,9 +1,9 @@
-#include "display.h"
+#include "cli/display.h"
 
 #include <system_error>
 
-#include "console.h"
-#include "input.h"
+#include "cli/console.h"
+#include "cli/input.h"
 
 namespace tovik::cli {
 

@@ -1,8 +1,8 @@
 /* The verb `display`: a model in a few lines, or those of its items whose names fit a pattern. */
 #pragma once
 
-#include "library.h"
-#include "options.h"
+#include "cli/library.h"
+#include "cli/options.h"
 
 namespace tovik::cli {
 

@@ -1,4 +1,4 @@
-#include "input.h"
+#include "cli/input.h"
 
 #include <unistd.h>
 

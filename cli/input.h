@@ -5,7 +5,7 @@
 #include <memory>
 #include <string>
 
-#include "library.h"
+#include "cli/library.h"
 
 namespace tovik::cli {
 

@@ -1,4 +1,4 @@
-#include "library.h"
+#include "cli/library.h"
 
 #include <array>
 

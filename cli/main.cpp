@@ -3,18 +3,18 @@
 #include <exception>
 #include <mutex>
 
-#include "console.h"
-#include "display.h"
-#include "files.h"
-#include "input.h"
-#include "library.h"
-#include "lint.h"
-#include "options.h"
-#include "parameters.h"
-#include "report.h"
-#include "signals.h"
-#include "solve.h"
-#include "verify_run.h"
+#include "cli/check/lint.h"
+#include "cli/console.h"
+#include "cli/display.h"
+#include "cli/input.h"
+#include "cli/library.h"
+#include "cli/options.h"
+#include "cli/parameters.h"
+#include "cli/signals.h"
+#include "cli/solve/files.h"
+#include "cli/solve/report.h"
+#include "cli/solve/solve.h"
+#include "cli/verify/run.h"
 
 namespace tovik::cli {
 

@@ -1,4 +1,4 @@
-#include "model_data.h"
+#include "cli/model_data.h"
 
 #include <cmath>
 #include <limits>

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "library.h"
+#include "cli/library.h"
 
 namespace tovik::cli {
 

@@ -6,7 +6,7 @@
 #include <variant>
 #include <vector>
 
-#include "outcome.h"
+#include "cli/outcome.h"
 
 namespace tovik::cli {
 

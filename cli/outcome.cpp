@@ -1,4 +1,4 @@
-#include "outcome.h"
+#include "cli/outcome.h"
 
 #include <sys/resource.h>
 

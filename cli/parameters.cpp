@@ -1,4 +1,4 @@
-#include "parameters.h"
+#include "cli/parameters.h"
 
 #include <algorithm>
 #include <array>

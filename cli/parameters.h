@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "library.h"
-#include "options.h"
+#include "cli/library.h"
+#include "cli/options.h"
 
 namespace tovik::cli {
 

@@ -1,4 +1,4 @@
-#include "text.h"
+#include "cli/text.h"
 
 #include <array>
 #include <cstdarg>

@@ -2,9 +2,9 @@
  * tests/fileio/corpus/basis. */
 #include <algorithm>
 
-#include "fileio/basis_file.h"
-#include "fileio/order_file.h"
-#include "fileio/vector_values.h"
+#include "fileio/basis/basis_file.h"
+#include "fileio/basis/order_file.h"
+#include "fileio/basis/vector_values.h"
 #include "fuzz/reader_harness.h"
 #include "fuzz/small_model.h"
 

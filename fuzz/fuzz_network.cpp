@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <string>
 
-#include "fileio/network_file.h"
+#include "fileio/network/file.h"
 #include "fuzz/reader_harness.h"
 #include "tests/support/text_sink.h"
 

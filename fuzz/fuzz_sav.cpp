@@ -6,8 +6,8 @@
 #include <algorithm>
 #include <string>
 
-#include "fileio/crc32c.h"
-#include "fileio/sav_file.h"
+#include "fileio/sav/crc32c.h"
+#include "fileio/sav/file.h"
 #include "fuzz/reader_harness.h"
 #include "tests/support/text_sink.h"
 

@@ -1,6 +1,6 @@
 /* Feeds bytes to the reader of solution and MIP-start files, and checks what it promises. Seeds:
  * tests/fileio/corpus/solution. */
-#include "fileio/solution_file.h"
+#include "fileio/xml/solution_file.h"
 #include "fuzz/reader_harness.h"
 #include "fuzz/small_model.h"
 

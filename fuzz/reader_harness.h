@@ -8,7 +8,7 @@
 #include <cstdlib>
 #include <string_view>
 
-#include "fileio/model_reader.h"
+#include "fileio/record/model_reader.h"
 #include "include/tovik.h"
 
 namespace tovik::fileio::fuzz {

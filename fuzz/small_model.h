@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "model/load.h"
+#include "model/store/load.h"
 
 namespace tovik::fileio::fuzz {
 

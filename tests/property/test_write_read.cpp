@@ -14,11 +14,11 @@
 #include <span>
 #include <string>
 
-#include "fileio/file_families.h"
-#include "fileio/model_reader.h"
-#include "fileio/model_writer.h"
-#include "fileio/sav_file.h"
-#include "model/load.h"
+#include "fileio/record/file_families.h"
+#include "fileio/record/model_reader.h"
+#include "fileio/record/model_writer.h"
+#include "fileio/sav/file.h"
+#include "model/store/load.h"
 #include "support/text_sink.h"
 
 namespace {

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "fileio/output.h"
+#include "fileio/stream/output.h"
 
 namespace support {
 

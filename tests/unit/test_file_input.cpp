@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
-#include "fileio/name_table.h"
-#include "fileio/number.h"
-#include "fileio/stream.h"
+#include "fileio/record/name_table.h"
+#include "fileio/stream/number.h"
+#include "fileio/stream/stream.h"
 
 namespace {
 

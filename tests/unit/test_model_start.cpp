@@ -3,9 +3,9 @@
 #include <functional>
 
 #include "env/handles.h"
-#include "model/default_names.h"
-#include "model/load.h"
-#include "model/model.h"
+#include "model/store/default_names.h"
+#include "model/store/load.h"
+#include "model/store/model.h"
 #include "support/model_fixture.h"
 
 namespace {

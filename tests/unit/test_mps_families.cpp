@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <string>
 
-#include "fileio/model_reader.h"
+#include "fileio/record/model_reader.h"
 
 namespace {
 

@@ -10,7 +10,7 @@
 #include <random>
 #include <string>
 
-#include "fileio/number_text.h"
+#include "fileio/stream/number_text.h"
 
 namespace {
 

@@ -5,9 +5,9 @@
 #include <limits>
 #include <string>
 
-#include "fileio/crc32c.h"
-#include "fileio/sav_file.h"
-#include "fileio/sav_output.h"
+#include "fileio/sav/crc32c.h"
+#include "fileio/sav/file.h"
+#include "fileio/sav/output.h"
 #include "include/tovik.h"
 #include "support/text_sink.h"
 

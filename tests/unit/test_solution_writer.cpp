@@ -2,8 +2,8 @@
  * of indicator and quadratic constraints. */
 #include <gtest/gtest.h>
 
-#include "fileio/solution_file.h"
-#include "model/load.h"
+#include "fileio/xml/solution_file.h"
+#include "model/store/load.h"
 #include "support/text_sink.h"
 
 namespace {

@@ -5,7 +5,7 @@
 #include <random>
 #include <vector>
 
-#include "model/vector_file.h"
+#include "model/base/vector_file.h"
 
 namespace {
 

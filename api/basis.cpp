@@ -1,0 +1,285 @@
+/* The exported routines around a basis: statuses, norms, factor, tableau, rays, sensitivity, quality,
+ * asked-for pivots. */
+#include <algorithm>
+
+#include "api/optimizer_frame.h"
+#include "env/entry.h"
+#include "include/tovik.h"
+#include "lp/basis_query/pivoting.h"
+#include "lp/basis_query/quality.h"
+#include "lp/basis_query/sensitivity.h"
+#include "lp/run/basis_view.h"
+#include "lp/run/method.h"
+#include "lp/run/start_basis.h"
+#include "model/store/model.h"
+
+using namespace tovik;
+using namespace tovik::lp::dispatch;
+
+namespace {
+
+/* begin..end within 0..count-1, with the explaining lines of a bad range. */
+Status check_range(Environment& env, const char* routine, int begin, int end, int count) {
+  if (begin >= 0 && end <= count - 1) return {};
+  if (begin < 0) (void)fail(env, 1205, routine, begin, 0);
+  if (end > count - 1) (void)fail(env, 1206, routine, end, count - 1);
+  return Status(1200);
+}
+
+template <class Each>
+Status sensitivity_range(Environment& env, Problem& problem, const char* routine, int begin, int end,
+                         int count, Each each) {
+  if (const Status status = check_range(env, routine, begin, end, count); !status.ok()) return status;
+  Sensitivity sensitivity;
+  if (const Status status = sensitivity.open(env, problem); !status.ok()) return status;
+  for (int k = begin; k <= end; ++k) each(sensitivity, k, k - begin);
+  return {};
+}
+
+void put(double* array, int k, double value) {
+  if (array != nullptr) array[k] = value;
+}
+
+void copy_out(const std::vector<double>& values, double* out) {
+  std::copy(values.begin(), values.end(), out);
+}
+
+}  // namespace
+
+int TVKgetbase(ConstEnvHandle env, ConstProbHandle lp, int* cstat, int* rstat) {
+  return with_problem(env, lp, [&](Environment&, Problem& p) { return get_base(p, cstat, rstat); });
+}
+
+int TVKcopybase(ConstEnvHandle env, ProbHandle lp, const int* cstat, const int* rstat) {
+  return with_problem(env, lp, [&](Environment& e, Problem& p) -> Status {
+    if (cstat == nullptr || rstat == nullptr) return Status(1004);
+    StartArrays arrays;
+    arrays.column_status = cstat;
+    arrays.row_status = rstat;
+    return copy_start(e, p, arrays);
+  });
+}
+
+int TVKcopystart(ConstEnvHandle env, ProbHandle lp, const int* cstat, const int* rstat, const double* cprim,
+                 const double* rprim, const double* cdual, const double* rdual) {
+  return with_problem(env, lp, [&](Environment& e, Problem& p) {
+    return copy_start(e, p, {cstat, rstat, cprim, rprim, cdual, rdual});
+  });
+}
+
+int TVKgetdnorms(ConstEnvHandle env, ConstProbHandle lp, double* norm, int* head, int* len_p) {
+  return with_problem(env, lp,
+                      [&](Environment&, Problem& p) { return get_dual_norms(p, norm, head, len_p); });
+}
+
+int TVKcopydnorms(ConstEnvHandle env, ProbHandle lp, const double* norm, const int* head, int len) {
+  return with_problem(env, lp, [&](Environment&, Problem& p) { return copy_dual_norms(p, norm, head, len); });
+}
+
+int TVKcopybasednorms(ConstEnvHandle env, ProbHandle lp, const int* cstat, const int* rstat,
+                      const double* dnorm) {
+  return with_problem(env, lp, [&](Environment& e, Problem& p) -> Status {
+    if (cstat == nullptr || rstat == nullptr || dnorm == nullptr) return Status(1004);
+    std::vector<int> head;
+    for (int j = 0; j < p.model->num_columns(); ++j) {
+      if (cstat[j] == 1) head.push_back(j);
+    }
+    for (int i = 0; i < p.model->num_rows(); ++i) {
+      if (rstat[i] == 1) head.push_back(-i - 1);
+    }
+    StartArrays arrays;
+    arrays.column_status = cstat;
+    arrays.row_status = rstat;
+    if (static_cast<int>(head.size()) != p.model->num_rows()) return Status(1003);
+    if (const Status status = copy_start(e, p, arrays); !status.ok()) return status;
+    return copy_dual_norms(p, dnorm, head.data(), static_cast<int>(head.size()));
+  });
+}
+
+int TVKgetbasehead(ConstEnvHandle env, ConstProbHandle lp, int* head, double* x) {
+  return with_problem(env, lp, [&](Environment& e, Problem& p) -> Status {
+    if (head == nullptr && x == nullptr) return Status(1004);
+    BasisView view;
+    if (const Status status = view.open_for_query(e, p); !status.ok()) return status;
+    for (int k = 0; k < view.rows(); ++k) {
+      if (head != nullptr) head[k] = view.head(k);
+      if (x != nullptr) x[k] = view.value(k);
+    }
+    return {};
+  });
+}
+
+int TVKgetbaseinvrow(ConstEnvHandle env, ConstProbHandle lp, int position, double* row) {
+  return with_problem(env, lp, [&](Environment& e, Problem& p) -> Status {
+    if (row == nullptr) return Status(1004);
+    if (position < 0 || position >= p.model->num_rows()) return fail(e, 1203, position);
+    BasisView view;
+    if (const Status status = view.open_for_query(e, p); !status.ok()) return status;
+    std::vector<double> result;
+    view.inverse_row(position, result);
+    copy_out(result, row);
+    return {};
+  });
+}
+
+int TVKgetbaseinvcol(ConstEnvHandle env, ConstProbHandle lp, int i, double* column) {
+  return with_problem(env, lp, [&](Environment& e, Problem& p) -> Status {
+    if (column == nullptr) return Status(1004);
+    if (i < 0 || i >= p.model->num_rows()) return fail(e, 1203, i);
+    BasisView view;
+    if (const Status status = view.open_for_query(e, p); !status.ok()) return status;
+    std::vector<double> result;
+    view.solve(view.column(p.model->num_columns() + i), result);
+    copy_out(result, column);
+    return {};
+  });
+}
+
+int TVKgettableaurow(ConstEnvHandle env, ConstProbHandle lp, int position, double* columns, double* slacks) {
+  return with_problem(env, lp, [&](Environment& e, Problem& p) -> Status {
+    if (columns == nullptr && slacks == nullptr) return Status(1004);
+    if (position < 0 || position >= p.model->num_rows()) return fail(e, 1203, position);
+    BasisView view;
+    if (const Status status = view.open_for_query(e, p); !status.ok()) return status;
+    std::vector<double> row, alpha;
+    view.inverse_row(position, row);
+    if (slacks != nullptr) copy_out(row, slacks);
+    if (columns != nullptr) {
+      view.row_times_matrix(row, alpha);
+      copy_out(alpha, columns);
+    }
+    return {};
+  });
+}
+
+int TVKgettableaucol(ConstEnvHandle env, ConstProbHandle lp, int j, double* column) {
+  return with_problem(env, lp, [&](Environment& e, Problem& p) -> Status {
+    if (column == nullptr) return Status(1004);
+    if (j < 0 || j >= p.model->num_columns()) return fail(e, 1201, j);
+    BasisView view;
+    if (const Status status = view.open_for_query(e, p); !status.ok()) return status;
+    std::vector<double> result;
+    view.solve(view.column(j), result);
+    copy_out(result, column);
+    return {};
+  });
+}
+
+int TVKftran(ConstEnvHandle env, ConstProbHandle lp, double* vector) {
+  return with_problem(env, lp, [&](Environment& e, Problem& p) -> Status {
+    if (vector == nullptr) return Status(1004);
+    BasisView view;
+    if (const Status status = view.open_for_query(e, p); !status.ok()) return status;
+    std::vector<double> result;
+    view.solve(std::vector<double>(vector, vector + view.rows()), result);
+    copy_out(result, vector);
+    return {};
+  });
+}
+
+int TVKbtran(ConstEnvHandle env, ConstProbHandle lp, double* vector) {
+  return with_problem(env, lp, [&](Environment& e, Problem& p) -> Status {
+    if (vector == nullptr) return Status(1004);
+    BasisView view;
+    if (const Status status = view.open_for_query(e, p); !status.ok()) return status;
+    std::vector<double> result;
+    view.solve_transposed(std::vector<double>(vector, vector + view.rows()), result);
+    copy_out(result, vector);
+    return {};
+  });
+}
+
+int TVKgetray(ConstEnvHandle env, ConstProbHandle lp, double* ray) {
+  return with_problem(env, lp, [&](Environment&, Problem& p) -> Status {
+    if (ray == nullptr) return Status(1004);
+    if (p.status != 2 || p.solution == nullptr || p.solution->ray.empty()) return Status(1254);
+    copy_out(p.solution->ray, ray);
+    return {};
+  });
+}
+
+int TVKgetfarkas(ConstEnvHandle env, ConstProbHandle lp, double* y, double* proof_p) {
+  return with_problem(env, lp, [&](Environment&, Problem& p) -> Status {
+    if (y == nullptr && proof_p == nullptr) return Status(1004);
+    if (p.status != 3 || p.solution == nullptr || !(p.solution->farkas_gap > 0)) return Status(1265);
+    if (y != nullptr) copy_out(p.solution->farkas, y);
+    if (proof_p != nullptr) *proof_p = p.solution->farkas_gap;
+    return {};
+  });
+}
+
+int TVKgetobjsens(ConstEnvHandle env, ConstProbHandle lp, int begin, int end, double* lower, double* upper) {
+  return with_problem(env, lp, [&](Environment& e, Problem& p) -> Status {
+    if (lower == nullptr && upper == nullptr) return Status(1004);
+    return sensitivity_range(e, p, "TVKgetobjsens", begin, end, p.model->num_columns(),
+                             [&](Sensitivity& s, int j, int k) {
+                               const Interval range = s.cost(j);
+                               put(lower, k, range.lower);
+                               put(upper, k, range.upper);
+                             });
+  });
+}
+
+int TVKgetrhssens(ConstEnvHandle env, ConstProbHandle lp, int begin, int end, double* lower, double* upper) {
+  return with_problem(env, lp, [&](Environment& e, Problem& p) -> Status {
+    if (lower == nullptr && upper == nullptr) return Status(1004);
+    return sensitivity_range(e, p, "TVKgetrhssens", begin, end, p.model->num_rows(),
+                             [&](Sensitivity& s, int i, int k) {
+                               const Interval range = s.rhs(i);
+                               put(lower, k, range.lower);
+                               put(upper, k, range.upper);
+                             });
+  });
+}
+
+int TVKgetboundsens(ConstEnvHandle env, ConstProbHandle lp, int begin, int end, double* lblower,
+                    double* lbupper, double* ublower, double* ubupper) {
+  return with_problem(env, lp, [&](Environment& e, Problem& p) -> Status {
+    if (!lblower && !lbupper && !ublower && !ubupper) return Status(1004);
+    return sensitivity_range(e, p, "TVKgetboundsens", begin, end, p.model->num_columns(),
+                             [&](Sensitivity& s, int j, int k) {
+                               const Interval low = s.lower_bound(j);
+                               const Interval high = s.upper_bound(j);
+                               put(lblower, k, low.lower);
+                               put(lbupper, k, low.upper);
+                               put(ublower, k, high.lower);
+                               put(ubupper, k, high.upper);
+                             });
+  });
+}
+
+int TVKgetquality(ConstEnvHandle env, ConstProbHandle lp, int what, double* value_p, int* index_p) {
+  return with_problem(env, lp, [&](Environment& e, Problem& p) -> Status {
+    if (value_p == nullptr) return Status(1004);
+    Measure measure;
+    if (const Status status = measure_quality(e, p, what, &measure); !status.ok()) return status;
+    *value_p = measure.value;
+    if (index_p != nullptr) *index_p = measure.index;
+    return {};
+  });
+}
+
+int TVKpivotin(ConstEnvHandle env, ProbHandle lp, const int* rlist, int rlen) {
+  return with_problem(env, lp, [&](Environment& e, Problem& p) -> Status {
+    if (const Status status = check_continuous(p); !status.ok()) return status;
+    const OptimizerFrame frame(e);
+    return pivot_in(e, p, rlist, rlen);
+  });
+}
+
+int TVKpivotout(ConstEnvHandle env, ProbHandle lp, const int* clist, int clen) {
+  return with_problem(env, lp, [&](Environment& e, Problem& p) -> Status {
+    if (const Status status = check_continuous(p); !status.ok()) return status;
+    const OptimizerFrame frame(e);
+    return pivot_out(e, p, clist, clen);
+  });
+}
+
+int TVKstrongbranch(ConstEnvHandle env, ProbHandle lp, const int* indices, int cnt, double* downobj,
+                    double* upobj, int itlim) {
+  return with_problem(env, lp, [&](Environment& e, Problem& p) -> Status {
+    if (const Status status = check_continuous(p); !status.ok()) return status;
+    const OptimizerFrame frame(e);
+    return strong_branch(e, p, {indices, cnt, downobj, upobj, itlim});
+  });
+}

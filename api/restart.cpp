@@ -1,0 +1,53 @@
+/* Restart files. */
+#include "env/entry.h"
+#include "fileio/sav/saved_problem.h"
+#include "lp/run/start_basis.h"
+
+using namespace tovik;
+
+namespace {
+
+/* Norms of the live basis or stored ones; none when there are none. */
+Norms norms_of(Problem& problem) {
+  Norms norms;
+  norms.dual.resize(problem.rows());
+  norms.head.resize(problem.rows());
+  int length = 0;
+  const bool held = problem.rows() != 0 &&
+                    lp::dispatch::get_dual_norms(problem, norms.dual.data(), norms.head.data(), &length).ok();
+  norms.dual.resize(held ? static_cast<std::size_t>(length) : 0);
+  norms.head.resize(norms.dual.size());
+  return norms;
+}
+
+/* Tells how the load went, on the channel where that is looked for. */
+int told(ConstEnvHandle env, int code) {
+  Environment* environment = nullptr;
+  if (check_handles(env, &environment) != 0) return code;
+  static_cast<void>(guarded([&]() -> Status {
+    if (code == 0) {
+      message(environment->results_channel, "Load of restart from file succeeded.\n");
+    } else {
+      message(environment->error_channel, "Load of restart from file failed.\n");
+    }
+    return {};
+  }));
+  return code;
+}
+
+}  // namespace
+
+int TVKwriterestart(ConstEnvHandle env, ConstProbHandle lp, const char* filename) {
+  return with_problem(env, lp, [&](Environment& environment, Problem& problem) -> Status {
+    if (filename == nullptr || filename[0] == '\0') return TVK_ERROR_NO_FILE_NAME;
+    update_solution(problem);
+    return fileio::write_restart(environment, problem, norms_of(problem), filename);
+  });
+}
+
+int TVKreadcopyrestart(ConstEnvHandle env, ProbHandle lp, const char* filename) {
+  return told(env, with_problem(env, lp, [&](Environment& environment, Problem& problem) -> Status {
+                if (filename == nullptr) return TVK_ERROR_NULL_POINTER;
+                return fileio::read_restart(environment, problem, filename);
+              }));
+}

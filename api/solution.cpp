@@ -1,0 +1,179 @@
+/* Solution query: status, objective, vectors, method, counters. */
+#include <algorithm>
+
+#include "env/entry.h"
+#include "env/solution_access.h"
+#include "model/routines/check.h"
+
+using namespace tovik;
+
+namespace {
+
+void copy_all(const std::vector<double>& from, double* to) {
+  if (to != nullptr) std::copy(from.begin(), from.end(), to);
+}
+
+template <class Value>
+void store(Value* to, Value value) {
+  if (to != nullptr) *to = value;
+}
+
+enum class Of { rows, columns };
+
+struct Query {
+  const char* routine;
+  Of of;
+  Wanted wanted;
+  const std::vector<double> Solution::*vector;
+};
+
+/* Entries begin..end of one vector of the solution. */
+int get_vector(ConstEnvHandle env, ConstProbHandle lp, const Query& query, double* out, int begin, int end) {
+  return with_problem(env, lp, [&](Environment& e, Problem& problem) -> Status {
+    if (out == nullptr) return TVK_ERROR_NULL_POINTER;
+    update_solution(problem);
+    const std::size_t count = query.of == Of::rows ? problem.rows() : problem.columns();
+    Status status = model::check_range(e, query.routine, begin, end, static_cast<int>(count));
+    if (!status.ok()) return status;
+    const Solution* solution = find_solution(problem, query.wanted, status);
+    if (solution == nullptr) return status;
+    const std::vector<double>& values = solution->*query.vector;
+    if (begin <= end) std::copy(values.begin() + begin, values.begin() + end + 1, out);
+    return 0;
+  });
+}
+
+/* A counter of the last optimization; it survives changes of the model. */
+int get_counter(ConstEnvHandle env, ConstProbHandle lp, int Solution::*counter) {
+  int value = 0;
+  with_problem(env, lp, [&](Environment&, Problem& problem) -> Status {
+    update_solution(problem);
+    if (problem.solution) value = (*problem.solution).*counter;
+    return 0;
+  });
+  return value;
+}
+
+/* 1 basic, 2 primal and dual values, 3 primal values only */
+int solution_type(const Problem& problem) {
+  if (problem.mixed_integer() || !has_duals(problem)) return 3;
+  return problem.solution->has_basis ? 1 : 2;
+}
+
+}  // namespace
+
+int TVKgetstat(ConstEnvHandle env, ConstProbHandle lp) {
+  int stat = 0;
+  with_problem(env, lp, [&](Environment&, Problem& problem) -> Status {
+    update_solution(problem);
+    stat = problem.status;
+    return 0;
+  });
+  return stat;
+}
+
+int TVKsolution(ConstEnvHandle env, ConstProbHandle lp, int* lpstat_p, double* objval_p, double* x,
+                double* pi, double* slack, double* dj) {
+  return with_problem(env, lp, [&](Environment&, Problem& problem) -> Status {
+    update_solution(problem);
+    Status why;
+    const Solution* solution = nullptr;
+    if (pi != nullptr || dj != nullptr) {
+      solution = find_solution(problem, Wanted::duals, why);
+    } else if (x != nullptr || slack != nullptr) {
+      solution = find_solution(problem, Wanted::values, why);
+    } else {
+      solution = find_solution(problem, Wanted::any, why);
+    }
+    if (solution == nullptr) return why;
+    store(lpstat_p, problem.status);
+    store(objval_p, solution->objective);
+    copy_all(solution->x, x);
+    copy_all(solution->pi, pi);
+    copy_all(solution->slack, slack);
+    copy_all(solution->dj, dj);
+    return 0;
+  });
+}
+
+int TVKsolninfo(ConstEnvHandle env, ConstProbHandle lp, int* solnmethod_p, int* solntype_p, int* pfeasind_p,
+                int* dfeasind_p) {
+  return with_problem(env, lp, [&](Environment&, Problem& problem) -> Status {
+    update_solution(problem);
+    Status why;
+    const Solution* solution = find_solution(problem, Wanted::any, why);
+    store(solnmethod_p, solution != nullptr ? solution->method : -1);
+    store(solntype_p, solution != nullptr ? solution_type(problem) : 0);
+    store(pfeasind_p, solution != nullptr && solution->primal_feasible ? 1 : 0);
+    store(dfeasind_p, solution != nullptr && solution->dual_feasible ? 1 : 0);
+    return 0;
+  });
+}
+
+int TVKgetobjval(ConstEnvHandle env, ConstProbHandle lp, double* objval_p) {
+  return with_problem(env, lp, [&](Environment&, Problem& problem) -> Status {
+    if (objval_p == nullptr) return TVK_ERROR_NULL_POINTER;
+    update_solution(problem);
+    Status why;
+    const Solution* solution = find_solution(problem, Wanted::any, why);
+    if (solution == nullptr) return why;
+    *objval_p = solution->objective;
+    return 0;
+  });
+}
+
+int TVKgetx(ConstEnvHandle env, ConstProbHandle lp, double* x, int begin, int end) {
+  return get_vector(env, lp, {"TVKgetx", Of::columns, Wanted::values, &Solution::x}, x, begin, end);
+}
+
+int TVKgetpi(ConstEnvHandle env, ConstProbHandle lp, double* pi, int begin, int end) {
+  return get_vector(env, lp, {"TVKgetpi", Of::rows, Wanted::duals, &Solution::pi}, pi, begin, end);
+}
+
+int TVKgetslack(ConstEnvHandle env, ConstProbHandle lp, double* slack, int begin, int end) {
+  return get_vector(env, lp, {"TVKgetslack", Of::rows, Wanted::values, &Solution::slack}, slack, begin, end);
+}
+
+int TVKgetdj(ConstEnvHandle env, ConstProbHandle lp, double* dj, int begin, int end) {
+  return get_vector(env, lp, {"TVKgetdj", Of::columns, Wanted::duals, &Solution::dj}, dj, begin, end);
+}
+
+int TVKgetmethod(ConstEnvHandle env, ConstProbHandle lp) {
+  int method = 0;
+  with_problem(env, lp, [&](Environment&, Problem& problem) -> Status {
+    update_solution(problem);
+    Status why;
+    const Solution* solution = find_solution(problem, Wanted::any, why);
+    if (solution != nullptr) method = solution->method;
+    return why;
+  });
+  return method;
+}
+
+int TVKgetitcnt(ConstEnvHandle env, ConstProbHandle lp) {
+  return get_counter(env, lp, &Solution::iterations);
+}
+
+int TVKgetphase1cnt(ConstEnvHandle env, ConstProbHandle lp) {
+  return get_counter(env, lp, &Solution::phase1_iterations);
+}
+
+int TVKgetbaritcnt(ConstEnvHandle env, ConstProbHandle lp) {
+  return get_counter(env, lp, &Solution::barrier_iterations);
+}
+
+int TVKgetcrossppushcnt(ConstEnvHandle env, ConstProbHandle lp) {
+  return get_counter(env, lp, &Solution::crossover_primal_pushes);
+}
+
+int TVKgetcrosspexchcnt(ConstEnvHandle env, ConstProbHandle lp) {
+  return get_counter(env, lp, &Solution::crossover_primal_exchanges);
+}
+
+int TVKgetcrossdpushcnt(ConstEnvHandle env, ConstProbHandle lp) {
+  return get_counter(env, lp, &Solution::crossover_dual_pushes);
+}
+
+int TVKgetcrossdexchcnt(ConstEnvHandle env, ConstProbHandle lp) {
+  return get_counter(env, lp, &Solution::crossover_dual_exchanges);
+}

@@ -1,0 +1,79 @@
+#include "cli/solve/files.h"
+
+#include <functional>
+#include <system_error>
+
+#include "cli/input.h"
+
+namespace tovik::cli {
+
+namespace {
+
+/* Runs one routine of the library for a file, whose name goes before what it has to say. */
+void with_label(const Workplace& place, const std::string& file, const std::function<int()>& routine) {
+  place.console.set_label(file);
+  place.environment.check(routine());
+  place.console.set_label("");
+}
+
+}  // namespace
+
+void read_starts(const Workplace& place, const Model& model) {
+  const Options& options = place.options;
+  EnvHandle env = place.environment.handle();
+  if (!options.basis_file.empty()) {
+    with_label(place, options.basis_file,
+               [&] { return TVKreadcopybase(env, model.handle(), options.basis_file.c_str()); });
+  }
+  if (!options.start_file.empty()) {
+    with_label(place, options.start_file,
+               [&] { return TVKreadcopymipstart(env, model.handle(), options.start_file.c_str()); });
+  }
+}
+
+void write_model(const Workplace& place, const Model& model, Outcome& outcome) {
+  const std::string& file = place.options.model_file;
+  if (file.empty()) return;
+  with_label(place, file,
+             [&] { return TVKwriteprob(place.environment.handle(), model.handle(), file.c_str(), nullptr); });
+  outcome.written.push_back(file);
+}
+
+void write_results(const Workplace& place, const Model& model, Outcome& outcome) {
+  const Options& options = place.options;
+  EnvHandle env = place.environment.handle();
+  if (!options.solution_file.empty() && outcome.has_values) {
+    with_label(place, options.solution_file,
+               [&] { return TVKsolwrite(env, model.handle(), options.solution_file.c_str()); });
+    outcome.written.push_back(options.solution_file);
+  } else if (!options.solution_file.empty()) {
+    place.console.complain("tovik: no solution to write to " + options.solution_file);
+  }
+  if (options.new_basis_file.empty()) return;
+  with_label(place, options.new_basis_file,
+             [&] { return TVKmbasewrite(env, model.handle(), options.new_basis_file.c_str()); });
+  outcome.written.push_back(options.new_basis_file);
+}
+
+ExitStatus convert(const Environment& environment, const Options& options) {
+  Console console(environment, stderr, Shown::said);
+  const std::string &from = options.models[0], &to = options.models[1];
+  bool reading = true;
+  try {
+    const Model model(environment, from);
+    console.set_label(from == "-" ? "standard input" : from);
+    read_model_file(model, from);
+    if (from == "-") environment.check(TVKchgprobname(environment.handle(), model.handle(), "stdin"));
+    reading = false;
+    console.set_label(to);
+    environment.check(TVKwriteprob(environment.handle(), model.handle(), to.c_str(), nullptr));
+    return ExitStatus::solved;
+  } catch (const LibraryError& error) {
+    return reading ? exit_status_of_read_error(error.code) : exit_status_of_write_error(error.code);
+  } catch (const std::system_error& error) {
+    console.complain(error.what());
+    return ExitStatus::bad_input;
+  }
+}
+
+}  // namespace tovik::cli

@@ -1,0 +1,137 @@
+#include "cli/solve/report.h"
+
+#include <cmath>
+#include <nlohmann/json.hpp>
+
+#include "cli/text.h"
+
+namespace tovik::cli {
+
+namespace {
+
+/* "rows 1.2e-09 (R17)": an amount and the name of its place. */
+template <class NameOf>
+std::string worst(const char* what, const Worst& place, NameOf name_of) {
+  std::string text = format("%s %.2g", what, place.amount);
+  return place.index < 0 ? text : text + " (" + name_of(place.index) + ")";
+}
+
+std::string checked_line(const Model& model, const Violations& violations) {
+  const auto row = [&model](int i) { return model.row_name(i); };
+  const auto column = [&model](int j) { return model.column_name(j); };
+  std::string line =
+      "Checked     " + worst("rows", violations.row, row) + ", " + worst("bounds", violations.bound, column);
+  if (violations.has_integers) line += ", " + worst("integers", violations.integrality, column);
+  if (violations.has_duals) {
+    line += violations.dual_row.amount > violations.dual_column.amount
+                ? ", " + worst("duals", violations.dual_row, row)
+                : ", " + worst("duals", violations.dual_column, column);
+  }
+  if (violations.failed)
+    line += format("; objective %.2g\n            FAILED: more than the tolerances allow",
+                   violations.objective_difference);
+  return line + "\n";
+}
+
+std::string work_line(const Outcome& outcome) {
+  std::string line = format("Work        %.2f s", outcome.solve_seconds.value_or(0));
+  if (outcome.nodes) line += ", " + counted(*outcome.nodes, "node");
+  if (outcome.simplex_iterations) line += ", " + counted(*outcome.simplex_iterations, "iteration");
+  if (outcome.barrier_iterations.value_or(0) > 0)
+    line += ", " + counted(*outcome.barrier_iterations, "barrier iteration");
+  if (!outcome.method.empty()) line += ", " + outcome.method;
+  if (outcome.threads) line += ", " + counted(*outcome.threads, "thread");
+  return line + format(", %.0f MB\n", outcome.peak_memory_mb);
+}
+
+using Json = nlohmann::ordered_json;
+
+Json number(const std::optional<double>& value) {
+  return value && std::isfinite(*value) ? Json(*value) : Json(nullptr);
+}
+Json number(const std::optional<int>& value) {
+  return value ? Json(*value) : Json(nullptr);
+}
+Json text(const std::string& value) {
+  return value.empty() ? Json(nullptr) : Json(value);
+}
+
+}  // namespace
+
+std::string size_line(const Outcome& outcome) {
+  return outcome.file + ": " + type_name(outcome.problem_type.value_or(-1)) + ", " +
+         counted(outcome.rows.value_or(0), "row") + ", " + counted(outcome.columns.value_or(0), "column") +
+         ", " + counted(outcome.nonzeros.value_or(0), "nonzero") +
+         format(", read in %.2f s\n", outcome.read_seconds.value_or(0));
+}
+
+std::string closing_block(const Model& model, const Outcome& outcome) {
+  std::string block =
+      format("\nStatus      %s (%d)\n", outcome.status_text.c_str(), outcome.status.value_or(0));
+  if (outcome.objective) block += format("Objective   %.12g\n", *outcome.objective);
+  if (outcome.best_bound && model.mixed_integer()) {
+    block += format("Bound       %.12g, gap %.2g %%\n", *outcome.best_bound, 100 * outcome.gap.value_or(NAN));
+  }
+  if (outcome.violations) block += checked_line(model, *outcome.violations);
+  block += work_line(outcome);
+  for (const std::string& file : outcome.written) block += "Written     " + file + "\n";
+  return block;
+}
+
+std::string value_table(const Model& model, const Outcome& outcome, bool with_rows) {
+  const bool duals = outcome.violations && outcome.violations->has_duals;
+  const auto section = [duals](const char* head, const char* dual_head, const std::vector<std::string>& names,
+                               const std::vector<double>& values, const std::vector<double>& dual_values) {
+    std::string lines =
+        format("\n%-24s %20s", head, "value") + (duals ? format(" %20s", dual_head) : "") + "\n";
+    for (std::size_t k = 0; k < names.size(); ++k) {
+      lines += names[k] + std::string(names[k].size() < 24 ? 24 - names[k].size() : 0, ' ') +
+               format(" %20.12g", values[k]);
+      lines += (duals ? format(" %20.12g", dual_values[k]) : "") + "\n";
+    }
+    return lines;
+  };
+  const int columns = model.columns(), rows = model.rows();
+  std::string table =
+      section("Column", "reduced cost", model.column_names(), model.all<double>(TVKgetx, columns),
+              duals ? model.all<double>(TVKgetdj, columns) : std::vector<double>());
+  if (with_rows && rows > 0) {
+    table += section("Row", "dual value", model.row_names(), model.all<double>(TVKgetax, rows),
+                     duals ? model.all<double>(TVKgetpi, rows) : std::vector<double>());
+  }
+  return table;
+}
+
+std::string json_line(const Outcome& outcome) {
+  const auto& found = outcome.violations;
+  Json object;
+  object["file"] = outcome.file;
+  object["rows"] = number(outcome.rows);
+  object["cols"] = number(outcome.columns);
+  object["nonzeros"] = number(outcome.nonzeros);
+  object["problem_type"] = outcome.problem_type ? Json(type_name(*outcome.problem_type)) : Json(nullptr);
+  object["status"] = number(outcome.status);
+  object["status_text"] = text(outcome.status_text);
+  object["objective"] = number(outcome.objective);
+  object["best_bound"] = number(outcome.best_bound);
+  object["gap"] = number(outcome.gap);
+  object["primal_infeasibility"] = number(found ? std::optional(found->primal()) : std::nullopt);
+  object["dual_infeasibility"] =
+      number(found && found->has_duals ? std::optional(found->dual()) : std::nullopt);
+  object["integrality"] =
+      number(found && found->has_integers ? std::optional(found->integrality.amount) : std::nullopt);
+  object["simplex_iterations"] = number(outcome.simplex_iterations);
+  object["barrier_iterations"] = number(outcome.barrier_iterations);
+  object["nodes"] = number(outcome.nodes);
+  object["ticks"] = nullptr;
+  object["threads"] = number(outcome.threads);
+  object["method"] = text(outcome.method);
+  object["read_seconds"] = number(outcome.read_seconds);
+  object["presolve_seconds"] = number(outcome.presolve_seconds);
+  object["solve_seconds"] = number(outcome.solve_seconds);
+  object["peak_memory_mb"] = number(std::optional(outcome.peak_memory_mb));
+  object["error"] = text(outcome.error);
+  return object.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
+}
+
+}  // namespace tovik::cli

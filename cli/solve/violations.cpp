@@ -1,0 +1,143 @@
+#include "cli/solve/violations.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "cli/model_data.h"
+#include "cli/sum.h"
+
+namespace tovik::cli {
+
+namespace {
+
+/* A result passes while it violates by at most this many tolerances, scaled by the largest number that
+ * entered it: the tolerances hold for the optimizer's scaled model, and no sum is more exact than its terms.
+ */
+constexpr double kAllowance = 10.0;
+constexpr double kObjectiveTolerance = 1e-6;  // relative
+constexpr int kIntegralityParameter = TVK_PARAM_EPINT;
+
+bool infinite(double bound) {
+  return std::abs(bound) >= TVK_INFBOUND;
+}
+
+double outside(double value, double lower, double upper) {
+  const double below = infinite(lower) && lower < 0 ? 0.0 : lower - value;
+  const double above = infinite(upper) && upper > 0 ? 0.0 : value - upper;
+  return std::max({0.0, below, above});
+}
+
+/* How far `value` in [lower, upper] with reduced cost `cost` (of a minimization) is from being best. */
+double residual(double value, double lower, double upper, double cost) {
+  const double bound = cost > 0 ? lower : upper;
+  return infinite(bound) ? std::abs(cost) : std::min(std::abs(cost), std::max(0.0, std::abs(value - bound)));
+}
+
+class Check {
+ public:
+  Check(const Model& model, const CheckRequest& request)
+      : model_(model),
+        request_(request),
+        feasibility_(kAllowance * model.environment().double_parameter(TVK_PARAM_EPRHS)),
+        optimality_(kAllowance * model.environment().double_parameter(TVK_PARAM_EPOPT)),
+        x_(model.all<double>(TVKgetx, model.columns())),
+        lower_(model.all<double>(TVKgetlb, model.columns())),
+        upper_(model.all<double>(TVKgetub, model.columns())),
+        cost_(model.all<double>(TVKgetobj, model.columns())),
+        rows_(row_limits(model)),
+        activity_(static_cast<std::size_t>(model.rows())) {
+    if (request.with_integrality) type_ = model.all<char>(TVKgetctype, model.columns());
+  }
+
+  Violations run() {
+    columns();
+    rows();
+    if (request_.with_duals) duals();
+    return result_;
+  }
+
+ private:
+  bool semi_continuous(std::size_t j) const { return !type_.empty() && (type_[j] == 'S' || type_[j] == 'N'); }
+  bool integer(std::size_t j) const {
+    return !type_.empty() && (type_[j] == 'B' || type_[j] == 'I' || type_[j] == 'N');
+  }
+
+  void columns() {
+    Sum objective;
+    double offset = 0;
+    model_.environment().check(TVKgetobjoffset(model_.environment().handle(), model_.handle(), &offset));
+    objective.add(offset, 1.0);
+    const double integrality =
+        request_.with_integrality ? model_.environment().double_parameter(kIntegralityParameter) : 0;
+    for (std::size_t j = 0; j < x_.size(); ++j) {
+      double violation = outside(x_[j], lower_[j], upper_[j]);
+      if (semi_continuous(j)) violation = std::min(violation, std::abs(x_[j]));
+      result_.bound.meet(violation, static_cast<int>(j));
+      judge(violation, feasibility_ * std::max(1.0, std::abs(x_[j])));
+      if (integer(j)) {
+        const double fraction = std::abs(x_[j] - std::round(x_[j]));
+        result_.has_integers = true;
+        result_.integrality.meet(fraction, static_cast<int>(j));
+        judge(fraction, std::max(integrality, feasibility_));
+      }
+      objective.add(cost_[j], x_[j]);
+    }
+    result_.objective_difference = std::abs(objective.value() - request_.objective) / objective.size();
+    judge(result_.objective_difference, kObjectiveTolerance);
+  }
+
+  void rows() {
+    for_each_column(model_, [this](int j, const Slice& entries) {
+      for (std::size_t k = 0; k < entries.index.size(); ++k)
+        activity_[static_cast<std::size_t>(entries.index[k])].add(entries.value[k],
+                                                                  x_[static_cast<std::size_t>(j)]);
+    });
+    for (std::size_t i = 0; i < activity_.size(); ++i) {
+      const double violation = outside(activity_[i].value(), rows_.lower[i], rows_.upper[i]);
+      result_.row.meet(violation, static_cast<int>(i));
+      judge(violation, feasibility_ * activity_[i].size());
+    }
+  }
+
+  void duals() {
+    const double sign = TVKgetobjsen(model_.environment().handle(), model_.handle()) < 0 ? -1.0 : 1.0;
+    const auto pi = model_.all<double>(TVKgetpi, model_.rows());
+    result_.has_duals = true;
+    for (std::size_t i = 0; i < pi.size(); ++i) {
+      const double violation = residual(activity_[i].value(), rows_.lower[i], rows_.upper[i], sign * pi[i]);
+      result_.dual_row.meet(violation, static_cast<int>(i));
+      judge(violation, std::max(optimality_, feasibility_) * std::max(activity_[i].size(), std::abs(pi[i])));
+    }
+    for_each_column(model_, [&](int j, const Slice& entries) {
+      const auto column = static_cast<std::size_t>(j);
+      Sum reduced;
+      reduced.add(cost_[column], 1.0);
+      for (std::size_t k = 0; k < entries.index.size(); ++k)
+        reduced.add(-entries.value[k], pi[static_cast<std::size_t>(entries.index[k])]);
+      const double violation = residual(x_[column], lower_[column], upper_[column], sign * reduced.value());
+      result_.dual_column.meet(violation, j);
+      judge(violation, optimality_ * reduced.size());
+    });
+  }
+
+  void judge(double violation, double allowed) {
+    if (!(violation <= allowed)) result_.failed = true;  // also when it is not a number
+  }
+
+  const Model& model_;
+  const CheckRequest request_;
+  const double feasibility_, optimality_;
+  const std::vector<double> x_, lower_, upper_, cost_;
+  const Limits rows_;
+  std::vector<char> type_;
+  std::vector<Sum> activity_;
+  Violations result_;
+};
+
+}  // namespace
+
+Violations check_solution(const Model& model, const CheckRequest& request) {
+  return Check(model, request).run();
+}
+
+}  // namespace tovik::cli

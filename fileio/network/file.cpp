@@ -1,0 +1,72 @@
+/* Network files as routines see them: opening, messages, and the network or problem that takes the data. */
+#include "fileio/network/file.h"
+
+#include <utility>
+
+#include "fileio/dispatch/read_problem.h"
+#include "fileio/dispatch/write_problem.h"
+#include "fileio/record/channel_log.h"
+#include "fileio/record/writer_names.h"
+#include "include/tovik.h"
+#include "model/network/linear_model.h"
+
+namespace tovik::fileio {
+namespace {
+
+Status read_data(Environment& env, const char* name, model::NetworkData& data) {
+  OpenRequest request;
+  request.name = name;
+  request.default_extension = ".net";
+  std::unique_ptr<ByteSource> source;
+  if (const Status status = open_for_reading(env, request, source); !status.ok()) return status;
+  ChannelLog log(env);
+  const ReadFailure failure = read_network(*source, {}, log, data);
+  // A file that did not arrive whole is no file: what the reader made of its beginning tells nothing.
+  if (!source->finish()) return fail(env, TVK_ERROR_OPEN_FOR_READING, name);
+  if (failure) return report_failure(env, failure);
+  env.add_work(data.supply.size() + data.tail.size());
+  return {};
+}
+
+model::NameBlock numbered_names(char letter, int count) {
+  const WriterNames names = WriterNames::made_up(letter, count);
+  model::NameBlock block;
+  block.offset.reserve(static_cast<std::size_t>(count));
+  for (int k = 0; k < count; ++k) block.add(names[k]);
+  return block;
+}
+
+}  // namespace
+
+Status read_network_file(Environment& env, NetworkProblem& problem, const char* name) {
+  model::NetworkData data;
+  if (const Status status = read_data(env, name, data); !status.ok()) return status;
+  std::string title = std::move(data.problem_name);
+  if (title.empty()) title = name;
+  problem.network = std::make_unique<model::Network>(std::move(data));
+  problem.name.swap(title);
+  return {};
+}
+
+Status read_network_problem(Environment& env, Problem& problem, const char* name) {
+  model::NetworkData data;
+  if (const Status status = read_data(env, name, data); !status.ok()) return status;
+  model::ModelData lp = model::lp_of(model::Network(std::move(data)));
+  lp.problem_name = name;
+  if (lp.row_names.empty()) lp.row_names = numbered_names('n', static_cast<int>(lp.rhs.size()));
+  if (lp.column_names.empty()) lp.column_names = numbered_names('a', static_cast<int>(lp.objective.size()));
+  return model::load(env, problem, std::move(lp));
+}
+
+bool is_network_type(std::string_view type) {
+  return type.size() <= 3 && format_of_type(type) == Format::network;
+}
+
+Status write_network_file(Environment& env, const NetworkProblem& problem, const char* name) {
+  const model::Network& network = *problem.network;
+  env.add_work(static_cast<std::uint64_t>(network.num_nodes()) +
+               static_cast<std::uint64_t>(network.num_arcs()));
+  return write_file(env, name, [&](TextWriter& out) { return write_network(network, problem.name, out); });
+}
+
+}  // namespace tovik::fileio

@@ -1,0 +1,344 @@
+#include <expat.h>
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <cstring>
+#include <memory>
+#include <new>
+
+#include "fileio/basis/card_file.h"
+#include "fileio/stream/number.h"
+#include "fileio/xml/solution_file.h"
+#include "include/tovik.h"
+
+namespace tovik::fileio {
+namespace {
+
+constexpr std::size_t kBlock = 560;
+
+/* Two-byte characters of UTF-8 as the single bytes that they stand for. */
+std::string folded(const char* text) {
+  std::string bytes;
+  for (; *text != '\0'; ++text) {
+    const auto first = static_cast<unsigned char>(text[0]), second = static_cast<unsigned char>(text[1]);
+    if ((first & 0xE0) == 0xC0 && (second & 0xC0) == 0x80) {
+      bytes += static_cast<char>((first & 0x1F) << 6 | (second & 0x3F));
+      ++text;
+    } else {
+      bytes += *text;
+    }
+  }
+  return bytes;
+}
+
+int status_of(std::string_view word) {
+  constexpr std::string_view kWords[] = {"LL", "BS", "UL", "SB"};
+  const auto found = std::ranges::find(kWords, word);
+  return found == std::end(kWords) ? -1 : static_cast<int>(found - std::begin(kWords));
+}
+
+class Parser {
+ public:
+  Parser(const model::Model& model, const SolutionReading& reading, ReaderLog& log,
+         std::vector<SolutionFile>& solutions)
+      : model_(model),
+        reading_(reading),
+        log_(log),
+        solutions_(solutions),
+        parser_(XML_ParserCreate(nullptr)) {
+    if (!parser_) throw std::bad_alloc();
+    XML_SetUserData(parser_.get(), this);
+    XML_SetElementHandler(parser_.get(), on_start, on_end);
+    XML_SetXmlDeclHandler(parser_.get(), on_declaration);
+  }
+
+  ReadFailure run(ByteSource& source);
+  int found() const { return found_; }
+
+ private:
+  enum class Part { none, rows, columns };
+  struct Free {
+    void operator()(XML_ParserStruct* parser) const { XML_ParserFree(parser); }
+  };
+  struct Identity {
+    const char* name = nullptr;
+    const char* index = nullptr;
+    const char* value = nullptr;
+    const char* dual = nullptr;
+    const char* status = nullptr;
+  };
+
+  /* No exception may pass through the parser. */
+  template <class Work>
+  static void guarded(void* self, Work&& work) {
+    Parser& parser = *static_cast<Parser*>(self);
+    if (parser.out_of_memory_ || parser.failure_) return;
+    try {
+      work(parser);
+    } catch (const std::bad_alloc&) {
+      parser.out_of_memory_ = true;
+    }
+    if (parser.out_of_memory_ || parser.failure_) XML_StopParser(parser.parser_.get(), XML_FALSE);
+  }
+  static void XMLCALL on_start(void* self, const XML_Char* name, const XML_Char** attributes) {
+    guarded(self, [&](Parser& parser) { parser.start(name, attributes); });
+  }
+  static void XMLCALL on_end(void* self, const XML_Char* name) {
+    guarded(self, [&](Parser& parser) { parser.end(name); });
+  }
+  static void XMLCALL on_declaration(void* self, const XML_Char*, const XML_Char* encoding, int) {
+    if (encoding == nullptr) return;
+    std::string word(encoding);
+    std::ranges::transform(word, word.begin(),
+                           [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c; });
+    static_cast<Parser*>(self)->latin1_ = word == "iso-8859-1";
+  }
+
+  void start(std::string_view name, const XML_Char** attributes);
+  void end(std::string_view name);
+  void begin_solution();
+  void header(const XML_Char** attributes);
+  Identity identity(const XML_Char** attributes) const;
+  void variable(const Identity& element);
+  void constraint(const Identity& element);
+  int resolve(const Identity& element, const model::NameTable& names, int count, bool column);
+  void note_met(std::vector<char>& met, int k, const Identity& element, bool column);
+  double number(const char* text, double absent);
+  int line() const { return static_cast<int>(XML_GetCurrentLineNumber(parser_.get())); }
+  std::string text(const char* bytes) const { return latin1_ ? folded(bytes) : std::string(bytes); }
+  bool counts() const { return depth_in_solution_ > 0 && (reading_.several || found_ == reading_.which + 1); }
+  template <class... Arguments>
+  void warn(const char* format, Arguments... arguments) {
+    if (warnings_.admit()) log_.warn(format, arguments...);
+  }
+
+  const model::Model& model_;
+  const SolutionReading& reading_;
+  ReaderLog& log_;
+  std::vector<SolutionFile>& solutions_;
+  std::unique_ptr<XML_ParserStruct, Free> parser_;
+  ReadFailure failure_;
+  bool out_of_memory_ = false;
+  bool latin1_ = false;
+  int found_ = 0;
+  int depth_in_solution_ = 0;
+  Part part_ = Part::none;
+  std::vector<char> met_columns_, met_rows_;
+  WarningCap warnings_;
+};
+
+ReadFailure Parser::run(ByteSource& source) {
+  char block[kBlock];
+  for (bool last = false; !last;) {
+    std::size_t size = 0;
+    while (size < kBlock) {
+      const std::size_t count = source.read(block + size, kBlock - size);
+      if (count == 0) break;
+      size += count;
+    }
+    last = size < kBlock;
+    if (XML_Parse(parser_.get(), block, static_cast<int>(size), last ? 1 : 0) == XML_STATUS_OK) continue;
+    const XML_Error error = XML_GetErrorCode(parser_.get());
+    if (out_of_memory_ || error == XML_ERROR_NO_MEMORY) throw std::bad_alloc();
+    if (failure_) return failure_;
+    return ReadFailure::at(TVK_ERROR_XML_PARSE, line(), XML_ErrorString(error));
+  }
+  if (warnings_.suppressed() > 0) log_.warn("%d warnings not printed.\n", warnings_.suppressed());
+  return {};
+}
+
+void Parser::start(std::string_view name, const XML_Char** attributes) {
+  if (depth_in_solution_ > 0) ++depth_in_solution_;
+  if (name == "TOVIKSolution" && depth_in_solution_ == 0) {
+    depth_in_solution_ = 1;
+    ++found_;
+    if (counts()) begin_solution();
+    return;
+  }
+  if (!counts()) return;
+  if (name == "header") return header(attributes);
+  if (name == "linearConstraints") part_ = Part::rows;
+  if (name == "variables") part_ = Part::columns;
+  if (name == "variable" && part_ == Part::columns) variable(identity(attributes));
+  if (name == "constraint" && part_ == Part::rows && reading_.rows) constraint(identity(attributes));
+}
+
+void Parser::end(std::string_view name) {
+  if (depth_in_solution_ > 0) --depth_in_solution_;
+  if (name == "linearConstraints" || name == "variables") part_ = Part::none;
+}
+
+void Parser::begin_solution() {
+  solutions_.emplace_back();
+  SolutionFile& solution = solutions_.back();
+  const auto columns = static_cast<std::size_t>(model_.num_columns());
+  solution.x.assign(columns, kNoValue);
+  met_columns_.assign(columns, 0);
+  if (!reading_.rows) return;
+  const auto rows = static_cast<std::size_t>(model_.num_rows());
+  solution.dj.assign(columns, kNoValue);
+  solution.column_status.assign(columns, -1);
+  solution.slack.assign(rows, kNoValue);
+  solution.pi.assign(rows, kNoValue);
+  solution.row_status.assign(rows, -1);
+  met_rows_.assign(rows, 0);
+}
+
+/* A number of the header that readers can do without: NaN when it is none. */
+double stated(const char* digits) {
+  double value = 0;
+  return parse_whole_number(digits, digits + std::strlen(digits), value) ? value : std::nan("");
+}
+
+int status_number(double number) {
+  return number >= 0 && number <= 9999 ? static_cast<int>(number) : 0;
+}
+
+WriteLevel level_of(double number) {
+  if (!(number >= 1 && number <= 4)) return WriteLevel::all;
+  return static_cast<WriteLevel>(static_cast<int>(number));
+}
+
+void Parser::header(const XML_Char** attributes) {
+  SolutionFile& solution = solutions_.back();
+  for (; *attributes != nullptr; attributes += 2) {
+    const std::string_view key = attributes[0];
+    if (key == "solutionName") solution.name = text(attributes[1]);
+    if (key == "objectiveValue") solution.objective = stated(attributes[1]);
+    if (key == "solutionStatusValue") solution.status = status_number(stated(attributes[1]));
+    if (key == "writeLevel") solution.level = level_of(stated(attributes[1]));
+    if (key == "MIPStartEffortLevel") {
+      const double effort = number(attributes[1], 0);
+      solution.effort = effort >= 0 && effort <= 4 ? static_cast<int>(effort) : 0;
+    }
+  }
+}
+
+Parser::Identity Parser::identity(const XML_Char** attributes) const {
+  Identity element;
+  for (; *attributes != nullptr; attributes += 2) {
+    const std::string_view key = attributes[0];
+    if (key == "name") element.name = attributes[1];
+    if (key == "index") element.index = attributes[1];
+    if (key == "value" || key == "slack") element.value = attributes[1];
+    if (key == "reducedCost" || key == "dual") element.dual = attributes[1];
+    if (key == "status") element.status = attributes[1];
+  }
+  return element;
+}
+
+double Parser::number(const char* digits, double absent) {
+  if (digits == nullptr) return absent;
+  double value = 0;
+  if (!parse_whole_number(digits, digits + std::strlen(digits), value))
+    failure_ = ReadFailure::at(TVK_ERROR_LINE_NUMBER_CONVERSION, line(), digits);
+  return value;
+}
+
+/* The position of an element, -1 after a warning. Of several items with one name the index chooses. */
+int Parser::resolve(const Identity& element, const model::NameTable& names, int count, bool column) {
+  const double index = element.index == nullptr ? -1 : std::trunc(number(element.index, -1));
+  const bool inside = index >= 0 && index < count;
+  if (failure_) return -1;
+  if (element.name != nullptr && !names.empty()) {
+    const std::string name = text(element.name);
+    if (inside && names.name(static_cast<int>(index)) == name) return static_cast<int>(index);
+    const int found = names.find(name);
+    if (found < 0) {
+      ++solutions_.back().unknown;
+      warn(column ? "Warning, line %d: '%.255s' is not a variable.\n"
+                  : "Warning, line %d: '%.255s' is not a constraint.\n",
+           line(), name.c_str());
+    }
+    return found;
+  }
+  if (inside) return static_cast<int>(index);
+  ++solutions_.back().unknown;
+  const int shown = static_cast<int>(std::clamp(index, -2147483647.0, 2147483647.0));
+  warn(column ? "Warning, line %d: Variable index '%d' out of range.\n"
+              : "Warning, line %d: Constraint index '%d' out of range.\n",
+       line(), shown);
+  return -1;
+}
+
+void Parser::note_met(std::vector<char>& met, int k, const Identity& element, bool column) {
+  char& seen = met[static_cast<std::size_t>(k)];
+  if (std::exchange(seen, char{1}) == 0) return;
+  if (!column) {
+    warn("Warning, line %d: repeated entry for index %d.\n", line(), k);
+  } else if (element.name != nullptr && !model_.column_names().empty()) {
+    warn("Warning, line %d: repeated entry for '%.255s'.\n", line(), text(element.name).c_str());
+  } else {
+    warn("Warning, line %d: repeated entry for variable index %d.\n", line(), k);
+  }
+}
+
+/* Of repeated elements the last one counts. */
+void Parser::variable(const Identity& element) {
+  const int j = resolve(element, model_.column_names(), model_.num_columns(), true);
+  if (j < 0) return;
+  note_met(met_columns_, j, element, true);
+  SolutionFile& solution = solutions_.back();
+  const auto at = static_cast<std::size_t>(j);
+  solution.x[at] = number(element.value, kNoValue);
+  if (!reading_.rows) return;
+  solution.dj[at] = number(element.dual, kNoValue);
+  solution.column_status[at] = element.status == nullptr ? -1 : status_of(element.status);
+}
+
+void Parser::constraint(const Identity& element) {
+  const int i = resolve(element, model_.row_names(), model_.num_rows(), false);
+  if (i < 0) return;
+  note_met(met_rows_, i, element, false);
+  SolutionFile& solution = solutions_.back();
+  const auto at = static_cast<std::size_t>(i);
+  solution.slack[at] = number(element.value, kNoValue);
+  solution.pi[at] = number(element.dual, kNoValue);
+  solution.row_status[at] = element.status == nullptr ? -1 : status_of(element.status);
+}
+
+}  // namespace
+
+ReadFailure read_solutions(ByteSource& source, const model::Model& model, const SolutionReading& reading,
+                           ReaderLog& log, std::vector<SolutionFile>& solutions, int& found) {
+  Parser parser(model, reading, log, solutions);
+  ReadFailure failure = parser.run(source);
+  found = parser.found();
+  return failure;
+}
+
+ReadFailure read_start_text(ByteSource& source, const model::Model& model, ReaderLog& log,
+                            SolutionFile& solution) {
+  const CardNames columns(model.column_names());
+  solution.x.assign(static_cast<std::size_t>(model.num_columns()), kNoValue);
+  CardFile cards(source, log);
+  while (cards.next()) {
+    double value = 0;
+    if (cards.fields().size() != 2) cards.fail(TVK_ERROR_LINE_ENTRY_COUNT);
+    if (cards.failure() || !cards.read_number(cards.fields()[1], value)) break;
+    const int j = columns.find(cards.fields()[0]);
+    if (j < 0) {
+      cards.unknown_name(cards.fields()[0], "a variable");
+      ++solution.unknown;
+      continue;
+    }
+    solution.x[static_cast<std::size_t>(j)] = value;
+  }
+  cards.close();
+  return cards.failure();
+}
+
+bool looks_like_xml(ByteSource& source) {
+  char block[kBlock];
+  for (;;) {
+    const std::size_t count = source.read(block, sizeof block);
+    if (count == 0) return false;
+    for (std::size_t k = 0; k < count; ++k) {
+      if (block[k] == '<') return true;
+      if (block[k] == ' ' || (block[k] >= '\t' && block[k] <= '\r')) return false;
+    }
+  }
+}
+
+}  // namespace tovik::fileio

@@ -1,0 +1,252 @@
+#include "lp/basis_query/quality.h"
+
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+#include "env/solution_access.h"
+#include "include/tovik.h"
+#include "lp/binding/build_lp.h"
+#include "lp/linalg/sum.h"
+#include "lp/run/basis_view.h"
+#include "model/store/model.h"
+
+namespace tovik::lp::dispatch {
+namespace {
+
+/* Keeps the largest or the sum of absolute values. */
+class Gather {
+ public:
+  explicit Gather(bool sum) : sum_(sum) {}
+  void add(double v, int index) {
+    v = std::fabs(v);
+    if (sum_) {
+      total_.add(v);
+    } else if (v > best_.value) {
+      best_ = {v, index};
+    }
+  }
+  Measure result() const { return sum_ ? Measure{total_.value(), -1} : best_; }
+
+ private:
+  bool sum_;
+  Measure best_;
+  CompensatedSum total_;
+};
+
+struct Data {
+  const model::Model& model;
+  const Solution& solution;
+  double sign;
+};
+
+std::vector<double> activities(const Data& data) {
+  std::vector<CompensatedSum> sums(static_cast<size_t>(data.model.num_rows()));
+  for (int j = 0; j < data.model.num_columns(); ++j) {
+    const model::ColumnView column = data.model.column(j);
+    for (int k = 0; k < column.count; ++k)
+      sums[column.index[k]].add_product(column.value[k], data.solution.x[j]);
+  }
+  std::vector<double> result(sums.size());
+  for (size_t i = 0; i < sums.size(); ++i) result[i] = sums[i].value();
+  return result;
+}
+
+double outside(double v, double low, double high) {
+  return std::max({0.0, low - v, v - high});
+}
+
+void primal_infeasibility(const Data& data, Gather& gather) {
+  const std::vector<double> activity = activities(data);
+  for (int j = 0; j < data.model.num_columns(); ++j) {
+    gather.add(
+        outside(data.solution.x[j], stored_lower(data.model.lower()[j]), stored_upper(data.model.upper()[j])),
+        j);
+  }
+  for (int i = 0; i < data.model.num_rows(); ++i) {
+    const RowBounds b = row_bounds(data.model.sense()[i], data.model.rhs()[i], data.model.range()[i]);
+    gather.add(outside(activity[i], b.lower, b.upper), -i - 1);
+  }
+}
+
+/* Wrong sign of a dual value of a variable standing at v between its bounds, for a minimization. */
+double wrong_dual(double d, double v, double low, double high) {
+  if (low == high) return 0;
+  const double scale = 1e-6 * std::max(1.0, std::fabs(v));
+  if (low > -kInf && v <= low + scale && (high == kInf || v - low <= high - v)) return std::max(0.0, -d);
+  if (high < kInf && v >= high - scale) return std::max(0.0, d);
+  return std::fabs(d);
+}
+
+void dual_infeasibility(const Data& data, Gather& gather) {
+  const std::vector<double> activity = activities(data);
+  for (int j = 0; j < data.model.num_columns(); ++j) {
+    gather.add(wrong_dual(data.sign * data.solution.dj[j], data.solution.x[j],
+                          stored_lower(data.model.lower()[j]), stored_upper(data.model.upper()[j])),
+               j);
+  }
+  for (int i = 0; i < data.model.num_rows(); ++i) {
+    const RowBounds b = row_bounds(data.model.sense()[i], data.model.rhs()[i], data.model.range()[i]);
+    gather.add(wrong_dual(data.sign * data.solution.pi[i], activity[i], b.lower, b.upper), -i - 1);
+  }
+}
+
+void primal_residual(const Data& data, Gather& gather) {
+  const std::vector<double> activity = activities(data);
+  for (int i = 0; i < data.model.num_rows(); ++i) {
+    gather.add(data.model.rhs()[i] - activity[i] - data.solution.slack[i], -i - 1);
+  }
+}
+
+void dual_residual(const Data& data, Gather& gather) {
+  for (int j = 0; j < data.model.num_columns(); ++j) {
+    CompensatedSum sum;
+    sum.add(data.model.objective()[j]);
+    sum.add(-data.solution.dj[j]);
+    const model::ColumnView column = data.model.column(j);
+    for (int k = 0; k < column.count; ++k)
+      sum.add_product(-column.value[k], data.solution.pi[column.index[k]]);
+    gather.add(sum.value(), j);
+  }
+}
+
+void complementarity(const Data& data, Gather& gather) {
+  for (int j = 0; j < data.model.num_columns(); ++j) {
+    const double x = data.solution.x[j];
+    const double gap = std::min(std::fabs(x - stored_lower(data.model.lower()[j])),
+                                std::fabs(stored_upper(data.model.upper()[j]) - x));
+    gather.add(std::isinf(gap) ? data.solution.dj[j] : gap * data.solution.dj[j], j);
+  }
+  for (int i = 0; i < data.model.num_rows(); ++i) {
+    const RowBounds b = row_bounds(data.model.sense()[i], data.model.rhs()[i], data.model.range()[i]);
+    const double activity = data.model.rhs()[i] - data.solution.slack[i];
+    const double gap = std::min(std::fabs(activity - b.lower), std::fabs(b.upper - activity));
+    gather.add(std::isinf(gap) ? data.solution.pi[i] : gap * data.solution.pi[i], -i - 1);
+  }
+}
+
+void each(const std::vector<double>& values, bool rows, Gather& gather) {
+  for (size_t k = 0; k < values.size(); ++k)
+    gather.add(values[k], rows ? -static_cast<int>(k) - 1 : static_cast<int>(k));
+}
+
+}  // namespace
+
+Status measure_quality(Environment& env, Problem& problem, int what, Measure* result) {
+  if (what == TVK_QUALITY_KAPPA) return basis_kappa(env, problem, &result->value);
+  Status why;
+  if (find_solution(problem, Wanted::values, why) == nullptr) return why;
+  const Data data{*problem.model, *problem.solution, static_cast<double>(problem.model->objective_sense())};
+  const bool dual = what == TVK_QUALITY_MAX_DUAL_INFEAS || what == TVK_QUALITY_SUM_DUAL_INFEAS ||
+                    what == TVK_QUALITY_MAX_DUAL_RESIDUAL || what == TVK_QUALITY_SUM_DUAL_RESIDUAL ||
+                    what == TVK_QUALITY_MAX_COMP_SLACK || what == TVK_QUALITY_SUM_COMP_SLACK ||
+                    what == TVK_QUALITY_MAX_PI || what == TVK_QUALITY_MAX_RED_COST;
+  if (dual && !has_duals(problem)) return Status(1232);
+  Gather largest(false);
+  Gather sum(true);
+  switch (what) {
+    case TVK_QUALITY_MAX_PRIMAL_INFEAS:
+      primal_infeasibility(data, largest);
+      break;
+    case TVK_QUALITY_SUM_PRIMAL_INFEAS:
+      primal_infeasibility(data, sum);
+      break;
+    case TVK_QUALITY_MAX_DUAL_INFEAS:
+      dual_infeasibility(data, largest);
+      break;
+    case TVK_QUALITY_SUM_DUAL_INFEAS:
+      dual_infeasibility(data, sum);
+      break;
+    case TVK_QUALITY_MAX_PRIMAL_RESIDUAL:
+      primal_residual(data, largest);
+      break;
+    case TVK_QUALITY_SUM_PRIMAL_RESIDUAL:
+      primal_residual(data, sum);
+      break;
+    case TVK_QUALITY_MAX_DUAL_RESIDUAL:
+      dual_residual(data, largest);
+      break;
+    case TVK_QUALITY_SUM_DUAL_RESIDUAL:
+      dual_residual(data, sum);
+      break;
+    case TVK_QUALITY_MAX_COMP_SLACK:
+      complementarity(data, largest);
+      break;
+    case TVK_QUALITY_SUM_COMP_SLACK:
+      complementarity(data, sum);
+      break;
+    case TVK_QUALITY_MAX_X:
+      each(data.solution.x, false, largest);
+      break;
+    case TVK_QUALITY_MAX_PI:
+      each(data.solution.pi, true, largest);
+      break;
+    case TVK_QUALITY_MAX_SLACK:
+      each(data.solution.slack, true, largest);
+      break;
+    case TVK_QUALITY_MAX_RED_COST:
+      each(data.solution.dj, false, largest);
+      break;
+    default:
+      return Status(1003);
+  }
+  const bool summed = what == TVK_QUALITY_SUM_PRIMAL_INFEAS || what == TVK_QUALITY_SUM_DUAL_INFEAS ||
+                      what == TVK_QUALITY_SUM_PRIMAL_RESIDUAL || what == TVK_QUALITY_SUM_DUAL_RESIDUAL ||
+                      what == TVK_QUALITY_SUM_COMP_SLACK;
+  *result = summed ? sum.result() : largest.result();
+  return {};
+}
+
+Status basis_kappa(Environment& env, Problem& problem, double* kappa) {
+  BasisView view;
+  if (const Status status = view.open_for_query(env, problem); !status.ok()) return status;
+  simplex::Core& core = view.core();
+  const auto m = static_cast<size_t>(core.m);
+  *kappa = 1;
+  if (m == 0) return {};
+  double norm = 0;
+  for (int p = 0; p < core.m; ++p) {
+    const int j = core.head[p];
+    double sum = j < core.n ? 0 : 1;
+    for (int k = j < core.n ? core.lp.matrix.start[j] : 0; j < core.n && k < core.lp.matrix.start[j + 1];
+         ++k) {
+      sum += std::fabs(core.lp.matrix.value[k]);
+    }
+    norm = std::max(norm, sum);
+  }
+  SparseVector v;
+  v.resize(core.m);
+  const auto apply = [&](std::vector<double>& x, bool transposed) {
+    v.clear();
+    v.array = x;
+    v.count = -1;
+    v.reindex();
+    if (transposed) {
+      core.factor.btran(v, 1.0);
+    } else {
+      core.factor.ftran(v, 1.0);
+    }
+    x = v.array;
+    v.count = -1;
+  };
+  std::vector<double> x(m, 1.0 / static_cast<double>(m));
+  double estimate = 0;
+  for (int step = 0; step < 5; ++step) {
+    apply(x, false);
+    double size = 0;
+    for (double e : x) size += std::fabs(e);
+    if (step > 0 && size <= estimate) break;
+    estimate = size;
+    for (double& e : x) e = e >= 0 ? 1.0 : -1.0;
+    apply(x, true);
+    const auto largest =
+        std::max_element(x.begin(), x.end(), [](double a, double b) { return std::fabs(a) < std::fabs(b); });
+    const auto position = static_cast<size_t>(largest - x.begin());
+    std::fill(x.begin(), x.end(), 0.0);
+    x[position] = 1.0;
+  }
+  *kappa = norm * estimate;
+  return {};
+}
+
+}  // namespace tovik::lp::dispatch

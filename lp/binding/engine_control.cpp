@@ -1,0 +1,43 @@
+#include "lp/binding/engine_control.h"
+
+#include "env/channel.h"
+
+namespace tovik::lp::dispatch {
+
+EngineControl::EngineControl(Environment& env, Problem& problem, int callback_position)
+    : env_(env), problem_(problem), position_(callback_position), start_(clock_seconds(env)) {}
+
+void EngineControl::log(const char* text) {
+  message(env_.results_channel, "%s", text);
+}
+
+void EngineControl::flush() {
+  if (env_.results_channel != nullptr) env_.results_channel->flush();
+}
+
+double EngineControl::seconds() {
+  return clock_seconds(env_) - start_;
+}
+
+Stop EngineControl::poll() {
+  if (env_.callbacks.terminate != nullptr && *env_.callbacks.terminate != 0) return Stop::user_abort;
+  const LimitFrame* frame = env_.limits.top();
+  if (frame != nullptr && env_.work->ticks >= frame->tick_deadline) return Stop::tick_limit;
+  return Stop::none;
+}
+
+Stop EngineControl::poll_clock() {
+  const LimitFrame* frame = env_.limits.top();
+  if (frame != nullptr && frame->deadline < 1e75 && clock_seconds(env_) >= frame->deadline)
+    return Stop::time_limit;
+  return Stop::none;
+}
+
+Stop EngineControl::iteration_callback() {
+  if (env_.callbacks.lp == nullptr) return Stop::none;
+  auto* const env = reinterpret_cast<ConstEnvHandle>(&env_);
+  return env_.callbacks.lp(env, &problem_, position_, env_.callbacks.lp_handle) != 0 ? Stop::user_abort
+                                                                                     : Stop::none;
+}
+
+}  // namespace tovik::lp::dispatch

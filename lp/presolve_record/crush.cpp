@@ -1,0 +1,103 @@
+#include "lp/presolve_record/crush.h"
+
+#include <utility>
+
+#include "include/tovik.h"
+
+namespace tovik::lp::dispatch {
+namespace {
+
+using presolve::Fate;
+using simplex::At;
+
+std::vector<double> times(double sign, std::vector<double> values) {
+  if (sign < 0) {
+    for (double& v : values) v = v == 0 ? 0 : -v;
+  }
+  return values;
+}
+
+std::vector<double> copy(const double* values, size_t count) {
+  return values == nullptr ? std::vector<double>(count, 0.0) : std::vector<double>(values, values + count);
+}
+
+/* A reduced point whose columns all count as lying between their bounds and whose rows as not binding. */
+presolve::Point loose_point(const LpData& reduced) {
+  presolve::Point point;
+  point.x.assign(reduced.cost.size(), 0.0);
+  point.d.assign(reduced.cost.size(), 0.0);
+  point.y.assign(reduced.row_lower.size(), 0.0);
+  point.column.assign(reduced.cost.size(), At::basic);
+  point.row.assign(reduced.row_lower.size(), At::basic);
+  return point;
+}
+
+std::vector<int> fates(const std::vector<Fate>& fate, const std::vector<int>& map) {
+  std::vector<int> codes(fate.size());
+  for (size_t k = 0; k < fate.size(); ++k) {
+    switch (fate[k]) {
+      case Fate::redundant:
+        codes[k] = TVK_PRESTAT_REDUNDANT;
+        break;
+      case Fate::fixed:
+        codes[k] = TVK_PRESTAT_FIXED;
+        break;
+      case Fate::aggregated:
+        codes[k] = TVK_PRESTAT_SUBSTITUTED;
+        break;
+      case Fate::merged:
+        codes[k] = TVK_PRESTAT_MERGED;
+        break;
+      default:
+        codes[k] = TVK_PRESTAT_OTHER;
+    }
+  }
+  for (size_t k = 0; k < map.size(); ++k) codes[map[k]] = static_cast<int>(k);
+  return codes;
+}
+
+}  // namespace
+
+std::vector<double> crush_pi(const Presolved& presolved, const double* pi) {
+  std::vector<double> y = times(presolved.sign, copy(pi, presolved.original.row_lower.size()));
+  return times(presolved.sign, presolve::crush_duals(presolved.reduction, std::move(y)));
+}
+
+std::vector<double> uncrush_x(const Presolved& presolved, const double* x) {
+  presolve::Point point = loose_point(presolved.reduction.lp);
+  point.x = copy(x, point.x.size());
+  return presolve::postsolve(presolved.original, presolved.reduction, point).x;
+}
+
+/* Where the duals are not zero their signs tell which bounds and sides hold them. */
+std::vector<double> uncrush_pi(const Presolved& presolved, const double* pi) {
+  const LpData& lp = presolved.reduction.lp;
+  presolve::Point point = loose_point(lp);
+  point.y = times(presolved.sign, copy(pi, point.y.size()));
+  for (size_t i = 0; i < point.y.size(); ++i) point.row[i] = presolve::Undo::side(At::basic, point.y[i]);
+  for (int j = 0; j < lp.num_columns(); ++j) {
+    presolve::CleanSum d(lp.cost[j]);
+    for (int k = lp.matrix.start[j]; k < lp.matrix.start[j + 1]; ++k)
+      d.subtract(lp.matrix.value[k] * point.y[lp.matrix.index[k]]);
+    point.d[j] = d.value();
+    point.column[j] = presolve::Undo::side(At::basic, point.d[j]);
+  }
+  return times(presolved.sign, presolve::postsolve(presolved.original, presolved.reduction, point).y);
+}
+
+presolve::Form dense_form(int columns, int count, const int* index, const double* value) {
+  presolve::Form form;
+  form.coefficients.assign(static_cast<size_t>(columns), 0.0);
+  for (int k = 0; k < count; ++k) form.coefficients[index[k]] += value[k];
+  return form;
+}
+
+std::vector<int> row_fates(const Presolved& presolved) {
+  return fates(presolved.reduction.row_fate, presolved.reduction.row_map);
+}
+
+std::vector<int> column_fates(const Presolved& presolved) {
+  return fates(presolved.reduction.column_fate, presolved.reduction.column_map);
+}
+
+}  // namespace tovik::lp::dispatch

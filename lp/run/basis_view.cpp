@@ -1,0 +1,109 @@
+#include "lp/run/basis_view.h"
+
+#include <algorithm>
+
+#include "include/tovik.h"
+#include "lp/binding/engine_control.h"
+#include "model/store/model.h"
+
+namespace tovik::lp::dispatch {
+
+Status BasisView::open(Environment& env, Problem& problem) {
+  if (!problem.start.has_basis()) return Status(1262);
+  const auto basic = [](const std::vector<int>& status) {
+    return std::count(status.begin(), status.end(), 1);
+  };
+  if (basic(problem.start.column_status) + basic(problem.start.row_status) != problem.model->num_rows())
+    return Status(1256);
+  EngineGuard guard(problem);
+  EngineControl control(env, problem, 1);
+  live_ = &live_simplex(env, problem, control, nullptr);
+  install_basis(problem, *live_);
+  core_ = &live_->solver.core();
+  problem_ = &problem;
+  core_->use_original_bounds();
+  core_->use_original_costs();
+  core_->repairs = 0;
+  // A repaired basis is another one than the caller asked about.
+  const bool regular = live_->solver.ensure_factor() && core_->repairs == 0;
+  if (regular) core_->compute_primal();
+  live_->solver.detach();
+  if (!regular) return Status(1256);
+  position_.assign(static_cast<size_t>(core_->total), -1);
+  for (int p = 0; p < core_->m; ++p) position_[core_->head[p]] = p;
+  work_.resize(core_->m);
+  live_->start_is_mine = true;
+  guard.arrived();
+  return {};
+}
+
+Status BasisView::open_for_query(Environment& env, Problem& problem) {
+  if (!problem.start.has_basis()) return Status(1262);
+  return problem.use.changing ? Status(TVK_ERROR_IN_INFO_CALLBACK) : open(env, problem);
+}
+
+int BasisView::head(int p) const {
+  const int j = core_->head[p];
+  return j < core_->n ? j : -(j - core_->n) - 1;
+}
+
+double BasisView::scale(int variable) const {
+  return variable < core_->n ? live_->solver.column_scale(variable)
+                             : 1.0 / live_->solver.row_scale(variable - core_->n);
+}
+
+double BasisView::value(int p) const {
+  const int j = core_->head[p];
+  const double v = core_->x[p] * scale(j);
+  // The engine's logical is minus the row's activity; users count the slack from the right-hand side.
+  return j < core_->n ? v : problem_->model->rhs()[j - core_->n] + v;
+}
+
+void BasisView::solve(const std::vector<double>& v, std::vector<double>& out) {
+  work_.clear();
+  for (int i = 0; i < core_->m; ++i) work_.array[i] = v[i] * live_->solver.row_scale(i);
+  work_.count = -1;
+  work_.reindex();
+  core_->factor.ftran(work_, 1.0);
+  out.resize(static_cast<size_t>(core_->m));
+  for (int p = 0; p < core_->m; ++p) out[p] = work_.array[p] * scale(core_->head[p]);
+  work_.count = -1;
+}
+
+void BasisView::solve_transposed(const std::vector<double>& v, std::vector<double>& out) {
+  work_.clear();
+  for (int p = 0; p < core_->m; ++p) work_.array[p] = v[p] * scale(core_->head[p]);
+  work_.count = -1;
+  work_.reindex();
+  core_->factor.btran(work_, 1.0);
+  out.resize(static_cast<size_t>(core_->m));
+  for (int i = 0; i < core_->m; ++i) out[i] = work_.array[i] * live_->solver.row_scale(i);
+  work_.count = -1;
+}
+
+void BasisView::inverse_row(int p, std::vector<double>& out) {
+  std::vector<double> unit(static_cast<size_t>(core_->m), 0.0);
+  unit[p] = 1.0;
+  solve_transposed(unit, out);
+}
+
+void BasisView::row_times_matrix(const std::vector<double>& row, std::vector<double>& out) const {
+  out.resize(static_cast<size_t>(core_->n));
+  for (int j = 0; j < core_->n; ++j) {
+    double sum = 0;
+    live_->solver.each_entry(j, [&](int i, double a) { sum += a * row[i]; });
+    out[j] = sum;
+  }
+}
+
+std::vector<double> BasisView::column(int j) const {
+  std::vector<double> v(static_cast<size_t>(core_->m), 0.0);
+  if (j >= core_->n) {
+    v[j - core_->n] = 1.0;
+  } else {
+    live_->solver.each_entry(j, [&](int i, double a) { v[i] = a; });
+  }
+  return v;
+}
+
+}  // namespace tovik::lp::dispatch

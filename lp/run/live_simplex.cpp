@@ -1,0 +1,310 @@
+#include "lp/run/live_simplex.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "include/tovik.h"
+#include "lp/binding/build_lp.h"
+#include "model/store/model.h"
+#include "param/hidden.h"
+
+namespace tovik::lp::dispatch {
+namespace {
+
+simplex::Pricing dual_pricing(int code) {
+  switch (code) {
+    case 1:
+      return simplex::Pricing::dantzig;
+    case 2:
+    case 3:
+      return simplex::Pricing::steepest_edge;
+    case 4:
+      return simplex::Pricing::steepest_edge_unit;
+    case 5:
+      return simplex::Pricing::devex;
+    default:
+      return simplex::Pricing::automatic;
+  }
+}
+
+simplex::Pricing primal_pricing(int code) {
+  switch (code) {
+    case 2:
+      return simplex::Pricing::steepest_edge;
+    case 3:
+      return simplex::Pricing::steepest_edge_unit;
+    case 1:
+      return simplex::Pricing::devex;
+    default:
+      return simplex::Pricing::automatic;
+  }
+}
+
+/* Bounds, right-hand sides and costs that differ from the engine's copy. */
+class Follower {
+ public:
+  Follower(const model::Model& model, simplex::Solver& solver)
+      : model_(model), solver_(solver), sign_(model.objective_sense()) {}
+
+  void column(int j) {
+    const LpData& lp = solver_.user_lp();
+    const double low = stored_lower(model_.lower()[j]);
+    const double high = stored_upper(model_.upper()[j]);
+    if (low != lp.lower[j] || high != lp.upper[j]) solver_.change_bounds(j, low, high);
+    const double cost = sign_ * model_.objective()[j];
+    if (cost != lp.cost[j]) solver_.change_cost(j, cost);
+    solver_.renew_column(j);
+  }
+  void row(int i) {
+    const LpData& lp = solver_.user_lp();
+    const RowBounds b = row_bounds(model_.sense()[i], model_.rhs()[i], model_.range()[i]);
+    if (b.lower != lp.row_lower[i] || b.upper != lp.row_upper[i])
+      solver_.change_row_bounds(i, b.lower, b.upper);
+    solver_.renew_row(i);  // its slack counts from the right-hand side
+  }
+  void offset() { solver_.change_offset(sign_ * model_.objective_offset()); }
+
+ private:
+  const model::Model& model_;
+  simplex::Solver& solver_;
+  double sign_;
+};
+
+/* The lines that have come, in the engine's form. */
+simplex::Reshape reshape_of(const Problem& problem) {
+  const model::Model& model = *problem.model;
+  const Journal& journal = problem.journal;
+  const double sign = model.objective_sense();
+  const int first_column = model.num_columns() - journal.columns().added();
+  const int first_row = model.num_rows() - journal.rows().added();
+  simplex::Reshape change;
+  change.rows_gone = journal.rows().gone();
+  change.columns_gone = journal.columns().gone();
+  change.columns.rows = model.num_rows();
+  change.columns.columns = journal.columns().added();
+  change.rows.rows = first_column;
+  change.rows.columns = journal.rows().added();
+  for (int j = first_column; j < model.num_columns(); ++j) {
+    change.cost.push_back(sign * model.objective()[j]);
+    change.lower.push_back(stored_lower(model.lower()[j]));
+    change.upper.push_back(stored_upper(model.upper()[j]));
+    const model::ColumnView column = model.column(j);
+    change.columns.index.insert(change.columns.index.end(), column.index, column.index + column.count);
+    change.columns.value.insert(change.columns.value.end(), column.value, column.value + column.count);
+    change.columns.start.push_back(static_cast<int>(change.columns.index.size()));
+  }
+  for (int i = first_row; i < model.num_rows(); ++i) {
+    const RowBounds bounds = row_bounds(model.sense()[i], model.rhs()[i], model.range()[i]);
+    change.row_lower.push_back(bounds.lower);
+    change.row_upper.push_back(bounds.upper);
+    const model::RowView row = model.row(i);
+    for (int k = 0; k < row.count; ++k) {
+      if (row.index[k] >= first_column) break;  // ascending; new columns hold these entries
+      change.rows.index.push_back(row.index[k]);
+      change.rows.value.push_back(row.value[k]);
+    }
+    change.rows.start.push_back(static_cast<int>(change.rows.index.size()));
+  }
+  return change;
+}
+
+/* Rows and columns that have come or gone. False when the engine cannot go on: its basis does not allow it,
+ * or so much is new that scale factors and basis deserve a fresh start. */
+bool follow_structure(Problem& problem, LiveSimplex& live) {
+  const Journal& journal = problem.journal;
+  if (!journal.moved()) return true;
+  if (journal.structure_lost() || !live.start_is_mine || !problem.start.has_basis()) return false;
+  const auto mostly_new = [](int added, size_t all) { return 2 * static_cast<size_t>(added) > all + 20; };
+  if (mostly_new(journal.rows().added(), problem.rows()) ||
+      mostly_new(journal.columns().added(), problem.columns()))
+    return false;
+  live.norms_are_told = false;
+  return live.solver.reshape(reshape_of(problem));
+}
+
+void follow_values(Problem& problem, LiveSimplex& live) {
+  Follower follow(*problem.model, live.solver);
+  Journal& journal = problem.journal;
+  if (journal.values_lost()) {
+    live.solver.renew_answer();
+    for (int j = 0; j < live.solver.user_lp().num_columns(); ++j) follow.column(j);
+    for (int i = 0; i < live.solver.user_lp().num_rows(); ++i) follow.row(i);
+  } else {
+    for (const int j : journal.columns().touched()) follow.column(j);
+    for (const int i : journal.rows().touched()) follow.row(i);
+  }
+  follow.offset();
+  journal.clear();
+}
+
+simplex::At column_at(int status) {
+  switch (status) {
+    case 1:
+      return simplex::At::basic;
+    case 2:
+      return simplex::At::upper;
+    case 3:
+      return simplex::At::free;
+    default:
+      return simplex::At::lower;
+  }
+}
+
+/* A parameter may hold a value that is not a number: no comparison with it ever holds, and the engine would
+ * go round for ever. It then keeps its own default. */
+void take_number(double value, double& option) {
+  if (!std::isnan(value)) option = value;
+}
+
+}  // namespace
+
+simplex::Options engine_options(const Environment& env) {
+  const Settings& s = env.settings;
+  simplex::Options options;
+  take_number(s.real(TVK_PARAM_EPRHS), options.primal_tolerance);
+  take_number(s.real(TVK_PARAM_EPOPT), options.dual_tolerance);
+  take_number(s.real(TVK_PARAM_EPMRK), options.markowitz);
+  options.refactor_limit = s.integer(TVK_PARAM_REINV);
+  options.singular_limit = s.integer(TVK_PARAM_SINGLIM);
+  options.iteration_limit = s.integer(TVK_PARAM_ITLIM);
+  options.dual_pricing = dual_pricing(s.integer(TVK_PARAM_DPRIIND));
+  options.primal_pricing = primal_pricing(s.integer(TVK_PARAM_PPRIIND));
+  options.price_candidates = s.integer(TVK_PARAM_PRICELIM);
+  options.perturb_always = s.integer(TVK_PARAM_PERIND) != 0;
+  options.perturb_after = s.integer(TVK_PARAM_PERLIM);
+  take_number(s.real(TVK_PARAM_EPPER), options.perturb_magnitude);
+  options.scaling = s.integer(TVK_PARAM_SCAIND);
+  const int method = s.integer(TVK_PARAM_LPMETHOD);
+  options.sifting = method == 0   ? simplex::Sifting::when_it_pays
+                    : method == 5 ? simplex::Sifting::always
+                                  : simplex::Sifting::never;
+  options.seed = static_cast<std::uint64_t>(s.integer(param::kRandomSeed));
+  options.display = s.integer(TVK_PARAM_SIMDISPLAY);
+  return options;
+}
+
+LiveSimplex& live_simplex(Environment& env, Problem& problem, Control& control, simplex::Observer* observer) {
+  const simplex::Options options = engine_options(env);
+  auto* live = static_cast<LiveSimplex*>(problem.simplex.get());
+  if (live != nullptr &&
+      (live->solver.options().scaling != options.scaling || !follow_structure(problem, *live))) {
+    problem.simplex.reset();
+    live = nullptr;
+  }
+  if (live != nullptr) {
+    live->solver.set_control(control, observer);
+    live->solver.set_options(options);
+    follow_values(problem, *live);
+  } else {
+    problem.simplex = std::make_unique<LiveSimplex>(build_lp(*problem.model), options, control, observer);
+    problem.journal.start(problem.rows(), problem.columns());
+    live = static_cast<LiveSimplex*>(problem.simplex.get());
+  }
+  live->data_checked = false;  // as far as is known here
+  return *live;
+}
+
+void install_start(Environment& env, Problem& problem, LiveSimplex& live) {
+  if (env.settings.integer(TVK_PARAM_ADVIND) == 0 || !problem.start.has_basis()) {
+    live.solver.forget_basis();
+    live.start_is_mine = false;
+    return;
+  }
+  install_basis(problem, live);
+}
+
+BasisStatus starting_basis(const Problem& problem) {
+  const model::Model& model = *problem.model;
+  const Start& start = problem.start;
+  BasisStatus basis;
+  basis.column.assign(static_cast<size_t>(model.num_columns()), simplex::At::lower);
+  basis.row.assign(static_cast<size_t>(model.num_rows()), simplex::At::basic);
+  for (size_t j = 0; j < basis.column.size() && j < start.column_status.size(); ++j)
+    basis.column[j] = column_at(start.column_status[j]);
+  for (size_t i = 0; i < basis.row.size() && i < start.row_status.size(); ++i) {
+    const simplex::At at = column_at(start.row_status[i]);
+    // A row's status says on which side of its range it stands; rows with one side have but one place.
+    const char sense = model.sense()[i];
+    basis.row[i] = at == simplex::At::basic || sense == 'R' ? at
+                   : sense == 'L'                           ? simplex::At::upper
+                                                            : simplex::At::lower;
+  }
+  return basis;
+}
+
+void install_basis(Problem& problem, LiveSimplex& live) {
+  if (live.start_is_mine) return;
+  const BasisStatus basis = starting_basis(problem);
+  live.solver.set_basis(basis.column, basis.row);
+  if (!problem.norms.dual.empty() && problem.norms.dual.size() == problem.norms.head.size()) {
+    std::vector<int> head(problem.norms.head);
+    for (int& j : head) {
+      if (j < 0) j = problem.model->num_columns() - j - 1;
+    }
+    live.solver.set_dual_norms(problem.norms.dual, head);
+  }
+}
+
+LiveSimplex* current_simplex(Problem& problem) {
+  auto* live = static_cast<LiveSimplex*>(problem.simplex.get());
+  return live != nullptr && live->start_is_mine && !problem.journal.moved() ? live : nullptr;
+}
+
+namespace {
+
+/* Are the values and entries that the journal names numbers? */
+bool changes_are_numbers(const model::Model& model, const Journal& journal) {
+  const auto all = [](const double* values, int count) {
+    return std::all_of(values, values + count, [](double v) { return std::isfinite(v); });
+  };
+  const auto column = [&](int j) {
+    return std::isfinite(model.objective()[j]) && !std::isnan(model.lower()[j]) &&
+           !std::isnan(model.upper()[j]);
+  };
+  const auto row = [&](int i) { return std::isfinite(model.range()[i]) && !std::isnan(model.rhs()[i]); };
+  const auto columns = journal.columns().touched();
+  const auto rows = journal.rows().touched();
+  if (!std::all_of(columns.begin(), columns.end(), column) || !std::all_of(rows.begin(), rows.end(), row))
+    return false;
+  for (int j = model.num_columns() - journal.columns().added(); j < model.num_columns(); ++j) {
+    if (!column(j) || !all(model.column(j).value, model.column(j).count)) return false;
+  }
+  for (int i = model.num_rows() - journal.rows().added(); i < model.num_rows(); ++i) {
+    if (!row(i) || !all(model.row(i).value, model.row(i).count)) return false;
+  }
+  return true;
+}
+
+}  // namespace
+
+Status check_data(Environment& env, Problem& problem) {
+  const auto* live = static_cast<const LiveSimplex*>(problem.simplex.get());
+  const bool known = live != nullptr && live->data_checked && !problem.journal.values_lost();
+  if (known && changes_are_numbers(*problem.model, problem.journal)) return {};
+  return check_finite(env, *problem.model, live == nullptr || problem.journal.moved());
+}
+
+StartIs judge_start(Environment& env, Problem& problem) {
+  auto* live = static_cast<LiveSimplex*>(problem.simplex.get());
+  if (live == nullptr || !live->start_is_mine || !live->data_checked || problem.journal.structure_lost() ||
+      !check_data(env, problem).ok() || engine_options(env).scaling != live->solver.options().scaling) {
+    return StartIs::unknown;
+  }
+  EngineGuard guard(problem);
+  if (!follow_structure(problem, *live)) return StartIs::unknown;
+  live->solver.set_options(engine_options(env));
+  follow_values(problem, *live);
+  const simplex::Standing::State state = live->solver.standing();
+  guard.arrived();
+  switch (state) {
+    case simplex::Standing::State::optimal:
+    case simplex::Standing::State::primal_feasible:
+      return StartIs::feasible;
+    case simplex::Standing::State::primal_infeasible:
+      return StartIs::infeasible;
+    default:
+      return StartIs::unknown;
+  }
+}
+
+}  // namespace tovik::lp::dispatch

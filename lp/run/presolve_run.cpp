@@ -1,0 +1,280 @@
+#include "lp/run/presolve_run.h"
+
+#include <new>
+#include <utility>
+
+#include "env/channel.h"
+#include "include/tovik.h"
+#include "lp/binding/build_lp.h"
+#include "lp/binding/engine_control.h"
+#include "lp/presolve/dualize.h"
+#include "lp/presolve/forward.h"
+#include "lp/presolve_record/presolved.h"
+#include "lp/run/iteration_log.h"
+#include "lp/run/live_simplex.h"
+#include "lp/run/simplex_run.h"
+#include "lp/run/user_point.h"
+#include "param/hidden.h"
+
+namespace tovik::lp::dispatch {
+namespace {
+
+using simplex::Outcome;
+
+Outcome outcome_of(Stop stop) {
+  switch (stop) {
+    case Stop::time_limit:
+      return Outcome::time_limit;
+    case Stop::tick_limit:
+      return Outcome::tick_limit;
+    default:
+      return Outcome::user_abort;
+  }
+}
+
+presolve::Point point_of(simplex::Answer answer) {
+  return {std::move(answer.x), std::move(answer.d), std::move(answer.y), std::move(answer.column_status),
+          std::move(answer.row_status)};
+}
+
+/* One run: the pieces in the order in which they are done. */
+class PresolvedRun {
+ public:
+  PresolvedRun(Environment& env, Problem& problem, simplex::Method method)
+      : env_(env),
+        problem_(problem),
+        method_(method),
+        options_(engine_options(env)),
+        record_(kept_record(problem)) {}
+
+  Status run() {
+    if (record_ == nullptr && !make_record()) return solve_original(method_);
+    const presolve::Reduction& reduction = record_->reduction;
+    if (record_->conclusion == Conclusion::infeasible) return publish_infeasible();
+    if (!reduction.changed && reduction.stop == Stop::none) {
+      own_record_.reset();
+      return run_simplex(env_, problem_, method_);
+    }
+    const Outcome outcome = solve_reduced();
+    switch (outcome) {
+      case Outcome::infeasible:
+        return proves_infeasible(record_->original,
+                                 presolve::carry_proof(record_->original, reduction, answer_.farkas),
+                                 record_->proof)
+                   ? publish_infeasible()
+                   : solve_original(method_);
+      case Outcome::unbounded:
+        bring_back();
+        return go_on(simplex::Method::primal);
+      case Outcome::infeasible_or_unbounded:
+      case Outcome::singular:
+      case Outcome::trouble:
+        return solve_original(method_);
+      default:
+        return conclude(outcome);
+    }
+  }
+
+ private:
+  bool make_record() {
+    try {
+      own_record_ = make_presolved(env_, problem_);
+    } catch (const std::bad_alloc&) {
+      message(env_.warning_channel, "Insufficient memory for presolve.\n");
+      return false;
+    }
+    record_ = own_record_.get();
+    if (options_.display != 0)
+      message(env_.results_channel, "Presolve time = %7.2f sec.\n", record_->seconds);
+    return true;
+  }
+
+  /* Fills answer_ with the answer to the reduced problem; where presolve was stopped, with its slack basis.
+   */
+  Outcome solve_reduced() {
+    const presolve::Reduction& reduction = record_->reduction;
+    if (record_->all_removed()) {
+      answer_.method = method_;
+      return Outcome::optimal;
+    }
+    if (wants_dual_form()) return solve_dual_form();
+    EngineControl control(env_, problem_, 1);
+    IterationLog log(env_, problem_, options_.display);
+    log.set_origin(reduction.row_map, reduction.column_map);
+    simplex::Solver solver(reduction.lp, options_, control, &log);
+    set_objective_limits(env_, problem_, solver);
+    if (starts_from_basis()) install_crushed(solver);
+    Outcome outcome = outcome_of(reduction.stop);
+    if (reduction.stop == Stop::none) {
+      outcome = solver.solve(method_);
+    } else {
+      solver.extract();
+    }
+    beginning_.counters = solver.core().counters;
+    answer_ = solver.release_answer();
+    return outcome;
+  }
+
+  /* Not with a basis to start from, nor with limits on an objective that the dual approaches from the other
+   * side.
+   */
+  bool wants_dual_form() const {
+    constexpr double kNoLimit = 1e75;
+    const Settings& s = env_.settings;
+    const int wish = s.integer(TVK_PARAM_PREDUAL);
+    if (wish < 0 || record_->reduction.stop != Stop::none || starts_from_basis() ||
+        s.real(TVK_PARAM_OBJULIM) < kNoLimit || s.real(TVK_PARAM_OBJLLIM) > -kNoLimit) {
+      return false;
+    }
+    return wish > 0 || presolve::dualization_pays(record_->reduction.lp);
+  }
+
+  /* As solve_reduced, by the dual form: its dual simplex is the primal's on the reduced problem and the other
+   * way round. A run that a limit ends has no point of the reduced problem but that of the slack basis. */
+  Outcome solve_dual_form() {
+    const LpData& reduced = record_->reduction.lp;
+    if (env_.settings.integer(param::kPresolveDisplay) != 0)
+      message(env_.results_channel, "DUAL formed by presolve\n");
+    const presolve::DualForm form = presolve::dualize(reduced);
+    EngineControl control(env_, problem_, 1);
+    simplex::Solver solver(form.lp, options_, control, nullptr);
+    const Outcome outcome =
+        solver.solve(method_ == simplex::Method::dual ? simplex::Method::primal : simplex::Method::dual);
+    beginning_.counters = solver.core().counters;
+    simplex::Answer dual = solver.release_answer();
+    answer_ = simplex::Answer{};
+    answer_.method = method_;
+    switch (outcome) {
+      case Outcome::optimal:
+        take_point(presolve::undualize(reduced, form, point_of(std::move(dual))));
+        return outcome;
+      case Outcome::unbounded:
+        answer_.farkas = presolve::row_multipliers(form, dual.ray);
+        return Outcome::infeasible;
+      case Outcome::infeasible:
+        return Outcome::infeasible_or_unbounded;
+      default:
+        take_slack_basis(reduced);
+        return outcome;
+    }
+  }
+
+  void take_point(presolve::Point point) {
+    answer_.x = std::move(point.x);
+    answer_.d = std::move(point.d);
+    answer_.y = std::move(point.y);
+    answer_.column_status = std::move(point.column);
+    answer_.row_status = std::move(point.row);
+  }
+
+  void take_slack_basis(const LpData& lp) {
+    EngineControl control(env_, problem_, 1);
+    simplex::Solver solver(lp, options_, control, nullptr);
+    solver.extract();
+    answer_ = solver.release_answer();
+    answer_.method = method_;
+  }
+
+  bool starts_from_basis() const {
+    return env_.settings.integer(TVK_PARAM_ADVIND) != 0 && problem_.start.has_basis();
+  }
+
+  /* The problem's starting basis in the reduced problem; the engine completes and repairs it. */
+  void install_crushed(simplex::Solver& solver) const {
+    BasisStatus basis = starting_basis(problem_);
+    const presolve::Basis crushed =
+        presolve::crush_basis(record_->reduction, {std::move(basis.column), std::move(basis.row)});
+    solver.set_basis(crushed.column, crushed.row);
+  }
+
+  /* answer_ becomes the answer to the problem itself. */
+  void bring_back() {
+    const simplex::Method moved = answer_.method;
+    const LpData& lp = record_->original;
+    answer_ = complete_point(lp, presolve::postsolve(lp, record_->reduction, point_of(std::move(answer_))));
+    answer_.method = moved;
+    answer_.primal_feasible = answer_.violation.primal() <= options_.primal_tolerance;
+    answer_.dual_feasible = answer_.violation.dual <= options_.dual_tolerance;
+  }
+
+  Status conclude(Outcome outcome) {
+    bring_back();
+    if (outcome == Outcome::optimal && !is_final(record_->original, answer_, options_)) return go_on(method_);
+    return finish(status_code(outcome, false));
+  }
+
+  /* The answer stands; the problem's own engine is made when something asks for it. */
+  Status finish(int status) {
+    leave_engine();
+    publish(problem_, std::move(answer_), beginning_.counters);
+    problem_.status = status;
+    return {};
+  }
+
+  /* The point of an infeasible problem: all rows basic, columns at their bounds. */
+  Status publish_infeasible() {
+    const LpData& lp = record_->original;
+    presolve::Point point;
+    point.x.assign(lp.cost.size(), 0.0);
+    point.y.assign(lp.row_lower.size(), 0.0);
+    point.row.assign(lp.row_lower.size(), simplex::At::basic);
+    for (int j = 0; j < lp.num_columns(); ++j)
+      point.column.push_back(lp.lower[j] > -kInf  ? simplex::At::lower
+                             : lp.upper[j] < kInf ? simplex::At::upper
+                                                  : simplex::At::free);
+    answer_ = complete_point(lp, std::move(point));
+    answer_.method = method_;
+    answer_.farkas = record_->proof.multipliers;
+    answer_.farkas_gap = record_->proof.gap;
+    return finish(status_code(Outcome::infeasible, false));
+  }
+
+  /* From the point that was brought back. */
+  Status go_on(simplex::Method method) {
+    leave_engine();
+    own_record_.reset();
+    const simplex::Counters counters = beginning_.counters;
+    publish(problem_, std::move(answer_), counters);
+    beginning_.from_start = true;
+    return run_simplex(env_, problem_, method, beginning_);
+  }
+
+  /* Presolve did not help: it is gone with what it left. */
+  Status solve_original(simplex::Method method) {
+    own_record_.reset();
+    problem_.presolve.reset();
+    return run_simplex(env_, problem_, method, beginning_);
+  }
+
+  /* An engine that the problem holds stands on another basis from now on. */
+  void leave_engine() {
+    problem_.factor_current = false;
+    problem_.norms = Norms{};
+    if (auto* live = static_cast<LiveSimplex*>(problem_.simplex.get()); live != nullptr)
+      live->start_is_mine = false;
+  }
+
+  Environment& env_;
+  Problem& problem_;
+  const simplex::Method method_;
+  const simplex::Options options_;
+  Beginning beginning_;
+  std::unique_ptr<Presolved> own_record_;
+  Presolved* record_;  // the one that the problem keeps, or own_record_
+  simplex::Answer answer_;
+};
+
+}  // namespace
+
+bool wants_presolve(const Environment& env, const Problem& problem) {
+  if (env.settings.integer(TVK_PARAM_PREIND) == 0) return false;
+  if (kept_record(problem) != nullptr || !problem.start.has_basis()) return true;
+  return env.settings.integer(TVK_PARAM_ADVIND) != 1;
+}
+
+Status run_presolved(Environment& env, Problem& problem, simplex::Method method) {
+  if (const Status finite = check_finite(env, *problem.model, true); !finite.ok()) return finite;
+  return PresolvedRun(env, problem, method).run();
+}
+
+}  // namespace tovik::lp::dispatch

@@ -1,0 +1,221 @@
+#include "lp/run/simplex_run.h"
+
+#include <span>
+#include <utility>
+
+#include "include/tovik.h"
+#include "lp/binding/engine_control.h"
+#include "lp/run/iteration_log.h"
+#include "lp/run/live_simplex.h"
+#include "model/store/model.h"
+
+namespace tovik::lp::dispatch {
+namespace {
+
+int start_code(simplex::At at) {
+  return static_cast<int>(at);
+}
+
+/* Row statuses as users write them: 0 for a row standing at its right-hand side; 0 or 2 for the lower or
+ * upper end of a ranged row. */
+int row_start_code(simplex::At at, char sense) {
+  if (at == simplex::At::basic || sense == 'R') return start_code(at);
+  return start_code(simplex::At::lower);
+}
+
+/* The user's signs; never -0. */
+double times(double sign, double value) {
+  return value == 0 ? 0 : sign * value;
+}
+
+}  // namespace
+
+int status_code(simplex::Outcome outcome, bool unscaled_infeasible) {
+  switch (outcome) {
+    case simplex::Outcome::optimal:
+      return unscaled_infeasible ? 5 : 1;
+    case simplex::Outcome::unbounded:
+      return 2;
+    case simplex::Outcome::infeasible:
+      return 3;
+    case simplex::Outcome::infeasible_or_unbounded:
+      return 4;
+    case simplex::Outcome::objective_limit:
+      return 12;
+    case simplex::Outcome::iteration_limit:
+      return 10;
+    case simplex::Outcome::time_limit:
+      return 11;
+    case simplex::Outcome::tick_limit:
+      return 900;
+    case simplex::Outcome::user_abort:
+      return 13;
+    default:
+      return 6;
+  }
+}
+
+namespace {
+
+/* Writes entries of an answer into arrays that have its size. */
+class AnswerWriter {
+ public:
+  AnswerWriter(const model::Model& model, const simplex::Answer& answer, Solution& solution, Start& start)
+      : sign_(model.objective_sense()),
+        rhs_(model.rhs()),
+        sense_(model.sense()),
+        answer_(answer),
+        solution_(solution),
+        start_(start) {}
+
+  void column(int j) {
+    column_values(j);
+    column_status(j);
+  }
+  void row(int i) {
+    row_values(i);
+    row_status(i);
+  }
+  /* Without a factor there are values but no statuses. */
+  void all() {
+    for (size_t j = 0; j < answer_.x.size(); ++j) column_values(static_cast<int>(j));
+    for (size_t i = 0; i < answer_.activity.size(); ++i) row_values(static_cast<int>(i));
+    for (size_t j = 0; j < answer_.column_status.size(); ++j) column_status(static_cast<int>(j));
+    for (size_t i = 0; i < answer_.row_status.size(); ++i) row_status(static_cast<int>(i));
+  }
+
+ private:
+  void column_values(int j) {
+    solution_.x[j] = answer_.x[j];
+    solution_.dj[j] = times(sign_, answer_.d[j]);
+  }
+  void row_values(int i) {
+    solution_.slack[i] = rhs_[i] - answer_.activity[i];
+    solution_.pi[i] = times(sign_, answer_.y[i]);
+  }
+  void column_status(int j) { start_.column_status[j] = start_code(answer_.column_status[j]); }
+  void row_status(int i) { start_.row_status[i] = row_start_code(answer_.row_status[i], sense_[i]); }
+
+  double sign_;
+  std::span<const double> rhs_;
+  std::span<const char> sense_;
+  const simplex::Answer& answer_;
+  Solution& solution_;
+  Start& start_;
+};
+
+/* All that is not one entry a row or column. */
+void write_summary(const simplex::Answer& answer, const simplex::Counters& counters, double sign,
+                   Solution& solution) {
+  solution.objective = sign * answer.objective + 0.0;  // never -0
+  solution.method = answer.method == simplex::Method::primal ? 1 : 2;
+  solution.has_basis = true;
+  solution.primal_feasible = answer.primal_feasible;
+  solution.dual_feasible = answer.dual_feasible;
+  solution.iterations = static_cast<int>(counters.iterations);
+  solution.phase1_iterations = static_cast<int>(counters.phase1_iterations);
+  solution.factorizations = static_cast<int>(counters.factorizations);
+  solution.farkas_gap = answer.farkas_gap;
+}
+
+/* Gives arrays the sizes of the answer's; where memory is short nothing changes. */
+void fit(const simplex::Answer& answer, Solution& solution, Start& start) {
+  const auto each = [&](auto f) {
+    f(solution.x, answer.x.size());
+    f(solution.dj, answer.d.size());
+    f(solution.slack, answer.activity.size());
+    f(solution.pi, answer.y.size());
+    f(start.column_status, answer.column_status.size());
+    f(start.row_status, answer.row_status.size());
+  };
+  each([](auto& v, size_t size) {
+    if (size > v.capacity()) v.reserve(size + size / 8);
+  });
+  each([](auto& v, size_t size) { v.resize(size); });
+}
+
+/* Into arrays of the right size. */
+void publish_in_place(Problem& problem, const simplex::Solver& solver) {
+  AnswerWriter writer(*problem.model, solver.answer(), *problem.solution, problem.start);
+  if (solver.answer_is_new()) {
+    writer.all();
+  } else {
+    for (const int j : solver.changed_columns()) writer.column(j);
+    for (const int i : solver.changed_rows()) writer.row(i);
+  }
+  write_summary(solver.answer(), solver.counters(), problem.model->objective_sense(), *problem.solution);
+  problem.solution->ray.clear();
+  problem.solution->farkas.clear();
+  problem.start.change_level = 0;
+}
+
+}  // namespace
+
+void publish(Problem& problem, const simplex::Answer& answer, const simplex::Counters& counters) {
+  auto solution = std::make_unique<Solution>();
+  Start start;
+  solution->x.resize(answer.x.size());
+  solution->dj.resize(answer.d.size());
+  solution->slack.resize(answer.activity.size());
+  solution->pi.resize(answer.y.size());
+  start.column_status.resize(answer.column_status.size());
+  start.row_status.resize(answer.row_status.size());
+  solution->ray = answer.ray;
+  solution->farkas = answer.farkas;
+  AnswerWriter(*problem.model, answer, *solution, start).all();
+  write_summary(answer, counters, problem.model->objective_sense(), *solution);
+  problem.solution = std::move(solution);
+  problem.start = std::move(start);  // values to start from belonged to the basis before
+}
+
+void publish(Problem& problem, simplex::Solver& solver) {
+  const simplex::Answer& answer = solver.answer();
+  const bool kept = problem.solution != nullptr && problem.solution->keeper == &solver &&
+                    problem.start.keeper == &solver && answer.ray.empty() && answer.farkas.empty();
+  if (kept) {
+    fit(answer, *problem.solution, problem.start);
+    publish_in_place(problem, solver);
+  } else {
+    publish(problem, answer, solver.counters());
+    problem.solution->keeper = problem.start.keeper = &solver;
+  }
+  solver.answer_taken();
+}
+
+void set_objective_limits(const Environment& env, const Problem& problem, simplex::Solver& solver) {
+  const double low = env.settings.real(TVK_PARAM_OBJLLIM);
+  const double high = env.settings.real(TVK_PARAM_OBJULIM);
+  const bool maximize = problem.model->objective_sense() < 0;
+  solver.set_objective_limits(maximize ? -high : low, maximize ? -low : high);
+}
+
+Status run_simplex(Environment& env, Problem& problem, simplex::Method method, const Beginning& beginning) {
+  if (const Status finite = check_data(env, problem); !finite.ok()) return finite;
+  EngineGuard guard(problem);
+  EngineControl control(env, problem, 1);
+  IterationLog log(env, problem, env.settings.integer(TVK_PARAM_SIMDISPLAY));
+  LiveSimplex& live = live_simplex(env, problem, control, &log);
+  if (beginning.from_start) {
+    install_basis(problem, live);
+  } else {
+    install_start(env, problem, live);
+  }
+  live.start_is_mine = false;  // until this run has ended in order
+  live.data_checked = true;
+  set_objective_limits(env, problem, live.solver);
+  live.solver.set_counters(beginning.counters);
+  if (env.callbacks.lp != nullptr) live.solver.look_again();  // it is called by the algorithms
+  const simplex::Outcome outcome = live.solver.solve(method);
+  live.solver.detach();
+  if (outcome == simplex::Outcome::singular) return Status(1256);
+  const int status = status_code(outcome, live.solver.answer().unscaled_infeasible);
+  publish(problem, live.solver);
+  problem.status = status;
+  problem.factor_current = true;
+  live.start_is_mine = true;
+  live.norms_are_told = true;
+  guard.arrived();
+  return {};
+}
+
+}  // namespace tovik::lp::dispatch

@@ -1,0 +1,97 @@
+#include "lp/run/start_basis.h"
+
+#include <utility>
+
+#include "lp/run/live_simplex.h"
+#include "model/store/model.h"
+
+namespace tovik::lp::dispatch {
+namespace {
+
+Status check_statuses(Environment& env, const int* status, int count) {
+  for (int k = 0; k < count; ++k) {
+    if (status[k] < 0 || status[k] > 3) return fail(env, 1253, k);
+  }
+  return {};
+}
+
+std::vector<double> optional_copy(const double* values, int count) {
+  return values == nullptr ? std::vector<double>{} : std::vector<double>(values, values + count);
+}
+
+/* What the engine stands on no longer counts as the problem's start. */
+void release_engine(Problem& problem) {
+  if (auto* live = static_cast<LiveSimplex*>(problem.simplex.get()); live != nullptr)
+    live->start_is_mine = false;
+  problem.status = 0;
+}
+
+}  // namespace
+
+Status copy_start(Environment& env, Problem& problem, const StartArrays& arrays) {
+  const int columns = problem.model->num_columns();
+  const int rows = problem.model->num_rows();
+  if ((arrays.column_status == nullptr) != (arrays.row_status == nullptr)) return Status(1004);
+  const bool values = arrays.column_primal || arrays.row_primal || arrays.column_dual || arrays.row_dual;
+  if (arrays.column_status == nullptr && !values) return Status(1004);
+  Start start;
+  if (arrays.column_status != nullptr) {
+    if (const Status s = check_statuses(env, arrays.column_status, columns); !s.ok()) return s;
+    if (const Status s = check_statuses(env, arrays.row_status, rows); !s.ok()) return s;
+    start.column_status.assign(arrays.column_status, arrays.column_status + columns);
+    start.row_status.assign(arrays.row_status, arrays.row_status + rows);
+  }
+  start.primal = optional_copy(arrays.column_primal, columns);
+  start.row_primal = optional_copy(arrays.row_primal, rows);
+  start.dual = optional_copy(arrays.column_dual, columns);
+  start.row_dual = optional_copy(arrays.row_dual, rows);
+  problem.start = std::move(start);
+  problem.norms = Norms{};
+  release_engine(problem);
+  return {};
+}
+
+Status get_base(Problem& problem, int* column_status, int* row_status) {
+  const Start& start = problem.start;
+  if (!start.has_basis()) return Status(1262);
+  if (column_status != nullptr)
+    std::copy(start.column_status.begin(), start.column_status.end(), column_status);
+  if (row_status != nullptr) std::copy(start.row_status.begin(), start.row_status.end(), row_status);
+  return {};
+}
+
+Status copy_dual_norms(Problem& problem, const double* norms, const int* head, int length) {
+  if (length < 0 || length > problem.model->num_rows()) return Status(1003);
+  if (length > 0 && (norms == nullptr || head == nullptr)) return Status(1004);
+  for (int k = 0; k < length; ++k) {
+    if (head[k] >= problem.model->num_columns() || head[k] < -problem.model->num_rows()) return Status(1200);
+    if (!(norms[k] > 0)) return Status(1003);
+  }
+  Norms copy = problem.norms;
+  copy.dual.assign(norms, norms + length);
+  copy.head.assign(head, head + length);
+  problem.norms = std::move(copy);
+  return {};
+}
+
+Status get_dual_norms(Problem& problem, double* norms, int* head, int* length) {
+  if (norms == nullptr || head == nullptr || length == nullptr) return Status(1004);
+  if (const LiveSimplex* live = current_simplex(problem);
+      live != nullptr && live->norms_are_told && live->solver.has_dual_norms()) {
+    const simplex::Core& core = live->solver.core();
+    const std::vector<double>& weights = live->solver.dual_norms();
+    for (int p = 0; p < core.m; ++p) {
+      norms[p] = weights[p];
+      head[p] = core.head[p] < core.n ? core.head[p] : -(core.head[p] - core.n) - 1;
+    }
+    *length = core.m;
+    return {};
+  }
+  if (problem.norms.dual.empty()) return Status(1264);
+  std::copy(problem.norms.dual.begin(), problem.norms.dual.end(), norms);
+  std::copy(problem.norms.head.begin(), problem.norms.head.end(), head);
+  *length = static_cast<int>(problem.norms.dual.size());
+  return {};
+}
+
+}  // namespace tovik::lp::dispatch

@@ -1,0 +1,82 @@
+#include "lp/run/user_point.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "lp/linalg/sum.h"
+
+namespace tovik::lp::dispatch {
+namespace {
+
+using simplex::At;
+
+/* Where a nonbasic variable must stand; what a status without a bound says is no place at all. */
+double place(At at, double lower, double upper) {
+  return at == At::lower ? lower : at == At::upper ? upper : 0.0;
+}
+
+/* Nonbasics with equal bounds get the status that the simplex engine gives them, so that a basis compares
+ * equal whichever way it was found. */
+void settle_fixed(At& at, At settled, double lower, double upper) {
+  if (at != At::basic && lower == upper) at = settled;
+}
+
+}  // namespace
+
+simplex::Answer complete_point(const LpData& lp, presolve::Point point) {
+  simplex::Answer answer;
+  const auto rows = static_cast<size_t>(lp.num_rows());
+  const auto columns = static_cast<size_t>(lp.num_columns());
+  answer.x = std::move(point.x);
+  answer.y = std::move(point.y);
+  answer.column_status = std::move(point.column);
+  answer.row_status = std::move(point.row);
+  answer.d.resize(columns);
+  std::vector<CompensatedSum> activity(rows);
+  CompensatedSum objective;
+  objective.add(lp.offset);
+  for (size_t i = 0; i < rows; ++i)
+    settle_fixed(answer.row_status[i], At::upper, lp.row_lower[i], lp.row_upper[i]);
+  for (size_t j = 0; j < columns; ++j) {
+    settle_fixed(answer.column_status[j], At::lower, lp.lower[j], lp.upper[j]);
+    const At at = answer.column_status[j];
+    const double bound = place(at, lp.lower[j], lp.upper[j]);
+    if (at != At::basic && at != At::free && !std::isinf(bound)) answer.x[j] = bound;
+    CompensatedSum d;
+    d.add(lp.cost[j]);
+    for (int k = lp.matrix.start[j]; k < lp.matrix.start[j + 1]; ++k) {
+      const int i = lp.matrix.index[k];
+      d.add_product(-lp.matrix.value[k], answer.y[i]);
+      if (answer.x[j] != 0) activity[i].add_product(lp.matrix.value[k], answer.x[j]);
+    }
+    answer.d[j] = d.value();
+    objective.add_product(lp.cost[j], answer.x[j]);
+  }
+  answer.activity.resize(rows);
+  for (size_t i = 0; i < rows; ++i) answer.activity[i] = activity[i].value();
+  answer.objective = objective.value();
+  answer.violation = simplex::measure_violation(lp, answer);
+  answer.has_values = true;
+  return answer;
+}
+
+bool is_final(const LpData& lp, const simplex::Answer& answer, const simplex::Options& options) {
+  if (!(answer.violation.primal() <= options.primal_tolerance) ||
+      !(answer.violation.dual <= options.dual_tolerance) || !std::isfinite(answer.objective))
+    return false;
+  int basics = 0;
+  const auto stands = [&](At at, double value, double lower, double upper) {
+    if (at == At::basic) return ++basics > 0;
+    return std::fabs(value - place(at, lower, upper)) <= options.primal_tolerance;
+  };
+  for (int j = 0; j < lp.num_columns(); ++j) {
+    if (!stands(answer.column_status[j], answer.x[j], lp.lower[j], lp.upper[j])) return false;
+  }
+  for (int i = 0; i < lp.num_rows(); ++i) {
+    if (!stands(answer.row_status[i], answer.activity[i], lp.row_lower[i], lp.row_upper[i])) return false;
+  }
+  return basics == lp.num_rows();
+}
+
+}  // namespace tovik::lp::dispatch

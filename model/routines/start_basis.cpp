@@ -1,0 +1,117 @@
+#include "model/routines/start_basis.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <vector>
+
+#include "model/store/model.h"
+
+namespace tovik::model {
+
+namespace {
+
+constexpr int kAtLower = 0, kBasic = 1, kAtUpper = 2, kFree = 3;
+
+void reserve_entries(std::vector<int>& status, int more) {
+  const std::size_t size = status.size() + static_cast<std::size_t>(more);
+  if (size > status.capacity()) status.reserve(std::max(size, status.capacity() + status.capacity() / 2));
+}
+
+int resting_status(double lower, double upper) {
+  const bool has_lower = lower > -kInfinity, has_upper = upper < kInfinity;
+  if (has_lower && has_upper) return std::fabs(lower) <= std::fabs(upper) ? kAtLower : kAtUpper;
+  if (has_lower) return kAtLower;
+  return has_upper ? kAtUpper : kFree;
+}
+
+/* Starting values are one per row or column as well, but of use only for the model they were given for. */
+void drop_values(Start& start) noexcept {
+  for (auto* values : {&start.primal, &start.row_primal, &start.dual, &start.row_dual}) values->clear();
+}
+
+void drop_basis(Start& start) noexcept {
+  start.column_status.clear();
+  start.row_status.clear();
+}
+
+/* Takes a range out of the statuses; returns how many of it were basic. */
+std::ptrdiff_t take(std::vector<int>& status, int first, int last) noexcept {
+  const auto begin = status.begin() + first, end = status.begin() + last + 1;
+  const std::ptrdiff_t basic = std::count(begin, end, kBasic);
+  status.erase(begin, end);
+  return basic;
+}
+
+std::ptrdiff_t take(std::vector<int>& status, std::span<const int> marks) noexcept {
+  std::size_t kept = 0;
+  std::ptrdiff_t basic = 0;
+  for (std::size_t k = 0; k < marks.size(); ++k) {
+    if (marks[k] != 1) {
+      status[kept++] = status[k];
+    } else {
+      basic += status[k] == kBasic;
+    }
+  }
+  status.resize(kept);
+  return basic;
+}
+
+bool covers(const std::vector<int>& status, std::span<const int> marks) {
+  return status.size() == marks.size();
+}
+bool covers(const std::vector<int>& status, int last) {
+  return status.size() > static_cast<std::size_t>(last);
+}
+
+}  // namespace
+
+void reserve_start(Problem& problem, int rows, int columns) {
+  if (!problem.start.has_basis()) return;
+  reserve_entries(problem.start.row_status, rows);
+  reserve_entries(problem.start.column_status, columns);
+}
+
+void extend_start(Problem& problem) noexcept {
+  Start& start = problem.start;
+  drop_values(start);
+  if (!start.has_basis()) return;
+  const Model& model = *problem.model;
+  start.row_status.resize(static_cast<std::size_t>(model.num_rows()), kBasic);
+  const auto lower = model.lower(), upper = model.upper();
+  for (std::size_t j = start.column_status.size(); j < lower.size(); ++j) {
+    start.column_status.push_back(resting_status(lower[j], upper[j]));
+  }
+}
+
+void drop_start_rows(Problem& problem, int first, int last) noexcept {
+  Start& start = problem.start;
+  drop_values(start);
+  if (!start.has_basis()) return;
+  if (!covers(start.row_status, last) || take(start.row_status, first, last) != last - first + 1)
+    drop_basis(start);
+}
+
+void drop_start_columns(Problem& problem, int first, int last) noexcept {
+  Start& start = problem.start;
+  drop_values(start);
+  if (!start.has_basis()) return;
+  if (!covers(start.column_status, last) || take(start.column_status, first, last) != 0) drop_basis(start);
+}
+
+void drop_start_rows(Problem& problem, std::span<const int> marks) noexcept {
+  Start& start = problem.start;
+  drop_values(start);
+  if (!start.has_basis()) return;
+  const std::ptrdiff_t rows = std::count(marks.begin(), marks.end(), 1);
+  if (!covers(start.row_status, marks) || take(start.row_status, marks) != rows) drop_basis(start);
+}
+
+void drop_start_columns(Problem& problem, std::span<const int> marks) noexcept {
+  Start& start = problem.start;
+  drop_values(start);
+  if (!start.has_basis()) return;
+  if (!covers(start.column_status, marks) || take(start.column_status, marks) != 0) drop_basis(start);
+}
+
+}  // namespace tovik::model

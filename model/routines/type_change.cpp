@@ -1,0 +1,94 @@
+#include "model/routines/type_change.h"
+
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
+#include "model/store/model.h"
+#include "model/store/problem_type.h"
+
+namespace tovik::model {
+
+namespace {
+
+struct Target {
+  int type;
+  unsigned freed;
+};
+
+constexpr Target kTargets[] = {
+    {TVK_PROBTYPE_LP, kMixedIntegerData | kQuadraticObjectiveData | kQuadraticRowData},
+    {TVK_PROBTYPE_MILP, kQuadraticObjectiveData | kQuadraticRowData},
+    {TVK_PROBTYPE_QP, kMixedIntegerData | kQuadraticRowData},
+    {TVK_PROBTYPE_MIQP, kQuadraticRowData},
+    {TVK_PROBTYPE_QCP, kMixedIntegerData},
+    {TVK_PROBTYPE_MIQCP, 0},
+};
+
+/* A fixed problem is built from an incumbent, and no optimizer leaves one yet. */
+int refusal(int type) {
+  switch (type) {
+    case TVK_PROBTYPE_FIXED_MILP:
+      return TVK_ERROR_NOT_MILP;
+    case TVK_PROBTYPE_FIXED_MIQP:
+      return TVK_ERROR_NOT_MIQP;
+    case TVK_PROBTYPE_FIXED_MIQCP:
+      return TVK_ERROR_NOT_MIQCP;
+    default:
+      return TVK_ERROR_PROBLEM_TYPE;
+  }
+}
+
+void free_data(Model& model, unsigned kinds) noexcept {
+  Families& families = model.change_families();
+  if ((kinds & kMixedIntegerData) != 0) {
+    model.set_column_types({});
+    families.clear_mixed_integer();
+  }
+  if ((kinds & kQuadraticObjectiveData) != 0) families.quadratic_objective.clear();
+  if ((kinds & kQuadraticRowData) != 0) families.quadratic_rows.clear();
+}
+
+}  // namespace
+
+unsigned held_data(const Problem& problem) {
+  const bool rows = is_quadratically_constrained(problem.type);
+  const bool objective =
+      rows ? !problem.model->families().quadratic_objective.empty() : is_quadratic(problem.type);
+  return (is_mixed_integer(problem.type) ? kMixedIntegerData : 0u) |
+         (objective ? kQuadraticObjectiveData : 0u) | (rows ? kQuadraticRowData : 0u);
+}
+
+void announce_freeing(Environment& env, const Problem& problem, unsigned kinds) {
+  if (env.settings.integer(TVK_PARAM_DATACHECK) != 1) return;
+  const unsigned freed = kinds & held_data(problem);
+  if ((freed & kMixedIntegerData) != 0) message(env.warning_channel, "Freeing MIP data.\n");
+  if ((freed & kQuadraticObjectiveData) != 0) message(env.warning_channel, "Freeing QP data.\n");
+  if ((freed & kQuadraticRowData) != 0) message(env.warning_channel, "Freeing QCONSTR data.\n");
+}
+
+Status change_problem_type(Environment& env, Problem& problem, int type) {
+  if (type == problem.type && !problem.fixed()) return {};
+  const auto* const target = std::find_if(std::begin(kTargets), std::end(kTargets),
+                                          [type](const Target& t) { return t.type == type; });
+  if (target == std::end(kTargets)) return refusal(type);
+  MixedInteger with_types(problem);
+  announce_freeing(env, problem, target->freed);
+  free_data(*problem.model, target->freed);
+  if (is_mixed_integer(type)) with_types.commit();
+  problem.type = type;
+  invalidate(problem, Change::problem_type);
+  return {};
+}
+
+MixedInteger::MixedInteger(Problem& problem) : problem_(problem) {
+  if (!is_mixed_integer(problem.type)) types_.assign(problem.columns(), 'C');
+}
+
+void MixedInteger::commit() noexcept {
+  if (is_mixed_integer(problem_.type)) return;
+  problem_.model->set_column_types(std::move(types_));
+  problem_.type = mixed_integer_type(problem_.type);
+}
+
+}  // namespace tovik::model
