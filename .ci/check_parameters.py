@@ -16,7 +16,7 @@ read = {"TVK_PARAM_SCRIND"}
 LEFT_OUT = {"TVK_PARAM_MIPCBREDLP", "TVK_PARAM_THREADS", "TVK_PARAM_MEMORYEMPHASIS"}
 for path in house.files(".cpp", ".h"):
     top = path.parts[0]
-    if top in ("env", "model", "fileio", "lp", "mip"):
+    if top in ("env", "model", "fileio", "lp", "mip", "qp", "api"):
         read.update(re.findall(r"\bTVK_PARAM_\w+", house.text(path)))
 
 read -= LEFT_OUT

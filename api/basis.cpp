@@ -14,7 +14,7 @@
 #include "model/store/model.h"
 
 using namespace tovik;
-using namespace tovik::lp::dispatch;
+using namespace tovik::lp::run;
 
 namespace {
 

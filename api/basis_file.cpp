@@ -4,9 +4,8 @@
 #include "env/solution_access.h"
 #include "fileio/basis/order_file.h"
 #include "fileio/basis/vector_values.h"
-#include "fileio/dispatch/read_problem.h"
-#include "fileio/dispatch/write_problem.h"
 #include "fileio/record/channel_log.h"
+#include "fileio/stream/write_file.h"
 #include "lp/run/start_basis.h"
 #include "model/routines/family_changes.h"
 
@@ -74,9 +73,9 @@ Status read_basis_file(Environment& env, Problem& problem, const char* name) {
                                                        : read_basis(source, model, log, basis);
   });
   if (!status.ok() || model.num_columns() + model.num_rows() == 0) return status;
-  return lp::dispatch::copy_start(env, problem,
-                                  {array_of(basis.column_status), array_of(basis.row_status),
-                                   values_or_null(basis.primal), values_or_null(basis.slack)});
+  return lp::run::copy_start(env, problem,
+                             {array_of(basis.column_status), array_of(basis.row_status),
+                              values_or_null(basis.primal), values_or_null(basis.slack)});
 }
 
 Status write_vector_file(Environment& env, Problem& problem, const char* name) {
@@ -106,9 +105,9 @@ Status read_vector_file(Environment& env, Problem& problem, const char* name) {
   if (!status.ok()) return status;
   if (values.x.empty() && values.slack.empty() && values.pi.empty() && values.dj.empty())
     return TVK_ERROR_NO_VECTOR_SOLUTION;
-  return lp::dispatch::copy_start(env, problem,
-                                  {nullptr, nullptr, values_or_null(values.x), values_or_null(values.slack),
-                                   values_or_null(values.dj), values_or_null(values.pi)});
+  return lp::run::copy_start(env, problem,
+                             {nullptr, nullptr, values_or_null(values.x), values_or_null(values.slack),
+                              values_or_null(values.dj), values_or_null(values.pi)});
 }
 
 Status write_order_file(Environment& env, Problem& problem, const char* name) {

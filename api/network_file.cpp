@@ -1,4 +1,5 @@
 #include "env/entry.h"
+#include "fileio/dispatch/read_problem.h"
 #include "fileio/network/file.h"
 #include "fileio/stream/stream.h"
 

@@ -12,15 +12,15 @@ using lp::simplex::Method;
 namespace {
 
 Status optimize(Environment& env, Problem& problem, Method method) {
-  const lp::dispatch::Profile profile(env, 2);
-  return lp::dispatch::wants_presolve(env, problem) ? lp::dispatch::run_presolved(env, problem, method)
-                                                    : lp::dispatch::run_simplex(env, problem, method);
+  const lp::run::Profile profile(env, 2);
+  return lp::run::wants_presolve(env, problem) ? lp::run::run_presolved(env, problem, method)
+                                               : lp::run::run_simplex(env, problem, method);
 }
 
 int run(ConstEnvHandle env, ProbHandle lp, Method method) {
   return with_problem(env, lp, [&](Environment& e, Problem& p) -> Status {
-    if (const Status status = lp::dispatch::check_continuous(p); !status.ok()) return status;
-    const lp::dispatch::OptimizerFrame frame(e);
+    if (const Status status = lp::run::check_continuous(p); !status.ok()) return status;
+    const lp::run::OptimizerFrame frame(e);
     return optimize(e, p, method);
   });
 }
@@ -52,10 +52,10 @@ int TVKprimopt(ConstEnvHandle env, ProbHandle lp) {
 
 int TVKlpopt(ConstEnvHandle env, ProbHandle lp) {
   return with_problem(env, lp, [&](Environment& e, Problem& p) -> Status {
-    if (const Status status = lp::dispatch::check_continuous(p); !status.ok()) return status;
-    const lp::dispatch::OptimizerFrame frame(e);
-    int method = lp::dispatch::resolve_method(e, p, true);
-    if (method == 6) method = lp::dispatch::resolve_method(e, p, false);
+    if (const Status status = lp::run::check_continuous(p); !status.ok()) return status;
+    const lp::run::OptimizerFrame frame(e);
+    int method = lp::run::resolve_method(e, p, true);
+    if (method == 6) method = lp::run::resolve_method(e, p, false);
     // Network and barrier are answered by the dual simplex; sifting begins either.
     return optimize(e, p, method == 1 ? Method::primal : Method::dual);
   });
@@ -63,8 +63,8 @@ int TVKlpopt(ConstEnvHandle env, ProbHandle lp) {
 
 int TVKsiftopt(ConstEnvHandle env, ProbHandle lp) {
   return with_problem(env, lp, [&](Environment& e, Problem& p) -> Status {
-    if (const Status status = lp::dispatch::check_continuous(p); !status.ok()) return status;
-    const lp::dispatch::OptimizerFrame frame(e);
+    if (const Status status = lp::run::check_continuous(p); !status.ok()) return status;
+    const lp::run::OptimizerFrame frame(e);
     const SiftingAsked asked(e);
     return optimize(e, p, Method::primal);
   });
@@ -73,7 +73,7 @@ int TVKsiftopt(ConstEnvHandle env, ProbHandle lp) {
 int TVKcheckpfeas(ConstEnvHandle env, ProbHandle lp, int* infeas_p) {
   return with_problem(env, lp, [&](Environment& e, Problem& p) -> Status {
     if (infeas_p == nullptr) return Status(1004);
-    if (const Status status = lp::dispatch::check_continuous(p); !status.ok()) return status;
-    return lp::dispatch::most_infeasible_basic(e, p, infeas_p);
+    if (const Status status = lp::run::check_continuous(p); !status.ok()) return status;
+    return lp::run::most_infeasible_basic(e, p, infeas_p);
   });
 }

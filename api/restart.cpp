@@ -14,7 +14,7 @@ Norms norms_of(Problem& problem) {
   norms.head.resize(problem.rows());
   int length = 0;
   const bool held = problem.rows() != 0 &&
-                    lp::dispatch::get_dual_norms(problem, norms.dual.data(), norms.head.data(), &length).ok();
+                    lp::run::get_dual_norms(problem, norms.dual.data(), norms.head.data(), &length).ok();
   norms.dual.resize(held ? static_cast<std::size_t>(length) : 0);
   norms.head.resize(norms.dual.size());
   return norms;

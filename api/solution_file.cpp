@@ -4,9 +4,8 @@
 #include "env/entry.h"
 #include "env/solution_access.h"
 #include "env/status_table.h"
-#include "fileio/dispatch/read_problem.h"
-#include "fileio/dispatch/write_problem.h"
 #include "fileio/record/channel_log.h"
+#include "fileio/stream/write_file.h"
 #include "fileio/xml/solution_file.h"
 #include "lp/basis_query/quality.h"
 #include "lp/run/start_basis.h"
@@ -49,9 +48,9 @@ void add_quality(Environment& env, Problem& problem, bool duals, SolutionReport&
   const std::span<const QualityName> measures =
       duals ? std::span<const QualityName>(kQuality) : kPrimalQuality;
   for (const auto& [name, what] : measures) {
-    lp::dispatch::Measure measure;
+    lp::run::Measure measure;
     if (what == TVK_QUALITY_KAPPA && report.type != 1) continue;
-    if (lp::dispatch::measure_quality(env, problem, what, &measure).ok())
+    if (lp::run::measure_quality(env, problem, what, &measure).ok())
       report.quality.emplace_back(name, measure.value);
   }
 }
@@ -157,7 +156,7 @@ const double* complete(const std::vector<double>& values) {
 
 /* The basis and the values of a solution, as far as they are complete. */
 Status copy_start(Environment& env, Problem& problem, const SolutionFile& solution) {
-  lp::dispatch::StartArrays arrays;
+  lp::run::StartArrays arrays;
   if (is_complete(solution.column_status, problem.columns()) && !solution.column_status.empty() &&
       is_complete(solution.row_status, problem.rows()) && !solution.row_status.empty()) {
     arrays.column_status = solution.column_status.data();
@@ -170,7 +169,7 @@ Status copy_start(Environment& env, Problem& problem, const SolutionFile& soluti
   const bool anything = arrays.column_status != nullptr || arrays.column_primal != nullptr ||
                         arrays.row_primal != nullptr || arrays.column_dual != nullptr ||
                         arrays.row_dual != nullptr;
-  if (anything) return lp::dispatch::copy_start(env, problem, arrays);
+  if (anything) return lp::run::copy_start(env, problem, arrays);
   message(env.warning_channel, "Warning: no complete solution read, no start loaded.\n");
   return {};
 }

@@ -12,7 +12,7 @@ function(tovik_public_header target)
     $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
 endfunction()
 
-target_link_libraries(tovik_fileio PRIVATE EXPAT::EXPAT)
+target_link_libraries(tovik_fileio_xml PRIVATE EXPAT::EXPAT)
 add_library(tovik SHARED ${tovik_objects})
 add_library(tovik::tovik ALIAS tovik)
 tovik_public_header(tovik)

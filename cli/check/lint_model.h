@@ -1,4 +1,4 @@
-/* The model as the checks look at it, and the checks. Each check is one file `lint_NAME.cpp`, takes time in
+/* The model as the checks look at it, and the checks. Each check is one file of this folder, takes time in
  * proportion to the entries of the matrix (a logarithm more where it sorts) and adds what it finds. */
 #pragma once
 

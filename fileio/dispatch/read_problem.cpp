@@ -40,37 +40,6 @@ class ChannelDialogue final : public DialogueLog {
   Status status_;
 };
 
-/* Prints one line of a failure. */
-Status print_failure(Environment& env, const ReadFailure& failure) {
-  using Arguments = ReadFailure::Arguments;
-  const int code = failure.code;
-  const char* text = failure.text.c_str();
-  const char* text2 = failure.text2.c_str();
-  switch (failure.arguments) {
-    case Arguments::none:
-      return fail(env, code);
-    case Arguments::i:
-      return fail(env, code, failure.first);
-    case Arguments::ii:
-      return fail(env, code, failure.first, failure.second);
-    case Arguments::s:
-      return fail(env, code, text);
-    case Arguments::ss:
-      return fail(env, code, text, text2);
-    case Arguments::sss:
-      return fail(env, code, text, text2, failure.text3.c_str());
-    case Arguments::is:
-      return fail(env, code, failure.first, text);
-    case Arguments::iss:
-      return fail(env, code, failure.first, text, text2);
-    case Arguments::ic:
-      return fail(env, code, failure.first, failure.letter);
-    case Arguments::icc:
-      return fail(env, code, failure.first, failure.letter, failure.letter2);
-  }
-  return code;
-}
-
 /* A SAV file begins with a line feed, its signature and five bytes more. */
 bool goes_on_as_sav(ByteSource& source) {
   char bytes[10];
@@ -175,18 +144,16 @@ Format format_of_name(std::string_view name) {
   return Format::unknown;
 }
 
+bool is_network_type(std::string_view type) {
+  return type.size() <= 3 && format_of_type(type) == Format::network;
+}
+
 Format format_of_first_byte(char byte) {
   if (byte == '\n') return Format::lp;
   if (static_cast<unsigned char>(byte) < 32) return Format::sav;
   if (byte == '*' || byte == 'N' || byte == 'n') return Format::mps;
   if (byte == 'M' || byte == 'm' || byte == '\\' || byte == ' ') return Format::lp;
   return Format::unknown;
-}
-
-Status report_failure(Environment& env, const ReadFailure& failure) {
-  const Status status = print_failure(env, failure);
-  for (const ReadFailure& line : failure.more) static_cast<void>(print_failure(env, line));
-  return status;
 }
 
 Status read_problem(Environment& env, Problem& problem, const char* name, const char* type) {

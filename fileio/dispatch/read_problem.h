@@ -18,6 +18,8 @@ namespace tovik::fileio {
 enum class Format { unknown, lp, mps, sav, network };
 
 Format format_of_type(std::string_view type);  // LP, MPS, SAV, MIN, NET, each as a prefix in either case
+/* "NET" or "MIN", in either case. */
+bool is_network_type(std::string_view type);
 Format format_of_name(std::string_view name);  // by extension, one compression suffix aside
 Format format_of_first_byte(char byte);
 
@@ -26,11 +28,8 @@ Format format_of_first_byte(char byte);
  * 1018, 1031 and 1022 for a file whose model needs what a problem object does not hold. */
 Status read_problem(Environment& env, Problem& problem, const char* name, const char* type);
 
-/* Reads an LP model from standard input in a dialogue (fileio/lp_dialogue.h) with prompts on the results
- * channel. The problem's name becomes "<stdin>". Codes as above. */
+/* Reads an LP model from standard input in a dialogue (fileio/lp_format/dialogue.h) with prompts on the
+ * results channel. The problem's name becomes "<stdin>". Codes as above. */
 Status read_problem_from_stdin(Environment& env, Problem& problem);
-
-/* Prints a reader's failure. */
-Status report_failure(Environment& env, const ReadFailure& failure);
 
 }  // namespace tovik::fileio

@@ -5,6 +5,7 @@
 #include "fileio/record/model_writer.h"
 #include "fileio/sav/saved_problem.h"
 #include "fileio/stream/stream.h"
+#include "fileio/stream/write_file.h"
 #include "include/tovik.h"
 
 namespace tovik::fileio {
@@ -33,10 +34,6 @@ WriteFormat write_format_of_type(std::string_view type) {
 WriteFormat write_format_of_name(std::string_view name) {
   if (compression_of(name) != Compression::none) name = name.substr(0, name.rfind('.'));
   return write_format_of_type(extension_of(name));
-}
-
-Status finish_file(TextWriter& out, ByteSink& sink) {
-  return out.close() && sink.commit() ? Status() : Status(TVK_ERROR_TEMPORARY_FILE_WRITE);
 }
 
 Status write_problem(Environment& env, const Problem& problem, const char* name, WriteFormat format) {

@@ -21,12 +21,12 @@ class TextSink final : public ByteSink {
   std::string& text_;
 };
 
-lp::ItemNames display_names(const model::Model& model) {
+lp_format::ItemNames display_names(const model::Model& model) {
   const model::Families& f = model.families();
   const auto names = [](const model::NameTable& table, char letter, int count) {
     return WriterNames::unchanged(table, letter, count);
   };
-  lp::ItemNames all;
+  lp_format::ItemNames all;
   all.objective = model.objective_name().empty() ? "obj" : model.objective_name().substr(0, kMaxNameLength);
   all.columns = names(model.column_names(), 'x', model.num_columns());
   all.rows = names(model.row_names(), 'c', model.num_rows());
@@ -44,34 +44,39 @@ class Display {
   Display(const model::Model& model, std::string& text)
       : names_(display_names(model)), sink_(text), out_(sink_), items_(model, names_, out_) {}
   void finish() { out_.close(); }
-  const lp::ItemNames& names() const { return names_; }
-  lp::Items& items() { return items_; }
+  const lp_format::ItemNames& names() const { return names_; }
+  lp_format::Items& items() { return items_; }
 
  private:
-  lp::ItemNames names_;
+  lp_format::ItemNames names_;
   TextSink sink_;
   TextWriter out_;
-  lp::Items items_;
+  lp_format::Items items_;
 };
 
 /* What is said of a kind of items, and how one is shown. */
 struct Kind {
   const char* plural;
-  const WriterNames lp::ItemNames::*names;
-  void (*show)(lp::Items& items, int k);
+  const WriterNames lp_format::ItemNames::*names;
+  void (*show)(lp_format::Items& items, int k);
 };
 
 const Kind& kind_of(Item item) {
   static constexpr Kind kKinds[] = {
-      {"constraints", &lp::ItemNames::rows, [](lp::Items& items, int k) { items.rows(k, k + 1); }},
-      {"quadratic constraints", &lp::ItemNames::quadratic,
-       [](lp::Items& items, int k) { items.quadratic_row(k); }},
-      {"indicator constraints", &lp::ItemNames::indicators,
-       [](lp::Items& items, int k) { items.indicator(k); }},
-      {"user cuts", &lp::ItemNames::user_cuts, [](lp::Items& items, int k) { items.user_cut(k); }},
-      {"lazy constraints", &lp::ItemNames::lazy, [](lp::Items& items, int k) { items.lazy_constraint(k); }},
-      {"special ordered sets", &lp::ItemNames::sets, [](lp::Items& items, int k) { items.set(k); }},
-      {"variables", &lp::ItemNames::columns, [](lp::Items& items, int k) { items.every_bound(k); }},
+      {"constraints", &lp_format::ItemNames::rows,
+       [](lp_format::Items& items, int k) { items.rows(k, k + 1); }},
+      {"quadratic constraints", &lp_format::ItemNames::quadratic,
+       [](lp_format::Items& items, int k) { items.quadratic_row(k); }},
+      {"indicator constraints", &lp_format::ItemNames::indicators,
+       [](lp_format::Items& items, int k) { items.indicator(k); }},
+      {"user cuts", &lp_format::ItemNames::user_cuts,
+       [](lp_format::Items& items, int k) { items.user_cut(k); }},
+      {"lazy constraints", &lp_format::ItemNames::lazy,
+       [](lp_format::Items& items, int k) { items.lazy_constraint(k); }},
+      {"special ordered sets", &lp_format::ItemNames::sets,
+       [](lp_format::Items& items, int k) { items.set(k); }},
+      {"variables", &lp_format::ItemNames::columns,
+       [](lp_format::Items& items, int k) { items.every_bound(k); }},
   };
   return kKinds[static_cast<std::size_t>(item)];
 }
@@ -153,7 +158,7 @@ Status display_types(Environment& env, const model::Model& model, char type, con
   }
   std::vector<int> columns;
   for (int j = selection.begin; j <= selection.end && j < names.size(); ++j) {
-    if (lp::type_of(model, j) == type && selected(selection, names[j])) columns.push_back(j);
+    if (lp_format::type_of(model, j) == type && selected(selection, names[j])) columns.push_back(j);
   }
   display.items().column_list(columns);
   display.finish();

@@ -5,7 +5,7 @@
 #include "fileio/stream/number.h"
 #include "include/tovik.h"
 
-namespace tovik::fileio::lp {
+namespace tovik::fileio::lp_format {
 namespace {
 
 constexpr std::string_view kSenses = "<>=";
@@ -171,4 +171,4 @@ bool BoundReader::read_value_first() {
   return true;
 }
 
-}  // namespace tovik::fileio::lp
+}  // namespace tovik::fileio::lp_format

@@ -8,7 +8,7 @@
 #include "fileio/lp_format/builder.h"
 #include "fileio/lp_format/scanner.h"
 
-namespace tovik::fileio::lp {
+namespace tovik::fileio::lp_format {
 
 class BoundReader {
  public:
@@ -35,4 +35,4 @@ class BoundReader {
   std::string text_;  // the statement without blanks
 };
 
-}  // namespace tovik::fileio::lp
+}  // namespace tovik::fileio::lp_format

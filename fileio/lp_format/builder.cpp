@@ -6,7 +6,7 @@
 
 #include "include/tovik.h"
 
-namespace tovik::fileio::lp {
+namespace tovik::fileio::lp_format {
 namespace {
 
 constexpr const char* kKindNames[kRowKinds] = {"Row", "Quadratic constraint", "Indicator", "Lazy Constraint",
@@ -242,4 +242,4 @@ void Builder::finish(FileModel& model) {
   fold_range_columns(model);
 }
 
-}  // namespace tovik::fileio::lp
+}  // namespace tovik::fileio::lp_format

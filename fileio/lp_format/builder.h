@@ -12,7 +12,7 @@
 #include "fileio/lp_format/messages.h"
 #include "fileio/record/model_reader.h"
 
-namespace tovik::fileio::lp {
+namespace tovik::fileio::lp_format {
 
 /* One expression: terms in the order of the file (a column may come more than once), quadratic terms, a
  * constant. */
@@ -107,4 +107,4 @@ class Builder {
  * of r, of coefficient -1, in that row alone, continuous, without cost, bounded by 0 and a finite value. */
 void fold_range_columns(FileModel& model);
 
-}  // namespace tovik::fileio::lp
+}  // namespace tovik::fileio::lp_format

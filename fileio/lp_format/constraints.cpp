@@ -4,7 +4,7 @@
 
 #include "include/tovik.h"
 
-namespace tovik::fileio::lp {
+namespace tovik::fileio::lp_format {
 namespace {
 
 using Stop = ExpressionReader::Stop;
@@ -163,4 +163,4 @@ bool ConstraintReader::add() {
   return builder_.add_quadratic_row(label_, row_.expression, limits, label_line_);
 }
 
-}  // namespace tovik::fileio::lp
+}  // namespace tovik::fileio::lp_format

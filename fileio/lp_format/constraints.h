@@ -12,7 +12,7 @@
 
 #include "fileio/lp_format/expression.h"
 
-namespace tovik::fileio::lp {
+namespace tovik::fileio::lp_format {
 
 class ConstraintReader {
  public:
@@ -61,4 +61,4 @@ class ConstraintReader {
   Row row_, other_;  // the statement's row; the second half of an indicator constraint
 };
 
-}  // namespace tovik::fileio::lp
+}  // namespace tovik::fileio::lp_format

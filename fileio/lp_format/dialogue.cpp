@@ -131,7 +131,7 @@ std::size_t line_of(const ReadFailure& failure, std::size_t taken) {
 }
 
 bool is_end(std::string_view line) {
-  return lp::find_header(line.substr(0, line.size() - 1), lp::Section::end).has_value();
+  return lp_format::find_header(line.substr(0, line.size() - 1), lp_format::Section::end).has_value();
 }
 
 }  // namespace

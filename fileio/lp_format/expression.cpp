@@ -2,7 +2,7 @@
 
 #include "include/tovik.h"
 
-namespace tovik::fileio::lp {
+namespace tovik::fileio::lp_format {
 
 ExpressionReader::Stop ExpressionReader::read(const Rules& rules, Expression& expression) {
   rules_ = rules;
@@ -285,4 +285,4 @@ ExpressionReader::Stop ExpressionReader::read_right_side(double& value) {
   return failed(ReadFailure::at(TVK_ERROR_LINE_EXPECTED_NUMBER, scanner_.line(), c));
 }
 
-}  // namespace tovik::fileio::lp
+}  // namespace tovik::fileio::lp_format

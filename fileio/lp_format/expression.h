@@ -8,7 +8,7 @@
 #include "fileio/lp_format/builder.h"
 #include "fileio/lp_format/scanner.h"
 
-namespace tovik::fileio::lp {
+namespace tovik::fileio::lp_format {
 
 /* What an expression may hold where it stands. */
 enum class Place {
@@ -102,4 +102,4 @@ class ExpressionReader {
   Stop stop_ = Stop::ended;
 };
 
-}  // namespace tovik::fileio::lp
+}  // namespace tovik::fileio::lp_format

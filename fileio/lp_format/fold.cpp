@@ -4,7 +4,7 @@
 
 #include "fileio/lp_format/builder.h"
 
-namespace tovik::fileio::lp {
+namespace tovik::fileio::lp_format {
 namespace {
 
 constexpr std::string_view kPrefix = "Rg";
@@ -131,4 +131,4 @@ void fold_range_columns(FileModel& model) {
   if (any) drop_columns(model, dropped);
 }
 
-}  // namespace tovik::fileio::lp
+}  // namespace tovik::fileio::lp_format

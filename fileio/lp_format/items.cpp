@@ -7,7 +7,7 @@
 #include "fileio/record/model_reader.h"
 #include "fileio/record/special_rows.h"
 
-namespace tovik::fileio::lp {
+namespace tovik::fileio::lp_format {
 
 /* Columns that stand in no expression come with a zero, so that the file knows them. */
 void Items::objective() {
@@ -223,4 +223,4 @@ void Items::all_cuts() {
   for (int k = 0; k < lazy; ++k) lazy_constraint(k);
 }
 
-}  // namespace tovik::fileio::lp
+}  // namespace tovik::fileio::lp_format

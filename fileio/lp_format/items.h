@@ -14,7 +14,7 @@
 #include "fileio/record/writer_names.h"
 #include "model/store/model.h"
 
-namespace tovik::fileio::lp {
+namespace tovik::fileio::lp_format {
 
 struct ItemNames {
   std::string objective;
@@ -73,4 +73,4 @@ inline char type_of(const model::Model& model, int j) {
   return types.empty() ? 'C' : types[static_cast<std::size_t>(j)];
 }
 
-}  // namespace tovik::fileio::lp
+}  // namespace tovik::fileio::lp_format

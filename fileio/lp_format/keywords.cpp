@@ -2,7 +2,7 @@
 
 #include "fileio/lp_format/text.h"
 
-namespace tovik::fileio::lp {
+namespace tovik::fileio::lp_format {
 namespace {
 
 char upper(char c) {
@@ -194,4 +194,4 @@ std::optional<Header> find_header(std::string_view line, Section current) {
   return Header{keyword->section, rest};
 }
 
-}  // namespace tovik::fileio::lp
+}  // namespace tovik::fileio::lp_format

@@ -4,7 +4,7 @@
 #include <optional>
 #include <string_view>
 
-namespace tovik::fileio::lp {
+namespace tovik::fileio::lp_format {
 
 enum class Section {
   none,  // before the objective
@@ -33,4 +33,4 @@ std::optional<Header> find_header(std::string_view line, Section current);
 /* False for most words that no header begins with: looks at the first letters only. */
 bool may_begin_header(std::string_view word);
 
-}  // namespace tovik::fileio::lp
+}  // namespace tovik::fileio::lp_format

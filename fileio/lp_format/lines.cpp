@@ -5,7 +5,7 @@
 #include "fileio/record/model_reader.h"
 #include "fileio/stream/number_text.h"
 
-namespace tovik::fileio::lp {
+namespace tovik::fileio::lp_format {
 namespace {
 
 constexpr std::string_view kBreak = "\n     ";
@@ -135,4 +135,4 @@ char* Lines::write_number(char* to, double value) {
   return write_general15(to, value);
 }
 
-}  // namespace tovik::fileio::lp
+}  // namespace tovik::fileio::lp_format

@@ -8,7 +8,7 @@
 
 #include "fileio/stream/output.h"
 
-namespace tovik::fileio::lp {
+namespace tovik::fileio::lp_format {
 
 class Lines {
  public:
@@ -51,4 +51,4 @@ class Lines {
   bool finite_ = true;
 };
 
-}  // namespace tovik::fileio::lp
+}  // namespace tovik::fileio::lp_format

@@ -2,7 +2,7 @@
 
 #include "include/tovik.h"
 
-namespace tovik::fileio::lp {
+namespace tovik::fileio::lp_format {
 
 bool TypeReader::read_section(Section section) {
   builder_.open_type_section();
@@ -116,4 +116,4 @@ bool SetReader::read_member(const std::string& name) {
   return true;
 }
 
-}  // namespace tovik::fileio::lp
+}  // namespace tovik::fileio::lp_format

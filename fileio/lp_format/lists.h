@@ -6,7 +6,7 @@
 #include "fileio/lp_format/builder.h"
 #include "fileio/lp_format/scanner.h"
 
-namespace tovik::fileio::lp {
+namespace tovik::fileio::lp_format {
 
 /* Integers, binaries, generals, semi-continuous columns: names, any number a line. */
 class TypeReader {
@@ -45,4 +45,4 @@ class SetReader {
   bool has_set_ = false;
 };
 
-}  // namespace tovik::fileio::lp
+}  // namespace tovik::fileio::lp_format

@@ -6,7 +6,7 @@
 
 #include "fileio/record/model_reader.h"
 
-namespace tovik::fileio::lp {
+namespace tovik::fileio::lp_format {
 
 class Messages {
  public:
@@ -44,4 +44,4 @@ class Messages {
   WarningCap names_;
 };
 
-}  // namespace tovik::fileio::lp
+}  // namespace tovik::fileio::lp_format

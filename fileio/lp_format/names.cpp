@@ -6,7 +6,7 @@
 #include "fileio/lp_format/scanner.h"
 #include "fileio/lp_format/text.h"
 
-namespace tovik::fileio::lp {
+namespace tovik::fileio::lp_format {
 namespace {
 
 bool is_control(char c) {
@@ -70,4 +70,4 @@ bool LpLabelRules::acceptable(std::string_view name) const {
   return LpNameRules::acceptable(name) && !is_header(name, ':', section_);
 }
 
-}  // namespace tovik::fileio::lp
+}  // namespace tovik::fileio::lp_format

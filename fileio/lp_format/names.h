@@ -4,7 +4,7 @@
 #include "fileio/lp_format/keywords.h"
 #include "fileio/record/writer_names.h"
 
-namespace tovik::fileio::lp {
+namespace tovik::fileio::lp_format {
 
 /* Characters that cannot stand in a name become letters or '_'; a first character that cannot start one gets
  * a '_' in front, and so do e and E, which could belong to a number. */
@@ -30,4 +30,4 @@ class LpLabelRules final : public LpNameRules {
   Section section_;
 };
 
-}  // namespace tovik::fileio::lp
+}  // namespace tovik::fileio::lp_format

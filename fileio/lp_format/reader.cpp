@@ -8,7 +8,7 @@
 #include "include/tovik.h"
 
 namespace tovik::fileio {
-namespace lp {
+namespace lp_format {
 namespace {
 
 class Reader {
@@ -101,11 +101,11 @@ bool Reader::read_objective(int sense) {
 }
 
 }  // namespace
-}  // namespace lp
+}  // namespace lp_format
 
 ReadFailure read_lp(ByteSource& source, const ReadOptions& options, ReaderLog& log, FileModel& model) {
-  lp::Messages messages(log);
-  lp::Reader reader(source, options, messages);
+  lp_format::Messages messages(log);
+  lp_format::Reader reader(source, options, messages);
   reader.read(model);
   return messages.take_failure();
 }

@@ -6,7 +6,7 @@
 #include "fileio/stream/number.h"
 #include "include/tovik.h"
 
-namespace tovik::fileio::lp {
+namespace tovik::fileio::lp_format {
 
 bool Scanner::next_line() {
   if (header_ || ended_) return false;
@@ -139,4 +139,4 @@ bool is_infinity(std::string_view word) {
   return true;
 }
 
-}  // namespace tovik::fileio::lp
+}  // namespace tovik::fileio::lp_format

@@ -8,7 +8,7 @@
 #include "fileio/lp_format/messages.h"
 #include "fileio/lp_format/text.h"
 
-namespace tovik::fileio::lp {
+namespace tovik::fileio::lp_format {
 
 enum class Sense { less, greater, equal };
 enum class Arrow { none, forward, backward, both };
@@ -78,4 +78,4 @@ inline bool looks_like_exponent(std::string_view name) {
 /* INF or INFINITY in either case. */
 bool is_infinity(std::string_view word);
 
-}  // namespace tovik::fileio::lp
+}  // namespace tovik::fileio::lp_format

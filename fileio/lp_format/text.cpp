@@ -4,7 +4,7 @@
 
 #include "include/tovik.h"
 
-namespace tovik::fileio::lp {
+namespace tovik::fileio::lp_format {
 namespace {
 
 constexpr std::size_t kStretch = 559;  // characters that must hold a sign in a longer line
@@ -100,4 +100,4 @@ void ContentLines::clean(std::string_view raw) {
   line_ = std::string_view(scratch_).substr(0, scratch_.size() - 1);
 }
 
-}  // namespace tovik::fileio::lp
+}  // namespace tovik::fileio::lp_format

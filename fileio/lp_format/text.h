@@ -8,7 +8,7 @@
 #include "fileio/lp_format/messages.h"
 #include "fileio/stream/stream.h"
 
-namespace tovik::fileio::lp {
+namespace tovik::fileio::lp_format {
 
 enum CharacterClass : unsigned char {
   kBlank = 1,
@@ -88,4 +88,4 @@ class ContentLines {
   bool fresh_ = true;
 };
 
-}  // namespace tovik::fileio::lp
+}  // namespace tovik::fileio::lp_format

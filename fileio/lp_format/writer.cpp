@@ -8,7 +8,7 @@
 #include "include/tovik.h"
 
 namespace tovik::fileio {
-namespace lp {
+namespace lp_format {
 namespace {
 
 constexpr std::string_view kRangePrefix = "Rg";
@@ -101,10 +101,10 @@ void Writer::find_range_columns() {
 }
 
 }  // namespace
-}  // namespace lp
+}  // namespace lp_format
 
 int write_lp(const WriteSource& source, const WriteOptions& options, ReaderLog& log, TextWriter& out) {
-  return lp::Writer(source, options, log, out).run();
+  return lp_format::Writer(source, options, log, out).run();
 }
 
 }  // namespace tovik::fileio

@@ -3,10 +3,9 @@
 
 #include <utility>
 
-#include "fileio/dispatch/read_problem.h"
-#include "fileio/dispatch/write_problem.h"
 #include "fileio/record/channel_log.h"
 #include "fileio/record/writer_names.h"
+#include "fileio/stream/write_file.h"
 #include "include/tovik.h"
 #include "model/network/linear_model.h"
 
@@ -56,10 +55,6 @@ Status read_network_problem(Environment& env, Problem& problem, const char* name
   if (lp.row_names.empty()) lp.row_names = numbered_names('n', static_cast<int>(lp.rhs.size()));
   if (lp.column_names.empty()) lp.column_names = numbered_names('a', static_cast<int>(lp.objective.size()));
   return model::load(env, problem, std::move(lp));
-}
-
-bool is_network_type(std::string_view type) {
-  return type.size() <= 3 && format_of_type(type) == Format::network;
 }
 
 Status write_network_file(Environment& env, const NetworkProblem& problem, const char* name) {

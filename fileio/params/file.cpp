@@ -4,8 +4,8 @@
 #include <string_view>
 
 #include "env/environment.h"
-#include "fileio/dispatch/write_problem.h"
 #include "fileio/stream/number_text.h"
+#include "fileio/stream/write_file.h"
 #include "include/tovik.h"
 #include "param/hidden.h"
 #include "param/registry.h"

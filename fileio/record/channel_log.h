@@ -4,6 +4,7 @@
 #include <string>
 
 #include "env/environment.h"
+#include "env/error.h"
 #include "fileio/record/model_reader.h"
 
 namespace tovik::fileio {
@@ -20,5 +21,8 @@ class ChannelLog final : public ReaderLog {
   }
   const Environment& env_;
 };
+
+/* Prints a reader's failure. */
+Status report_failure(Environment& env, const ReadFailure& failure);
 
 }  // namespace tovik::fileio

@@ -11,7 +11,7 @@
 #include "lp/run/simplex_run.h"
 #include "model/store/model.h"
 
-namespace tovik::lp::dispatch {
+namespace tovik::lp::run {
 namespace {
 
 constexpr double kWorst = 1e75;
@@ -211,4 +211,4 @@ Status strong_branch(Environment& env, Problem& problem, const Branching& reques
   return result;
 }
 
-}  // namespace tovik::lp::dispatch
+}  // namespace tovik::lp::run

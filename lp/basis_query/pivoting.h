@@ -3,7 +3,7 @@
 
 #include "env/problem.h"
 
-namespace tovik::lp::dispatch {
+namespace tovik::lp::run {
 
 /* Forces the slacks of the listed rows into the basis. */
 Status pivot_in(Environment& env, Problem& problem, const int* rows, int count);
@@ -21,4 +21,4 @@ struct Branching {
  * objective. */
 Status strong_branch(Environment& env, Problem& problem, const Branching& request);
 
-}  // namespace tovik::lp::dispatch
+}  // namespace tovik::lp::run

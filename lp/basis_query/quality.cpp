@@ -11,7 +11,7 @@
 #include "lp/run/basis_view.h"
 #include "model/store/model.h"
 
-namespace tovik::lp::dispatch {
+namespace tovik::lp::run {
 namespace {
 
 /* Keeps the largest or the sum of absolute values. */
@@ -249,4 +249,4 @@ Status basis_kappa(Environment& env, Problem& problem, double* kappa) {
   return {};
 }
 
-}  // namespace tovik::lp::dispatch
+}  // namespace tovik::lp::run

@@ -3,7 +3,7 @@
 
 #include "env/problem.h"
 
-namespace tovik::lp::dispatch {
+namespace tovik::lp::run {
 
 struct Measure {
   double value = 0;
@@ -18,4 +18,4 @@ Status measure_quality(Environment& env, Problem& problem, int what, Measure* re
  * inverse (Hager 1984, Higham 1988). 1262, 1256. */
 Status basis_kappa(Environment& env, Problem& problem, double* kappa);
 
-}  // namespace tovik::lp::dispatch
+}  // namespace tovik::lp::run

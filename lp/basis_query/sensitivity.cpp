@@ -6,7 +6,7 @@
 #include "env/solution_access.h"
 #include "model/store/model.h"
 
-namespace tovik::lp::dispatch {
+namespace tovik::lp::run {
 namespace {
 
 constexpr double kInfinity = model::kInfinity;
@@ -147,4 +147,4 @@ Interval Sensitivity::upper_bound(int j) {
   return {clip(std::max(x + step.lower, problem_->model->lower()[j])), clip(x + step.upper)};
 }
 
-}  // namespace tovik::lp::dispatch
+}  // namespace tovik::lp::run

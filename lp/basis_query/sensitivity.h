@@ -7,7 +7,7 @@
 #include "env/problem.h"
 #include "lp/run/basis_view.h"
 
-namespace tovik::lp::dispatch {
+namespace tovik::lp::run {
 
 struct Interval {
   double lower, upper;
@@ -31,4 +31,4 @@ class Sensitivity {
   std::vector<double> reduced_cost_;  // total, minimization form, user's space
 };
 
-}  // namespace tovik::lp::dispatch
+}  // namespace tovik::lp::run

@@ -6,7 +6,7 @@
 #include "include/tovik.h"
 #include "model/routines/check.h"
 
-namespace tovik::lp::dispatch {
+namespace tovik::lp::run {
 
 namespace {
 double finite(double value) {
@@ -84,4 +84,4 @@ LpData build_lp(const model::Model& model) {
   return lp;
 }
 
-}  // namespace tovik::lp::dispatch
+}  // namespace tovik::lp::run

@@ -6,7 +6,7 @@
 #include "lp/linalg/lp_data.h"
 #include "model/store/model.h"
 
-namespace tovik::lp::dispatch {
+namespace tovik::lp::run {
 
 LpData build_lp(const model::Model& model);
 
@@ -28,4 +28,4 @@ inline double stored_upper(double b) {
   return b >= model::kInfinity ? kInf : b <= -model::kInfinity ? -model::kInfinity : b;
 }
 
-}  // namespace tovik::lp::dispatch
+}  // namespace tovik::lp::run

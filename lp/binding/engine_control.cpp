@@ -2,7 +2,7 @@
 
 #include "env/channel.h"
 
-namespace tovik::lp::dispatch {
+namespace tovik::lp::run {
 
 EngineControl::EngineControl(Environment& env, Problem& problem, int callback_position)
     : env_(env), problem_(problem), position_(callback_position), start_(clock_seconds(env)) {}
@@ -40,4 +40,4 @@ Stop EngineControl::iteration_callback() {
                                                                                      : Stop::none;
 }
 
-}  // namespace tovik::lp::dispatch
+}  // namespace tovik::lp::run

@@ -6,7 +6,7 @@
 #include "env/problem.h"
 #include "lp/linalg/control.h"
 
-namespace tovik::lp::dispatch {
+namespace tovik::lp::run {
 
 class EngineControl : public Control {
  public:
@@ -27,4 +27,4 @@ class EngineControl : public Control {
   double start_;
 };
 
-}  // namespace tovik::lp::dispatch
+}  // namespace tovik::lp::run

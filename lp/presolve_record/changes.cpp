@@ -14,7 +14,7 @@
 #include "lp/presolve_record/presolved.h"
 #include "model/store/model.h"
 
-namespace tovik::lp::dispatch {
+namespace tovik::lp::run {
 namespace {
 
 using presolve::Rule;
@@ -234,4 +234,4 @@ bool Presolved::take_over(const Problem& problem, Change change, std::span<const
   }
 }
 
-}  // namespace tovik::lp::dispatch
+}  // namespace tovik::lp::run

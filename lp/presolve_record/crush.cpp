@@ -4,7 +4,7 @@
 
 #include "include/tovik.h"
 
-namespace tovik::lp::dispatch {
+namespace tovik::lp::run {
 namespace {
 
 using presolve::Fate;
@@ -100,4 +100,4 @@ std::vector<int> column_fates(const Presolved& presolved) {
   return fates(presolved.reduction.column_fate, presolved.reduction.column_map);
 }
 
-}  // namespace tovik::lp::dispatch
+}  // namespace tovik::lp::run

@@ -6,7 +6,7 @@
 #include "lp/presolve/forward.h"
 #include "lp/presolve_record/presolved.h"
 
-namespace tovik::lp::dispatch {
+namespace tovik::lp::run {
 
 /* pi by row of the original; by reduced row. */
 std::vector<double> crush_pi(const Presolved& presolved, const double* pi);
@@ -21,4 +21,4 @@ presolve::Form dense_form(int columns, int count, const int* index, const double
 std::vector<int> row_fates(const Presolved& presolved);
 std::vector<int> column_fates(const Presolved& presolved);
 
-}  // namespace tovik::lp::dispatch
+}  // namespace tovik::lp::run

@@ -6,7 +6,7 @@
 #include "include/tovik.h"
 #include "model/store/model.h"
 
-namespace tovik::lp::dispatch {
+namespace tovik::lp::run {
 namespace {
 
 using presolve::Finding;
@@ -113,4 +113,4 @@ void write_presolve_lines(Environment& env, const Problem& problem, const Presol
   }
 }
 
-}  // namespace tovik::lp::dispatch
+}  // namespace tovik::lp::run

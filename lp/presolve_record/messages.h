@@ -5,9 +5,9 @@
 #include "env/problem.h"
 #include "lp/presolve_record/presolved.h"
 
-namespace tovik::lp::dispatch {
+namespace tovik::lp::run {
 
 /* The line of the finding when presolve came to a conclusion; else the summary. */
 void write_presolve_lines(Environment& env, const Problem& problem, const Presolved& presolved);
 
-}  // namespace tovik::lp::dispatch
+}  // namespace tovik::lp::run

@@ -5,13 +5,13 @@
 #include "include/tovik.h"
 #include "lp/binding/build_lp.h"
 #include "lp/binding/engine_control.h"
+#include "lp/binding/engine_options.h"
 #include "lp/presolve_record/messages.h"
-#include "lp/run/live_simplex.h"
 #include "model/routines/protected_columns.h"
 #include "model/store/model.h"
 #include "param/hidden.h"
 
-namespace tovik::lp::dispatch {
+namespace tovik::lp::run {
 namespace {
 
 using presolve::Finding;
@@ -119,4 +119,4 @@ bool proves_infeasible(const LpData& original, std::vector<double> multipliers, 
   return simplex::verify_farkas(original, each, std::move(multipliers), proof);
 }
 
-}  // namespace tovik::lp::dispatch
+}  // namespace tovik::lp::run

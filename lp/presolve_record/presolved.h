@@ -11,7 +11,7 @@
 #include "lp/presolve/presolve.h"
 #include "lp/simplex/certificates.h"
 
-namespace tovik::lp::dispatch {
+namespace tovik::lp::run {
 
 enum class Conclusion {
   reduced,     // the reduced problem stands for the original
@@ -49,4 +49,4 @@ Presolved* kept_record(const Problem& problem);
 /* Multipliers by row of the original, tried on its data. */
 bool proves_infeasible(const LpData& original, std::vector<double> multipliers, simplex::FarkasProof& proof);
 
-}  // namespace tovik::lp::dispatch
+}  // namespace tovik::lp::run

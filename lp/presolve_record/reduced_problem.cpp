@@ -6,7 +6,7 @@
 #include "model/store/load.h"
 #include "model/store/model.h"
 
-namespace tovik::lp::dispatch {
+namespace tovik::lp::run {
 namespace {
 
 model::NameBlock kept_names(const model::NameTable& names, const std::vector<int>& kept) {
@@ -63,4 +63,4 @@ Status reduced_problem(Environment& env, const Problem& problem, Presolved& pres
   return {};
 }
 
-}  // namespace tovik::lp::dispatch
+}  // namespace tovik::lp::run

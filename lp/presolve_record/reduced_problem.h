@@ -6,9 +6,9 @@
 #include "env/problem.h"
 #include "lp/presolve_record/presolved.h"
 
-namespace tovik::lp::dispatch {
+namespace tovik::lp::run {
 
 /* Made when first asked for; null when presolve removed everything. */
 Status reduced_problem(Environment& env, const Problem& problem, Presolved& presolved, Problem** reduced);
 
-}  // namespace tovik::lp::dispatch
+}  // namespace tovik::lp::run

@@ -6,7 +6,7 @@
 #include "lp/binding/engine_control.h"
 #include "model/store/model.h"
 
-namespace tovik::lp::dispatch {
+namespace tovik::lp::run {
 
 Status BasisView::open(Environment& env, Problem& problem) {
   if (!problem.start.has_basis()) return Status(1262);
@@ -106,4 +106,4 @@ std::vector<double> BasisView::column(int j) const {
   return v;
 }
 
-}  // namespace tovik::lp::dispatch
+}  // namespace tovik::lp::run

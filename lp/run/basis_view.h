@@ -10,7 +10,7 @@
 #include "env/problem.h"
 #include "lp/run/live_simplex.h"
 
-namespace tovik::lp::dispatch {
+namespace tovik::lp::run {
 
 class BasisView {
  public:
@@ -49,4 +49,4 @@ class BasisView {
   SparseVector work_;
 };
 
-}  // namespace tovik::lp::dispatch
+}  // namespace tovik::lp::run

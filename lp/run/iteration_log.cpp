@@ -9,7 +9,7 @@
 #include "lp/simplex/core.h"
 #include "model/store/model.h"
 
-namespace tovik::lp::dispatch {
+namespace tovik::lp::run {
 namespace {
 
 constexpr int kNameCut = 255;
@@ -161,4 +161,4 @@ void IterationLog::detailed(const simplex::Core& core, const simplex::IterationE
   if (env_.results_channel != nullptr) env_.results_channel->flush();
 }
 
-}  // namespace tovik::lp::dispatch
+}  // namespace tovik::lp::run

@@ -7,7 +7,7 @@
 #include "env/problem.h"
 #include "lp/simplex/observer.h"
 
-namespace tovik::lp::dispatch {
+namespace tovik::lp::run {
 
 class IterationLog : public simplex::Observer {
  public:
@@ -41,4 +41,4 @@ class IterationLog : public simplex::Observer {
   double last_elapsed_;
 };
 
-}  // namespace tovik::lp::dispatch
+}  // namespace tovik::lp::run

@@ -9,7 +9,7 @@
 #include "env/problem.h"
 #include "lp/simplex/solver.h"
 
-namespace tovik::lp::dispatch {
+namespace tovik::lp::run {
 
 class LiveSimplex : public Derived {
  public:
@@ -39,8 +39,6 @@ class EngineGuard {
   bool arrived_ = false;
 };
 
-simplex::Options engine_options(const Environment& env);
-
 /* The engine of a problem, made or brought up to date with the model: never null. With `basis`, the starting
  * basis of the problem is installed when it is not the one the engine stands on. */
 LiveSimplex& live_simplex(Environment& env, Problem& problem, Control& control, simplex::Observer* observer);
@@ -65,4 +63,4 @@ Status check_data(Environment& env, Problem& problem);
 enum class StartIs { unknown, feasible, infeasible };
 StartIs judge_start(Environment& env, Problem& problem);
 
-}  // namespace tovik::lp::dispatch
+}  // namespace tovik::lp::run

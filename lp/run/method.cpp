@@ -7,7 +7,7 @@
 #include "lp/run/live_simplex.h"
 #include "model/store/model.h"
 
-namespace tovik::lp::dispatch {
+namespace tovik::lp::run {
 namespace {
 constexpr int kNone = 2100000000;
 }
@@ -63,4 +63,4 @@ int resolve_method(Environment& env, Problem& problem, bool allow_concurrent) {
   return 2;
 }
 
-}  // namespace tovik::lp::dispatch
+}  // namespace tovik::lp::run

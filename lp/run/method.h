@@ -4,7 +4,7 @@
 #include "env/problem.h"
 #include "lp/simplex/solver.h"
 
-namespace tovik::lp::dispatch {
+namespace tovik::lp::run {
 
 /* The problem must hold what the continuous simplex solves: 1017 for mixed-integer problems, 1018 and 1031
  * for quadratic ones. */
@@ -18,4 +18,4 @@ int resolve_method(Environment& env, Problem& problem, bool allow_concurrent);
  * is primal feasible within TVK_PARAM_EPRHS; 1262 without a starting basis, 1256 when it is singular. */
 Status most_infeasible_basic(Environment& env, Problem& problem, int* index);
 
-}  // namespace tovik::lp::dispatch
+}  // namespace tovik::lp::run

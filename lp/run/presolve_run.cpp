@@ -7,6 +7,7 @@
 #include "include/tovik.h"
 #include "lp/binding/build_lp.h"
 #include "lp/binding/engine_control.h"
+#include "lp/binding/engine_options.h"
 #include "lp/presolve/dualize.h"
 #include "lp/presolve/forward.h"
 #include "lp/presolve_record/presolved.h"
@@ -16,7 +17,7 @@
 #include "lp/run/user_point.h"
 #include "param/hidden.h"
 
-namespace tovik::lp::dispatch {
+namespace tovik::lp::run {
 namespace {
 
 using simplex::Outcome;
@@ -277,4 +278,4 @@ Status run_presolved(Environment& env, Problem& problem, simplex::Method method)
   return PresolvedRun(env, problem, method).run();
 }
 
-}  // namespace tovik::lp::dispatch
+}  // namespace tovik::lp::run

@@ -5,7 +5,7 @@
 #include "env/problem.h"
 #include "lp/simplex/solver.h"
 
-namespace tovik::lp::dispatch {
+namespace tovik::lp::run {
 
 /* Presolve is on and the problem holds no basis that the parameters want to start from. */
 bool wants_presolve(const Environment& env, const Problem& problem);
@@ -13,4 +13,4 @@ bool wants_presolve(const Environment& env, const Problem& problem);
 /* As run_simplex, through presolve. */
 Status run_presolved(Environment& env, Problem& problem, simplex::Method method);
 
-}  // namespace tovik::lp::dispatch
+}  // namespace tovik::lp::run

@@ -9,7 +9,7 @@
 #include "lp/run/live_simplex.h"
 #include "model/store/model.h"
 
-namespace tovik::lp::dispatch {
+namespace tovik::lp::run {
 namespace {
 
 int start_code(simplex::At at) {
@@ -218,4 +218,4 @@ Status run_simplex(Environment& env, Problem& problem, simplex::Method method, c
   return {};
 }
 
-}  // namespace tovik::lp::dispatch
+}  // namespace tovik::lp::run

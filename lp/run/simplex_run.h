@@ -4,7 +4,7 @@
 #include "env/problem.h"
 #include "lp/simplex/solver.h"
 
-namespace tovik::lp::dispatch {
+namespace tovik::lp::run {
 
 /* Where a run begins. */
 struct Beginning {
@@ -27,4 +27,4 @@ void publish(Problem& problem, simplex::Solver& solver);
 /* Objective limits are stated in the user's sense; the engine minimizes. */
 void set_objective_limits(const Environment& env, const Problem& problem, simplex::Solver& solver);
 
-}  // namespace tovik::lp::dispatch
+}  // namespace tovik::lp::run

@@ -5,7 +5,7 @@
 #include "lp/run/live_simplex.h"
 #include "model/store/model.h"
 
-namespace tovik::lp::dispatch {
+namespace tovik::lp::run {
 namespace {
 
 Status check_statuses(Environment& env, const int* status, int count) {
@@ -94,4 +94,4 @@ Status get_dual_norms(Problem& problem, double* norms, int* head, int* length) {
   return {};
 }
 
-}  // namespace tovik::lp::dispatch
+}  // namespace tovik::lp::run

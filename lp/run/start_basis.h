@@ -3,7 +3,7 @@
 
 #include "env/problem.h"
 
-namespace tovik::lp::dispatch {
+namespace tovik::lp::run {
 
 struct StartArrays {
   const int* column_status = nullptr;
@@ -22,4 +22,4 @@ Status get_base(Problem& problem, int* column_status, int* row_status);
 Status copy_dual_norms(Problem& problem, const double* norms, const int* head, int length);
 Status get_dual_norms(Problem& problem, double* norms, int* head, int* length);
 
-}  // namespace tovik::lp::dispatch
+}  // namespace tovik::lp::run

@@ -6,7 +6,7 @@
 
 #include "lp/linalg/sum.h"
 
-namespace tovik::lp::dispatch {
+namespace tovik::lp::run {
 namespace {
 
 using simplex::At;
@@ -79,4 +79,4 @@ bool is_final(const LpData& lp, const simplex::Answer& answer, const simplex::Op
   return basics == lp.num_rows();
 }
 
-}  // namespace tovik::lp::dispatch
+}  // namespace tovik::lp::run

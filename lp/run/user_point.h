@@ -7,7 +7,7 @@
 #include "lp/presolve/undo.h"
 #include "lp/simplex/solver.h"
 
-namespace tovik::lp::dispatch {
+namespace tovik::lp::run {
 
 /* The point with its nonbasic columns put exactly on their bounds and activities, reduced costs, objective
  * and violations computed anew with compensated sums. */
@@ -17,4 +17,4 @@ simplex::Answer complete_point(const LpData& lp, presolve::Point point);
  * where their statuses say, bounds and signs kept. Does not look at the basis matrix. */
 bool is_final(const LpData& lp, const simplex::Answer& answer, const simplex::Options& options);
 
-}  // namespace tovik::lp::dispatch
+}  // namespace tovik::lp::run
