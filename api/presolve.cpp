@@ -73,7 +73,7 @@ Status check_form(Environment& env, int count, const int* index, const double* v
   return {};
 }
 
-void copy_out(const lp::presolve::Form& form, int* count, double* constant, int* index, double* value) {
+void copy_out(const lp::presolve::LinearForm& form, int* count, double* constant, int* index, double* value) {
   *count = 0;
   *constant = form.constant;
   for (size_t j = 0; j < form.coefficients.size(); ++j) {
@@ -170,7 +170,7 @@ int TVKcrushform(ConstEnvHandle env, ConstProbHandle lp, int len, const int* ind
     const size_t most = record.reduction.column_map.size();
     if (plen_p == nullptr || poffset_p == nullptr || missing(pind, most) || missing(pval, most))
       return Status(1004);
-    lp::presolve::Form form = dense_form(columns, len, ind, val);
+    lp::presolve::LinearForm form = dense_form(columns, len, ind, val);
     if (!lp::presolve::crush_form(record.reduction, form)) return Status(TVK_ERROR_CRUSH_FORM);
     copy_out(form, plen_p, poffset_p, pind, pval);
     return {};
@@ -209,7 +209,7 @@ int TVKuncrushform(ConstEnvHandle env, ConstProbHandle lp, int plen, const int* 
     if (const Status status = check_form(e, plen, pind, pval, columns); !status.ok()) return status;
     if (len_p == nullptr || offset_p == nullptr || missing(ind, p.columns()) || missing(val, p.columns()))
       return Status(1004);
-    lp::presolve::Form form = dense_form(columns, plen, pind, pval);
+    lp::presolve::LinearForm form = dense_form(columns, plen, pind, pval);
     lp::presolve::uncrush_form(record.reduction, form);
     copy_out(form, len_p, offset_p, ind, val);
     return {};

@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "lp/presolve/free_row.h"
 #include "lp/presolve/tolerances.h"
 
 namespace tovik::lp::presolve {
@@ -112,7 +113,7 @@ bool Elimination::run() {
   }
   for (const int i : gone_) {
     if (ws_.done() || !ws_.allow(Rule::dependent_rows)) break;
-    ws_.stack.begin(Op::free_row).integer(i);
+    ws_.stack.push(FreeRow{.row = i});
     ws_.remove_row(i, Fate::redundant);
     changed = true;
   }

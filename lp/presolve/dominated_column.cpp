@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "lp/presolve/dual_bounds.h"
+#include "lp/presolve/fixed_column.h"
 #include "lp/presolve/tolerances.h"
 
 namespace tovik::lp::presolve {
@@ -33,7 +34,7 @@ bool fix(Workspace& ws, int j, Drive drive) {
   if (bound != 0 && std::fabs(bound) * std::max(ws.column_max(j), std::fabs(ws.cost[j])) > kHugeMove)
     return false;
   if (!ws.allow(Rule::dominated_column)) return false;
-  ws.fix_column(j, bound, drive == Drive::down ? At::lower : At::upper);
+  fix_column(ws, j, bound, drive == Drive::down ? At::lower : At::upper);
   return true;
 }
 
@@ -62,7 +63,7 @@ bool make_equations(Workspace& ws, const DualBounds& bounds) {
     const bool low = bounds.lower(i) > kCannotRest, high = bounds.upper(i) < -kCannotRest;
     const double side = low ? ws.row_lower[i] : ws.row_upper[i];
     if (low == high || std::isinf(side) || !ws.allow(Rule::dual_equation)) continue;
-    ws.stack.begin(Op::row_made_equation).integer(i).integer(static_cast<int>(low ? At::lower : At::upper));
+    ws.stack.push(RowMadeEquation{.row = i, .side = low ? At::lower : At::upper});
     ws.change_sides(i, side, side);
     changed = true;
   }
@@ -115,10 +116,9 @@ bool use_dual_bounds(Workspace& ws) {
   return changed;
 }
 
-void undo_row_made_equation(Record record, Undo& undo) {
-  const int i = record.integer();
-  const auto at = static_cast<At>(record.integer());
-  if (undo.point.row[i] != At::basic) undo.point.row[i] = at;
+void undo_row_made_equation(const RowMadeEquation& record, Undo& undo) {
+  At& at = undo.point.row[record.row];
+  if (at != At::basic) at = record.side;
 }
 
 }  // namespace tovik::lp::presolve

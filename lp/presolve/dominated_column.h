@@ -7,8 +7,18 @@
 
 namespace tovik::lp::presolve {
 
+struct RowMadeEquation {
+  static constexpr Op kOp = Op::row_made_equation;
+  int row;
+  At side;  // that became the right-hand side
+  template <class Self, class Archive>
+  static constexpr void fields(Self& r, Archive& archive) {
+    archive(r.row, r.side);
+  }
+};
+
 /* One pass over the problem. True when it changed something. Condemns the problem when no duals fit. */
 bool use_dual_bounds(Workspace& ws);
-void undo_row_made_equation(Record record, Undo& undo);
+void undo_row_made_equation(const RowMadeEquation& record, Undo& undo);
 
 }  // namespace tovik::lp::presolve

@@ -15,7 +15,7 @@ constexpr double kMostRatio = 1e3;  // |entry that stays / entry that leaves|
 constexpr int kMostGrowth = 4;      // of the column that stays, in multiples of its length
 constexpr int kShort = 20;          // no column of this length is too long
 
-struct Doubleton {
+struct Pair {
   int i, leaves, stays;
   double a, b;  // entries of the two
 };
@@ -26,7 +26,7 @@ struct Transfer {
   bool tighter_lower, tighter_upper;
 };
 
-bool may_leave(Workspace& ws, const Doubleton& d) {
+bool may_leave(Workspace& ws, const Pair& d) {
   if (ws.is_protected(d.leaves) || std::fabs(d.b) > kMostRatio * std::fabs(d.a)) return false;
   const int grown = ws.column_length(d.leaves) + ws.column_length(d.stays) - 2;
   if (grown > std::max(kShort, kMostGrowth * ws.column_length(d.stays))) return false;
@@ -38,7 +38,7 @@ bool may_leave(Workspace& ws, const Doubleton& d) {
   return sound_pivot(ws, d.i, d.leaves, d.a);
 }
 
-Transfer transfer_of(const Workspace& ws, const Doubleton& d) {
+Transfer transfer_of(const Workspace& ws, const Pair& d) {
   const double beta = ws.row_lower[d.i];
   const double old_lower = ws.lower[d.stays], old_upper = ws.upper[d.stays];
   double lower = moved(beta, -d.a * ws.lower[d.leaves]) / d.b;
@@ -73,8 +73,8 @@ bool mend(const Workspace& ws, Transfer& t) {
 bool substitute_doubleton(Workspace& ws, int i) {
   if (!ws.equation(i) || !ws.enabled(Rule::doubleton_equation)) return false;
   const View v = ws.row(i);
-  Doubleton d{i, v.index[0], v.index[1], v.value[0], v.value[1]};
-  Doubleton other{i, d.stays, d.leaves, d.b, d.a};
+  Pair d{i, v.index[0], v.index[1], v.value[0], v.value[1]};
+  Pair other{i, d.stays, d.leaves, d.b, d.a};
   const double ratio = std::fabs(d.a / d.b);
   const bool alike = ratio <= kAlike && ratio >= 1 / kAlike;
   if (alike ? ws.column_length(d.leaves) > ws.column_length(d.stays) : ratio < 1) std::swap(d, other);
@@ -86,20 +86,19 @@ bool substitute_doubleton(Workspace& ws, int i) {
   if (!mend(ws, t)) return false;
   if (!ws.allow(Rule::doubleton_equation)) return false;
   const bool same_sign = (d.a > 0) == (d.b > 0);
-  ws.stack.begin(Op::doubleton)
-      .integer(i)
-      .integer(d.leaves)
-      .integer(d.stays)
-      .integer(t.tighter_lower)
-      .integer(t.tighter_upper)
-      .integer(t.lower == t.upper)
-      .real(d.a)
-      .real(d.b)
-      .real(ws.row_lower[i])
-      .real(ws.cost[d.leaves])
-      .real(same_sign ? ws.upper[d.leaves] : ws.lower[d.leaves])  // where it stands at a new lower bound
-      .real(same_sign ? ws.lower[d.leaves] : ws.upper[d.leaves]);
-  ws.store_column(d.leaves);
+  ws.stack.push(Doubleton{.row = i,
+                          .leaves = d.leaves,
+                          .stays = d.stays,
+                          .tighter_lower = t.tighter_lower,
+                          .tighter_upper = t.tighter_upper,
+                          .collapsed = t.lower == t.upper,
+                          .a = d.a,
+                          .b = d.b,
+                          .beta = ws.row_lower[i],
+                          .cost = ws.cost[d.leaves],
+                          .at_lower = same_sign ? ws.upper[d.leaves] : ws.lower[d.leaves],
+                          .at_upper = same_sign ? ws.lower[d.leaves] : ws.upper[d.leaves],
+                          .entries = ws.column_entries(d.leaves)});
   ws.substitute(i, d.leaves);
   if (t.tighter_lower || t.tighter_upper || t.lower == t.upper) ws.change_bounds(d.stays, t.lower, t.upper);
   return true;
@@ -107,35 +106,41 @@ bool substitute_doubleton(Workspace& ws, int i) {
 
 /* The column that left is basic, unless the other stands at a bound that it brought: then they change roles.
  */
-void undo_doubleton(Record record, Undo& undo) {
-  const int i = record.integer();
-  const int j = record.integer(), k = record.integer();
-  const bool tighter_lower = record.integer() != 0;
-  const bool tighter_upper = record.integer() != 0;
-  const bool collapsed = record.integer() != 0;
-  const double a = record.real(), b = record.real(), beta = record.real();
-  CleanSum rest(undo.cost(record.real()));
-  const double at_lower = record.real(), at_upper = record.real();
+void undo_doubleton(const Doubleton& record, Undo& undo) {
+  const int i = record.row, j = record.leaves, k = record.stays;
+  const double a = record.a, b = record.b;
   Point& p = undo.point;
-  undo.each_entry(record, j, [&](int r, double value) { rest.subtract(value * p.y[r]); });
+  CleanSum rest(undo.cost(record.cost));
+  undo.each_entry(record.entries, j, [&](int r, double value) { rest.subtract(value * p.y[r]); });
   p.y[i] = rest.value() / a;
-  p.x[j] = (beta - b * p.x[k]) / a;
+  p.x[j] = (record.beta - b * p.x[k]) / a;
   p.d[j] = 0;
   p.column[j] = At::basic;
   At at = p.column[k];
-  if (collapsed && at != At::basic)
-    p.column[k] = at = Undo::own_side(at, p.d[k], tighter_lower, tighter_upper);
-  if ((at == At::lower && tighter_lower) || (at == At::upper && tighter_upper)) {
+  if (record.collapsed && at != At::basic)
+    p.column[k] = at = Undo::own_side(at, p.d[k], record.tighter_lower, record.tighter_upper);
+  if ((at == At::lower && record.tighter_lower) || (at == At::upper && record.tighter_upper)) {
     CleanSum y(p.y[i]);
     y.subtract(-p.d[k] / b);
     p.y[i] = y.value();
     p.d[j] = -(a / b) * p.d[k];
     p.d[k] = 0;
-    p.x[j] = at == At::lower ? at_lower : at_upper;
+    p.x[j] = at == At::lower ? record.at_lower : record.at_upper;
     p.column[j] = ((a > 0) == (b > 0)) == (at == At::lower) ? At::upper : At::lower;
     p.column[k] = At::basic;
   }
   p.row[i] = Undo::side(At::lower, p.y[i]);
+}
+
+bool form_of_doubleton(const Doubleton& record, LinearForm& form) {
+  substitute(form, record.leaves, record.a, record.beta, {1, &record.stays, &record.b});
+  return true;
+}
+
+void basis_of_doubleton(const Doubleton& record, Basis& basis) {
+  const At leaves = basis.column[record.leaves];
+  if (leaves != At::basic && basis.column[record.stays] == At::basic)
+    basis.column[record.stays] = scaled_status(leaves, (record.a > 0) != (record.b > 0));
 }
 
 }  // namespace tovik::lp::presolve

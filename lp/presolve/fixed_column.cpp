@@ -14,6 +14,21 @@ bool moves_too_far(Workspace& ws, int j, double value) {
 
 }  // namespace
 
+void fix_column(Workspace& ws, int j, double value, At at) {
+  ws.stack.push(FixedColumn{.column = j,
+                            .status = at,
+                            .equal_bounds = ws.lower[j] == ws.upper[j],
+                            .value = value,
+                            .cost = ws.cost[j],
+                            .entries = ws.column_entries(j)});
+  if (value != 0) {
+    const View v = ws.column(j);
+    for (int k = 0; k < v.length; ++k) ws.shift_sides(v.index[k], -v.value[k] * value);
+    ws.add_offset(ws.cost[j] * value);
+  }
+  ws.remove_column(j, Fate::fixed);
+}
+
 bool remove_fixed_column(Workspace& ws, int j) {
   const double lower = ws.lower[j], upper = ws.upper[j];
   if (ws.is_protected(j)) return false;
@@ -29,7 +44,7 @@ bool remove_fixed_column(Workspace& ws, int j) {
   if (std::isinf(lower) || upper - lower > no_difference(ws, lower, kSame)) return false;
   if (moves_too_far(ws, j, lower) || !ws.allow(Rule::fixed_column)) return false;
   if (lower < upper) ws.change_bounds(j, lower, lower);
-  ws.fix_column(j, lower, At::lower);
+  fix_column(ws, j, lower, At::lower);
   return true;
 }
 
@@ -41,7 +56,7 @@ bool remove_empty_column(Workspace& ws, int j) {
   if ((c > 0 && lower == -kInf) || (c < 0 && upper == kInf)) {
     if (std::fabs(c) <= ws.settings.optimality) {
       if (!free || !ws.allow(Rule::empty_column)) return false;  // a whiff of cost: the optimizer says
-      ws.fix_column(j, 0, At::free);
+      fix_column(ws, j, 0, At::free);
       return true;
     }
     Verdict verdict;
@@ -52,10 +67,10 @@ bool remove_empty_column(Workspace& ws, int j) {
   }
   if (!ws.allow(Rule::empty_column)) return false;
   if (free) {
-    ws.fix_column(j, 0, At::free);
+    fix_column(ws, j, 0, At::free);
   } else {
     const bool up = c < 0 || (c == 0 && (lower == -kInf || std::fabs(upper) < std::fabs(lower)));
-    ws.fix_column(j, up ? upper : lower, up ? At::upper : At::lower);
+    fix_column(ws, j, up ? upper : lower, up ? At::upper : At::lower);
   }
   return true;
 }
@@ -92,23 +107,25 @@ bool fix_by_signs(Workspace& ws, int j) {
     return false;
   }
   if (moves_too_far(ws, j, bound) || !ws.allow(Rule::dual_fixing)) return false;
-  ws.fix_column(j, bound, to_lower ? At::lower : At::upper);
+  fix_column(ws, j, bound, to_lower ? At::lower : At::upper);
   return true;
 }
 
-void undo_fixed_column(Record record, Undo& undo) {
-  const int j = record.integer();
-  At at = static_cast<At>(record.integer());
-  const bool equal = record.integer() != 0;
-  const double value = record.real();
-  CleanSum sum(undo.cost(record.real()));
+void undo_fixed_column(const FixedColumn& record, Undo& undo) {
+  const int j = record.column;
   Point& p = undo.point;
-  undo.each_entry(record, j, [&](int i, double a) { sum.subtract(a * p.y[i]); });
-  const double d = sum.value();
-  if (equal || undo.homogeneous) at = Undo::side(at, d);
-  p.x[j] = value;
-  p.d[j] = d;
-  p.column[j] = at;
+  CleanSum d(undo.cost(record.cost));
+  undo.each_entry(record.entries, j, [&](int i, double a) { d.subtract(a * p.y[i]); });
+  p.x[j] = record.value;
+  p.d[j] = d.value();
+  p.column[j] = record.equal_bounds || undo.homogeneous ? Undo::side(record.status, p.d[j]) : record.status;
+}
+
+bool form_of_fixed_column(const FixedColumn& record, LinearForm& form) {
+  double& g = form.coefficients[record.column];
+  form.constant += g * record.value;
+  g = 0;
+  return true;
 }
 
 }  // namespace tovik::lp::presolve

@@ -4,9 +4,43 @@
 #include <cmath>
 #include <vector>
 
+#include "lp/presolve/fixed_column.h"
 #include "lp/presolve/tolerances.h"
 
 namespace tovik::lp::presolve {
+namespace {
+
+struct Entries {
+  std::vector<int> index;
+  std::vector<double> value;
+  View view() const { return {static_cast<int>(index.size()), index.data(), value.data()}; }
+};
+
+/* The entries in columns whose bounds are equal, or in the others. */
+Entries select(const Workspace& ws, const std::vector<int>& index, const std::vector<double>& value,
+               bool equal_bounds) {
+  Entries selected;
+  for (size_t k = 0; k < index.size(); ++k) {
+    if ((ws.lower[index[k]] == ws.upper[index[k]]) != equal_bounds) continue;
+    selected.index.push_back(index[k]);
+    selected.value.push_back(value[k]);
+  }
+  return selected;
+}
+
+/* Reduced costs after the row took the dual y; where the bounds are equal the sign says where the column
+ * stands. */
+void move_reduced_costs(const View& entries, double y, bool by_sign, Point& p) {
+  for (int k = 0; k < entries.length; ++k) {
+    const int j = entries.index[k];
+    CleanSum d(p.d[j]);
+    d.subtract(entries.value[k] * y);
+    p.d[j] = d.value();
+    if (by_sign) p.column[j] = Undo::side(p.column[j], p.d[j]);
+  }
+}
+
+}  // namespace
 
 bool remove_forcing_row(Workspace& ws, int i) {
   const Activity& sum = ws.activity(i);
@@ -25,35 +59,30 @@ bool remove_forcing_row(Workspace& ws, int i) {
     if (ws.is_protected(index[k]) || std::fabs(bound * value[k]) > kHugeMove) return false;
   }
   if (!ws.allow(Rule::forcing_row)) return false;
-  // Columns with equal bounds do not hold the row: they are marked by a negative index.
-  ws.stack.begin(Op::forcing_row).integer(i).integer(at_lower).integer(static_cast<int>(index.size()));
-  for (const int j : index) ws.stack.integer(ws.lower[j] == ws.upper[j] ? -j - 1 : j);
-  for (const double a : value) ws.stack.real(a);
+  const Entries moving = select(ws, index, value, false), frozen = select(ws, index, value, true);
+  ws.stack.push(ForcingRow{.row = i, .at_lower = at_lower, .moving = moving.view(), .frozen = frozen.view()});
   ws.remove_row(i, Fate::redundant);
   for (size_t k = 0; k < index.size(); ++k) {
     const int j = index[k];
     const bool up = (value[k] > 0) == at_lower;
-    ws.fix_column(j, up ? ws.upper[j] : ws.lower[j], up ? At::upper : At::lower);
+    fix_column(ws, j, up ? ws.upper[j] : ws.lower[j], up ? At::upper : At::lower);
   }
   return true;
 }
 
 /* The columns are back with the row's dual at zero. When a reduced cost has the wrong sign for its bound the
  * row takes the dual that mends the worst one, which becomes basic. */
-void undo_forcing_row(Record record, Undo& undo) {
-  const int i = record.integer();
-  const bool at_lower = record.integer() != 0;
-  const View row = record.line();
+void undo_forcing_row(const ForcingRow& record, Undo& undo) {
+  const int i = record.row;
+  const View& moving = record.moving;
   Point& p = undo.point;
   double worst = 0;
   int entering = -1;
-  for (int k = 0; k < row.length; ++k) {
-    const int j = row.index[k];
-    if (j < 0) continue;
-    const double ratio = p.d[j] / row.value[k];
-    if (at_lower ? ratio > worst : ratio < worst) {
+  for (int k = 0; k < moving.length; ++k) {
+    const double ratio = p.d[moving.index[k]] / moving.value[k];
+    if (record.at_lower ? ratio > worst : ratio < worst) {
       worst = ratio;
-      entering = j;
+      entering = moving.index[k];
     }
   }
   p.y[i] = worst;
@@ -61,15 +90,9 @@ void undo_forcing_row(Record record, Undo& undo) {
     p.row[i] = At::basic;
     return;
   }
-  p.row[i] = at_lower ? At::lower : At::upper;
-  for (int k = 0; k < row.length; ++k) {
-    const bool equal = row.index[k] < 0;
-    const int j = equal ? -row.index[k] - 1 : row.index[k];
-    CleanSum d(p.d[j]);
-    d.subtract(row.value[k] * worst);
-    p.d[j] = d.value();
-    if (equal || undo.homogeneous) p.column[j] = Undo::side(p.column[j], p.d[j]);
-  }
+  p.row[i] = record.at_lower ? At::lower : At::upper;
+  move_reduced_costs(moving, worst, undo.homogeneous, p);
+  move_reduced_costs(record.frozen, worst, true, p);
   p.column[entering] = At::basic;
   p.d[entering] = 0;
 }

@@ -54,20 +54,22 @@ bool sound_pivot(Workspace& ws, int i, int s, double a) {
 
 bool substitute_free_column(Workspace& ws, int i, int s) {
   if (!ws.allow(Rule::free_column)) return false;
-  ws.stack.begin(Op::free_column).integer(i).integer(s).real(ws.row_lower[i]).real(ws.cost[s]);
-  ws.stack.line(ws.row(i));
-  ws.store_column(s);
+  ws.stack.push(FreeColumn{.row = i,
+                           .column = s,
+                           .beta = ws.row_lower[i],
+                           .cost = ws.cost[s],
+                           .row_entries = ws.row(i),
+                           .entries = ws.column_entries(s)});
   ws.substitute(i, s);
   return true;
 }
 
 /* The column is basic and its reduced cost zero, which gives the row's dual. */
-void undo_free_column(Record record, Undo& undo) {
-  const int i = record.integer();
-  const int s = record.integer();
-  double x = record.real(), pivot = 0;
-  CleanSum y(undo.cost(record.real()));
-  const View row = record.line();
+void undo_free_column(const FreeColumn& record, Undo& undo) {
+  const int i = record.row, s = record.column;
+  const View& row = record.row_entries;
+  double x = record.beta, pivot = 0;
+  CleanSum y(undo.cost(record.cost));
   Point& p = undo.point;
   for (int k = 0; k < row.length; ++k) {
     if (row.index[k] == s) {
@@ -76,12 +78,19 @@ void undo_free_column(Record record, Undo& undo) {
       x -= row.value[k] * p.x[row.index[k]];
     }
   }
-  undo.each_entry(record, s, [&](int r, double a) { y.subtract(a * p.y[r]); });
+  undo.each_entry(record.entries, s, [&](int r, double a) { y.subtract(a * p.y[r]); });
   p.x[s] = x / pivot;
   p.d[s] = 0;
   p.column[s] = At::basic;
   p.y[i] = y.value() / pivot;
   p.row[i] = Undo::side(At::lower, p.y[i]);
+}
+
+bool form_of_free_column(const FreeColumn& record, LinearForm& form) {
+  const View& row = record.row_entries;
+  const int* at = std::find(row.index, row.index + row.length, record.column);
+  substitute(form, record.column, row.value[at - row.index], record.beta, row);
+  return true;
 }
 
 }  // namespace tovik::lp::presolve

@@ -2,10 +2,23 @@
  * everywhere else. */
 #pragma once
 
+#include "lp/presolve/crush_types.h"
 #include "lp/presolve/undo.h"
 #include "lp/presolve/workspace.h"
 
 namespace tovik::lp::presolve {
+
+struct FreeColumn {
+  static constexpr Op kOp = Op::free_column;
+  int row, column;
+  double beta, cost;  // right-hand side of the row
+  View row_entries;
+  ColumnEntries entries;
+  template <class Self, class Archive>
+  static constexpr void fields(Self& r, Archive& archive) {
+    archive(r.row, r.column, r.beta, r.cost, r.row_entries, r.entries);
+  }
+};
 
 /* Does each finite bound of column s follow from a row of the present problem and the bounds of the other
  * columns? */
@@ -17,6 +30,7 @@ bool sound_pivot(Workspace& ws, int i, int s, double a);
 
 /* Row i is an equation, column s free or implied free, the pivot sound. True when both are gone. */
 bool substitute_free_column(Workspace& ws, int i, int s);
-void undo_free_column(Record record, Undo& undo);
+void undo_free_column(const FreeColumn& record, Undo& undo);
+bool form_of_free_column(const FreeColumn& record, LinearForm& form);
 
 }  // namespace tovik::lp::presolve

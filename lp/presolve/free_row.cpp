@@ -9,7 +9,7 @@ namespace tovik::lp::presolve {
 namespace {
 
 bool drop(Workspace& ws, int i) {
-  ws.stack.begin(Op::free_row).integer(i);
+  ws.stack.push(FreeRow{.row = i});
   ws.remove_row(i, Fate::redundant);
   return true;
 }
@@ -65,10 +65,9 @@ void drop_free_rows(Workspace& ws) {
   }
 }
 
-void undo_free_row(Record record, Undo& undo) {
-  const int i = record.integer();
-  undo.point.row[i] = At::basic;
-  undo.point.y[i] = 0;
+void undo_free_row(const FreeRow& record, Undo& undo) {
+  undo.point.row[record.row] = At::basic;
+  undo.point.y[record.row] = 0;
 }
 
 }  // namespace tovik::lp::presolve

@@ -1,4 +1,5 @@
 #include "lp/presolve/parallel_columns.h"
+#include "lp/presolve/fixed_column.h"
 
 #include <algorithm>
 #include <cmath>
@@ -13,7 +14,8 @@ namespace {
 
 constexpr int kCompared = 8;  // columns of a bucket that a column is compared with
 constexpr double kSameCost = 1e-13;
-constexpr double kPlain = 1e-4;  // relative reduced cost that proves there is no optimum
+constexpr double kSameRatio = 1e-9;  // relative difference at which a form still treats merged columns alike
+constexpr double kPlain = 1e-4;      // relative reduced cost that proves there is no optimum
 
 bool finite(double a, double b) {
   return !std::isinf(a) && !std::isinf(b);
@@ -40,13 +42,13 @@ bool fix_by_partner(Workspace& ws, int j, int k, double g) {
       return false;
     }
     if (!down || !up || ws.is_protected(k) || !ws.allow(Rule::parallel_columns)) return false;
-    ws.fix_column(k, 0, At::free);  // both free
+    fix_column(ws, k, 0, At::free);  // both free
     return true;
   }
   if (ws.is_protected(k) || std::fabs(bound) * std::max(ws.column_max(k), std::fabs(ws.cost[k])) > kHugeMove)
     return false;
   if (!ws.allow(Rule::parallel_columns)) return false;
-  ws.fix_column(k, bound, to_lower ? At::lower : At::upper);
+  fix_column(ws, k, bound, to_lower ? At::lower : At::upper);
   return true;
 }
 
@@ -59,8 +61,13 @@ bool merge(Workspace& ws, int j, int k, double g) {
   const double most = ws.upper[j] + g * (g > 0 ? ws.upper[k] : ws.lower[k]);
   if (std::max(std::fabs(least), std::fabs(most)) > kHugeMove || !ws.allow(Rule::parallel_columns))
     return false;
-  ws.stack.begin(Op::parallel_columns).integer(j).integer(k).real(g);
-  ws.stack.real(ws.lower[j]).real(ws.upper[j]).real(ws.lower[k]).real(ws.upper[k]);
+  ws.stack.push(ParallelColumns{.kept = j,
+                                .gone = k,
+                                .ratio = g,
+                                .kept_lower = ws.lower[j],
+                                .kept_upper = ws.upper[j],
+                                .gone_lower = ws.lower[k],
+                                .gone_upper = ws.upper[k]});
   ws.remove_column(k, Fate::merged);
   ws.change_bounds(j, least, most);
   return true;
@@ -122,12 +129,11 @@ bool merge_parallel_columns(Workspace& ws) {
 
 /* A nonbasic z has both parts at bounds. A basic z leaves one part at a bound, so that the other finds room
  * within its own: the first way that fits, or the one that misses least. */
-void undo_parallel_columns(Record record, Undo& undo) {
-  const int j = record.integer();
-  const int k = record.integer();
-  const double g = record.real();
-  const double lower_j = record.real(), upper_j = record.real();
-  const double lower_k = record.real(), upper_k = record.real();
+void undo_parallel_columns(const ParallelColumns& record, Undo& undo) {
+  const int j = record.kept, k = record.gone;
+  const double g = record.ratio;
+  const double lower_j = record.kept_lower, upper_j = record.kept_upper;
+  const double lower_k = record.gone_lower, upper_k = record.gone_upper;
   Point& p = undo.point;
   p.d[k] = g * p.d[j];
   if (p.column[j] != At::basic) {
@@ -152,6 +158,25 @@ void undo_parallel_columns(Record record, Undo& undo) {
   attempt(upper_j, (z - upper_j) / g, At::upper, At::basic);
   attempt(z - g * lower_k, lower_k, At::basic, At::lower);
   attempt(z - g * upper_k, upper_k, At::basic, At::upper);
+}
+
+void point_of_parallel_columns(const ParallelColumns& record, std::vector<double>& x) {
+  x[record.kept] += record.ratio * x[record.gone];
+}
+
+void basis_of_parallel_columns(const ParallelColumns& record, Basis& basis) {
+  if (basis.column[record.gone] == At::basic) basis.column[record.kept] = At::basic;
+}
+
+bool form_of_parallel_columns(const ParallelColumns& record, LinearForm& form) {
+  const double wanted = record.ratio * form.coefficients[record.kept];
+  const double given = form.coefficients[record.gone];
+  form.coefficients[record.gone] = 0;
+  return std::fabs(wanted - given) <= kSameRatio * std::max(std::fabs(wanted), std::fabs(given));
+}
+
+void form_back_of_parallel_columns(const ParallelColumns& record, LinearForm& form) {
+  form.coefficients[record.gone] = record.ratio * form.coefficients[record.kept];
 }
 
 }  // namespace tovik::lp::presolve

@@ -61,8 +61,12 @@ bool merge(Workspace& ws, const Pair& pair) {
     tighter_upper &= new_upper < own_upper;
   }
   if (!ws.allow(Rule::parallel_rows)) return false;
-  ws.stack.begin(Op::parallel_rows).integer(i).integer(k).integer(tighter_lower).integer(tighter_upper);
-  ws.stack.integer(new_lower == new_upper).real(g);
+  ws.stack.push(ParallelRows{.kept = i,
+                             .gone = k,
+                             .tighter_lower = tighter_lower,
+                             .tighter_upper = tighter_upper,
+                             .collapsed = new_lower == new_upper,
+                             .ratio = g});
   ws.remove_row(k, Fate::merged);
   if (tighter_lower || tighter_upper) ws.change_sides(i, new_lower, new_upper);
   return true;
@@ -117,20 +121,11 @@ bool merge_parallel_rows(Workspace& ws) {
 }
 
 /* A row that stands at a side that came from the other one passes its dual on to it. */
-void undo_parallel_rows(Record record, Undo& undo) {
-  const int i = record.integer();
-  const int k = record.integer();
-  const bool tighter_lower = record.integer() != 0;
-  const bool tighter_upper = record.integer() != 0;
-  const bool collapsed = record.integer() != 0;
-  const double g = record.real();
+void undo_parallel_rows(const ParallelRows& record, Undo& undo) {
+  const auto& [i, k, tighter_lower, tighter_upper, collapsed, g] = record;
   Point& p = undo.point;
   At at = p.row[i];
-  if (collapsed && at != At::basic) {
-    const At own = tighter_lower == tighter_upper ? at : tighter_lower ? At::upper : At::lower;
-    at = Undo::side(own, p.y[i]);
-    p.row[i] = at;
-  }
+  if (collapsed && at != At::basic) p.row[i] = at = Undo::own_side(at, p.y[i], tighter_lower, tighter_upper);
   if ((at == At::lower && tighter_lower) || (at == At::upper && tighter_upper)) {
     p.y[k] = p.y[i] / g;
     p.row[k] = (at == At::lower) == (g > 0) ? At::lower : At::upper;
@@ -140,6 +135,15 @@ void undo_parallel_rows(Record record, Undo& undo) {
     p.y[k] = 0;
     p.row[k] = At::basic;
   }
+}
+
+void duals_of_parallel_rows(const ParallelRows& record, std::vector<double>& y) {
+  y[record.kept] += record.ratio * y[record.gone];
+}
+
+void basis_of_parallel_rows(const ParallelRows& record, Basis& basis) {
+  if (basis.row[record.kept] == At::basic)
+    basis.row[record.kept] = scaled_status(basis.row[record.gone], record.ratio > 0);
 }
 
 }  // namespace tovik::lp::presolve

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "lp/presolve/free_row.h"
+#include "lp/presolve/operations.h"
 #include "lp/presolve/rounds.h"
 #include "lp/presolve/tolerances.h"
 

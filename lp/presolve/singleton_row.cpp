@@ -44,13 +44,12 @@ bool remove_singleton_row(Workspace& ws, int i) {
     if (tighter_upper) tighter_upper = new_upper < old_upper;
   }
   if (!ws.allow(Rule::singleton_row)) return false;
-  ws.stack.begin(Op::singleton_row)
-      .integer(i)
-      .integer(j)
-      .integer(tighter_lower)
-      .integer(tighter_upper)
-      .integer(new_lower == new_upper)
-      .real(a);
+  ws.stack.push(SingletonRow{.row = i,
+                             .column = j,
+                             .tighter_lower = tighter_lower,
+                             .tighter_upper = tighter_upper,
+                             .collapsed = new_lower == new_upper,
+                             .entry = a});
   ws.remove_row(i, Fate::redundant);
   if (tighter_lower || tighter_upper) {
     ++ws.counts.bounds_improved;
@@ -60,13 +59,8 @@ bool remove_singleton_row(Workspace& ws, int i) {
 }
 
 /* A column that stands at a bound that the row gave it becomes basic, and the row stands at its side. */
-void undo_singleton_row(Record record, Undo& undo) {
-  const int i = record.integer();
-  const int j = record.integer();
-  const bool tighter_lower = record.integer() != 0;
-  const bool tighter_upper = record.integer() != 0;
-  const bool collapsed = record.integer() != 0;
-  const double a = record.real();
+void undo_singleton_row(const SingletonRow& record, Undo& undo) {
+  const auto& [i, j, tighter_lower, tighter_upper, collapsed, a] = record;
   Point& p = undo.point;
   At at = p.column[j];
   if (collapsed && at != At::basic)
@@ -80,6 +74,12 @@ void undo_singleton_row(Record record, Undo& undo) {
     p.y[i] = 0;
     p.row[i] = At::basic;
   }
+}
+
+void basis_of_singleton_row(const SingletonRow& record, Basis& basis) {
+  const At row = basis.row[record.row];
+  if (row != At::basic && basis.column[record.column] == At::basic)
+    basis.column[record.column] = scaled_status(row, record.entry > 0);
 }
 
 }  // namespace tovik::lp::presolve

@@ -26,16 +26,6 @@ bool moves_too_far(double move) {
   return std::isfinite(move) && std::fabs(move) > kHugeMove;
 }
 
-/* The row without the column, after it. */
-void store_rest(Workspace& ws, const Slack& k) {
-  const View v = ws.row(k.i);
-  ws.add_work(v.length);
-  ws.stack.integer(v.length - 1);
-  for (int q = 0; q < v.length; ++q) {
-    if (v.index[q] != k.s) ws.stack.integer(v.index[q]).real(v.value[q]);
-  }
-}
-
 bool stores_too_much(const Workspace& ws, int i) {
   const auto entries = static_cast<std::int64_t>(ws.original.matrix.index.size());
   return ws.row_length(i) > kLong && ws.stack.stored() > kMostStored * entries;
@@ -54,9 +44,15 @@ bool remove_from_equation(Workspace& ws, const Slack& k, double beta, At at) {
   // Costs on the move spoil the dual simplex' start, which costs more than one column is worth.
   if (price != 0 && !row_goes(ws, k, lower, upper)) return false;
   if (!ws.allow(Rule::slack_column)) return false;
-  ws.stack.begin(Op::slack_in_equation).integer(k.i).integer(k.s).integer(static_cast<int>(at));
-  ws.stack.real(k.a).real(beta).real(price).real(ws.lower[k.s]).real(ws.upper[k.s]);
-  store_rest(ws, k);
+  ws.stack.push(SlackInEquation{.row = k.i,
+                                .column = k.s,
+                                .side = at,
+                                .entry = k.a,
+                                .beta = beta,
+                                .price = price,
+                                .lower = ws.lower[k.s],
+                                .upper = ws.upper[k.s],
+                                .rest = ws.row_without(k.i, k.s)});
   ws.remove_column(k.s, Fate::other);
   if (price != 0) {
     const View v = ws.row(k.i);
@@ -70,9 +66,14 @@ bool remove_from_equation(Workspace& ws, const Slack& k, double beta, At at) {
 bool remove_from_row(Workspace& ws, const Slack& k) {
   const double lower = moved(ws.row_lower[k.i], -k.high), upper = moved(ws.row_upper[k.i], -k.low);
   if (lower == upper || !ws.allow(Rule::slack_column)) return false;
-  ws.stack.begin(Op::slack_in_row).integer(k.i).integer(k.s);
-  ws.stack.real(k.a).real(ws.row_lower[k.i]).real(ws.row_upper[k.i]).real(ws.lower[k.s]).real(ws.upper[k.s]);
-  store_rest(ws, k);
+  ws.stack.push(SlackInRow{.row = k.i,
+                           .column = k.s,
+                           .entry = k.a,
+                           .row_lower = ws.row_lower[k.i],
+                           .row_upper = ws.row_upper[k.i],
+                           .lower = ws.lower[k.s],
+                           .upper = ws.upper[k.s],
+                           .rest = ws.row_without(k.i, k.s)});
   ws.remove_column(k.s, Fate::other);
   ws.change_sides(k.i, lower, upper);
   return true;
@@ -118,16 +119,11 @@ bool remove_slack_column(Workspace& ws, int s) {
 }
 
 /* The row's dual gains the price of the slack, whose bounds were the row's sides. */
-void undo_slack_in_equation(Record record, Undo& undo) {
-  const int i = record.integer();
-  const int s = record.integer();
-  const At at = static_cast<At>(record.integer());
-  const double a = record.real(), beta = record.real(), price = undo.cost(record.real());
-  const double lower = record.real(), upper = record.real();
-  const View rest = record.line();
+void undo_slack_in_equation(const SlackInEquation& record, Undo& undo) {
+  const auto& [i, s, side, a, beta, price, lower, upper, rest] = record;
   Point& p = undo.point;
   const double y = p.y[i];
-  p.y[i] = y + price;
+  p.y[i] = y + undo.cost(price);
   p.d[s] = -a * y;
   if (p.row[i] == At::basic) {
     double x = beta;
@@ -139,17 +135,29 @@ void undo_slack_in_equation(Record record, Undo& undo) {
     p.x[s] = up ? upper : lower;
     p.column[s] = up ? At::upper : At::lower;
   }
-  p.row[i] = at == At::free ? Undo::side(At::lower, p.y[i]) : at;
+  p.row[i] = side == At::free ? Undo::side(At::lower, p.y[i]) : side;
+}
+
+void duals_of_slack_in_equation(const SlackInEquation& record, std::vector<double>& y) {
+  y[record.row] -= record.price;
+}
+
+bool form_of_slack_in_equation(const SlackInEquation& record, LinearForm& form) {
+  substitute(form, record.column, record.entry, record.beta, record.rest);
+  return true;
+}
+
+void basis_of_slack_in_equation(const SlackInEquation& record, Basis& basis) {
+  basis.row[record.row] = scaled_status(basis.column[record.column], record.entry < 0);
 }
 
 /* With the row between its sides the slack goes to a bound where the row holds, or else takes the row to a
  * side and is basic. */
-void undo_slack_in_row(Record record, Undo& undo) {
-  const int i = record.integer();
-  const int s = record.integer();
-  const double a = record.real(), row_lower = record.real(), row_upper = record.real();
-  const double lower = record.real(), upper = record.real();
-  const View rest = record.line();
+void undo_slack_in_row(const SlackInRow& record, Undo& undo) {
+  const int i = record.row, s = record.column;
+  const double a = record.entry, row_lower = record.row_lower, row_upper = record.row_upper;
+  const double lower = record.lower, upper = record.upper;
+  const View& rest = record.rest;
   Point& p = undo.point;
   p.d[s] = -a * p.y[i];
   const auto stand = [&](At at) {
@@ -177,6 +185,14 @@ void undo_slack_in_row(Record record, Undo& undo) {
     p.x[s] = x;
     p.row[i] = at;
   }
+}
+
+bool form_of_slack_in_row(const SlackInRow& record, LinearForm& form) {
+  return form.coefficients[record.column] == 0;
+}
+
+void basis_of_slack_in_row(const SlackInRow& record, Basis& basis) {
+  if (basis.column[record.column] == At::basic) basis.row[record.row] = At::basic;
 }
 
 }  // namespace tovik::lp::presolve

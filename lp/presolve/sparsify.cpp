@@ -90,7 +90,7 @@ bool Sparsifier::improve(int q, int e, double s) {
   }
   const int fill = ws_.row_length(e) - common;
   if (fill > kMostFill || cancelled <= fill + 1 || !ws_.allow(Rule::sparsify)) return false;
-  ws_.stack.begin(Op::row_addition).integer(q).integer(e).real(s);
+  ws_.stack.push(RowAddition{.target = q, .source = e, .factor = s});
   ws_.add_row_multiple(q, s, e, -1);
   ws_.counts.coefficients_modified += cancelled + fill;
   return true;
@@ -103,10 +103,12 @@ bool sparsify_rows(Workspace& ws) {
   return Sparsifier(ws).run();
 }
 
-void undo_row_addition(Record record, Undo& undo) {
-  const int q = record.integer();
-  const int e = record.integer();
-  undo.point.y[e] += record.real() * undo.point.y[q];
+void undo_row_addition(const RowAddition& record, Undo& undo) {
+  undo.point.y[record.source] += record.factor * undo.point.y[record.target];
+}
+
+void duals_of_row_addition(const RowAddition& record, std::vector<double>& y) {
+  y[record.source] -= record.factor * y[record.target];
 }
 
 }  // namespace tovik::lp::presolve

@@ -6,13 +6,27 @@
  * later reduction may touch the equation. */
 #pragma once
 
+#include <vector>
+
 #include "lp/presolve/undo.h"
 #include "lp/presolve/workspace.h"
 
 namespace tovik::lp::presolve {
 
+/* Row target += factor * row source. */
+struct RowAddition {
+  static constexpr Op kOp = Op::row_addition;
+  int target, source;
+  double factor;
+  template <class Self, class Archive>
+  static constexpr void fields(Self& r, Archive& archive) {
+    archive(r.target, r.source, r.factor);
+  }
+};
+
 /* One pass over the equations. True when something was added. */
 bool sparsify_rows(Workspace& ws);
-void undo_row_addition(Record record, Undo& undo);
+void undo_row_addition(const RowAddition& record, Undo& undo);
+void duals_of_row_addition(const RowAddition& record, std::vector<double>& y);
 
 }  // namespace tovik::lp::presolve

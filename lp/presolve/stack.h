@@ -1,18 +1,18 @@
-/* The record of what presolve did: one operation after another, each with a code, integers and numbers in the
- * order in which its undo reads them. Indices are those of the original problem. */
+/* What presolve did: one record after another, each of the struct that belongs to its operation. */
 #pragma once
 
+#include <cassert>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
 
-#include "lp/presolve/lines.h"
+#include "lp/presolve/record.h"
 
 namespace tovik::lp::presolve {
 
-/* What stands on the stack. Each code has an entry in the table of operations.cpp. */
+/* What stands on the stack. Each operation has a record and a line in the table of operations.cpp. */
 enum class Op : std::uint8_t {
-  free_row,  // empty or redundant row
+  free_row,
   singleton_row,
   forcing_row,
   fixed_column,
@@ -28,57 +28,37 @@ enum class Op : std::uint8_t {
   count
 };
 
-/* Reads one record in the order in which it was written. */
-class Record {
- public:
-  Record(const int* ints, const double* reals) : ints_(ints), reals_(reals) {}
-  int integer() { return *ints_++; }
-  double real() { return *reals_++; }
-  View entries(int n) {
-    const View view{n, ints_, reals_};
-    ints_ += n;
-    reals_ += n;
-    return view;
-  }
-  View line() { return entries(integer()); }
-
- private:
-  const int* ints_;
-  const double* reals_;
-};
-
 class Stack {
  public:
   int size() const { return static_cast<int>(entries_.size()); }
   std::int64_t stored() const { return static_cast<std::int64_t>(ints_.size()); }  // integers of all records
   Op op(int k) const { return entries_[k].op; }
-  Record record(int k) const { return {ints_.data() + entries_[k].ints, reals_.data() + entries_[k].reals}; }
 
-  /* A record is begun, then filled. */
-  Stack& begin(Op op) {
-    entries_.push_back(
-        {op, static_cast<std::int64_t>(ints_.size()), static_cast<std::int64_t>(reals_.size())});
-    return *this;
+  template <class R>
+  void push(const R& record) {
+    static_assert(bits_fit<R>());
+    const auto ints = static_cast<std::int64_t>(ints_.size()),
+               reals = static_cast<std::int64_t>(reals_.size());
+    RecordWriter writer(ints_, reals_);
+    R::fields(record, writer);
+    entries_.push_back({ints, reals, writer.bits(), R::kOp});
   }
-  Stack& integer(int value) {
-    ints_.push_back(value);
-    return *this;
-  }
-  Stack& real(double value) {
-    reals_.push_back(value);
-    return *this;
-  }
-  Stack& line(const View& view) {
-    integer(view.length);
-    ints_.insert(ints_.end(), view.index, view.index + view.length);
-    reals_.insert(reals_.end(), view.value, view.value + view.length);
-    return *this;
+  /* Record k, whose operation must be that of R. */
+  template <class R>
+  R read(int k) const {
+    const Entry& entry = entries_[k];
+    assert(entry.op == R::kOp);
+    R record{};
+    RecordReader reader(ints_.data() + entry.ints, reals_.data() + entry.reals, entry.bits);
+    R::fields(record, reader);
+    return record;
   }
 
  private:
   struct Entry {
-    Op op;
     std::int64_t ints, reals;
+    std::uint32_t bits;
+    Op op;
   };
   std::vector<Entry> entries_;
   std::vector<int> ints_;

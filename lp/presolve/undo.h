@@ -1,5 +1,5 @@
-/* Brings a solution of the reduced problem back to the original, one operation at a time from the last to the
- * first.
+/* What the undo of an operation works on: postsolve brings a solution of the reduced problem back to the
+ * original, one operation at a time from the last to the first.
  *
  * Signs: rows and columns obey one rule. The dual y_i of a row and the reduced cost d_j = c_j - a_j'y of a
  * column are >= 0 when the row's activity (the column) stands at its lower bound, <= 0 at its upper bound, 0
@@ -13,12 +13,9 @@
 #include <vector>
 
 #include "lp/linalg/lp_data.h"
-#include "lp/presolve/stack.h"
-#include "lp/simplex/types.h"
+#include "lp/presolve/record.h"
 
 namespace tovik::lp::presolve {
-
-using simplex::At;
 
 /* A primal-dual point with statuses, in the space of the original; what is not restored yet is zero. */
 struct Point {
@@ -50,12 +47,11 @@ struct Undo {
   bool homogeneous = false;
 
   double cost(double c) const { return homogeneous ? 0.0 : c; }
-  /* f(row, value) for a column stored by Workspace::store_column, next in the record. */
+  /* f(row, value) for each entry of column j, as it was when its record was written. */
   template <class F>
-  void each_entry(Record& record, int j, F f) const {
-    const int length = record.integer();
-    if (length >= 0) {
-      const View view = record.entries(length);
+  void each_entry(const ColumnEntries& column, int j, F f) const {
+    if (column.copied) {
+      const View& view = column.entries;
       for (int k = 0; k < view.length; ++k) f(view.index[k], view.value[k]);
       return;
     }
@@ -69,8 +65,5 @@ struct Undo {
     return side(lower_came == upper_came ? present : lower_came ? At::upper : At::lower, dual);
   }
 };
-
-/* Undoes the whole stack. */
-void undo_all(const Stack& stack, Undo& undo);
 
 }  // namespace tovik::lp::presolve

@@ -267,24 +267,22 @@ void Workspace::remove_column(int j, Fate fate) {
   --columns_left_;
 }
 
-void Workspace::store_column(int j) {
-  if (column_dirty_[j]) {
-    stack.line(column(j));
-  } else {
-    stack.integer(-1);
-  }
+ColumnEntries Workspace::column_entries(int j) {
+  if (!column_dirty_[j]) return {};
+  return {true, column(j)};
 }
 
-void Workspace::fix_column(int j, double value, At at) {
-  stack.begin(Op::fixed_column).integer(j).integer(static_cast<int>(at)).integer(lower[j] == upper[j]);
-  stack.real(value).real(cost[j]);
-  store_column(j);
-  if (value != 0) {
-    const View v = column(j);
-    for (int k = 0; k < v.length; ++k) shift_sides(v.index[k], -v.value[k] * value);
-    add_offset(cost[j] * value);
+View Workspace::row_without(int i, int j) {
+  const View v = row(i);
+  add_work(v.length);
+  scratch_index_.clear();
+  scratch_value_.clear();
+  for (int k = 0; k < v.length; ++k) {
+    if (v.index[k] == j) continue;
+    scratch_index_.push_back(v.index[k]);
+    scratch_value_.push_back(v.value[k]);
   }
-  remove_column(j, Fate::fixed);
+  return {v.length - 1, scratch_index_.data(), scratch_value_.data()};
 }
 
 void Workspace::set_entry(int i, int j, double value) {

@@ -17,11 +17,8 @@
 #include "lp/presolve/settings.h"
 #include "lp/presolve/stack.h"
 #include "lp/presolve/verdict.h"
-#include "lp/simplex/types.h"
 
 namespace tovik::lp::presolve {
-
-using simplex::At;
 
 /* Why a row or column is no longer there. */
 enum class Fate : std::uint8_t { kept, redundant, fixed, aggregated, merged, other };
@@ -98,17 +95,15 @@ class Workspace {
   void remove_row(int i, Fate fate);
   /* Takes the column out without a trace on sides and objective: for columns that are substituted. */
   void remove_column(int j, Fate fate);
-  /* Column j leaves at `value`, standing at `at` (lower or upper; free for a column without bounds at 0):
-   * writes the record, moves a_j * value to the sides and c_j * value to the offset. */
-  void fix_column(int j, double value, At at);
   /* Row target += factor * row source, sides too when source is an equation (else only the entries). The
    * entry in column `pivot`, if any, is removed exactly. */
   void add_row_multiple(int target, double factor, int source, int pivot);
   /* Row i is an equation: solved for column s, put in for it in all other rows and the objective; both go. */
   void substitute(int i, int s);
   void set_entry(int i, int j, double value);  // existing or new; 0 removes it
-  /* Column j of the record: a reference to the original when its entries are untouched, else a copy. */
-  void store_column(int j);
+  // For records; valid until the next change.
+  ColumnEntries column_entries(int j);
+  View row_without(int i, int j);
   Fate row_fate(int i) const { return row_fate_[i]; }
   Fate column_fate(int j) const { return column_fate_[j]; }
 

@@ -25,6 +25,27 @@ bool entries_fit(const View& column) {
   return least >= kSmallEntry * most;
 }
 
+void store(Workspace& ws, int j, bool up) {
+  const View column = ws.column(j);
+  std::vector<double> sides;
+  std::vector<int> start{0}, index;
+  std::vector<double> value;
+  for (int k = 0; k < column.length; ++k) {
+    const int i = column.index[k];
+    const View row = ws.row(i);
+    sides.push_back(lower_side(column.value[k], up) ? ws.row_lower[i] : ws.row_upper[i]);
+    index.insert(index.end(), row.index, row.index + row.length);
+    value.insert(value.end(), row.value, row.value + row.length);
+    start.push_back(static_cast<int>(index.size()));
+  }
+  ws.stack.push(ZeroCostColumn{.column = j,
+                               .up = up,
+                               .bound = up ? ws.lower[j] : ws.upper[j],
+                               .entries = column,
+                               .sides = {column.length, sides.data()},
+                               .rows = {column.length, start.data(), index.data(), value.data()}});
+}
+
 }  // namespace
 
 bool remove_zero_cost_column(Workspace& ws, int j) {
@@ -34,36 +55,28 @@ bool remove_zero_cost_column(Workspace& ws, int j) {
   const bool up = !locks.up && ws.upper[j] == kInf, down = !locks.down && ws.lower[j] == -kInf;
   const View column = ws.column(j);
   if ((!up && !down) || !entries_fit(column) || !ws.allow(Rule::zero_cost_column)) return false;
-  ws.stack.begin(Op::zero_cost_column).integer(j).integer(up).integer(column.length);
-  ws.stack.real(up ? ws.lower[j] : ws.upper[j]);
+  store(ws, j, up);
   const std::vector<int> rows(column.index, column.index + column.length);
-  for (int k = 0; k < column.length; ++k) {
-    const int i = column.index[k];
-    const double a = column.value[k];
-    ws.stack.integer(i).real(a).real(lower_side(a, up) ? ws.row_lower[i] : ws.row_upper[i]);
-    ws.stack.line(ws.row(i));
-  }
   for (const int i : rows) ws.remove_row(i, Fate::redundant);
   ws.remove_column(j, Fate::other);
   return true;
 }
 
-/* The column goes as far as the neediest row asks. It is basic then, for that row; otherwise it rests at its
- * own bound and all rows are basic. */
-void undo_zero_cost_column(Record record, Undo& undo) {
-  const int j = record.integer();
-  const bool up = record.integer() != 0;
-  const int rows = record.integer();
-  double x = record.real();
+/* The column goes as far as the row that asks most needs. It is basic then, for that row; otherwise it is
+ * nonbasic at its own bound and all rows are basic. */
+void undo_zero_cost_column(const ZeroCostColumn& record, Undo& undo) {
+  const int j = record.column;
+  const bool up = record.up;
+  double x = record.bound;
   Point& p = undo.point;
   p.column[j] = std::isinf(x) ? At::free : up ? At::lower : At::upper;
-  int needy = -1;
+  int tight = -1;  // the row that holds the column
   At side = At::basic;
-  for (int k = 0; k < rows; ++k) {
-    const int i = record.integer();
-    const double a = record.real();
-    double rest = record.real();
-    const View row = record.line();
+  for (int k = 0; k < record.entries.length; ++k) {
+    const int i = record.entries.index[k];
+    const double a = record.entries.value[k];
+    const View row = record.rows[k];
+    double rest = record.sides.value[k];
     for (int n = 0; n < row.length; ++n) {
       if (row.index[n] != j) rest -= row.value[n] * p.x[row.index[n]];
     }
@@ -72,15 +85,19 @@ void undo_zero_cost_column(Record record, Undo& undo) {
     const double needed = rest / a;
     if (std::isinf(needed) || (up ? needed <= x : needed >= x)) continue;
     x = needed;
-    needy = i;
+    tight = i;
     side = lower_side(a, up) ? At::lower : At::upper;
   }
-  if (needy >= 0) {
-    p.row[needy] = side;
+  if (tight >= 0) {
+    p.row[tight] = side;
     p.column[j] = At::basic;
   }
   p.x[j] = std::isinf(x) ? 0 : x;
   p.d[j] = 0;
+}
+
+bool form_of_zero_cost_column(const ZeroCostColumn& record, LinearForm& form) {
+  return form.coefficients[record.column] == 0;
 }
 
 }  // namespace tovik::lp::presolve

@@ -85,8 +85,8 @@ std::vector<double> uncrush_pi(const Presolved& presolved, const double* pi) {
   return times(presolved.sign, presolve::postsolve(presolved.original, presolved.reduction, point).y);
 }
 
-presolve::Form dense_form(int columns, int count, const int* index, const double* value) {
-  presolve::Form form;
+presolve::LinearForm dense_form(int columns, int count, const int* index, const double* value) {
+  presolve::LinearForm form;
   form.coefficients.assign(static_cast<size_t>(columns), 0.0);
   for (int k = 0; k < count; ++k) form.coefficients[index[k]] += value[k];
   return form;

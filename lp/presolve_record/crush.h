@@ -3,7 +3,7 @@
 
 #include <vector>
 
-#include "lp/presolve/forward.h"
+#include "lp/presolve/crush.h"
 #include "lp/presolve_record/presolved.h"
 
 namespace tovik::lp::run {
@@ -15,7 +15,7 @@ std::vector<double> uncrush_x(const Presolved& presolved, const double* x);
 std::vector<double> uncrush_pi(const Presolved& presolved, const double* pi);
 
 /* A sparse form of `columns` variables made dense; an index that occurs twice counts twice. */
-presolve::Form dense_form(int columns, int count, const int* index, const double* value);
+presolve::LinearForm dense_form(int columns, int count, const int* index, const double* value);
 
 /* Fate of row or column k: its place in the reduced problem, or a negative code (TVK_PRESTAT_). */
 std::vector<int> row_fates(const Presolved& presolved);

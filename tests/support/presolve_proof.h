@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "lp/presolve/forward.h"
+#include "lp/presolve/crush.h"
 #include "lp/presolve/presolve.h"
 #include "support/dense_lp.h"
 #include "support/exact_lp.h"
@@ -84,8 +84,8 @@ inline bool by_reduced_costs(const Reduction& r) {
 }
 
 /* Some form of the original's columns. */
-inline tovik::lp::presolve::Form some_form(const LpData& lp) {
-  tovik::lp::presolve::Form form;
+inline tovik::lp::presolve::LinearForm some_form(const LpData& lp) {
+  tovik::lp::presolve::LinearForm form;
   for (int j = 0; j < lp.num_columns(); ++j) form.coefficients.push_back((j * 7 + 3) % 5 - 2);
   return form;
 }
@@ -103,7 +103,7 @@ inline std::string crush_fault(const LpData& lp, const Reduction& r, const Point
   for (size_t k = 0; k < y.size(); ++k) {
     if (differs(y[k], reduced.y[k])) return "crushed duals, reduced row " + std::to_string(k);
   }
-  presolve::Form form = some_form(lp);
+  presolve::LinearForm form = some_form(lp);
   double value = 0;
   for (size_t j = 0; j < undone.x.size(); ++j) value += form.coefficients[j] * undone.x[j];
   if (!presolve::crush_form(r, form)) return {};
@@ -144,7 +144,7 @@ class PresolveProof {
    * only linear functions are allowed each form has an image. */
   std::string promise_fault(const LpData& lp, const Reduction& r, const Settings& settings) {
     LpData original = lp, reduced = r.lp;
-    tovik::lp::presolve::Form form = some_form(lp);
+    tovik::lp::presolve::LinearForm form = some_form(lp);
     original.cost = form.coefficients;
     original.offset = 0;
     if (!crush_form(r, form)) return settings.linear_only ? "a form without image" : "";

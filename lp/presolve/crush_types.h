@@ -1,0 +1,32 @@
+/* What the crush of linear forms and bases works on, and the steps that several operations share. */
+#pragma once
+
+#include <vector>
+
+#include "lp/presolve/lines.h"
+#include "lp/simplex/types.h"
+
+namespace tovik::lp::presolve {
+
+using simplex::At;
+
+/* g'x + constant. */
+struct LinearForm {
+  std::vector<double> coefficients;
+  double constant = 0;
+};
+
+struct Basis {
+  std::vector<At> column, row;
+};
+
+/* Column s leaves a form by a x_s = beta - rest'x; rest may hold s. */
+void substitute(LinearForm& form, int s, double a, double beta, const View& rest);
+
+/* The status of a variable whose scaled copy has status `at`. */
+inline At scaled_status(At at, bool same_direction) {
+  if (same_direction || (at != At::lower && at != At::upper)) return at;
+  return at == At::lower ? At::upper : At::lower;
+}
+
+}  // namespace tovik::lp::presolve
