@@ -9,3 +9,12 @@ foreach(source IN LISTS micro_sources)
   target_compile_definitions(${target} PRIVATE TOVIK_SOURCE_DIR="${CMAKE_CURRENT_SOURCE_DIR}")
   tovik_warnings(${target})
 endforeach()
+
+# bench/nodes: one program of several files; a peer is loaded at run time, where it is installed.
+find_package(CLI11 REQUIRED)
+find_package(nlohmann_json REQUIRED)
+file(GLOB node_sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/bench/nodes/*.cpp)
+add_executable(bench_nodes ${node_sources})
+target_link_libraries(bench_nodes PRIVATE tovik_inner CLI11::CLI11 nlohmann_json::nlohmann_json ${CMAKE_DL_LIBS})
+target_compile_definitions(bench_nodes PRIVATE TOVIK_SOURCE_DIR="${CMAKE_CURRENT_SOURCE_DIR}")
+tovik_warnings(bench_nodes)
