@@ -11,6 +11,7 @@
 #include "lp/run/basis_view.h"
 #include "lp/run/method.h"
 #include "lp/run/start_basis.h"
+#include "model/routines/check.h"
 #include "model/store/model.h"
 
 using namespace tovik;
@@ -18,18 +19,10 @@ using namespace tovik::lp::run;
 
 namespace {
 
-/* begin..end within 0..count-1, with the explaining lines of a bad range. */
-Status check_range(Environment& env, const char* routine, int begin, int end, int count) {
-  if (begin >= 0 && end <= count - 1) return {};
-  if (begin < 0) (void)fail(env, 1205, routine, begin, 0);
-  if (end > count - 1) (void)fail(env, 1206, routine, end, count - 1);
-  return Status(1200);
-}
-
 template <class Each>
 Status sensitivity_range(Environment& env, Problem& problem, const char* routine, int begin, int end,
                          int count, Each each) {
-  if (const Status status = check_range(env, routine, begin, end, count); !status.ok()) return status;
+  if (const Status status = model::check_range(env, routine, begin, end, count); !status.ok()) return status;
   Sensitivity sensitivity;
   if (const Status status = sensitivity.open(env, problem); !status.ok()) return status;
   for (int k = begin; k <= end; ++k) each(sensitivity, k, k - begin);

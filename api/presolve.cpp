@@ -3,11 +3,9 @@
 #include <cstring>
 
 #include "api/optimizer_frame.h"
-#include "env/channel.h"
 #include "env/entry.h"
 #include "env/handles.h"
 #include "include/tovik.h"
-#include "lp/binding/build_lp.h"
 #include "lp/presolve_record/crush.h"
 #include "lp/presolve_record/presolved.h"
 #include "lp/presolve_record/reduced_problem.h"
@@ -23,22 +21,6 @@ namespace {
 
 bool is_method(int method) {
   return (method >= 0 && method <= 6) || (method > 0 && std::strchr("oOpPdDtTbBnN", method) != nullptr);
-}
-
-Status run_presolve(Environment& env, Problem& problem) {
-  if (const Status finite = check_finite(env, *problem.model, true); !finite.ok()) return finite;
-  const OptimizerFrame frame(env);
-  problem.presolve.reset();
-  std::unique_ptr<Presolved> record;
-  try {
-    record = make_presolved(env, problem);
-  } catch (const std::bad_alloc&) {
-    message(env.warning_channel, "Insufficient memory for presolve.\n");
-    return Status(1001);
-  }
-  const int code = outcome_code(*record);
-  if (code == 0) problem.presolve = std::move(record);
-  return Status(code);
 }
 
 /* worker(env, problem, record); 1103 without a record. */
@@ -102,6 +84,7 @@ int TVKpresolve(ConstEnvHandle env, ProbHandle lp, int method) {
   return with_problem(env, lp, [&](Environment& e, Problem& p) -> Status {
     if (const Status status = check_continuous(p); !status.ok()) return status;
     if (!is_method(method)) return Status(TVK_ERROR_OPTIMIZATION_METHOD);
+    const OptimizerFrame frame(e);
     return run_presolve(e, p);
   });
 }

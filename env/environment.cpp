@@ -33,6 +33,20 @@ bool Environment::in_use() const {
          std::any_of(children.begin(), children.end(), [](const auto& child) { return child->in_use(); });
 }
 
+Status may_be_freed(const Environment& env) {
+  const bool busy = env.in_callback != 0 || !env.limits.empty() || env.delivering() || env.in_use();
+  return busy ? TVK_ERROR_IN_INFO_CALLBACK : 0;
+}
+
+Status free_child(Environment& parent, const Environment* child) {
+  const auto is_child = [child](const auto& owned) { return owned.get() == child; };
+  const auto found = std::find_if(parent.children.begin(), parent.children.end(), is_child);
+  if (found == parent.children.end()) return TVK_ERROR_NO_ENVIRONMENT;
+  if (Status status = may_be_freed(**found); !status.ok()) return status;
+  parent.children.erase(found);
+  return 0;
+}
+
 int thread_limit() {
   return std::max(1, static_cast<int>(std::thread::hardware_concurrency()));
 }

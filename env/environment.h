@@ -79,6 +79,11 @@ struct Environment {
   bool in_use() const;      // a routine works on one of the problems or networks, children's included
 };
 
+/* 1804 while a routine works in it: the caller is then inside a callback or a message function. */
+Status may_be_freed(const Environment& env);
+/* Frees a child; the pointer is only compared with those of the parent. 1002 for no child of it. */
+Status free_child(Environment& parent, const Environment* child);
+
 /* Work done while it lives does not count. */
 class UncountedWork {
  public:

@@ -45,6 +45,9 @@ struct Start {
   int change_level = 0;  // 2 objective, 3 added columns, 1 other changes; a larger one replaces a smaller
   const void* keeper = nullptr;  // the engine that keeps the statuses up to date in place, if one does
   bool has_basis() const { return !column_status.empty() || !row_status.empty(); }
+  bool has_values() const {
+    return !primal.empty() || !row_primal.empty() || !dual.empty() || !row_dual.empty();
+  }
 };
 
 /* Stored pricing norms by basis position, with the basis head that they belong to (column j, or -i-1 for row

@@ -1,7 +1,9 @@
 #include "lp/presolve_record/presolved.h"
 
+#include <new>
 #include <utility>
 
+#include "env/channel.h"
 #include "include/tovik.h"
 #include "lp/binding/build_lp.h"
 #include "lp/binding/engine_control.h"
@@ -104,6 +106,21 @@ int outcome_code(const Presolved& presolved) {
     default:
       return 0;
   }
+}
+
+Status run_presolve(Environment& env, Problem& problem) {
+  if (const Status finite = check_finite(env, *problem.model, true); !finite.ok()) return finite;
+  problem.presolve.reset();
+  std::unique_ptr<Presolved> record;
+  try {
+    record = make_presolved(env, problem);
+  } catch (const std::bad_alloc&) {
+    message(env.warning_channel, "Insufficient memory for presolve.\n");
+    return Status(TVK_ERROR_OUT_OF_MEMORY);
+  }
+  const int code = outcome_code(*record);
+  if (code == 0) problem.presolve = std::move(record);
+  return Status(code);
 }
 
 Presolved* kept_record(const Problem& problem) {

@@ -43,6 +43,10 @@ std::unique_ptr<Presolved> make_presolved(Environment& env, Problem& problem);
 /* 0, or the code of what presolve found out or was stopped by. */
 int outcome_code(const Presolved& presolved);
 
+/* Checks the data, runs presolve and leaves its record with the problem; without one when it comes to a
+ * conclusion or is stopped (outcome_code()), or memory is short. */
+Status run_presolve(Environment& env, Problem& problem);
+
 /* The record that TVKpresolve left with the problem, or null. */
 Presolved* kept_record(const Problem& problem);
 

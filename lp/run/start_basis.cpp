@@ -8,9 +8,9 @@
 namespace tovik::lp::run {
 namespace {
 
-Status check_statuses(Environment& env, const int* status, int count) {
-  for (int k = 0; k < count; ++k) {
-    if (status[k] < 0 || status[k] > 3) return fail(env, 1253, k);
+Status check_statuses(Environment& env, const std::vector<int>& status) {
+  for (size_t k = 0; k < status.size(); ++k) {
+    if (status[k] < 0 || status[k] > 3) return fail(env, 1253, static_cast<int>(k));
   }
   return {};
 }
@@ -36,8 +36,6 @@ Status copy_start(Environment& env, Problem& problem, const StartArrays& arrays)
   if (arrays.column_status == nullptr && !values) return Status(1004);
   Start start;
   if (arrays.column_status != nullptr) {
-    if (const Status s = check_statuses(env, arrays.column_status, columns); !s.ok()) return s;
-    if (const Status s = check_statuses(env, arrays.row_status, rows); !s.ok()) return s;
     start.column_status.assign(arrays.column_status, arrays.column_status + columns);
     start.row_status.assign(arrays.row_status, arrays.row_status + rows);
   }
@@ -45,6 +43,12 @@ Status copy_start(Environment& env, Problem& problem, const StartArrays& arrays)
   start.row_primal = optional_copy(arrays.row_primal, rows);
   start.dual = optional_copy(arrays.column_dual, columns);
   start.row_dual = optional_copy(arrays.row_dual, rows);
+  return set_start(env, problem, std::move(start));
+}
+
+Status set_start(Environment& env, Problem& problem, Start start) {
+  if (const Status s = check_statuses(env, start.column_status); !s.ok()) return s;
+  if (const Status s = check_statuses(env, start.row_status); !s.ok()) return s;
   problem.start = std::move(start);
   problem.norms = Norms{};
   release_engine(problem);

@@ -16,6 +16,8 @@ struct StartArrays {
 
 /* Both status arrays together or neither; 1253 with the position for a code outside 0..3. */
 Status copy_start(Environment& env, Problem& problem, const StartArrays& arrays);
+/* The same of a start that has the sizes of the problem; an array that is empty is absent. */
+Status set_start(Environment& env, Problem& problem, Start start);
 Status get_base(Problem& problem, int* column_status, int* row_status);
 
 /* Norms by basis position; head: column j or -i-1 for the slack of row i. */

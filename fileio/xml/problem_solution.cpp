@@ -1,0 +1,139 @@
+#include "fileio/xml/problem_solution.h"
+
+#include <algorithm>
+#include <memory>
+
+#include "env/environment.h"
+#include "env/solution_access.h"
+#include "env/status_table.h"
+#include "fileio/record/channel_log.h"
+#include "fileio/stream/write_file.h"
+#include "include/tovik.h"
+#include "model/routines/check.h"
+#include "model/routines/family_changes.h"
+
+namespace tovik::fileio {
+namespace {
+
+WriteLevel write_level(const Environment& env) {
+  return static_cast<WriteLevel>(std::max(1, env.settings.integer(TVK_PARAM_WRITELEVEL)));
+}
+
+bool is_complete(const std::vector<int>& statuses, std::size_t count) {
+  return statuses.size() == count && std::ranges::none_of(statuses, [](int s) { return s < 0; });
+}
+
+/* Empty unless there is a value for each. */
+std::vector<double> complete(const std::vector<double>& values) {
+  const bool whole = std::ranges::find(values, kNoValue) == values.end();
+  return whole ? values : std::vector<double>();
+}
+
+}  // namespace
+
+Status describe_solution(const Environment& env, const Problem& problem, SolutionReport& report) {
+  Status why;
+  report.solution = find_solution(problem, Wanted::values, why);
+  if (report.solution == nullptr) return why;
+  report.mixed_integer = problem.mixed_integer();
+  const bool duals = !report.mixed_integer && has_duals(problem);
+  const Start& start = problem.start;
+  const bool basis = duals && report.solution->has_basis && start.has_basis();
+  report.type = basis ? 1 : duals ? 2 : 3;
+  report.status = problem.status;
+  report.status_text = status_text(problem.status);
+  if (basis) {
+    report.column_status = start.column_status;
+    report.row_status = start.row_status;
+  }
+  report.level = write_level(env);
+  return {};
+}
+
+Status write_solution_file(Environment& env, const Problem& problem, const SolutionReport& report,
+                           const char* name) {
+  return write_file(env, name, [&](TextWriter& out) {
+    return write_solution({*problem.model, problem.name}, report, out);
+  });
+}
+
+Status write_start_file(Environment& env, const Problem& problem, const char* name, int begin, int end) {
+  const int count = problem.model->families().starts.size();
+  if (count == 0) return TVK_ERROR_NO_MIP_START;
+  if (const Status status = model::check_range(env, "TVKwritemipstarts", begin, end, count); !status.ok())
+    return status;
+  return write_file(env, name, [&](TextWriter& out) {
+    return write_starts({*problem.model, problem.name}, begin, end, write_level(env), out);
+  });
+}
+
+Status read_solution_file(Environment& env, const Problem& problem, const SolutionSource& file,
+                          const SolutionReading& reading, std::vector<SolutionFile>& solutions, int& found) {
+  std::unique_ptr<ByteSource> source;
+  if (const Status status = open_for_reading(env, {file.name, file.extension}, source); !status.ok())
+    return status;
+  const bool xml = looks_like_xml(*source);
+  if (const Status status = open_for_reading(env, {file.name, file.extension}, source); !status.ok())
+    return status;
+  if (!xml && problem.columns() > 0 && problem.model->column_names().empty()) return TVK_ERROR_NO_NAMES;
+  ChannelLog log(env);
+  ReadFailure failure;
+  found = 1;
+  if (xml) {
+    failure = read_solutions(*source, *problem.model, reading, log, solutions, found);
+  } else {
+    failure = read_start_text(*source, *problem.model, log, solutions.emplace_back());
+  }
+  if (!source->finish()) return fail(env, TVK_ERROR_OPEN_FOR_READING, file.name);
+  return failure ? report_failure(env, failure) : Status();
+}
+
+Status add_starts(Environment& env, Problem& problem, const std::vector<SolutionFile>& solutions) {
+  std::vector<int> begin, columns, efforts;
+  std::vector<double> values;
+  std::vector<const char*> names;
+  for (const SolutionFile& solution : solutions) {
+    if (std::ranges::all_of(solution.x, [](double value) { return value == kNoValue; })) continue;
+    begin.push_back(static_cast<int>(columns.size()));
+    efforts.push_back(solution.effort);
+    names.push_back(solution.name.empty() ? nullptr : solution.name.c_str());
+    for (std::size_t j = 0; j < solution.x.size(); ++j) {
+      if (solution.x[j] == kNoValue) continue;
+      columns.push_back(static_cast<int>(j));
+      values.push_back(solution.x[j]);
+    }
+  }
+  if (begin.empty()) {
+    message(env.warning_channel, "Warning: no MIP start values read, no MIP start loaded.\n");
+    return {};
+  }
+  const bool named = std::ranges::any_of(names, [](const char* name) { return name != nullptr; });
+  return model::add_starts(env, problem,
+                           {static_cast<int>(begin.size()), static_cast<int>(columns.size()), begin.data(),
+                            columns.data(), values.data(), efforts.data(), named ? names.data() : nullptr});
+}
+
+Start start_of(const Problem& problem, const SolutionFile& solution) {
+  Start start;
+  if (is_complete(solution.column_status, problem.columns()) && !solution.column_status.empty() &&
+      is_complete(solution.row_status, problem.rows()) && !solution.row_status.empty()) {
+    start.column_status = solution.column_status;
+    start.row_status = solution.row_status;
+  }
+  start.primal = complete(solution.x);
+  start.row_primal = complete(solution.slack);
+  start.dual = complete(solution.dj);
+  start.row_dual = complete(solution.pi);
+  return start;
+}
+
+void fill_zeros(const Problem& problem, SolutionFile& solution) {
+  if (solution.level != WriteLevel::nonzero && solution.level != WriteLevel::discrete_nonzero) return;
+  const auto types = problem.model->column_types();
+  for (std::size_t j = 0; j < solution.x.size(); ++j) {
+    const bool discrete = !types.empty() && types[j] != 'C';
+    if (solution.x[j] == kNoValue && (discrete || solution.level == WriteLevel::nonzero)) solution.x[j] = 0;
+  }
+}
+
+}  // namespace tovik::fileio

@@ -1,0 +1,18 @@
+/* Environments that are ready for use: with parameters, a random state and, of children, what they take over.
+ */
+#pragma once
+
+#include <memory>
+
+#include "env/environment.h"
+
+namespace tovik::param {
+
+/* Defaults everywhere. */
+Status open_environment(std::unique_ptr<Environment>& opened);
+
+/* A child with the settings and callbacks of its parent, which owns it. 1019 for a child of a child and 1020
+ * where the parent has as many as the machine has threads. */
+Status open_child(Environment& parent, Environment*& opened);
+
+}  // namespace tovik::param
