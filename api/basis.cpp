@@ -45,7 +45,7 @@ int TVKgetbase(ConstEnvHandle env, ConstProbHandle lp, int* cstat, int* rstat) {
 
 int TVKcopybase(ConstEnvHandle env, ProbHandle lp, const int* cstat, const int* rstat) {
   return with_problem(env, lp, [&](Environment& e, Problem& p) -> Status {
-    if (cstat == nullptr || rstat == nullptr) return Status(1004);
+    if (cstat == nullptr || rstat == nullptr) return Status(TVK_ERROR_NULL_POINTER);
     StartArrays arrays;
     arrays.column_status = cstat;
     arrays.row_status = rstat;
@@ -72,18 +72,18 @@ int TVKcopydnorms(ConstEnvHandle env, ProbHandle lp, const double* norm, const i
 int TVKcopybasednorms(ConstEnvHandle env, ProbHandle lp, const int* cstat, const int* rstat,
                       const double* dnorm) {
   return with_problem(env, lp, [&](Environment& e, Problem& p) -> Status {
-    if (cstat == nullptr || rstat == nullptr || dnorm == nullptr) return Status(1004);
+    if (cstat == nullptr || rstat == nullptr || dnorm == nullptr) return Status(TVK_ERROR_NULL_POINTER);
     std::vector<int> head;
     for (int j = 0; j < p.model->num_columns(); ++j) {
-      if (cstat[j] == 1) head.push_back(j);
+      if (cstat[j] == TVK_BASIC) head.push_back(j);
     }
     for (int i = 0; i < p.model->num_rows(); ++i) {
-      if (rstat[i] == 1) head.push_back(-i - 1);
+      if (rstat[i] == TVK_BASIC) head.push_back(-i - 1);
     }
     StartArrays arrays;
     arrays.column_status = cstat;
     arrays.row_status = rstat;
-    if (static_cast<int>(head.size()) != p.model->num_rows()) return Status(1003);
+    if (static_cast<int>(head.size()) != p.model->num_rows()) return Status(TVK_ERROR_BAD_ARGUMENT);
     if (const Status status = copy_start(e, p, arrays); !status.ok()) return status;
     return copy_dual_norms(p, dnorm, head.data(), static_cast<int>(head.size()));
   });
@@ -91,7 +91,7 @@ int TVKcopybasednorms(ConstEnvHandle env, ProbHandle lp, const int* cstat, const
 
 int TVKgetbasehead(ConstEnvHandle env, ConstProbHandle lp, int* head, double* x) {
   return with_problem(env, lp, [&](Environment& e, Problem& p) -> Status {
-    if (head == nullptr && x == nullptr) return Status(1004);
+    if (head == nullptr && x == nullptr) return Status(TVK_ERROR_NULL_POINTER);
     BasisView view;
     if (const Status status = view.open_for_query(e, p); !status.ok()) return status;
     for (int k = 0; k < view.rows(); ++k) {
@@ -104,8 +104,8 @@ int TVKgetbasehead(ConstEnvHandle env, ConstProbHandle lp, int* head, double* x)
 
 int TVKgetbaseinvrow(ConstEnvHandle env, ConstProbHandle lp, int position, double* row) {
   return with_problem(env, lp, [&](Environment& e, Problem& p) -> Status {
-    if (row == nullptr) return Status(1004);
-    if (position < 0 || position >= p.model->num_rows()) return fail(e, 1203, position);
+    if (row == nullptr) return Status(TVK_ERROR_NULL_POINTER);
+    if (position < 0 || position >= p.model->num_rows()) return fail(e, TVK_ERROR_ROW_INDEX_RANGE, position);
     BasisView view;
     if (const Status status = view.open_for_query(e, p); !status.ok()) return status;
     std::vector<double> result;
@@ -117,8 +117,8 @@ int TVKgetbaseinvrow(ConstEnvHandle env, ConstProbHandle lp, int position, doubl
 
 int TVKgetbaseinvcol(ConstEnvHandle env, ConstProbHandle lp, int i, double* column) {
   return with_problem(env, lp, [&](Environment& e, Problem& p) -> Status {
-    if (column == nullptr) return Status(1004);
-    if (i < 0 || i >= p.model->num_rows()) return fail(e, 1203, i);
+    if (column == nullptr) return Status(TVK_ERROR_NULL_POINTER);
+    if (i < 0 || i >= p.model->num_rows()) return fail(e, TVK_ERROR_ROW_INDEX_RANGE, i);
     BasisView view;
     if (const Status status = view.open_for_query(e, p); !status.ok()) return status;
     std::vector<double> result;
@@ -130,8 +130,8 @@ int TVKgetbaseinvcol(ConstEnvHandle env, ConstProbHandle lp, int i, double* colu
 
 int TVKgettableaurow(ConstEnvHandle env, ConstProbHandle lp, int position, double* columns, double* slacks) {
   return with_problem(env, lp, [&](Environment& e, Problem& p) -> Status {
-    if (columns == nullptr && slacks == nullptr) return Status(1004);
-    if (position < 0 || position >= p.model->num_rows()) return fail(e, 1203, position);
+    if (columns == nullptr && slacks == nullptr) return Status(TVK_ERROR_NULL_POINTER);
+    if (position < 0 || position >= p.model->num_rows()) return fail(e, TVK_ERROR_ROW_INDEX_RANGE, position);
     BasisView view;
     if (const Status status = view.open_for_query(e, p); !status.ok()) return status;
     std::vector<double> row, alpha;
@@ -147,8 +147,8 @@ int TVKgettableaurow(ConstEnvHandle env, ConstProbHandle lp, int position, doubl
 
 int TVKgettableaucol(ConstEnvHandle env, ConstProbHandle lp, int j, double* column) {
   return with_problem(env, lp, [&](Environment& e, Problem& p) -> Status {
-    if (column == nullptr) return Status(1004);
-    if (j < 0 || j >= p.model->num_columns()) return fail(e, 1201, j);
+    if (column == nullptr) return Status(TVK_ERROR_NULL_POINTER);
+    if (j < 0 || j >= p.model->num_columns()) return fail(e, TVK_ERROR_COLUMN_INDEX_RANGE, j);
     BasisView view;
     if (const Status status = view.open_for_query(e, p); !status.ok()) return status;
     std::vector<double> result;
@@ -160,7 +160,7 @@ int TVKgettableaucol(ConstEnvHandle env, ConstProbHandle lp, int j, double* colu
 
 int TVKftran(ConstEnvHandle env, ConstProbHandle lp, double* vector) {
   return with_problem(env, lp, [&](Environment& e, Problem& p) -> Status {
-    if (vector == nullptr) return Status(1004);
+    if (vector == nullptr) return Status(TVK_ERROR_NULL_POINTER);
     BasisView view;
     if (const Status status = view.open_for_query(e, p); !status.ok()) return status;
     std::vector<double> result;
@@ -172,7 +172,7 @@ int TVKftran(ConstEnvHandle env, ConstProbHandle lp, double* vector) {
 
 int TVKbtran(ConstEnvHandle env, ConstProbHandle lp, double* vector) {
   return with_problem(env, lp, [&](Environment& e, Problem& p) -> Status {
-    if (vector == nullptr) return Status(1004);
+    if (vector == nullptr) return Status(TVK_ERROR_NULL_POINTER);
     BasisView view;
     if (const Status status = view.open_for_query(e, p); !status.ok()) return status;
     std::vector<double> result;
@@ -184,8 +184,9 @@ int TVKbtran(ConstEnvHandle env, ConstProbHandle lp, double* vector) {
 
 int TVKgetray(ConstEnvHandle env, ConstProbHandle lp, double* ray) {
   return with_problem(env, lp, [&](Environment&, Problem& p) -> Status {
-    if (ray == nullptr) return Status(1004);
-    if (p.status != 2 || p.solution == nullptr || p.solution->ray.empty()) return Status(1254);
+    if (ray == nullptr) return Status(TVK_ERROR_NULL_POINTER);
+    if (p.status != TVK_STATUS_UNBOUNDED || p.solution == nullptr || p.solution->ray.empty())
+      return Status(TVK_ERROR_NEED_UNBOUNDED_SOLUTION);
     copy_out(p.solution->ray, ray);
     return {};
   });
@@ -193,8 +194,9 @@ int TVKgetray(ConstEnvHandle env, ConstProbHandle lp, double* ray) {
 
 int TVKgetfarkas(ConstEnvHandle env, ConstProbHandle lp, double* y, double* proof_p) {
   return with_problem(env, lp, [&](Environment&, Problem& p) -> Status {
-    if (y == nullptr && proof_p == nullptr) return Status(1004);
-    if (p.status != 3 || p.solution == nullptr || !(p.solution->farkas_gap > 0)) return Status(1265);
+    if (y == nullptr && proof_p == nullptr) return Status(TVK_ERROR_NULL_POINTER);
+    if (p.status != TVK_STATUS_INFEASIBLE || p.solution == nullptr || !(p.solution->farkas_gap > 0))
+      return Status(TVK_ERROR_NEED_DUAL_UNBOUNDED_SOLUTION);
     if (y != nullptr) copy_out(p.solution->farkas, y);
     if (proof_p != nullptr) *proof_p = p.solution->farkas_gap;
     return {};
@@ -203,7 +205,7 @@ int TVKgetfarkas(ConstEnvHandle env, ConstProbHandle lp, double* y, double* proo
 
 int TVKgetobjsens(ConstEnvHandle env, ConstProbHandle lp, int begin, int end, double* lower, double* upper) {
   return with_problem(env, lp, [&](Environment& e, Problem& p) -> Status {
-    if (lower == nullptr && upper == nullptr) return Status(1004);
+    if (lower == nullptr && upper == nullptr) return Status(TVK_ERROR_NULL_POINTER);
     return sensitivity_range(e, p, "TVKgetobjsens", begin, end, p.model->num_columns(),
                              [&](Sensitivity& s, int j, int k) {
                                const Interval range = s.cost(j);
@@ -215,7 +217,7 @@ int TVKgetobjsens(ConstEnvHandle env, ConstProbHandle lp, int begin, int end, do
 
 int TVKgetrhssens(ConstEnvHandle env, ConstProbHandle lp, int begin, int end, double* lower, double* upper) {
   return with_problem(env, lp, [&](Environment& e, Problem& p) -> Status {
-    if (lower == nullptr && upper == nullptr) return Status(1004);
+    if (lower == nullptr && upper == nullptr) return Status(TVK_ERROR_NULL_POINTER);
     return sensitivity_range(e, p, "TVKgetrhssens", begin, end, p.model->num_rows(),
                              [&](Sensitivity& s, int i, int k) {
                                const Interval range = s.rhs(i);
@@ -228,7 +230,7 @@ int TVKgetrhssens(ConstEnvHandle env, ConstProbHandle lp, int begin, int end, do
 int TVKgetboundsens(ConstEnvHandle env, ConstProbHandle lp, int begin, int end, double* lblower,
                     double* lbupper, double* ublower, double* ubupper) {
   return with_problem(env, lp, [&](Environment& e, Problem& p) -> Status {
-    if (!lblower && !lbupper && !ublower && !ubupper) return Status(1004);
+    if (!lblower && !lbupper && !ublower && !ubupper) return Status(TVK_ERROR_NULL_POINTER);
     return sensitivity_range(e, p, "TVKgetboundsens", begin, end, p.model->num_columns(),
                              [&](Sensitivity& s, int j, int k) {
                                const Interval low = s.lower_bound(j);
@@ -243,7 +245,7 @@ int TVKgetboundsens(ConstEnvHandle env, ConstProbHandle lp, int begin, int end, 
 
 int TVKgetquality(ConstEnvHandle env, ConstProbHandle lp, int what, double* value_p, int* index_p) {
   return with_problem(env, lp, [&](Environment& e, Problem& p) -> Status {
-    if (value_p == nullptr) return Status(1004);
+    if (value_p == nullptr) return Status(TVK_ERROR_NULL_POINTER);
     Measure measure;
     if (const Status status = measure_quality(e, p, what, &measure); !status.ok()) return status;
     *value_p = measure.value;
@@ -255,7 +257,7 @@ int TVKgetquality(ConstEnvHandle env, ConstProbHandle lp, int what, double* valu
 int TVKpivotin(ConstEnvHandle env, ProbHandle lp, const int* rlist, int rlen) {
   return with_problem(env, lp, [&](Environment& e, Problem& p) -> Status {
     if (const Status status = check_continuous(p); !status.ok()) return status;
-    const OptimizerFrame frame(e);
+    const api::OptimizerFrame frame(e);
     return pivot_in(e, p, rlist, rlen);
   });
 }
@@ -263,7 +265,7 @@ int TVKpivotin(ConstEnvHandle env, ProbHandle lp, const int* rlist, int rlen) {
 int TVKpivotout(ConstEnvHandle env, ProbHandle lp, const int* clist, int clen) {
   return with_problem(env, lp, [&](Environment& e, Problem& p) -> Status {
     if (const Status status = check_continuous(p); !status.ok()) return status;
-    const OptimizerFrame frame(e);
+    const api::OptimizerFrame frame(e);
     return pivot_out(e, p, clist, clen);
   });
 }
@@ -272,7 +274,7 @@ int TVKstrongbranch(ConstEnvHandle env, ProbHandle lp, const int* indices, int c
                     double* upobj, int itlim) {
   return with_problem(env, lp, [&](Environment& e, Problem& p) -> Status {
     if (const Status status = check_continuous(p); !status.ok()) return status;
-    const OptimizerFrame frame(e);
+    const api::OptimizerFrame frame(e);
     return strong_branch(e, p, {indices, cnt, downobj, upobj, itlim});
   });
 }

@@ -10,7 +10,7 @@ using namespace tovik;
 
 int TVKmbasewrite(ConstEnvHandle env, ConstProbHandle lp, const char* filename) {
   return with_problem(env, lp, [&](Environment& e, Problem& p) -> Status {
-    if (is_no_file_name(filename)) return TVK_ERROR_NO_FILE_NAME;
+    if (api::is_no_file_name(filename)) return TVK_ERROR_NO_FILE_NAME;
     return fileio::write_basis_file(e, p, filename);
   });
 }
@@ -25,7 +25,7 @@ int TVKreadcopybase(ConstEnvHandle env, ProbHandle lp, const char* filename) {
 
 int TVKvecwrite(ConstEnvHandle env, ConstProbHandle lp, const char* filename) {
   return with_problem(env, lp, [&](Environment& e, Problem& p) -> Status {
-    if (is_no_file_name(filename)) return TVK_ERROR_NO_FILE_NAME;
+    if (api::is_no_file_name(filename)) return TVK_ERROR_NO_FILE_NAME;
     update_solution(p);
     return fileio::write_vector_file(e, p, filename);
   });
@@ -41,7 +41,7 @@ int TVKreadcopyvec(ConstEnvHandle env, ProbHandle lp, const char* filename) {
 
 int TVKordwrite(ConstEnvHandle env, ConstProbHandle lp, const char* filename) {
   return with_problem(env, lp, [&](Environment& e, Problem& p) -> Status {
-    if (is_no_file_name(filename)) return TVK_ERROR_NO_FILE_NAME;
+    if (api::is_no_file_name(filename)) return TVK_ERROR_NO_FILE_NAME;
     return fileio::write_order_file(e, p, filename);
   });
 }

@@ -4,7 +4,7 @@
 #include "env/entry.h"
 #include "model/store/model.h"
 
-namespace tovik::model {
+namespace tovik::api {
 
 /* The number that `count` takes from a problem, 0 after an error. count: int(const Problem&) */
 template <class Count>
@@ -17,4 +17,4 @@ int count_of(ConstEnvHandle env, ConstProbHandle lp, Count&& count) {
   return result;
 }
 
-}  // namespace tovik::model
+}  // namespace tovik::api

@@ -32,7 +32,7 @@ int index_of(ConstEnvHandle env, ConstProbHandle lp, Pool pool, const char* name
 }
 
 int size_of(ConstEnvHandle env, ConstProbHandle lp, Pool pool) {
-  return model::count_of(env, lp, [&](const Problem& p) { return model::rows_of(*p.model, pool).size(); });
+  return api::count_of(env, lp, [&](const Problem& p) { return model::rows_of(*p.model, pool).size(); });
 }
 
 int add(ConstEnvHandle env, ProbHandle lp, Pool pool, const model::NewRows& rows) {

@@ -47,7 +47,7 @@ int TVKdelsetmipstarts(ConstEnvHandle env, ProbHandle lp, int* delstat) {
 }
 
 int TVKgetnummipstarts(ConstEnvHandle env, ConstProbHandle lp) {
-  return model::count_of(env, lp, [](const Problem& p) { return p.model->families().starts.size(); });
+  return api::count_of(env, lp, [](const Problem& p) { return p.model->families().starts.size(); });
 }
 
 int TVKgetmipstarts(ConstEnvHandle env, ConstProbHandle lp, int* nzcnt_p, int* beg, int* varindices,

@@ -18,7 +18,7 @@ int TVKEdelindconstrs(ConstEnvHandle env, ProbHandle lp, int begin, int end) {
 }
 
 int TVKEgetnumindconstrs(ConstEnvHandle env, ConstProbHandle lp) {
-  return model::count_of(env, lp, [](const Problem& p) { return p.model->families().indicators.size(); });
+  return api::count_of(env, lp, [](const Problem& p) { return p.model->families().indicators.size(); });
 }
 
 int TVKEgetindconstr(ConstEnvHandle env, ConstProbHandle lp, int* indvar_p, int* complemented_p, int* nzcnt_p,

@@ -1,3 +1,4 @@
+#include "api/file_name.h"
 #include "env/entry.h"
 #include "fileio/dispatch/read_problem.h"
 #include "fileio/network/file.h"
@@ -14,7 +15,7 @@ int TVKNETreadcopyprob(ConstEnvHandle env, NetProbHandle net, const char* filena
 
 int TVKNETwriteprob(ConstEnvHandle env, ConstNetProbHandle net, const char* filename, const char* filetype) {
   return with_network(env, net, [&](Environment& e, NetworkProblem& p) -> Status {
-    if (filename == nullptr || filename[0] == '\0') return TVK_ERROR_NO_FILE_NAME;
+    if (api::is_no_file_name(filename)) return TVK_ERROR_NO_FILE_NAME;
     if (filetype != nullptr && !fileio::is_network_type(filetype)) return TVK_ERROR_FILE_TYPE;
     return fileio::write_network_file(e, p, filename);
   });

@@ -5,7 +5,7 @@
 #include "include/tovik.h"
 #include "param/hidden.h"
 
-namespace tovik::lp::run {
+namespace tovik::api {
 
 /* Pushes a limit frame and counts the nesting while it lives. */
 class OptimizerFrame {
@@ -44,4 +44,4 @@ class Profile {
   int end_;
 };
 
-}  // namespace tovik::lp::run
+}  // namespace tovik::api

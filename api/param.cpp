@@ -9,11 +9,6 @@ using namespace tovik;
 
 namespace {
 
-constexpr int kNullPointer = 1004;
-constexpr int kBadNumber = 1013;
-constexpr int kBadName = 1028;
-constexpr int kArrayTooShort = 1207;
-
 template <class Value>
 void put(Value* output, Value value) {
   if (output != nullptr) *output = value;
@@ -40,7 +35,7 @@ Status list_changed(Environment& env, ChangedList& list) {
     if (is_listed_when_changed(entry) && param::is_changed(env, entry)) list.add(entry.number);
   }
   if (list.found <= list.space) return {};
-  return list.space == 0 ? Status::reported(kArrayTooShort) : Status(kArrayTooShort);
+  return list.space == 0 ? Status::reported(TVK_ERROR_ARRAY_TOO_SHORT) : Status(TVK_ERROR_ARRAY_TOO_SHORT);
 }
 
 }  // namespace
@@ -55,15 +50,15 @@ int TVKsetdblparam(EnvHandle env, int number, double value) {
 
 int TVKsetstrparam(EnvHandle env, int number, const char* text) {
   return with_environment(env, [&](Environment& e) -> Status {
-    if (text == nullptr) return kNullPointer;
+    if (text == nullptr) return TVK_ERROR_NULL_POINTER;
     return param::set_text(e, number, text);
   });
 }
 
 int TVKgetintparam(ConstEnvHandle env, int number, int* value_p) {
   return with_environment(env, [&](Environment& e) -> Status {
-    if (value_p == nullptr) return kNullPointer;
-    if (param::locate_typed(e, number, param::Type::integer) == nullptr) return kBadNumber;
+    if (value_p == nullptr) return TVK_ERROR_NULL_POINTER;
+    if (param::locate_typed(e, number, param::Type::integer) == nullptr) return TVK_ERROR_PARAMETER_NUMBER;
     *value_p = e.settings.integer(number);
     return {};
   });
@@ -71,8 +66,8 @@ int TVKgetintparam(ConstEnvHandle env, int number, int* value_p) {
 
 int TVKgetdblparam(ConstEnvHandle env, int number, double* value_p) {
   return with_environment(env, [&](Environment& e) -> Status {
-    if (value_p == nullptr) return kNullPointer;
-    if (param::locate_typed(e, number, param::Type::real) == nullptr) return kBadNumber;
+    if (value_p == nullptr) return TVK_ERROR_NULL_POINTER;
+    if (param::locate_typed(e, number, param::Type::real) == nullptr) return TVK_ERROR_PARAMETER_NUMBER;
     *value_p = e.settings.real(number);
     return {};
   });
@@ -80,8 +75,8 @@ int TVKgetdblparam(ConstEnvHandle env, int number, double* value_p) {
 
 int TVKgetstrparam(ConstEnvHandle env, int number, char* buffer) {
   return with_environment(env, [&](Environment& e) -> Status {
-    if (buffer == nullptr) return kNullPointer;
-    if (param::locate_typed(e, number, param::Type::text) == nullptr) return kBadNumber;
+    if (buffer == nullptr) return TVK_ERROR_NULL_POINTER;
+    if (param::locate_typed(e, number, param::Type::text) == nullptr) return TVK_ERROR_PARAMETER_NUMBER;
     std::strcpy(buffer, e.settings.text(number).c_str());
     return {};
   });
@@ -90,7 +85,7 @@ int TVKgetstrparam(ConstEnvHandle env, int number, char* buffer) {
 int TVKinfointparam(ConstEnvHandle env, int number, int* default_p, int* min_p, int* max_p) {
   return with_environment(env, [&](Environment& e) -> Status {
     const param::Entry* entry = param::locate_typed(e, number, param::Type::integer);
-    if (entry == nullptr) return kBadNumber;
+    if (entry == nullptr) return TVK_ERROR_PARAMETER_NUMBER;
     put(default_p, entry->int_default);
     put(min_p, entry->int_minimum);
     put(max_p, param::maximum(*entry));
@@ -101,7 +96,7 @@ int TVKinfointparam(ConstEnvHandle env, int number, int* default_p, int* min_p, 
 int TVKinfodblparam(ConstEnvHandle env, int number, double* default_p, double* min_p, double* max_p) {
   return with_environment(env, [&](Environment& e) -> Status {
     const param::Entry* entry = param::locate_typed(e, number, param::Type::real);
-    if (entry == nullptr) return kBadNumber;
+    if (entry == nullptr) return TVK_ERROR_PARAMETER_NUMBER;
     put(default_p, entry->real_default);
     put(min_p, entry->real_minimum);
     put(max_p, entry->real_maximum);
@@ -112,7 +107,7 @@ int TVKinfodblparam(ConstEnvHandle env, int number, double* default_p, double* m
 int TVKinfostrparam(ConstEnvHandle env, int number, char* default_text) {
   return with_environment(env, [&](Environment& e) -> Status {
     const param::Entry* entry = param::locate_typed(e, number, param::Type::text);
-    if (entry == nullptr) return kBadNumber;
+    if (entry == nullptr) return TVK_ERROR_PARAMETER_NUMBER;
     if (default_text != nullptr) std::strcpy(default_text, entry->text_default);
     return {};
   });
@@ -120,10 +115,10 @@ int TVKinfostrparam(ConstEnvHandle env, int number, char* default_text) {
 
 int TVKgetparamname(ConstEnvHandle env, int number, char* name) {
   return with_environment(env, [&](Environment& e) -> Status {
-    if (name == nullptr) return kNullPointer;
+    if (name == nullptr) return TVK_ERROR_NULL_POINTER;
     *name = '\0';
     const param::Entry* entry = param::locate(e, number);
-    if (entry == nullptr) return kBadNumber;
+    if (entry == nullptr) return TVK_ERROR_PARAMETER_NUMBER;
     if (entry->name != nullptr) std::strcpy(name, entry->name);
     return {};
   });
@@ -131,11 +126,11 @@ int TVKgetparamname(ConstEnvHandle env, int number, char* name) {
 
 int TVKgetparamnum(ConstEnvHandle env, const char* name, int* number_p) {
   return with_environment(env, [&](Environment&) -> Status {
-    if (number_p == nullptr) return kNullPointer;
+    if (number_p == nullptr) return TVK_ERROR_NULL_POINTER;
     *number_p = -1;
-    if (name == nullptr) return kNullPointer;
+    if (name == nullptr) return TVK_ERROR_NULL_POINTER;
     const param::Entry* entry = param::find_name(name);
-    if (entry == nullptr) return kBadName;
+    if (entry == nullptr) return TVK_ERROR_PARAMETER_NAME;
     *number_p = entry->number;
     return {};
   });
@@ -144,7 +139,7 @@ int TVKgetparamnum(ConstEnvHandle env, const char* name, int* number_p) {
 int TVKgetparamtype(ConstEnvHandle env, int number, int* type_p) {
   return with_environment(env, [&](Environment& e) -> Status {
     const param::Entry* entry = param::locate(e, number);
-    if (entry == nullptr) return kBadNumber;
+    if (entry == nullptr) return TVK_ERROR_PARAMETER_NUMBER;
     put(type_p, static_cast<int>(entry->type));
     return {};
   });
@@ -152,10 +147,10 @@ int TVKgetparamtype(ConstEnvHandle env, int number, int* type_p) {
 
 int TVKgetparamdesc(ConstEnvHandle env, int number, char* buffer) {
   return with_environment(env, [&](Environment& e) -> Status {
-    if (buffer == nullptr) return kNullPointer;
+    if (buffer == nullptr) return TVK_ERROR_NULL_POINTER;
     *buffer = '\0';
     const param::Entry* entry = param::locate(e, number);
-    if (entry == nullptr) return kBadNumber;
+    if (entry == nullptr) return TVK_ERROR_PARAMETER_NUMBER;
     if (!entry->has_effect) std::strcpy(buffer, param::kUnusedNote);
     std::strcat(buffer, entry->description);
     return {};
@@ -164,8 +159,8 @@ int TVKgetparamdesc(ConstEnvHandle env, int number, char* buffer) {
 
 int TVKgetchgparam(ConstEnvHandle env, int* count_p, int* numbers, int space, int* surplus_p) {
   return with_environment(env, [&](Environment& e) -> Status {
-    if (count_p == nullptr || surplus_p == nullptr) return kNullPointer;
-    if (numbers == nullptr && space > 0) return kNullPointer;
+    if (count_p == nullptr || surplus_p == nullptr) return TVK_ERROR_NULL_POINTER;
+    if (numbers == nullptr && space > 0) return TVK_ERROR_NULL_POINTER;
     ChangedList list{numbers, space};
     const Status status = list_changed(e, list);
     *count_p = list.stored;

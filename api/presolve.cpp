@@ -5,6 +5,7 @@
 #include "api/optimizer_frame.h"
 #include "env/entry.h"
 #include "env/handles.h"
+#include "env/method_code.h"
 #include "include/tovik.h"
 #include "lp/presolve_record/crush.h"
 #include "lp/presolve_record/presolved.h"
@@ -20,7 +21,8 @@ using namespace tovik::lp::run;
 namespace {
 
 bool is_method(int method) {
-  return (method >= 0 && method <= 6) || (method > 0 && std::strchr("oOpPdDtTbBnN", method) != nullptr);
+  return (method >= method_code::kAutomatic && method <= method_code::kConcurrent) ||
+         (method > 0 && std::strchr("oOpPdDtTbBnN", method) != nullptr);
 }
 
 /* worker(env, problem, record); 1103 without a record. */
@@ -46,9 +48,9 @@ void copy_out(const std::vector<int>& values, int* out) {
 }
 
 Status check_form(Environment& env, int count, const int* index, const double* value, int columns) {
-  if (count < 0) return Status(1003);
+  if (count < 0) return Status(TVK_ERROR_BAD_ARGUMENT);
   if (missing(index, static_cast<size_t>(count)) || missing(value, static_cast<size_t>(count)))
-    return Status(1004);
+    return Status(TVK_ERROR_NULL_POINTER);
   for (int k = 0; k < count; ++k) {
     if (index[k] < 0 || index[k] >= columns) return fail(env, TVK_ERROR_COLUMN_INDEX_RANGE, k);
   }
@@ -84,7 +86,7 @@ int TVKpresolve(ConstEnvHandle env, ProbHandle lp, int method) {
   return with_problem(env, lp, [&](Environment& e, Problem& p) -> Status {
     if (const Status status = check_continuous(p); !status.ok()) return status;
     if (!is_method(method)) return Status(TVK_ERROR_OPTIMIZATION_METHOD);
-    const OptimizerFrame frame(e);
+    const api::OptimizerFrame frame(e);
     return run_presolve(e, p);
   });
 }
@@ -98,7 +100,7 @@ int TVKfreepresolve(ConstEnvHandle env, ProbHandle lp) {
 
 int TVKgetredlp(ConstEnvHandle env, ConstProbHandle lp, ConstProbHandle* redlp_p) {
   return with_problem(env, lp, [&](Environment&, Problem& p) -> Status {
-    if (redlp_p == nullptr) return Status(1004);
+    if (redlp_p == nullptr) return Status(TVK_ERROR_NULL_POINTER);
     *redlp_p = nullptr;
     Presolved* const record = kept_record(p);
     if (record == nullptr) return {};
@@ -129,7 +131,8 @@ int TVKgetprestat(ConstEnvHandle env, ConstProbHandle lp, int* prestat_p, int* p
 int TVKcrushx(ConstEnvHandle env, ConstProbHandle lp, const double* x, double* prex) {
   return with_record(env, lp, [&](Environment&, Problem& p, Presolved& record) -> Status {
     const size_t columns = p.columns();
-    if (missing(x, columns) || missing(prex, record.reduction.column_map.size())) return Status(1004);
+    if (missing(x, columns) || missing(prex, record.reduction.column_map.size()))
+      return Status(TVK_ERROR_NULL_POINTER);
     std::vector<double> values;
     if (columns > 0) values.assign(x, x + columns);
     copy_out(lp::presolve::crush_point(record.reduction, std::move(values)), prex);
@@ -139,7 +142,8 @@ int TVKcrushx(ConstEnvHandle env, ConstProbHandle lp, const double* x, double* p
 
 int TVKcrushpi(ConstEnvHandle env, ConstProbHandle lp, const double* pi, double* prepi) {
   return with_record(env, lp, [&](Environment&, Problem& p, Presolved& record) -> Status {
-    if (missing(pi, p.rows()) || missing(prepi, record.reduction.row_map.size())) return Status(1004);
+    if (missing(pi, p.rows()) || missing(prepi, record.reduction.row_map.size()))
+      return Status(TVK_ERROR_NULL_POINTER);
     copy_out(crush_pi(record, pi), prepi);
     return {};
   });
@@ -152,7 +156,7 @@ int TVKcrushform(ConstEnvHandle env, ConstProbHandle lp, int len, const int* ind
     if (const Status status = check_form(e, len, ind, val, columns); !status.ok()) return status;
     const size_t most = record.reduction.column_map.size();
     if (plen_p == nullptr || poffset_p == nullptr || missing(pind, most) || missing(pval, most))
-      return Status(1004);
+      return Status(TVK_ERROR_NULL_POINTER);
     lp::presolve::LinearForm form = dense_form(columns, len, ind, val);
     if (!lp::presolve::crush_form(record.reduction, form)) return Status(TVK_ERROR_CRUSH_FORM);
     copy_out(form, plen_p, poffset_p, pind, pval);
@@ -162,7 +166,8 @@ int TVKcrushform(ConstEnvHandle env, ConstProbHandle lp, int len, const int* ind
 
 int TVKuncrushx(ConstEnvHandle env, ConstProbHandle lp, double* x, const double* prex) {
   return with_record(env, lp, [&](Environment&, Problem& p, Presolved& record) -> Status {
-    if (missing(x, p.columns()) || missing(prex, record.reduction.column_map.size())) return Status(1004);
+    if (missing(x, p.columns()) || missing(prex, record.reduction.column_map.size()))
+      return Status(TVK_ERROR_NULL_POINTER);
     copy_out(uncrush_x(record, prex), x);
     return {};
   });
@@ -170,7 +175,8 @@ int TVKuncrushx(ConstEnvHandle env, ConstProbHandle lp, double* x, const double*
 
 int TVKuncrushpi(ConstEnvHandle env, ConstProbHandle lp, double* pi, const double* prepi) {
   return with_record(env, lp, [&](Environment&, Problem& p, Presolved& record) -> Status {
-    if (missing(pi, p.rows()) || missing(prepi, record.reduction.row_map.size())) return Status(1004);
+    if (missing(pi, p.rows()) || missing(prepi, record.reduction.row_map.size()))
+      return Status(TVK_ERROR_NULL_POINTER);
     copy_out(uncrush_pi(record, prepi), pi);
     return {};
   });
@@ -179,7 +185,7 @@ int TVKuncrushpi(ConstEnvHandle env, ConstProbHandle lp, double* pi, const doubl
 int TVKqpuncrushpi(ConstEnvHandle env, ConstProbHandle lp, double* pi, const double* prepi, const double* x) {
   return with_record(env, lp, [&](Environment&, Problem& p, Presolved& record) -> Status {
     if (missing(pi, p.rows()) || missing(prepi, record.reduction.row_map.size()) || missing(x, p.columns()))
-      return Status(1004);
+      return Status(TVK_ERROR_NULL_POINTER);
     copy_out(uncrush_pi(record, prepi), pi);
     return {};
   });
@@ -191,7 +197,7 @@ int TVKuncrushform(ConstEnvHandle env, ConstProbHandle lp, int plen, const int* 
     const int columns = static_cast<int>(record.reduction.column_map.size());
     if (const Status status = check_form(e, plen, pind, pval, columns); !status.ok()) return status;
     if (len_p == nullptr || offset_p == nullptr || missing(ind, p.columns()) || missing(val, p.columns()))
-      return Status(1004);
+      return Status(TVK_ERROR_NULL_POINTER);
     lp::presolve::LinearForm form = dense_form(columns, plen, pind, pval);
     lp::presolve::uncrush_form(record.reduction, form);
     copy_out(form, len_p, offset_p, ind, val);
@@ -211,7 +217,7 @@ int TVKgetprotected(ConstEnvHandle env, ConstProbHandle lp, int* cnt_p, int* ind
   return with_problem(env, lp, [&](Environment&, Problem& p) -> Status {
     const auto needed = static_cast<std::int64_t>(p.protected_columns.size());
     if (model::asks_for_size(space, surplus_p)) return model::tell_size(needed, surplus_p);
-    if (cnt_p == nullptr || indices == nullptr || surplus_p == nullptr) return Status(1004);
+    if (cnt_p == nullptr || indices == nullptr || surplus_p == nullptr) return Status(TVK_ERROR_NULL_POINTER);
     *cnt_p = static_cast<int>(std::min<std::int64_t>(needed, std::max(space, 0)));
     std::copy_n(p.protected_columns.begin(), *cnt_p, indices);
     return model::tell_surplus(needed, space, surplus_p);

@@ -27,12 +27,12 @@ int TVKgetqpcoef(ConstEnvHandle env, ConstProbHandle lp, int i, int j, double* v
 }
 
 int TVKgetnumquad(ConstEnvHandle env, ConstProbHandle lp) {
-  return model::count_of(
+  return api::count_of(
       env, lp, [](const Problem& p) { return p.model->families().quadratic_objective.num_columns(); });
 }
 
 int TVKgetnumqpnz(ConstEnvHandle env, ConstProbHandle lp) {
-  return model::count_of(env, lp, [](const Problem& p) {
+  return api::count_of(env, lp, [](const Problem& p) {
     return static_cast<int>(p.model->families().quadratic_objective.entries());
   });
 }
@@ -62,7 +62,7 @@ int TVKdelqconstrs(ConstEnvHandle env, ProbHandle lp, int begin, int end) {
 }
 
 int TVKgetnumqconstrs(ConstEnvHandle env, ConstProbHandle lp) {
-  return model::count_of(env, lp, [](const Problem& p) { return p.model->families().quadratic_rows.size(); });
+  return api::count_of(env, lp, [](const Problem& p) { return p.model->families().quadratic_rows.size(); });
 }
 
 int TVKgetqconstr(ConstEnvHandle env, ConstProbHandle lp, int* linnzcnt_p, int* quadnzcnt_p, double* rhs_p,

@@ -4,8 +4,8 @@
 #include "model/routines/changes.h"
 
 using namespace tovik;
+using api::count_of;
 using model::copy_range;
-using model::count_of;
 
 namespace {
 

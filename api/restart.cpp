@@ -1,4 +1,5 @@
 /* Restart files. */
+#include "api/file_name.h"
 #include "env/entry.h"
 #include "fileio/sav/saved_problem.h"
 #include "lp/run/start_basis.h"
@@ -39,7 +40,7 @@ int told(ConstEnvHandle env, int code) {
 
 int TVKwriterestart(ConstEnvHandle env, ConstProbHandle lp, const char* filename) {
   return with_problem(env, lp, [&](Environment& environment, Problem& problem) -> Status {
-    if (filename == nullptr || filename[0] == '\0') return TVK_ERROR_NO_FILE_NAME;
+    if (api::is_no_file_name(filename)) return TVK_ERROR_NO_FILE_NAME;
     update_solution(problem);
     return fileio::write_restart(environment, problem, norms_of(problem), filename);
   });

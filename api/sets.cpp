@@ -29,7 +29,7 @@ int TVKdelsetsos(ConstEnvHandle env, ProbHandle lp, int* delstat) {
 }
 
 int TVKgetnumsos(ConstEnvHandle env, ConstProbHandle lp) {
-  return model::count_of(env, lp, [](const Problem& p) { return p.model->families().sets.size(); });
+  return api::count_of(env, lp, [](const Problem& p) { return p.model->families().sets.size(); });
 }
 
 int TVKgetsos(ConstEnvHandle env, ConstProbHandle lp, int* numsosnz_p, char* sostype, int* sosbeg,

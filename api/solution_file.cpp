@@ -14,7 +14,7 @@ using namespace tovik::fileio;
 namespace {
 
 Status write_solution(Environment& env, Problem& problem, const char* name) {
-  if (is_no_file_name(name)) return TVK_ERROR_NO_FILE_NAME;
+  if (api::is_no_file_name(name)) return TVK_ERROR_NO_FILE_NAME;
   update_solution(problem);
   SolutionReport report;
   if (const Status status = describe_solution(env, problem, report); !status.ok()) return status;
@@ -101,7 +101,7 @@ int TVKsolwrite(ConstEnvHandle env, ConstProbHandle lp, const char* filename) {
 
 int TVKwritemipstarts(ConstEnvHandle env, ConstProbHandle lp, const char* filename, int begin, int end) {
   return with_problem(env, lp, [&](Environment& e, Problem& p) -> Status {
-    if (is_no_file_name(filename)) return TVK_ERROR_NO_FILE_NAME;
+    if (api::is_no_file_name(filename)) return TVK_ERROR_NO_FILE_NAME;
     return write_start_file(e, p, filename, begin, end);
   });
 }

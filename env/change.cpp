@@ -94,7 +94,7 @@ void discard(Problem& problem, const Rule& rule, bool engine_follows) noexcept {
   if (drops(kMixedInteger)) problem.mip.reset();
   if (drops(kNorms)) problem.norms = Norms{};
   if (drops(kSolution)) problem.solution.reset();
-  if (drops(kStatus)) problem.status = 0;
+  if (drops(kStatus)) problem.status = TVK_STATUS_NONE;
   problem.start.change_level = std::max(problem.start.change_level, rule.level);
 }
 

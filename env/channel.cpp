@@ -4,12 +4,10 @@
 #include <iterator>
 
 #include "env/text_buffer.h"
+#include "include/tovik.h"
 
 namespace tovik {
 namespace {
-
-constexpr int kNoFileDestination = 1052;
-constexpr int kNoFunctionDestination = 1053;
 
 void deliver(const Destination& destination, const char* text) noexcept {
   try {
@@ -46,7 +44,7 @@ bool Channel::remove_newest(Matches matches) {
 }
 
 int Channel::add_file(FILE* file) {
-  if (file == nullptr) return kNoFileDestination;
+  if (file == nullptr) return TVK_ERROR_NO_FILE_DESTINATION;
   add({.kind = Destination::Kind::file, .file = file});
   return 0;
 }
@@ -54,17 +52,17 @@ int Channel::add_file(FILE* file) {
 int Channel::remove_file(FILE* file) {
   const bool found = remove_newest(
       [&](const Destination& d) { return d.kind == Destination::Kind::file && d.file == file; });
-  return found ? 0 : kNoFileDestination;
+  return found ? 0 : TVK_ERROR_NO_FILE_DESTINATION;
 }
 
 int Channel::add_file_slot(FILE** slot) {
-  if (slot == nullptr) return kNoFileDestination;
+  if (slot == nullptr) return TVK_ERROR_NO_FILE_DESTINATION;
   add({.kind = Destination::Kind::file_slot, .file_slot = slot});
   return 0;
 }
 
 int Channel::add_function(void* handle, MessageFunction function) {
-  if (function == nullptr) return kNoFunctionDestination;
+  if (function == nullptr) return TVK_ERROR_NO_FUNCTION_DESTINATION;
   add({.kind = Destination::Kind::function, .handle = handle, .function = function});
   return 0;
 }
@@ -73,7 +71,7 @@ int Channel::remove_function(void* handle, MessageFunction function) {
   const bool found = remove_newest([&](const Destination& d) {
     return d.kind == Destination::Kind::function && d.handle == handle && d.function == function;
   });
-  return found ? 0 : kNoFunctionDestination;
+  return found ? 0 : TVK_ERROR_NO_FUNCTION_DESTINATION;
 }
 
 void Channel::reserve() {

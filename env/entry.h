@@ -26,9 +26,9 @@ Status guarded(Worker&& worker) noexcept {
   try {
     return worker();
   } catch (const std::bad_alloc&) {
-    return Status(1001);
+    return Status(TVK_ERROR_OUT_OF_MEMORY);
   } catch (...) {
-    return Status(1003);
+    return Status(TVK_ERROR_BAD_ARGUMENT);
   }
 }
 

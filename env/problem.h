@@ -65,9 +65,9 @@ struct Problem {
 
   Environment* env;
   std::string name;
-  int status = 0;  // solution status; 0 = no solution
-  int type = 0;    // problem type 0, 1, 3, 5, 7, 8, 10, 11, 13
-  Use use;         // by routines that are running
+  int status = TVK_STATUS_NONE;  // of the solution
+  int type = TVK_PROBTYPE_LP;
+  Use use;  // by routines that are running
   std::unique_ptr<model::Model> model;
   std::unique_ptr<Solution> solution;  // null until the first optimization
   Start start;
@@ -85,8 +85,13 @@ struct Problem {
 
   std::size_t rows() const;  // of the model
   std::size_t columns() const;
-  bool mixed_integer() const { return type == 1 || type == 7 || type == 11; }
-  bool fixed() const { return type == 3 || type == 8 || type == 13; }  // cannot be modified: 1023
+  bool mixed_integer() const {
+    return type == TVK_PROBTYPE_MILP || type == TVK_PROBTYPE_MIQP || type == TVK_PROBTYPE_MIQCP;
+  }
+  bool fixed() const {
+    return type == TVK_PROBTYPE_FIXED_MILP || type == TVK_PROBTYPE_FIXED_MIQP ||
+           type == TVK_PROBTYPE_FIXED_MIQCP;
+  }  // cannot be modified: 1023
 };
 
 /* Brings the solution up to date: one that the working problem holds in this problem's place is carried back.

@@ -11,7 +11,7 @@ struct Solution {
   std::vector<double> slack;  // rows: rhs - activity
   std::vector<double> pi;     // rows: d objective / d rhs; empty without dual values
   std::vector<double> dj;     // columns: obj - A'pi; empty without dual values
-  int method = -1;            // method code of the optimizer that made it: 1 primal, 2 dual
+  int method = -1;            // of the optimizer that made it (env/method_code.h)
   bool has_basis = false;
   bool primal_feasible = false;
   bool dual_feasible = false;
@@ -21,8 +21,8 @@ struct Solution {
   int crossover_primal_pushes = 0, crossover_primal_exchanges = 0;
   int crossover_dual_pushes = 0, crossover_dual_exchanges = 0;
   int factorizations = 0;
-  std::vector<double> ray;       // columns: direction of unboundedness (status 2); empty otherwise
-  std::vector<double> farkas;    // rows: y with y'A x <= y'b violated by every x in its bounds (status 3)
+  std::vector<double> ray;       // columns: direction of unboundedness (unbounded); empty otherwise
+  std::vector<double> farkas;    // rows: y with y'A x <= y'b violated by every x in its bounds (infeasible)
   double farkas_gap = 0;         // by which the proof holds
   const void* keeper = nullptr;  // the engine that keeps the arrays up to date in place, if one does
 };

@@ -12,13 +12,17 @@ bool has_values(const Problem& problem) {
 
 }  // namespace
 
+bool is_optimal(const Problem& problem) {
+  return problem.status == TVK_STATUS_OPTIMAL || problem.status == TVK_STATUS_OPTIMAL_UNSCALED_INFEASIBLE;
+}
+
 bool has_duals(const Problem& problem) {
   const Solution& solution = *problem.solution;
   return solution.dj.size() == problem.columns() && solution.pi.size() == problem.rows();
 }
 
 const Solution* find_solution(const Problem& problem, Wanted wanted, Status& why) {
-  const bool exists = problem.status != 0 && problem.solution != nullptr;
+  const bool exists = problem.status != TVK_STATUS_NONE && problem.solution != nullptr;
   why = 0;
   if (problem.mixed_integer()) {
     if (wanted == Wanted::duals) {

@@ -14,6 +14,9 @@ enum class Wanted { any, values, duals };
  * solution. */
 const Solution* find_solution(const Problem& problem, Wanted wanted, Status& why);
 
+/* Optimal, within the tolerances of the scaled problem at least. */
+bool is_optimal(const Problem& problem);
+
 /* Whether a continuous problem's solution comes with dual values. */
 bool has_duals(const Problem& problem);
 

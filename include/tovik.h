@@ -32,7 +32,7 @@ typedef struct TVKchannel *ChannelHandle;
 #define TVK_MIN 1
 #define TVK_MAX (-1)
 
-/* ==== Section: environment, errors, channels (env/) ==== */
+/* ==== Section: environment, errors, channels ==== */
 
 /* Everything happens inside an environment: it owns the parameter values, four message channels, the problem objects
  * created in it and their solver state. Two environments share nothing and may be used on two threads at once; one
@@ -535,7 +535,7 @@ TVK_API int TVKputenv(char *assignment);
 TVK_API void TVKEisort(int n, int *keys);
 TVK_API void TVKEinsort(int n, int *keys);
 
-/* ==== Section: problem objects and solution query (env/) ==== */
+/* ==== Section: problem objects and solution query ==== */
 
 /* A problem object holds one model (columns, rows, objective, names, column types) and what solving it left: a solution
  * with its status, a basis for the next start. Nearly every change of the model makes the solution unavailable (status
@@ -639,7 +639,7 @@ TVK_API int TVKgetcrosspexchcnt(ConstEnvHandle env, ConstProbHandle lp);
 TVK_API int TVKgetcrossdpushcnt(ConstEnvHandle env, ConstProbHandle lp);
 TVK_API int TVKgetcrossdexchcnt(ConstEnvHandle env, ConstProbHandle lp);
 
-/* ==== Section: parameters (param/) ==== */
+/* ==== Section: parameters ==== */
 
 /* Parameter numbers. Numbers of parameters and codes of errors are two different things that share digits. */
 /* General, linear programs, presolve, simplex, reading limits, threads, tuning: 1001-1127 */
@@ -863,7 +863,7 @@ TVK_API int TVKgetchgparam(ConstEnvHandle env, int *count_p, int *numbers, int s
 /* Every parameter back to its default, standard output disconnected, the random seed renewed. */
 TVK_API int TVKsetdefaults(EnvHandle env);
 
-/* ==== Section: models, copy, modification, names, query (model/) ==== */
+/* ==== Section: models, copy, modification, names, query ==== */
 
 /* A model has columns (variables) with objective coefficients, bounds, and types if it is a mixed-integer one, and rows
  * (constraints) with senses and right-hand sides:
@@ -1307,7 +1307,7 @@ TVK_API int TVKNETgetnodeindex(ConstEnvHandle env, ConstNetProbHandle net, const
 TVK_API int TVKNETgetarcindex(ConstEnvHandle env, ConstNetProbHandle net, const char *name, int *index_p);
 TVK_API int TVKNETgetprobname(ConstEnvHandle env, ConstNetProbHandle net, char *buffer, int space, int *surplus_p);
 
-/* ==== Section: files (fileio/) ==== */
+/* ==== Section: files ==== */
 
 /* Reads a model file into an existing problem, whose data it replaces.
  *
@@ -1560,7 +1560,7 @@ TVK_API int TVKwritemipstarts(ConstEnvHandle env, ConstProbHandle lp, const char
 TVK_API int TVKreadcopymipstart(ConstEnvHandle env, ProbHandle lp, const char *filename);
 TVK_API int TVKreadcopymipstarts(ConstEnvHandle env, ProbHandle lp, const char *filename);
 
-/* ==== Section: optimizers, bases, rays, sensitivity, quality (lp/dispatch/) ==== */
+/* ==== Section: optimizers, bases, rays, sensitivity, quality ==== */
 
 /* Optimizes a continuous linear problem by the method that TVK_PARAM_LPMETHOD names: 0 automatic, 1 primal simplex, 2 dual
  * simplex, 5 sifting; 3, 4 and 6 run the dual simplex. Leaves a solution and its status in the problem (TVKgetstat, TVKsolution): a

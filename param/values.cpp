@@ -13,12 +13,6 @@ namespace tovik::param {
 
 namespace {
 
-constexpr int kBadNumber = 1013;
-constexpr int kTooSmall = 1014;
-constexpr int kTooBig = 1015;
-constexpr int kTextTooLong = 1026;
-constexpr int kIncompatible = 1807;
-
 /* A polish-after condition counts as chosen below a tenth of its "never" value, ... */
 bool polishes_after_condition(const Settings& s) {
   constexpr int kChosenCount = 210000000;
@@ -77,8 +71,8 @@ void reseed(Environment& env) {
 
 Status range_verdict(const Entry& entry, double value) {
   if (entry.real_minimum == entry.real_maximum) return {};
-  if (entry.real_minimum > value) return kTooSmall;
-  if (entry.real_maximum < value) return kTooBig;
+  if (entry.real_minimum > value) return TVK_ERROR_PARAMETER_TOO_SMALL;
+  if (entry.real_maximum < value) return TVK_ERROR_PARAMETER_TOO_BIG;
   return {};
 }
 
@@ -108,24 +102,24 @@ const Entry* locate_typed(Environment& env, int number, Type type) {
 
 Status check_integer(Environment& env, int number, int value) {
   const Entry* entry = locate_typed(env, number, Type::integer);
-  if (entry == nullptr) return kBadNumber;
-  if (value < entry->int_minimum) return kTooSmall;
-  if (value > maximum(*entry)) return kTooBig;
-  if (polishing_conflict(env.settings, number, value)) return kIncompatible;
+  if (entry == nullptr) return TVK_ERROR_PARAMETER_NUMBER;
+  if (value < entry->int_minimum) return TVK_ERROR_PARAMETER_TOO_SMALL;
+  if (value > maximum(*entry)) return TVK_ERROR_PARAMETER_TOO_BIG;
+  if (polishing_conflict(env.settings, number, value)) return TVK_ERROR_INCOMPATIBLE_PARAMETERS;
   return {};
 }
 
 /* Unlike integers, the excluded combination comes before the range. */
 Status check_real(Environment& env, int number, double value) {
   const Entry* entry = locate_typed(env, number, Type::real);
-  if (entry == nullptr) return kBadNumber;
-  if (polishing_conflict(env.settings, number, value)) return kIncompatible;
+  if (entry == nullptr) return TVK_ERROR_PARAMETER_NUMBER;
+  if (polishing_conflict(env.settings, number, value)) return TVK_ERROR_INCOMPATIBLE_PARAMETERS;
   return range_verdict(*entry, value);
 }
 
 Status check_text(Environment& env, int number, std::string_view value) {
-  if (locate_typed(env, number, Type::text) == nullptr) return kBadNumber;
-  if (value.size() >= TVK_STR_PARAM_MAX) return kTextTooLong;
+  if (locate_typed(env, number, Type::text) == nullptr) return TVK_ERROR_PARAMETER_NUMBER;
+  if (value.size() >= TVK_STR_PARAM_MAX) return TVK_ERROR_STRING_TOO_LONG;
   return {};
 }
 

@@ -41,21 +41,21 @@ class Magnitudes {
 
 std::string type_words(int type) {
   switch (type) {
-    case 0:
+    case TVK_PROBTYPE_LP:
       return "linear";
-    case 1:
+    case TVK_PROBTYPE_MILP:
       return "mixed-integer linear";
-    case 3:
+    case TVK_PROBTYPE_FIXED_MILP:
       return "fixed mixed-integer linear";
-    case 5:
+    case TVK_PROBTYPE_QP:
       return "quadratic";
-    case 7:
+    case TVK_PROBTYPE_MIQP:
       return "mixed-integer quadratic";
-    case 8:
+    case TVK_PROBTYPE_FIXED_MIQP:
       return "fixed mixed-integer quadratic";
-    case 10:
+    case TVK_PROBTYPE_QCP:
       return "quadratically constrained";
-    case 11:
+    case TVK_PROBTYPE_MIQCP:
       return "mixed-integer quadratically constrained";
     default:
       return "fixed mixed-integer quadratically constrained";

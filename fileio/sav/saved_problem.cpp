@@ -54,7 +54,7 @@ struct Loading {
   Start start;
   Norms norms;
   std::unique_ptr<Solution> solution;
-  int status = 0;
+  int status = TVK_STATUS_NONE;
 };
 
 void take_basis(const SavState& state, Start& start) {
@@ -176,7 +176,7 @@ Status read_restart(Environment& env, Problem& problem, const char* name) {
   loading.norms.head = std::move(state.norm_head);
   if (!state.counts.empty()) {
     loading.status = static_cast<int>(state.counts[SavState::kStatus]);
-    if (loading.status != 0 && status_text(loading.status) == nullptr)
+    if (loading.status != TVK_STATUS_NONE && status_text(loading.status) == nullptr)
       return fail(env, TVK_ERROR_FILE_FORMAT, name);
     loading.solution = solution_of(state);
   }
@@ -193,7 +193,8 @@ Status write_restart(Environment& env, const Problem& problem, const Norms& norm
   view.row_dual = start.row_dual;
   view.norm_head = norms.head;
   view.dual_norms = norms.dual;
-  if (problem.status == 0 || problem.solution == nullptr) return write_file(env, problem, view, name);
+  if (problem.status == TVK_STATUS_NONE || problem.solution == nullptr)
+    return write_file(env, problem, view, name);
   const Solution& solution = *problem.solution;
   const std::vector<std::int64_t> counts = counts_of(problem.status, solution);
   const double numbers[SavState::kNumbers] = {solution.objective, solution.farkas_gap};

@@ -25,7 +25,7 @@ struct SolutionReport {
   const Solution* solution;
   bool mixed_integer = false;
   int type = 0;    // 1 basic, 2 primal and dual values, 3 primal values
-  int status = 0;  // solution status and its text
+  int status = 0;  // solution status (TVK_STATUS_...) and its text
   std::string status_text;
   std::span<const int> column_status, row_status;       // empty without a basis
   std::vector<std::pair<const char*, double>> quality;  // names and values, in their order

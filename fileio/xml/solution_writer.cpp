@@ -1,6 +1,7 @@
 #include <cmath>
 #include <limits>
 
+#include "env/method_code.h"
 #include "fileio/xml/solution_file.h"
 #include "fileio/xml/xml_writer.h"
 #include "include/tovik.h"
@@ -19,13 +20,13 @@ const char* type_word(int type) {
 
 const char* method_word(int method) {
   switch (method) {
-    case 1:
+    case method_code::kPrimal:
       return "primal";
-    case 2:
+    case method_code::kDual:
       return "dual";
-    case 4:
+    case method_code::kBarrier:
       return "barrier";
-    case 12:
+    case method_code::kMixedInteger:
       return "mip";
     default:
       return "unknown";
@@ -104,8 +105,8 @@ void Writer::write_header(const SolutionReport& report) {
   if (report.mixed_integer) {
     xml_.attribute("MIPIterations", solution.iterations);
   } else {
-    const bool barrier = solution.method == 4;
-    if (solution.method == 1 || solution.method == 2)
+    const bool barrier = solution.method == method_code::kBarrier;
+    if (solution.method == method_code::kPrimal || solution.method == method_code::kDual)
       xml_.attribute("simplexIterations", solution.iterations);
     if (barrier || solution.barrier_iterations != 0)
       xml_.attribute("barrierIterations", solution.barrier_iterations);

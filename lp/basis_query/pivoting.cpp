@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "env/solution_access.h"
 #include "include/tovik.h"
 #include "lp/binding/engine_control.h"
 #include "lp/run/basis_view.h"
@@ -58,7 +59,7 @@ void adopt(Problem& problem, BasisView& view) {
   view.solver().extract();
   publish(problem, view.solver());
   problem.solution.reset();
-  problem.status = 0;
+  problem.status = TVK_STATUS_NONE;
   static_cast<LiveSimplex*>(problem.simplex.get())->start_is_mine = true;
 }
 
@@ -71,16 +72,16 @@ struct Snapshot {
 }  // namespace
 
 Status pivot_in(Environment& env, Problem& problem, const int* rows, int count) {
-  if (count < 0) return Status(1003);
-  if (count > 0 && rows == nullptr) return Status(1004);
+  if (count < 0) return Status(TVK_ERROR_BAD_ARGUMENT);
+  if (count > 0 && rows == nullptr) return Status(TVK_ERROR_NULL_POINTER);
   for (int k = 0; k < count; ++k) {
-    if (rows[k] < 0 || rows[k] >= problem.model->num_rows()) return fail(env, 1203, k);
+    if (rows[k] < 0 || rows[k] >= problem.model->num_rows()) return fail(env, TVK_ERROR_ROW_INDEX_RANGE, k);
   }
   BasisView view;
   if (const Status status = view.open(env, problem); !status.ok()) return status;
   simplex::Core& core = view.core();
   EngineGuard guard(problem);
-  EngineControl control(env, problem, 1);
+  EngineControl control(env, problem, CalledFrom::simplex);
   core.control = &control;
   SparseVector column, row;
   column.resize(core.m);
@@ -94,7 +95,7 @@ Status pivot_in(Environment& env, Problem& problem, const int* rows, int count) 
     std::vector<char> may_leave(static_cast<size_t>(core.m));
     for (int p = 0; p < core.m; ++p) may_leave[p] = static_cast<char>(!wanted[core.head[p]]);
     const int p = best_position(column, may_leave);
-    if (p >= 0 && !exchange(core, entering, p, column, row)) return Status(1256);
+    if (p >= 0 && !exchange(core, entering, p, column, row)) return Status(TVK_ERROR_BASIS_SINGULAR);
   }
   adopt(problem, view);
   view.solver().detach();
@@ -103,17 +104,19 @@ Status pivot_in(Environment& env, Problem& problem, const int* rows, int count) 
 }
 
 Status pivot_out(Environment& env, Problem& problem, const int* columns, int count) {
-  if (count < 0) return Status(1003);
-  if (count > 0 && columns == nullptr) return Status(1004);
+  if (count < 0) return Status(TVK_ERROR_BAD_ARGUMENT);
+  if (count > 0 && columns == nullptr) return Status(TVK_ERROR_NULL_POINTER);
   for (int k = 0; k < count; ++k) {
-    if (columns[k] < 0 || columns[k] >= problem.model->num_columns()) return fail(env, 1201, k);
-    if (problem.model->lower()[columns[k]] != problem.model->upper()[columns[k]]) return Status(1221);
+    if (columns[k] < 0 || columns[k] >= problem.model->num_columns())
+      return fail(env, TVK_ERROR_COLUMN_INDEX_RANGE, k);
+    if (problem.model->lower()[columns[k]] != problem.model->upper()[columns[k]])
+      return Status(TVK_ERROR_NOT_FIXED);
   }
   BasisView view;
   if (const Status status = view.open(env, problem); !status.ok()) return status;
   simplex::Core& core = view.core();
   EngineGuard guard(problem);
-  EngineControl control(env, problem, 1);
+  EngineControl control(env, problem, CalledFrom::simplex);
   core.control = &control;
   SparseVector column, row, alpha;
   column.resize(core.m);
@@ -146,7 +149,7 @@ Status pivot_out(Environment& env, Problem& problem, const int* columns, int cou
     }
     if (entering < 0) continue;
     load(core, entering, column);
-    if (!exchange(core, entering, position, column, row)) return Status(1256);
+    if (!exchange(core, entering, position, column, row)) return Status(TVK_ERROR_BASIS_SINGULAR);
   }
   adopt(problem, view);
   view.solver().detach();
@@ -155,20 +158,21 @@ Status pivot_out(Environment& env, Problem& problem, const int* columns, int cou
 }
 
 Status strong_branch(Environment& env, Problem& problem, const Branching& request) {
-  if (request.count < 0 || request.iteration_limit < 0) return Status(1003);
+  if (request.count < 0 || request.iteration_limit < 0) return Status(TVK_ERROR_BAD_ARGUMENT);
   if (request.count == 0) return {};
-  if (request.columns == nullptr || request.down == nullptr || request.up == nullptr) return Status(1004);
+  if (request.columns == nullptr || request.down == nullptr || request.up == nullptr)
+    return Status(TVK_ERROR_NULL_POINTER);
   for (int k = 0; k < request.count; ++k) {
     if (request.columns[k] < 0 || request.columns[k] >= problem.model->num_columns())
-      return fail(env, 1201, k);
+      return fail(env, TVK_ERROR_COLUMN_INDEX_RANGE, k);
   }
-  if (problem.status != 1 && problem.status != 5) return Status(1252);
+  if (!is_optimal(problem)) return Status(TVK_ERROR_NEED_OPTIMAL_SOLUTION);
   BasisView view;
   if (const Status status = view.open(env, problem); !status.ok()) return status;
   simplex::Solver& solver = view.solver();
   simplex::Core& core = view.core();
   EngineGuard guard(problem);
-  EngineControl control(env, problem, 1);
+  EngineControl control(env, problem, CalledFrom::simplex);
   solver.set_control(control, nullptr);
   core.options.iteration_limit = kNoLimit;  // the branches have a limit of their own
   const double sign = problem.model->objective_sense();
@@ -185,9 +189,9 @@ Status strong_branch(Environment& env, Problem& problem, const Branching& reques
       simplex::Dual::Settings settings;
       settings.perturb = false;
       const simplex::Outcome outcome = solver.dual().solve(settings, request.iteration_limit);
-      if (outcome == simplex::Outcome::time_limit) result = Status(1266);
-      if (outcome == simplex::Outcome::tick_limit) result = Status(9027);
-      if (outcome == simplex::Outcome::user_abort) result = Status(1263);
+      if (outcome == simplex::Outcome::time_limit) result = Status(TVK_ERROR_STRONG_BRANCHING_TIME_LIMIT);
+      if (outcome == simplex::Outcome::tick_limit) result = Status(TVK_ERROR_STRONG_BRANCHING_TICK_LIMIT);
+      if (outcome == simplex::Outcome::user_abort) result = Status(TVK_ERROR_STRONG_BRANCHING_ABORTED);
       if (outcome != simplex::Outcome::infeasible) objective = sign * solver.dual().objective();
       solver.change_bounds(j, old_low, old_high);
       core.use_original_bounds();

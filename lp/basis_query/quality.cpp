@@ -141,7 +141,7 @@ Status measure_quality(Environment& env, Problem& problem, int what, Measure* re
                     what == TVK_QUALITY_MAX_DUAL_RESIDUAL || what == TVK_QUALITY_SUM_DUAL_RESIDUAL ||
                     what == TVK_QUALITY_MAX_COMP_SLACK || what == TVK_QUALITY_SUM_COMP_SLACK ||
                     what == TVK_QUALITY_MAX_PI || what == TVK_QUALITY_MAX_RED_COST;
-  if (dual && !has_duals(problem)) return Status(1232);
+  if (dual && !has_duals(problem)) return Status(TVK_ERROR_NO_DUAL_SOLUTION);
   Gather largest(false);
   Gather sum(true);
   switch (what) {
@@ -188,7 +188,7 @@ Status measure_quality(Environment& env, Problem& problem, int what, Measure* re
       each(data.solution.dj, false, largest);
       break;
     default:
-      return Status(1003);
+      return Status(TVK_ERROR_BAD_ARGUMENT);
   }
   const bool summed = what == TVK_QUALITY_SUM_PRIMAL_INFEAS || what == TVK_QUALITY_SUM_DUAL_INFEAS ||
                       what == TVK_QUALITY_SUM_PRIMAL_RESIDUAL || what == TVK_QUALITY_SUM_DUAL_RESIDUAL ||

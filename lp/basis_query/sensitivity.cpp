@@ -21,8 +21,8 @@ double clip(double v) {
 
 Status Sensitivity::open(Environment& env, Problem& problem) {
   Status why;
-  const bool optimal = problem.status == 1 || problem.status == 5;
-  if (!optimal || find_solution(problem, Wanted::duals, why) == nullptr) return Status(1260);
+  if (!is_optimal(problem) || find_solution(problem, Wanted::duals, why) == nullptr)
+    return Status(TVK_ERROR_NO_SENSITIVITY);
   if (const Status status = view_.open_for_query(env, problem); !status.ok()) return status;
   problem_ = &problem;
   sign_ = problem.model->objective_sense();

@@ -4,8 +4,8 @@
 
 namespace tovik::lp::run {
 
-EngineControl::EngineControl(Environment& env, Problem& problem, int callback_position)
-    : env_(env), problem_(problem), position_(callback_position), start_(clock_seconds(env)) {}
+EngineControl::EngineControl(Environment& env, Problem& problem, CalledFrom called_from)
+    : env_(env), problem_(problem), called_from_(called_from), start_(clock_seconds(env)) {}
 
 void EngineControl::log(const char* text) {
   message(env_.results_channel, "%s", text);
@@ -36,8 +36,9 @@ Stop EngineControl::poll_clock() {
 Stop EngineControl::iteration_callback() {
   if (env_.callbacks.lp == nullptr) return Stop::none;
   auto* const env = reinterpret_cast<ConstEnvHandle>(&env_);
-  return env_.callbacks.lp(env, &problem_, position_, env_.callbacks.lp_handle) != 0 ? Stop::user_abort
-                                                                                     : Stop::none;
+  return env_.callbacks.lp(env, &problem_, static_cast<int>(called_from_), env_.callbacks.lp_handle) != 0
+             ? Stop::user_abort
+             : Stop::none;
 }
 
 }  // namespace tovik::lp::run

@@ -8,9 +8,12 @@
 
 namespace tovik::lp::run {
 
+/* What the LP callback is told about where it is called from. */
+enum class CalledFrom { simplex = 1, presolve = 7 };
+
 class EngineControl : public Control {
  public:
-  EngineControl(Environment& env, Problem& problem, int callback_position);
+  EngineControl(Environment& env, Problem& problem, CalledFrom called_from);
   void log(const char* text) override;
   void flush() override;
   void add_work(std::uint64_t ticks) override { env_.work->ticks += ticks; }
@@ -23,7 +26,7 @@ class EngineControl : public Control {
  private:
   Environment& env_;
   Problem& problem_;
-  int position_;  // what the LP callback is told: 1 simplex, 7 presolve
+  CalledFrom called_from_;
   double start_;
 };
 

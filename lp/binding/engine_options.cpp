@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstdint>
 
+#include "env/method_code.h"
 #include "include/tovik.h"
 #include "param/hidden.h"
 
@@ -63,9 +64,9 @@ simplex::Options engine_options(const Environment& env) {
   take_number(s.real(TVK_PARAM_EPPER), options.perturb_magnitude);
   options.scaling = s.integer(TVK_PARAM_SCAIND);
   const int method = s.integer(TVK_PARAM_LPMETHOD);
-  options.sifting = method == 0   ? simplex::Sifting::when_it_pays
-                    : method == 5 ? simplex::Sifting::always
-                                  : simplex::Sifting::never;
+  options.sifting = method == method_code::kAutomatic ? simplex::Sifting::when_it_pays
+                    : method == method_code::kSifting ? simplex::Sifting::always
+                                                      : simplex::Sifting::never;
   options.seed = static_cast<std::uint64_t>(s.integer(param::kRandomSeed));
   options.display = s.integer(TVK_PARAM_SIMDISPLAY);
   return options;

@@ -76,9 +76,8 @@ presolve::Settings presolve_settings(const Environment& env) {
 }
 
 std::unique_ptr<Presolved> make_presolved(Environment& env, Problem& problem) {
-  constexpr int kPresolvePosition = 7;  // what the LP callback is told
   auto record = std::make_unique<Presolved>();
-  EngineControl control(env, problem, kPresolvePosition);
+  EngineControl control(env, problem, CalledFrom::presolve);
   record->original = build_lp(*problem.model);
   record->sign = problem.model->objective_sense();
   const presolve::Settings settings = presolve_settings(env);

@@ -9,14 +9,14 @@
 namespace tovik::lp::run {
 
 Status BasisView::open(Environment& env, Problem& problem) {
-  if (!problem.start.has_basis()) return Status(1262);
+  if (!problem.start.has_basis()) return Status(TVK_ERROR_NO_BASIS);
   const auto basic = [](const std::vector<int>& status) {
     return std::count(status.begin(), status.end(), 1);
   };
   if (basic(problem.start.column_status) + basic(problem.start.row_status) != problem.model->num_rows())
-    return Status(1256);
+    return Status(TVK_ERROR_BASIS_SINGULAR);
   EngineGuard guard(problem);
-  EngineControl control(env, problem, 1);
+  EngineControl control(env, problem, CalledFrom::simplex);
   live_ = &live_simplex(env, problem, control, nullptr);
   install_basis(problem, *live_);
   core_ = &live_->solver.core();
@@ -28,7 +28,7 @@ Status BasisView::open(Environment& env, Problem& problem) {
   const bool regular = live_->solver.ensure_factor() && core_->repairs == 0;
   if (regular) core_->compute_primal();
   live_->solver.detach();
-  if (!regular) return Status(1256);
+  if (!regular) return Status(TVK_ERROR_BASIS_SINGULAR);
   position_.assign(static_cast<size_t>(core_->total), -1);
   for (int p = 0; p < core_->m; ++p) position_[core_->head[p]] = p;
   work_.resize(core_->m);
@@ -38,7 +38,7 @@ Status BasisView::open(Environment& env, Problem& problem) {
 }
 
 Status BasisView::open_for_query(Environment& env, Problem& problem) {
-  if (!problem.start.has_basis()) return Status(1262);
+  if (!problem.start.has_basis()) return Status(TVK_ERROR_NO_BASIS);
   return problem.use.changing ? Status(TVK_ERROR_IN_INFO_CALLBACK) : open(env, problem);
 }
 

@@ -111,11 +111,11 @@ void follow_values(Problem& problem, LiveSimplex& live) {
 
 simplex::At column_at(int status) {
   switch (status) {
-    case 1:
+    case TVK_BASIC:
       return simplex::At::basic;
-    case 2:
+    case TVK_AT_UPPER:
       return simplex::At::upper;
-    case 3:
+    case TVK_FREE_SUPER:
       return simplex::At::free;
     default:
       return simplex::At::lower;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "env/method_code.h"
 #include "include/tovik.h"
 #include "lp/run/basis_view.h"
 #include "lp/run/live_simplex.h"
@@ -14,19 +15,19 @@ constexpr int kNone = 2100000000;
 
 Status check_continuous(const Problem& problem) {
   switch (problem.type) {
-    case 0:
-    case 3:
+    case TVK_PROBTYPE_LP:
+    case TVK_PROBTYPE_FIXED_MILP:
       return {};
-    case 1:
-      return Status(1017);
-    case 5:
-    case 8:
-      return Status(1018);
-    case 10:
-    case 13:
-      return Status(1031);
+    case TVK_PROBTYPE_MILP:
+      return Status(TVK_ERROR_NOT_FOR_MIP);
+    case TVK_PROBTYPE_QP:
+    case TVK_PROBTYPE_FIXED_MIQP:
+      return Status(TVK_ERROR_NOT_FOR_QP);
+    case TVK_PROBTYPE_QCP:
+    case TVK_PROBTYPE_FIXED_MIQCP:
+      return Status(TVK_ERROR_NOT_FOR_QCP);
     default:
-      return Status(1017);
+      return Status(TVK_ERROR_NOT_FOR_MIP);
   }
 }
 
@@ -49,18 +50,21 @@ Status most_infeasible_basic(Environment& env, Problem& problem, int* index) {
 
 int resolve_method(Environment& env, Problem& problem, bool allow_concurrent) {
   const int method = env.settings.integer(TVK_PARAM_LPMETHOD);
-  if (method != 0 && !(method == 6 && !allow_concurrent)) return method;
+  if (method != method_code::kAutomatic && !(method == method_code::kConcurrent && !allow_concurrent))
+    return method;
   int threads = env.settings.integer(TVK_PARAM_THREADS);
   if (threads == 0) threads = std::max(1, thread_limit());
-  if (threads >= 2 && env.settings.integer(TVK_PARAM_MEMORYEMPHASIS) == 0 && allow_concurrent) return 6;
+  if (threads >= 2 && env.settings.integer(TVK_PARAM_MEMORYEMPHASIS) == 0 && allow_concurrent)
+    return method_code::kConcurrent;
   if (env.settings.integer(TVK_PARAM_ADVIND) != 0 && problem.start.has_basis()) {
     const StartIs known = judge_start(env, problem);
-    if (known != StartIs::unknown) return known == StartIs::feasible ? 1 : 2;
+    if (known != StartIs::unknown)
+      return known == StartIs::feasible ? method_code::kPrimal : method_code::kDual;
     int worst = 0;
     const Status status = most_infeasible_basic(env, problem, &worst);
-    if (status.ok() && worst == kNone) return 1;
+    if (status.ok() && worst == kNone) return method_code::kPrimal;
   }
-  return 2;
+  return method_code::kDual;
 }
 
 }  // namespace tovik::lp::run

@@ -10,8 +10,8 @@ namespace tovik::lp::run {
  * for quadratic ones. */
 Status check_continuous(const Problem& problem);
 
-/* Method code (0..6) that TVKlpopt runs. With allow_concurrent two threads or more resolve automatic to
- * concurrent. */
+/* The method (env/method_code.h) that TVKlpopt runs. With allow_concurrent two threads or more resolve
+ * automatic to concurrent. */
 int resolve_method(Environment& env, Problem& problem, bool allow_concurrent);
 
 /* Index of the most infeasible basic variable of the starting basis (n + i for row i), or 2100000000 when it

@@ -7,7 +7,6 @@
 #include "include/tovik.h"
 #include "lp/binding/build_lp.h"
 #include "lp/binding/engine_control.h"
-#include "lp/binding/engine_options.h"
 #include "lp/presolve/crush.h"
 #include "lp/presolve/dualize.h"
 #include "lp/presolve_record/presolved.h"
@@ -41,20 +40,20 @@ presolve::Point point_of(simplex::Answer answer) {
 /* One run: the pieces in the order in which they are done. */
 class PresolvedRun {
  public:
-  PresolvedRun(Environment& env, Problem& problem, simplex::Method method)
+  PresolvedRun(Environment& env, Problem& problem, const Algorithm& algorithm)
       : env_(env),
         problem_(problem),
-        method_(method),
-        options_(engine_options(env)),
+        algorithm_(algorithm),
+        options_(options_of(env, algorithm)),
         record_(kept_record(problem)) {}
 
   Status run() {
-    if (record_ == nullptr && !make_record()) return solve_original(method_);
+    if (record_ == nullptr && !make_record()) return solve_original();
     const presolve::Reduction& reduction = record_->reduction;
     if (record_->conclusion == Conclusion::infeasible) return publish_infeasible();
     if (!reduction.changed && reduction.stop == Stop::none) {
       own_record_.reset();
-      return run_simplex(env_, problem_, method_);
+      return run_simplex(env_, problem_, algorithm_);
     }
     const Outcome outcome = solve_reduced();
     switch (outcome) {
@@ -63,14 +62,14 @@ class PresolvedRun {
                                  presolve::carry_proof(record_->original, reduction, answer_.farkas),
                                  record_->proof)
                    ? publish_infeasible()
-                   : solve_original(method_);
+                   : solve_original();
       case Outcome::unbounded:
         bring_back();
         return go_on(simplex::Method::primal);
       case Outcome::infeasible_or_unbounded:
       case Outcome::singular:
       case Outcome::trouble:
-        return solve_original(method_);
+        return solve_original();
       default:
         return conclude(outcome);
     }
@@ -95,11 +94,11 @@ class PresolvedRun {
   Outcome solve_reduced() {
     const presolve::Reduction& reduction = record_->reduction;
     if (record_->all_removed()) {
-      answer_.method = method_;
+      answer_.method = algorithm_.method;
       return Outcome::optimal;
     }
     if (wants_dual_form()) return solve_dual_form();
-    EngineControl control(env_, problem_, 1);
+    EngineControl control(env_, problem_, CalledFrom::simplex);
     IterationLog log(env_, problem_, options_.display);
     log.set_origin(reduction.row_map, reduction.column_map);
     simplex::Solver solver(reduction.lp, options_, control, &log);
@@ -107,7 +106,7 @@ class PresolvedRun {
     if (starts_from_basis()) install_crushed(solver);
     Outcome outcome = outcome_of(reduction.stop);
     if (reduction.stop == Stop::none) {
-      outcome = solver.solve(method_);
+      outcome = solver.solve(algorithm_.method);
     } else {
       solver.extract();
     }
@@ -137,14 +136,14 @@ class PresolvedRun {
     if (env_.settings.integer(param::kPresolveDisplay) != 0)
       message(env_.results_channel, "DUAL formed by presolve\n");
     const presolve::DualForm form = presolve::dualize(reduced);
-    EngineControl control(env_, problem_, 1);
+    EngineControl control(env_, problem_, CalledFrom::simplex);
     simplex::Solver solver(form.lp, options_, control, nullptr);
-    const Outcome outcome =
-        solver.solve(method_ == simplex::Method::dual ? simplex::Method::primal : simplex::Method::dual);
+    const Outcome outcome = solver.solve(algorithm_.method == simplex::Method::dual ? simplex::Method::primal
+                                                                                    : simplex::Method::dual);
     beginning_.counters = solver.core().counters;
     simplex::Answer dual = solver.release_answer();
     answer_ = simplex::Answer{};
-    answer_.method = method_;
+    answer_.method = algorithm_.method;
     switch (outcome) {
       case Outcome::optimal:
         take_point(presolve::undualize(reduced, form, point_of(std::move(dual))));
@@ -169,11 +168,11 @@ class PresolvedRun {
   }
 
   void take_slack_basis(const LpData& lp) {
-    EngineControl control(env_, problem_, 1);
+    EngineControl control(env_, problem_, CalledFrom::simplex);
     simplex::Solver solver(lp, options_, control, nullptr);
     solver.extract();
     answer_ = solver.release_answer();
-    answer_.method = method_;
+    answer_.method = algorithm_.method;
   }
 
   bool starts_from_basis() const {
@@ -200,7 +199,8 @@ class PresolvedRun {
 
   Status conclude(Outcome outcome) {
     bring_back();
-    if (outcome == Outcome::optimal && !is_final(record_->original, answer_, options_)) return go_on(method_);
+    if (outcome == Outcome::optimal && !is_final(record_->original, answer_, options_))
+      return go_on(algorithm_.method);
     return finish(status_code(outcome, false));
   }
 
@@ -224,7 +224,7 @@ class PresolvedRun {
                              : lp.upper[j] < kInf ? simplex::At::upper
                                                   : simplex::At::free);
     answer_ = complete_point(lp, std::move(point));
-    answer_.method = method_;
+    answer_.method = algorithm_.method;
     answer_.farkas = record_->proof.multipliers;
     answer_.farkas_gap = record_->proof.gap;
     return finish(status_code(Outcome::infeasible, false));
@@ -237,14 +237,14 @@ class PresolvedRun {
     const simplex::Counters counters = beginning_.counters;
     publish(problem_, std::move(answer_), counters);
     beginning_.from_start = true;
-    return run_simplex(env_, problem_, method, beginning_);
+    return run_simplex(env_, problem_, {method, algorithm_.sift}, beginning_);
   }
 
   /* Presolve did not help: it is gone with what it left. */
-  Status solve_original(simplex::Method method) {
+  Status solve_original() {
     own_record_.reset();
     problem_.presolve.reset();
-    return run_simplex(env_, problem_, method, beginning_);
+    return run_simplex(env_, problem_, algorithm_, beginning_);
   }
 
   /* An engine that the problem holds stands on another basis from now on. */
@@ -257,7 +257,7 @@ class PresolvedRun {
 
   Environment& env_;
   Problem& problem_;
-  const simplex::Method method_;
+  const Algorithm algorithm_;
   const simplex::Options options_;
   Beginning beginning_;
   std::unique_ptr<Presolved> own_record_;
@@ -273,9 +273,9 @@ bool wants_presolve(const Environment& env, const Problem& problem) {
   return env.settings.integer(TVK_PARAM_ADVIND) != 1;
 }
 
-Status run_presolved(Environment& env, Problem& problem, simplex::Method method) {
+Status run_presolved(Environment& env, Problem& problem, const Algorithm& algorithm) {
   if (const Status finite = check_finite(env, *problem.model, true); !finite.ok()) return finite;
-  return PresolvedRun(env, problem, method).run();
+  return PresolvedRun(env, problem, algorithm).run();
 }
 
 }  // namespace tovik::lp::run

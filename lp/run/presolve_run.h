@@ -3,7 +3,7 @@
 #pragma once
 
 #include "env/problem.h"
-#include "lp/simplex/solver.h"
+#include "lp/run/simplex_run.h"
 
 namespace tovik::lp::run {
 
@@ -11,6 +11,6 @@ namespace tovik::lp::run {
 bool wants_presolve(const Environment& env, const Problem& problem);
 
 /* As run_simplex, through presolve. */
-Status run_presolved(Environment& env, Problem& problem, simplex::Method method);
+Status run_presolved(Environment& env, Problem& problem, const Algorithm& algorithm);
 
 }  // namespace tovik::lp::run

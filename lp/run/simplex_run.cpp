@@ -3,8 +3,10 @@
 #include <span>
 #include <utility>
 
+#include "env/method_code.h"
 #include "include/tovik.h"
 #include "lp/binding/engine_control.h"
+#include "lp/binding/engine_options.h"
 #include "lp/run/iteration_log.h"
 #include "lp/run/live_simplex.h"
 #include "model/store/model.h"
@@ -33,25 +35,25 @@ double times(double sign, double value) {
 int status_code(simplex::Outcome outcome, bool unscaled_infeasible) {
   switch (outcome) {
     case simplex::Outcome::optimal:
-      return unscaled_infeasible ? 5 : 1;
+      return unscaled_infeasible ? TVK_STATUS_OPTIMAL_UNSCALED_INFEASIBLE : TVK_STATUS_OPTIMAL;
     case simplex::Outcome::unbounded:
-      return 2;
+      return TVK_STATUS_UNBOUNDED;
     case simplex::Outcome::infeasible:
-      return 3;
+      return TVK_STATUS_INFEASIBLE;
     case simplex::Outcome::infeasible_or_unbounded:
-      return 4;
+      return TVK_STATUS_UNBOUNDED_OR_INFEASIBLE;
     case simplex::Outcome::objective_limit:
-      return 12;
+      return TVK_STATUS_OBJECTIVE_LIMIT;
     case simplex::Outcome::iteration_limit:
-      return 10;
+      return TVK_STATUS_ITERATION_LIMIT;
     case simplex::Outcome::time_limit:
-      return 11;
+      return TVK_STATUS_TIME_LIMIT;
     case simplex::Outcome::tick_limit:
-      return 900;
+      return TVK_STATUS_TICK_LIMIT;
     case simplex::Outcome::user_abort:
-      return 13;
+      return TVK_STATUS_USER_ABORT;
     default:
-      return 6;
+      return TVK_STATUS_NON_OPTIMAL;
   }
 }
 
@@ -108,7 +110,7 @@ class AnswerWriter {
 void write_summary(const simplex::Answer& answer, const simplex::Counters& counters, double sign,
                    Solution& solution) {
   solution.objective = sign * answer.objective + 0.0;  // never -0
-  solution.method = answer.method == simplex::Method::primal ? 1 : 2;
+  solution.method = answer.method == simplex::Method::primal ? method_code::kPrimal : method_code::kDual;
   solution.has_basis = true;
   solution.primal_feasible = answer.primal_feasible;
   solution.dual_feasible = answer.dual_feasible;
@@ -182,6 +184,12 @@ void publish(Problem& problem, simplex::Solver& solver) {
   solver.answer_taken();
 }
 
+simplex::Options options_of(const Environment& env, const Algorithm& algorithm) {
+  simplex::Options options = engine_options(env);
+  if (algorithm.sift) options.sifting = simplex::Sifting::always;
+  return options;
+}
+
 void set_objective_limits(const Environment& env, const Problem& problem, simplex::Solver& solver) {
   const double low = env.settings.real(TVK_PARAM_OBJLLIM);
   const double high = env.settings.real(TVK_PARAM_OBJULIM);
@@ -189,12 +197,14 @@ void set_objective_limits(const Environment& env, const Problem& problem, simple
   solver.set_objective_limits(maximize ? -high : low, maximize ? -low : high);
 }
 
-Status run_simplex(Environment& env, Problem& problem, simplex::Method method, const Beginning& beginning) {
+Status run_simplex(Environment& env, Problem& problem, const Algorithm& algorithm,
+                   const Beginning& beginning) {
   if (const Status finite = check_data(env, problem); !finite.ok()) return finite;
   EngineGuard guard(problem);
-  EngineControl control(env, problem, 1);
+  EngineControl control(env, problem, CalledFrom::simplex);
   IterationLog log(env, problem, env.settings.integer(TVK_PARAM_SIMDISPLAY));
   LiveSimplex& live = live_simplex(env, problem, control, &log);
+  live.solver.set_options(options_of(env, algorithm));
   if (beginning.from_start) {
     install_basis(problem, live);
   } else {
@@ -205,9 +215,9 @@ Status run_simplex(Environment& env, Problem& problem, simplex::Method method, c
   set_objective_limits(env, problem, live.solver);
   live.solver.set_counters(beginning.counters);
   if (env.callbacks.lp != nullptr) live.solver.look_again();  // it is called by the algorithms
-  const simplex::Outcome outcome = live.solver.solve(method);
+  const simplex::Outcome outcome = live.solver.solve(algorithm.method);
   live.solver.detach();
-  if (outcome == simplex::Outcome::singular) return Status(1256);
+  if (outcome == simplex::Outcome::singular) return Status(TVK_ERROR_BASIS_SINGULAR);
   const int status = status_code(outcome, live.solver.answer().unscaled_infeasible);
   publish(problem, live.solver);
   problem.status = status;

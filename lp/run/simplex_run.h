@@ -6,6 +6,15 @@
 
 namespace tovik::lp::run {
 
+/* What a call asks for. */
+struct Algorithm {
+  simplex::Method method;
+  bool sift = false;  // begin by sifting, whatever TVK_PARAM_LPMETHOD says
+};
+
+/* The parameters and what the call asks for beyond them. */
+simplex::Options options_of(const Environment& env, const Algorithm& algorithm);
+
 /* Where a run begins. */
 struct Beginning {
   bool from_start = false;     // at the problem's starting basis, whatever TVK_PARAM_ADVIND says
@@ -13,7 +22,7 @@ struct Beginning {
 };
 
 /* Runs dual or primal simplex; leaves status, solution arrays and starting basis in the problem. */
-Status run_simplex(Environment& env, Problem& problem, simplex::Method method,
+Status run_simplex(Environment& env, Problem& problem, const Algorithm& algorithm,
                    const Beginning& beginning = {});
 
 /* Status code of the public table. */

@@ -10,7 +10,8 @@ namespace {
 
 Status check_statuses(Environment& env, const std::vector<int>& status) {
   for (size_t k = 0; k < status.size(); ++k) {
-    if (status[k] < 0 || status[k] > 3) return fail(env, 1253, static_cast<int>(k));
+    if (status[k] < TVK_AT_LOWER || status[k] > TVK_FREE_SUPER)
+      return fail(env, TVK_ERROR_BASIS_STATUS_ENTRY, static_cast<int>(k));
   }
   return {};
 }
@@ -23,7 +24,7 @@ std::vector<double> optional_copy(const double* values, int count) {
 void release_engine(Problem& problem) {
   if (auto* live = static_cast<LiveSimplex*>(problem.simplex.get()); live != nullptr)
     live->start_is_mine = false;
-  problem.status = 0;
+  problem.status = TVK_STATUS_NONE;
 }
 
 }  // namespace
@@ -31,9 +32,10 @@ void release_engine(Problem& problem) {
 Status copy_start(Environment& env, Problem& problem, const StartArrays& arrays) {
   const int columns = problem.model->num_columns();
   const int rows = problem.model->num_rows();
-  if ((arrays.column_status == nullptr) != (arrays.row_status == nullptr)) return Status(1004);
+  if ((arrays.column_status == nullptr) != (arrays.row_status == nullptr))
+    return Status(TVK_ERROR_NULL_POINTER);
   const bool values = arrays.column_primal || arrays.row_primal || arrays.column_dual || arrays.row_dual;
-  if (arrays.column_status == nullptr && !values) return Status(1004);
+  if (arrays.column_status == nullptr && !values) return Status(TVK_ERROR_NULL_POINTER);
   Start start;
   if (arrays.column_status != nullptr) {
     start.column_status.assign(arrays.column_status, arrays.column_status + columns);
@@ -57,7 +59,7 @@ Status set_start(Environment& env, Problem& problem, Start start) {
 
 Status get_base(Problem& problem, int* column_status, int* row_status) {
   const Start& start = problem.start;
-  if (!start.has_basis()) return Status(1262);
+  if (!start.has_basis()) return Status(TVK_ERROR_NO_BASIS);
   if (column_status != nullptr)
     std::copy(start.column_status.begin(), start.column_status.end(), column_status);
   if (row_status != nullptr) std::copy(start.row_status.begin(), start.row_status.end(), row_status);
@@ -65,11 +67,12 @@ Status get_base(Problem& problem, int* column_status, int* row_status) {
 }
 
 Status copy_dual_norms(Problem& problem, const double* norms, const int* head, int length) {
-  if (length < 0 || length > problem.model->num_rows()) return Status(1003);
-  if (length > 0 && (norms == nullptr || head == nullptr)) return Status(1004);
+  if (length < 0 || length > problem.model->num_rows()) return Status(TVK_ERROR_BAD_ARGUMENT);
+  if (length > 0 && (norms == nullptr || head == nullptr)) return Status(TVK_ERROR_NULL_POINTER);
   for (int k = 0; k < length; ++k) {
-    if (head[k] >= problem.model->num_columns() || head[k] < -problem.model->num_rows()) return Status(1200);
-    if (!(norms[k] > 0)) return Status(1003);
+    if (head[k] >= problem.model->num_columns() || head[k] < -problem.model->num_rows())
+      return Status(TVK_ERROR_INDEX_RANGE);
+    if (!(norms[k] > 0)) return Status(TVK_ERROR_BAD_ARGUMENT);
   }
   Norms copy = problem.norms;
   copy.dual.assign(norms, norms + length);
@@ -79,7 +82,7 @@ Status copy_dual_norms(Problem& problem, const double* norms, const int* head, i
 }
 
 Status get_dual_norms(Problem& problem, double* norms, int* head, int* length) {
-  if (norms == nullptr || head == nullptr || length == nullptr) return Status(1004);
+  if (norms == nullptr || head == nullptr || length == nullptr) return Status(TVK_ERROR_NULL_POINTER);
   if (const LiveSimplex* live = current_simplex(problem);
       live != nullptr && live->norms_are_told && live->solver.has_dual_norms()) {
     const simplex::Core& core = live->solver.core();
@@ -91,7 +94,7 @@ Status get_dual_norms(Problem& problem, double* norms, int* head, int* length) {
     *length = core.m;
     return {};
   }
-  if (problem.norms.dual.empty()) return Status(1264);
+  if (problem.norms.dual.empty()) return Status(TVK_ERROR_NO_NORMS);
   std::copy(problem.norms.dual.begin(), problem.norms.dual.end(), norms);
   std::copy(problem.norms.head.begin(), problem.norms.head.end(), head);
   *length = static_cast<int>(problem.norms.dual.size());

@@ -24,7 +24,7 @@ Status copy_range(Environment& env, const Range& range, std::span<const T> value
   const int count = static_cast<int>(values.size());
   if (Status s = check_range(env, range.routine, range.begin, range.end, count); !s.ok()) return s;
   if (range.begin > range.end) return {};
-  if (out == nullptr) return 1004;
+  if (out == nullptr) return TVK_ERROR_NULL_POINTER;
   std::copy_n(values.data() + range.begin, range.end - range.begin + 1, out);
   return {};
 }

@@ -11,8 +11,6 @@ namespace tovik::model {
 
 namespace {
 
-constexpr int kAtLower = 0, kBasic = 1, kAtUpper = 2, kFree = 3;
-
 void reserve_entries(std::vector<int>& status, int more) {
   const std::size_t size = status.size() + static_cast<std::size_t>(more);
   if (size > status.capacity()) status.reserve(std::max(size, status.capacity() + status.capacity() / 2));
@@ -20,9 +18,9 @@ void reserve_entries(std::vector<int>& status, int more) {
 
 int resting_status(double lower, double upper) {
   const bool has_lower = lower > -kInfinity, has_upper = upper < kInfinity;
-  if (has_lower && has_upper) return std::fabs(lower) <= std::fabs(upper) ? kAtLower : kAtUpper;
-  if (has_lower) return kAtLower;
-  return has_upper ? kAtUpper : kFree;
+  if (has_lower && has_upper) return std::fabs(lower) <= std::fabs(upper) ? TVK_AT_LOWER : TVK_AT_UPPER;
+  if (has_lower) return TVK_AT_LOWER;
+  return has_upper ? TVK_AT_UPPER : TVK_FREE_SUPER;
 }
 
 /* Starting values are one per row or column as well, but of use only for the model they were given for. */
@@ -38,7 +36,7 @@ void drop_basis(Start& start) noexcept {
 /* Takes a range out of the statuses; returns how many of it were basic. */
 std::ptrdiff_t take(std::vector<int>& status, int first, int last) noexcept {
   const auto begin = status.begin() + first, end = status.begin() + last + 1;
-  const std::ptrdiff_t basic = std::count(begin, end, kBasic);
+  const std::ptrdiff_t basic = std::count(begin, end, TVK_BASIC);
   status.erase(begin, end);
   return basic;
 }
@@ -50,7 +48,7 @@ std::ptrdiff_t take(std::vector<int>& status, std::span<const int> marks) noexce
     if (marks[k] != 1) {
       status[kept++] = status[k];
     } else {
-      basic += status[k] == kBasic;
+      basic += status[k] == TVK_BASIC;
     }
   }
   status.resize(kept);
@@ -77,7 +75,7 @@ void extend_start(Problem& problem) noexcept {
   drop_values(start);
   if (!start.has_basis()) return;
   const Model& model = *problem.model;
-  start.row_status.resize(static_cast<std::size_t>(model.num_rows()), kBasic);
+  start.row_status.resize(static_cast<std::size_t>(model.num_rows()), TVK_BASIC);
   const auto lower = model.lower(), upper = model.upper();
   for (std::size_t j = start.column_status.size(); j < lower.size(); ++j) {
     start.column_status.push_back(resting_status(lower[j], upper[j]));
