@@ -22,36 +22,11 @@ Status write_solution(Environment& env, Problem& problem, const char* name) {
   return write_solution_file(env, problem, report, name);
 }
 
-Status take_start(Environment& env, Problem& problem, const SolutionFile& solution) {
-  Start start = start_of(problem, solution);
-  if (start.has_basis() || start.has_values()) return lp::run::set_start(env, problem, std::move(start));
-  message(env.warning_channel, "Warning: no complete solution read, no start loaded.\n");
-  return {};
-}
-
-Status read_solution(Environment& env, Problem& problem, const char* name) {
-  std::vector<SolutionFile> solutions;
-  int found = 0;
-  const Status status = read_solution_file(env, problem, {name, ".sol"}, {true, false, 0}, solutions, found);
-  if (!status.ok()) return status;
-  if (found > 1)
-    message(env.warning_channel, "Warning: more than one solution read, only first one processed.\n");
-  if (problem.mixed_integer()) return add_starts(env, problem, solutions);
-  return take_start(env, problem, solutions.empty() ? SolutionFile() : solutions[0]);
-}
-
-Status read_starts(Environment& env, Problem& problem, const char* name, bool several) {
-  std::vector<SolutionFile> solutions;
-  int found = 0;
-  if (!problem.mixed_integer()) return TVK_ERROR_NOT_MIP;
-  const Status status =
-      read_solution_file(env, problem, {name, ".mst"}, {false, several, 0}, solutions, found);
-  if (!status.ok()) return status;
-  if (found > 1 && !several) {
-    message(env.warning_channel,
-            "Warning: more than one TOVIKSolution element in file, only first one processed.\n");
-  }
-  return add_starts(env, problem, solutions);
+Status take_solution(Environment& env, Problem& problem, const char* name) {
+  Start start;
+  if (const Status s = fileio::read_solution(env, problem, name, start); !s.ok()) return s;
+  return start.has_basis() || start.has_values() ? lp::run::set_start(env, problem, std::move(start))
+                                                 : Status();
 }
 
 /* ---- What a file says, without taking it over */
@@ -107,7 +82,7 @@ int TVKwritemipstarts(ConstEnvHandle env, ConstProbHandle lp, const char* filena
 }
 
 int TVKreadcopysol(ConstEnvHandle env, ProbHandle lp, const char* filename) {
-  return with_problem(env, lp, [&](Environment& e, Problem& p) { return read_solution(e, p, filename); });
+  return with_problem(env, lp, [&](Environment& e, Problem& p) { return take_solution(e, p, filename); });
 }
 
 int TVKreadcopymipstart(ConstEnvHandle env, ProbHandle lp, const char* filename) {

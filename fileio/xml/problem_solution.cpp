@@ -29,6 +29,47 @@ std::vector<double> complete(const std::vector<double>& values) {
   return whole ? values : std::vector<double>();
 }
 
+/* MIP starts of the solutions that have a value; a warning when none has. */
+Status add_starts(Environment& env, Problem& problem, const std::vector<SolutionFile>& solutions) {
+  std::vector<int> begin, columns, efforts;
+  std::vector<double> values;
+  std::vector<const char*> names;
+  for (const SolutionFile& solution : solutions) {
+    if (std::ranges::all_of(solution.x, [](double value) { return value == kNoValue; })) continue;
+    begin.push_back(static_cast<int>(columns.size()));
+    efforts.push_back(solution.effort);
+    names.push_back(solution.name.empty() ? nullptr : solution.name.c_str());
+    for (std::size_t j = 0; j < solution.x.size(); ++j) {
+      if (solution.x[j] == kNoValue) continue;
+      columns.push_back(static_cast<int>(j));
+      values.push_back(solution.x[j]);
+    }
+  }
+  if (begin.empty()) {
+    message(env.warning_channel, "Warning: no MIP start values read, no MIP start loaded.\n");
+    return {};
+  }
+  const bool named = std::ranges::any_of(names, [](const char* name) { return name != nullptr; });
+  return model::add_starts(env, problem,
+                           {static_cast<int>(begin.size()), static_cast<int>(columns.size()), begin.data(),
+                            columns.data(), values.data(), efforts.data(), named ? names.data() : nullptr});
+}
+
+/* The basis and the values of a solution, as far as they are complete. */
+Start start_of(const Problem& problem, const SolutionFile& solution) {
+  Start start;
+  if (is_complete(solution.column_status, problem.columns()) && !solution.column_status.empty() &&
+      is_complete(solution.row_status, problem.rows()) && !solution.row_status.empty()) {
+    start.column_status = solution.column_status;
+    start.row_status = solution.row_status;
+  }
+  start.primal = complete(solution.x);
+  start.row_primal = complete(solution.slack);
+  start.dual = complete(solution.dj);
+  start.row_dual = complete(solution.pi);
+  return start;
+}
+
 }  // namespace
 
 Status describe_solution(const Environment& env, const Problem& problem, SolutionReport& report) {
@@ -88,43 +129,32 @@ Status read_solution_file(Environment& env, const Problem& problem, const Soluti
   return failure ? report_failure(env, failure) : Status();
 }
 
-Status add_starts(Environment& env, Problem& problem, const std::vector<SolutionFile>& solutions) {
-  std::vector<int> begin, columns, efforts;
-  std::vector<double> values;
-  std::vector<const char*> names;
-  for (const SolutionFile& solution : solutions) {
-    if (std::ranges::all_of(solution.x, [](double value) { return value == kNoValue; })) continue;
-    begin.push_back(static_cast<int>(columns.size()));
-    efforts.push_back(solution.effort);
-    names.push_back(solution.name.empty() ? nullptr : solution.name.c_str());
-    for (std::size_t j = 0; j < solution.x.size(); ++j) {
-      if (solution.x[j] == kNoValue) continue;
-      columns.push_back(static_cast<int>(j));
-      values.push_back(solution.x[j]);
-    }
-  }
-  if (begin.empty()) {
-    message(env.warning_channel, "Warning: no MIP start values read, no MIP start loaded.\n");
-    return {};
-  }
-  const bool named = std::ranges::any_of(names, [](const char* name) { return name != nullptr; });
-  return model::add_starts(env, problem,
-                           {static_cast<int>(begin.size()), static_cast<int>(columns.size()), begin.data(),
-                            columns.data(), values.data(), efforts.data(), named ? names.data() : nullptr});
+Status read_solution(Environment& env, Problem& problem, const char* name, Start& start) {
+  std::vector<SolutionFile> solutions;
+  int found = 0;
+  const Status status = read_solution_file(env, problem, {name, ".sol"}, {true, false, 0}, solutions, found);
+  if (!status.ok()) return status;
+  if (found > 1)
+    message(env.warning_channel, "Warning: more than one solution read, only first one processed.\n");
+  if (problem.mixed_integer()) return add_starts(env, problem, solutions);
+  if (!solutions.empty()) start = start_of(problem, solutions[0]);
+  if (!start.has_basis() && !start.has_values())
+    message(env.warning_channel, "Warning: no complete solution read, no start loaded.\n");
+  return {};
 }
 
-Start start_of(const Problem& problem, const SolutionFile& solution) {
-  Start start;
-  if (is_complete(solution.column_status, problem.columns()) && !solution.column_status.empty() &&
-      is_complete(solution.row_status, problem.rows()) && !solution.row_status.empty()) {
-    start.column_status = solution.column_status;
-    start.row_status = solution.row_status;
+Status read_starts(Environment& env, Problem& problem, const char* name, bool several) {
+  std::vector<SolutionFile> solutions;
+  int found = 0;
+  if (!problem.mixed_integer()) return TVK_ERROR_NOT_MIP;
+  const Status status =
+      read_solution_file(env, problem, {name, ".mst"}, {false, several, 0}, solutions, found);
+  if (!status.ok()) return status;
+  if (found > 1 && !several) {
+    message(env.warning_channel,
+            "Warning: more than one TOVIKSolution element in file, only first one processed.\n");
   }
-  start.primal = complete(solution.x);
-  start.row_primal = complete(solution.slack);
-  start.dual = complete(solution.dj);
-  start.row_dual = complete(solution.pi);
-  return start;
+  return add_starts(env, problem, solutions);
 }
 
 void fill_zeros(const Problem& problem, SolutionFile& solution) {

@@ -1,5 +1,5 @@
 /* Solution and MIP-start files of a problem: the stored solution as a file says it, and what a file says
- * brought back as MIP starts or as a start. Nothing here changes the problem but add_starts(). */
+ * brought back as MIP starts of the problem or as a start, which the caller installs. */
 #pragma once
 
 #include <vector>
@@ -30,10 +30,12 @@ struct SolutionSource {
 Status read_solution_file(Environment& env, const Problem& problem, const SolutionSource& file,
                           const SolutionReading& reading, std::vector<SolutionFile>& solutions, int& found);
 
-/* MIP starts of the solutions that have a value; a warning when none has. */
-Status add_starts(Environment& env, Problem& problem, const std::vector<SolutionFile>& solutions);
-/* The basis and the values of a solution, as far as they are complete: all arrays may be empty. */
-Start start_of(const Problem& problem, const SolutionFile& solution);
+/* The first solution of a file: MIP starts of a mixed-integer problem; of others the basis and the values, as
+ * far as they are complete, come back in `start`, which stays empty with a warning where nothing is. */
+Status read_solution(Environment& env, Problem& problem, const char* name, Start& start);
+/* MIP starts of a file, all or the first; a warning when no solution has a value. 3003 for a continuous
+ * problem. */
+Status read_starts(Environment& env, Problem& problem, const char* name, bool several);
 /* Writes zeros for columns that the file's write level left out because they are 0. */
 void fill_zeros(const Problem& problem, SolutionFile& solution);
 
