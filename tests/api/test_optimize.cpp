@@ -2,6 +2,7 @@
 #include <functional>
 #include <limits>
 #include <regex>
+#include <set>
 
 #include "support/solve_fixture.h"
 
@@ -31,6 +32,12 @@ int ask_for_factor(ConstEnvHandle env, void*, int, void* handle) {
     if (code != TVK_ERROR_IN_INFO_CALLBACK) self->codes.push_back(code);
   }
   ++self->calls;
+  return 0;
+}
+int keep_method(ConstEnvHandle env, void*, int, void* seen) {
+  int method = -1;
+  EXPECT_EQ(TVKgetintparam(env, TVK_PARAM_LPMETHOD, &method), 0);
+  static_cast<std::set<int>*>(seen)->insert(method);
   return 0;
 }
 void keep_codes(ConstEnvHandle, int code, void* codes) {
@@ -187,6 +194,28 @@ TEST_F(Optimize, CallbacksDoNotGetTheFactorOfABasisThatChanges) {
     double kappa = 0;
     EXPECT_EQ(TVKgetquality(env_, lp, TVK_QUALITY_KAPPA, &kappa, nullptr), 0);
   }
+}
+
+TEST_F(Optimize, SiftingIsAskedForByTheCallWhateverTheParameterSays) {
+  const Lp model = assignment(15, 1);
+  std::set<int> iterations;
+  for (const int method : {0, 1, 2}) {
+    std::set<int> seen;
+    ASSERT_EQ(TVKsetintparam(env_, TVK_PARAM_LPMETHOD, method), 0);
+    ASSERT_EQ(TVKsetlpcallbackfunc(env_, keep_method, &seen), 0);
+    ProbHandle lp = load(model);
+    const int code = TVKsiftopt(env_, lp);
+    EXPECT_EQ(support::check_answer(env_, lp, model, support::outcome_of(env_, lp, model, code)), "");
+    EXPECT_EQ(seen, std::set<int>{method});
+    iterations.insert(TVKgetitcnt(env_, lp));
+    EXPECT_EQ(TVKfreeprob(env_, &lp), 0);
+  }
+  EXPECT_EQ(iterations.size(), 1U);  // the same path each time, ...
+  ASSERT_EQ(TVKsetlpcallbackfunc(env_, nullptr, nullptr), 0);
+  ASSERT_EQ(TVKsetintparam(env_, TVK_PARAM_LPMETHOD, 1), 0);
+  ProbHandle lp = load(model);
+  EXPECT_EQ(TVKprimopt(env_, lp), 0);
+  EXPECT_FALSE(iterations.contains(TVKgetitcnt(env_, lp)));  // ... which is not that of the primal alone
 }
 
 TEST_F(Optimize, MethodsAndStarts) {
