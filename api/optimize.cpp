@@ -8,7 +8,6 @@
 #include "lp/run/simplex_run.h"
 
 using namespace tovik;
-using lp::simplex::Method;
 
 namespace {
 

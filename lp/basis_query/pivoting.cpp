@@ -42,7 +42,7 @@ bool exchange(simplex::Core& core, int entering, int position, SparseVector& col
   row.want_pack = true;
   core.btran(row, core.row_ep_density);
   row.want_pack = false;
-  core.exchange(entering, position, 0);
+  core.change_basis(entering, position, 0);
   if (core.factor.update(column, row, position) && !core.factor.wants_rebuild()) return true;
   return core.refactor() != simplex::FactorState::singular;
 }
@@ -65,7 +65,7 @@ void adopt(Problem& problem, BasisView& view) {
 
 /* Basis, values and duals to come back to between branches. */
 struct Snapshot {
-  std::vector<simplex::At> status;
+  std::vector<BasisStatus> status;
   explicit Snapshot(const simplex::Core& core) : status(core.basis_status()) {}
 };
 

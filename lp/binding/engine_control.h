@@ -4,7 +4,7 @@
 
 #include "env/environment.h"
 #include "env/problem.h"
-#include "lp/linalg/control.h"
+#include "lp/base/control.h"
 
 namespace tovik::lp::run {
 

@@ -10,9 +10,9 @@
 #include <span>
 #include <vector>
 
+#include "lp/base/sparse_vector.h"
 #include "lp/factor/lu.h"
 #include "lp/factor/solver.h"
-#include "lp/linalg/sparse_vector.h"
 
 namespace tovik::lp::factor {
 

@@ -9,10 +9,10 @@
 
 #include <cstdint>
 
+#include "lp/base/sparse_vector.h"
 #include "lp/factor/factor.h"
 #include "lp/factor/lu.h"
 #include "lp/factor/workspace.h"
-#include "lp/linalg/sparse_vector.h"
 
 namespace tovik::lp::factor {
 

@@ -1,8 +1,8 @@
 /* Forrest-Tomlin update (Math. Programming 2, 1972) in the slot numbering of lu.h. */
 #pragma once
 
+#include "lp/base/sparse_vector.h"
 #include "lp/factor/lu.h"
-#include "lp/linalg/sparse_vector.h"
 
 namespace tovik::lp::factor {
 

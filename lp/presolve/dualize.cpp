@@ -89,26 +89,26 @@ void place_column(const LpData& primal, const DualForm& dual, const Point& solut
   const int row = dual.row_of[j], excess = dual.excess_of[j];
   const bool high = at_upper(primal, dual, j);
   const bool free = primal.lower[j] == -kInf && primal.upper[j] == kInf;
-  const At resting = free ? At::free : high ? At::upper : At::lower;
-  if (row < 0 || solution.row[row] == At::basic) {
+  const BasisStatus resting = free ? BasisStatus::free : high ? BasisStatus::upper : BasisStatus::lower;
+  if (row < 0 || solution.row[row] == BasisStatus::basic) {
     point.column[j] = resting;
     point.x[j] = dual.reference[j];
-  } else if (excess >= 0 && solution.column[excess] == At::basic) {
-    point.column[j] = high ? At::lower : At::upper;
+  } else if (excess >= 0 && solution.column[excess] == BasisStatus::basic) {
+    point.column[j] = high ? BasisStatus::lower : BasisStatus::upper;
     point.x[j] = high ? primal.lower[j] : primal.upper[j];
   } else {
-    point.column[j] = At::basic;
+    point.column[j] = BasisStatus::basic;
     point.x[j] = dual.reference[j] - solution.y[row];
   }
 }
 
 void place_row(const LpData& primal, const DualForm& dual, const Point& solution, int i, Point& point) {
   const int low = dual.low_of[i], high = dual.high_of[i];
-  const bool low_basic = low >= 0 && solution.column[low] == At::basic;
-  const bool high_basic = high >= 0 && solution.column[high] == At::basic;
-  point.row[i] = low_basic ? At::lower : high_basic ? At::upper : At::basic;
+  const bool low_basic = low >= 0 && solution.column[low] == BasisStatus::basic;
+  const bool high_basic = high >= 0 && solution.column[high] == BasisStatus::basic;
+  point.row[i] = low_basic ? BasisStatus::lower : high_basic ? BasisStatus::upper : BasisStatus::basic;
   if (low_basic && primal.row_lower[i] == primal.row_upper[i])
-    point.row[i] = Undo::side(At::lower, point.y[i]);
+    point.row[i] = Undo::side(BasisStatus::lower, point.y[i]);
 }
 
 }  // namespace
@@ -156,7 +156,7 @@ Point undualize(const LpData& primal, const DualForm& dual, const Point& solutio
     double d = primal.cost[j];
     for (int k = primal.matrix.start[j]; k < primal.matrix.start[j + 1]; ++k)
       d -= primal.matrix.value[k] * point.y[primal.matrix.index[k]];
-    point.d[j] = point.column[j] == At::basic ? 0 : d;
+    point.d[j] = point.column[j] == BasisStatus::basic ? 0 : d;
     if (primal.lower[j] == primal.upper[j]) point.column[j] = Undo::side(point.column[j], d);
   }
   return point;

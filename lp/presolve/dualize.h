@@ -18,7 +18,7 @@
 
 #include <vector>
 
-#include "lp/linalg/lp_data.h"
+#include "lp/base/lp_data.h"
 #include "lp/presolve/undo.h"
 
 namespace tovik::lp::presolve {

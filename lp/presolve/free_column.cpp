@@ -81,9 +81,9 @@ void undo_free_column(const FreeColumn& record, Undo& undo) {
   undo.each_entry(record.entries, s, [&](int r, double a) { y.subtract(a * p.y[r]); });
   p.x[s] = x / pivot;
   p.d[s] = 0;
-  p.column[s] = At::basic;
+  p.column[s] = BasisStatus::basic;
   p.y[i] = y.value() / pivot;
-  p.row[i] = Undo::side(At::lower, p.y[i]);
+  p.row[i] = Undo::side(BasisStatus::lower, p.y[i]);
 }
 
 bool form_of_free_column(const FreeColumn& record, LinearForm& form) {

@@ -8,7 +8,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "lp/linalg/lp_data.h"
+#include "lp/base/lp_data.h"
 
 namespace tovik::lp::presolve {
 

@@ -17,9 +17,9 @@ Point spread(const LpData& original, const Reduction& reduction, const Point& re
   Point point;
   point.x.assign(columns, 0.0);
   point.d.assign(columns, 0.0);
-  point.column.assign(columns, At::free);
+  point.column.assign(columns, BasisStatus::free);
   point.y.assign(rows, 0.0);
-  point.row.assign(rows, At::basic);
+  point.row.assign(rows, BasisStatus::basic);
   for (size_t k = 0; k < reduction.column_map.size(); ++k) {
     const int j = reduction.column_map[k];
     point.x[j] = reduced.x[k];
@@ -90,11 +90,11 @@ std::vector<double> carry_proof(const LpData& original, const Reduction& reducti
   Point reduced;
   reduced.x.assign(lp.cost.size(), 0.0);
   reduced.d.assign(lp.cost.size(), 0.0);
-  reduced.column.assign(lp.cost.size(), At::lower);
+  reduced.column.assign(lp.cost.size(), BasisStatus::lower);
   reduced.y = multipliers;
-  reduced.row.assign(lp.row_lower.size(), At::basic);
+  reduced.row.assign(lp.row_lower.size(), BasisStatus::basic);
   for (size_t k = 0; k < reduced.y.size(); ++k) {
-    if (reduced.y[k] != 0) reduced.row[k] = reduced.y[k] > 0 ? At::lower : At::upper;
+    if (reduced.y[k] != 0) reduced.row[k] = reduced.y[k] > 0 ? BasisStatus::lower : BasisStatus::upper;
   }
   const Matrix& matrix = lp.matrix;
   for (int j = 0; j < matrix.columns; ++j) {
@@ -102,7 +102,7 @@ std::vector<double> carry_proof(const LpData& original, const Reduction& reducti
     for (int k = matrix.start[j]; k < matrix.start[j + 1]; ++k)
       d.subtract(matrix.value[k] * reduced.y[matrix.index[k]]);
     reduced.d[j] = d.value();
-    reduced.column[j] = Undo::side(At::lower, reduced.d[j]);
+    reduced.column[j] = Undo::side(BasisStatus::lower, reduced.d[j]);
   }
   Point point = spread(original, reduction, reduced);
   Undo undo{original, point, true};

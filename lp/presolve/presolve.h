@@ -8,8 +8,8 @@
 
 #include <vector>
 
-#include "lp/linalg/control.h"
-#include "lp/linalg/lp_data.h"
+#include "lp/base/control.h"
+#include "lp/base/lp_data.h"
 #include "lp/presolve/settings.h"
 #include "lp/presolve/stack.h"
 #include "lp/presolve/undo.h"

@@ -62,17 +62,17 @@ bool remove_singleton_row(Workspace& ws, int i) {
 void undo_singleton_row(const SingletonRow& record, Undo& undo) {
   const auto& [i, j, tighter_lower, tighter_upper, collapsed, a] = record;
   Point& p = undo.point;
-  At at = p.column[j];
-  if (collapsed && at != At::basic)
+  BasisStatus at = p.column[j];
+  if (collapsed && at != BasisStatus::basic)
     p.column[j] = at = Undo::own_side(at, p.d[j], tighter_lower, tighter_upper);
-  if ((at == At::lower && tighter_lower) || (at == At::upper && tighter_upper)) {
+  if ((at == BasisStatus::lower && tighter_lower) || (at == BasisStatus::upper && tighter_upper)) {
     p.y[i] = p.d[j] / a;
     p.d[j] = 0;
-    p.row[i] = (at == At::lower) == (a > 0) ? At::lower : At::upper;
-    p.column[j] = At::basic;
+    p.row[i] = (at == BasisStatus::lower) == (a > 0) ? BasisStatus::lower : BasisStatus::upper;
+    p.column[j] = BasisStatus::basic;
   } else {
     p.y[i] = 0;
-    p.row[i] = At::basic;
+    p.row[i] = BasisStatus::basic;
   }
 }
 

@@ -8,7 +8,6 @@ namespace tovik::lp::run {
 namespace {
 
 using presolve::Fate;
-using simplex::At;
 
 std::vector<double> times(double sign, std::vector<double> values) {
   if (sign < 0) {
@@ -27,8 +26,8 @@ presolve::Point loose_point(const LpData& reduced) {
   point.x.assign(reduced.cost.size(), 0.0);
   point.d.assign(reduced.cost.size(), 0.0);
   point.y.assign(reduced.row_lower.size(), 0.0);
-  point.column.assign(reduced.cost.size(), At::basic);
-  point.row.assign(reduced.row_lower.size(), At::basic);
+  point.column.assign(reduced.cost.size(), BasisStatus::basic);
+  point.row.assign(reduced.row_lower.size(), BasisStatus::basic);
   return point;
 }
 
@@ -74,13 +73,14 @@ std::vector<double> uncrush_pi(const Presolved& presolved, const double* pi) {
   const LpData& lp = presolved.reduction.lp;
   presolve::Point point = loose_point(lp);
   point.y = times(presolved.sign, copy(pi, point.y.size()));
-  for (size_t i = 0; i < point.y.size(); ++i) point.row[i] = presolve::Undo::side(At::basic, point.y[i]);
+  for (size_t i = 0; i < point.y.size(); ++i)
+    point.row[i] = presolve::Undo::side(BasisStatus::basic, point.y[i]);
   for (int j = 0; j < lp.num_columns(); ++j) {
     presolve::CleanSum d(lp.cost[j]);
     for (int k = lp.matrix.start[j]; k < lp.matrix.start[j + 1]; ++k)
       d.subtract(lp.matrix.value[k] * point.y[lp.matrix.index[k]]);
     point.d[j] = d.value();
-    point.column[j] = presolve::Undo::side(At::basic, point.d[j]);
+    point.column[j] = presolve::Undo::side(BasisStatus::basic, point.d[j]);
   }
   return times(presolved.sign, presolve::postsolve(presolved.original, presolved.reduction, point).y);
 }

@@ -19,7 +19,7 @@ namespace {
 using presolve::Finding;
 
 /* A column whose own bounds cross needs no multipliers. */
-bool own_bounds_cross(const Presolved& record, double tolerance, simplex::FarkasProof& proof) {
+bool own_bounds_cross(const Presolved& record, double tolerance, FarkasProof& proof) {
   const presolve::Verdict& verdict = record.reduction.verdict;
   if (verdict.finding != Finding::column_bounds_cross) return false;
   const double gap = record.original.lower[verdict.column] - record.original.upper[verdict.column];
@@ -126,13 +126,13 @@ Presolved* kept_record(const Problem& problem) {
   return static_cast<Presolved*>(problem.presolve.get());
 }
 
-bool proves_infeasible(const LpData& original, std::vector<double> multipliers, simplex::FarkasProof& proof) {
+bool proves_infeasible(const LpData& original, std::vector<double> multipliers, FarkasProof& proof) {
   if (multipliers.empty()) return false;
   const Matrix& matrix = original.matrix;
   const auto each = [&matrix](int j, auto f) {
     for (int k = matrix.start[j]; k < matrix.start[j + 1]; ++k) f(matrix.index[k], matrix.value[k]);
   };
-  return simplex::verify_farkas(original, each, std::move(multipliers), proof);
+  return verify_farkas(original, each, std::move(multipliers), proof);
 }
 
 }  // namespace tovik::lp::run

@@ -43,15 +43,15 @@ class Follower {
 };
 
 /* The lines that have come, in the engine's form. */
-simplex::Reshape reshape_of(const Problem& problem) {
+simplex::ModelEdit edit_of(const Problem& problem) {
   const model::Model& model = *problem.model;
   const Journal& journal = problem.journal;
   const double sign = model.objective_sense();
   const int first_column = model.num_columns() - journal.columns().added();
   const int first_row = model.num_rows() - journal.rows().added();
-  simplex::Reshape change;
-  change.rows_gone = journal.rows().gone();
-  change.columns_gone = journal.columns().gone();
+  simplex::ModelEdit change;
+  change.deleted_rows = journal.rows().gone();
+  change.deleted_columns = journal.columns().gone();
   change.columns.rows = model.num_rows();
   change.columns.columns = journal.columns().added();
   change.rows.rows = first_column;
@@ -91,7 +91,7 @@ bool follow_structure(Problem& problem, LiveSimplex& live) {
       mostly_new(journal.columns().added(), problem.columns()))
     return false;
   live.norms_are_told = false;
-  return live.solver.reshape(reshape_of(problem));
+  return live.solver.edit(edit_of(problem));
 }
 
 void follow_values(Problem& problem, LiveSimplex& live) {
@@ -109,7 +109,7 @@ void follow_values(Problem& problem, LiveSimplex& live) {
   journal.clear();
 }
 
-simplex::At column_at(int status) {
+BasisStatus column_at(int status) {
   switch (status) {
     case TVK_BASIC:
       return simplex::At::basic;
@@ -118,7 +118,7 @@ simplex::At column_at(int status) {
     case TVK_FREE_SUPER:
       return simplex::At::free;
     default:
-      return simplex::At::lower;
+      return BasisStatus::lower;
   }
 }
 
@@ -154,28 +154,28 @@ void install_start(Environment& env, Problem& problem, LiveSimplex& live) {
   install_basis(problem, live);
 }
 
-BasisStatus starting_basis(const Problem& problem) {
+StartStatuses starting_basis(const Problem& problem) {
   const model::Model& model = *problem.model;
   const Start& start = problem.start;
-  BasisStatus basis;
-  basis.column.assign(static_cast<size_t>(model.num_columns()), simplex::At::lower);
-  basis.row.assign(static_cast<size_t>(model.num_rows()), simplex::At::basic);
+  StartStatuses basis;
+  basis.column.assign(static_cast<size_t>(model.num_columns()), BasisStatus::lower);
+  basis.row.assign(static_cast<size_t>(model.num_rows()), BasisStatus::basic);
   for (size_t j = 0; j < basis.column.size() && j < start.column_status.size(); ++j)
     basis.column[j] = column_at(start.column_status[j]);
   for (size_t i = 0; i < basis.row.size() && i < start.row_status.size(); ++i) {
-    const simplex::At at = column_at(start.row_status[i]);
+    const BasisStatus at = column_at(start.row_status[i]);
     // A row's status says on which side of its range it stands; rows with one side have but one place.
     const char sense = model.sense()[i];
-    basis.row[i] = at == simplex::At::basic || sense == 'R' ? at
-                   : sense == 'L'                           ? simplex::At::upper
-                                                            : simplex::At::lower;
+    basis.row[i] = at == BasisStatus::basic || sense == 'R' ? at
+                   : sense == 'L'                           ? BasisStatus::upper
+                                                            : BasisStatus::lower;
   }
   return basis;
 }
 
 void install_basis(Problem& problem, LiveSimplex& live) {
   if (live.start_is_mine) return;
-  const BasisStatus basis = starting_basis(problem);
+  const StartStatuses basis = starting_basis(problem);
   live.solver.set_basis(basis.column, basis.row);
   if (!problem.norms.dual.empty() && problem.norms.dual.size() == problem.norms.head.size()) {
     std::vector<int> head(problem.norms.head);
@@ -235,13 +235,13 @@ StartIs judge_start(Environment& env, Problem& problem) {
   if (!follow_structure(problem, *live)) return StartIs::unknown;
   live->solver.set_options(engine_options(env));
   follow_values(problem, *live);
-  const simplex::Standing::State state = live->solver.standing();
+  const simplex::Reoptimization::State state = live->solver.standing();
   guard.arrived();
   switch (state) {
-    case simplex::Standing::State::optimal:
-    case simplex::Standing::State::primal_feasible:
+    case simplex::Reoptimization::State::optimal:
+    case simplex::Reoptimization::State::primal_feasible:
       return StartIs::feasible;
-    case simplex::Standing::State::primal_infeasible:
+    case simplex::Reoptimization::State::primal_infeasible:
       return StartIs::infeasible;
     default:
       return StartIs::unknown;

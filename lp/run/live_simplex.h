@@ -48,10 +48,10 @@ void install_start(Environment& env, Problem& problem, LiveSimplex& live);
 void install_basis(Problem& problem, LiveSimplex& live);
 
 /* The starting basis as engines see it: a row's status is that of its activity. */
-struct BasisStatus {
-  std::vector<simplex::At> column, row;
+struct StartStatuses {
+  std::vector<BasisStatus> column, row;
 };
-BasisStatus starting_basis(const Problem& problem);
+StartStatuses starting_basis(const Problem& problem);
 
 /* The engine if there is one that is up to date with a solved problem, else null. */
 LiveSimplex* current_simplex(Problem& problem);

@@ -19,8 +19,6 @@
 namespace tovik::lp::run {
 namespace {
 
-using simplex::Outcome;
-
 Outcome outcome_of(Stop stop) {
   switch (stop) {
     case Stop::time_limit:
@@ -32,7 +30,7 @@ Outcome outcome_of(Stop stop) {
   }
 }
 
-presolve::Point point_of(simplex::Answer answer) {
+presolve::Point point_of(Answer answer) {
   return {std::move(answer.x), std::move(answer.d), std::move(answer.y), std::move(answer.column_status),
           std::move(answer.row_status)};
 }
@@ -65,7 +63,7 @@ class PresolvedRun {
                    : solve_original();
       case Outcome::unbounded:
         bring_back();
-        return go_on(simplex::Method::primal);
+        return go_on(Method::primal);
       case Outcome::infeasible_or_unbounded:
       case Outcome::singular:
       case Outcome::trouble:
@@ -181,7 +179,7 @@ class PresolvedRun {
 
   /* The problem's starting basis in the reduced problem; the engine completes and repairs it. */
   void install_crushed(simplex::Solver& solver) const {
-    BasisStatus basis = starting_basis(problem_);
+    StartStatuses basis = starting_basis(problem_);
     const presolve::Basis crushed =
         presolve::crush_basis(record_->reduction, {std::move(basis.column), std::move(basis.row)});
     solver.set_basis(crushed.column, crushed.row);
@@ -189,7 +187,7 @@ class PresolvedRun {
 
   /* answer_ becomes the answer to the problem itself. */
   void bring_back() {
-    const simplex::Method moved = answer_.method;
+    const Method moved = answer_.method;
     const LpData& lp = record_->original;
     answer_ = complete_point(lp, presolve::postsolve(lp, record_->reduction, point_of(std::move(answer_))));
     answer_.method = moved;
@@ -218,11 +216,11 @@ class PresolvedRun {
     presolve::Point point;
     point.x.assign(lp.cost.size(), 0.0);
     point.y.assign(lp.row_lower.size(), 0.0);
-    point.row.assign(lp.row_lower.size(), simplex::At::basic);
+    point.row.assign(lp.row_lower.size(), BasisStatus::basic);
     for (int j = 0; j < lp.num_columns(); ++j)
-      point.column.push_back(lp.lower[j] > -kInf  ? simplex::At::lower
-                             : lp.upper[j] < kInf ? simplex::At::upper
-                                                  : simplex::At::free);
+      point.column.push_back(lp.lower[j] > -kInf  ? BasisStatus::lower
+                             : lp.upper[j] < kInf ? BasisStatus::upper
+                                                  : BasisStatus::free);
     answer_ = complete_point(lp, std::move(point));
     answer_.method = algorithm_.method;
     answer_.farkas = record_->proof.multipliers;
@@ -231,7 +229,7 @@ class PresolvedRun {
   }
 
   /* From the point that was brought back. */
-  Status go_on(simplex::Method method) {
+  Status go_on(Method method) {
     leave_engine();
     own_record_.reset();
     const simplex::Counters counters = beginning_.counters;
@@ -262,7 +260,7 @@ class PresolvedRun {
   Beginning beginning_;
   std::unique_ptr<Presolved> own_record_;
   Presolved* record_;  // the one that the problem keeps, or own_record_
-  simplex::Answer answer_;
+  Answer answer_;
 };
 
 }  // namespace

@@ -14,15 +14,15 @@
 namespace tovik::lp::run {
 namespace {
 
-int start_code(simplex::At at) {
+int start_code(BasisStatus at) {
   return static_cast<int>(at);
 }
 
 /* Row statuses as users write them: 0 for a row standing at its right-hand side; 0 or 2 for the lower or
  * upper end of a ranged row. */
-int row_start_code(simplex::At at, char sense) {
-  if (at == simplex::At::basic || sense == 'R') return start_code(at);
-  return start_code(simplex::At::lower);
+int row_start_code(BasisStatus at, char sense) {
+  if (at == BasisStatus::basic || sense == 'R') return start_code(at);
+  return start_code(BasisStatus::lower);
 }
 
 /* The user's signs; never -0. */
@@ -32,7 +32,7 @@ double times(double sign, double value) {
 
 }  // namespace
 
-int status_code(simplex::Outcome outcome, bool unscaled_infeasible) {
+int status_code(Outcome outcome, bool unscaled_infeasible) {
   switch (outcome) {
     case simplex::Outcome::optimal:
       return unscaled_infeasible ? TVK_STATUS_OPTIMAL_UNSCALED_INFEASIBLE : TVK_STATUS_OPTIMAL;
@@ -62,7 +62,7 @@ namespace {
 /* Writes entries of an answer into arrays that have its size. */
 class AnswerWriter {
  public:
-  AnswerWriter(const model::Model& model, const simplex::Answer& answer, Solution& solution, Start& start)
+  AnswerWriter(const model::Model& model, const Answer& answer, Solution& solution, Start& start)
       : sign_(model.objective_sense()),
         rhs_(model.rhs()),
         sense_(model.sense()),
@@ -101,14 +101,13 @@ class AnswerWriter {
   double sign_;
   std::span<const double> rhs_;
   std::span<const char> sense_;
-  const simplex::Answer& answer_;
+  const Answer& answer_;
   Solution& solution_;
   Start& start_;
 };
 
 /* All that is not one entry a row or column. */
-void write_summary(const simplex::Answer& answer, const simplex::Counters& counters, double sign,
-                   Solution& solution) {
+void write_summary(const Answer& answer, const simplex::Counters& counters, double sign, Solution& solution) {
   solution.objective = sign * answer.objective + 0.0;  // never -0
   solution.method = answer.method == simplex::Method::primal ? method_code::kPrimal : method_code::kDual;
   solution.has_basis = true;
@@ -121,7 +120,7 @@ void write_summary(const simplex::Answer& answer, const simplex::Counters& count
 }
 
 /* Gives arrays the sizes of the answer's; where memory is short nothing changes. */
-void fit(const simplex::Answer& answer, Solution& solution, Start& start) {
+void fit(const Answer& answer, Solution& solution, Start& start) {
   const auto each = [&](auto f) {
     f(solution.x, answer.x.size());
     f(solution.dj, answer.d.size());
@@ -153,7 +152,7 @@ void publish_in_place(Problem& problem, const simplex::Solver& solver) {
 
 }  // namespace
 
-void publish(Problem& problem, const simplex::Answer& answer, const simplex::Counters& counters) {
+void publish(Problem& problem, const Answer& answer, const simplex::Counters& counters) {
   auto solution = std::make_unique<Solution>();
   Start start;
   solution->x.resize(answer.x.size());
@@ -171,7 +170,7 @@ void publish(Problem& problem, const simplex::Answer& answer, const simplex::Cou
 }
 
 void publish(Problem& problem, simplex::Solver& solver) {
-  const simplex::Answer& answer = solver.answer();
+  const Answer& answer = solver.answer();
   const bool kept = problem.solution != nullptr && problem.solution->keeper == &solver &&
                     problem.start.keeper == &solver && answer.ray.empty() && answer.farkas.empty();
   if (kept) {

@@ -26,10 +26,10 @@ Status run_simplex(Environment& env, Problem& problem, const Algorithm& algorith
                    const Beginning& beginning = {});
 
 /* Status code of the public table. */
-int status_code(simplex::Outcome outcome, bool unscaled_infeasible);
+int status_code(Outcome outcome, bool unscaled_infeasible);
 
 /* Writes an answer for the problem's model into problem.solution and problem.start. */
-void publish(Problem& problem, const simplex::Answer& answer, const simplex::Counters& counters);
+void publish(Problem& problem, const Answer& answer, const simplex::Counters& counters);
 /* The same of an engine that stays: what it wrote before is changed in place, where that has changed. */
 void publish(Problem& problem, simplex::Solver& solver);
 

@@ -4,28 +4,26 @@
 #include <cmath>
 #include <utility>
 
-#include "lp/linalg/sum.h"
+#include "lp/base/sum.h"
 
 namespace tovik::lp::run {
 namespace {
 
-using simplex::At;
-
 /* Where a nonbasic variable must stand; what a status without a bound says is no place at all. */
-double place(At at, double lower, double upper) {
-  return at == At::lower ? lower : at == At::upper ? upper : 0.0;
+double place(BasisStatus at, double lower, double upper) {
+  return at == BasisStatus::lower ? lower : at == BasisStatus::upper ? upper : 0.0;
 }
 
 /* Nonbasics with equal bounds get the status that the simplex engine gives them, so that a basis compares
  * equal whichever way it was found. */
-void settle_fixed(At& at, At settled, double lower, double upper) {
-  if (at != At::basic && lower == upper) at = settled;
+void settle_fixed(BasisStatus& at, BasisStatus settled, double lower, double upper) {
+  if (at != BasisStatus::basic && lower == upper) at = settled;
 }
 
 }  // namespace
 
-simplex::Answer complete_point(const LpData& lp, presolve::Point point) {
-  simplex::Answer answer;
+Answer complete_point(const LpData& lp, presolve::Point point) {
+  Answer answer;
   const auto rows = static_cast<size_t>(lp.num_rows());
   const auto columns = static_cast<size_t>(lp.num_columns());
   answer.x = std::move(point.x);
@@ -37,12 +35,12 @@ simplex::Answer complete_point(const LpData& lp, presolve::Point point) {
   CompensatedSum objective;
   objective.add(lp.offset);
   for (size_t i = 0; i < rows; ++i)
-    settle_fixed(answer.row_status[i], At::upper, lp.row_lower[i], lp.row_upper[i]);
+    settle_fixed(answer.row_status[i], BasisStatus::upper, lp.row_lower[i], lp.row_upper[i]);
   for (size_t j = 0; j < columns; ++j) {
-    settle_fixed(answer.column_status[j], At::lower, lp.lower[j], lp.upper[j]);
-    const At at = answer.column_status[j];
+    settle_fixed(answer.column_status[j], BasisStatus::lower, lp.lower[j], lp.upper[j]);
+    const BasisStatus at = answer.column_status[j];
     const double bound = place(at, lp.lower[j], lp.upper[j]);
-    if (at != At::basic && at != At::free && !std::isinf(bound)) answer.x[j] = bound;
+    if (at != BasisStatus::basic && at != BasisStatus::free && !std::isinf(bound)) answer.x[j] = bound;
     CompensatedSum d;
     d.add(lp.cost[j]);
     for (int k = lp.matrix.start[j]; k < lp.matrix.start[j + 1]; ++k) {
@@ -61,13 +59,13 @@ simplex::Answer complete_point(const LpData& lp, presolve::Point point) {
   return answer;
 }
 
-bool is_final(const LpData& lp, const simplex::Answer& answer, const simplex::Options& options) {
+bool is_final(const LpData& lp, const Answer& answer, const simplex::Options& options) {
   if (!(answer.violation.primal() <= options.primal_tolerance) ||
       !(answer.violation.dual <= options.dual_tolerance) || !std::isfinite(answer.objective))
     return false;
   int basics = 0;
-  const auto stands = [&](At at, double value, double lower, double upper) {
-    if (at == At::basic) return ++basics > 0;
+  const auto stands = [&](BasisStatus at, double value, double lower, double upper) {
+    if (at == BasisStatus::basic) return ++basics > 0;
     return std::fabs(value - place(at, lower, upper)) <= options.primal_tolerance;
   };
   for (int j = 0; j < lp.num_columns(); ++j) {

@@ -3,7 +3,7 @@
  */
 #pragma once
 
-#include "lp/linalg/lp_data.h"
+#include "lp/base/lp_data.h"
 #include "lp/presolve/undo.h"
 #include "lp/simplex/solver.h"
 
@@ -11,10 +11,10 @@ namespace tovik::lp::run {
 
 /* The point with its nonbasic columns put exactly on their bounds and activities, reduced costs, objective
  * and violations computed anew with compensated sums. */
-simplex::Answer complete_point(const LpData& lp, presolve::Point point);
+Answer complete_point(const LpData& lp, presolve::Point point);
 
 /* Whether the answer is an optimal basic solution within the tolerances: as many basics as rows, nonbasics
  * where their statuses say, bounds and signs kept. Does not look at the basis matrix. */
-bool is_final(const LpData& lp, const simplex::Answer& answer, const simplex::Options& options);
+bool is_final(const LpData& lp, const Answer& answer, const simplex::Options& options);
 
 }  // namespace tovik::lp::run

@@ -102,16 +102,16 @@ void Core::set_logical_basis() {
   update_basis_pattern();
 }
 
-void Core::set_basis(const std::vector<At>& status) {
+void Core::set_basis(const std::vector<BasisStatus>& status) {
   int basics = 0;
   for (int j = 0; j < total; ++j) {
-    if (status[j] == At::basic && basics < m) {
+    if (status[j] == BasisStatus::basic && basics < m) {
       nonbasic[j] = 0;
       move[j] = 0;
       head[basics++] = j;
     } else {
       nonbasic[j] = 1;
-      place_nonbasic(j, status[j] == At::upper ? -1 : status[j] == At::lower ? 1 : 0);
+      place_nonbasic(j, status[j] == BasisStatus::upper ? -1 : status[j] == BasisStatus::lower ? 1 : 0);
     }
   }
   for (int i = 0; i < m && basics < m; ++i) {
@@ -124,14 +124,14 @@ void Core::set_basis(const std::vector<At>& status) {
   update_basis_pattern();
 }
 
-At Core::status(int j) const {
-  if (!nonbasic[j]) return At::basic;
-  if (move[j] < 0 || (move[j] == 0 && lower[j] == -kInf && upper[j] != kInf)) return At::upper;
-  return is_free(j) ? At::free : At::lower;
+BasisStatus Core::status(int j) const {
+  if (!nonbasic[j]) return BasisStatus::basic;
+  if (move[j] < 0 || (move[j] == 0 && lower[j] == -kInf && upper[j] != kInf)) return BasisStatus::upper;
+  return is_free(j) ? BasisStatus::free : BasisStatus::lower;
 }
 
-std::vector<At> Core::basis_status() const {
-  std::vector<At> all(static_cast<size_t>(total));
+std::vector<BasisStatus> Core::basis_status() const {
+  std::vector<BasisStatus> all(static_cast<size_t>(total));
   for (int j = 0; j < total; ++j) all[j] = status(j);
   return all;
 }
@@ -158,7 +158,7 @@ void Core::use_original_costs() {
   costs_shifted = false;
 }
 
-void Core::exchange(int q, int p, int leaving_move) {
+void Core::change_basis(int q, int p, int leaving_move) {
   const int out = head[p];
   head[p] = q;
   nonbasic[q] = 0;
@@ -188,7 +188,7 @@ FactorState Core::refactor() {
   if (threshold > before + kRememberedRaise && counters.iterations > 0 && observer != nullptr) {
     char line[64];
     std::snprintf(line, sizeof line, "Markowitz threshold set to %g\n", threshold);
-    say(line);
+    log(line);
   }
   return state;
 }
@@ -212,7 +212,7 @@ FactorState Core::factor_basis() {
   if (repairs >= options.singular_limit) return FactorState::singular;
   ++repairs;
   threshold = raised(threshold);
-  say("Repairing basis singularity.\n");
+  log("Repairing basis singularity.\n");
   for (const factor::Exchange& e : factor.exchanges()) {
     const int out = e.removed;
     if (observer != nullptr) observer->removed_by_singularity(*this, out);
@@ -368,7 +368,7 @@ bool Core::must_stop(std::int64_t iteration_end, Outcome& outcome) {
   if (stop == Stop::none) {
     const bool at_limit = counters.iterations >= options.iteration_limit;
     if (at_limit || counters.iterations >= iteration_end) {
-      outcome = at_limit ? Outcome::iteration_limit : Outcome::trouble;
+      outcome = at_limit ? Outcome::iteration_limit : Outcome::numerical_failure;
       return true;
     }
     stop = control->poll();

@@ -16,10 +16,10 @@
 #include <span>
 #include <vector>
 
+#include "lp/base/control.h"
+#include "lp/base/lp_data.h"
+#include "lp/base/sparse_vector.h"
 #include "lp/factor/factor.h"
-#include "lp/linalg/control.h"
-#include "lp/linalg/lp_data.h"
-#include "lp/linalg/sparse_vector.h"
 #include "lp/simplex/observer.h"
 #include "lp/simplex/row_copy.h"
 #include "lp/simplex/types.h"
@@ -58,7 +58,7 @@ class EngineRandom {
 
 enum class FactorState { good, repaired, singular };
 
-struct Reshape;
+struct ModelEdit;
 
 class Core {
  public:
@@ -96,9 +96,9 @@ class Core {
   void set_logical_basis();  // all logicals basic, structurals at their nearest bound
   /* Takes statuses (size total); wrong numbers of basics are mended with logicals or by dropping. Forgets the
    * factor. */
-  void set_basis(const std::vector<At>& status);
-  std::vector<At> basis_status() const;
-  At status(int j) const;
+  void set_basis(const std::vector<BasisStatus>& status);
+  std::vector<BasisStatus> basis_status() const;
+  BasisStatus status(int j) const;
   /* Puts nonbasic j on the bound that `move` prefers or, when `prefer` is 0, the bound nearest to zero. Sets
    * move, value. */
   void place_nonbasic(int j, int prefer);
@@ -111,11 +111,11 @@ class Core {
   }
   /* Rows and columns go and come, in scaled space (see reshape.h). Keeps the factor unless rows do. The x of
    * new logicals and the d of new columns are left 0. */
-  void reshape(const Reshape& change);
+  void edit(const ModelEdit& change);
   std::vector<int> positions_of_logicals(std::span<const int> rows_of_logicals) const;  // ascending
   /* Bookkeeping of one basis change: q enters at position p, the leaving variable stands at its bound given
    * by out_move. */
-  void exchange(int q, int p, int leaving_move);
+  void change_basis(int q, int p, int leaving_move);
 
   // ---- factor ----
   /* Factors head. Singular bases are mended with logicals (the removed variables become nonbasic) while
@@ -135,7 +135,7 @@ class Core {
    */
   void price_unlisted(const SparseVector& rho, SparseVector& alpha);
   /* Writes a line of the display level 1 where somebody listens. */
-  void say(const char* line) {
+  void log(const char* line) {
     if (observer != nullptr) observer->text(line);
   }
   /* alpha_q = column q of [A I] into v (cleared first). */

@@ -16,7 +16,7 @@ constexpr double kSmallPivot =
     1e-7;  // pivots below this share of the row's largest ask for a fresh factor first
 constexpr double kBoxFree = 1000.0;  // bounds of free variables in the first phase
 constexpr int kRounds = 12;          // phase changes before giving up
-constexpr int kTroubles = 60;        // numerical rejections in a row before giving up
+constexpr int kMaxRejections = 60;   // numerical rejections in a row before giving up
 constexpr double kProgress = 1e-9;   // relative growth of the objective that counts as progress
 constexpr double kStrongestPerturbation = 1e4;
 constexpr double kByList = 0.4;  // columns with a smaller share of nonzeros are gone through by their list
@@ -29,7 +29,7 @@ double bound_product(double d, double low, double high) {
 }  // namespace
 
 Dual::Dual(Core& core) : core_(core) {
-  leaving_.resize(core.m);
+  pricing_rule_.resize(core.m);
   rho_.resize(core.m);
   alpha_column_.resize(core.m);
   flip_column_.resize(core.m);
@@ -70,11 +70,11 @@ void Dual::drop_implied_bounds() {
 void Dual::restore_costs() {
   if (!core_.costs_perturbed && !core_.costs_shifted) return;
   if (core_.costs_perturbed) {
-    core_.say("Removing perturbation.\n");
+    core_.log("Removing perturbation.\n");
   } else {
     char line[48];
     std::snprintf(line, sizeof line, "Removing shift (%d).\n", static_cast<int>(core_.counters.shifts));
-    core_.say(line);
+    core_.log(line);
   }
   core_.use_original_costs();
   core_.compute_dual();
@@ -92,7 +92,7 @@ void Dual::start_norms(const Settings& settings) {
   if (logical || !steepest || wanted != Pricing::steepest_edge) {
     norms_.reset(core_.m);
   } else {
-    core_.say("Initializing dual full norms . . .\n");
+    core_.log("Initializing dual full norms . . .\n");
     norms_.compute(core_, rho_);
   }
 }
@@ -107,9 +107,9 @@ bool Dual::near_optimal() {
 
 Outcome Dual::solve(const Settings& settings, std::int64_t iteration_budget) {
   iteration_end_ = core_.counters.iterations + iteration_budget;
-  trouble_count_ = 0;
+  rejections_ = 0;
   phase1_ = false;
-  leaving_.resize(core_.m);
+  pricing_rule_.resize(core_.m);
   core_.use_original_bounds();
   core_.use_original_costs();
   const bool fresh_basis = !core_.has_factor;
@@ -121,7 +121,7 @@ Outcome Dual::solve(const Settings& settings, std::int64_t iteration_budget) {
     if (settings.imply_bounds) box_ = imply_bounds(core_);
     if (settings.perturb) {
       perturb_costs(core_, perturb_scale_);
-      core_.say("Perturbation started.\n");
+      core_.log("Perturbation started.\n");
     }
   }
   core_.compute_dual();
@@ -133,7 +133,7 @@ Outcome Dual::solve(const Settings& settings, std::int64_t iteration_budget) {
       core_.compute_dual();
       clear_phase1_bounds();
       if (end == PhaseEnd::stopped) return stop_;
-      if (end == PhaseEnd::trouble) return Outcome::trouble;
+      if (end == PhaseEnd::numerical_failure) return Outcome::numerical_failure;
       if (core_.dual_infeasibility().count > 0) {
         if (!core_.costs_perturbed && !core_.costs_shifted) return Outcome::infeasible_or_unbounded;
         restore_costs();
@@ -143,7 +143,7 @@ Outcome Dual::solve(const Settings& settings, std::int64_t iteration_budget) {
     }
     const PhaseEnd end = run_phase();
     if (end == PhaseEnd::stopped) return stop_;
-    if (end == PhaseEnd::trouble) return Outcome::trouble;
+    if (end == PhaseEnd::numerical_failure) return Outcome::numerical_failure;
     if (end == PhaseEnd::unbounded) return Outcome::infeasible;
     if (end == PhaseEnd::optimal) {
       restore_costs();
@@ -159,21 +159,21 @@ Outcome Dual::solve(const Settings& settings, std::int64_t iteration_budget) {
     core_.compute_dual();
     clear_phase1_bounds();
   }
-  return Outcome::trouble;
+  return Outcome::numerical_failure;
 }
 
 Dual::PhaseEnd Dual::run_phase() {
   last_progress_iteration_ = core_.counters.iterations;
   last_progress_objective_ = -kInf;
   bool refactor = false;
-  bool keep_taboo = false;
+  bool keep_banned = false;
   for (;;) {
     if (!rebuild(refactor || !core_.has_factor)) {
       stop_ = Outcome::singular;
       return PhaseEnd::stopped;
     }
-    leaving_.rebuild(core_, norms_.view(), keep_taboo);
-    keep_taboo = false;
+    pricing_rule_.rebuild(core_, norms_.view(), keep_banned);
+    keep_banned = false;
     if (free_infeasible_ > 0 && !phase1_) return PhaseEnd::dual_infeasible;
     const std::int64_t before = core_.counters.iterations;
     Step step = Step::moved;
@@ -183,21 +183,21 @@ Dual::PhaseEnd Dual::run_phase() {
       if (step == Step::moved && wanted_ != Rebuild::none) break;
     }
     refactor = wanted_ == Rebuild::refactor;
-    if (core_.counters.iterations > before) trouble_count_ = 0;
+    if (core_.counters.iterations > before) rejections_ = 0;
     if (step == Step::moved) continue;
     if (step == Step::stopped) return PhaseEnd::stopped;
     if (step == Step::numerical) {
-      if (++trouble_count_ > kTroubles) return PhaseEnd::trouble;
-      if (trouble_count_ % 8 == 0)
+      if (++rejections_ > kMaxRejections) return PhaseEnd::numerical_failure;
+      if (rejections_ % 8 == 0)
         core_.threshold = std::min(0.9, core_.threshold < 0.1 ? 0.1 : core_.threshold + 0.2);
-      keep_taboo = leaving_.taboo_count() > 0 && core_.counters.iterations == before;
+      keep_banned = pricing_rule_.banned_count() > 0 && core_.counters.iterations == before;
       refactor = true;
       continue;
     }
     if (step == Step::no_leaving) {
       if (!fresh_) continue;  // look again with recomputed values
-      if (leaving_.taboo_count() == 0) return PhaseEnd::optimal;
-      if (++trouble_count_ > kTroubles) return PhaseEnd::trouble;
+      if (pricing_rule_.banned_count() == 0) return PhaseEnd::optimal;
+      if (++rejections_ > kMaxRejections) return PhaseEnd::numerical_failure;
       core_.threshold = std::min(0.9, core_.threshold < 0.1 ? 0.1 : core_.threshold + 0.2);
       refactor = true;
       continue;
@@ -217,7 +217,7 @@ bool Dual::rebuild(bool refactor) {
   core_.compute_dual();
   correct_duals();
   core_.compute_primal();
-  entering_.prepare(core_);
+  ratio_test_.prepare(core_);
   objective_ = dual_objective();
   wanted_ = Rebuild::none;
   fresh_ = true;
@@ -288,7 +288,7 @@ bool Dual::beyond_objective_limit() {
 
 int Dual::choose_row() {
   for (;;) {
-    const int p = leaving_.choose(core_, norms_.view());
+    const int p = pricing_rule_.choose(core_, norms_.view());
     if (p < 0) return p;
     rho_.clear();
     rho_.set_unit(p);
@@ -307,14 +307,14 @@ int Dual::choose_row() {
 Dual::Step Dual::iterate() {
   const int p = choose_row();
   if (p < 0) return Step::no_leaving;
-  DualEntering::Pick pick;
+  DualRatioTest::Pick pick;
   if (!price_and_choose(pick)) {
     if (!fresh_) {
       wanted_ = core_.factor.updates() > 0 ? Rebuild::refactor : Rebuild::recompute;
       return Step::moved;
     }
     if (phase1_) {  // cannot happen but for rounding: every column is boxed
-      leaving_.make_taboo(p);
+      pricing_rule_.ban(p);
       return Step::numerical;
     }
     if (prove_infeasible()) return Step::no_entering;
@@ -326,11 +326,11 @@ Dual::Step Dual::iterate() {
       wanted_ = Rebuild::recompute;
       return core_.dual_infeasibility().count > 0 ? Step::boxes_dropped : Step::moved;
     }
-    leaving_.make_taboo(p);
+    pricing_rule_.ban(p);
     ++core_.counters.rejected_pivots;
     return Step::moved;
   }
-  if (core_.factor.updates() > 0 && std::fabs(pick.alpha) < kSmallPivot * entering_.largest_alpha()) {
+  if (core_.factor.updates() > 0 && std::fabs(pick.alpha) < kSmallPivot * ratio_test_.largest_alpha()) {
     wanted_ = Rebuild::refactor;
     return Step::numerical;
   }
@@ -340,7 +340,7 @@ Dual::Step Dual::iterate() {
   const double size = std::min(std::fabs(by_column), std::fabs(pick.alpha));
   if (core_.factor.updates() > 0 ? gap > kPivotMismatch * size : gap > kFreshMismatch * size) {
     ++core_.counters.rejected_pivots;
-    if (core_.factor.updates() == 0) leaving_.make_taboo(p);
+    if (core_.factor.updates() == 0) pricing_rule_.ban(p);
     wanted_ = Rebuild::refactor;
     return Step::numerical;
   }
@@ -348,11 +348,11 @@ Dual::Step Dual::iterate() {
   return Step::moved;
 }
 
-bool Dual::price_and_choose(DualEntering::Pick& pick) {
+bool Dual::price_and_choose(DualRatioTest::Pick& pick) {
   alpha_row_.clear();
   core_.price_unlisted(rho_, alpha_row_);
-  entering_.load(core_, rho_, alpha_row_, delta_);
-  pick = entering_.choose(core_, delta_);
+  ratio_test_.load(core_, rho_, alpha_row_, delta_);
+  pick = ratio_test_.choose(core_, delta_);
   return pick.variable >= 0;
 }
 
@@ -368,9 +368,9 @@ void Dual::solve_columns(int entering) {
     tau_.copy(rho_);
     solves[count++] = {&tau_, &core_.dse_density};
   }
-  if (!entering_.flips().empty()) {
+  if (!ratio_test_.flips().empty()) {
     flip_column_.clear();
-    for (int j : entering_.flips())
+    for (int j : ratio_test_.flips())
       core_.add_column(j, core_.move[j] * (core_.work_upper[j] - core_.work_lower[j]), flip_column_);
     solves[count++] = {&flip_column_, &core_.flip_density};
   }
@@ -380,20 +380,20 @@ void Dual::solve_columns(int entering) {
 
 /* Moves the flipped variables to their other bounds. */
 void Dual::flip() {
-  for (int j : entering_.flips()) {
+  for (int j : ratio_test_.flips()) {
     objective_ += core_.d[j] * core_.move[j] * (core_.work_upper[j] - core_.work_lower[j]);
     core_.move[j] = static_cast<signed char>(-core_.move[j]);
     core_.value[j] = core_.move[j] > 0 ? core_.work_lower[j] : core_.work_upper[j];
   }
-  core_.counters.bound_flips += static_cast<std::int64_t>(entering_.flips().size());
+  core_.counters.bound_flips += static_cast<std::int64_t>(ratio_test_.flips().size());
 }
 
-void Dual::apply(int p, const DualEntering::Pick& pick) {
+void Dual::apply(int p, const DualRatioTest::Pick& pick) {
   const int q = pick.variable;
   const int out = core_.head[p];
   const int leaving_move = delta_ < 0 ? 1 : -1;
   const double bound = leaving_move > 0 ? core_.x_lower[p] : core_.x_upper[p];
-  if (!entering_.flips().empty()) {
+  if (!ratio_test_.flips().empty()) {
     flip();
     update_values(-1, 1.0);
     delta_ = core_.x[p] - bound;
@@ -411,10 +411,10 @@ void Dual::apply(int p, const DualEntering::Pick& pick) {
     norms_.update_devex(p, alpha_column_, pivot);
   }
   update_values(p, step);
-  core_.exchange(q, p, leaving_move);
+  core_.change_basis(q, p, leaving_move);
   core_.x[p] = entering_value;
-  leaving_.set(
-      p, DualLeaving::violation2(entering_value, core_.x_lower[p], core_.x_upper[p], core_.primal_tolerance),
+  pricing_rule_.set(
+      p, DualPricing::violation2(entering_value, core_.x_lower[p], core_.x_upper[p], core_.primal_tolerance),
       norms_.view()[p]);
   if (!core_.factor.update(alpha_column_, rho_, p)) {
     core_.has_factor = false;
@@ -443,8 +443,8 @@ void Dual::apply(int p, const DualEntering::Pick& pick) {
 
 void Dual::update_duals(double theta) {
   if (theta == 0) return;
-  const std::span<const int> index = entering_.row_index();
-  const std::span<const double> alpha = entering_.row_alpha();
+  const std::span<const int> index = ratio_test_.row_index();
+  const std::span<const double> alpha = ratio_test_.row_alpha();
   const size_t size = index.size();
   const double tolerance = core_.dual_tolerance;
   for (size_t k = 0; k < size; ++k) {
@@ -466,8 +466,8 @@ void Dual::update_values(int p, double step) {
       const int i = column.index[k];
       const double value = core_.x[i] - step * column.array[i];
       core_.x[i] = value;
-      leaving_.set(i, DualLeaving::violation2(value, core_.x_lower[i], core_.x_upper[i], tolerance),
-                   weight[i]);
+      pricing_rule_.set(i, DualPricing::violation2(value, core_.x_lower[i], core_.x_upper[i], tolerance),
+                        weight[i]);
     }
     core_.charge(3 * static_cast<std::int64_t>(column.count));
     return;
@@ -475,7 +475,7 @@ void Dual::update_values(int p, double step) {
   const double* const change = column.array.data();
   double* const x = core_.x.data();
   for (int i = 0; i < core_.m; ++i) x[i] -= step * change[i];
-  leaving_.set_all(core_, norms_.view());
+  pricing_rule_.set_all(core_, norms_.view());
   core_.charge(2 * static_cast<std::int64_t>(core_.m));
 }
 
@@ -503,7 +503,7 @@ void Dual::watch_progress() {
   last_progress_iteration_ = core_.counters.iterations;
   if (perturb_scale_ >= kStrongestPerturbation) return;
   perturb_scale_ *= 10;
-  core_.say(core_.costs_perturbed ? "Reperturbation started.\n" : "Perturbation started.\n");
+  core_.log(core_.costs_perturbed ? "Reperturbation started.\n" : "Perturbation started.\n");
   perturb_costs(core_, perturb_scale_);
   if (wanted_ == Rebuild::none) wanted_ = Rebuild::recompute;
 }

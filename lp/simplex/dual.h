@@ -14,9 +14,9 @@
 #include <vector>
 
 #include "lp/simplex/core.h"
-#include "lp/simplex/dual_entering.h"
-#include "lp/simplex/dual_leaving.h"
 #include "lp/simplex/dual_norms.h"
+#include "lp/simplex/dual_pricing.h"
+#include "lp/simplex/dual_ratio_test.h"
 #include "lp/simplex/implied_bounds.h"
 #include "lp/simplex/observer.h"
 
@@ -43,16 +43,16 @@ class Dual {
  private:
   enum class Step { moved, no_leaving, no_entering, boxes_dropped, numerical, stopped };
   enum class Rebuild { none, recompute, refactor };
-  enum class PhaseEnd { optimal, dual_infeasible, unbounded, stopped, trouble };
+  enum class PhaseEnd { optimal, dual_infeasible, unbounded, stopped, numerical_failure };
 
   PhaseEnd run_phase();
   bool rebuild(bool refactor);  // false: give up (singular beyond repair)
   Step iterate();
   int choose_row();
-  bool price_and_choose(DualEntering::Pick& pick);
+  bool price_and_choose(DualRatioTest::Pick& pick);
   void solve_columns(int entering);
   void flip();
-  void apply(int p, const DualEntering::Pick& pick);
+  void apply(int p, const DualRatioTest::Pick& pick);
   void update_duals(double theta);
   void update_values(int p, double step);
   void correct_duals();
@@ -71,8 +71,8 @@ class Dual {
 
   Core& core_;
   DualNorms norms_;
-  DualLeaving leaving_;
-  DualEntering entering_;
+  DualPricing pricing_rule_;
+  DualRatioTest ratio_test_;
   SparseVector rho_, alpha_row_, alpha_column_, flip_column_, tau_;
   double delta_ = 0;
   double objective_ = 0;
@@ -80,10 +80,10 @@ class Dual {
   Pricing pricing_ = Pricing::steepest_edge;  // steepest edge, devex or plain (weights all 1)
   Rebuild wanted_ = Rebuild::none;
   bool fresh_ = false;  // nothing has changed since the last rebuild
-  Outcome stop_ = Outcome::trouble;
+  Outcome stop_ = Outcome::numerical_failure;
   std::int64_t iteration_end_ = 0;
   int free_infeasible_ = 0;  // dual infeasibilities that neither flip nor shift may mend
-  int trouble_count_ = 0;
+  int rejections_ = 0;
   std::int64_t last_progress_iteration_ = 0;
   double last_progress_objective_ = 0;
   double perturb_scale_ = 1;

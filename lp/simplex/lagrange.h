@@ -4,8 +4,8 @@
 
 #include <vector>
 
-#include "lp/linalg/control.h"
-#include "lp/linalg/lp_data.h"
+#include "lp/base/control.h"
+#include "lp/base/lp_data.h"
 
 namespace tovik::lp::simplex {
 

@@ -5,10 +5,10 @@
 
 namespace tovik::lp::simplex {
 namespace {
-constexpr int kTroubles = 60;          // numerical rejections in a row before giving up
+constexpr int kMaxRejections = 60;     // numerical rejections in a row before giving up
 constexpr int kRestores = 8;           // times that changed bounds are put back before giving up
 constexpr double kShiftLargest = 1e3;  // tolerances; second phase: smaller violations are mended by a shift
-constexpr double kAttraction = 1e-7;   // largest tolerance of attraction
+constexpr double kAttraction = 1e-7;   // largest tolerance of dual_infeasibility
 constexpr double kTightest = 1e-9;     // least one: sharpens an optimum, completes a proof of infeasibility
 constexpr int kSharpenSteps = 100;     // iterations that sharpening may take, besides a share of those before
 constexpr double kSharpenShare = 0.05;
@@ -38,16 +38,16 @@ Primal::Primal(Core& core) : core_(core) {
 
 Outcome Primal::solve(std::int64_t iteration_budget) {
   iteration_end_ = core_.counters.iterations + iteration_budget;
-  trouble_count_ = 0;
+  rejections_ = 0;
   restores_ = 0;
   degeneracy_ = 0;
   degenerate_total_ = 0;
   progress_ = 0;
   progress_mark_ = core_.counters.iterations;
   perturb_scale_ = 0;
-  attraction_ = std::min(kAttraction, core_.dual_tolerance);
-  sharp_ = false;
-  sharpen_end_ = 0;
+  optimality_tolerance_ = std::min(kAttraction, core_.dual_tolerance);
+  tightened_ = false;
+  tighten_end_ = 0;
   start_ = marked_at_ = core_.counters.iterations;
   start_work_ = core_.total_work();
   marked_phase1_ = true;
@@ -62,8 +62,8 @@ Outcome Primal::solve(std::int64_t iteration_budget) {
   wanted_ = Rebuild::none;
   bounds_.restore(core_);
   core_.use_original_costs();
-  work_set_.start(core_);
-  pricing_.start(core_, work_set_.on());
+  partial_.start(core_);
+  pricing_.start(core_, partial_.on());
   if (core_.observer != nullptr)
     core_.observer->pricing(pricing_.kind() == PrimalPricing::Kind::steepest_edge, false);
   if (core_.options.perturb_always) perturb_scale_ = 1;
@@ -73,14 +73,14 @@ Outcome Primal::solve(std::int64_t iteration_budget) {
 Outcome Primal::run() {
   for (;;) {
     if (!rebuild()) return Outcome::singular;
-    if (stuck()) return Outcome::trouble;
+    if (stuck()) return Outcome::numerical_failure;
     const std::int64_t before = core_.counters.iterations;
     Step step = Step::moved;
     while (step == Step::moved && wanted_ == Rebuild::none) {
       if (check_limits()) return stop_;
       if (wanted_ == Rebuild::none) step = iterate();
     }
-    if (core_.counters.iterations > before) trouble_count_ = 0;
+    if (core_.counters.iterations > before) rejections_ = 0;
     switch (step) {
       case Step::moved:
         break;
@@ -89,8 +89,8 @@ Outcome Primal::run() {
       case Step::unbounded:
         return Outcome::unbounded;
       case Step::numerical:
-        if (++trouble_count_ > kTroubles && !end_sharpening()) return Outcome::trouble;
-        if (trouble_count_ % 8 == 0) core_.threshold = next_threshold(core_.threshold);
+        if (++rejections_ > kMaxRejections && !end_tightening()) return Outcome::numerical_failure;
+        if (rejections_ % 8 == 0) core_.threshold = next_threshold(core_.threshold);
         break;
       case Step::no_entering: {
         Outcome outcome;
@@ -101,7 +101,7 @@ Outcome Primal::run() {
   }
 }
 
-/* No column is attractive. Looks again on recomputed values, without distrusted columns, with the model's own
+/* No column is improving. Looks again on recomputed values, without distrusted columns, with the model's own
  * bounds. */
 bool Primal::settle_optimum(Outcome& outcome) {
   if (wanted_ == Rebuild::none) wanted_ = Rebuild::recompute;
@@ -110,49 +110,49 @@ bool Primal::settle_optimum(Outcome& outcome) {
     bounds_.restore(core_);
     phase1_ = true;  // the phase is decided anew, without shifts
     perturb_scale_ = 0;
-    outcome = Outcome::trouble;
+    outcome = Outcome::numerical_failure;
     return ++restores_ > kRestores;
   }
-  if (pricing_.taboo_count() > 0) {
-    pricing_.clear_taboo();
-    if (end_sharpening()) return false;
-    accept_small_ = trouble_count_ > 0;
+  if (pricing_.banned_count() > 0) {
+    pricing_.clear_banned();
+    if (end_tightening()) return false;
+    accept_small_ = rejections_ > 0;
     core_.threshold = next_threshold(core_.threshold);
     wanted_ = Rebuild::refactor;
-    outcome = Outcome::trouble;
-    return ++trouble_count_ > 5;
+    outcome = Outcome::numerical_failure;
+    return ++rejections_ > 5;
   }
   if (!phase1_) {
     outcome = Outcome::optimal;
-    return !sharpen();
+    return !tighten_dual_tolerance();
   }
   if (prove_infeasible()) {
     outcome = Outcome::infeasible;
     return true;
   }
-  outcome = Outcome::trouble;
-  if (attraction_ <= kTightest) return true;
-  attraction_ = std::max(kTightest, 0.01 * attraction_);
+  outcome = Outcome::numerical_failure;
+  if (optimality_tolerance_ <= kTightest) return true;
+  optimality_tolerance_ = std::max(kTightest, 0.01 * optimality_tolerance_);
   return false;
 }
 
 /* An optimum within the tolerance may be far in its objective when many small reduced costs meet long ranges:
  * a few steps with the tightest tolerance mend that. True while there is something left to do. */
-bool Primal::sharpen() {
+bool Primal::tighten_dual_tolerance() {
   const std::int64_t iterations = core_.counters.iterations;
-  if (sharp_ || attraction_ <= kTightest) return false;
-  attraction_ = kTightest;
-  sharpen_end_ = iterations + kSharpenSteps +
+  if (tightened_ || optimality_tolerance_ <= kTightest) return false;
+  optimality_tolerance_ = kTightest;
+  tighten_end_ = iterations + kSharpenSteps +
                  static_cast<std::int64_t>(kSharpenShare * static_cast<double>(iterations - start_));
   return true;
 }
 
 /* Back to the ordinary tolerance, for good; false when it is in force already. */
-bool Primal::end_sharpening() {
-  if (sharpen_end_ == 0 || sharp_) return false;
-  sharp_ = true;
-  trouble_count_ = 0;
-  attraction_ = std::min(kAttraction, core_.dual_tolerance);
+bool Primal::end_tightening() {
+  if (tighten_end_ == 0 || tightened_) return false;
+  tightened_ = true;
+  rejections_ = 0;
+  optimality_tolerance_ = std::min(kAttraction, core_.dual_tolerance);
   return true;
 }
 
@@ -174,7 +174,7 @@ bool Primal::stuck() {
 
 /* Puts the model's bounds and costs back and makes x and d belong to them. */
 Outcome Primal::finish(Outcome outcome) {
-  work_set_.finish(core_);
+  partial_.finish(core_);
   if (outcome == Outcome::singular) return outcome;
   const bool refactor = wanted_ == Rebuild::refactor || !core_.has_factor;
   if (refactor && core_.refactor() == FactorState::singular) return Outcome::singular;
@@ -214,16 +214,16 @@ bool Primal::rebuild() {
   if (perturb_scale_ > 0 && !bounds_.perturbing()) bounds_.perturb(core_, perturb_scale_);
   choose_phase();
   core_.compute_dual();
-  if (work_set_.on()) {
-    work_set_.reselect(core_, attraction_);
-    pricing_.limit_to(work_set_.universe());
+  if (partial_.on()) {
+    partial_.reselect(core_, optimality_tolerance_);
+    pricing_.limit_to(partial_.universe());
   }
   if (core_.counters.iterations - start_ >= kJudgePricing &&
       pricing_.too_costly(core_.total_work() - start_work_)) {
     pricing_.switch_to_devex(core_);
     if (core_.observer != nullptr) core_.observer->pricing(false, true);
   }
-  pricing_.refresh(core_, attraction_);
+  pricing_.refresh(core_, optimality_tolerance_);
   if (!phase1_) objective_ = core_.objective();
   fresh_ = true;
   return true;
@@ -252,7 +252,7 @@ void Primal::choose_phase() {
   } else if (costs_are_phase1_) {
     core_.use_original_costs();
     costs_are_phase1_ = false;
-    attraction_ = std::min(kAttraction, core_.dual_tolerance);
+    optimality_tolerance_ = std::min(kAttraction, core_.dual_tolerance);
   }
 }
 
@@ -278,7 +278,7 @@ bool Primal::check_limits() {
     wanted_ = Rebuild::recompute;
     return false;
   }
-  if (sharpen_end_ > 0 && iterations >= sharpen_end_ && end_sharpening()) {
+  if (tighten_end_ > 0 && iterations >= tighten_end_ && end_tightening()) {
     wanted_ = Rebuild::recompute;
     return false;
   }
@@ -302,7 +302,7 @@ void Primal::watch_degeneracy(double gain) {
     progress_ = 0;
     progress_mark_ = core_.counters.iterations;
   }
-  if (restores_ >= kPerturbedRestores || sharpen_end_ > 0) return;
+  if (restores_ >= kPerturbedRestores || tighten_end_ > 0) return;
   const int after = core_.options.perturb_after;
   const bool stalled = core_.counters.iterations - progress_mark_ > std::max(1000, core_.m / 2);
   if (bounds_.perturbing() ? !stalled

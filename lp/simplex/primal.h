@@ -5,7 +5,7 @@
  * bounds it minimizes the sum of infeasibilities (costs -1, +1 in place of the model's), then the model's
  * costs. Bounds of basic variables are widened when steps of length zero pile up. On return bounds and costs
  * are the model's own, and x and d belong to them, unless the factor broke down (Outcome::singular). optimal
- * no attractive column and no infeasible basic on recomputed values with the model's bounds and costs
+ * no improving column and no infeasible basic on recomputed values with the model's bounds and costs
  *   infeasible  first phase at its optimum, and infeasibility_duals() combines the rows to one that no point
  * can meet unbounded   the ray was checked against the model's bounds, matrix and costs trouble     the
  * budget ran out, or nothing could be proven The basis after `optimal` may hold nonbasic values between
@@ -17,10 +17,10 @@
 
 #include "lp/simplex/core.h"
 #include "lp/simplex/observer.h"
+#include "lp/simplex/partial_pricing.h"
 #include "lp/simplex/primal_bounds.h"
 #include "lp/simplex/primal_pricing.h"
-#include "lp/simplex/primal_ratio.h"
-#include "lp/simplex/primal_work_set.h"
+#include "lp/simplex/primal_ratio_test.h"
 
 namespace tovik::lp::simplex {
 
@@ -58,12 +58,12 @@ class Primal {
   void update_phase1_duals();
   void after_step(double step, int leaving, bool to_upper);
   void watch_degeneracy(double gain);
-  void distrust(int q);
+  void reject_pivot(int q);
   bool check_limits();
   Outcome finish(Outcome outcome);
   bool stuck();
-  bool sharpen();
-  bool end_sharpening();
+  bool tighten_dual_tolerance();
+  bool end_tightening();
   bool settle_optimum(Outcome& outcome);  // false: go on
   bool prove_infeasible();
   bool prove_unbounded();
@@ -71,9 +71,9 @@ class Primal {
 
   Core& core_;
   PrimalPricing pricing_;
-  PrimalRatio ratio_;
+  PrimalRatioTest ratio_;
   PrimalBounds bounds_;
-  PrimalWorkSet work_set_;
+  PartialPricing partial_;
   SparseVector column_, rho_, alpha_row_, mu_, changes_;
   std::vector<int> row_index_;  // packed pivot row: movable nonbasics
   std::vector<double> row_alpha_;
@@ -88,15 +88,15 @@ class Primal {
   Rebuild wanted_ = Rebuild::none;
   bool fresh_ = false;         // nothing has moved since the last rebuild
   bool accept_small_ = false;  // only distrusted pivots are left
-  Outcome stop_ = Outcome::trouble;
+  Outcome stop_ = Outcome::numerical_failure;
   double objective_ = 0;
-  double attraction_ = 0;  // tolerance of attractive reduced costs in force
-  bool sharp_ = false;     // the optimum has been sharpened, or that took too long
-  std::int64_t sharpen_end_ = 0;
+  double optimality_tolerance_ = 0;  // tolerance of improving reduced costs in force
+  bool tightened_ = false;           // the optimum has been sharpened, or that took too long
+  std::int64_t tighten_end_ = 0;
   std::int64_t start_work_ = 0;  // ticks at the start of the solve
   std::int64_t start_ = 0;       // iterations at the start of the solve
   std::int64_t iteration_end_ = 0;
-  int trouble_count_ = 0;
+  int rejections_ = 0;
   int restores_ = 0;       // times the bounds have been put back in this solve
   double degeneracy_ = 0;  // running share of steps without gain
   std::int64_t degenerate_total_ = 0;

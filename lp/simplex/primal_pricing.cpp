@@ -10,9 +10,9 @@ constexpr int kBadWeights = 3;         // more bad weights than this ask for a n
 constexpr double kListDensity = 0.25;  // denser pivot rows: a plain scan is cheaper than keeping a list
 constexpr int kListTotal = 500;        // fewer variables: scan
 constexpr int kListLeast = 100;        // candidates kept
-constexpr double kListShare = 0.01;    // ... or this share of the attractive ones
+constexpr double kListShare = 0.01;    // ... or this share of the improving ones
 constexpr double kListLoose = 0.95;    // the best of the list stands while above this share of the cut-off
-constexpr double kTie = 1 - 1e-12;     // merits this close to the cut-off equal it
+constexpr double kTie = 1 - 1e-12;     // score this close to the cut-off equal it
 constexpr double kListLongest = 0.2;   // share of all variables at which the list is made anew
 
 bool is_logical(const Core& core) {
@@ -39,11 +39,11 @@ void PrimalPricing::start(Core& core, bool partial) {
       kind_ = Kind::dantzig;
       break;
   }
-  merit_.assign(size, 0.0);
-  taboo_.assign(size, 0);
+  score_.assign(size, 0.0);
+  banned_.assign(size, 0);
   in_list_.assign(size, 0);
   list_.clear();
-  taboo_list_.clear();
+  banned_list_.clear();
   universe_.clear();
   listed_ = false;
   reset(core);
@@ -74,22 +74,22 @@ void PrimalPricing::refresh(const Core& core, double tolerance) {
   tolerance_ = tolerance;
   listed_ = false;
   if (universe_.empty()) {
-    for (int j = 0; j < core.total; ++j) merit_[j] = taboo_[j] ? 0.0 : attraction(core, j);
+    for (int j = 0; j < core.total; ++j) score_[j] = banned_[j] ? 0.0 : dual_infeasibility(core, j);
     return;
   }
-  std::fill(merit_.begin(), merit_.end(), 0.0);
-  for (int j : universe_) merit_[j] = taboo_[j] ? 0.0 : attraction(core, j);
+  std::fill(score_.begin(), score_.end(), 0.0);
+  for (int j : universe_) score_[j] = banned_[j] ? 0.0 : dual_infeasibility(core, j);
 }
 
-void PrimalPricing::make_taboo(int j) {
-  if (!taboo_[j]) taboo_list_.push_back(j);
-  taboo_[j] = 1;
-  merit_[j] = 0;
+void PrimalPricing::ban(int j) {
+  if (!banned_[j]) banned_list_.push_back(j);
+  banned_[j] = 1;
+  score_[j] = 0;
 }
 
-void PrimalPricing::clear_taboo() {
-  for (int j : taboo_list_) taboo_[j] = 0;
-  taboo_list_.clear();
+void PrimalPricing::clear_banned() {
+  for (int j : banned_list_) banned_[j] = 0;
+  banned_list_.clear();
 }
 
 int PrimalPricing::choose(Core& core) {
@@ -99,7 +99,7 @@ int PrimalPricing::choose(Core& core) {
   }
   if (!listed_ || static_cast<double>(list_.size()) > kListLongest * core.total) make_list(core);
   int best = scan_list(core);
-  if (cutoff_ > 0 && (best < 0 || merit_[best] < kListLoose * cutoff_ * weight_[best])) {
+  if (cutoff_ > 0 && (best < 0 || score_[best] < kListLoose * cutoff_ * weight_[best])) {
     make_list(core);
     best = scan_list(core);
   }
@@ -111,9 +111,9 @@ int PrimalPricing::scan_all(Core& core) {
   double best_merit = 0;
   double best_weight = 1;
   const auto look = [&](int j) {
-    if (merit_[j] * best_weight > best_merit * weight_[j]) {
+    if (score_[j] * best_weight > best_merit * weight_[j]) {
       best = j;
-      best_merit = merit_[j];
+      best_merit = score_[j];
       best_weight = weight_[j];
     }
   };
@@ -136,14 +136,14 @@ int PrimalPricing::scan_list(Core& core) {
   size_t kept = 0;
   for (size_t k = 0; k < list_.size(); ++k) {
     const int j = list_[k];
-    if (merit_[j] <= 0) {
+    if (score_[j] <= 0) {
       in_list_[j] = 0;
       continue;
     }
     list_[kept++] = j;
-    if (merit_[j] * best_weight > best_merit * weight_[j]) {
+    if (score_[j] * best_weight > best_merit * weight_[j]) {
       best = j;
-      best_merit = merit_[j];
+      best_merit = score_[j];
       best_weight = weight_[j];
     }
   }
@@ -157,9 +157,9 @@ void PrimalPricing::make_list(Core& core) {
   list_.clear();
   ratio_.clear();
   const auto take = [&](int j) {
-    if (merit_[j] <= 0) return;
+    if (score_[j] <= 0) return;
     list_.push_back(j);
-    ratio_.push_back(merit_[j] / weight_[j]);
+    ratio_.push_back(score_[j] / weight_[j]);
   };
   if (universe_.empty()) {
     for (int j = 0; j < core.total; ++j) take(j);
@@ -178,10 +178,10 @@ void PrimalPricing::make_list(Core& core) {
     cutoff_ = ratio_[keep];
     // Above the cut-off, and as many of those that equal it as there is room for.
     size_t room = keep;
-    for (int k : list_) room -= merit_[k] > cutoff_ * weight_[k] && room > 0 ? 1 : 0;
+    for (int k : list_) room -= score_[k] > cutoff_ * weight_[k] && room > 0 ? 1 : 0;
     std::erase_if(list_, [&](int k) {
-      if (merit_[k] > cutoff_ * weight_[k]) return false;
-      if (room == 0 || merit_[k] < cutoff_ * weight_[k] * kTie) return true;
+      if (score_[k] > cutoff_ * weight_[k]) return false;
+      if (room == 0 || score_[k] < cutoff_ * weight_[k] * kTie) return true;
       --room;
       return false;
     });

@@ -2,7 +2,7 @@
  *
  * - weight[j]: squared edge norm of nonbasic j: exact (1 + ||B^-1 a_j||^2), devex in a reference framework,
  *   or 1.
- * - merit[j]: square of the attractive part of d[j], 0 when j may not enter; merit / weight decides.
+ * - score[j]: square of the improving part of d[j], 0 when j may not enter; score / weight decides.
  * - Candidates: a list with a cut-off: everything outside the list is worth less, so that a hyper-sparse
  *   iteration touches only the list and the columns whose d or weight has changed.
  * - Order: start() once a solve; refresh() after d was recomputed; choose(); then, for one basis change,
@@ -62,15 +62,15 @@ class PrimalPricing {
   /* Unit weights; for devex with the present nonbasics as reference framework. */
   void reset(const Core& core);
 
-  /* Takes the merits anew from d. The tolerance is that of attraction. */
+  /* Takes the score anew from d. The tolerance is that of dual_infeasibility. */
   void refresh(const Core& core, double tolerance);
-  /* The most attractive nonbasic, or -1. */
+  /* The most improving nonbasic, or -1. */
   int choose(Core& core);
   /* Re-evaluates j after a change of d[j], its weight or its place. */
   void touch(const Core& core, int j) {
-    const double merit = taboo_[j] ? 0.0 : attraction(core, j);
-    merit_[j] = merit;
-    if (listed_ && merit > cutoff_ * weight_[j] && !in_list_[j]) {
+    const double score = banned_[j] ? 0.0 : dual_infeasibility(core, j);
+    score_[j] = score;
+    if (listed_ && score > cutoff_ * weight_[j] && !in_list_[j]) {
       in_list_[j] = 1;
       list_.push_back(j);
     }
@@ -79,10 +79,10 @@ class PrimalPricing {
    * refresh(). */
   void limit_to(std::vector<int> universe) { universe_ = std::move(universe); }
 
-  /* Puts j aside until clear_taboo(). */
-  void make_taboo(int j);
-  void clear_taboo();
-  int taboo_count() const { return static_cast<int>(taboo_list_.size()); }
+  /* Puts j aside until clear_banned(). */
+  void ban(int j);
+  void clear_banned();
+  int banned_count() const { return static_cast<int>(banned_list_.size()); }
 
   /* New weights of the columns in the pivot row (variables `index`, entries `alpha`), of the leaving and of
    * the entering variable. column: B^-1 a_q; mu: B^-T column, read for steepest edge only. Before the
@@ -97,7 +97,7 @@ class PrimalPricing {
   std::span<const double> weights() const { return weight_; }
 
  private:
-  double attraction(const Core& core, int j) const {
+  double dual_infeasibility(const Core& core, int j) const {
     if (!core.nonbasic[j]) return 0;
     const double d = core.d[j];
     const double v = core.move[j] > 0 ? -d : core.move[j] < 0 ? d : core.is_fixed(j) ? 0.0 : d < 0 ? -d : d;
@@ -113,9 +113,9 @@ class PrimalPricing {
   bool automatic_ = false;
   std::int64_t edge_work_ = 0;
   double tolerance_ = 0;
-  std::vector<double> weight_, merit_;
-  std::vector<char> reference_, taboo_, in_list_;
-  std::vector<int> list_, taboo_list_, universe_;
+  std::vector<double> weight_, score_;
+  std::vector<char> reference_, banned_, in_list_;
+  std::vector<int> list_, banned_list_, universe_;
   std::vector<double> ratio_;  // work space of make_list
   double cutoff_ = 0;
   bool listed_ = false;

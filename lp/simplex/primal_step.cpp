@@ -38,14 +38,14 @@ Primal::Step Primal::iterate() {
       wanted_ = Rebuild::refactor;
       return Step::numerical;
     case Trust::aside:
-      distrust(q);
+      reject_pivot(q);
       return Step::moved;
   }
   return Step::moved;
 }
 
-void Primal::distrust(int q) {
-  pricing_.make_taboo(q);
+void Primal::reject_pivot(int q) {
+  pricing_.ban(q);
   ++core_.counters.rejected_pivots;
 }
 
@@ -67,10 +67,10 @@ bool Primal::choose_column() {
     });
     const double gap = std::fabs(core_.d[q] - d);
     core_.d[q] = d;
-    const bool attractive = core_.move[q] > 0   ? d < -attraction_
-                            : core_.move[q] < 0 ? d > attraction_
-                                                : std::fabs(d) > attraction_;
-    if (attractive) {
+    const bool improving = core_.move[q] > 0   ? d < -optimality_tolerance_
+                           : core_.move[q] < 0 ? d > optimality_tolerance_
+                                               : std::fabs(d) > optimality_tolerance_;
+    if (improving) {
       direction_ = d < 0 ? 1.0 : -1.0;
       if (gap > kDualMismatch * std::max(1.0, std::fabs(d)) && !fresh_) wanted_ = Rebuild::recompute;
       return true;
@@ -80,7 +80,7 @@ bool Primal::choose_column() {
       wanted_ = Rebuild::recompute;
       return true;
     }
-    if (wrong > kWrongSigns) distrust(q);
+    if (wrong > kWrongSigns) reject_pivot(q);
   }
 }
 
@@ -105,7 +105,7 @@ Primal::Step Primal::blocked_by_nothing() {
     wanted_ = Rebuild::refactor;
     return Step::numerical;
   }
-  distrust(entering_);
+  reject_pivot(entering_);
   return Step::moved;
 }
 
@@ -181,7 +181,7 @@ void Primal::apply(PrimalPick pick) {
   update_values(pick.step, p);
   const double entering_value = core_.value[q] + direction_ * pick.step;
   bounds_.widen(core_, q);
-  core_.exchange(q, p, pick.leaving_move);
+  core_.change_basis(q, p, pick.leaving_move);
   core_.x[p] = entering_value;
   core_.d[q] = 0;
   core_.d[out] = -theta;

@@ -11,8 +11,8 @@
 #include <span>
 #include <vector>
 
-#include "lp/linalg/lp_data.h"
-#include "lp/linalg/sparse_vector.h"
+#include "lp/base/lp_data.h"
+#include "lp/base/sparse_vector.h"
 
 namespace tovik::lp::simplex {
 

@@ -5,7 +5,7 @@
 
 #include <vector>
 
-#include "lp/linalg/lp_data.h"
+#include "lp/base/lp_data.h"
 
 namespace tovik::lp::simplex {
 

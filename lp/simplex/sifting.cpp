@@ -22,7 +22,7 @@ constexpr double kPenalty = 2.0;     // for missing a row's sides, by the size o
 constexpr double kRaise = 8.0;       // of the penalties that did not do
 constexpr int kMostRaises = 6;
 
-/* Columns by merit: the smaller the better. */
+/* Columns by score: the smaller the better. */
 using Ranking = std::vector<std::pair<double, int>>;
 
 class WorkingSet {
@@ -37,15 +37,15 @@ class WorkingSet {
   void rest_all();
   void set_penalties();
   void first_columns();
-  LpData working_problem(std::vector<At>& statuses) const;
+  LpData working_problem(std::vector<BasisStatus>& statuses) const;
   Outcome solve(Method method);
   bool bring_in();
   bool raise_penalties();
   void weed();
   void join(int j);
   double resting_value(int j) const {
-    const At at = result_.column_status[j];
-    return at == At::lower ? lp_.lower[j] : at == At::upper ? lp_.upper[j] : 0.0;
+    const BasisStatus at = result_.column_status[j];
+    return at == BasisStatus::lower ? lp_.lower[j] : at == BasisStatus::upper ? lp_.upper[j] : 0.0;
   }
   void move_resting(int j, double sign);
   double reduced_cost(int j) const;
@@ -68,8 +68,8 @@ class WorkingSet {
   /* Each row may miss its sides at a price, so that the working problem is feasible: two more columns a row.
    */
   std::vector<double> penalty_;
-  std::vector<At> miss_status_;  // 2 i: below the lower side, 2 i + 1: above the upper side
-  std::vector<char> misses_;     // by row
+  std::vector<BasisStatus> miss_status_;  // 2 i: below the lower side, 2 i + 1: above the upper side
+  std::vector<char> misses_;              // by row
   int raises_ = 0;
 };
 
@@ -88,7 +88,7 @@ SiftingResult WorkingSet::run() {
   }
   // A basic column that stands for a miss is the row's logical in all but name.
   for (size_t k = 0; k < miss_status_.size(); ++k) {
-    if (miss_status_[k] == At::basic) result_.row_status[k / 2] = At::basic;
+    if (miss_status_[k] == BasisStatus::basic) result_.row_status[k / 2] = BasisStatus::basic;
   }
   return std::move(result_);
 }
@@ -111,16 +111,16 @@ void WorkingSet::rest_all() {
   norm_.resize(n);
   rest_.assign(m, 0.0);
   misses_.assign(m, 0);
-  miss_status_.assign(2 * m, At::lower);
-  result_.row_status.assign(m, At::basic);
+  miss_status_.assign(2 * m, BasisStatus::lower);
+  result_.row_status.assign(m, BasisStatus::basic);
   result_.column_status.resize(n);
   for (int j = 0; j < lp_.num_columns(); ++j) {
     double square = 0;
     each_entry(j, [&](int, double a) { square += a * a; });
     norm_[j] = std::sqrt(std::max(square, 1e-20));
-    result_.column_status[j] = lp_.lower[j] != -kInf  ? At::lower
-                               : lp_.upper[j] != kInf ? At::upper
-                                                      : At::free;
+    result_.column_status[j] = lp_.lower[j] != -kInf  ? BasisStatus::lower
+                               : lp_.upper[j] != kInf ? BasisStatus::upper
+                                                      : BasisStatus::free;
     move_resting(j, 1.0);
   }
 }
@@ -144,8 +144,8 @@ void WorkingSet::first_columns() {
   for (int j = 0; j < lp_.num_columns(); ++j) ranking.emplace_back(reduced_cost(j) / norm_[j], j);
   std::sort(ranking.begin(), ranking.end());
   std::vector<int> count(rest_.size(), 0);
-  for (const auto& [merit, j] : ranking) {
-    bool wanted = result_.column_status[j] == At::free;
+  for (const auto& [score, j] : ranking) {
+    bool wanted = result_.column_status[j] == BasisStatus::free;
     each_entry(j, [&](int i, double) { wanted |= count[i] < kStartPerRow; });
     if (!wanted) continue;
     each_entry(j, [&](int i, double) { ++count[i]; });
@@ -153,9 +153,9 @@ void WorkingSet::first_columns() {
   }
 }
 
-LpData WorkingSet::working_problem(std::vector<At>& statuses) const {
+LpData WorkingSet::working_problem(std::vector<BasisStatus>& statuses) const {
   LpData sub;
-  const auto add = [&](double cost, double lower, double upper, At at) {
+  const auto add = [&](double cost, double lower, double upper, BasisStatus at) {
     sub.cost.push_back(cost);
     sub.lower.push_back(lower);
     sub.upper.push_back(upper);
@@ -184,7 +184,7 @@ LpData WorkingSet::working_problem(std::vector<At>& statuses) const {
 }
 
 Outcome WorkingSet::solve(Method method) {
-  std::vector<At> statuses;
+  std::vector<BasisStatus> statuses;
   Solver solver(working_problem(statuses), options_, control_, nullptr);
   if (result_.rounds > 0) solver.set_basis(statuses, result_.row_status);
   const Outcome outcome = solver.solve(method);
@@ -212,7 +212,7 @@ bool WorkingSet::bring_in() {
   for (int j = 0; j < lp_.num_columns(); ++j) {
     if (is_working_[j] || lp_.lower[j] == lp_.upper[j]) continue;
     const double d = reduced_cost(j);
-    const double gain = result_.column_status[j] == At::lower ? -d : d;
+    const double gain = result_.column_status[j] == BasisStatus::lower ? -d : d;
     if (gain > options_.dual_tolerance) found.emplace_back(-gain / norm_[j], j);
   }
   control_.add_work(lp_.matrix.index.size());
@@ -223,7 +223,7 @@ bool WorkingSet::bring_in() {
     std::nth_element(found.begin(), found.begin() + static_cast<std::ptrdiff_t>(room), found.end());
     found.resize(room);
   }
-  for (const auto& [merit, j] : found) join(j);
+  for (const auto& [score, j] : found) join(j);
   return true;
 }
 
@@ -246,15 +246,16 @@ void WorkingSet::weed() {
   Ranking ranking;
   for (size_t k = 0; k < working_.size(); ++k) {
     const int j = working_[k];
-    const At at = result_.column_status[j];
-    ranking.emplace_back(at == At::basic || at == At::free ? -1.0 : std::fabs(d_[k]) / norm_[j], j);
+    const BasisStatus at = result_.column_status[j];
+    ranking.emplace_back(
+        at == BasisStatus::basic || at == BasisStatus::free ? -1.0 : std::fabs(d_[k]) / norm_[j], j);
   }
   const auto keep = static_cast<std::ptrdiff_t>(most / 2);
   std::nth_element(ranking.begin(), ranking.begin() + keep, ranking.end());
   working_.clear();
   for (size_t k = 0; k < ranking.size(); ++k) {
-    const auto [merit, j] = ranking[k];
-    if (merit < 0 || static_cast<std::ptrdiff_t>(k) < keep) {
+    const auto [score, j] = ranking[k];
+    if (score < 0 || static_cast<std::ptrdiff_t>(k) < keep) {
       working_.push_back(j);
     } else {
       is_working_[j] = 0;

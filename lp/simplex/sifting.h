@@ -11,15 +11,15 @@
 #include <cstdint>
 #include <vector>
 
-#include "lp/linalg/control.h"
-#include "lp/linalg/lp_data.h"
+#include "lp/base/control.h"
+#include "lp/base/lp_data.h"
 #include "lp/simplex/types.h"
 
 namespace tovik::lp::simplex {
 
 struct SiftingResult {
   bool usable = false;  // the statuses are a basis worth starting from
-  std::vector<At> column_status, row_status;
+  std::vector<BasisStatus> column_status, row_status;
   int rounds = 0;
   std::int64_t iterations = 0;  // of the working problems
 };

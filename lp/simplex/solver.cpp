@@ -56,7 +56,7 @@ Solver::Solver(LpData lp, const Options& options, Control& control, Observer* ob
       user_{without_entries(lp), compute_scaling(lp.matrix, options.scaling)},
       core_(std::make_unique<Core>(scale_lp(std::move(lp), user_.scaling), options_, control)),
       sums_(user_),
-      standing_(*core_, user_, sums_, answer_) {
+      reoptimization_(*core_, user_, sums_, answer_) {
   user_.core = core_.get();
   core_->observer = observer;
   core_->scaled = user_.scaling.active();
@@ -103,11 +103,11 @@ void Solver::set_options(const Options& options) {
   core_->options = options;
 }
 
-void Solver::set_basis(const std::vector<At>& columns, const std::vector<At>& rows) {
-  std::vector<At> status(columns);
+void Solver::set_basis(const std::vector<BasisStatus>& columns, const std::vector<BasisStatus>& rows) {
+  std::vector<BasisStatus> status(columns);
   status.reserve(static_cast<size_t>(core_->total));
-  for (At at : rows) status.push_back(activity_status(at));
-  standing_.forget();
+  for (BasisStatus at : rows) status.push_back(activity_status(at));
+  reoptimization_.forget();
   core_->use_original_bounds();
   core_->set_basis(status);
   has_basis_ = true;
@@ -125,7 +125,7 @@ void Solver::set_dual_norms(const std::vector<double>& norms, const std::vector<
 }
 
 void Solver::forget_basis() {
-  standing_.forget();
+  reoptimization_.forget();
   core_->use_original_bounds();
   core_->set_logical_basis();
   has_basis_ = false;
@@ -135,14 +135,14 @@ void Solver::forget_basis() {
 /* After a change of its bounds a non-basic variable that stood fixed or free must not stay between the new
  * ones: only where it stands at a bound, or at 0 when free, the statuses tell its value. Between two bounds
  * the reduced cost decides where it is known; where that is 0 the variable stays as near as it can. */
-void Solver::place_again(int j) {
+void Solver::reset_nonbasic_value(int j) {
   constexpr double kNoCost = 1e-9;
   Core& core = *core_;
   core.work_lower[j] = core.lower[j];
   core.work_upper[j] = core.upper[j];
   if (!core.nonbasic[j]) return;
   int prefer = core.move[j];
-  if (prefer == 0 && standing_.holds()) {
+  if (prefer == 0 && reoptimization_.holds()) {
     const double v = core.value[j];
     prefer = std::fabs(core.d[j]) > kNoCost                                 ? (core.d[j] > 0 ? 1 : -1)
              : std::fabs(v - core.lower[j]) <= std::fabs(v - core.upper[j]) ? 1
@@ -152,14 +152,14 @@ void Solver::place_again(int j) {
 }
 
 void Solver::change_bounds(int j, double low, double high) {
-  standing_.note(j);
+  reoptimization_.note(j);
   user_.lp.lower[j] = low;
   user_.lp.upper[j] = high;
   const double c = column_scale(j);
   const bool was_fixed = core_->is_fixed(j);
   core_->lower[j] = low / c;
   core_->upper[j] = high / c;
-  place_again(j);
+  reset_nonbasic_value(j);
   if (core_->nonbasic[j] && was_fixed != core_->is_fixed(j) && !core_->rows_are_stale) {
     if (was_fixed) {
       core_->rows.activate(j);
@@ -170,17 +170,17 @@ void Solver::change_bounds(int j, double low, double high) {
 }
 
 void Solver::change_row_bounds(int i, double low, double high) {
-  standing_.note(core_->n + i);
+  reoptimization_.note(core_->n + i);
   user_.lp.row_lower[i] = low;
   user_.lp.row_upper[i] = high;
   const double r = row_scale(i);
   core_->lower[core_->n + i] = -high * r;
   core_->upper[core_->n + i] = -low * r;
-  place_again(core_->n + i);
+  reset_nonbasic_value(core_->n + i);
 }
 
 void Solver::change_cost(int j, double c) {
-  standing_.note(j);
+  reoptimization_.note(j);
   user_.lp.cost[j] = c;
   core_->cost[j] = c * column_scale(j);
 }
@@ -194,7 +194,7 @@ bool Solver::ensure_factor() {
   core.ensure_rows();
   const FactorState state = core.refactor();
   if (state != FactorState::good) {
-    standing_.forget();
+    reoptimization_.forget();
     keep_norms_ = false;
     return state != FactorState::singular;
   }
@@ -205,7 +205,7 @@ bool Solver::ensure_factor() {
     core.x_lower[p] = core.work_lower[j];
     core.x_upper[p] = core.work_upper[j];
   }
-  if (standing_.holds()) standing_.find_positions();
+  if (reoptimization_.holds()) reoptimization_.find_positions();
   return true;
 }
 
@@ -237,38 +237,38 @@ bool Solver::bounds_cross() {
 }
 
 /* The complete check of a standing optimum, from recomputed values. */
-Standing::State Solver::recheck() {
+Reoptimization::State Solver::recheck() {
   const bool cross = bounds_cross();
   extract();
   if (!cross && answer_.primal_feasible && answer_.dual_feasible &&
       core_->primal_infeasibility().count == 0 && core_->dual_infeasibility().count == 0) {
-    standing_.settle(options_);
-    return Standing::State::optimal;
+    reoptimization_.settle(options_);
+    return Reoptimization::State::optimal;
   }
-  return Standing::State::unknown;
+  return Reoptimization::State::unknown;
 }
 
-Standing::State Solver::standing() {
-  if (standing_.holds() && standing_.is_due()) return recheck();
-  if (!core_->has_factor && standing_.needs_factor()) ensure_factor();
-  return standing_.refresh(options_);
+Reoptimization::State Solver::standing() {
+  if (reoptimization_.holds() && reoptimization_.is_due()) return recheck();
+  if (!core_->has_factor && reoptimization_.needs_factor()) ensure_factor();
+  return reoptimization_.refresh(options_);
 }
 
 void Solver::answer_taken() {
-  standing_.taken();
+  reoptimization_.taken();
   answer_is_new_ = false;
 }
 
 /* The optimum of the last solve is that of the changed problem. Whatever may end a run early is left to the
  * run. */
-bool Solver::stands(Method method) {
+bool Solver::is_still_optimal(Method method) {
   known_infeasible_ = false;
-  if (!standing_.holds() || core_->control->poll() != Stop::none) return false;
+  if (!reoptimization_.holds() || core_->control->poll() != Stop::none) return false;
   if (method == Method::primal && options_.iteration_limit <= 0) return false;
-  const Standing::State state = standing();
+  const Reoptimization::State state = standing();
   answer_.objective = sums_.objective();  // the offset may have changed
-  known_infeasible_ = state == Standing::State::primal_infeasible;
-  if (state != Standing::State::optimal || answer_.objective < options_.objective_lower ||
+  known_infeasible_ = state == Reoptimization::State::primal_infeasible;
+  if (state != Reoptimization::State::optimal || answer_.objective < options_.objective_lower ||
       answer_.objective > options_.objective_upper) {
     return false;
   }
@@ -281,8 +281,8 @@ bool Solver::stands(Method method) {
 
 Outcome Solver::solve(Method method) {
   prepare();
-  if (stands(method)) return Outcome::optimal;
-  standing_.forget();
+  if (is_still_optimal(method)) return Outcome::optimal;
+  reoptimization_.forget();
   if (bounds_cross()) {
     extract();
     answer_.method = method;
@@ -294,7 +294,7 @@ Outcome Solver::solve(Method method) {
   if (start_by_sifting() && !already_optimal()) method = Method::primal;
   const Outcome outcome = run_to_tolerance(method);
   if (outcome == Outcome::optimal && answer_.has_values && !answer_.unscaled_infeasible) {
-    standing_.settle(options_);
+    reoptimization_.settle(options_);
   }
   return outcome;
 }
@@ -318,15 +318,16 @@ Outcome Solver::run_to_tolerance(Method method) {
     if (outcome != Outcome::optimal) {
       const bool out_of_budget =
           outcome == Outcome::iteration_limit && core_->counters.iterations < options_.iteration_limit;
-      const bool astray = out_of_budget || outcome == Outcome::trouble || outcome == Outcome::singular;
-      return round > 0 && astray ? go_back(best) : outcome;
+      const bool astray =
+          out_of_budget || outcome == Outcome::numerical_failure || outcome == Outcome::singular;
+      return round > 0 && astray ? restore_best_basis(best) : outcome;
     }
     const double primal_excess = answer_.violation.primal() / options_.primal_tolerance;
     const double dual_excess = answer_.violation.dual / options_.dual_tolerance;
     const double excess = std::max(primal_excess, dual_excess);
     answer_.unscaled_infeasible = excess > 1;
     if (!answer_.unscaled_infeasible) return outcome;
-    if (round == kTightenings) return excess <= best.excess ? outcome : go_back(best);
+    if (round == kTightenings) return excess <= best.excess ? outcome : restore_best_basis(best);
     if (excess < best.excess) best = {answer_.column_status, answer_.row_status, excess};
     const double primal_goal = core_->primal_tolerance / (3 * primal_excess);
     while (primal_excess > 1 && core_->primal_tolerance > std::max(kTightest, primal_goal)) {
@@ -341,7 +342,7 @@ Outcome Solver::run_to_tolerance(Method method) {
 }
 
 /* Back to an optimal basis that misses the user's tolerances. */
-Outcome Solver::go_back(const Basis& basis) {
+Outcome Solver::restore_best_basis(const Basis& basis) {
   set_basis(basis.columns, basis.rows);
   values_are_fresh_ = false;
   extract();
@@ -397,7 +398,7 @@ Outcome Solver::run_dual() {
   if (already_optimal()) return Outcome::optimal;
   if (keep_norms_) ensure_factor();  // takes the norms along
   Dual::Settings settings;
-  Outcome last = Outcome::trouble;
+  Outcome last = Outcome::numerical_failure;
   for (int round = 0; round < kRounds; ++round) {
     settings.keep_norms = keep_norms_;
     settings.perturb = round < 3;
@@ -411,7 +412,7 @@ Outcome Solver::run_dual() {
       return core_->objective() > options_.objective_upper ? Outcome::objective_limit : last;
     }
     if (last != Outcome::optimal && last != Outcome::infeasible && last != Outcome::infeasible_or_unbounded &&
-        last != Outcome::trouble && last != Outcome::singular) {
+        last != Outcome::numerical_failure && last != Outcome::singular) {
       return last;
     }
     // Clean up by the primal; a budget keeps it from wandering while the dual could do better.
@@ -423,7 +424,7 @@ Outcome Solver::run_dual() {
     last = the_primal().solve(budget);
     if (last == Outcome::infeasible && verify_infeasible(the_primal().infeasibility_duals())) return last;
     if (last == Outcome::unbounded && verify_ray()) return last;
-    if (last != Outcome::trouble && last != Outcome::infeasible && last != Outcome::unbounded &&
+    if (last != Outcome::numerical_failure && last != Outcome::infeasible && last != Outcome::unbounded &&
         last != Outcome::singular) {
       return last;
     }
@@ -431,18 +432,18 @@ Outcome Solver::run_dual() {
     core_->threshold = std::min(0.9, core_->threshold < 0.1 ? 0.1 : core_->threshold + 0.2);
     core_->set_logical_basis();  // what led here is not to be trusted: start over with stricter pivots
   }
-  return last == Outcome::singular ? last : Outcome::trouble;  // no claim that was not verified
+  return last == Outcome::singular ? last : Outcome::numerical_failure;  // no claim that was not verified
 }
 
 Outcome Solver::run_primal() {
-  Outcome last = Outcome::trouble;
+  Outcome last = Outcome::numerical_failure;
   for (int round = 0; round < kRounds; ++round) {
     answer_.method = Method::primal;
     keep_norms_ = false;
     last = the_primal().solve(kUnlimited);
     if (last == Outcome::infeasible && verify_infeasible(the_primal().infeasibility_duals())) return last;
     if (last == Outcome::unbounded && verify_ray()) return last;
-    if (last != Outcome::trouble && last != Outcome::infeasible && last != Outcome::unbounded &&
+    if (last != Outcome::numerical_failure && last != Outcome::infeasible && last != Outcome::unbounded &&
         last != Outcome::singular) {
       return last;
     }
@@ -457,7 +458,7 @@ Outcome Solver::run_primal() {
       return last;
     }
   }
-  return last == Outcome::singular ? last : Outcome::trouble;
+  return last == Outcome::singular ? last : Outcome::numerical_failure;
 }
 
 }  // namespace tovik::lp::simplex

@@ -1,8 +1,8 @@
 /* One LP, solved by dual or primal simplex, with the answer checked in the user's own space.
  *
- * A solve that goes on from an optimum first looks at what has changed since (Standing); where nothing needs
- * to move it costs no more than that. The answer stays in the solver, and who keeps a copy is told which
- * entries are new.
+ * A solve that goes on from an optimum first looks at what has changed since (Reoptimization); where nothing
+ * needs to move it costs no more than that. The answer stays in the solver, and who keeps a copy is told
+ * which entries are new.
  *
  * Takes the model in minimization form, scales it, keeps basis and factor between solves (warm start), orders
  * dual, primal and clean-up runs, verifies each claim on the unscaled data (violations with compensated sums,
@@ -15,15 +15,15 @@
 #include <utility>
 #include <vector>
 
-#include "lp/simplex/answer.h"
+#include "lp/base/answer.h"
+#include "lp/simplex/activities.h"
 #include "lp/simplex/core.h"
 #include "lp/simplex/dual.h"
+#include "lp/simplex/model_edit.h"
 #include "lp/simplex/observer.h"
 #include "lp/simplex/primal.h"
-#include "lp/simplex/reshape.h"
-#include "lp/simplex/standing.h"
+#include "lp/simplex/reoptimization.h"
 #include "lp/simplex/user_space.h"
-#include "lp/simplex/user_sums.h"
 
 namespace tovik::lp::simplex {
 
@@ -40,9 +40,9 @@ class Solver {
   const Options& options() const { return options_; }
   void set_objective_limits(double lower, double upper);  // minimization form
 
-  /* Statuses by column and by row; the row status is that of the row's activity: At::lower means the activity
-   * stands at the row's lower bound. */
-  void set_basis(const std::vector<At>& columns, const std::vector<At>& rows);
+  /* Statuses by column and by row; the row status is that of the row's activity: BasisStatus::lower means the
+   * activity stands at the row's lower bound. */
+  void set_basis(const std::vector<BasisStatus>& columns, const std::vector<BasisStatus>& rows);
   void set_dual_norms(const std::vector<double>& norms,
                       const std::vector<int>& head);   // head: variable by position
   bool has_dual_norms() const { return keep_norms_; }  // weights of the present basis
@@ -53,31 +53,31 @@ class Solver {
   Outcome solve(Method method);
   const Answer& answer() const { return answer_; }
   Answer release_answer() {
-    standing_.forget();
+    reoptimization_.forget();
     return std::move(answer_);
   }
   /* What is known of the present basis and model before a solve: looks at changes only. */
-  Standing::State standing();
+  Reoptimization::State standing();
   /* Entries of the answer that the last solves may have changed: all of them, or those that the standing
    * names, until answer_taken(). The answer may have grown or lost its last entries. */
   bool answer_is_new() const { return answer_is_new_; }
-  std::span<const int> changed_columns() const { return standing_.columns(); }
-  std::span<const int> changed_rows() const { return standing_.rows(); }
+  std::span<const int> changed_columns() const { return reoptimization_.columns(); }
+  std::span<const int> changed_rows() const { return reoptimization_.rows(); }
   void answer_taken();
   /* A copy may be wrong in these entries although the answer is the same. */
-  void renew_column(int j) { standing_.renew_column(j); }
-  void renew_row(int i) { standing_.renew_row(i); }
+  void renew_column(int j) { reoptimization_.renew_column(j); }
+  void renew_row(int i) { reoptimization_.renew_row(i); }
   void renew_answer() { answer_is_new_ = true; }
 
   /* Whoever may move the core takes it as it is: the next solve looks at everything again. */
   Core& core() {
-    standing_.forget();
+    reoptimization_.forget();
     core_->ensure_rows();
     return *core_;
   }
   const Core& core() const { return *core_; }
   Dual& dual() {
-    standing_.forget();
+    reoptimization_.forget();
     core_->ensure_rows();
     return the_dual();
   }
@@ -87,7 +87,7 @@ class Solver {
   }
   const Counters& counters() const { return core_->counters; }
   void set_counters(const Counters& counters) { core_->counters = counters; }
-  void look_again() { standing_.forget(); }  // the next solve must run its algorithm
+  void invalidate() { reoptimization_.forget(); }  // the next solve must run its algorithm
 
   const UserSpace& user() const { return user_; }
   /* Vectors in the user's space; its matrix has sizes but no entries, see each_entry. */
@@ -104,7 +104,7 @@ class Solver {
   void change_cost(int j, double cost);
   void change_offset(double offset);
   /* Rows and columns go and come. False when the basis does not allow it; nothing has then happened. */
-  bool reshape(Reshape change);
+  bool edit(ModelEdit change);
 
   /* Factor of the present basis, made when there is none. False when the basis is singular. */
   bool ensure_factor();
@@ -116,19 +116,19 @@ class Solver {
  private:
   Dual& the_dual();  // made when first asked for
   Primal& the_primal();
-  bool stands(Method method);
-  Standing::State recheck();
+  bool is_still_optimal(Method method);
+  Reoptimization::State recheck();
   /* An optimal basis and by how many times it misses the user's tolerances. */
   struct Basis {
-    std::vector<At> columns, rows;
+    std::vector<BasisStatus> columns, rows;
     double excess = 1e300;
   };
   Outcome run_to_tolerance(Method method);
-  Outcome go_back(const Basis& basis);
+  Outcome restore_best_basis(const Basis& basis);
   Outcome run(Method method);
   bool already_optimal();
   bool start_by_sifting();
-  void place_again(int j);
+  void reset_nonbasic_value(int j);
   Outcome run_dual();
   Outcome run_primal();
   bool verify_infeasible(const std::vector<double>& scaled_row);
@@ -145,8 +145,8 @@ class Solver {
   bool keep_norms_ = false;
   std::vector<double> carried_norms_;  // for the dual that is not yet made
   Answer answer_;
-  UserSums sums_;
-  Standing standing_;
+  Activities sums_;
+  Reoptimization reoptimization_;
   bool answer_is_new_ = true;
   bool values_are_fresh_ = false;  // computed from the model's own bounds and costs, and not moved since
   bool known_infeasible_ = false;  // the start of this solve, by the look at the changes

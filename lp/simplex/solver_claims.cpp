@@ -4,8 +4,8 @@
 #include <cmath>
 #include <utility>
 
-#include "lp/linalg/sum.h"
-#include "lp/simplex/certificates.h"
+#include "lp/base/certificates.h"
+#include "lp/base/sum.h"
 #include "lp/simplex/solver.h"
 
 namespace tovik::lp::simplex {
@@ -23,10 +23,10 @@ std::vector<double> product(const Solver& solver, const std::vector<double>& x) 
 }
 
 /* Wrong-signed part of a reduced cost, given where the variable stands in a minimization. */
-double dual_violation(double d, At status, double low, double high) {
-  if (low == high || status == At::basic) return status == At::basic ? std::fabs(d) : 0.0;
-  if (status == At::lower) return std::max(0.0, -d);
-  if (status == At::upper) return std::max(0.0, d);
+double dual_violation(double d, BasisStatus status, double low, double high) {
+  if (low == high || status == BasisStatus::basic) return status == BasisStatus::basic ? std::fabs(d) : 0.0;
+  if (status == BasisStatus::lower) return std::max(0.0, -d);
+  if (status == BasisStatus::upper) return std::max(0.0, d);
   return std::fabs(d);
 }
 
@@ -58,7 +58,7 @@ void Solver::extract() {
   const int n = core.n;
   const int m = core.m;
   answer_is_new_ = true;
-  standing_.forget();
+  reoptimization_.forget();
   answer_.x.assign(static_cast<size_t>(n), 0.0);
   answer_.d.assign(static_cast<size_t>(n), 0.0);
   answer_.y.assign(static_cast<size_t>(m), 0.0);

@@ -1,28 +1,14 @@
-/* Options, outcomes and counters of the simplex engine. Tolerances live in the scaled space of the engine
+/* Options and counters of the simplex engine. Tolerances live in the scaled space of the engine
  * unless said otherwise. */
 #pragma once
 
 #include <cstdint>
 #include <vector>
 
+#include "lp/base/basis_status.h"
+#include "lp/base/outcome.h"
+
 namespace tovik::lp::simplex {
-
-/* Where a variable stands. Values match the codes of the public basis routines. */
-enum class At : signed char { lower = 0, basic = 1, upper = 2, free = 3 };
-
-enum class Outcome {
-  optimal,
-  infeasible,
-  unbounded,
-  infeasible_or_unbounded,
-  objective_limit,
-  iteration_limit,
-  time_limit,
-  tick_limit,
-  user_abort,
-  singular,  // more singularities than allowed
-  trouble    // numerically stuck: no claim can be verified
-};
 
 enum class Sifting { never, when_it_pays, always };  // as a start where there is no basis
 

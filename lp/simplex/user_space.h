@@ -5,7 +5,7 @@
  * activity * row_scale. */
 #pragma once
 
-#include "lp/linalg/lp_data.h"
+#include "lp/base/lp_data.h"
 #include "lp/simplex/core.h"
 #include "lp/simplex/scaling.h"
 

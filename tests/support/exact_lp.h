@@ -9,16 +9,16 @@
 #include <string>
 #include <vector>
 
-#include "lp/linalg/lp_data.h"
+#include "lp/base/lp_data.h"
 #include "lp/presolve/undo.h"
 #include "support/rational.h"
 
 namespace support {
 
+using tovik::lp::BasisStatus;
 using tovik::lp::kInf;
 using tovik::lp::LpData;
 using tovik::lp::presolve::Point;
-using tovik::lp::simplex::At;
 
 class ExactLp {
  public:
@@ -64,9 +64,9 @@ class ExactLp {
     int found = 0;
     for (unsigned set = 0; set < 1U << size(); ++set) {
       if (__builtin_popcount(set) != m_) continue;
-      std::vector<At> at(static_cast<size_t>(size()), At::lower);
+      std::vector<BasisStatus> at(static_cast<size_t>(size()), BasisStatus::lower);
       for (int k = 0; k < size(); ++k) {
-        if ((set >> k & 1U) != 0) at[k] = At::basic;
+        if ((set >> k & 1U) != 0) at[k] = BasisStatus::basic;
       }
       std::vector<std::vector<Rational>> inverse;
       if (!invert(at, inverse)) continue;
@@ -75,7 +75,7 @@ class ExactLp {
       if (!place_by_sign(at, dual, choices)) continue;
       for (unsigned c = 0; c < 1U << choices.size(); ++c) {
         for (size_t k = 0; k < choices.size(); ++k)
-          at[choices[k]] = (c >> k & 1U) != 0 ? At::upper : At::lower;
+          at[choices[k]] = (c >> k & 1U) != 0 ? BasisStatus::upper : BasisStatus::lower;
         const std::vector<Rational> value = values(at, inverse);
         if (!within_bounds(value)) continue;
         ++found;
@@ -98,14 +98,14 @@ class ExactLp {
 
   /* What is wrong with a primal-dual basic solution; empty when it is optimal and its statuses define it. */
   std::string fault(const Point& p, Rational* objective_value) const {
-    std::vector<At> at(p.column);
+    std::vector<BasisStatus> at(p.column);
     at.insert(at.end(), p.row.begin(), p.row.end());
     int basics = 0;
-    for (const At a : at) basics += a == At::basic;
+    for (const BasisStatus a : at) basics += a == BasisStatus::basic;
     if (basics != m_) return "wrong number of basics: " + std::to_string(basics);
     for (int k = 0; k < size(); ++k) {
-      if ((at[k] == At::lower && !lower_[k]) || (at[k] == At::upper && !upper_[k]) ||
-          (at[k] == At::free && (lower_[k] || upper_[k])))
+      if ((at[k] == BasisStatus::lower && !lower_[k]) || (at[k] == BasisStatus::upper && !upper_[k]) ||
+          (at[k] == BasisStatus::free && (lower_[k] || upper_[k])))
         return "no such bound: " + name(k);
     }
     std::vector<std::vector<Rational>> inverse;
@@ -120,8 +120,9 @@ class ExactLp {
         return "value of " + name(k) + " is " + std::to_string(value[k].real()) + ", not " +
                std::to_string(p.x[k]);
       const int sign = dual[k].sign();
-      if (!equal_bounds(k) && ((at[k] == At::lower && sign < 0) || (at[k] == At::upper && sign > 0) ||
-                               (at[k] == At::free && sign != 0)))
+      if (!equal_bounds(k) &&
+          ((at[k] == BasisStatus::lower && sign < 0) || (at[k] == BasisStatus::upper && sign > 0) ||
+           (at[k] == BasisStatus::free && sign != 0)))
         return "sign of the dual of " + name(k);
       if ((lower_[k] && value[k] < *lower_[k]) || (upper_[k] && *upper_[k] < value[k]))
         return "bound of " + name(k);
@@ -142,18 +143,18 @@ class ExactLp {
     }
     return true;
   }
-  bool place_by_sign(std::vector<At>& at, const std::vector<Rational>& dual,
+  bool place_by_sign(std::vector<BasisStatus>& at, const std::vector<Rational>& dual,
                      std::vector<int>& choices) const {
     for (int k = 0; k < size(); ++k) {
-      if (at[k] == At::basic) continue;
+      if (at[k] == BasisStatus::basic) continue;
       const int sign = equal_bounds(k) ? 0 : dual[k].sign();
       const bool low = lower_[k] && sign >= 0, high = upper_[k] && sign <= 0;
       if (low && high) {
         choices.push_back(k);
       } else if (low || high) {
-        at[k] = low ? At::lower : At::upper;
+        at[k] = low ? BasisStatus::lower : BasisStatus::upper;
       } else if (!lower_[k] && !upper_[k] && sign == 0) {
-        at[k] = At::free;
+        at[k] = BasisStatus::free;
       } else {
         return false;
       }
@@ -161,11 +162,11 @@ class ExactLp {
     return true;
   }
   /* Rows of the result belong to the basics in the order of their indices. */
-  bool invert(const std::vector<At>& at, std::vector<std::vector<Rational>>& inverse) const {
+  bool invert(const std::vector<BasisStatus>& at, std::vector<std::vector<Rational>>& inverse) const {
     std::vector<std::vector<Rational>> work(static_cast<size_t>(m_));
     for (int i = 0; i < m_; ++i) {
       for (int k = 0; k < size(); ++k) {
-        if (at[k] == At::basic) work[i].push_back(column_[k][i]);
+        if (at[k] == BasisStatus::basic) work[i].push_back(column_[k][i]);
       }
       work[i].resize(static_cast<size_t>(2 * m_));
       work[i][m_ + i] = Rational(1);
@@ -187,12 +188,12 @@ class ExactLp {
     for (const auto& row : work) inverse.emplace_back(row.begin() + m_, row.end());
     return true;
   }
-  std::vector<Rational> duals(const std::vector<At>& at,
+  std::vector<Rational> duals(const std::vector<BasisStatus>& at,
                               const std::vector<std::vector<Rational>>& inverse) const {
     std::vector<Rational> y(static_cast<size_t>(m_)), d = cost_;
     int position = 0;
     for (int k = 0; k < size(); ++k) {
-      if (at[k] != At::basic) continue;
+      if (at[k] != BasisStatus::basic) continue;
       if (cost_[k].sign() != 0) {
         for (int i = 0; i < m_; ++i) y[i] = y[i] + cost_[k] * inverse[position][i];
       }
@@ -203,17 +204,17 @@ class ExactLp {
     }
     return d;
   }
-  std::vector<Rational> values(const std::vector<At>& at,
+  std::vector<Rational> values(const std::vector<BasisStatus>& at,
                                const std::vector<std::vector<Rational>>& inverse) const {
     std::vector<Rational> v(static_cast<size_t>(size())), rest(static_cast<size_t>(m_));
     for (int k = 0; k < size(); ++k) {
-      if (at[k] == At::basic || at[k] == At::free) continue;
-      v[k] = at[k] == At::lower ? *lower_[k] : *upper_[k];
+      if (at[k] == BasisStatus::basic || at[k] == BasisStatus::free) continue;
+      v[k] = at[k] == BasisStatus::lower ? *lower_[k] : *upper_[k];
       for (int i = 0; i < m_; ++i) rest[i] = rest[i] - column_[k][i] * v[k];
     }
     int position = 0;
     for (int k = 0; k < size(); ++k) {
-      if (at[k] != At::basic) continue;
+      if (at[k] != BasisStatus::basic) continue;
       for (int i = 0; i < m_; ++i) v[k] = v[k] + inverse[position][i] * rest[i];
       ++position;
     }

@@ -15,9 +15,9 @@
 
 namespace support {
 
-using tovik::lp::simplex::Answer;
-using tovik::lp::simplex::Method;
-using tovik::lp::simplex::Outcome;
+using tovik::lp::Answer;
+using tovik::lp::Method;
+using tovik::lp::Outcome;
 using tovik::lp::simplex::Solver;
 
 /* Largest violation of the point, relative to the terms that it is a sum of; the sign of duals and the
@@ -26,16 +26,16 @@ inline double worst_violation(const LpData& lp, const Point& p) {
   double worst = 0;
   long basics = 0;
   const auto look = [&](double value, double dual, double low, double high, double value_size,
-                        double dual_size, At at) {
-    basics += at == At::basic;
+                        double dual_size, BasisStatus at) {
+    basics += at == BasisStatus::basic;
     worst = std::max({worst, (low - value) / value_size, (value - high) / value_size});
-    if (at == At::lower) worst = std::max(worst, std::fabs(value - low) / value_size);
-    if (at == At::upper) worst = std::max(worst, std::fabs(value - high) / value_size);
-    if (at == At::free && (std::isfinite(low) || std::isfinite(high))) worst = kInf;
-    const double wrong = at == At::basic || at == At::free ? std::fabs(dual)
-                         : low == high                     ? 0
-                         : at == At::lower                 ? -dual
-                                                           : dual;
+    if (at == BasisStatus::lower) worst = std::max(worst, std::fabs(value - low) / value_size);
+    if (at == BasisStatus::upper) worst = std::max(worst, std::fabs(value - high) / value_size);
+    if (at == BasisStatus::free && (std::isfinite(low) || std::isfinite(high))) worst = kInf;
+    const double wrong = at == BasisStatus::basic || at == BasisStatus::free ? std::fabs(dual)
+                         : low == high                                       ? 0
+                         : at == BasisStatus::lower                          ? -dual
+                                                                             : dual;
     worst = std::max(worst, wrong / dual_size);
   };
   std::vector<double> activity(lp.row_lower.size()), size(lp.row_lower.size(), 1.0);
@@ -64,7 +64,7 @@ struct PipelineResult {
 };
 
 struct Reference {
-  Outcome outcome = Outcome::trouble;
+  Outcome outcome = Outcome::numerical_failure;
   double objective = 0;
 };
 

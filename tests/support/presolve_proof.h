@@ -156,9 +156,9 @@ class PresolveProof {
   }
 
   /* The undo of sparsify is promised for bases without one only. */
-  static bool has_basic_equation(const LpData& lp, const std::vector<At>& at) {
+  static bool has_basic_equation(const LpData& lp, const std::vector<BasisStatus>& at) {
     for (int i = 0; i < lp.num_rows(); ++i) {
-      if (lp.row_lower[i] == lp.row_upper[i] && at[lp.num_columns() + i] == At::basic) return true;
+      if (lp.row_lower[i] == lp.row_upper[i] && at[lp.num_columns() + i] == BasisStatus::basic) return true;
     }
     return false;
   }
@@ -206,7 +206,7 @@ class PresolveProof {
                 std::to_string(reduced->objective(value).real()) + " before";
       if (!fault.empty()) {
         fault += "\nreduced:\n" + describe(r.lp) + "statuses:";
-        for (const At a : at) fault += " " + std::to_string(static_cast<int>(a));
+        for (const BasisStatus a : at) fault += " " + std::to_string(static_cast<int>(a));
         fault += "\n";
       }
     });

@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "lp/linalg/control.h"
+#include "lp/base/control.h"
 
 namespace support {
 

@@ -11,11 +11,11 @@
 #include "tests/support/quiet_control.h"
 
 using namespace tovik::lp;
+using tovik::lp::BasisStatus;
+using tovik::lp::Method;
+using tovik::lp::Outcome;
 using presolve::DualForm;
 using presolve::Point;
-using simplex::At;
-using simplex::Method;
-using simplex::Outcome;
 
 namespace {
 
@@ -60,7 +60,7 @@ class Maker {
   std::mt19937 random_;
 };
 
-Point point_of(const simplex::Answer& answer) {
+Point point_of(const Answer& answer) {
   return {answer.x, answer.d, answer.y, answer.column_status, answer.row_status};
 }
 
@@ -108,7 +108,7 @@ TEST(Dualize, OptimalBasisOfTheDualIsOptimalForThePrimal) {
     for (int j = 0; j < lp.num_columns(); ++j) {
       EXPECT_NEAR(point.x[j], check.answer().x[j], 1e-6);
       EXPECT_NEAR(point.d[j], check.answer().d[j], 1e-6);
-      EXPECT_EQ(point.column[j] == At::basic, check.answer().column_status[j] == At::basic);
+      EXPECT_EQ(point.column[j] == BasisStatus::basic, check.answer().column_status[j] == BasisStatus::basic);
     }
     for (int i = 0; i < lp.num_rows(); ++i) EXPECT_NEAR(point.y[i], check.answer().y[i], 1e-6);
   }

@@ -175,8 +175,8 @@ Answer solve_and_check(const LpData& lp, const Options& options, Start start, Ra
   if (start == Start::slack) {
     core.set_logical_basis();
   } else {
-    std::vector<At> status(static_cast<size_t>(core.total));
-    for (At& s : status) s = static_cast<At>(pick(random, 0, 3));
+    std::vector<BasisStatus> status(static_cast<size_t>(core.total));
+    for (BasisStatus& s : status) s = static_cast<BasisStatus>(pick(random, 0, 3));
     core.set_basis(status);
   }
   Primal primal(core);
@@ -341,7 +341,7 @@ TEST(Primal, StopsAtItsLimitsWithConsistentState) {
   };
   Options options;
   run(options, 7, 100000, Outcome::user_abort);
-  run(options, 1000000, 5, Outcome::trouble);
+  run(options, 1000000, 5, Outcome::numerical_failure);
   options.iteration_limit = 6;
   run(options, 1000000, 100000, Outcome::iteration_limit);
   options = {};

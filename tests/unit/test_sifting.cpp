@@ -11,9 +11,9 @@
 #include "tests/support/quiet_control.h"
 
 using namespace tovik::lp;
-using simplex::At;
-using simplex::Method;
-using simplex::Outcome;
+using tovik::lp::BasisStatus;
+using tovik::lp::Method;
+using tovik::lp::Outcome;
 
 namespace {
 

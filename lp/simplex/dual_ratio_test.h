@@ -16,7 +16,7 @@
 
 namespace tovik::lp::simplex {
 
-class DualEntering {
+class DualRatioTest {
  public:
   struct Pick {
     int variable = -1;

@@ -1,8 +1,8 @@
 /* Choice of the leaving row in the dual simplex: the largest infeasibility^2 / weight.
  *
  * - Holds: infeasibility[p] = squared violation of basic p (0 when within tolerance), size m.
- * - Modes: dense: every choice scans all rows. Listed: only rows whose merit passes a cut-off are kept in a
- *   list; rows are added as their merit grows, and the list is rebuilt when its best falls below the cut-off,
+ * - Modes: dense: every choice scans all rows. Listed: only rows whose score passes a cut-off are kept in a
+ *   list; rows are added as their score grows, and the list is rebuilt when its best falls below the cut-off,
  *   so that in a hyper-sparse run no choice looks at all rows.
  * - Order: rebuild() after the values were recomputed; set() for every value that an update changed. */
 #pragma once
@@ -15,12 +15,12 @@
 
 namespace tovik::lp::simplex {
 
-class DualLeaving {
+class DualPricing {
  public:
   void resize(int rows);
-  /* Recomputes all infeasibilities from the core's values, forgets taboo rows when asked, chooses the mode.
+  /* Recomputes all infeasibilities from the core's values, forgets banned rows when asked, chooses the mode.
    */
-  void rebuild(Core& core, const std::vector<double>& weight, bool keep_taboo);
+  void rebuild(Core& core, const std::vector<double>& weight, bool keep_banned);
   /* Best row or -1. */
   int choose(Core& core, const std::vector<double>& weight);
   void set(int p, double squared, double weight) {
@@ -30,12 +30,12 @@ class DualLeaving {
       list_.push_back(p);
     }
   }
-  /* Takes a row out of consideration until the next rebuild that forgets taboo rows. */
-  void make_taboo(int p) {
-    taboo_[p] = 1;
-    ++taboo_count_;
+  /* Takes a row out of consideration until the next rebuild that forgets banned rows. */
+  void ban(int p) {
+    banned_[p] = 1;
+    ++banned_count_;
   }
-  int taboo_count() const { return taboo_count_; }
+  int banned_count() const { return banned_count_; }
   /* set() for all rows from the core's values. */
   void set_all(const Core& core, const std::vector<double>& weight);
   static double violation2(double x, double low, double high, double tolerance) {
@@ -48,12 +48,12 @@ class DualLeaving {
   void make_list(Core& core, const std::vector<double>& weight);
   int scan(Core& core, const std::vector<double>& weight) const;
   std::vector<double> infeasibility_;
-  std::vector<char> in_list_, taboo_;
+  std::vector<char> in_list_, banned_;
   std::vector<int> list_;
-  std::vector<double> merit_;  // work space of make_list
+  std::vector<double> score_;  // work space of make_list
   double cutoff_ = 0;
   bool listed_ = false;
-  int taboo_count_ = 0;
+  int banned_count_ = 0;
 };
 
 }  // namespace tovik::lp::simplex

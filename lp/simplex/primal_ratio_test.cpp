@@ -1,4 +1,4 @@
-#include "lp/simplex/primal_ratio.h"
+#include "lp/simplex/primal_ratio_test.h"
 
 #include <algorithm>
 #include <cmath>
@@ -16,13 +16,13 @@ constexpr double kGoodShare =
 constexpr double kGoodAlways = 1.0;  // ... or this size
 }  // namespace
 
-void PrimalRatio::resize(const Core& core) {
+void PrimalRatioTest::resize(const Core& core) {
   const auto size = static_cast<size_t>(core.m);
   breaks_.reserve(2 * size);
   candidate_.reserve(size);
 }
 
-PrimalPick PrimalRatio::feasible(Core& core, const SparseVector& column, double direction, double slack) {
+PrimalPick PrimalRatioTest::feasible(Core& core, const SparseVector& column, double direction, double slack) {
   const double smallest = pivot_tolerance(core.factor.updates());
   const double* const x = core.x.data();
   const double* const low = core.x_lower.data();
@@ -59,7 +59,7 @@ PrimalPick PrimalRatio::feasible(Core& core, const SparseVector& column, double 
   return pick;
 }
 
-void PrimalRatio::collect(const Core& core, const SparseVector& column, double direction) {
+void PrimalRatioTest::collect(const Core& core, const SparseVector& column, double direction) {
   const double smallest = pivot_tolerance(core.factor.updates());
   const double tolerance = core.primal_tolerance;
   breaks_.clear();
@@ -81,8 +81,8 @@ void PrimalRatio::collect(const Core& core, const SparseVector& column, double d
   });
 }
 
-PrimalPick PrimalRatio::infeasible(Core& core, const SparseVector& column, double direction, double slope,
-                                   double limit) {
+PrimalPick PrimalRatioTest::infeasible(Core& core, const SparseVector& column, double direction, double slope,
+                                       double limit) {
   collect(core, column, direction);
   core.charge(2 * static_cast<std::int64_t>(breaks_.size()) + column.count);
   const auto later = [](const Break& a, const Break& b) { return a.tight > b.tight; };

@@ -1,4 +1,4 @@
-#include "lp/linalg/sparse_vector.h"
+#include "lp/base/sparse_vector.h"
 
 #include <algorithm>
 #include <cmath>

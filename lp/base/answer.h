@@ -3,9 +3,10 @@
 
 #include <vector>
 
-#include "lp/simplex/types.h"
+#include "lp/base/basis_status.h"
+#include "lp/base/outcome.h"
 
-namespace tovik::lp::simplex {
+namespace tovik::lp {
 
 enum class Method { dual, primal };
 
@@ -17,7 +18,7 @@ struct Violation {
 };
 
 struct Answer {
-  Outcome outcome = Outcome::trouble;
+  Outcome outcome = Outcome::numerical_failure;
   bool has_values = false;  // x, activity, y, d, statuses are set
   bool primal_feasible = false, dual_feasible = false;
   bool unscaled_infeasible =
@@ -25,15 +26,15 @@ struct Answer {
   Method method = Method::dual;  // of the last run that moved
   double objective = 0;
   std::vector<double> x, activity, y, d;
-  std::vector<At> column_status, row_status;  // of a row: the status of its activity
-  std::vector<double> ray;                    // unbounded: columns
+  std::vector<BasisStatus> column_status, row_status;  // of a row: the status of its activity
+  std::vector<double> ray;                             // unbounded: columns
   std::vector<double> farkas;  // infeasible: y by row with max over the box of y'Ax < min of y'(row bounds)
   double farkas_gap = 0;       // by which the certificate holds
   Violation violation;         // as last measured at all entries
 
   /* Takes back what the last solve claimed; values and statuses stay where they are. */
   void withdraw() {
-    outcome = Outcome::trouble;
+    outcome = Outcome::numerical_failure;
     has_values = primal_feasible = dual_feasible = unscaled_infeasible = false;
     ray.clear();
     farkas.clear();
@@ -41,10 +42,4 @@ struct Answer {
   }
 };
 
-/* The status of a row's activity from that of its logical, and the other way: the logical is minus the
- * activity. */
-inline At activity_status(At logical) {
-  return logical == At::lower ? At::upper : logical == At::upper ? At::lower : logical;
-}
-
-}  // namespace tovik::lp::simplex
+}  // namespace tovik::lp

@@ -18,7 +18,7 @@ struct Spread {
 };
 
 /* Scale factors of the new lines: of columns by their entries in old rows, then of rows. */
-void extend_scaling(const Reshape& change, Scaling& scaling) {
+void extend_scaling(const ModelEdit& change, Scaling& scaling) {
   const auto old_rows = static_cast<int>(scaling.row.size());
   for (int j = 0; j < change.new_columns(); ++j) {
     Spread spread;
@@ -37,7 +37,7 @@ void extend_scaling(const Reshape& change, Scaling& scaling) {
 }
 
 /* Brings the new lines, the last of the scaled model, into its space. */
-void scale(Reshape& change, const Scaling& scaling) {
+void scale(ModelEdit& change, const Scaling& scaling) {
   const auto first_column = static_cast<int>(scaling.column.size()) - change.new_columns();
   const auto first_row = static_cast<int>(scaling.row.size()) - change.new_rows();
   for (int j = 0; j < change.new_columns(); ++j) {
@@ -62,50 +62,50 @@ bool are_last(std::span<const int> gone, int count) {
   return gone.empty() || gone.front() == count - static_cast<int>(gone.size());
 }
 
-void reshape_vectors(const Reshape& change, LpData& lp) {
+void edit_vectors(const ModelEdit& change, LpData& lp) {
   const auto exchange = [](std::vector<double>& v, std::span<const int> gone,
                            const std::vector<double>& added) {
-    take_out(v, gone);
+    erase_indices(v, gone);
     v.insert(v.end(), added.begin(), added.end());
   };
-  exchange(lp.cost, change.columns_gone, change.cost);
-  exchange(lp.lower, change.columns_gone, change.lower);
-  exchange(lp.upper, change.columns_gone, change.upper);
-  exchange(lp.row_lower, change.rows_gone, change.row_lower);
-  exchange(lp.row_upper, change.rows_gone, change.row_upper);
+  exchange(lp.cost, change.deleted_columns, change.cost);
+  exchange(lp.lower, change.deleted_columns, change.lower);
+  exchange(lp.upper, change.deleted_columns, change.upper);
+  exchange(lp.row_lower, change.deleted_rows, change.row_lower);
+  exchange(lp.row_upper, change.deleted_rows, change.row_upper);
   lp.matrix.columns = static_cast<int>(lp.cost.size());
   lp.matrix.rows = static_cast<int>(lp.row_lower.size());
 }
 
 }  // namespace
 
-bool Solver::reshape(Reshape change) {
+bool Solver::edit(ModelEdit change) {
   Core& core = *core_;
-  const bool allowed = std::all_of(change.columns_gone.begin(), change.columns_gone.end(),
+  const bool allowed = std::all_of(change.deleted_columns.begin(), change.deleted_columns.end(),
                                    [&](int j) { return core.nonbasic[j] != 0; }) &&
-                       std::none_of(change.rows_gone.begin(), change.rows_gone.end(),
+                       std::none_of(change.deleted_rows.begin(), change.deleted_rows.end(),
                                     [&](int i) { return core.nonbasic[core.n + i] != 0; });
   if (!allowed) return false;
-  standing_.prepare_reshape(change);
-  answer_is_new_ = answer_is_new_ || !are_last(change.columns_gone, core.n) ||
-                   !are_last(change.rows_gone, core.m) || !standing_.columns().empty() ||
-                   !standing_.rows().empty();
+  reoptimization_.prepare_edit(change);
+  answer_is_new_ = answer_is_new_ || !are_last(change.deleted_columns, core.n) ||
+                   !are_last(change.deleted_rows, core.m) || !reoptimization_.columns().empty() ||
+                   !reoptimization_.rows().empty();
   if (keep_norms_) {
     if (dual_ != nullptr) carried_norms_ = dual_->norms().view();
-    take_out(carried_norms_, core.positions_of_logicals(change.rows_gone));
+    erase_indices(carried_norms_, core.positions_of_logicals(change.deleted_rows));
     carried_norms_.resize(carried_norms_.size() + static_cast<size_t>(change.new_rows()), 1.0);
   }
-  reshape_vectors(change, user_.lp);
+  edit_vectors(change, user_.lp);
   if (user_.scaling.active()) {
-    take_out(user_.scaling.column, change.columns_gone);
-    take_out(user_.scaling.row, change.rows_gone);
+    erase_indices(user_.scaling.column, change.deleted_columns);
+    erase_indices(user_.scaling.row, change.deleted_rows);
     extend_scaling(change, user_.scaling);
     scale(change, user_.scaling);
   }
-  core.reshape(change);
+  core.edit(change);
   dual_.reset();
   primal_.reset();
-  standing_.reshape(change);
+  reoptimization_.edit(change);
   return true;
 }
 

@@ -18,23 +18,23 @@
 #include <span>
 #include <vector>
 
-#include "lp/linalg/sparse_vector.h"
-#include "lp/simplex/answer.h"
+#include "lp/base/answer.h"
+#include "lp/base/sparse_vector.h"
+#include "lp/simplex/activities.h"
 #include "lp/simplex/core.h"
 #include "lp/simplex/marked_list.h"
-#include "lp/simplex/reshape.h"
+#include "lp/simplex/model_edit.h"
 #include "lp/simplex/types.h"
 #include "lp/simplex/user_space.h"
-#include "lp/simplex/user_sums.h"
 
 namespace tovik::lp::simplex {
 
-class Standing {
+class Reoptimization {
  public:
   /* Of the standing basis: unknown asks for a complete solve. */
   enum class State { unknown, optimal, primal_feasible, primal_infeasible };
 
-  Standing(Core& core, const UserSpace& user, UserSums& sums, Answer& answer)
+  Reoptimization(Core& core, const UserSpace& user, Activities& sums, Answer& answer)
       : core_(core), user_(user), sums_(sums), answer_(answer) {}
 
   void settle(const Options& options);
@@ -50,8 +50,8 @@ class Standing {
   State refresh(const Options& options);
   /* Before and after the core and the user's vectors are reshaped: the answer is reshaped with them, and what
    * is new counts as touched. Forgets where basic values would have to move for what is gone. */
-  void prepare_reshape(const Reshape& change);
-  void reshape(const Reshape& change);
+  void prepare_edit(const ModelEdit& change);
+  void edit(const ModelEdit& change);
 
   /* Columns and rows whose entries of the answer may differ since the last taken(). */
   std::span<const int> columns() const { return columns_.view(); }
@@ -90,7 +90,7 @@ class Standing {
 
   Core& core_;
   const UserSpace& user_;
-  UserSums& sums_;
+  Activities& sums_;
   Answer& answer_;
   State state_ = State::unknown;
   double primal_tolerance_ = 0, dual_tolerance_ = 0;  // of the solve that settled

@@ -1,4 +1,4 @@
-#include "lp/simplex/primal_work_set.h"
+#include "lp/simplex/partial_pricing.h"
 
 #include <algorithm>
 #include <cmath>
@@ -13,13 +13,13 @@ constexpr int kAddMost = 600;
 constexpr int kManyRows = 2000;  // from here on bases are mostly so sparse that few columns at a time pay
 constexpr int kLargest = 4;      // the set is thinned when larger than this many times rows + additions
 
-double attraction(const Core& core, int j) {
+double dual_infeasibility(const Core& core, int j) {
   const double d = core.d[j];
   return core.move[j] > 0 ? -d : core.move[j] < 0 ? d : std::fabs(d);
 }
 }  // namespace
 
-void PrimalWorkSet::start(Core& core) {
+void PartialPricing::start(Core& core) {
   const int wanted = core.options.price_candidates;
   on_ = wanted > 0 ? wanted < core.n : core.n >= kWideLeast && core.n > kWide * core.m;
   if (!on_) return;
@@ -37,21 +37,21 @@ void PrimalWorkSet::start(Core& core) {
   }
 }
 
-void PrimalWorkSet::reselect(Core& core, double tolerance) {
+void PartialPricing::reselect(Core& core, double tolerance) {
   found_.clear();
   universe_.clear();
   for (int j = 0; j < core.n; ++j) {
     if (member_[j]) {
       universe_.push_back(j);
     } else if (!core.is_fixed(j)) {
-      const double v = attraction(core, j);
+      const double v = dual_infeasibility(core, j);
       if (v > tolerance) found_.emplace_back(v * v / norm_[j], j);
     }
   }
   core.charge(core.n);
   if (static_cast<double>(universe_.size()) > static_cast<double>(kLargest) * (core.m + add_)) {
     std::erase_if(universe_, [&](int j) {
-      if (!core.nonbasic[j] || attraction(core, j) > -tolerance) return false;
+      if (!core.nonbasic[j] || dual_infeasibility(core, j) > -tolerance) return false;
       member_[j] = 0;
       core.rows.deactivate(j);
       return true;
@@ -61,7 +61,7 @@ void PrimalWorkSet::reselect(Core& core, double tolerance) {
     std::nth_element(found_.begin(), found_.begin() + add_, found_.end(), std::greater<>());
     found_.resize(static_cast<size_t>(add_));
   }
-  for (const auto& [merit, j] : found_) {
+  for (const auto& [score, j] : found_) {
     member_[j] = 1;
     core.rows.activate(j);
     universe_.push_back(j);
@@ -69,7 +69,7 @@ void PrimalWorkSet::reselect(Core& core, double tolerance) {
   for (int i = 0; i < core.m; ++i) universe_.push_back(core.n + i);
 }
 
-void PrimalWorkSet::finish(Core& core) {
+void PartialPricing::finish(Core& core) {
   if (!on_) return;
   on_ = false;
   for (int j = 0; j < core.n; ++j) {

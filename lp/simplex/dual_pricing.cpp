@@ -1,4 +1,4 @@
-#include "lp/simplex/dual_leaving.h"
+#include "lp/simplex/dual_pricing.h"
 
 #include <algorithm>
 #include <functional>
@@ -9,19 +9,19 @@ constexpr double kListColumnDensity =
     0.05;                            // above this a scan of all rows costs no more than the update does
 constexpr int kListKeep = 500;       // rows kept at least when a list is cut
 constexpr double kListShare = 0.01;  // lists up to this share of the rows are not cut
-constexpr double kRefill = 0.99;  // rebuild when the best listed merit falls below this share of the cut-off
+constexpr double kRefill = 0.99;  // rebuild when the best listed score falls below this share of the cut-off
 }  // namespace
 
-void DualLeaving::resize(int rows) {
+void DualPricing::resize(int rows) {
   infeasibility_.assign(static_cast<size_t>(rows), 0.0);
   in_list_.assign(static_cast<size_t>(rows), 0);
-  taboo_.assign(static_cast<size_t>(rows), 0);
+  banned_.assign(static_cast<size_t>(rows), 0);
   list_.clear();
   list_.reserve(static_cast<size_t>(rows));
-  taboo_count_ = 0;
+  banned_count_ = 0;
 }
 
-void DualLeaving::measure(const Core& core) {
+void DualPricing::measure(const Core& core) {
   const double* const x = core.x.data();
   const double* const low = core.x_lower.data();
   const double* const high = core.x_upper.data();
@@ -30,7 +30,7 @@ void DualLeaving::measure(const Core& core) {
   for (int p = 0; p < core.m; ++p) squared[p] = violation2(x[p], low[p], high[p], tolerance);
 }
 
-void DualLeaving::set_all(const Core& core, const std::vector<double>& weight) {
+void DualPricing::set_all(const Core& core, const std::vector<double>& weight) {
   measure(core);
   if (!listed_) return;
   for (int p = 0; p < core.m; ++p) {
@@ -41,31 +41,31 @@ void DualLeaving::set_all(const Core& core, const std::vector<double>& weight) {
   }
 }
 
-void DualLeaving::rebuild(Core& core, const std::vector<double>& weight, bool keep_taboo) {
+void DualPricing::rebuild(Core& core, const std::vector<double>& weight, bool keep_banned) {
   measure(core);
-  if (!keep_taboo && taboo_count_ > 0) {
-    std::fill(taboo_.begin(), taboo_.end(), 0);
-    taboo_count_ = 0;
+  if (!keep_banned && banned_count_ > 0) {
+    std::fill(banned_.begin(), banned_.end(), 0);
+    banned_count_ = 0;
   }
   make_list(core, weight);
 }
 
-void DualLeaving::make_list(Core& core, const std::vector<double>& weight) {
+void DualPricing::make_list(Core& core, const std::vector<double>& weight) {
   for (int p : list_) in_list_[p] = 0;
   list_.clear();
   cutoff_ = 0;
   listed_ = core.m > kListKeep && core.column_density.value() < kListColumnDensity;
   if (!listed_) return;
-  merit_.clear();
+  score_.clear();
   for (int p = 0; p < core.m; ++p) {
-    if (infeasibility_[p] > 0) merit_.push_back(infeasibility_[p] / weight[p]);
+    if (infeasibility_[p] > 0) score_.push_back(infeasibility_[p] / weight[p]);
   }
   const auto uncut = std::max<size_t>(kListKeep, static_cast<size_t>(kListShare * core.m));
-  if (merit_.size() > uncut) {
-    const auto keep = std::max<size_t>(kListKeep, merit_.size() / 100);
-    std::nth_element(merit_.begin(), merit_.begin() + static_cast<std::ptrdiff_t>(keep), merit_.end(),
+  if (score_.size() > uncut) {
+    const auto keep = std::max<size_t>(kListKeep, score_.size() / 100);
+    std::nth_element(score_.begin(), score_.begin() + static_cast<std::ptrdiff_t>(keep), score_.end(),
                      std::greater<>());
-    cutoff_ = merit_[keep];
+    cutoff_ = score_[keep];
   }
   const auto add = [&](int p) {
     in_list_[p] = 1;
@@ -83,13 +83,13 @@ void DualLeaving::make_list(Core& core, const std::vector<double>& weight) {
   }
 }
 
-int DualLeaving::scan(Core& core, const std::vector<double>& weight) const {
+int DualPricing::scan(Core& core, const std::vector<double>& weight) const {
   double best_infeasibility = 0;
   double best_weight = 1;
   int best = -1;
   const auto look = [&](int from, int to) {
     for (int p = from; p < to; ++p) {
-      if (infeasibility_[p] * best_weight > best_infeasibility * weight[p] && !taboo_[p]) {
+      if (infeasibility_[p] * best_weight > best_infeasibility * weight[p] && !banned_[p]) {
         best_infeasibility = infeasibility_[p];
         best_weight = weight[p];
         best = p;
@@ -104,7 +104,7 @@ int DualLeaving::scan(Core& core, const std::vector<double>& weight) const {
   return best;
 }
 
-int DualLeaving::choose(Core& core, const std::vector<double>& weight) {
+int DualPricing::choose(Core& core, const std::vector<double>& weight) {
   if (core.m == 0) return -1;
   if (!listed_) return scan(core, weight);
   for (int round = 0; round < 2; ++round) {
@@ -121,7 +121,7 @@ int DualLeaving::choose(Core& core, const std::vector<double>& weight) {
         continue;
       }
       list_[kept++] = p;
-      if (squared * best_weight > best_infeasibility * weight[p] && !taboo_[p]) {
+      if (squared * best_weight > best_infeasibility * weight[p] && !banned_[p]) {
         best_infeasibility = squared;
         best_weight = weight[p];
         best = p;

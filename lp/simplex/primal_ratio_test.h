@@ -9,7 +9,7 @@
 
 #include <vector>
 
-#include "lp/linalg/sparse_vector.h"
+#include "lp/base/sparse_vector.h"
 #include "lp/simplex/core.h"
 
 namespace tovik::lp::simplex {
@@ -21,7 +21,7 @@ struct PrimalPick {
   int leaving_move = 0;  // +1: leaves at its lower bound, -1: at its upper bound
 };
 
-class PrimalRatio {
+class PrimalRatioTest {
  public:
   void resize(const Core& core);
   /* slack: relaxation of the bounds in the first pass. */

@@ -1,4 +1,4 @@
-#include "lp/linalg/lp_data.h"
+#include "lp/base/lp_data.h"
 
 namespace tovik::lp {
 

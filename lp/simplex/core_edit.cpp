@@ -2,20 +2,20 @@
 #include <algorithm>
 
 #include "lp/simplex/core.h"
-#include "lp/simplex/reshape.h"
+#include "lp/simplex/model_edit.h"
 
 namespace tovik::lp::simplex {
 namespace {
 
 /* Takes out entries of lines that are gone and renumbers the others; empty maps: nothing goes. */
-void compact(Matrix& matrix, const std::vector<int>& row_number, std::span<const int> columns_gone) {
+void compact(Matrix& matrix, const std::vector<int>& row_number, std::span<const int> deleted_columns) {
   int kept = 0;
   int column = 0;
   size_t next = 0;
   for (int j = 0; j < matrix.columns; ++j) {
     const int begin = matrix.start[j];
     const int end = matrix.start[j + 1];
-    if (next < columns_gone.size() && columns_gone[next] == j) {
+    if (next < deleted_columns.size() && deleted_columns[next] == j) {
       ++next;
       continue;
     }
@@ -85,17 +85,17 @@ std::vector<int> Core::positions_of_logicals(std::span<const int> rows_of_logica
   return positions;
 }
 
-void Core::reshape(const Reshape& change) {
-  const std::vector<int> positions = positions_of_logicals(change.rows_gone);
+void Core::edit(const ModelEdit& change) {
+  const std::vector<int> positions = positions_of_logicals(change.deleted_rows);
   const std::vector<int> row_number =
-      change.rows_gone.empty() ? std::vector<int>{} : renumbering(m, change.rows_gone);
+      change.deleted_rows.empty() ? std::vector<int>{} : renumbering(m, change.deleted_rows);
   const std::vector<int> column_number =
-      change.columns_gone.empty() ? std::vector<int>{} : renumbering(n, change.columns_gone);
-  const int kept_columns = n - static_cast<int>(change.columns_gone.size());
-  const int kept_rows = m - static_cast<int>(change.rows_gone.size());
+      change.deleted_columns.empty() ? std::vector<int>{} : renumbering(n, change.deleted_columns);
+  const int kept_columns = n - static_cast<int>(change.deleted_columns.size());
+  const int kept_rows = m - static_cast<int>(change.deleted_rows.size());
   const int new_n = kept_columns + change.new_columns();
 
-  take_out(head, positions);
+  erase_indices(head, positions);
   for (int& j : head) {
     if (j >= n) {
       j = new_n + (row_number.empty() ? j - n : row_number[j - n]);
@@ -105,22 +105,22 @@ void Core::reshape(const Reshape& change) {
   }
   for (int i = 0; i < change.new_rows(); ++i) head.push_back(new_n + kept_rows + i);
   for (auto* v : {&x, &x_lower, &x_upper}) {
-    take_out(*v, positions);
+    erase_indices(*v, positions);
     v->resize(head.size(), 0.0);
   }
 
-  const auto reshape_all = [&](auto& v, auto fill) {
-    take_out(v, change.rows_gone, n);
-    take_out(v, change.columns_gone);
+  const auto edit_all = [&](auto& v, auto fill) {
+    erase_indices(v, change.deleted_rows, n);
+    erase_indices(v, change.deleted_columns);
     v.insert(v.begin() + kept_columns, static_cast<size_t>(change.new_columns()), fill);
     v.resize(v.size() + static_cast<size_t>(change.new_rows()), fill);
   };
   for (auto* v : {&cost, &lower, &upper, &work_cost, &work_lower, &work_upper, &value, &d, &random_value})
-    reshape_all(*v, 0.0);
-  for (auto* v : {&nonbasic, &move}) reshape_all(*v, static_cast<signed char>(0));
+    edit_all(*v, 0.0);
+  for (auto* v : {&nonbasic, &move}) edit_all(*v, static_cast<signed char>(0));
 
-  if (!change.rows_gone.empty() || !change.columns_gone.empty())
-    compact(lp.matrix, row_number, change.columns_gone);
+  if (!change.deleted_rows.empty() || !change.deleted_columns.empty())
+    compact(lp.matrix, row_number, change.deleted_columns);
   lp.matrix.rows = kept_rows;
   if (!change.rows.index.empty()) append_rows(lp.matrix, change.rows);
   append_columns(lp.matrix, change.columns);

@@ -12,16 +12,16 @@
 #include <cstdint>
 #include <vector>
 
-#include "lp/linalg/sum.h"
+#include "lp/base/sum.h"
 #include "lp/simplex/marked_list.h"
-#include "lp/simplex/reshape.h"
+#include "lp/simplex/model_edit.h"
 #include "lp/simplex/user_space.h"
 
 namespace tovik::lp::simplex {
 
-class UserSums {
+class Activities {
  public:
-  explicit UserSums(const UserSpace& space) : space_(space) {}
+  explicit Activities(const UserSpace& space) : space_(space) {}
 
   void compute(const std::vector<double>& x, const std::vector<double>& y);
   void move_x(int j, double from, double to);
@@ -29,7 +29,7 @@ class UserSums {
   void change_cost(int j, double from, double to, double x);
   /* After the space was reshaped, with the change in scaled space: x is 0 in columns that went and in new
    * ones, y in rows likewise. Forgets marks. */
-  void reshape(const Reshape& change, const std::vector<double>& x, const std::vector<double>& y);
+  void edit(const ModelEdit& change, const std::vector<double>& x, const std::vector<double>& y);
 
   double activity(int i) const { return activity_[i].value(); }
   double dual_sum(int j) const { return dual_sum_[j].value(); }

@@ -2,9 +2,9 @@
  *
  * Columns outside the set are inactive in the row copy, so that the pivot row and the updates of d and
  * weights cost only what the set holds. reselect() is called whenever d has been recomputed for all columns:
- * it adds the best attractive columns and drops unattractive ones when the set has grown too large. As it
- * adds at least one column as long as there is an attractive one, a set without candidates after reselect()
- * means that no column of the model is attractive. */
+ * it adds the best improving columns and drops unattractive ones when the set has grown too large. As it
+ * adds at least one column as long as there is an improving one, a set without candidates after reselect()
+ * means that no column of the model is improving. */
 #pragma once
 
 #include <vector>
@@ -13,7 +13,7 @@
 
 namespace tovik::lp::simplex {
 
-class PrimalWorkSet {
+class PartialPricing {
  public:
   /* Decides by shape and options whether to price partially. */
   void start(Core& core);

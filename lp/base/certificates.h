@@ -10,10 +10,10 @@
 #include <utility>
 #include <vector>
 
-#include "lp/linalg/lp_data.h"
-#include "lp/linalg/sum.h"
+#include "lp/base/lp_data.h"
+#include "lp/base/sum.h"
 
-namespace tovik::lp::simplex {
+namespace tovik::lp {
 
 inline constexpr double kNegligible = 1e-9;  // share of the largest multiplier, or of the terms of a sum
 
@@ -86,4 +86,4 @@ bool verify_farkas(const LpData& lp, EachEntry each_entry, std::vector<double> y
   return false;
 }
 
-}  // namespace tovik::lp::simplex
+}  // namespace tovik::lp

@@ -1,4 +1,4 @@
-#include "lp/simplex/standing.h"
+#include "lp/simplex/reoptimization.h"
 
 #include <algorithm>
 #include <cmath>
@@ -18,17 +18,17 @@ double outside(double value, double low, double high) {
 }
 
 /* Wrong-signed part of a nonbasic variable's reduced cost. */
-double wrong_sign(double d, At status, bool fixed) {
+double wrong_sign(double d, BasisStatus status, bool fixed) {
   if (fixed) return 0;
-  if (status == At::lower) return -d;
-  if (status == At::upper) return d;
+  if (status == BasisStatus::lower) return -d;
+  if (status == BasisStatus::upper) return d;
   return std::fabs(d);
 }
 
 }  // namespace
 
 /* Everything that counts rows, columns or changes, for the present sizes. */
-void Standing::resize() {
+void Reoptimization::resize() {
   const auto most = static_cast<size_t>(std::max(kLeastTouched, core_.total / kTouchedShare));
   if (shift_.dimension() != core_.m) {
     shift_.resize(core_.m);
@@ -44,7 +44,7 @@ void Standing::resize() {
   find_positions();
 }
 
-void Standing::settle(const Options& options) {
+void Reoptimization::settle(const Options& options) {
   forget();
   resize();
   primal_tolerance_ = options.primal_tolerance;
@@ -53,39 +53,39 @@ void Standing::settle(const Options& options) {
   state_ = State::optimal;
 }
 
-void Standing::find_positions() {
+void Reoptimization::find_positions() {
   for (int p = 0; p < core_.m; ++p) position_[core_.head[p]] = p;
 }
 
-void Standing::note(int j) {
+void Reoptimization::note(int j) {
   if (!holds() || is_touched_[j]) return;
   if (touched_.size() == touched_.capacity()) return forget();
   is_touched_[j] = 1;
   touched_.push_back({j, core_.value[j], j < core_.n ? user_.lp.cost[j] : 0.0});
 }
 
-bool Standing::needs_factor() const {
+bool Reoptimization::needs_factor() const {
   return holds() && std::any_of(touched_.begin(), touched_.end(), [&](const Touched& t) {
            return core_.nonbasic[t.variable] ? core_.value[t.variable] != t.value
                                              : t.variable < core_.n && user_.lp.cost[t.variable] != t.cost;
          });
 }
 
-bool Standing::follows(const Options& options) const {
+bool Reoptimization::follows(const Options& options) const {
   return state_ == State::optimal && options.primal_tolerance == primal_tolerance_ &&
          options.dual_tolerance == dual_tolerance_;
 }
 
-bool Standing::is_due() const {
+bool Reoptimization::is_due() const {
   return refreshes_ >= kRefreshes;
 }
 
-bool Standing::bounds_cross() const {
+bool Reoptimization::bounds_cross() const {
   return std::any_of(touched_.begin(), touched_.end(),
                      [&](const Touched& t) { return !(core_.lower[t.variable] <= core_.upper[t.variable]); });
 }
 
-Standing::State Standing::refresh(const Options& options) {
+Reoptimization::State Reoptimization::refresh(const Options& options) {
   if (touched_.empty() && holds() && options.primal_tolerance == primal_tolerance_ &&
       options.dual_tolerance == dual_tolerance_) {
     return state_;
@@ -108,29 +108,29 @@ Standing::State Standing::refresh(const Options& options) {
   return state_;
 }
 
-void Standing::prepare_reshape(const Reshape& change) {
-  const bool moves = std::any_of(change.columns_gone.begin(), change.columns_gone.end(),
+void Reoptimization::prepare_edit(const ModelEdit& change) {
+  const bool moves = std::any_of(change.deleted_columns.begin(), change.deleted_columns.end(),
                                  [&](int j) { return core_.value[j] != 0; });
   if (state_ != State::optimal || !touched_.empty() || moves) forget();
 }
 
-void Standing::reshape(const Reshape& change) {
+void Reoptimization::edit(const ModelEdit& change) {
   if (!holds()) return;
   const auto columns = static_cast<size_t>(core_.n);
   const auto rows = static_cast<size_t>(core_.m);
   for (auto* v : {&answer_.x, &answer_.d}) {
-    take_out(*v, change.columns_gone);
+    erase_indices(*v, change.deleted_columns);
     v->resize(columns, 0.0);
   }
   for (auto* v : {&answer_.activity, &answer_.y}) {
-    take_out(*v, change.rows_gone);
+    erase_indices(*v, change.deleted_rows);
     v->resize(rows, 0.0);
   }
-  take_out(answer_.column_status, change.columns_gone);
-  answer_.column_status.resize(columns, At::lower);
-  take_out(answer_.row_status, change.rows_gone);
-  answer_.row_status.resize(rows, At::basic);
-  sums_.reshape(change, answer_.x, answer_.y);
+  erase_indices(answer_.column_status, change.deleted_columns);
+  answer_.column_status.resize(columns, BasisStatus::lower);
+  erase_indices(answer_.row_status, change.deleted_rows);
+  answer_.row_status.resize(rows, BasisStatus::basic);
+  sums_.edit(change, answer_.x, answer_.y);
   resize();
   if (static_cast<size_t>(change.new_columns() + change.new_rows()) > touched_.capacity()) return forget();
   for (int j = core_.n - change.new_columns(); j < core_.n; ++j) enter_column(j);
@@ -138,14 +138,14 @@ void Standing::reshape(const Reshape& change) {
 }
 
 /* A new column comes from 0 to the bound that its reduced cost asks for. */
-void Standing::enter_column(int j) {
+void Reoptimization::enter_column(int j) {
   const double d = user_.lp.cost[j] - sums_.dual_sum(j);
   if (d != 0) core_.place_nonbasic(j, d > 0 ? 1 : -1);
   is_touched_[j] = 1;
   touched_.push_back({j, 0.0, 0.0});
 }
 
-void Standing::enter_row(int i) {
+void Reoptimization::enter_row(int i) {
   const int j = core_.n + i;
   const int p = position_[j];
   core_.x[p] = -sums_.activity(i) * user_.row_scale(i);
@@ -153,17 +153,17 @@ void Standing::enter_row(int i) {
   touched_.push_back({j, 0.0, 0.0});
 }
 
-double Standing::user_value(int j) const {
+double Reoptimization::user_value(int j) const {
   return core_.nonbasic[j] ? user_.nonbasic_value(j) : core_.x[position_[j]] * user_.column_scale(j);
 }
 
-void Standing::move_column(int j, double value) {
+void Reoptimization::move_column(int j, double value) {
   sums_.move_x(j, answer_.x[j], value);
   answer_.x[j] = value;
 }
 
 /* Reduced costs follow from the duals: the user's sums give them when the columns are judged. */
-void Standing::move_costs() {
+void Reoptimization::move_costs() {
   cost_shift_.clear();
   for (const Touched& t : touched_) {
     const int j = t.variable;
@@ -190,7 +190,7 @@ void Standing::move_costs() {
   for (int i = 0; cost_shift_.count < 0 && i < core_.m; ++i) move(i);
 }
 
-void Standing::move_values() {
+void Reoptimization::move_values() {
   shift_.clear();
   for (const Touched& t : touched_) {
     const int j = t.variable;
@@ -214,15 +214,15 @@ void Standing::move_values() {
   for (int p = 0; shift_.count < 0 && p < core_.m; ++p) move(p);
 }
 
-void Standing::judge_column(int j, Findings& found) {
+void Reoptimization::judge_column(int j, Findings& found) {
   const double scale = user_.column_scale(j);
   const double x = answer_.x[j];
   const double d = user_.lp.cost[j] - sums_.dual_sum(j);
-  const At status = core_.status(j);
+  const BasisStatus status = core_.status(j);
   answer_.d[j] = d;
   answer_.column_status[j] = status;
   found.user_primal = std::max(found.user_primal, outside(x, user_.lp.lower[j], user_.lp.upper[j]));
-  if (status == At::basic) {
+  if (status == BasisStatus::basic) {
     const int p = position_[j];
     found.primal = std::max(found.primal, outside(core_.x[p], core_.x_lower[p], core_.x_upper[p]));
     found.residual = std::max(found.residual, std::fabs(d) * scale);
@@ -235,16 +235,16 @@ void Standing::judge_column(int j, Findings& found) {
   found.user_dual = std::max(found.user_dual, wrong);
 }
 
-void Standing::judge_row(int i, Findings& found) {
+void Reoptimization::judge_row(int i, Findings& found) {
   const int j = core_.n + i;
   const double activity = sums_.activity(i);
   const double scaled = activity * user_.row_scale(i);
-  const At status = core_.status(j);
+  const BasisStatus status = core_.status(j);
   answer_.activity[i] = activity;
   answer_.row_status[i] = activity_status(status);
   found.user_primal =
       std::max(found.user_primal, outside(activity, user_.lp.row_lower[i], user_.lp.row_upper[i]));
-  if (status == At::basic) {
+  if (status == BasisStatus::basic) {
     const int p = position_[j];
     found.primal = std::max(found.primal, outside(core_.x[p], core_.x_lower[p], core_.x_upper[p]));
     found.residual = std::max(found.residual, std::fabs(scaled + core_.x[p]));
@@ -257,7 +257,7 @@ void Standing::judge_row(int i, Findings& found) {
   found.user_dual = std::max(found.user_dual, wrong_sign(answer_.y[i], answer_.row_status[i], fixed));
 }
 
-Standing::State Standing::judge(const Options& options) {
+Reoptimization::State Reoptimization::judge(const Options& options) {
   Findings found;
   for (const int j : sums_.columns().view()) {
     judge_column(j, found);
@@ -277,7 +277,7 @@ Standing::State Standing::judge(const Options& options) {
   return dual ? State::optimal : State::primal_feasible;
 }
 
-void Standing::taken() {
+void Reoptimization::taken() {
   columns_.clear();
   rows_.clear();
 }

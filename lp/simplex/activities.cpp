@@ -1,10 +1,10 @@
-#include "lp/simplex/user_sums.h"
+#include "lp/simplex/activities.h"
 
 #include <utility>
 
 namespace tovik::lp::simplex {
 
-void UserSums::compute(const std::vector<double>& x, const std::vector<double>& y) {
+void Activities::compute(const std::vector<double>& x, const std::vector<double>& y) {
   const int n = space_.lp.num_columns();
   const int m = space_.lp.num_rows();
   activity_.assign(static_cast<size_t>(m), CompensatedSum{});
@@ -27,7 +27,7 @@ void UserSums::compute(const std::vector<double>& x, const std::vector<double>& 
   columns_.resize(n);
 }
 
-void UserSums::move_x(int j, double from, double to) {
+void Activities::move_x(int j, double from, double to) {
   const CompensatedSum::Difference change(to, from);
   space_.each_entry(j, [&](int i, double a) {
     activity_[i].add_product(a, change);
@@ -38,7 +38,7 @@ void UserSums::move_x(int j, double from, double to) {
   work_ += space_.column_length(j);
 }
 
-void UserSums::move_y(int i, double from, double to) {
+void Activities::move_y(int i, double from, double to) {
   const CompensatedSum::Difference change(to, from);
   space_.each_row_entry(i, [&](int j, double a) {
     dual_sum_[j].add_product(a, change);
@@ -48,14 +48,14 @@ void UserSums::move_y(int i, double from, double to) {
   work_ += space_.core->rows.row_length(i);
 }
 
-void UserSums::change_cost(int j, double from, double to, double x) {
+void Activities::change_cost(int j, double from, double to, double x) {
   objective_.add_product(x, CompensatedSum::Difference(to, from));
   columns_.add(j);
 }
 
-void UserSums::reshape(const Reshape& change, const std::vector<double>& x, const std::vector<double>& y) {
-  take_out(activity_, change.rows_gone);
-  take_out(dual_sum_, change.columns_gone);
+void Activities::edit(const ModelEdit& change, const std::vector<double>& x, const std::vector<double>& y) {
+  erase_indices(activity_, change.deleted_rows);
+  erase_indices(dual_sum_, change.deleted_columns);
   for (int i = 0; i < change.new_rows(); ++i) {
     const double r = 1.0 / space_.row_scale(static_cast<int>(activity_.size()));
     CompensatedSum& sum = activity_.emplace_back();
@@ -72,7 +72,7 @@ void UserSums::reshape(const Reshape& change, const std::vector<double>& x, cons
   columns_.resize(space_.lp.num_columns());
 }
 
-std::int64_t UserSums::take_work() {
+std::int64_t Activities::take_work() {
   return std::exchange(work_, 0);
 }
 

@@ -7,12 +7,12 @@
 #include <span>
 #include <vector>
 
-#include "lp/linalg/lp_data.h"
+#include "lp/base/lp_data.h"
 
 namespace tovik::lp::simplex {
 
-struct Reshape {
-  std::span<const int> rows_gone, columns_gone;  // ascending, in the numbering before
+struct ModelEdit {
+  std::span<const int> deleted_rows, deleted_columns;  // ascending, in the numbering before
   Matrix columns;                          // new columns: rows in the numbering after, new rows included
   std::vector<double> cost, lower, upper;  // of the new columns
   Matrix rows;  // new rows, one a column of this matrix: their entries in old columns,
@@ -21,12 +21,12 @@ struct Reshape {
 
   int new_columns() const { return static_cast<int>(cost.size()); }
   int new_rows() const { return static_cast<int>(row_lower.size()); }
-  bool moves_rows() const { return !rows_gone.empty() || new_rows() > 0; }
+  bool moves_rows() const { return !deleted_rows.empty() || new_rows() > 0; }
 };
 
 /* Takes the places `gone`, counted from `offset`, out of v. */
 template <class T>
-void take_out(std::vector<T>& v, std::span<const int> gone, int offset = 0) {
+void erase_indices(std::vector<T>& v, std::span<const int> gone, int offset = 0) {
   if (gone.empty()) return;
   auto to = v.begin() + offset + gone.front();
   for (size_t k = 0; k < gone.size(); ++k) {

@@ -1,4 +1,4 @@
-#include "lp/simplex/dual_entering.h"
+#include "lp/simplex/dual_ratio_test.h"
 
 #include <algorithm>
 #include <cmath>
@@ -13,7 +13,7 @@ constexpr double kGoodShare = 0.1;  // a group's pivot is good when it reaches t
 constexpr double kGoodAlways = 1.0;  // ... or this size
 }  // namespace
 
-void DualEntering::prepare(const Core& core) {
+void DualRatioTest::prepare(const Core& core) {
   const auto size = static_cast<size_t>(core.total) + 1;  // one more: the loops write before they decide
   if (index_.size() != size) {
     index_.resize(size);
@@ -30,7 +30,7 @@ void DualEntering::prepare(const Core& core) {
 
 /* The loops here and in find_candidates() store every entry and step on by the outcome of the test: whether
  * an entry stays is close to random, and a branch on it would mostly be mispredicted. */
-void DualEntering::pack_row(Core& core, const SparseVector& rho, const SparseVector& alpha_row) {
+void DualRatioTest::pack_row(Core& core, const SparseVector& rho, const SparseVector& alpha_row) {
   int* const index = index_.data();
   double* const packed = alpha_.data();
   const double* const alpha = alpha_row.array.data();
@@ -64,7 +64,7 @@ void DualEntering::pack_row(Core& core, const SparseVector& rho, const SparseVec
   core.charge(2 * static_cast<std::int64_t>(count));
 }
 
-void DualEntering::find_candidates(const Core& core) {
+void DualRatioTest::find_candidates(const Core& core) {
   const int* const index = index_.data();
   const double* const alpha = alpha_.data();
   const signed char* const move = core.move.data();
@@ -96,7 +96,7 @@ void DualEntering::find_candidates(const Core& core) {
   largest_alpha_ = largest;
 }
 
-void DualEntering::add_free_candidates(const Core& core) {
+void DualRatioTest::add_free_candidates(const Core& core) {
   for (int k = 0; k < count_; ++k) {
     const int j = index_[k];
     if (core.move[j] != 0 || core.work_lower[j] != -kInf || core.work_upper[j] != kInf) continue;
@@ -112,7 +112,7 @@ void DualEntering::add_free_candidates(const Core& core) {
   }
 }
 
-void DualEntering::load(Core& core, const SparseVector& rho, const SparseVector& alpha_row, double delta) {
+void DualRatioTest::load(Core& core, const SparseVector& rho, const SparseVector& alpha_row, double delta) {
   sign_ = delta < 0 ? -1.0 : 1.0;
   smallest_ = pivot_tolerance(core.factor.updates());
   pack_row(core, rho, alpha_row);
@@ -121,7 +121,7 @@ void DualEntering::load(Core& core, const SparseVector& rho, const SparseVector&
 }
 
 /* Large steps: keeps only the candidates whose break points the slope can reach. */
-void DualEntering::select_reachable(const Core& core, double delta) {
+void DualRatioTest::select_reachable(const Core& core, double delta) {
   candidates_.clear();
   double slope = std::fabs(delta);
   int left = found_;
@@ -148,7 +148,7 @@ void DualEntering::select_reachable(const Core& core, double delta) {
   }
 }
 
-DualEntering::Pick DualEntering::choose(Core& core, double delta) {
+DualRatioTest::Pick DualRatioTest::choose(Core& core, double delta) {
   flips_.clear();
   Pick pick;
   if (found_ == 0) return pick;
