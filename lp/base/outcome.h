@@ -13,7 +13,7 @@ enum class Outcome {
   time_limit,
   tick_limit,
   user_abort,
-  singular,  // more singularities than allowed
+  singular,          // more singularities than allowed
   numerical_failure  // numerically stuck: no claim can be verified
 };
 

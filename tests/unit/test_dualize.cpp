@@ -11,11 +11,11 @@
 #include "tests/support/quiet_control.h"
 
 using namespace tovik::lp;
+using presolve::DualForm;
+using presolve::Point;
 using tovik::lp::BasisStatus;
 using tovik::lp::Method;
 using tovik::lp::Outcome;
-using presolve::DualForm;
-using presolve::Point;
 
 namespace {
 
