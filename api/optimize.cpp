@@ -8,6 +8,7 @@
 #include "lp/run/simplex_run.h"
 
 using namespace tovik;
+using lp::Method;
 
 namespace {
 

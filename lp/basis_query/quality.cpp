@@ -6,8 +6,8 @@
 
 #include "env/solution_access.h"
 #include "include/tovik.h"
+#include "lp/base/sum.h"
 #include "lp/binding/build_lp.h"
-#include "lp/linalg/sum.h"
 #include "lp/run/basis_view.h"
 #include "model/store/model.h"
 

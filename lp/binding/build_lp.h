@@ -3,7 +3,7 @@
 #pragma once
 
 #include "env/environment.h"
-#include "lp/linalg/lp_data.h"
+#include "lp/base/lp_data.h"
 #include "model/store/model.h"
 
 namespace tovik::lp::run {
