@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "lp/linalg/lp_data.h"
+#include "lp/base/lp_data.h"
 
 namespace bench {
 

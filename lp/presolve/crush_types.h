@@ -8,8 +8,6 @@
 
 namespace tovik::lp::presolve {
 
-using simplex::At;
-
 /* g'x + constant. */
 struct LinearForm {
   std::vector<double> coefficients;
@@ -17,16 +15,16 @@ struct LinearForm {
 };
 
 struct Basis {
-  std::vector<At> column, row;
+  std::vector<BasisStatus> column, row;
 };
 
 /* Column s leaves a form by a x_s = beta - rest'x; rest may hold s. */
 void substitute(LinearForm& form, int s, double a, double beta, const View& rest);
 
 /* The status of a variable whose scaled copy has status `at`. */
-inline At scaled_status(At at, bool same_direction) {
-  if (same_direction || (at != At::lower && at != At::upper)) return at;
-  return at == At::lower ? At::upper : At::lower;
+inline BasisStatus scaled_status(BasisStatus at, bool same_direction) {
+  if (same_direction || (at != BasisStatus::lower && at != BasisStatus::upper)) return at;
+  return at == BasisStatus::lower ? BasisStatus::upper : BasisStatus::lower;
 }
 
 }  // namespace tovik::lp::presolve

@@ -34,7 +34,7 @@ bool fix(Workspace& ws, int j, Drive drive) {
   if (bound != 0 && std::fabs(bound) * std::max(ws.column_max(j), std::fabs(ws.cost[j])) > kHugeMove)
     return false;
   if (!ws.allow(Rule::dominated_column)) return false;
-  fix_column(ws, j, bound, drive == Drive::down ? At::lower : At::upper);
+  fix_column(ws, j, bound, drive == Drive::down ? BasisStatus::lower : BasisStatus::upper);
   return true;
 }
 
@@ -63,7 +63,7 @@ bool make_equations(Workspace& ws, const DualBounds& bounds) {
     const bool low = bounds.lower(i) > kCannotRest, high = bounds.upper(i) < -kCannotRest;
     const double side = low ? ws.row_lower[i] : ws.row_upper[i];
     if (low == high || std::isinf(side) || !ws.allow(Rule::dual_equation)) continue;
-    ws.stack.push(RowMadeEquation{.row = i, .side = low ? At::lower : At::upper});
+    ws.stack.push(RowMadeEquation{.row = i, .side = low ? BasisStatus::lower : BasisStatus::upper});
     ws.change_sides(i, side, side);
     changed = true;
   }
@@ -117,8 +117,8 @@ bool use_dual_bounds(Workspace& ws) {
 }
 
 void undo_row_made_equation(const RowMadeEquation& record, Undo& undo) {
-  At& at = undo.point.row[record.row];
-  if (at != At::basic) at = record.side;
+  BasisStatus& at = undo.point.row[record.row];
+  if (at != BasisStatus::basic) at = record.side;
 }
 
 }  // namespace tovik::lp::presolve

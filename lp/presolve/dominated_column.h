@@ -10,7 +10,7 @@ namespace tovik::lp::presolve {
 struct RowMadeEquation {
   static constexpr Op kOp = Op::row_made_equation;
   int row;
-  At side;  // that became the right-hand side
+  BasisStatus side;  // that became the right-hand side
   template <class Self, class Archive>
   static constexpr void fields(Self& r, Archive& archive) {
     archive(r.row, r.side);

@@ -115,21 +115,23 @@ void undo_doubleton(const Doubleton& record, Undo& undo) {
   p.y[i] = rest.value() / a;
   p.x[j] = (record.beta - b * p.x[k]) / a;
   p.d[j] = 0;
-  p.column[j] = At::basic;
-  At at = p.column[k];
-  if (record.collapsed && at != At::basic)
+  p.column[j] = BasisStatus::basic;
+  BasisStatus at = p.column[k];
+  if (record.collapsed && at != BasisStatus::basic)
     p.column[k] = at = Undo::own_side(at, p.d[k], record.tighter_lower, record.tighter_upper);
-  if ((at == At::lower && record.tighter_lower) || (at == At::upper && record.tighter_upper)) {
+  if ((at == BasisStatus::lower && record.tighter_lower) ||
+      (at == BasisStatus::upper && record.tighter_upper)) {
     CleanSum y(p.y[i]);
     y.subtract(-p.d[k] / b);
     p.y[i] = y.value();
     p.d[j] = -(a / b) * p.d[k];
     p.d[k] = 0;
-    p.x[j] = at == At::lower ? record.at_lower : record.at_upper;
-    p.column[j] = ((a > 0) == (b > 0)) == (at == At::lower) ? At::upper : At::lower;
-    p.column[k] = At::basic;
+    p.x[j] = at == BasisStatus::lower ? record.at_lower : record.at_upper;
+    p.column[j] =
+        ((a > 0) == (b > 0)) == (at == BasisStatus::lower) ? BasisStatus::upper : BasisStatus::lower;
+    p.column[k] = BasisStatus::basic;
   }
-  p.row[i] = Undo::side(At::lower, p.y[i]);
+  p.row[i] = Undo::side(BasisStatus::lower, p.y[i]);
 }
 
 bool form_of_doubleton(const Doubleton& record, LinearForm& form) {
@@ -138,8 +140,8 @@ bool form_of_doubleton(const Doubleton& record, LinearForm& form) {
 }
 
 void basis_of_doubleton(const Doubleton& record, Basis& basis) {
-  const At leaves = basis.column[record.leaves];
-  if (leaves != At::basic && basis.column[record.stays] == At::basic)
+  const BasisStatus leaves = basis.column[record.leaves];
+  if (leaves != BasisStatus::basic && basis.column[record.stays] == BasisStatus::basic)
     basis.column[record.stays] = scaled_status(leaves, (record.a > 0) != (record.b > 0));
 }
 

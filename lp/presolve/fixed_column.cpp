@@ -14,7 +14,7 @@ bool moves_too_far(Workspace& ws, int j, double value) {
 
 }  // namespace
 
-void fix_column(Workspace& ws, int j, double value, At at) {
+void fix_column(Workspace& ws, int j, double value, BasisStatus at) {
   ws.stack.push(FixedColumn{.column = j,
                             .status = at,
                             .equal_bounds = ws.lower[j] == ws.upper[j],
@@ -44,7 +44,7 @@ bool remove_fixed_column(Workspace& ws, int j) {
   if (std::isinf(lower) || upper - lower > no_difference(ws, lower, kSame)) return false;
   if (moves_too_far(ws, j, lower) || !ws.allow(Rule::fixed_column)) return false;
   if (lower < upper) ws.change_bounds(j, lower, lower);
-  fix_column(ws, j, lower, At::lower);
+  fix_column(ws, j, lower, BasisStatus::lower);
   return true;
 }
 
@@ -56,7 +56,7 @@ bool remove_empty_column(Workspace& ws, int j) {
   if ((c > 0 && lower == -kInf) || (c < 0 && upper == kInf)) {
     if (std::fabs(c) <= ws.settings.optimality) {
       if (!free || !ws.allow(Rule::empty_column)) return false;  // a whiff of cost: the optimizer says
-      fix_column(ws, j, 0, At::free);
+      fix_column(ws, j, 0, BasisStatus::free);
       return true;
     }
     Verdict verdict;
@@ -67,10 +67,10 @@ bool remove_empty_column(Workspace& ws, int j) {
   }
   if (!ws.allow(Rule::empty_column)) return false;
   if (free) {
-    fix_column(ws, j, 0, At::free);
+    fix_column(ws, j, 0, BasisStatus::free);
   } else {
     const bool up = c < 0 || (c == 0 && (lower == -kInf || std::fabs(upper) < std::fabs(lower)));
-    fix_column(ws, j, up ? upper : lower, up ? At::upper : At::lower);
+    fix_column(ws, j, up ? upper : lower, up ? BasisStatus::upper : BasisStatus::lower);
   }
   return true;
 }
@@ -107,7 +107,7 @@ bool fix_by_signs(Workspace& ws, int j) {
     return false;
   }
   if (moves_too_far(ws, j, bound) || !ws.allow(Rule::dual_fixing)) return false;
-  fix_column(ws, j, bound, to_lower ? At::lower : At::upper);
+  fix_column(ws, j, bound, to_lower ? BasisStatus::lower : BasisStatus::upper);
   return true;
 }
 

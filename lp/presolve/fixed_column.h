@@ -11,7 +11,7 @@ namespace tovik::lp::presolve {
 struct FixedColumn {
   static constexpr Op kOp = Op::fixed_column;
   int column;
-  At status;
+  BasisStatus status;
   bool equal_bounds;
   double value, cost;
   ColumnEntries entries;
@@ -23,7 +23,7 @@ struct FixedColumn {
 
 /* Column j leaves at `value` with status `at` (lower or upper; free for a column without bounds at 0): writes
  * the record, moves a_j * value to the sides and c_j * value to the offset. */
-void fix_column(Workspace& ws, int j, double value, At at);
+void fix_column(Workspace& ws, int j, double value, BasisStatus at);
 
 /* Column j has (nearly) equal bounds. True when it is gone. */
 bool remove_fixed_column(Workspace& ws, int j);

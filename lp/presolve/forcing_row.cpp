@@ -65,7 +65,7 @@ bool remove_forcing_row(Workspace& ws, int i) {
   for (size_t k = 0; k < index.size(); ++k) {
     const int j = index[k];
     const bool up = (value[k] > 0) == at_lower;
-    fix_column(ws, j, up ? ws.upper[j] : ws.lower[j], up ? At::upper : At::lower);
+    fix_column(ws, j, up ? ws.upper[j] : ws.lower[j], up ? BasisStatus::upper : BasisStatus::lower);
   }
   return true;
 }
@@ -87,13 +87,13 @@ void undo_forcing_row(const ForcingRow& record, Undo& undo) {
   }
   p.y[i] = worst;
   if (entering < 0) {
-    p.row[i] = At::basic;
+    p.row[i] = BasisStatus::basic;
     return;
   }
-  p.row[i] = record.at_lower ? At::lower : At::upper;
+  p.row[i] = record.at_lower ? BasisStatus::lower : BasisStatus::upper;
   move_reduced_costs(moving, worst, undo.homogeneous, p);
   move_reduced_costs(record.frozen, worst, true, p);
-  p.column[entering] = At::basic;
+  p.column[entering] = BasisStatus::basic;
   p.d[entering] = 0;
 }
 

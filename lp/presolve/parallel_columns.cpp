@@ -42,13 +42,13 @@ bool fix_by_partner(Workspace& ws, int j, int k, double g) {
       return false;
     }
     if (!down || !up || ws.is_protected(k) || !ws.allow(Rule::parallel_columns)) return false;
-    fix_column(ws, k, 0, At::free);  // both free
+    fix_column(ws, k, 0, BasisStatus::free);  // both free
     return true;
   }
   if (ws.is_protected(k) || std::fabs(bound) * std::max(ws.column_max(k), std::fabs(ws.cost[k])) > kHugeMove)
     return false;
   if (!ws.allow(Rule::parallel_columns)) return false;
-  fix_column(ws, k, bound, to_lower ? At::lower : At::upper);
+  fix_column(ws, k, bound, to_lower ? BasisStatus::lower : BasisStatus::upper);
   return true;
 }
 
@@ -136,16 +136,16 @@ void undo_parallel_columns(const ParallelColumns& record, Undo& undo) {
   const double lower_k = record.gone_lower, upper_k = record.gone_upper;
   Point& p = undo.point;
   p.d[k] = g * p.d[j];
-  if (p.column[j] != At::basic) {
-    const bool low = p.column[j] == At::lower, low_k = low == (g > 0);
-    p.column[k] = low_k ? At::lower : At::upper;
+  if (p.column[j] != BasisStatus::basic) {
+    const bool low = p.column[j] == BasisStatus::lower, low_k = low == (g > 0);
+    p.column[k] = low_k ? BasisStatus::lower : BasisStatus::upper;
     p.x[j] = low ? lower_j : upper_j;
     p.x[k] = low_k ? lower_k : upper_k;
     return;
   }
   const double z = p.x[j];
   double best = kInf;
-  const auto attempt = [&](double xj, double xk, At at_j, At at_k) {
+  const auto attempt = [&](double xj, double xk, BasisStatus at_j, BasisStatus at_k) {
     const double miss = std::max({lower_j - xj, xj - upper_j, lower_k - xk, xk - upper_k, 0.0});
     if (miss >= best) return;
     best = miss;
@@ -154,10 +154,10 @@ void undo_parallel_columns(const ParallelColumns& record, Undo& undo) {
     p.column[j] = at_j;
     p.column[k] = at_k;
   };
-  attempt(lower_j, (z - lower_j) / g, At::lower, At::basic);
-  attempt(upper_j, (z - upper_j) / g, At::upper, At::basic);
-  attempt(z - g * lower_k, lower_k, At::basic, At::lower);
-  attempt(z - g * upper_k, upper_k, At::basic, At::upper);
+  attempt(lower_j, (z - lower_j) / g, BasisStatus::lower, BasisStatus::basic);
+  attempt(upper_j, (z - upper_j) / g, BasisStatus::upper, BasisStatus::basic);
+  attempt(z - g * lower_k, lower_k, BasisStatus::basic, BasisStatus::lower);
+  attempt(z - g * upper_k, upper_k, BasisStatus::basic, BasisStatus::upper);
 }
 
 void point_of_parallel_columns(const ParallelColumns& record, std::vector<double>& x) {
@@ -165,7 +165,7 @@ void point_of_parallel_columns(const ParallelColumns& record, std::vector<double
 }
 
 void basis_of_parallel_columns(const ParallelColumns& record, Basis& basis) {
-  if (basis.column[record.gone] == At::basic) basis.column[record.kept] = At::basic;
+  if (basis.column[record.gone] == BasisStatus::basic) basis.column[record.kept] = BasisStatus::basic;
 }
 
 bool form_of_parallel_columns(const ParallelColumns& record, LinearForm& form) {

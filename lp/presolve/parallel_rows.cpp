@@ -124,16 +124,17 @@ bool merge_parallel_rows(Workspace& ws) {
 void undo_parallel_rows(const ParallelRows& record, Undo& undo) {
   const auto& [i, k, tighter_lower, tighter_upper, collapsed, g] = record;
   Point& p = undo.point;
-  At at = p.row[i];
-  if (collapsed && at != At::basic) p.row[i] = at = Undo::own_side(at, p.y[i], tighter_lower, tighter_upper);
-  if ((at == At::lower && tighter_lower) || (at == At::upper && tighter_upper)) {
+  BasisStatus at = p.row[i];
+  if (collapsed && at != BasisStatus::basic)
+    p.row[i] = at = Undo::own_side(at, p.y[i], tighter_lower, tighter_upper);
+  if ((at == BasisStatus::lower && tighter_lower) || (at == BasisStatus::upper && tighter_upper)) {
     p.y[k] = p.y[i] / g;
-    p.row[k] = (at == At::lower) == (g > 0) ? At::lower : At::upper;
+    p.row[k] = (at == BasisStatus::lower) == (g > 0) ? BasisStatus::lower : BasisStatus::upper;
     p.y[i] = 0;
-    p.row[i] = At::basic;
+    p.row[i] = BasisStatus::basic;
   } else {
     p.y[k] = 0;
-    p.row[k] = At::basic;
+    p.row[k] = BasisStatus::basic;
   }
 }
 
@@ -142,7 +143,7 @@ void duals_of_parallel_rows(const ParallelRows& record, std::vector<double>& y) 
 }
 
 void basis_of_parallel_rows(const ParallelRows& record, Basis& basis) {
-  if (basis.row[record.kept] == At::basic)
+  if (basis.row[record.kept] == BasisStatus::basic)
     basis.row[record.kept] = scaled_status(basis.row[record.gone], record.ratio > 0);
 }
 

@@ -24,8 +24,6 @@
 
 namespace tovik::lp::presolve {
 
-using simplex::At;
-
 /* Entries of a column at the time when it leaves: a copy, or a reference to the original when they are still
  * those of the original. */
 struct ColumnEntries {
@@ -64,7 +62,7 @@ class RecordWriter {
   void put(const int& value) { ints_.push_back(value); }
   void put(const double& value) { reals_.push_back(value); }
   void put(const bool& value) { put_bits(value, 1); }
-  void put(const At& value) { put_bits(static_cast<std::uint32_t>(value), 2); }
+  void put(const BasisStatus& value) { put_bits(static_cast<std::uint32_t>(value), 2); }
   void put(const View& view) {
     ints_.push_back(view.length);
     ints_.insert(ints_.end(), view.index, view.index + view.length);
@@ -109,7 +107,7 @@ class RecordReader {
   void get(int& value) { value = *ints_++; }
   void get(double& value) { value = *reals_++; }
   void get(bool& value) { value = take_bits(1) != 0; }
-  void get(At& value) { value = static_cast<At>(take_bits(2)); }
+  void get(BasisStatus& value) { value = static_cast<BasisStatus>(take_bits(2)); }
   void get(View& view) {
     view.length = *ints_++;
     view.index = ints_;
@@ -151,7 +149,7 @@ class RecordBits {
 
  private:
   static constexpr int width(const bool&) { return 1; }
-  static constexpr int width(const At&) { return 2; }
+  static constexpr int width(const BasisStatus&) { return 2; }
   static constexpr int width(const ColumnEntries&) { return 1; }
   template <class Other>
   static constexpr int width(const Other&) {

@@ -77,8 +77,8 @@ void undo_singleton_row(const SingletonRow& record, Undo& undo) {
 }
 
 void basis_of_singleton_row(const SingletonRow& record, Basis& basis) {
-  const At row = basis.row[record.row];
-  if (row != At::basic && basis.column[record.column] == At::basic)
+  const BasisStatus row = basis.row[record.row];
+  if (row != BasisStatus::basic && basis.column[record.column] == BasisStatus::basic)
     basis.column[record.column] = scaled_status(row, record.entry > 0);
 }
 

@@ -37,7 +37,7 @@ bool row_goes(Workspace& ws, const Slack& k, double lower, double upper) {
          ws.most_without(k.i, k.s, k.a) <= upper + kExact * std::max(1.0, std::fabs(upper));
 }
 
-bool remove_from_equation(Workspace& ws, const Slack& k, double beta, At at) {
+bool remove_from_equation(Workspace& ws, const Slack& k, double beta, BasisStatus at) {
   const double lower = moved(beta, -k.high), upper = moved(beta, -k.low);
   if (lower == upper) return false;
   const double price = ws.cost[k.s] / k.a;
@@ -80,17 +80,17 @@ bool remove_from_row(Workspace& ws, const Slack& k) {
 }
 
 /* The row's side that column s presses against, `free` when it does not. */
-At pressed_side(Workspace& ws, const Slack& k) {
+BasisStatus pressed_side(Workspace& ws, const Slack& k) {
   const bool to_lower = (ws.cost[k.s] > 0) == (k.a > 0);
-  if (std::isinf(to_lower ? ws.row_lower[k.i] : ws.row_upper[k.i])) return At::free;
-  const At at = to_lower ? At::lower : At::upper;
+  if (std::isinf(to_lower ? ws.row_lower[k.i] : ws.row_upper[k.i])) return BasisStatus::free;
+  const BasisStatus at = to_lower ? BasisStatus::lower : BasisStatus::upper;
   if (std::isinf(to_lower ? k.low : k.high)) return at;
   if (ws.cost[k.s] > 0) {
     const double bound = ws.lower[k.s];
-    if (ws.implied_lower(k.i, k.s, k.a) < bound - no_difference(ws, bound)) return At::free;
+    if (ws.implied_lower(k.i, k.s, k.a) < bound - no_difference(ws, bound)) return BasisStatus::free;
   } else {
     const double bound = ws.upper[k.s];
-    if (ws.implied_upper(k.i, k.s, k.a) > bound + no_difference(ws, bound)) return At::free;
+    if (ws.implied_upper(k.i, k.s, k.a) > bound + no_difference(ws, bound)) return BasisStatus::free;
   }
   return at;
 }
@@ -109,13 +109,13 @@ bool remove_slack_column(Workspace& ws, int s) {
   k.low = k.a * (k.a > 0 ? ws.lower[s] : ws.upper[s]);
   k.high = k.a * (k.a > 0 ? ws.upper[s] : ws.lower[s]);
   if (moves_too_far(k.low) || moves_too_far(k.high)) return false;
-  if (lower == upper) return remove_from_equation(ws, k, lower, At::free);
+  if (lower == upper) return remove_from_equation(ws, k, lower, BasisStatus::free);
   if (ws.cost[s] == 0) return !ws.settings.linear_only && remove_from_row(ws, k);
   if (!ws.settings.dual) return false;
-  const At at = pressed_side(ws, k);
-  if (at == At::free) return false;
-  (at == At::lower ? k.low : k.high) = at == At::lower ? -kInf : kInf;
-  return remove_from_equation(ws, k, at == At::lower ? lower : upper, at);
+  const BasisStatus at = pressed_side(ws, k);
+  if (at == BasisStatus::free) return false;
+  (at == BasisStatus::lower ? k.low : k.high) = at == BasisStatus::lower ? -kInf : kInf;
+  return remove_from_equation(ws, k, at == BasisStatus::lower ? lower : upper, at);
 }
 
 /* The row's dual gains the price of the slack, whose bounds were the row's sides. */
@@ -125,17 +125,17 @@ void undo_slack_in_equation(const SlackInEquation& record, Undo& undo) {
   const double y = p.y[i];
   p.y[i] = y + undo.cost(price);
   p.d[s] = -a * y;
-  if (p.row[i] == At::basic) {
+  if (p.row[i] == BasisStatus::basic) {
     double x = beta;
     for (int k = 0; k < rest.length; ++k) x -= rest.value[k] * p.x[rest.index[k]];
     p.x[s] = x / a;
-    p.column[s] = At::basic;
+    p.column[s] = BasisStatus::basic;
   } else {
-    const bool up = (p.row[i] == At::lower) == (a > 0);
+    const bool up = (p.row[i] == BasisStatus::lower) == (a > 0);
     p.x[s] = up ? upper : lower;
-    p.column[s] = up ? At::upper : At::lower;
+    p.column[s] = up ? BasisStatus::upper : BasisStatus::lower;
   }
-  p.row[i] = side == At::free ? Undo::side(At::lower, p.y[i]) : side;
+  p.row[i] = side == BasisStatus::free ? Undo::side(BasisStatus::lower, p.y[i]) : side;
 }
 
 void duals_of_slack_in_equation(const SlackInEquation& record, std::vector<double>& y) {
@@ -160,25 +160,25 @@ void undo_slack_in_row(const SlackInRow& record, Undo& undo) {
   const View& rest = record.rest;
   Point& p = undo.point;
   p.d[s] = -a * p.y[i];
-  const auto stand = [&](At at) {
+  const auto stand = [&](BasisStatus at) {
     p.column[s] = at;
-    p.x[s] = at == At::lower ? lower : upper;
+    p.x[s] = at == BasisStatus::lower ? lower : upper;
   };
-  if (p.row[i] != At::basic) {
-    stand((p.row[i] == At::lower) == (a > 0) ? At::upper : At::lower);
+  if (p.row[i] != BasisStatus::basic) {
+    stand((p.row[i] == BasisStatus::lower) == (a > 0) ? BasisStatus::upper : BasisStatus::lower);
     return;
   }
   double activity = 0;
   for (int k = 0; k < rest.length; ++k) activity += rest.value[k] * p.x[rest.index[k]];
-  for (const At at : {At::lower, At::upper}) {
-    const double bound = at == At::lower ? lower : upper;
+  for (const BasisStatus at : {BasisStatus::lower, BasisStatus::upper}) {
+    const double bound = at == BasisStatus::lower ? lower : upper;
     const double reached = activity + a * bound;
     if (std::isfinite(bound) && reached >= row_lower && reached <= row_upper) return stand(at);
   }
-  p.column[s] = At::basic;
+  p.column[s] = BasisStatus::basic;
   double least = kInf;
-  for (const At at : {At::lower, At::upper}) {
-    const double x = ((at == At::lower ? row_lower : row_upper) - activity) / a;
+  for (const BasisStatus at : {BasisStatus::lower, BasisStatus::upper}) {
+    const double x = ((at == BasisStatus::lower ? row_lower : row_upper) - activity) / a;
     const double miss = std::max({0.0, lower - x, x - upper});
     if (!std::isfinite(x) || miss >= least) continue;
     least = miss;
@@ -192,7 +192,7 @@ bool form_of_slack_in_row(const SlackInRow& record, LinearForm& form) {
 }
 
 void basis_of_slack_in_row(const SlackInRow& record, Basis& basis) {
-  if (basis.column[record.column] == At::basic) basis.row[record.row] = At::basic;
+  if (basis.column[record.column] == BasisStatus::basic) basis.row[record.row] = BasisStatus::basic;
 }
 
 }  // namespace tovik::lp::presolve

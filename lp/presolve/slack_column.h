@@ -19,7 +19,7 @@ namespace tovik::lp::presolve {
 struct SlackInEquation {
   static constexpr Op kOp = Op::slack_in_equation;
   int row, column;
-  At side;                    // of an inequality that counts as an equation; free: it is one
+  BasisStatus side;           // of an inequality that counts as an equation; free: it is one
   double entry, beta, price;  // right-hand side; cost / entry
   double lower, upper;        // of the column
   View rest;                  // the row without the column

@@ -12,16 +12,16 @@
 #include <cmath>
 #include <vector>
 
-#include "lp/linalg/lp_data.h"
+#include "lp/base/lp_data.h"
 #include "lp/presolve/record.h"
 
 namespace tovik::lp::presolve {
 
 /* A primal-dual point with statuses, in the space of the original; what is not restored yet is zero. */
 struct Point {
-  std::vector<double> x, d;     // columns
-  std::vector<double> y;        // rows
-  std::vector<At> column, row;  // a row's status is that of its activity
+  std::vector<double> x, d;              // columns
+  std::vector<double> y;                 // rows
+  std::vector<BasisStatus> column, row;  // a row's status is that of its activity
 };
 
 /* A sum that is zero when only the rounding of its terms is left: the sign of a dual decides where a column
@@ -59,10 +59,15 @@ struct Undo {
     for (int k = matrix.start[j]; k < matrix.start[j + 1]; ++k) f(matrix.index[k], matrix.value[k]);
   }
   /* A column or row at equal bounds stands where its dual says; at 0 it stays where it is. */
-  static At side(At present, double dual) { return dual > 0 ? At::lower : dual < 0 ? At::upper : present; }
+  static BasisStatus side(BasisStatus present, double dual) {
+    return dual > 0 ? BasisStatus::lower : dual < 0 ? BasisStatus::upper : present;
+  }
   /* The same when one or both of the equal bounds came from elsewhere: at 0 its own, if there is one. */
-  static At own_side(At present, double dual, bool lower_came, bool upper_came) {
-    return side(lower_came == upper_came ? present : lower_came ? At::upper : At::lower, dual);
+  static BasisStatus own_side(BasisStatus present, double dual, bool lower_came, bool upper_came) {
+    return side(lower_came == upper_came ? present
+                : lower_came             ? BasisStatus::upper
+                                         : BasisStatus::lower,
+                dual);
   }
 };
 

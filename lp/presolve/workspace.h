@@ -11,8 +11,8 @@
 #include <cstdint>
 #include <vector>
 
-#include "lp/linalg/control.h"
-#include "lp/linalg/lp_data.h"
+#include "lp/base/control.h"
+#include "lp/base/lp_data.h"
 #include "lp/presolve/lines.h"
 #include "lp/presolve/settings.h"
 #include "lp/presolve/stack.h"

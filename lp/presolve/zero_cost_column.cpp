@@ -69,9 +69,9 @@ void undo_zero_cost_column(const ZeroCostColumn& record, Undo& undo) {
   const bool up = record.up;
   double x = record.bound;
   Point& p = undo.point;
-  p.column[j] = std::isinf(x) ? At::free : up ? At::lower : At::upper;
+  p.column[j] = std::isinf(x) ? BasisStatus::free : up ? BasisStatus::lower : BasisStatus::upper;
   int tight = -1;  // the row that holds the column
-  At side = At::basic;
+  BasisStatus side = BasisStatus::basic;
   for (int k = 0; k < record.entries.length; ++k) {
     const int i = record.entries.index[k];
     const double a = record.entries.value[k];
@@ -81,16 +81,16 @@ void undo_zero_cost_column(const ZeroCostColumn& record, Undo& undo) {
       if (row.index[n] != j) rest -= row.value[n] * p.x[row.index[n]];
     }
     p.y[i] = 0;
-    p.row[i] = At::basic;
+    p.row[i] = BasisStatus::basic;
     const double needed = rest / a;
     if (std::isinf(needed) || (up ? needed <= x : needed >= x)) continue;
     x = needed;
     tight = i;
-    side = lower_side(a, up) ? At::lower : At::upper;
+    side = lower_side(a, up) ? BasisStatus::lower : BasisStatus::upper;
   }
   if (tight >= 0) {
     p.row[tight] = side;
-    p.column[j] = At::basic;
+    p.column[j] = BasisStatus::basic;
   }
   p.x[j] = std::isinf(x) ? 0 : x;
   p.d[j] = 0;
