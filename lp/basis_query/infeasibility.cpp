@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "lp/linalg/sum.h"
+#include "lp/base/sum.h"
 
 namespace tovik::lp::run {
 namespace {

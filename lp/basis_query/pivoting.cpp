@@ -188,11 +188,11 @@ Status strong_branch(Environment& env, Problem& problem, const Branching& reques
       core.counters = simplex::Counters{};
       simplex::Dual::Settings settings;
       settings.perturb = false;
-      const simplex::Outcome outcome = solver.dual().solve(settings, request.iteration_limit);
-      if (outcome == simplex::Outcome::time_limit) result = Status(TVK_ERROR_STRONG_BRANCHING_TIME_LIMIT);
-      if (outcome == simplex::Outcome::tick_limit) result = Status(TVK_ERROR_STRONG_BRANCHING_TICK_LIMIT);
-      if (outcome == simplex::Outcome::user_abort) result = Status(TVK_ERROR_STRONG_BRANCHING_ABORTED);
-      if (outcome != simplex::Outcome::infeasible) objective = sign * solver.dual().objective();
+      const Outcome outcome = solver.dual().solve(settings, request.iteration_limit);
+      if (outcome == Outcome::time_limit) result = Status(TVK_ERROR_STRONG_BRANCHING_TIME_LIMIT);
+      if (outcome == Outcome::tick_limit) result = Status(TVK_ERROR_STRONG_BRANCHING_TICK_LIMIT);
+      if (outcome == Outcome::user_abort) result = Status(TVK_ERROR_STRONG_BRANCHING_ABORTED);
+      if (outcome != Outcome::infeasible) objective = sign * solver.dual().objective();
       solver.change_bounds(j, old_low, old_high);
       core.use_original_bounds();
       core.set_basis(start.status);

@@ -112,11 +112,11 @@ void follow_values(Problem& problem, LiveSimplex& live) {
 BasisStatus column_at(int status) {
   switch (status) {
     case TVK_BASIC:
-      return simplex::At::basic;
+      return BasisStatus::basic;
     case TVK_AT_UPPER:
-      return simplex::At::upper;
+      return BasisStatus::upper;
     case TVK_FREE_SUPER:
-      return simplex::At::free;
+      return BasisStatus::free;
     default:
       return BasisStatus::lower;
   }

@@ -66,7 +66,7 @@ class PresolvedRun {
         return go_on(Method::primal);
       case Outcome::infeasible_or_unbounded:
       case Outcome::singular:
-      case Outcome::trouble:
+      case Outcome::numerical_failure:
         return solve_original();
       default:
         return conclude(outcome);
@@ -136,11 +136,10 @@ class PresolvedRun {
     const presolve::DualForm form = presolve::dualize(reduced);
     EngineControl control(env_, problem_, CalledFrom::simplex);
     simplex::Solver solver(form.lp, options_, control, nullptr);
-    const Outcome outcome = solver.solve(algorithm_.method == simplex::Method::dual ? simplex::Method::primal
-                                                                                    : simplex::Method::dual);
+    const Outcome outcome = solver.solve(algorithm_.method == Method::dual ? Method::primal : Method::dual);
     beginning_.counters = solver.core().counters;
-    simplex::Answer dual = solver.release_answer();
-    answer_ = simplex::Answer{};
+    Answer dual = solver.release_answer();
+    answer_ = Answer{};
     answer_.method = algorithm_.method;
     switch (outcome) {
       case Outcome::optimal:

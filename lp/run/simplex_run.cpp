@@ -34,23 +34,23 @@ double times(double sign, double value) {
 
 int status_code(Outcome outcome, bool unscaled_infeasible) {
   switch (outcome) {
-    case simplex::Outcome::optimal:
+    case Outcome::optimal:
       return unscaled_infeasible ? TVK_STATUS_OPTIMAL_UNSCALED_INFEASIBLE : TVK_STATUS_OPTIMAL;
-    case simplex::Outcome::unbounded:
+    case Outcome::unbounded:
       return TVK_STATUS_UNBOUNDED;
-    case simplex::Outcome::infeasible:
+    case Outcome::infeasible:
       return TVK_STATUS_INFEASIBLE;
-    case simplex::Outcome::infeasible_or_unbounded:
+    case Outcome::infeasible_or_unbounded:
       return TVK_STATUS_UNBOUNDED_OR_INFEASIBLE;
-    case simplex::Outcome::objective_limit:
+    case Outcome::objective_limit:
       return TVK_STATUS_OBJECTIVE_LIMIT;
-    case simplex::Outcome::iteration_limit:
+    case Outcome::iteration_limit:
       return TVK_STATUS_ITERATION_LIMIT;
-    case simplex::Outcome::time_limit:
+    case Outcome::time_limit:
       return TVK_STATUS_TIME_LIMIT;
-    case simplex::Outcome::tick_limit:
+    case Outcome::tick_limit:
       return TVK_STATUS_TICK_LIMIT;
-    case simplex::Outcome::user_abort:
+    case Outcome::user_abort:
       return TVK_STATUS_USER_ABORT;
     default:
       return TVK_STATUS_NON_OPTIMAL;
@@ -109,7 +109,7 @@ class AnswerWriter {
 /* All that is not one entry a row or column. */
 void write_summary(const Answer& answer, const simplex::Counters& counters, double sign, Solution& solution) {
   solution.objective = sign * answer.objective + 0.0;  // never -0
-  solution.method = answer.method == simplex::Method::primal ? method_code::kPrimal : method_code::kDual;
+  solution.method = answer.method == Method::primal ? method_code::kPrimal : method_code::kDual;
   solution.has_basis = true;
   solution.primal_feasible = answer.primal_feasible;
   solution.dual_feasible = answer.dual_feasible;
@@ -213,10 +213,10 @@ Status run_simplex(Environment& env, Problem& problem, const Algorithm& algorith
   live.data_checked = true;
   set_objective_limits(env, problem, live.solver);
   live.solver.set_counters(beginning.counters);
-  if (env.callbacks.lp != nullptr) live.solver.look_again();  // it is called by the algorithms
-  const simplex::Outcome outcome = live.solver.solve(algorithm.method);
+  if (env.callbacks.lp != nullptr) live.solver.invalidate();  // it is called by the algorithms
+  const Outcome outcome = live.solver.solve(algorithm.method);
   live.solver.detach();
-  if (outcome == simplex::Outcome::singular) return Status(TVK_ERROR_BASIS_SINGULAR);
+  if (outcome == Outcome::singular) return Status(TVK_ERROR_BASIS_SINGULAR);
   const int status = status_code(outcome, live.solver.answer().unscaled_infeasible);
   publish(problem, live.solver);
   problem.status = status;

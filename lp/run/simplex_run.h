@@ -8,7 +8,7 @@ namespace tovik::lp::run {
 
 /* What a call asks for. */
 struct Algorithm {
-  simplex::Method method;
+  Method method;
   bool sift = false;  // begin by sifting, whatever TVK_PARAM_LPMETHOD says
 };
 
