@@ -73,19 +73,7 @@ int TVKcopybasednorms(ConstEnvHandle env, ProbHandle lp, const int* cstat, const
                       const double* dnorm) {
   return with_problem(env, lp, [&](Environment& e, Problem& p) -> Status {
     if (cstat == nullptr || rstat == nullptr || dnorm == nullptr) return Status(TVK_ERROR_NULL_POINTER);
-    std::vector<int> head;
-    for (int j = 0; j < p.model->num_columns(); ++j) {
-      if (cstat[j] == TVK_BASIC) head.push_back(j);
-    }
-    for (int i = 0; i < p.model->num_rows(); ++i) {
-      if (rstat[i] == TVK_BASIC) head.push_back(-i - 1);
-    }
-    StartArrays arrays;
-    arrays.column_status = cstat;
-    arrays.row_status = rstat;
-    if (static_cast<int>(head.size()) != p.model->num_rows()) return Status(TVK_ERROR_BAD_ARGUMENT);
-    if (const Status status = copy_start(e, p, arrays); !status.ok()) return status;
-    return copy_dual_norms(p, dnorm, head.data(), static_cast<int>(head.size()));
+    return copy_start_with_norms(e, p, cstat, rstat, dnorm);
   });
 }
 

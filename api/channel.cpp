@@ -1,7 +1,8 @@
 /* Message channels: destinations, messages, the log file. */
-#include <algorithm>
-#include <array>
+#include <cstdarg>
+#include <memory>
 
+#include "env/channels.h"
 #include "env/entry.h"
 #include "env/handles.h"
 
@@ -26,34 +27,6 @@ int with_channel(ConstEnvHandle env, ChannelHandle handle, Worker&& worker, In i
       in);
 }
 
-Status delete_channel(Environment& env, ChannelHandle& handle) {
-  const auto is_handle = [&](const auto& channel) { return to_handle(channel.get()) == handle; };
-  const auto found = std::find_if(env.channels.begin(), env.channels.end(), is_handle);
-  if (found == env.channels.end()) return TVK_ERROR_NO_CHANNEL;
-  for (Channel** standard :
-       {&env.error_channel, &env.warning_channel, &env.results_channel, &env.log_channel}) {
-    if (*standard == found->get()) *standard = nullptr;
-  }
-  (*found)->disconnect();
-  env.channels.erase(found);
-  handle = nullptr;
-  return 0;
-}
-
-void set_log_file(Environment& env, FILE* file) {
-  const std::array channels{env.results_channel, env.warning_channel, env.error_channel, env.log_channel};
-  for (Channel* channel : channels) {
-    if (channel != nullptr) channel->reserve();
-  }
-  for (Channel* channel : channels) {
-    if (channel != nullptr && env.log_file != nullptr) channel->remove_file(env.log_file);
-  }
-  for (Channel* channel : channels) {
-    if (channel != nullptr && file != nullptr) channel->add_file(file);
-  }
-  env.log_file = file;
-}
-
 }  // namespace
 
 ChannelHandle TVKaddchannel(EnvHandle env) {
@@ -69,7 +42,9 @@ ChannelHandle TVKaddchannel(EnvHandle env) {
 int TVKdelchannel(EnvHandle env, ChannelHandle* channel_p) {
   return with_environment(env, [&](Environment& e) -> Status {
     if (channel_p == nullptr) return TVK_ERROR_NULL_POINTER;
-    return delete_channel(e, *channel_p);
+    if (const Status status = delete_channel(e, from_handle(*channel_p)); !status.ok()) return status;
+    *channel_p = nullptr;
+    return 0;
   });
 }
 

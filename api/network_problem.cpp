@@ -1,19 +1,10 @@
-/* Network objects: creating and freeing. The record's own construction stands here too, because it takes the
- * data with it. */
-#include <algorithm>
+/* Network objects: creating and freeing. */
+#include <memory>
+#include <utility>
+#include <vector>
 
 #include "env/entry.h"
 #include "env/handles.h"
-#include "model/network/network.h"
-
-namespace tovik {
-
-NetworkProblem::NetworkProblem(Environment& environment)
-    : env(&environment), network(std::make_unique<model::Network>()), live(this, HandleKind::network) {}
-
-NetworkProblem::~NetworkProblem() = default;
-
-}  // namespace tovik
 
 using namespace tovik;
 

@@ -8,19 +8,6 @@ using namespace tovik;
 
 namespace {
 
-/* Norms of the live basis or stored ones; none when there are none. */
-Norms norms_of(Problem& problem) {
-  Norms norms;
-  norms.dual.resize(problem.rows());
-  norms.head.resize(problem.rows());
-  int length = 0;
-  const bool held = problem.rows() != 0 &&
-                    lp::run::get_dual_norms(problem, norms.dual.data(), norms.head.data(), &length).ok();
-  norms.dual.resize(held ? static_cast<std::size_t>(length) : 0);
-  norms.head.resize(norms.dual.size());
-  return norms;
-}
-
 /* Tells how the load went, on the channel where that is looked for. */
 int told(ConstEnvHandle env, int code) {
   Environment* environment = nullptr;
@@ -42,7 +29,7 @@ int TVKwriterestart(ConstEnvHandle env, ConstProbHandle lp, const char* filename
   return with_problem(env, lp, [&](Environment& environment, Problem& problem) -> Status {
     if (api::is_no_file_name(filename)) return TVK_ERROR_NO_FILE_NAME;
     update_solution(problem);
-    return fileio::write_restart(environment, problem, norms_of(problem), filename);
+    return fileio::write_restart(environment, problem, lp::run::norms_of(problem), filename);
   });
 }
 

@@ -404,12 +404,4 @@ int write_mps(const WriteSource& source, const WriteOptions& options, ReaderLog&
   return mps::Writer(source, options, log, out).run();
 }
 
-std::string title(std::string_view problem_name) {
-  std::string text(problem_name.substr(0, kMaxNameLength));
-  for (char& c : text) {
-    if (static_cast<unsigned char>(c) < ' ') c = '_';
-  }
-  return text;
-}
-
 }  // namespace tovik::fileio

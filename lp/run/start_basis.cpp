@@ -101,4 +101,33 @@ Status get_dual_norms(Problem& problem, double* norms, int* head, int* length) {
   return {};
 }
 
+Norms norms_of(Problem& problem) {
+  Norms norms;
+  norms.dual.resize(problem.rows());
+  norms.head.resize(problem.rows());
+  int length = 0;
+  const bool held =
+      problem.rows() != 0 && get_dual_norms(problem, norms.dual.data(), norms.head.data(), &length).ok();
+  norms.dual.resize(held ? static_cast<std::size_t>(length) : 0);
+  norms.head.resize(norms.dual.size());
+  return norms;
+}
+
+Status copy_start_with_norms(Environment& env, Problem& problem, const int* column_status,
+                             const int* row_status, const double* norms) {
+  std::vector<int> head;
+  for (int j = 0; j < problem.model->num_columns(); ++j) {
+    if (column_status[j] == TVK_BASIC) head.push_back(j);
+  }
+  for (int i = 0; i < problem.model->num_rows(); ++i) {
+    if (row_status[i] == TVK_BASIC) head.push_back(-i - 1);
+  }
+  if (static_cast<int>(head.size()) != problem.model->num_rows()) return Status(TVK_ERROR_BAD_ARGUMENT);
+  StartArrays arrays;
+  arrays.column_status = column_status;
+  arrays.row_status = row_status;
+  if (const Status status = copy_start(env, problem, arrays); !status.ok()) return status;
+  return copy_dual_norms(problem, norms, head.data(), static_cast<int>(head.size()));
+}
+
 }  // namespace tovik::lp::run

@@ -23,5 +23,12 @@ Status get_base(Problem& problem, int* column_status, int* row_status);
 /* Norms by basis position; head: column j or -i-1 for the slack of row i. */
 Status copy_dual_norms(Problem& problem, const double* norms, const int* head, int length);
 Status get_dual_norms(Problem& problem, double* norms, int* head, int* length);
+/* Of the live basis or stored ones; empty when there are none. */
+Norms norms_of(Problem& problem);
+
+/* A basis with the norms of its positions: basic columns by index, then basic slacks. 1003 when it has not as
+ * many basics as rows. */
+Status copy_start_with_norms(Environment& env, Problem& problem, const int* column_status,
+                             const int* row_status, const double* norms);
 
 }  // namespace tovik::lp::run

@@ -1,0 +1,37 @@
+#include "env/channels.h"
+
+#include <algorithm>
+#include <array>
+
+#include "include/tovik.h"
+
+namespace tovik {
+
+Status delete_channel(Environment& env, const Channel* channel) {
+  const auto is_it = [channel](const auto& owned) { return owned.get() == channel; };
+  const auto found = std::find_if(env.channels.begin(), env.channels.end(), is_it);
+  if (found == env.channels.end()) return TVK_ERROR_NO_CHANNEL;
+  for (Channel** standard :
+       {&env.error_channel, &env.warning_channel, &env.results_channel, &env.log_channel}) {
+    if (*standard == found->get()) *standard = nullptr;
+  }
+  (*found)->disconnect();
+  env.channels.erase(found);
+  return 0;
+}
+
+void set_log_file(Environment& env, FILE* file) {
+  const std::array channels{env.results_channel, env.warning_channel, env.error_channel, env.log_channel};
+  for (Channel* channel : channels) {
+    if (channel != nullptr) channel->reserve();
+  }
+  for (Channel* channel : channels) {
+    if (channel != nullptr && env.log_file != nullptr) channel->remove_file(env.log_file);
+  }
+  for (Channel* channel : channels) {
+    if (channel != nullptr && file != nullptr) channel->add_file(file);
+  }
+  env.log_file = file;
+}
+
+}  // namespace tovik
