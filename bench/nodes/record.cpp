@@ -75,7 +75,7 @@ class Company {
     }
   }
   bool ready() const { return ready_; }
-  std::span<const double> primal() { return engines_.front()->primal(); }
+  Engine& leader() { return *engines_.front(); }
   void take_all(const Step& step) {
     for (const auto& engine : engines_) ready_ = take(step, *engine).state == State::optimal && ready_;
   }
@@ -96,7 +96,7 @@ class Company {
 /* The cuts that the relaxation holds now, after the model's own rows. */
 class Pool {
  public:
-  explicit Pool(int model_rows) : model_rows_(model_rows) {}
+  explicit Pool(const Model& model) : model_(model) {}
   void add(const Rows& rows) {
     for (int i = 0; i < rows.count(); ++i) cuts_.push_back(one(rows, i));
   }
@@ -106,13 +106,29 @@ class Pool {
     std::vector<Rows> kept;
     for (std::size_t k = 0; k < cuts_.size(); ++k) {
       if (company.slack_everywhere(cuts_[k], 0)) {
-        dropped.push_back(model_rows_ + static_cast<int>(k));
+        dropped.push_back(model_.lp.num_rows() + static_cast<int>(k));
       } else {
         kept.push_back(cuts_[k]);
       }
     }
     cuts_ = std::move(kept);
     return dropped;
+  }
+
+  /* The model with these cuts as rows. */
+  Model relaxation() const {
+    Model model = model_;
+    tovik::lp::Matrix& rows = model.by_rows;
+    for (const Rows& cut : cuts_) {
+      rows.index.insert(rows.index.end(), cut.index.begin(), cut.index.end());
+      rows.value.insert(rows.value.end(), cut.value.begin(), cut.value.end());
+      rows.start.push_back(static_cast<int>(rows.index.size()));
+      ++rows.columns;
+      model.lp.row_lower.push_back(-tovik::lp::kInf);
+      model.lp.row_upper.push_back(cut.upper.front());
+    }
+    model.lp.matrix = transpose(rows);
+    return model;
   }
 
  private:
@@ -125,7 +141,7 @@ class Pool {
     return row;
   }
 
-  int model_rows_;
+  const Model& model_;
   std::vector<Rows> cuts_;
 };
 
@@ -168,9 +184,11 @@ Script record_cut_rounds(const std::vector<Contestant>& contestants, const Model
   Script script{.name = "cuts", .steps = {}, .wants_primal = true};
   const Deadline deadline(seconds);
   Company company(contestants, model);
-  Pool pool(model.lp.num_rows());
+  Pool pool(model);
   for (int round = 0; round < kCutRounds && company.ready() && !deadline.over(); ++round) {
-    const Rows cuts = rounding_cuts(model, company.primal(), kCutsARound);
+    Engine& leader = company.leader();
+    const Rows cuts =
+        rounding_cuts(pool.relaxation(), leader.primal(), leader.basic_variables(), kCutsARound);
     if (cuts.count() == 0) break;
     pool.add(cuts);
     script.steps.push_back({.bounds = {}, .add = cuts, .remove = {}});

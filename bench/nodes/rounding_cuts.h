@@ -1,13 +1,14 @@
-/* Cuts for the cut rounds: mixed-integer rounding of single rows and of pairs of rows that share a continuous
- * column. Valid for every integer point of the model; no attempt at strength beyond what the rounds need.
- * Paper: Marchand, Wolsey, Operations Research 49 (2001). */
+/* Cuts for the cut rounds: rounded rows, rows that share a continuous column, and rows of the tableau. No
+ * attempt at strength beyond what the rounds need. */
 #pragma once
 
 #include "bench/nodes/engine.h"
 
 namespace bench {
 
-/* Rows that x violates, the deepest first, at most `limit` and at most one a row of the model. */
-Rows rounding_cuts(const Model& model, std::span<const double> x, std::size_t limit);
+/* Rows that the vertex x violates, the deepest first, at most `limit`. basic_variables as Engine tells them.
+ */
+Rows rounding_cuts(const Model& model, std::span<const double> x, std::vector<int> basic_variables,
+                   std::size_t limit);
 
 }  // namespace bench
