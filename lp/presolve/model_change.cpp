@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "lp/presolve/operations.h"
+#include "lp/presolve/tolerances.h"
 
 namespace tovik::lp::presolve {
 namespace {
@@ -15,7 +16,8 @@ bool all_kept(const std::vector<int>& map, const Changes& changes, Index index) 
                      [&](const auto& change) { return reduced_index(map, index(change)) >= 0; });
 }
 
-/* A bound that changes must become tighter, and it must be the one that the reduced column has. */
+/* A bound that changes must become tighter, and it must be the one that the reduced column has. The bounds
+ * may not meet when one came from a row: undo would not know that the sign of the dual tells them apart. */
 bool tightens(const Reduction& reduction, const LpData& original, const NewRange& fresh) {
   const LpData& reduced = reduction.lp;
   const int j = fresh.index, at = reduced_index(reduction.column_map, j);
@@ -23,8 +25,10 @@ bool tightens(const Reduction& reduction, const LpData& original, const NewRange
                           (fresh.lower > original.lower[j] && reduced.lower[at] == original.lower[j]);
   const bool upper_fits = fresh.upper == original.upper[j] ||
                           (fresh.upper < original.upper[j] && reduced.upper[at] == original.upper[j]);
-  return lower_fits && upper_fits &&
-         std::max(fresh.lower, reduced.lower[at]) <= std::min(fresh.upper, reduced.upper[at]);
+  const double lower = std::max(fresh.lower, reduced.lower[at]);
+  const double upper = std::min(fresh.upper, reduced.upper[at]);
+  const bool own = lower == fresh.lower && upper == fresh.upper;
+  return lower_fits && upper_fits && (lower < upper || (lower == upper && own));
 }
 
 bool same_type(const NewRange& fresh, double lower, double upper) {
@@ -69,7 +73,8 @@ bool change_costs(Reduction& reduction, LpData& original, std::span<const NewCos
   reduced.offset += offset - original.offset;
   original.offset = offset;
   for (const auto& [j, cost] : costs) {
-    reduced.cost[reduced_index(map, j)] += cost - original.cost[j];
+    double& image = reduced.cost[reduced_index(map, j)];
+    image = moved(image, cost - original.cost[j]);
     original.cost[j] = cost;
   }
   return true;
@@ -108,8 +113,8 @@ bool change_sides(Reduction& reduction, LpData& original, std::span<const NewRan
   for (const auto& [i, lower, upper] : sides) {
     const int at = reduced_index(map, i);
     const double shift = lower > -kInf ? lower - original.row_lower[i] : upper - original.row_upper[i];
-    reduced.row_lower[at] += shift;
-    reduced.row_upper[at] += shift;
+    reduced.row_lower[at] = moved(reduced.row_lower[at], shift);
+    reduced.row_upper[at] = moved(reduced.row_upper[at], shift);
     original.row_lower[i] = lower;
     original.row_upper[i] = upper;
   }

@@ -189,11 +189,16 @@ static_assert(std::tuple_size_v<Operations> == static_cast<std::size_t>(Op::coun
               "a line for each operation");
 static_assert(in_order(kIndices), "in the order of the enumeration");
 
+template <class F, std::size_t k>
+void visit_as(const Stack& stack, int at, F& f) {
+  f(std::get<k>(kOperations), stack.read<RecordOf<k>>(at));
+}
+
 /* f(line of the table, record) for operation `at` of the stack. */
 template <class F, std::size_t... k>
-void visit(const Stack& stack, int at, F&& f, std::index_sequence<k...>) {
-  const auto op = static_cast<std::size_t>(stack.op(at));
-  (void)((op == k && (f(std::get<k>(kOperations), stack.read<RecordOf<k>>(at)), true)) || ...);
+void visit(const Stack& stack, int at, F& f, std::index_sequence<k...>) {
+  static constexpr void (*kVisitors[])(const Stack&, int, F&) = {visit_as<F, k>...};
+  kVisitors[static_cast<std::size_t>(stack.op(at))](stack, at, f);
 }
 
 template <class F>

@@ -28,7 +28,7 @@ namespace tovik::lp::presolve {
  * those of the original. */
 struct ColumnEntries {
   bool copied;
-  View entries;
+  View entries;  // of the copy
 };
 
 struct Reals {
@@ -138,14 +138,16 @@ class RecordReader {
   std::uint32_t bits_;
 };
 
-/* Counts the bits that flags and statuses of a record take. */
-class RecordBits {
+/* Checks of a record type by the compiler. */
+class RecordShape {
  public:
   template <class... Fields>
   constexpr void operator()(const Fields&... fields) {
-    ((count_ += width(fields)), ...);
+    fields_ += static_cast<int>(sizeof...(fields));
+    ((bits_ += width(fields)), ...);
   }
-  constexpr int count() const { return count_; }
+  constexpr int fields() const { return fields_; }
+  constexpr int bits() const { return bits_; }  // that flags and statuses take
 
  private:
   static constexpr int width(const bool&) { return 1; }
@@ -155,15 +157,29 @@ class RecordBits {
   static constexpr int width(const Other&) {
     return 0;
   }
-  int count_ = 0;
+  int fields_ = 0, bits_ = 0;
 };
 
 template <class R>
-constexpr bool bits_fit() {
+constexpr RecordShape shape_of() {
   const R record{};
-  RecordBits bits;
-  R::fields(record, bits);
-  return bits.count() <= 32;
+  RecordShape shape;
+  R::fields(record, shape);
+  return shape;
+}
+
+/* Members of a struct: as many as it can be initialized with. */
+struct AnyMember {
+  template <class T>
+  constexpr operator T() const;
+};
+template <class R, class... Members>
+consteval int count_members() {
+  if constexpr (requires { R{Members{}..., AnyMember{}}; }) {
+    return count_members<R, Members..., AnyMember>();
+  } else {
+    return static_cast<int>(sizeof...(Members));
+  }
 }
 
 }  // namespace tovik::lp::presolve

@@ -85,7 +85,7 @@ inline constexpr std::array<RuleTraits, kRules> kRuleTable{{
     {Rule::slack_column, "slack_column", Argument::primal, kHoldsAlways},
     {Rule::parallel_rows, "parallel_rows", Argument::primal, kHoldsAlways},
     {Rule::parallel_columns, "parallel_columns", Argument::dual, kHoldsNever},
-    {Rule::zero_cost_column, "zero_cost_column", Argument::dual, kHoldsNever},
+    {Rule::zero_cost_column, "zero_cost_column", Argument::dual, kHoldsAlways},
     {Rule::sparsify, "sparsify", Argument::primal, kHoldsAlways},
     {Rule::dependent_rows, "dependent_rows", Argument::primal, kHoldsButForSides},
     {Rule::dual_equation, "dual_equation", Argument::dual, kHoldsNever},

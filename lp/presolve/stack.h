@@ -36,7 +36,8 @@ class Stack {
 
   template <class R>
   void push(const R& record) {
-    static_assert(bits_fit<R>());
+    static_assert(shape_of<R>().fields() == count_members<R>(), "each field is listed");
+    static_assert(shape_of<R>().bits() <= 32);
     const auto ints = static_cast<std::int64_t>(ints_.size()),
                reals = static_cast<std::int64_t>(reals_.size());
     RecordWriter writer(ints_, reals_);
@@ -48,7 +49,7 @@ class Stack {
   R read(int k) const {
     const Entry& entry = entries_[k];
     assert(entry.op == R::kOp);
-    R record{};
+    R record;
     RecordReader reader(ints_.data() + entry.ints, reals_.data() + entry.reals, entry.bits);
     R::fields(record, reader);
     return record;

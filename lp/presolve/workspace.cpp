@@ -275,14 +275,15 @@ ColumnEntries Workspace::column_entries(int j) {
 View Workspace::row_without(int i, int j) {
   const View v = row(i);
   add_work(v.length);
-  scratch_index_.clear();
-  scratch_value_.clear();
+  scratch_index_.resize(static_cast<size_t>(v.length));
+  scratch_value_.resize(static_cast<size_t>(v.length));
+  int kept = 0;
   for (int k = 0; k < v.length; ++k) {
-    if (v.index[k] == j) continue;
-    scratch_index_.push_back(v.index[k]);
-    scratch_value_.push_back(v.value[k]);
+    scratch_index_[kept] = v.index[k];
+    scratch_value_[kept] = v.value[k];
+    kept += v.index[k] != j;
   }
-  return {v.length - 1, scratch_index_.data(), scratch_value_.data()};
+  return {kept, scratch_index_.data(), scratch_value_.data()};
 }
 
 void Workspace::set_entry(int i, int j, double value) {

@@ -75,7 +75,9 @@ TEST_P(PresolveRule, EveryOptimalBasisComesBack) {
   EXPECT_LT(proof.tally.unchecked, proof.tally.lps / 100);
 }
 
-INSTANTIATE_TEST_SUITE_P(All, PresolveRule, testing::Range(0, kRules));
+INSTANTIATE_TEST_SUITE_P(All, PresolveRule, testing::Range(0, kRules), [](const auto& rule) {
+  return tovik::lp::presolve::kRuleTable[static_cast<size_t>(rule.param)].name;
+});
 
 TEST(Presolve, RulesThatMeetEachOtherGiveBackEveryOptimalBasis) {
   PlantedLps lps(seed());

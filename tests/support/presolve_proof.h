@@ -139,6 +139,16 @@ class PresolveProof {
     }
   }
 
+  /* The same for a reduction that took over a change: lp is the problem after it. */
+  std::string fault_after_change(const LpData& lp, const Reduction& r) {
+    try {
+      return bases_fault(lp, r, ExactLp(lp));
+    } catch (const std::overflow_error&) {
+      ++tally.unchecked;
+      return {};
+    }
+  }
+
  private:
   /* Without reductions that look at the objective any other form has the same minimum in both problems; while
    * only linear functions are allowed each form has an image. */
