@@ -117,8 +117,8 @@ int TVKgetprestat(ConstEnvHandle env, ConstProbHandle lp, int* prestat_p, int* p
     const Presolved* const record = kept_record(p);
     if (prestat_p != nullptr) *prestat_p = record == nullptr ? 0 : record->all_removed() ? 2 : 1;
     if (record != nullptr) {
-      copy_out(column_fates(*record), pcstat);
-      copy_out(row_fates(*record), prstat);
+      copy_out(column_codes(*record), pcstat);
+      copy_out(row_codes(*record), prstat);
       copy_out(record->reduction.column_map, ocstat);
       copy_out(record->reduction.row_map, orstat);
       return {};

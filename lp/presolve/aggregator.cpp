@@ -39,15 +39,15 @@ class Aggregator {
     for (int key = 0; key <= kMostKey; ++key) {
       // The list may not grow meanwhile: who waits on goes to a larger key.
       for (const int s : waiting_[key]) {
-        if (!go_on()) return;
+        if (!within_limits()) return;
         try_column(s, key);
       }
     }
   }
 
  private:
-  bool go_on() {
-    if (++looked_ % kPollEvery == 0 && !ws_.checkpoint(true)) return false;
+  bool within_limits() {
+    if (++looked_ % kPollEvery == 0 && !ws_.may_continue(true)) return false;
     return !ws_.done() && ws_.work() <= most_work_;
   }
 
@@ -60,7 +60,7 @@ class Aggregator {
     for (int i = 0; i < ws_.num_rows(); ++i) {
       if (is_doubleton(i)) list.push_back(i);
     }
-    while (!list.empty() && go_on()) {
+    while (!list.empty() && within_limits()) {
       const int i = list.back();
       list.pop_back();
       if (!is_doubleton(i)) continue;
@@ -137,7 +137,7 @@ class Aggregator {
 bool aggregate(Workspace& ws) {
   const int before = ws.counts.substitutions;
   ++ws.counts.aggregator_rounds;
-  if (ws.checkpoint(true)) Aggregator(ws).run();
+  if (ws.may_continue(true)) Aggregator(ws).run();
   return ws.counts.substitutions > before;
 }
 

@@ -35,7 +35,7 @@ bool crush_form(const Reduction& reduction, LinearForm& form) {
 
 void uncrush_form(const Reduction& reduction, LinearForm& form) {
   const std::vector<double> reduced = std::move(form.coefficients);
-  form.coefficients.assign(reduction.column_fate.size(), 0.0);
+  form.coefficients.assign(reduction.column_removal.size(), 0.0);
   for (size_t k = 0; k < reduced.size(); ++k) form.coefficients[reduction.column_map[k]] = reduced[k];
   uncrush_form_all(reduction.stack, form);
 }

@@ -3,7 +3,7 @@
 
 #include <vector>
 
-#include "lp/presolve/lines.h"
+#include "lp/presolve/compressed_vectors.h"
 #include "lp/simplex/types.h"
 
 namespace tovik::lp::presolve {

@@ -28,13 +28,13 @@ class Elimination {
   bool run();
 
  private:
-  void set_independent_aside();
+  void exclude_independent();
   void reduce(int i);
   void scatter(int j, double value);
   void subtract_pivot_row(int k);
-  void settle(int i);
+  void finish_row(int i);
   int choose_pivot() const;
-  bool judge(int i);
+  bool is_dependent(int i);
   Sparse combination(int i) const;
 
   Workspace& ws_;
@@ -65,7 +65,7 @@ Elimination::Elimination(Workspace& ws)
       magnitude_(static_cast<size_t>(ws.num_columns()), 0.0) {}
 
 /* An equation with a column that no other one has is independent of them; without it others may be too. */
-void Elimination::set_independent_aside() {
+void Elimination::exclude_independent() {
   std::vector<char> in(static_cast<size_t>(ws_.num_rows()), 0);
   std::int64_t entries = 0;
   for (int i = 0; i < ws_.num_rows(); ++i) {
@@ -104,17 +104,17 @@ void Elimination::set_independent_aside() {
 }
 
 bool Elimination::run() {
-  set_independent_aside();
+  exclude_independent();
   bool changed = false;
   for (const int i : rows_) {
     if (ws_.work() > limit_ || ws_.done()) break;
     reduce(i);
-    settle(i);
+    finish_row(i);
   }
   for (const int i : gone_) {
     if (ws_.done() || !ws_.allow(Rule::dependent_rows)) break;
     ws_.stack.push(FreeRow{.row = i});
-    ws_.remove_row(i, Fate::redundant);
+    ws_.remove_row(i, RemovalReason::redundant);
     changed = true;
   }
   return changed;
@@ -165,7 +165,7 @@ int Elimination::choose_pivot() const {
 }
 
 /* The reduced row becomes a pivot row, or it has vanished. */
-void Elimination::settle(int i) {
+void Elimination::finish_row(int i) {
   const int column = choose_pivot();
   if (column >= 0) {
     Pivot pivot{i, column, value_[column], {}, factors_};
@@ -177,7 +177,7 @@ void Elimination::settle(int i) {
   }
   for (const int j : touched_) value_[j] = magnitude_[j] = 0;
   touched_.clear();
-  if (column < 0 && judge(i)) gone_.push_back(i);
+  if (column < 0 && is_dependent(i)) gone_.push_back(i);
 }
 
 /* Multipliers of the other equations whose sum is equation i, from the factors of the elimination. */
@@ -199,7 +199,7 @@ Sparse Elimination::combination(int i) const {
 
 /* Forms the combination from the equations themselves. True when nothing is left, on the right-hand side as
  * well. */
-bool Elimination::judge(int i) {
+bool Elimination::is_dependent(int i) {
   const Sparse sum = combination(i);
   double side = 0, side_scale = 1, largest = 0;
   for (const auto& [row, factor] : sum) {
@@ -222,14 +222,14 @@ bool Elimination::judge(int i) {
   }
   touched_.clear();
   if (!vanishes) return false;
-  if (std::fabs(side) > condemn_guard(ws_, side_scale)) {
-    Verdict verdict;
-    verdict.finding = Finding::dependent_row_infeasible;
-    verdict.row = i;
+  if (std::fabs(side) > infeasibility_tolerance(ws_, side_scale)) {
+    PresolveStatus status;
+    status.code = StatusCode::dependent_row_infeasible;
+    status.row = i;
     for (const auto& [row, factor] : sum) {
-      if (factor != 0) verdict.multipliers.emplace_back(row, side > 0 ? factor : -factor);
+      if (factor != 0) status.multipliers.emplace_back(row, side > 0 ? factor : -factor);
     }
-    ws_.condemn(std::move(verdict));
+    ws_.declare_infeasible(std::move(status));
     return false;
   }
   return std::fabs(side) <= kExact * side_scale;

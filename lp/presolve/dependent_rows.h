@@ -7,8 +7,8 @@
 
 namespace tovik::lp::presolve {
 
-/* True when a row is gone. Condemns the problem when a combination of equations reads 0 = something else. The
- * way back is that of a redundant row. */
+/* True when a row is gone. Declares the problem infeasible when a combination of equations reads 0 =
+ * something else. The undo is that of a redundant row. */
 bool remove_dependent_rows(Workspace& ws);
 
 }  // namespace tovik::lp::presolve

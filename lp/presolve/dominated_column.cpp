@@ -17,8 +17,9 @@ constexpr double kCannotRest = 1e-5;  // a dual at least this large: the row sta
 
 enum class Drive { none, down, up };
 
-/* Where the reduced cost drives column j. A column within a hair of zero goes as well: its bound suits every
- * dual. When terms are so large that rounding hides the hair, the sign must be plain. */
+/* Where the reduced cost drives column j. One within the tolerance of zero counts as zero: the
+ * column's bound suits every dual. When terms are so large that rounding exceeds the tolerance, the sign must
+ * be beyond the rounding. */
 Drive drive_of(Workspace& ws, DualBounds& bounds, int j) {
   const DualBounds::Range d = bounds.reduced_cost(j);
   const double rounding = kTermRounding * d.scale;
@@ -71,14 +72,14 @@ bool make_equations(Workspace& ws, const DualBounds& bounds) {
 }
 
 /* Judged by infinite bounds of the problem alone: then no point is dual feasible. */
-void condemn_contradiction(Workspace& ws) {
+void detect_dual_infeasibility(Workspace& ws) {
   DualBounds bounds(ws, false);
   bounds.compute({});
-  Verdict verdict;
+  PresolveStatus status;
   if (bounds.contradiction() >= 0) {
-    verdict.finding = Finding::dual_bounds_row;
-    verdict.row = bounds.contradiction();
-    ws.condemn(std::move(verdict));
+    status.code = StatusCode::dual_bounds_row;
+    status.row = bounds.contradiction();
+    ws.declare_infeasible(std::move(status));
     return;
   }
   for (int j = 0; j < ws.num_columns(); ++j) {
@@ -86,9 +87,9 @@ void condemn_contradiction(Workspace& ws) {
     const DualBounds::Range d = bounds.reduced_cost(j);
     const double plain = kPlain * std::max(1.0, d.scale);
     if ((d.least > plain && ws.lower[j] == -kInf) || (d.most < -plain && ws.upper[j] == kInf)) {
-      verdict.finding = Finding::dual_bounds_column;
-      verdict.column = j;
-      ws.condemn(std::move(verdict));
+      status.code = StatusCode::dual_bounds_column;
+      status.column = j;
+      ws.declare_infeasible(std::move(status));
       return;
     }
   }
@@ -102,7 +103,7 @@ bool use_dual_bounds(Workspace& ws) {
   DualBounds bounds(ws, true);
   bounds.compute({});
   if (bounds.contradiction() >= 0) {
-    condemn_contradiction(ws);
+    detect_dual_infeasibility(ws);
     return false;
   }
   std::vector<char> held;

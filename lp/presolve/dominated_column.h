@@ -17,7 +17,8 @@ struct RowMadeEquation {
   }
 };
 
-/* One pass over the problem. True when it changed something. Condemns the problem when no duals fit. */
+/* One pass over the problem. True when it changed something. Declares the problem infeasible when no duals
+ * fit. */
 bool use_dual_bounds(Workspace& ws);
 void undo_row_made_equation(const RowMadeEquation& record, Undo& undo);
 

@@ -46,7 +46,7 @@ Transfer transfer_of(const Workspace& ws, const Pair& d) {
   if ((d.a > 0) == (d.b > 0)) std::swap(lower, upper);
   // In terms of the column that leaves, and of the one that stays.
   const double factor = std::max(1.0, std::fabs(d.b / d.a));
-  const auto guard = [&](double bound) { return no_difference(ws, bound, kStrict) / factor; };
+  const auto guard = [&](double bound) { return side_tolerance(ws, bound, kStrict) / factor; };
   Transfer t;
   t.tighter_lower = lower > old_lower + guard(lower);
   t.tighter_upper = upper < old_upper - guard(upper);
@@ -56,10 +56,10 @@ Transfer transfer_of(const Workspace& ws, const Pair& d) {
 }
 
 /* Bounds that cross or differ by rounding are made one, at a bound of its own if there is one. */
-bool mend(const Workspace& ws, Transfer& t) {
+bool merge_crossing_bounds(const Workspace& ws, Transfer& t) {
   const double crossing = t.lower - t.upper;
-  if (crossing == 0 || !(crossing > -no_difference(ws, t.lower, kSame))) return true;
-  if (crossing > no_difference(ws, t.lower)) return false;
+  if (crossing == 0 || !(crossing > -side_tolerance(ws, t.lower, kSame))) return true;
+  if (crossing > side_tolerance(ws, t.lower)) return false;
   if (t.tighter_lower && !t.tighter_upper) {
     t.lower = t.upper;
   } else {
@@ -83,7 +83,7 @@ bool substitute_doubleton(Workspace& ws, int i) {
     d = other;
   }
   Transfer t = transfer_of(ws, d);
-  if (!mend(ws, t)) return false;
+  if (!merge_crossing_bounds(ws, t)) return false;
   if (!ws.allow(Rule::doubleton_equation)) return false;
   const bool same_sign = (d.a > 0) == (d.b > 0);
   ws.stack.push(Doubleton{.row = i,

@@ -69,7 +69,7 @@ void DualBounds::find_signs(bool implied) {
                    [&](int a, int b) { return ws_.column_length(a) < ws_.column_length(b); });
 }
 
-void DualBounds::compute(const std::vector<char>& mute) {
+void DualBounds::compute(const std::vector<char>& excluded) {
   contradiction_ = -1;
   for (int i = 0; i < ws_.num_rows(); ++i) {
     lower_[i] = ws_.row_upper[i] == kInf && !ws_.equation(i) ? 0.0 : -kInf;
@@ -83,7 +83,7 @@ void DualBounds::compute(const std::vector<char>& mute) {
   queue_.clear();
   std::int64_t entries = 0;
   for (const int j : order_) {
-    if (!ws_.column_alive(j) || (!mute.empty() && mute[j])) continue;
+    if (!ws_.column_alive(j) || (!excluded.empty() && excluded[j])) continue;
     queue_.push_back(j);
     entries += ws_.column_length(j);
   }

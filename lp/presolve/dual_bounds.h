@@ -22,8 +22,8 @@ class DualBounds {
   /* Implied: columns with strictly implied bounds count too. The workspace outlives this object. */
   DualBounds(Workspace& ws, bool implied);
 
-  /* Computes the bounds from scratch; columns flagged in `mute` give none. */
-  void compute(const std::vector<char>& mute);
+  /* Computes the bounds from scratch; columns flagged in `excluded` give none. */
+  void compute(const std::vector<char>& excluded);
 
   /* A row whose bounds contradict each other plainly, or -1. The bounds mean nothing then. */
   int contradiction() const { return contradiction_; }

@@ -1,4 +1,4 @@
-/* The dual of an LP as an LP of its own, and the way back from its basic solution.
+/* The dual of an LP as an LP of its own, and the primal point from its basic solution.
  *
  * Primal: minimize c'x, L <= Ax <= U, l <= x <= u. Each column stands on a reference bound r_j (a finite one;
  * the one that its cost likes when both are; 0 for a free column), so that with b = sides - A r the dual

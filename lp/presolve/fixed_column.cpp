@@ -26,22 +26,19 @@ void fix_column(Workspace& ws, int j, double value, BasisStatus at) {
     for (int k = 0; k < v.length; ++k) ws.shift_sides(v.index[k], -v.value[k] * value);
     ws.add_offset(ws.cost[j] * value);
   }
-  ws.remove_column(j, Fate::fixed);
+  ws.remove_column(j, RemovalReason::fixed);
 }
 
 bool remove_fixed_column(Workspace& ws, int j) {
   const double lower = ws.lower[j], upper = ws.upper[j];
   if (ws.is_protected(j)) return false;
   if (lower > upper) {
-    if (lower - upper > condemn_guard(ws, lower)) {
-      Verdict verdict;
-      verdict.finding = Finding::column_bounds_cross;
-      verdict.column = j;
-      ws.condemn(std::move(verdict));
+    if (lower - upper > infeasibility_tolerance(ws, lower)) {
+      ws.declare_infeasible(infeasible_column(StatusCode::column_bounds_cross, j));
     }
     return false;
   }
-  if (std::isinf(lower) || upper - lower > no_difference(ws, lower, kSame)) return false;
+  if (std::isinf(lower) || upper - lower > side_tolerance(ws, lower, kSame)) return false;
   if (moves_too_far(ws, j, lower) || !ws.allow(Rule::fixed_column)) return false;
   if (lower < upper) ws.change_bounds(j, lower, lower);
   fix_column(ws, j, lower, BasisStatus::lower);
@@ -55,14 +52,12 @@ bool remove_empty_column(Workspace& ws, int j) {
   const bool free = lower == -kInf && upper == kInf;
   if ((c > 0 && lower == -kInf) || (c < 0 && upper == kInf)) {
     if (std::fabs(c) <= ws.settings.optimality) {
-      if (!free || !ws.allow(Rule::empty_column)) return false;  // a whiff of cost: the optimizer says
+      if (!free || !ws.allow(Rule::empty_column))
+        return false;  // a cost within the tolerance: the optimizer decides
       fix_column(ws, j, 0, BasisStatus::free);
       return true;
     }
-    Verdict verdict;
-    verdict.finding = Finding::empty_column_improves;
-    verdict.column = j;
-    ws.condemn(std::move(verdict));
+    ws.declare_infeasible(infeasible_column(StatusCode::empty_column_improves, j));
     return false;
   }
   if (!ws.allow(Rule::empty_column)) return false;
@@ -99,10 +94,7 @@ bool fix_by_signs(Workspace& ws, int j) {
   const double bound = to_lower ? ws.lower[j] : ws.upper[j];
   if (std::isinf(bound)) {
     if (std::fabs(c) > ws.settings.optimality) {
-      Verdict verdict;
-      verdict.finding = Finding::dual_bounds_column;
-      verdict.column = j;
-      ws.condemn(std::move(verdict));
+      ws.declare_infeasible(infeasible_column(StatusCode::dual_bounds_column, j));
     }
     return false;
   }

@@ -47,7 +47,7 @@ bool remove_forcing_row(Workspace& ws, int i) {
   const double lower = ws.row_lower[i], upper = ws.row_upper[i];
   // The row pushes to its lower side: each column stands where the activity is largest.
   const double noise = sum.magnitude * kRounding * ws.row_length(i);
-  const auto same = [&](double a, double b) { return std::fabs(a - b) <= no_difference(ws, b) + noise; };
+  const auto same = [&](double a, double b) { return std::fabs(a - b) <= side_tolerance(ws, b) + noise; };
   const bool at_lower = lower != -kInf && sum.infinite_max == 0 && same(sum.max, lower);
   const bool at_upper = upper != kInf && sum.infinite_min == 0 && same(sum.min, upper);
   if (!at_lower && !at_upper) return false;
@@ -61,7 +61,7 @@ bool remove_forcing_row(Workspace& ws, int i) {
   if (!ws.allow(Rule::forcing_row)) return false;
   const Entries moving = select(ws, index, value, false), frozen = select(ws, index, value, true);
   ws.stack.push(ForcingRow{.row = i, .at_lower = at_lower, .moving = moving.view(), .frozen = frozen.view()});
-  ws.remove_row(i, Fate::redundant);
+  ws.remove_row(i, RemovalReason::redundant);
   for (size_t k = 0; k < index.size(); ++k) {
     const int j = index[k];
     const bool up = (value[k] > 0) == at_lower;

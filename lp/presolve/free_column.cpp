@@ -14,9 +14,9 @@ constexpr double kLeastEntry = 1e-9;
 constexpr double kSupport = 1e-3;  // entry of a row that implies a bound, of the row's largest
 
 /* Largest and smallest magnitude of a line's entries. */
-struct Spread {
+struct EntryRange {
   double least = kInf, most = 0;
-  explicit Spread(const View& v) {
+  explicit EntryRange(const View& v) {
     for (int k = 0; k < v.length; ++k) {
       least = std::min(least, std::fabs(v.value[k]));
       most = std::max(most, std::fabs(v.value[k]));
@@ -37,7 +37,7 @@ bool implied_free(Workspace& ws, int s) {
     const Activity& sum = ws.activity(r);
     if (std::fabs(a) < kSupport * sum.largest) continue;
     const double noise = sum.magnitude * kRounding * ws.row_length(r) / std::fabs(a);
-    const auto slack = [&ws, noise](double bound) { return no_difference(ws, bound) - noise; };
+    const auto slack = [&ws, noise](double bound) { return side_tolerance(ws, bound) - noise; };
     below = below || ws.implied_lower(r, s, a) >= ws.lower[s] - slack(ws.lower[s]);
     above = above || ws.implied_upper(r, s, a) <= ws.upper[s] + slack(ws.upper[s]);
   }
@@ -45,7 +45,7 @@ bool implied_free(Workspace& ws, int s) {
 }
 
 bool sound_pivot(Workspace& ws, int i, int s, double a) {
-  const Spread row(ws.row(i)), column(ws.column(s));
+  const EntryRange row(ws.row(i)), column(ws.column(s));
   ws.add_work(ws.row_length(i) + ws.column_length(s));
   const double pivot = std::fabs(a);
   if (pivot < kPivot * row.most && pivot < kPivot * column.most) return false;

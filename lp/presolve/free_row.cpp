@@ -10,7 +10,7 @@ namespace {
 
 bool drop(Workspace& ws, int i) {
   ws.stack.push(FreeRow{.row = i});
-  ws.remove_row(i, Fate::redundant);
+  ws.remove_row(i, RemovalReason::redundant);
   return true;
 }
 
@@ -18,10 +18,10 @@ bool remove_empty_row(Workspace& ws, int i) {
   const double guard = ws.settings.feasibility;
   const double lower = ws.row_lower[i], upper = ws.row_upper[i];
   if (lower > guard || upper < -guard) {
-    Verdict verdict = row_verdict(Finding::empty_row_infeasible, i, lower > guard);
-    verdict.lower = lower;
-    verdict.upper = upper;
-    ws.condemn(std::move(verdict));
+    PresolveStatus status = infeasible_row(StatusCode::empty_row_infeasible, i, lower > guard);
+    status.lower = lower;
+    status.upper = upper;
+    ws.declare_infeasible(std::move(status));
     return false;
   }
   return ws.allow(Rule::empty_row) && drop(ws, i);
@@ -29,27 +29,19 @@ bool remove_empty_row(Workspace& ws, int i) {
 
 }  // namespace
 
-Verdict row_verdict(Finding finding, int i, bool below_lower) {
-  Verdict verdict;
-  verdict.finding = finding;
-  verdict.row = i;
-  verdict.multipliers = {{i, below_lower ? 1.0 : -1.0}};
-  return verdict;
-}
-
 bool remove_free_row(Workspace& ws, int i) {
   if (ws.row_length(i) == 0) return remove_empty_row(ws, i);
   const double lower = ws.row_lower[i], upper = ws.row_upper[i];
   if (lower == -kInf && upper == kInf) return ws.allow(Rule::redundant_row) && drop(ws, i);
   const Activity& sum = ws.activity(i);
   const double noise = sum.magnitude * kRounding * ws.row_length(i);
-  if (sum.most() < lower - condemn_guard(ws, lower) - noise ||
-      sum.least() > upper + condemn_guard(ws, upper) + noise) {
-    ws.condemn(row_verdict(Finding::row_bounds_infeasible, i, sum.most() < lower));
+  if (sum.most() < lower - infeasibility_tolerance(ws, lower) - noise ||
+      sum.least() > upper + infeasibility_tolerance(ws, upper) + noise) {
+    ws.declare_infeasible(infeasible_row(StatusCode::row_bounds_infeasible, i, sum.most() < lower));
     return false;
   }
-  const bool lower_holds = lower == -kInf || sum.least() >= lower - no_difference(ws, lower);
-  const bool upper_holds = upper == kInf || sum.most() <= upper + no_difference(ws, upper);
+  const bool lower_holds = lower == -kInf || sum.least() >= lower - side_tolerance(ws, lower);
+  const bool upper_holds = upper == kInf || sum.most() <= upper + side_tolerance(ws, upper);
   if (lower_holds && upper_holds) return ws.allow(Rule::redundant_row) && drop(ws, i);
   // A side that cannot bind only weakens arguments on duals. Equations keep theirs: they are worth more.
   if (lower < upper && ((lower_holds && lower != -kInf) || (upper_holds && upper != kInf)) &&

@@ -26,7 +26,4 @@ void undo_free_row(const FreeRow& record, Undo& undo);
  * be non-basic at activity 0, which the undo of a fixed column moves away from 0. */
 void drop_free_rows(Workspace& ws);
 
-/* Verdict for a row whose columns cannot reach its side. */
-Verdict row_verdict(Finding finding, int i, bool below_lower);
-
 }  // namespace tovik::lp::presolve

@@ -134,7 +134,7 @@ bool add_rows(Reduction& reduction, LpData& original, const NewRows& added) {
   original = std::move(longer);
   for (int i = first; i < original.num_rows(); ++i) {
     reduction.row_map.push_back(i);
-    reduction.row_fate.push_back(Fate::kept);
+    reduction.row_removal.push_back(RemovalReason::kept);
   }
   return true;
 }

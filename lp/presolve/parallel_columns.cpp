@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "lp/presolve/parallel_lines.h"
+#include "lp/presolve/parallel_vectors.h"
 #include "lp/presolve/tolerances.h"
 
 namespace tovik::lp::presolve {
@@ -35,10 +35,7 @@ bool fix_by_partner(Workspace& ws, int j, int k, double g) {
   const double bound = to_lower ? ws.lower[k] : ws.upper[k];
   if (std::isinf(bound)) {
     if (std::fabs(excess) > kPlain * std::max(1.0, size)) {
-      Verdict verdict;
-      verdict.finding = Finding::dual_bounds_column;
-      verdict.column = k;
-      ws.condemn(std::move(verdict));
+      ws.declare_infeasible(infeasible_column(StatusCode::dual_bounds_column, k));
       return false;
     }
     if (!down || !up || ws.is_protected(k) || !ws.allow(Rule::parallel_columns)) return false;
@@ -68,13 +65,13 @@ bool merge(Workspace& ws, int j, int k, double g) {
                                 .kept_upper = ws.upper[j],
                                 .gone_lower = ws.lower[k],
                                 .gone_upper = ws.upper[k]});
-  ws.remove_column(k, Fate::merged);
+  ws.remove_column(k, RemovalReason::merged);
   ws.change_bounds(j, least, most);
   return true;
 }
 
 /* Which of the two columns is gone, or -1. */
-int settle(Workspace& ws, int j, int k, double g) {
+int fix_or_merge(Workspace& ws, int j, int k, double g) {
   if (fix_by_partner(ws, j, k, g)) return k;
   if (!ws.done() && fix_by_partner(ws, k, j, 1 / g)) return j;
   if (ws.done()) return -1;
@@ -82,18 +79,19 @@ int settle(Workspace& ws, int j, int k, double g) {
   return merge(ws, k, j, 1 / g) ? j : -1;
 }
 
-bool settle_bucket(Workspace& ws, const HashedLine* begin, const HashedLine* end, Spread& spread) {
+bool process_bucket(Workspace& ws, const HashedVector* begin, const HashedVector* end,
+                    ScatteredVector& scattered) {
   bool changed = false;
   std::vector<int> kept;
-  for (const HashedLine* at = begin; at != end && !ws.done(); ++at) {
-    int column = at->line;
+  for (const HashedVector* at = begin; at != end && !ws.done(); ++at) {
+    int column = at->index;
     for (size_t k = 0; k < kept.size() && column >= 0; ++k) {
       const View own = ws.column(kept[k]);
-      spread.load(own);
+      scattered.load(own);
       ws.add_work(2 * own.length);
-      const double ratio = spread.ratio(ws.column(column));
+      const double ratio = scattered.ratio(ws.column(column));
       if (ratio == 0) continue;
-      const int gone = settle(ws, kept[k], column, ratio);
+      const int gone = fix_or_merge(ws, kept[k], column, ratio);
       if (gone < 0) continue;
       changed = true;
       if (gone == kept[k]) kept[k] = column;
@@ -108,20 +106,20 @@ bool settle_bucket(Workspace& ws, const HashedLine* begin, const HashedLine* end
 
 bool merge_parallel_columns(Workspace& ws) {
   if (!ws.enabled(Rule::parallel_columns) || ws.done()) return false;
-  std::vector<HashedLine> lines;
+  std::vector<HashedVector> candidates;
   for (int j = 0; j < ws.num_columns(); ++j) {
     if (!ws.column_alive(j) || ws.column_length(j) == 0 || ws.lower[j] >= ws.upper[j]) continue;
     const View column = ws.column(j);
     ws.add_work(column.length);
-    lines.push_back({direction_hash(column), j});
+    candidates.push_back({direction_hash(column), j});
   }
-  keep_shared_hashes(lines);
-  Spread spread(ws.num_rows());
+  keep_shared_hashes(candidates);
+  ScatteredVector scattered(ws.num_rows());
   bool changed = false;
-  for (size_t k = 0; k < lines.size() && !ws.done();) {
+  for (size_t k = 0; k < candidates.size() && !ws.done();) {
     size_t end = k + 1;
-    while (end < lines.size() && lines[end].hash == lines[k].hash) ++end;
-    changed |= settle_bucket(ws, &lines[k], lines.data() + end, spread);
+    while (end < candidates.size() && candidates[end].hash == candidates[k].hash) ++end;
+    changed |= process_bucket(ws, &candidates[k], candidates.data() + end, scattered);
     k = end;
   }
   return changed;

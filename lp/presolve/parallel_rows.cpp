@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-#include "lp/presolve/parallel_lines.h"
+#include "lp/presolve/parallel_vectors.h"
 #include "lp/presolve/tolerances.h"
 
 namespace tovik::lp::presolve {
@@ -23,14 +23,14 @@ struct Pair {
   double g;
 };
 
-void condemn_pair(Workspace& ws, const Pair& pair, bool kept_lower) {
+void declare_inconsistent(Workspace& ws, const Pair& pair, bool kept_lower) {
   const double sign = kept_lower ? 1.0 : -1.0;
-  Verdict verdict;
-  verdict.finding = Finding::rows_inconsistent;
-  verdict.row = pair.kept;
-  verdict.other_row = pair.other;
-  verdict.multipliers = {{pair.kept, sign}, {pair.other, -sign / pair.g}};
-  ws.condemn(std::move(verdict));
+  PresolveStatus status;
+  status.code = StatusCode::rows_inconsistent;
+  status.row = pair.kept;
+  status.other_row = pair.other;
+  status.multipliers = {{pair.kept, sign}, {pair.other, -sign / pair.g}};
+  ws.declare_infeasible(std::move(status));
 }
 
 bool merge(Workspace& ws, const Pair& pair) {
@@ -39,19 +39,19 @@ bool merge(Workspace& ws, const Pair& pair) {
   if (g < 0) std::swap(lower, upper);
   const double own_lower = ws.row_lower[i], own_upper = ws.row_upper[i];
   const double factor = std::max(1.0, std::fabs(g));  // a difference is seen in both rows
-  bool tighter_lower = lower > own_lower + no_difference(ws, lower, kStrict) / factor;
-  bool tighter_upper = upper < own_upper - no_difference(ws, upper, kStrict) / factor;
+  bool tighter_lower = lower > own_lower + side_tolerance(ws, lower, kStrict) / factor;
+  bool tighter_upper = upper < own_upper - side_tolerance(ws, upper, kStrict) / factor;
   double new_lower = tighter_lower ? lower : own_lower;
   double new_upper = tighter_upper ? upper : own_upper;
   const double gap = new_lower - new_upper;
-  if ((tighter_lower || tighter_upper) && gap != 0 && gap > -no_difference(ws, new_lower, kSame)) {
+  if ((tighter_lower || tighter_upper) && gap != 0 && gap > -side_tolerance(ws, new_lower, kSame)) {
     // Only a side of one row can contradict a side of the other.
     const double size = size_of(new_lower, new_upper);
-    if (gap * std::min(1.0, std::fabs(g)) > condemn_guard(ws, size)) {
-      condemn_pair(ws, pair, !tighter_lower);
+    if (gap * std::min(1.0, std::fabs(g)) > infeasibility_tolerance(ws, size)) {
+      declare_inconsistent(ws, pair, !tighter_lower);
       return false;
     }
-    if (tighter_lower == tighter_upper || gap * factor > no_difference(ws, size)) return false;
+    if (tighter_lower == tighter_upper || gap * factor > side_tolerance(ws, size)) return false;
     if (tighter_lower) {  // the own side wins
       new_lower = own_upper;
     } else {
@@ -67,23 +67,24 @@ bool merge(Workspace& ws, const Pair& pair) {
                              .tighter_upper = tighter_upper,
                              .collapsed = new_lower == new_upper,
                              .ratio = g});
-  ws.remove_row(k, Fate::merged);
+  ws.remove_row(k, RemovalReason::merged);
   if (tighter_lower || tighter_upper) ws.change_sides(i, new_lower, new_upper);
   return true;
 }
 
 /* The rows of one bucket, each against the first few that stay. */
-bool merge_bucket(Workspace& ws, const HashedLine* begin, const HashedLine* end, Spread& spread) {
+bool merge_bucket(Workspace& ws, const HashedVector* begin, const HashedVector* end,
+                  ScatteredVector& scattered) {
   bool changed = false;
   std::vector<int> kept;
-  for (const HashedLine* at = begin; at != end && !ws.done(); ++at) {
-    int row = at->line;
+  for (const HashedVector* at = begin; at != end && !ws.done(); ++at) {
+    int row = at->index;
     bool gone = false;
     for (int& partner : kept) {
       const View own = ws.row(partner);
-      spread.load(own);
+      scattered.load(own);
       ws.add_work(2 * own.length);
-      const double ratio = spread.ratio(ws.row(row));
+      const double ratio = scattered.ratio(ws.row(row));
       if (ratio == 0) continue;
       // An equation stays an equation: it takes the other's place.
       const bool swapped = ws.equation(row) && !ws.equation(partner);
@@ -101,20 +102,20 @@ bool merge_bucket(Workspace& ws, const HashedLine* begin, const HashedLine* end,
 
 bool merge_parallel_rows(Workspace& ws) {
   if (!ws.enabled(Rule::parallel_rows) || ws.done()) return false;
-  std::vector<HashedLine> lines;
+  std::vector<HashedVector> candidates;
   for (int i = 0; i < ws.num_rows(); ++i) {
     if (!ws.row_alive(i) || ws.row_length(i) < 2) continue;
     const View row = ws.row(i);
     ws.add_work(row.length);
-    lines.push_back({direction_hash(row), i});
+    candidates.push_back({direction_hash(row), i});
   }
-  keep_shared_hashes(lines);
-  Spread spread(ws.num_columns());
+  keep_shared_hashes(candidates);
+  ScatteredVector scattered(ws.num_columns());
   bool changed = false;
-  for (size_t k = 0; k < lines.size() && !ws.done();) {
+  for (size_t k = 0; k < candidates.size() && !ws.done();) {
     size_t end = k + 1;
-    while (end < lines.size() && lines[end].hash == lines[k].hash) ++end;
-    changed |= merge_bucket(ws, &lines[k], lines.data() + end, spread);
+    while (end < candidates.size() && candidates[end].hash == candidates[k].hash) ++end;
+    changed |= merge_bucket(ws, &candidates[k], candidates.data() + end, scattered);
     k = end;
   }
   return changed;

@@ -22,8 +22,8 @@ struct ParallelRows {
   }
 };
 
-/* One pass over all rows, by hashing. True when a row is gone. Condemns the problem when two rows contradict
- * each other. */
+/* One pass over all rows, by hashing. True when a row is gone. Declares the problem infeasible when two rows
+ * contradict each other. */
 bool merge_parallel_rows(Workspace& ws);
 void undo_parallel_rows(const ParallelRows& record, Undo& undo);
 void duals_of_parallel_rows(const ParallelRows& record, std::vector<double>& y);

@@ -11,7 +11,7 @@ namespace tovik::lp::presolve {
 namespace {
 
 /* A point of the original's size with the reduced one's values in their places. */
-Point spread(const LpData& original, const Reduction& reduction, const Point& reduced) {
+Point scatter(const LpData& original, const Reduction& reduction, const Point& reduced) {
   const auto columns = static_cast<size_t>(original.num_columns());
   const auto rows = static_cast<size_t>(original.num_rows());
   Point point;
@@ -35,13 +35,10 @@ Point spread(const LpData& original, const Reduction& reduction, const Point& re
 }
 
 /* Before a rule makes a point of such an interval. */
-void condemn_crossed_bounds(Workspace& ws) {
+void detect_crossed_bounds(Workspace& ws) {
   for (int j = 0; j < ws.num_columns(); ++j) {
-    if (ws.lower[j] - ws.upper[j] <= condemn_guard(ws, ws.lower[j])) continue;
-    Verdict verdict;
-    verdict.finding = Finding::column_bounds_cross;
-    verdict.column = j;
-    ws.condemn(std::move(verdict));
+    if (ws.lower[j] - ws.upper[j] <= infeasibility_tolerance(ws, ws.lower[j])) continue;
+    ws.declare_infeasible(infeasible_column(StatusCode::column_bounds_cross, j));
     return;
   }
 }
@@ -52,40 +49,40 @@ Reduction presolve(const LpData& original, const Settings& settings, Control& co
                    const std::vector<char>& protected_columns, bool display) {
   Workspace ws(original, settings, control, protected_columns);
   ws.display = display;
-  condemn_crossed_bounds(ws);
+  detect_crossed_bounds(ws);
   run_rounds(ws);
   control.add_work(static_cast<std::uint64_t>(ws.work()));
   Reduction result;
   for (const std::int64_t hits : ws.counts.hits) result.changed |= hits > 0;
   if (result.changed) drop_free_rows(ws);
   result.lp = ws.extract(result.row_map, result.column_map);
-  for (int i = 0; i < ws.num_rows(); ++i) result.row_fate.push_back(ws.row_fate(i));
-  for (int j = 0; j < ws.num_columns(); ++j) result.column_fate.push_back(ws.column_fate(j));
+  for (int i = 0; i < ws.num_rows(); ++i) result.row_removal.push_back(ws.row_removal(i));
+  for (int j = 0; j < ws.num_columns(); ++j) result.column_removal.push_back(ws.column_removal(j));
   result.stack = std::move(ws.stack);
   result.counts = ws.counts;
-  result.verdict = std::move(ws.verdict);
+  result.status = std::move(ws.status);
   result.stop = ws.stop;
   return result;
 }
 
 Point postsolve(const LpData& original, const Reduction& reduction, const Point& reduced) {
-  Point point = spread(original, reduction, reduced);
+  Point point = scatter(original, reduction, reduced);
   Undo undo{original, point};
   undo_all(reduction.stack, undo);
   return point;
 }
 
 std::vector<double> infeasibility_proof(const LpData& original, const Reduction& reduction) {
-  if (!reduction.verdict.primal_infeasible() || reduction.verdict.multipliers.empty()) return {};
+  if (!reduction.status.primal_infeasible() || reduction.status.multipliers.empty()) return {};
   std::vector<double> y(static_cast<size_t>(original.num_rows()), 0.0);
-  for (const auto& [i, value] : reduction.verdict.multipliers) y[i] = value;
+  for (const auto& [i, value] : reduction.status.multipliers) y[i] = value;
   std::vector<double> reduced(reduction.row_map.size());
   for (size_t k = 0; k < reduced.size(); ++k) reduced[k] = y[reduction.row_map[k]];
-  return carry_proof(original, reduction, reduced);
+  return postsolve_proof(original, reduction, reduced);
 }
 
-std::vector<double> carry_proof(const LpData& original, const Reduction& reduction,
-                                const std::vector<double>& multipliers) {
+std::vector<double> postsolve_proof(const LpData& original, const Reduction& reduction,
+                                    const std::vector<double>& multipliers) {
   const LpData& lp = reduction.lp;
   Point reduced;
   reduced.x.assign(lp.cost.size(), 0.0);
@@ -104,7 +101,7 @@ std::vector<double> carry_proof(const LpData& original, const Reduction& reducti
     reduced.d[j] = d.value();
     reduced.column[j] = Undo::side(BasisStatus::lower, reduced.d[j]);
   }
-  Point point = spread(original, reduction, reduced);
+  Point point = scatter(original, reduction, reduced);
   Undo undo{original, point, true};
   undo_all(reduction.stack, undo);
   return std::move(point.y);

@@ -1,9 +1,9 @@
-/* Presolve of one LP: a smaller equivalent problem, and the way back from its solution to a primal-dual basic
+/* Presolve of one LP: a smaller equivalent problem, and the postsolve of its solution to a primal-dual basic
  * solution of the original.
  *
  * The problem is plain data in minimization form. A run makes rounds: cheap rules work on what changed until
- * nothing cheap is left, then the dearer rules take their turn; a round that brings little is the last. A run
- * that stops early, for whatever reason, leaves a reduced problem and a stack that fit each other. */
+ * nothing cheap is left, then the expensive rules run; a round that brings little is the last. A run
+ * that stops early leaves a reduced problem and a stack that fit each other. */
 #pragma once
 
 #include <vector>
@@ -12,8 +12,8 @@
 #include "lp/base/lp_data.h"
 #include "lp/presolve/settings.h"
 #include "lp/presolve/stack.h"
+#include "lp/presolve/status.h"
 #include "lp/presolve/undo.h"
-#include "lp/presolve/verdict.h"
 #include "lp/presolve/workspace.h"
 
 namespace tovik::lp::presolve {
@@ -21,10 +21,10 @@ namespace tovik::lp::presolve {
 struct Reduction {
   LpData lp;                             // empty when everything is gone
   std::vector<int> row_map, column_map;  // original index of each reduced row and column
-  std::vector<Fate> row_fate, column_fate;
+  std::vector<RemovalReason> row_removal, column_removal;
   Stack stack;
   Counts counts;
-  Verdict verdict;         // finding none: the reduced problem is equivalent
+  PresolveStatus status;   // code reduced: the reduced problem is equivalent
   Stop stop = Stop::none;  // why the run ended early
   bool changed = false;    // whether anything was done at all
 };
@@ -38,13 +38,13 @@ Reduction presolve(const LpData& original, const Settings& settings, Control& co
  * and column. */
 Point postsolve(const LpData& original, const Reduction& reduction, const Point& reduced);
 
-/* Row multipliers of the original problem that prove it infeasible, from the verdict's: to be checked. Empty
- * when the verdict has none. */
+/* Row multipliers of the original problem that prove it infeasible, from the status's: to be checked. Empty
+ * when the status has none. */
 std::vector<double> infeasibility_proof(const LpData& original, const Reduction& reduction);
 
 /* Multipliers of the reduced problem's rows that prove it infeasible, brought to the original: to be checked.
  */
-std::vector<double> carry_proof(const LpData& original, const Reduction& reduction,
-                                const std::vector<double>& multipliers);
+std::vector<double> postsolve_proof(const LpData& original, const Reduction& reduction,
+                                    const std::vector<double>& multipliers);
 
 }  // namespace tovik::lp::presolve

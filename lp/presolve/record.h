@@ -19,7 +19,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "lp/presolve/lines.h"
+#include "lp/presolve/compressed_vectors.h"
 #include "lp/simplex/types.h"
 
 namespace tovik::lp::presolve {

@@ -28,7 +28,7 @@ std::int64_t size_of(const Workspace& ws) {
   return std::int64_t{ws.rows_left()} + ws.columns_left();
 }
 
-void look_at_row(Workspace& ws, int i) {
+void try_row(Workspace& ws, int i) {
   if (!ws.row_alive(i) || ws.done()) return;
   if (remove_free_row(ws, i)) return;
   if (ws.row_length(i) == 0) return;
@@ -36,7 +36,7 @@ void look_at_row(Workspace& ws, int i) {
   if (remove_forcing_row(ws, i)) return;
 }
 
-void look_at_column(Workspace& ws, int j) {
+void try_column(Workspace& ws, int j) {
   if (!ws.column_alive(j) || ws.done()) return;
   if (remove_fixed_column(ws, j)) return;
   if (ws.column_length(j) == 0) {
@@ -47,22 +47,22 @@ void look_at_column(Workspace& ws, int j) {
   if (ws.column_length(j) == 1 && remove_slack_column(ws, j)) return;
 }
 
-/* Rules that look at one row or column at a time, on what changed, until nothing is left to look at. */
+/* Rules for one row or column at a time, on those that changed, until none is queued. */
 void sweep(Workspace& ws) {
-  for (int count = 0; count < kMostSweeps && ws.queued() && ws.checkpoint(); ++count) {
+  for (int count = 0; count < kMostSweeps && ws.queued() && ws.may_continue(); ++count) {
     const std::int64_t before = size_of(ws);
-    for (const int i : ws.take_rows()) look_at_row(ws, i);
-    for (const int j : ws.take_columns()) look_at_column(ws, j);
+    for (const int i : ws.take_rows()) try_row(ws, i);
+    for (const int j : ws.take_columns()) try_column(ws, j);
     if (count > 0 && static_cast<double>(before - size_of(ws)) <= kLittleSweep * static_cast<double>(before))
       break;
   }
 }
 
-/* A dear rule that finds nothing sits out as many turns as it has failed in a row. */
-class Turns {
+/* Back-off: an expensive rule that finds nothing skips as many rounds as it has failed in a row. */
+class BackOff {
  public:
   template <class F>
-  void take(F rule) {
+  void run(F rule) {
     if (skip_ > 0) {
       --skip_;
       return;
@@ -81,7 +81,7 @@ void run_rounds(Workspace& ws) {
   const int most = ws.settings.passes < 0 ? kMostRounds : ws.settings.passes;
   const auto entries = static_cast<std::int64_t>(ws.original.matrix.index.size());
   const std::int64_t budget = kWorkPerEntry * (entries + size_of(ws));
-  Turns dual_bounds, parallel;
+  BackOff dual_bounds, parallel;
   if (ws.settings.dependency == 1 || ws.settings.dependency == 3) remove_dependent_rows(ws);
   int rounds_left = ws.settings.aggregator < 0 ? most : ws.settings.aggregator;
   for (int round = 0; round < most && !ws.done() && ws.work() <= budget; ++round) {
@@ -92,8 +92,8 @@ void run_rounds(Workspace& ws) {
       if (aggregate(ws)) sweep(ws);
     }
     // After the substitutions, which make rows and columns alike.
-    dual_bounds.take([&] { return use_dual_bounds(ws); });
-    parallel.take([&] {
+    dual_bounds.run([&] { return use_dual_bounds(ws); });
+    parallel.run([&] {
       const bool rows = merge_parallel_rows(ws);
       return merge_parallel_columns(ws) || rows;
     });

@@ -5,7 +5,7 @@
 
 namespace tovik::lp::presolve {
 
-/* Runs rounds until little is gained, a verdict is reached or presolve must stop. */
+/* Runs rounds until little is gained, a status is reached or presolve must stop. */
 void run_rounds(Workspace& ws);
 
 }  // namespace tovik::lp::presolve

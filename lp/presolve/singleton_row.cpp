@@ -19,21 +19,21 @@ bool remove_singleton_row(Workspace& ws, int i) {
     return false;  // a tiny entry: its bound would not carry the row's accuracy
   }
   const double old_lower = ws.lower[j], old_upper = ws.upper[j];
-  const double low_guard = no_difference(ws, lower, kStrict) / std::max(1.0, std::fabs(a));
-  const double up_guard = no_difference(ws, upper, kStrict) / std::max(1.0, std::fabs(a));
+  const double low_guard = side_tolerance(ws, lower, kStrict) / std::max(1.0, std::fabs(a));
+  const double up_guard = side_tolerance(ws, upper, kStrict) / std::max(1.0, std::fabs(a));
   bool tighter_lower = lower > old_lower + low_guard;
   bool tighter_upper = upper < old_upper - up_guard;
   double new_lower = tighter_lower ? lower : old_lower;
   double new_upper = tighter_upper ? upper : old_upper;
   const double crossing = new_lower - new_upper;
-  if ((tighter_lower || tighter_upper) && crossing != 0 && crossing > -no_difference(ws, new_lower, kSame)) {
+  if ((tighter_lower || tighter_upper) && crossing != 0 && crossing > -side_tolerance(ws, new_lower, kSame)) {
     const double gap = crossing * std::fabs(a);
     const double side = std::max(std::fabs(new_lower), std::fabs(new_upper)) * std::fabs(a);
-    if (gap > condemn_guard(ws, side) && crossing > condemn_guard(ws, new_lower)) {
-      ws.condemn(row_verdict(Finding::row_bounds_infeasible, i, (a > 0) == tighter_lower));
+    if (gap > infeasibility_tolerance(ws, side) && crossing > infeasibility_tolerance(ws, new_lower)) {
+      ws.declare_infeasible(infeasible_row(StatusCode::row_bounds_infeasible, i, (a > 0) == tighter_lower));
       return false;
     }
-    if (gap > no_difference(ws, side)) return false;  // for the optimizer to judge
+    if (gap > side_tolerance(ws, side)) return false;  // for the optimizer to judge
     // The column's own bound wins.
     if (tighter_lower && !tighter_upper) {
       new_lower = old_upper;
@@ -50,7 +50,7 @@ bool remove_singleton_row(Workspace& ws, int i) {
                              .tighter_upper = tighter_upper,
                              .collapsed = new_lower == new_upper,
                              .entry = a});
-  ws.remove_row(i, Fate::redundant);
+  ws.remove_row(i, RemovalReason::redundant);
   if (tighter_lower || tighter_upper) {
     ++ws.counts.bounds_improved;
     ws.change_bounds(j, new_lower, new_upper);

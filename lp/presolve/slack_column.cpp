@@ -53,7 +53,7 @@ bool remove_from_equation(Workspace& ws, const Slack& k, double beta, BasisStatu
                                 .lower = ws.lower[k.s],
                                 .upper = ws.upper[k.s],
                                 .rest = ws.row_without(k.i, k.s)});
-  ws.remove_column(k.s, Fate::other);
+  ws.remove_column(k.s, RemovalReason::other);
   if (price != 0) {
     const View v = ws.row(k.i);
     for (int q = 0; q < v.length; ++q) ws.move_cost(v.index[q], -price * v.value[q]);
@@ -74,23 +74,23 @@ bool remove_from_row(Workspace& ws, const Slack& k) {
                            .lower = ws.lower[k.s],
                            .upper = ws.upper[k.s],
                            .rest = ws.row_without(k.i, k.s)});
-  ws.remove_column(k.s, Fate::other);
+  ws.remove_column(k.s, RemovalReason::other);
   ws.change_sides(k.i, lower, upper);
   return true;
 }
 
 /* The row's side that column s presses against, `free` when it does not. */
-BasisStatus pressed_side(Workspace& ws, const Slack& k) {
+BasisStatus binding_side(Workspace& ws, const Slack& k) {
   const bool to_lower = (ws.cost[k.s] > 0) == (k.a > 0);
   if (std::isinf(to_lower ? ws.row_lower[k.i] : ws.row_upper[k.i])) return BasisStatus::free;
   const BasisStatus at = to_lower ? BasisStatus::lower : BasisStatus::upper;
   if (std::isinf(to_lower ? k.low : k.high)) return at;
   if (ws.cost[k.s] > 0) {
     const double bound = ws.lower[k.s];
-    if (ws.implied_lower(k.i, k.s, k.a) < bound - no_difference(ws, bound)) return BasisStatus::free;
+    if (ws.implied_lower(k.i, k.s, k.a) < bound - side_tolerance(ws, bound)) return BasisStatus::free;
   } else {
     const double bound = ws.upper[k.s];
-    if (ws.implied_upper(k.i, k.s, k.a) > bound + no_difference(ws, bound)) return BasisStatus::free;
+    if (ws.implied_upper(k.i, k.s, k.a) > bound + side_tolerance(ws, bound)) return BasisStatus::free;
   }
   return at;
 }
@@ -112,7 +112,7 @@ bool remove_slack_column(Workspace& ws, int s) {
   if (lower == upper) return remove_from_equation(ws, k, lower, BasisStatus::free);
   if (ws.cost[s] == 0) return !ws.settings.linear_only && remove_from_row(ws, k);
   if (!ws.settings.dual) return false;
-  const BasisStatus at = pressed_side(ws, k);
+  const BasisStatus at = binding_side(ws, k);
   if (at == BasisStatus::free) return false;
   (at == BasisStatus::lower ? k.low : k.high) = at == BasisStatus::lower ? -kInf : kInf;
   return remove_from_equation(ws, k, at == BasisStatus::lower ? lower : upper, at);

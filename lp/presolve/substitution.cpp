@@ -1,9 +1,10 @@
 /* Workspace::substitute: the elimination of a column through an equation, in both orientations of the matrix.
  *
- * Each orientation is updated by itself: one pass over each of its lines that change, with the added line
+ * Each orientation is updated by itself: one pass over each of its vectors that change, with the added vector
  * marked, and no search across orientations. The change of an entry is computed from the same three numbers
- * in both, so that they stay equal bit for bit. The orientation whose lines are shorter goes first and counts
- * for the other which of its lines have entries in common with what is added; the rest only grow at the end.
+ * in both, so that they stay equal bit for bit. The orientation whose vectors are shorter goes first and
+ * counts for the other which of its vectors have entries in common with what is added; the rest only grow at
+ * the end.
  */
 #include <cmath>
 
@@ -18,7 +19,7 @@ bool cancels(double sum, double a, double b) {
   return std::fabs(sum) <= kCancelled * std::max(std::fabs(a), std::fabs(b));
 }
 
-/* Entries of a line without one of them. */
+/* Entries of a vector without one of them. */
 struct Part {
   std::vector<int> index;
   std::vector<double> value;
@@ -37,9 +38,9 @@ struct Part {
   }
 };
 
-/* Line targets.index[t] -= targets.value[t] * added / pivot, for each t. */
+/* Vector targets.index[t] -= targets.value[t] * added / pivot, for each t. */
 struct Elimination {
-  Lines& lines;
+  CompressedVectors& vectors;
   const Part& targets;
   const Part& added;
   double pivot;
@@ -51,8 +52,8 @@ struct Elimination {
   double change(size_t t, size_t k) const { return -(targets.value[t] * added.value[k]) / pivot; }
 
   void combine(size_t t, std::vector<char>& seen) {
-    const int line = targets.index[t];
-    View v = lines.view(line);
+    const int major = targets.index[t];
+    View v = vectors.view(major);
     touched += v.length;
     for (int at = 0; at < v.length;) {
       const int k = mark[v.index[at]] - 1;
@@ -65,10 +66,10 @@ struct Elimination {
       const double old = v.value[at], delta = change(t, static_cast<size_t>(k));
       const double sum = old + delta;
       if (cancels(sum, old, delta)) {
-        lines.remove(line, at);
-        v = lines.view(line);
+        vectors.remove(major, at);
+        v = vectors.view(major);
       } else {
-        lines.set_value(line, at, sum);
+        vectors.set_value(major, at, sum);
         ++at;
       }
     }
@@ -84,7 +85,7 @@ struct Elimination {
       if (met.empty() || met[t] > 0) combine(t, seen);
       touched += static_cast<std::int64_t>(count);
       for (size_t k = 0; k < count; ++k) {
-        if (!seen[k]) lines.append(targets.index[t], added.index[k], change(t, k));
+        if (!seen[k]) vectors.append(targets.index[t], added.index[k], change(t, k));
       }
     }
     for (const int k : added.index) mark[k] = 0;
@@ -96,8 +97,8 @@ struct Elimination {
 void Workspace::substitute(int i, int s) {
   const Part in_row(row(i), s), in_column(column(s), i);
   const double pivot = in_row.left_out, beta = row_lower[i];
-  remove_row(i, Fate::aggregated);
-  remove_column(s, Fate::aggregated);
+  remove_row(i, RemovalReason::aggregated);
+  remove_column(s, RemovalReason::aggregated);
   ++counts.substitutions;
   if (const double c = cost[s]; c != 0) {
     for (size_t k = 0; k < in_row.index.size(); ++k) {

@@ -1,4 +1,4 @@
-/* Guards of presolve: to simplify a difference must be nothing, to condemn a problem it must be plain. */
+/* Tolerances of presolve: strict ones to simplify, loose ones to call a problem infeasible. */
 #pragma once
 
 #include <algorithm>
@@ -22,14 +22,14 @@ inline double moved(double side, double move) {
   return std::fabs(sum) < kCancelledSide * std::fabs(move) ? 0.0 : sum;
 }
 
-/* A difference of this size from a bound or side is none: rounding, and at most a tenth of what the user
+/* Differences up to this from a bound or side count as none: rounding, and at most a tenth of what the user
  * calls feasible. */
-inline double no_difference(const Workspace& ws, double side, double relative = kExact) {
+inline double side_tolerance(const Workspace& ws, double side, double relative = kExact) {
   return std::min(relative * std::max(1.0, std::fabs(side)), 0.1 * ws.settings.feasibility);
 }
 
 /* Violation of a side that proves infeasibility. */
-inline double condemn_guard(const Workspace& ws, double side) {
+inline double infeasibility_tolerance(const Workspace& ws, double side) {
   return 10 * ws.settings.feasibility * std::max(1.0, std::fabs(side));
 }
 

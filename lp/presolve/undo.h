@@ -58,15 +58,17 @@ struct Undo {
     const Matrix& matrix = original.matrix;
     for (int k = matrix.start[j]; k < matrix.start[j + 1]; ++k) f(matrix.index[k], matrix.value[k]);
   }
-  /* A column or row at equal bounds stands where its dual says; at 0 it stays where it is. */
+  /* The status of a column or row at equal bounds, by the sign of its dual; at 0 as it is. */
   static BasisStatus side(BasisStatus present, double dual) {
     return dual > 0 ? BasisStatus::lower : dual < 0 ? BasisStatus::upper : present;
   }
-  /* The same when one or both of the equal bounds came from elsewhere: at 0 its own, if there is one. */
-  static BasisStatus own_side(BasisStatus present, double dual, bool lower_came, bool upper_came) {
-    return side(lower_came == upper_came ? present
-                : lower_came             ? BasisStatus::upper
-                                         : BasisStatus::lower,
+  /* The same when one or both of the equal bounds were transferred from a row or column that left: at 0 its
+   * own, if there is one. */
+  static BasisStatus own_side(BasisStatus present, double dual, bool lower_transferred,
+                              bool upper_transferred) {
+    return side(lower_transferred == upper_transferred ? present
+                : lower_transferred                    ? BasisStatus::upper
+                                                       : BasisStatus::lower,
                 dual);
   }
 };

@@ -34,10 +34,6 @@ double largest(const View& v) {
 
 }  // namespace
 
-double Workspace::row_max(int i) {
-  return largest(row(i));
-}
-
 double Workspace::column_max(int j) {
   return largest(column(j));
 }
@@ -57,8 +53,8 @@ Workspace::Workspace(const LpData& original_lp, const Settings& s, Control& c, c
       rows_(transpose(original_lp.matrix), column_alive_),
       columns_(original_lp.matrix, row_alive_),
       column_dirty_(original_lp.cost.size(), 0),
-      row_fate_(original_lp.row_lower.size(), Fate::kept),
-      column_fate_(original_lp.cost.size(), Fate::kept),
+      row_removal_(original_lp.row_lower.size(), RemovalReason::kept),
+      column_removal_(original_lp.cost.size(), RemovalReason::kept),
       activity_(original_lp.row_lower.size()),
       activity_fresh_(original_lp.row_lower.size(), 0),
       row_queued_(original_lp.row_lower.size(), 0),
@@ -167,8 +163,8 @@ bool Workspace::allow(Rule rule) {
   return true;
 }
 
-void Workspace::condemn(Verdict found) {
-  if (verdict.finding == Finding::none) verdict = std::move(found);
+void Workspace::declare_infeasible(PresolveStatus found) {
+  if (status.code == StatusCode::reduced) status = std::move(found);
 }
 
 void Workspace::queue_row(int i) {
@@ -215,14 +211,10 @@ void Workspace::change_sides(int i, double new_lower, double new_upper) {
   for (int k = 0; k < v.length; ++k) queue_column(v.index[k]);
 }
 
-void Workspace::change_cost(int j, double new_cost) {
-  cost[j] = new_cost;
-  queue_column(j);
-}
-
 void Workspace::move_cost(int j, double delta) {
   const double sum = cost[j] + delta;
-  change_cost(j, std::fabs(sum) <= kCancelled * std::fabs(delta) ? 0.0 : sum);
+  cost[j] = std::fabs(sum) <= kCancelled * std::fabs(delta) ? 0.0 : sum;
+  queue_column(j);
 }
 
 void Workspace::add_offset(double value) {
@@ -238,7 +230,7 @@ void Workspace::shift_sides(int i, double delta) {
   queue_row(i);
 }
 
-void Workspace::remove_row(int i, Fate fate) {
+void Workspace::remove_row(int i, RemovalReason reason) {
   const View v = row(i);
   add_work(v.length);
   for (int k = 0; k < v.length; ++k) {
@@ -247,12 +239,12 @@ void Workspace::remove_row(int i, Fate fate) {
   }
   row_alive_[i] = 0;
   rows_.clear(i);
-  row_fate_[i] = fate;
-  if (fate != Fate::aggregated) ++counts.rows_eliminated;
+  row_removal_[i] = reason;
+  if (reason != RemovalReason::aggregated) ++counts.rows_eliminated;
   --rows_left_;
 }
 
-void Workspace::remove_column(int j, Fate fate) {
+void Workspace::remove_column(int j, RemovalReason reason) {
   const View v = column(j);
   add_work(v.length);
   for (int k = 0; k < v.length; ++k) {
@@ -262,8 +254,8 @@ void Workspace::remove_column(int j, Fate fate) {
   }
   column_alive_[j] = 0;
   columns_.clear(j);
-  column_fate_[j] = fate;
-  if (fate != Fate::aggregated) ++counts.columns_eliminated;
+  column_removal_[j] = reason;
+  if (reason != RemovalReason::aggregated) ++counts.columns_eliminated;
   --columns_left_;
 }
 
@@ -284,28 +276,6 @@ View Workspace::row_without(int i, int j) {
     kept += v.index[k] != j;
   }
   return {kept, scratch_index_.data(), scratch_value_.data()};
-}
-
-void Workspace::set_entry(int i, int j, double value) {
-  const int in_row = rows_.find(i, j);
-  column_dirty_[j] = 1;
-  touch_row(i);
-  queue_row(i);
-  queue_column(j);
-  if (in_row < 0) {
-    if (value == 0) return;
-    rows_.append(i, j, value);
-    columns_.append(j, i, value);
-    return;
-  }
-  const int in_column = columns_.find(j, i);
-  if (value == 0) {
-    rows_.remove(i, in_row);
-    columns_.remove(j, in_column);
-  } else {
-    rows_.set_value(i, in_row, value);
-    columns_.set_value(j, in_column, value);
-  }
 }
 
 void Workspace::add_row_multiple(int target, double factor, int source, int pivot) {
@@ -350,7 +320,7 @@ void Workspace::add_row_multiple(int target, double factor, int source, int pivo
   if (equation(source)) shift_sides(target, factor * row_lower[source]);
 }
 
-bool Workspace::checkpoint(bool in_aggregator) {
+bool Workspace::may_continue(bool in_aggregator) {
   if (done()) return false;
   if (display && control.seconds() - last_report_ > kReportSeconds) {
     char text[120];

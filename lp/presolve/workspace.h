@@ -1,5 +1,5 @@
 /* The problem while presolve works on it: minimize c'x + offset, row_lower <= Ax <= row_upper, lower <= x <=
- * upper, with rows and columns dying as rules remove them. Indices are those of the original problem
+ * upper, with fewer rows and columns as rules remove them. Indices are those of the original problem
  * throughout.
  *
  * Rules read the vectors and views, and change the problem only through the functions here: they keep both
@@ -13,15 +13,15 @@
 
 #include "lp/base/control.h"
 #include "lp/base/lp_data.h"
-#include "lp/presolve/lines.h"
+#include "lp/presolve/compressed_vectors.h"
 #include "lp/presolve/settings.h"
 #include "lp/presolve/stack.h"
-#include "lp/presolve/verdict.h"
+#include "lp/presolve/status.h"
 
 namespace tovik::lp::presolve {
 
 /* Why a row or column is no longer there. */
-enum class Fate : std::uint8_t { kept, redundant, fixed, aggregated, merged, other };
+enum class RemovalReason : std::uint8_t { kept, redundant, fixed, aggregated, merged, other };
 
 /* Bounds of a row's activity from the bounds of its columns: finite parts and the number of infinite ones. */
 struct Activity {
@@ -44,7 +44,7 @@ class Workspace {
   Control& control;
   Stack stack;
   Counts counts;
-  Verdict verdict;
+  PresolveStatus status;
   Stop stop = Stop::none;
 
   // Read by rules, changed by the functions below only.
@@ -62,10 +62,8 @@ class Workspace {
   int row_length(int i) const { return rows_.length(i); }
   int column_length(int j) const { return columns_.length(j); }
   bool equation(int i) const { return row_lower[i] == row_upper[i]; }
-  /* Largest magnitude of an entry: computed. */
-  double row_max(int i);
-  double column_max(int j);
-  double entry(int i, int j);  // 0 when there is none; searches the shorter line
+  double column_max(int j);  // largest magnitude of an entry: computed
+  double entry(int i, int j);  // 0 when there is none; searches the shorter vector
   /* Cached until a bound or an entry of the row changes. */
   const Activity& activity(int i);
   /* Activity bounds without column j, whose entry is a. */
@@ -78,34 +76,32 @@ class Workspace {
   /* May rule make a reduction now? Counts it when it may. */
   bool allow(Rule rule);
   bool enabled(Rule rule) const { return (settings.allowed() & rule_bit(rule)) != 0; }
-  bool done() const { return verdict.finding != Finding::none || stop != Stop::none || exhausted_; }
-  void condemn(Verdict found);
+  bool done() const { return status.code != StatusCode::reduced || stop != Stop::none || exhausted_; }
+  void declare_infeasible(PresolveStatus found);
   void add_work(std::int64_t ticks) { work_ += ticks; }
   std::int64_t work() const { return work_; }
 
-  // Changes. Rows and columns that go are counted as eliminated unless their fate is `aggregated`.
+  // Changes. Rows and columns that go are counted as eliminated unless the reason is `aggregated`.
   void change_bounds(int j, double new_lower, double new_upper);
   void change_sides(int i, double new_lower, double new_upper);
-  void change_cost(int j, double new_cost);
   /* Adds to a cost; what cancels to rounding noise becomes zero. */
   void move_cost(int j, double delta);
   void add_offset(double value);
   /* Both finite sides of row i move by delta; what cancels to rounding noise becomes zero. */
   void shift_sides(int i, double delta);
-  void remove_row(int i, Fate fate);
+  void remove_row(int i, RemovalReason reason);
   /* Takes the column out without a trace on sides and objective: for columns that are substituted. */
-  void remove_column(int j, Fate fate);
+  void remove_column(int j, RemovalReason reason);
   /* Row target += factor * row source, sides too when source is an equation (else only the entries). The
    * entry in column `pivot`, if any, is removed exactly. */
   void add_row_multiple(int target, double factor, int source, int pivot);
   /* Row i is an equation: solved for column s, put in for it in all other rows and the objective; both go. */
   void substitute(int i, int s);
-  void set_entry(int i, int j, double value);  // existing or new; 0 removes it
   // For records; valid until the next change.
   ColumnEntries column_entries(int j);
   View row_without(int i, int j);
-  Fate row_fate(int i) const { return row_fate_[i]; }
-  Fate column_fate(int j) const { return column_fate_[j]; }
+  RemovalReason row_removal(int i) const { return row_removal_[i]; }
+  RemovalReason column_removal(int j) const { return column_removal_[j]; }
 
   // Queues: each taken list is handed out once; rules may add while it is worked on.
   std::vector<int> take_rows() { return take(changed_rows_, row_queued_); }
@@ -115,7 +111,7 @@ class Workspace {
   void queue_column(int j);
 
   /* Progress lines, LP callback and limits; false when presolve must stop. */
-  bool checkpoint(bool in_aggregator = false);
+  bool may_continue(bool in_aggregator = false);
   bool display = true;
 
   /* The problem that is left, with the original index of each of its rows and columns. */
@@ -128,9 +124,9 @@ class Workspace {
 
   std::vector<char> row_alive_, column_alive_;
   const std::vector<char>& protected_;
-  Lines rows_, columns_;
+  CompressedVectors rows_, columns_;
   std::vector<char> column_dirty_;  // entries differ from the original's
-  std::vector<Fate> row_fate_, column_fate_;
+  std::vector<RemovalReason> row_removal_, column_removal_;
   std::vector<Activity> activity_;
   std::vector<char> activity_fresh_;
   std::vector<int> changed_rows_, changed_columns_;

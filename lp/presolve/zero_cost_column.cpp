@@ -57,8 +57,8 @@ bool remove_zero_cost_column(Workspace& ws, int j) {
   if ((!up && !down) || !entries_fit(column) || !ws.allow(Rule::zero_cost_column)) return false;
   store(ws, j, up);
   const std::vector<int> rows(column.index, column.index + column.length);
-  for (const int i : rows) ws.remove_row(i, Fate::redundant);
-  ws.remove_column(j, Fate::other);
+  for (const int i : rows) ws.remove_row(i, RemovalReason::redundant);
+  ws.remove_column(j, RemovalReason::other);
   return true;
 }
 

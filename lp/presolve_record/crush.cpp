@@ -7,7 +7,7 @@
 namespace tovik::lp::run {
 namespace {
 
-using presolve::Fate;
+using presolve::RemovalReason;
 
 std::vector<double> times(double sign, std::vector<double> values) {
   if (sign < 0) {
@@ -31,20 +31,20 @@ presolve::Point loose_point(const LpData& reduced) {
   return point;
 }
 
-std::vector<int> fates(const std::vector<Fate>& fate, const std::vector<int>& map) {
-  std::vector<int> codes(fate.size());
-  for (size_t k = 0; k < fate.size(); ++k) {
-    switch (fate[k]) {
-      case Fate::redundant:
+std::vector<int> removal_codes(const std::vector<RemovalReason>& reasons, const std::vector<int>& map) {
+  std::vector<int> codes(reasons.size());
+  for (size_t k = 0; k < reasons.size(); ++k) {
+    switch (reasons[k]) {
+      case RemovalReason::redundant:
         codes[k] = TVK_PRESTAT_REDUNDANT;
         break;
-      case Fate::fixed:
+      case RemovalReason::fixed:
         codes[k] = TVK_PRESTAT_FIXED;
         break;
-      case Fate::aggregated:
+      case RemovalReason::aggregated:
         codes[k] = TVK_PRESTAT_SUBSTITUTED;
         break;
-      case Fate::merged:
+      case RemovalReason::merged:
         codes[k] = TVK_PRESTAT_MERGED;
         break;
       default:
@@ -92,12 +92,12 @@ presolve::LinearForm dense_form(int columns, int count, const int* index, const 
   return form;
 }
 
-std::vector<int> row_fates(const Presolved& presolved) {
-  return fates(presolved.reduction.row_fate, presolved.reduction.row_map);
+std::vector<int> row_codes(const Presolved& presolved) {
+  return removal_codes(presolved.reduction.row_removal, presolved.reduction.row_map);
 }
 
-std::vector<int> column_fates(const Presolved& presolved) {
-  return fates(presolved.reduction.column_fate, presolved.reduction.column_map);
+std::vector<int> column_codes(const Presolved& presolved) {
+  return removal_codes(presolved.reduction.column_removal, presolved.reduction.column_map);
 }
 
 }  // namespace tovik::lp::run

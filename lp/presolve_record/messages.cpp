@@ -9,7 +9,7 @@
 namespace tovik::lp::run {
 namespace {
 
-using presolve::Finding;
+using presolve::StatusCode;
 
 constexpr std::size_t kNameCut = 255;
 
@@ -35,47 +35,47 @@ const char* kind(int problem_type) {
   }
 }
 
-void write_finding(Channel* out, const model::Model& model, const presolve::Verdict& verdict) {
-  const std::string row = label(model.row_names(), verdict.row, 'c');
-  const std::string other = label(model.row_names(), verdict.other_row, 'c');
-  const std::string column = label(model.column_names(), verdict.column, 'x');
-  switch (verdict.finding) {
-    case Finding::none:
+void write_status(Channel* out, const model::Model& model, const presolve::PresolveStatus& status) {
+  const std::string row = label(model.row_names(), status.row, 'c');
+  const std::string other = label(model.row_names(), status.other_row, 'c');
+  const std::string column = label(model.column_names(), status.column, 'x');
+  switch (status.code) {
+    case StatusCode::reduced:
       break;
-    case Finding::column_bounds_cross:
+    case StatusCode::column_bounds_cross:
       message(out, "Bound infeasibility column '%.255s'.\n", column.c_str());
       break;
-    case Finding::column_infeasible:
+    case StatusCode::column_infeasible:
       message(out, "Infeasible column '%.255s'.\n", column.c_str());
       break;
-    case Finding::empty_column_improves:
+    case StatusCode::empty_column_improves:
       message(out, "Dual infeasible due to empty column '%.255s'.\n", column.c_str());
       break;
-    case Finding::row_bounds_infeasible:
+    case StatusCode::row_bounds_infeasible:
       message(out, "Implied bounds make row '%.255s' infeasible.\n", row.c_str());
       break;
-    case Finding::forcing_row_infeasible:
+    case StatusCode::forcing_row_infeasible:
       message(out, "Row '%.255s' infeasible, all entries at implied bounds.\n", row.c_str());
       break;
-    case Finding::dependent_row_infeasible:
+    case StatusCode::dependent_row_infeasible:
       message(out, "Row '%.255s' is dependent and infeasible.\n", row.c_str());
       break;
-    case Finding::empty_row_infeasible: {
-      const bool equation = verdict.lower == verdict.upper, below = verdict.lower > 0;
+    case StatusCode::empty_row_infeasible: {
+      const bool equation = status.lower == status.upper, below = status.lower > 0;
       message(out, "Infeasibility row '%.255s':  0 %c= %g.\n", row.c_str(),
               equation ? '='
               : below  ? '>'
                        : '<',
-              below ? verdict.lower : verdict.upper);
+              below ? status.lower : status.upper);
       break;
     }
-    case Finding::rows_inconsistent:
+    case StatusCode::rows_inconsistent:
       message(out, "Constraints '%.255s' and '%.255s' are inconsistent.\n", row.c_str(), other.c_str());
       break;
-    case Finding::dual_bounds_row:
+    case StatusCode::dual_bounds_row:
       message(out, "Dual infeasible due to dual bounds, row '%.255s'.\n", row.c_str());
       break;
-    case Finding::dual_bounds_column:
+    case StatusCode::dual_bounds_column:
       message(out, "Primal unbounded due to dual bounds, variable '%.255s'.\n", column.c_str());
       break;
   }
@@ -106,7 +106,7 @@ void write_presolve_lines(Environment& env, const Problem& problem, const Presol
     case Conclusion::infeasible:
     case Conclusion::unbounded:
     case Conclusion::undecided:
-      write_finding(out, *problem.model, presolved.reduction.verdict);
+      write_status(out, *problem.model, presolved.reduction.status);
       break;
     default:
       write_summary(out, problem.type, presolved);

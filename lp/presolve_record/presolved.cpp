@@ -16,13 +16,13 @@
 namespace tovik::lp::run {
 namespace {
 
-using presolve::Finding;
+using presolve::StatusCode;
 
 /* A column whose own bounds cross needs no multipliers. */
 bool own_bounds_cross(const Presolved& record, double tolerance, FarkasProof& proof) {
-  const presolve::Verdict& verdict = record.reduction.verdict;
-  if (verdict.finding != Finding::column_bounds_cross) return false;
-  const double gap = record.original.lower[verdict.column] - record.original.upper[verdict.column];
+  const presolve::PresolveStatus& status = record.reduction.status;
+  if (status.code != StatusCode::column_bounds_cross) return false;
+  const double gap = record.original.lower[status.column] - record.original.upper[status.column];
   if (!(gap > tolerance)) return false;
   proof.multipliers.assign(record.original.row_lower.size(), 0.0);
   proof.gap = gap;
@@ -41,9 +41,9 @@ bool any_point_is_feasible(const LpData& lp) {
  * stands for the original. */
 Conclusion conclude(Presolved& record, double tolerance) {
   const presolve::Reduction& reduction = record.reduction;
-  if (reduction.verdict.finding == Finding::none)
+  if (reduction.status.code == StatusCode::reduced)
     return reduction.stop == Stop::none ? Conclusion::reduced : Conclusion::stopped;
-  if (reduction.verdict.primal_infeasible()) {
+  if (reduction.status.primal_infeasible()) {
     const bool proven =
         own_bounds_cross(record, tolerance, record.proof) ||
         proves_infeasible(record.original, presolve::infeasibility_proof(record.original, reduction),

@@ -57,7 +57,7 @@ class PresolvedRun {
     switch (outcome) {
       case Outcome::infeasible:
         return proves_infeasible(record_->original,
-                                 presolve::carry_proof(record_->original, reduction, answer_.farkas),
+                                 presolve::postsolve_proof(record_->original, reduction, answer_.farkas),
                                  record_->proof)
                    ? publish_infeasible()
                    : solve_original();

@@ -1,4 +1,4 @@
-/* Presolve and the way back on random LPs: tiny ones in exact arithmetic with every optimal basis of the
+/* Presolve and postsolve on random LPs: tiny ones in exact arithmetic with every optimal basis of the
  * reduced problem, larger ones against the simplex method without presolve. */
 #include <gtest/gtest.h>
 

@@ -135,7 +135,7 @@ class PresolveChange : public testing::TestWithParam<int> {
     QuietControl control;
     Reduction reduction = presolve::presolve(original, settings, control, {}, false);
     const bool hit = reduction.counts.hits[static_cast<size_t>(rule)] > 0;
-    if (reduction.verdict.finding != Finding::none || !hit) return;
+    if (reduction.status.code != StatusCode::reduced || !hit) return;
     for (int count = lps.pick(1, 2); count > 0; --count) {
       const ModelChange change = kChanges[lps.pick(0, 3)];
       const LpData reduced_before = reduction.lp, original_before = original;

@@ -90,7 +90,7 @@ class Pipeline {
     QuietControl control(polls);
     reduction_ = tovik::lp::presolve::presolve(lp, settings, control, {}, false);
     result_.optimal = plain.outcome == Outcome::optimal;
-    if (reduction_.verdict.finding != Finding::none) {
+    if (reduction_.status.code != StatusCode::reduced) {
       judge_verdict();
     } else {
       solve();
@@ -103,7 +103,7 @@ class Pipeline {
   static constexpr double kObjective = 1e-7, kDoubt = 1e-6, kWrong = 1e-4;
 
   void judge_verdict() {
-    const bool infeasible = reduction_.verdict.primal_infeasible();
+    const bool infeasible = reduction_.status.primal_infeasible();
     if (infeasible && proves_infeasible(lp_, tovik::lp::presolve::infeasibility_proof(lp_, reduction_))) {
       if (result_.optimal || plain_.outcome == Outcome::unbounded) result_.fault = "proof of a wrong verdict";
       return;
@@ -120,7 +120,7 @@ class Pipeline {
       if (result_.optimal)
         result_.doubt = "outcome " + std::to_string(static_cast<int>(outcome)) + " instead of 0";
       if (outcome == Outcome::infeasible && !by_reduced_costs(reduction_) &&
-          !proves_infeasible(lp_, carry_proof(lp_, reduction_, solver.answer().farkas)))
+          !proves_infeasible(lp_, postsolve_proof(lp_, reduction_, solver.answer().farkas)))
         result_.doubt = "proof does not come back";
       return;
     }

@@ -18,10 +18,10 @@ namespace support {
 
 using tovik::lp::Control;
 using tovik::lp::Stop;
-using tovik::lp::presolve::Finding;
 using tovik::lp::presolve::Reduction;
 using tovik::lp::presolve::Rule;
 using tovik::lp::presolve::Settings;
+using tovik::lp::presolve::StatusCode;
 
 /* Says nothing; asks to stop after a number of polls. */
 class QuietControl : public Control {
@@ -90,7 +90,7 @@ inline tovik::lp::presolve::LinearForm some_form(const LpData& lp) {
   return form;
 }
 
-/* The way there against the way back: points and duals return, and a form has the same value on both sides.
+/* Crush against postsolve: points and duals return, and a form has the same value on both sides.
  */
 inline std::string crush_fault(const LpData& lp, const Reduction& r, const Point& reduced,
                                const Point& undone) {
@@ -124,11 +124,12 @@ class PresolveProof {
     const Reduction r = tovik::lp::presolve::presolve(lp, settings, control, kept, false);
     for (size_t k = 0; k < r.counts.hits.size(); ++k) tally.hits[k] += r.counts.hits[k];
     for (size_t j = 0; j < kept.size(); ++j) {
-      if (kept[j] && r.column_fate[j] != tovik::lp::presolve::Fate::kept) return "protected column went";
+      if (kept[j] && r.column_removal[j] != tovik::lp::presolve::RemovalReason::kept)
+        return "protected column went";
     }
     try {
       const ExactLp original(lp);
-      if (r.verdict.finding != Finding::none) return verdict_fault(lp, r, original);
+      if (r.status.code != StatusCode::reduced) return verdict_fault(lp, r, original);
       if (!r.changed) return {};
       ++tally.reduced;
       const std::string fault = bases_fault(lp, r, original);
@@ -174,7 +175,7 @@ class PresolveProof {
   }
   std::string verdict_fault(const LpData& lp, const Reduction& r, const ExactLp& original) {
     ++tally.verdicts;
-    if (!r.verdict.primal_infeasible()) return original.has_optimum() ? "called dual infeasible" : "";
+    if (!r.status.primal_infeasible()) return original.has_optimum() ? "called dual infeasible" : "";
     if (original.feasible()) return "called infeasible";
     if (proves_infeasible(lp, tovik::lp::presolve::infeasibility_proof(lp, r))) return {};
     if (by_reduced_costs(r)) {
