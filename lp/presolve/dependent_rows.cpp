@@ -28,6 +28,7 @@ class Elimination {
   bool run();
 
  private:
+  std::int64_t flag_equations(std::vector<char>& in);
   void exclude_independent();
   void reduce(int i);
   void scatter(int j, double value);
@@ -64,9 +65,8 @@ Elimination::Elimination(Workspace& ws)
       value_(static_cast<size_t>(ws.num_columns()), 0.0),
       magnitude_(static_cast<size_t>(ws.num_columns()), 0.0) {}
 
-/* An equation with a column that no other one has is independent of them; without it others may be too. */
-void Elimination::exclude_independent() {
-  std::vector<char> in(static_cast<size_t>(ws_.num_rows()), 0);
+/* Flags them and counts their entries, in each column and in all. */
+std::int64_t Elimination::flag_equations(std::vector<char>& in) {
   std::int64_t entries = 0;
   for (int i = 0; i < ws_.num_rows(); ++i) {
     if (!ws_.row_alive(i) || !ws_.equation(i) || ws_.row_length(i) == 0) continue;
@@ -75,6 +75,13 @@ void Elimination::exclude_independent() {
     entries += row.length;
     for (int k = 0; k < row.length; ++k) ++count_[row.index[k]];
   }
+  return entries;
+}
+
+/* An equation with a column that no other one has is independent of them; without it others may be too. */
+void Elimination::exclude_independent() {
+  std::vector<char> in(static_cast<size_t>(ws_.num_rows()), 0);
+  const std::int64_t entries = flag_equations(in);
   std::vector<int> single;
   for (int j = 0; j < ws_.num_columns(); ++j) {
     if (count_[j] == 1) single.push_back(j);

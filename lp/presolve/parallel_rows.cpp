@@ -33,42 +33,63 @@ void declare_inconsistent(Workspace& ws, const Pair& pair, bool kept_lower) {
   ws.declare_infeasible(std::move(status));
 }
 
-bool merge(Workspace& ws, const Pair& pair) {
+/* Sides of the kept row after the other one went. */
+struct Sides {
+  double lower, upper;
+  bool tighter_lower, tighter_upper;
+};
+
+enum class Fit { sound, undecided, inconsistent };
+
+Sides intersection(const Workspace& ws, const Pair& pair) {
   const auto [i, k, g] = pair;
   double lower = ws.row_lower[k] / g, upper = ws.row_upper[k] / g;
   if (g < 0) std::swap(lower, upper);
-  const double own_lower = ws.row_lower[i], own_upper = ws.row_upper[i];
   const double factor = std::max(1.0, std::fabs(g));  // a difference is seen in both rows
-  bool tighter_lower = lower > own_lower + side_tolerance(ws, lower, kStrict) / factor;
-  bool tighter_upper = upper < own_upper - side_tolerance(ws, upper, kStrict) / factor;
-  double new_lower = tighter_lower ? lower : own_lower;
-  double new_upper = tighter_upper ? upper : own_upper;
-  const double gap = new_lower - new_upper;
-  if ((tighter_lower || tighter_upper) && gap != 0 && gap > -side_tolerance(ws, new_lower, kSame)) {
-    // Only a side of one row can contradict a side of the other.
-    const double size = size_of(new_lower, new_upper);
-    if (gap * std::min(1.0, std::fabs(g)) > infeasibility_tolerance(ws, size)) {
-      declare_inconsistent(ws, pair, !tighter_lower);
-      return false;
-    }
-    if (tighter_lower == tighter_upper || gap * factor > side_tolerance(ws, size)) return false;
-    if (tighter_lower) {  // the own side wins
-      new_lower = own_upper;
-    } else {
-      new_upper = own_lower;
-    }
-    tighter_lower &= new_lower > own_lower;
-    tighter_upper &= new_upper < own_upper;
+  Sides s;
+  s.tighter_lower = lower > ws.row_lower[i] + side_tolerance(ws, lower, kStrict) / factor;
+  s.tighter_upper = upper < ws.row_upper[i] - side_tolerance(ws, upper, kStrict) / factor;
+  s.lower = s.tighter_lower ? lower : ws.row_lower[i];
+  s.upper = s.tighter_upper ? upper : ws.row_upper[i];
+  return s;
+}
+
+/* Sides that cross or differ by rounding are made one: the kept row's own. */
+Fit merge_crossing_sides(const Workspace& ws, const Pair& pair, Sides& s) {
+  const double gap = s.lower - s.upper, ratio = std::fabs(pair.g);
+  if ((!s.tighter_lower && !s.tighter_upper) || gap == 0 || !(gap > -side_tolerance(ws, s.lower, kSame)))
+    return Fit::sound;
+  // Only a side of one row can contradict a side of the other.
+  const double size = size_of(s.lower, s.upper);
+  if (gap * std::min(1.0, ratio) > infeasibility_tolerance(ws, size)) return Fit::inconsistent;
+  if (s.tighter_lower == s.tighter_upper || gap * std::max(1.0, ratio) > side_tolerance(ws, size))
+    return Fit::undecided;
+  const double own_lower = ws.row_lower[pair.kept], own_upper = ws.row_upper[pair.kept];
+  if (s.tighter_lower) {
+    s.lower = own_upper;
+  } else {
+    s.upper = own_lower;
   }
-  if (!ws.allow(Rule::parallel_rows)) return false;
+  s.tighter_lower &= s.lower > own_lower;
+  s.tighter_upper &= s.upper < own_upper;
+  return Fit::sound;
+}
+
+bool merge(Workspace& ws, const Pair& pair) {
+  const auto [i, k, g] = pair;
+  Sides s = intersection(ws, pair);
+  const bool own_lower = !s.tighter_lower;
+  const Fit fit = merge_crossing_sides(ws, pair, s);
+  if (fit == Fit::inconsistent) declare_inconsistent(ws, pair, own_lower);
+  if (fit != Fit::sound || !ws.allow(Rule::parallel_rows)) return false;
   ws.stack.push(ParallelRows{.kept = i,
                              .gone = k,
-                             .tighter_lower = tighter_lower,
-                             .tighter_upper = tighter_upper,
-                             .collapsed = new_lower == new_upper,
+                             .tighter_lower = s.tighter_lower,
+                             .tighter_upper = s.tighter_upper,
+                             .collapsed = s.lower == s.upper,
                              .ratio = g});
   ws.remove_row(k, RemovalReason::merged);
-  if (tighter_lower || tighter_upper) ws.change_sides(i, new_lower, new_upper);
+  if (s.tighter_lower || s.tighter_upper) ws.change_sides(i, s.lower, s.upper);
   return true;
 }
 

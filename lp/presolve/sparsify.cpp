@@ -32,9 +32,7 @@ class Sparsifier {
 };
 
 bool Sparsifier::run() {
-  std::int64_t entries = 0;
-  for (int j = 0; j < ws_.num_columns(); ++j) entries += ws_.column_alive(j) ? ws_.column_length(j) : 0;
-  limit_ = ws_.work() + kWorkPerEntry * entries;
+  limit_ = ws_.work() + kWorkPerEntry * ws_.entries_left();
   bool changed = false;
   for (int e = 0; e < ws_.num_rows() && ws_.work() < limit_ && !ws_.done(); ++e) {
     if (!ws_.row_alive(e) || !ws_.equation(e)) continue;

@@ -320,30 +320,40 @@ void Workspace::add_row_multiple(int target, double factor, int source, int pivo
   if (equation(source)) shift_sides(target, factor * row_lower[source]);
 }
 
+void Workspace::report(bool in_aggregator) {
+  char text[120];
+  last_report_ = control.seconds();
+  if (!in_aggregator) {
+    std::snprintf(text, sizeof text, "Presolve has eliminated %d rows and %d columns...\n",
+                  counts.rows_eliminated, counts.columns_eliminated);
+    control.log(text);
+  }
+  if (counts.substitutions > 0) {
+    std::snprintf(text, sizeof text, "Aggregator has done %d substitutions...\n", counts.substitutions);
+    control.log(text);
+  }
+  if (!in_aggregator && counts.bounds_improved > 0) {
+    std::snprintf(text, sizeof text, "Presolve has improved bounds %d times...\n", counts.bounds_improved);
+    control.log(text);
+  }
+  control.flush();
+}
+
 bool Workspace::may_continue(bool in_aggregator) {
   if (done()) return false;
-  if (display && control.seconds() - last_report_ > kReportSeconds) {
-    char text[120];
-    last_report_ = control.seconds();
-    if (!in_aggregator) {
-      std::snprintf(text, sizeof text, "Presolve has eliminated %d rows and %d columns...\n",
-                    counts.rows_eliminated, counts.columns_eliminated);
-      control.log(text);
-    }
-    if (counts.substitutions > 0) {
-      std::snprintf(text, sizeof text, "Aggregator has done %d substitutions...\n", counts.substitutions);
-      control.log(text);
-    }
-    if (!in_aggregator && counts.bounds_improved > 0) {
-      std::snprintf(text, sizeof text, "Presolve has improved bounds %d times...\n", counts.bounds_improved);
-      control.log(text);
-    }
-    control.flush();
-  }
+  if (display && control.seconds() - last_report_ > kReportSeconds) report(in_aggregator);
   stop = control.iteration_callback();
   if (stop == Stop::none) stop = control.poll();
   if (stop == Stop::none) stop = control.poll_clock();
   return stop == Stop::none;
+}
+
+std::int64_t Workspace::entries_left() const {
+  std::int64_t entries = 0;
+  for (int j = 0; j < num_columns(); ++j) {
+    if (column_alive(j)) entries += column_length(j);
+  }
+  return entries;
 }
 
 LpData Workspace::extract(std::vector<int>& row_map, std::vector<int>& column_map) {
@@ -358,13 +368,10 @@ LpData Workspace::extract(std::vector<int>& row_map, std::vector<int>& column_ma
     lp.row_lower.push_back(row_lower[i]);
     lp.row_upper.push_back(row_upper[i]);
   }
-  std::int64_t entries = 0;
-  for (int j = 0; j < num_columns(); ++j) {
-    if (column_alive(j)) entries += column_length(j);
-  }
   Matrix& matrix = lp.matrix;
-  matrix.index.reserve(static_cast<size_t>(entries));
-  matrix.value.reserve(static_cast<size_t>(entries));
+  const auto entries = static_cast<size_t>(entries_left());
+  matrix.index.reserve(entries);
+  matrix.value.reserve(entries);
   for (int j = 0; j < num_columns(); ++j) {
     if (!column_alive(j)) continue;
     column_map.push_back(j);

@@ -57,12 +57,13 @@ class Workspace {
   int num_columns() const { return original.num_columns(); }
   int rows_left() const { return rows_left_; }
   int columns_left() const { return columns_left_; }
+  std::int64_t entries_left() const;  // computed
   View row(int i) { return rows_.view(i); }
   View column(int j) { return columns_.view(j); }
   int row_length(int i) const { return rows_.length(i); }
   int column_length(int j) const { return columns_.length(j); }
   bool equation(int i) const { return row_lower[i] == row_upper[i]; }
-  double column_max(int j);  // largest magnitude of an entry: computed
+  double column_max(int j);    // largest magnitude of an entry: computed
   double entry(int i, int j);  // 0 when there is none; searches the shorter vector
   /* Cached until a bound or an entry of the row changes. */
   const Activity& activity(int i);
@@ -119,6 +120,7 @@ class Workspace {
 
  private:
   double rest_without(int i, int j, double a, double sign);
+  void report(bool in_aggregator);
   static std::vector<int> take(std::vector<int>& list, std::vector<char>& flags);
   void touch_row(int i) { activity_fresh_[i] = 0; }
 
