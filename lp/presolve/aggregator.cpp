@@ -14,7 +14,7 @@ namespace {
 
 constexpr int kMostKey = 400;               // (row length - 1) * (column length - 1) of a candidate
 constexpr std::int64_t kWorkPerEntry = 20;  // of one round
-constexpr int kPollEvery = 256;             // candidates between checkpoints
+constexpr int kPollEvery = 256;             // candidates between looks at the stop signals
 constexpr double kPivot = 0.01;
 
 struct Candidate {
@@ -37,7 +37,7 @@ class Aggregator {
       if (c.row >= 0 && implied_free(ws_, s)) waiting_[c.key].push_back(s);
     }
     for (int key = 0; key <= kMostKey; ++key) {
-      // The list may not grow meanwhile: who waits on goes to a larger key.
+      // This list does not grow meanwhile: a column that is put back goes to a larger key.
       for (const int s : waiting_[key]) {
         if (!within_limits()) return;
         try_column(s, key);
@@ -100,7 +100,7 @@ class Aggregator {
   void try_column(int s, int key) {
     const Candidate c = candidate(s);
     if (c.row < 0) return;
-    if (c.key > key) {  // its lines have grown since: it waits for its turn
+    if (c.key > key) {  // its row or column has grown since
       waiting_[c.key].push_back(s);
       return;
     }

@@ -104,7 +104,7 @@ bool substitute_doubleton(Workspace& ws, int i) {
   return true;
 }
 
-/* The column that left is basic, unless the other stands at a bound that it brought: then they change roles.
+/* The column that left is basic, unless the other is nonbasic at a bound transferred from it: then they swap.
  */
 void undo_doubleton(const Doubleton& record, Undo& undo) {
   const int i = record.row, j = record.leaves, k = record.stays;

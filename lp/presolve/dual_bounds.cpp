@@ -79,7 +79,7 @@ void DualBounds::compute(const std::vector<char>& excluded) {
   std::fill(derived_upper_.begin(), derived_upper_.end(), 0);
   std::fill(sign_used_.begin(), sign_used_.end(), 0);
   std::fill(gave_.begin(), gave_.end(), 0);
-  std::fill(queued_.begin(), queued_.end(), 1);  // muted and unsigned columns are never queued
+  std::fill(queued_.begin(), queued_.end(), 1);  // excluded and unsigned columns are never queued
   queue_.clear();
   std::int64_t entries = 0;
   for (const int j : order_) {

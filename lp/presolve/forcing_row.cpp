@@ -45,7 +45,7 @@ void move_reduced_costs(const View& entries, double y, bool by_sign, Point& p) {
 bool remove_forcing_row(Workspace& ws, int i) {
   const Activity& sum = ws.activity(i);
   const double lower = ws.row_lower[i], upper = ws.row_upper[i];
-  // The row pushes to its lower side: each column stands where the activity is largest.
+  // At the lower side each column is at the bound where the activity is largest.
   const double noise = sum.magnitude * kRounding * ws.row_length(i);
   const auto same = [&](double a, double b) { return std::fabs(a - b) <= side_tolerance(ws, b) + noise; };
   const bool at_lower = lower != -kInf && sum.infinite_max == 0 && same(sum.max, lower);

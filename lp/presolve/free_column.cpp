@@ -13,7 +13,7 @@ constexpr double kMostEntry = 1e8;  // of new entries
 constexpr double kLeastEntry = 1e-9;
 constexpr double kSupport = 1e-3;  // entry of a row that implies a bound, of the row's largest
 
-/* Largest and smallest magnitude of a line's entries. */
+/* Largest and smallest magnitude of the entries of a row or column. */
 struct EntryRange {
   double least = kInf, most = 0;
   explicit EntryRange(const View& v) {

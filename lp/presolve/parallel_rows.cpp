@@ -142,7 +142,7 @@ bool merge_parallel_rows(Workspace& ws) {
   return changed;
 }
 
-/* A row that stands at a side that came from the other one passes its dual on to it. */
+/* A row that is nonbasic at a side of the other one passes its dual on to it. */
 void undo_parallel_rows(const ParallelRows& record, Undo& undo) {
   const auto& [i, k, tighter_lower, tighter_upper, collapsed, g] = record;
   Point& p = undo.point;

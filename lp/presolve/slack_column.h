@@ -19,10 +19,11 @@ namespace tovik::lp::presolve {
 struct SlackInEquation {
   static constexpr Op kOp = Op::slack_in_equation;
   int row, column;
-  BasisStatus side;           // of an inequality that counts as an equation; free: it is one
-  double entry, beta, price;  // right-hand side; cost / entry
-  double lower, upper;        // of the column
-  View rest;                  // the row without the column
+  BasisStatus side;     // of an inequality that counts as an equation; free: it is one
+  double entry, beta;   // of the column, and the right-hand side
+  double price;         // cost / entry
+  double lower, upper;  // of the column
+  View rest;            // the row without the column
   template <class Self, class Archive>
   static constexpr void fields(Self& r, Archive& archive) {
     archive(r.row, r.column, r.side, r.entry, r.beta, r.price, r.lower, r.upper, r.rest);

@@ -10,7 +10,7 @@
 
 namespace tovik::lp::presolve {
 
-/* What stands on the stack. Each operation has a record and a line in the table of operations.cpp. */
+/* The operations of the stack. Each operation has a record and a line in the table of operations.cpp. */
 enum class Op : std::uint8_t {
   free_row,
   singleton_row,
