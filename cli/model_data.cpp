@@ -9,8 +9,12 @@ namespace {
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
-double with_infinity(double bound) {
-  return std::abs(bound) < TVK_INFBOUND ? bound : std::copysign(kInfinity, bound);
+/* A lower end is infinite below, an upper one above; on the other side they are numbers like any other. */
+double lower_end(double bound) {
+  return bound <= -TVK_INFBOUND ? -kInfinity : bound;
+}
+double upper_end(double bound) {
+  return bound >= TVK_INFBOUND ? kInfinity : bound;
 }
 
 void limit(char sense, double rhs, double range, double& lower, double& upper) {
@@ -18,8 +22,8 @@ void limit(char sense, double rhs, double range, double& lower, double& upper) {
   if (sense == 'L') lower = -kInfinity;
   if (sense == 'G') upper = kInfinity;
   if (sense == 'R') (range < 0 ? lower : upper) += range;
-  lower = with_infinity(lower);
-  upper = with_infinity(upper);
+  lower = lower_end(lower);
+  upper = upper_end(upper);
 }
 
 int entries_needed(int surplus) {
@@ -89,9 +93,14 @@ Limits row_limits(const Model& model) {
 
 Limits column_bounds(const Model& model) {
   Limits bounds{model.all<double>(TVKgetlb, model.columns()), model.all<double>(TVKgetub, model.columns())};
-  std::ranges::transform(bounds.lower, bounds.lower.begin(), with_infinity);
-  std::ranges::transform(bounds.upper, bounds.upper.begin(), with_infinity);
+  std::ranges::transform(bounds.lower, bounds.lower.begin(), lower_end);
+  std::ranges::transform(bounds.upper, bounds.upper.begin(), upper_end);
   return bounds;
+}
+
+double outside(double value, double lower, double upper) {
+  return std::isfinite(value) ? std::max({0.0, lower - value, value - upper})
+                              : std::numeric_limits<double>::quiet_NaN();
 }
 
 Vectors matrix_columns(const Model& model, int begin, int end) {

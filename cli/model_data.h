@@ -17,6 +17,8 @@ struct Limits {
  */
 Limits row_limits(const Model& model);
 Limits column_bounds(const Model& model);
+/* By how much a value misses such limits; NaN for a value that is no finite number. */
+double outside(double value, double lower, double upper);
 
 /* The entries of a row or column. */
 struct Slice {

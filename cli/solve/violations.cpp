@@ -21,12 +21,6 @@ bool infinite(double bound) {
   return std::abs(bound) >= TVK_INFBOUND;
 }
 
-double outside(double value, double lower, double upper) {
-  const double below = infinite(lower) && lower < 0 ? 0.0 : lower - value;
-  const double above = infinite(upper) && upper > 0 ? 0.0 : value - upper;
-  return std::max({0.0, below, above});
-}
-
 /* How far `value` in [lower, upper] with reduced cost `cost` (of a minimization) is from being best. */
 double residual(double value, double lower, double upper, double cost) {
   const double bound = cost > 0 ? lower : upper;
@@ -41,8 +35,7 @@ class Check {
         feasibility_(kAllowance * model.environment().double_parameter(TVK_PARAM_EPRHS)),
         optimality_(kAllowance * model.environment().double_parameter(TVK_PARAM_EPOPT)),
         x_(model.all<double>(TVKgetx, model.columns())),
-        lower_(model.all<double>(TVKgetlb, model.columns())),
-        upper_(model.all<double>(TVKgetub, model.columns())),
+        bounds_(column_bounds(model)),
         cost_(model.all<double>(TVKgetobj, model.columns())),
         rows_(row_limits(model)),
         activity_(static_cast<std::size_t>(model.rows())) {
@@ -70,7 +63,7 @@ class Check {
     const double integrality =
         request_.with_integrality ? model_.environment().double_parameter(kIntegralityParameter) : 0;
     for (std::size_t j = 0; j < x_.size(); ++j) {
-      double violation = outside(x_[j], lower_[j], upper_[j]);
+      double violation = outside(x_[j], bounds_.lower[j], bounds_.upper[j]);
       if (semi_continuous(j)) violation = std::min(violation, std::abs(x_[j]));
       result_.bound.meet(violation, static_cast<int>(j));
       judge(violation, feasibility_ * std::max(1.0, std::abs(x_[j])));
@@ -114,7 +107,8 @@ class Check {
       reduced.add(cost_[column], 1.0);
       for (std::size_t k = 0; k < entries.index.size(); ++k)
         reduced.add(-entries.value[k], pi[static_cast<std::size_t>(entries.index[k])]);
-      const double violation = residual(x_[column], lower_[column], upper_[column], sign * reduced.value());
+      const double violation =
+          residual(x_[column], bounds_.lower[column], bounds_.upper[column], sign * reduced.value());
       result_.dual_column.meet(violation, j);
       judge(violation, optimality_ * reduced.size());
     });
@@ -127,7 +121,9 @@ class Check {
   const Model& model_;
   const CheckRequest request_;
   const double feasibility_, optimality_;
-  const std::vector<double> x_, lower_, upper_, cost_;
+  const std::vector<double> x_;
+  const Limits bounds_;
+  const std::vector<double> cost_;
   const Limits rows_;
   std::vector<char> type_;
   std::vector<Sum> activity_;

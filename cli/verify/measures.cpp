@@ -23,10 +23,6 @@ void clear_unless(bool condition, auto& values) {
   if (!condition) values.clear();
 }
 
-double outside(double value, double lower, double upper) {
-  return std::isfinite(value) ? std::max({0.0, lower - value, value - upper}) : kNotANumber;
-}
-
 class Verification {
  public:
   Verification(const Model& model, const Claim& claim, const Tolerances& tolerances)

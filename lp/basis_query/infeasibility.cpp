@@ -3,31 +3,17 @@
 #include <cmath>
 
 #include "lp/base/sum.h"
+#include "lp/verify/bounds.h"
 
 namespace tovik::lp::run {
 namespace {
 
-struct Limits {
-  double lower, upper;
-};
-
-Limits row_limits(const model::Model& model, int i) {
-  const double rhs = model.rhs()[i];
-  const double range = model.range()[i];
-  switch (model.sense()[i]) {
-    case 'L':
-      return {-model::kInfinity, rhs};
-    case 'G':
-      return {rhs, model::kInfinity};
-    case 'R':
-      return range >= 0 ? Limits{rhs, rhs + range} : Limits{rhs + range, rhs};
-    default:
-      return {rhs, rhs};
-  }
+verify::Limits row_limits(const model::Model& model, int i) {
+  return verify::row_limits(model.sense()[i], model.rhs()[i], model.range()[i]);
 }
 
 /* Positive above the upper limit, negative below the lower one. */
-double violation(double value, const Limits& limits) {
+double violation(double value, verify::Limits limits) {
   if (limits.upper < model::kInfinity && value > limits.upper) return value - limits.upper;
   if (limits.lower > -model::kInfinity && value < limits.lower) return value - limits.lower;
   return std::isnan(value) ? value : 0.0;

@@ -9,6 +9,7 @@
 #include "lp/base/sum.h"
 #include "lp/binding/build_lp.h"
 #include "lp/run/basis_view.h"
+#include "lp/verify/point.h"
 #include "model/store/model.h"
 
 namespace tovik::lp::run {
@@ -40,42 +41,34 @@ struct Data {
   double sign;
 };
 
-std::vector<double> activities(const Data& data) {
-  std::vector<CompensatedSum> sums(static_cast<size_t>(data.model.num_rows()));
-  for (int j = 0; j < data.model.num_columns(); ++j) {
-    const model::ColumnView column = data.model.column(j);
-    for (int k = 0; k < column.count; ++k)
-      sums[column.index[k]].add_product(column.value[k], data.solution.x[j]);
-  }
-  std::vector<double> result(sums.size());
-  for (size_t i = 0; i < sums.size(); ++i) result[i] = sums[i].value();
-  return result;
+auto entries_of(const model::Model& model) {
+  return [&model](int j, auto f) {
+    const model::ColumnView column = model.column(j);
+    for (int k = 0; k < column.count; ++k) f(column.index[k], column.value[k]);
+  };
 }
 
-double outside(double v, double low, double high) {
-  return std::max({0.0, low - v, v - high});
+std::vector<double> activities(const Data& data) {
+  return verify::activities(data.model.num_rows(), entries_of(data.model), data.solution.x);
 }
 
 void primal_infeasibility(const Data& data, Gather& gather) {
   const std::vector<double> activity = activities(data);
   for (int j = 0; j < data.model.num_columns(); ++j) {
-    gather.add(
-        outside(data.solution.x[j], stored_lower(data.model.lower()[j]), stored_upper(data.model.upper()[j])),
-        j);
+    gather.add(verify::outside(data.solution.x[j], stored_lower(data.model.lower()[j]),
+                               stored_upper(data.model.upper()[j])),
+               j);
   }
   for (int i = 0; i < data.model.num_rows(); ++i) {
-    const RowBounds b = row_bounds(data.model.sense()[i], data.model.rhs()[i], data.model.range()[i]);
-    gather.add(outside(activity[i], b.lower, b.upper), -i - 1);
+    const verify::Limits b = row_bounds(data.model.sense()[i], data.model.rhs()[i], data.model.range()[i]);
+    gather.add(verify::outside(activity[i], b.lower, b.upper), -i - 1);
   }
 }
 
 /* Wrong sign of a dual value of a variable standing at v between its bounds, for a minimization. */
 double wrong_dual(double d, double v, double low, double high) {
-  if (low == high) return 0;
-  const double scale = 1e-6 * std::max(1.0, std::fabs(v));
-  if (low > -kInf && v <= low + scale && (high == kInf || v - low <= high - v)) return std::max(0.0, -d);
-  if (high < kInf && v >= high - scale) return std::max(0.0, d);
-  return std::fabs(d);
+  constexpr double kReach = 1e-6;
+  return verify::wrong_sign(d, verify::status_at(v, low, high, kReach), low == high);
 }
 
 void dual_infeasibility(const Data& data, Gather& gather) {
@@ -86,7 +79,7 @@ void dual_infeasibility(const Data& data, Gather& gather) {
                j);
   }
   for (int i = 0; i < data.model.num_rows(); ++i) {
-    const RowBounds b = row_bounds(data.model.sense()[i], data.model.rhs()[i], data.model.range()[i]);
+    const verify::Limits b = row_bounds(data.model.sense()[i], data.model.rhs()[i], data.model.range()[i]);
     gather.add(wrong_dual(data.sign * data.solution.pi[i], activity[i], b.lower, b.upper), -i - 1);
   }
 }
@@ -100,12 +93,9 @@ void primal_residual(const Data& data, Gather& gather) {
 
 void dual_residual(const Data& data, Gather& gather) {
   for (int j = 0; j < data.model.num_columns(); ++j) {
-    CompensatedSum sum;
-    sum.add(data.model.objective()[j]);
+    CompensatedSum sum =
+        verify::reduced_cost(data.model.objective()[j], j, entries_of(data.model), data.solution.pi);
     sum.add(-data.solution.dj[j]);
-    const model::ColumnView column = data.model.column(j);
-    for (int k = 0; k < column.count; ++k)
-      sum.add_product(-column.value[k], data.solution.pi[column.index[k]]);
     gather.add(sum.value(), j);
   }
 }
@@ -118,7 +108,7 @@ void complementarity(const Data& data, Gather& gather) {
     gather.add(std::isinf(gap) ? data.solution.dj[j] : gap * data.solution.dj[j], j);
   }
   for (int i = 0; i < data.model.num_rows(); ++i) {
-    const RowBounds b = row_bounds(data.model.sense()[i], data.model.rhs()[i], data.model.range()[i]);
+    const verify::Limits b = row_bounds(data.model.sense()[i], data.model.rhs()[i], data.model.range()[i]);
     const double activity = data.model.rhs()[i] - data.solution.slack[i];
     const double gap = std::min(std::fabs(activity - b.lower), std::fabs(b.upper - activity));
     gather.add(std::isinf(gap) ? data.solution.pi[i] : gap * data.solution.pi[i], -i - 1);

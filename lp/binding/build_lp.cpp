@@ -14,17 +14,10 @@ double finite(double value) {
 }
 }  // namespace
 
-RowBounds row_bounds(char sense, double rhs, double range) {
-  switch (sense) {
-    case 'L':
-      return {-kInf, stored_upper(rhs)};
-    case 'G':
-      return {stored_lower(rhs), kInf};
-    case 'R':
-      return {stored_lower(std::min(rhs, rhs + range)), stored_upper(std::max(rhs, rhs + range))};
-    default:
-      return {finite(rhs), finite(rhs)};
-  }
+verify::Limits row_bounds(char sense, double rhs, double range) {
+  if (sense == 'E') return {finite(rhs), finite(rhs)};
+  const verify::Limits limits = verify::row_limits(sense, rhs, range);
+  return {stored_lower(limits.lower), stored_upper(limits.upper)};
 }
 
 /* Bounds and right-hand sides may be infinite. */
@@ -77,7 +70,7 @@ LpData build_lp(const model::Model& model) {
   const auto sense = model.sense();
   const auto range = model.range();
   for (int i = 0; i < rows; ++i) {
-    const RowBounds b = row_bounds(sense[i], rhs[i], range[i]);
+    const verify::Limits b = row_bounds(sense[i], rhs[i], range[i]);
     lp.row_lower[i] = b.lower;
     lp.row_upper[i] = b.upper;
   }

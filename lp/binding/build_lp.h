@@ -4,6 +4,7 @@
 
 #include "env/environment.h"
 #include "lp/base/lp_data.h"
+#include "lp/verify/bounds.h"
 #include "model/store/model.h"
 
 namespace tovik::lp::run {
@@ -14,10 +15,7 @@ LpData build_lp(const model::Model& model);
 Status check_finite(Environment& env, const model::Model& model, bool with_matrix);
 
 /* Bounds of one row's activity. */
-struct RowBounds {
-  double lower, upper;
-};
-RowBounds row_bounds(char sense, double rhs, double range);
+verify::Limits row_bounds(char sense, double rhs, double range);
 
 /* Stored bounds use +-1e20 for infinity. On the other side it is a number like any other: nothing may stand
  * at an infinite point. */

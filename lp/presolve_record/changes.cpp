@@ -54,7 +54,7 @@ bool take_sides(Presolved& record, const model::Model& model, std::span<const in
   std::vector<NewRange> sides;
   for (const int i : rows) {
     if (std::isnan(model.rhs()[i])) return false;
-    const RowBounds fresh = row_bounds(model.sense()[i], model.rhs()[i], model.range()[i]);
+    const verify::Limits fresh = row_bounds(model.sense()[i], model.rhs()[i], model.range()[i]);
     sides.push_back({i, fresh.lower, fresh.upper});
   }
   if (!presolve::change_sides(record.reduction, record.original, sides)) return false;
@@ -77,7 +77,7 @@ bool find_new_rows(const Presolved& record, const model::Model& model, presolve:
     rows.value.insert(rows.value.end(), row.value, row.value + row.count);
     rows.start.push_back(static_cast<int>(rows.index.size()));
     ++rows.columns;
-    const RowBounds sides = row_bounds(model.sense()[i], model.rhs()[i], 0);
+    const verify::Limits sides = row_bounds(model.sense()[i], model.rhs()[i], 0);
     added.lower.push_back(sides.lower);
     added.upper.push_back(sides.upper);
   }

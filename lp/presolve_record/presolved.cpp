@@ -19,7 +19,7 @@ namespace {
 using presolve::StatusCode;
 
 /* A column whose own bounds cross needs no multipliers. */
-bool own_bounds_cross(const Presolved& record, double tolerance, FarkasProof& proof) {
+bool own_bounds_cross(const Presolved& record, double tolerance, verify::FarkasProof& proof) {
   const presolve::PresolveStatus& status = record.reduction.status;
   if (status.code != StatusCode::column_bounds_cross) return false;
   const double gap = record.original.lower[status.column] - record.original.upper[status.column];
@@ -126,13 +126,9 @@ Presolved* kept_record(const Problem& problem) {
   return static_cast<Presolved*>(problem.presolve.get());
 }
 
-bool proves_infeasible(const LpData& original, std::vector<double> multipliers, FarkasProof& proof) {
+bool proves_infeasible(const LpData& original, std::vector<double> multipliers, verify::FarkasProof& proof) {
   if (multipliers.empty()) return false;
-  const Matrix& matrix = original.matrix;
-  const auto each = [&matrix](int j, auto f) {
-    for (int k = matrix.start[j]; k < matrix.start[j + 1]; ++k) f(matrix.index[k], matrix.value[k]);
-  };
-  return verify_farkas(original, each, std::move(multipliers), proof);
+  return verify::check_farkas(original, verify::entries_of(original.matrix), std::move(multipliers), proof);
 }
 
 }  // namespace tovik::lp::run

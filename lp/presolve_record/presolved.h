@@ -9,8 +9,8 @@
 
 #include "env/environment.h"
 #include "env/problem.h"
-#include "lp/base/certificates.h"
 #include "lp/presolve/presolve.h"
+#include "lp/verify/certificates.h"
 
 namespace tovik::lp::run {
 
@@ -27,7 +27,7 @@ struct Presolved : Derived {
   double sign = 1;  // -1: the user maximizes
   presolve::Reduction reduction;
   Conclusion conclusion = Conclusion::reduced;
-  FarkasProof proof;  // when infeasible
+  verify::FarkasProof proof;  // when infeasible
   double seconds = 0;
   std::unique_ptr<Problem> reduced;  // the reduced problem as users see it, made when asked for
   bool take_over(const Problem& problem, Change change, std::span<const int> lines) override;
@@ -52,6 +52,6 @@ Status run_presolve(Environment& env, Problem& problem);
 Presolved* kept_record(const Problem& problem);
 
 /* Multipliers by row of the original, tried on its data. */
-bool proves_infeasible(const LpData& original, std::vector<double> multipliers, FarkasProof& proof);
+bool proves_infeasible(const LpData& original, std::vector<double> multipliers, verify::FarkasProof& proof);
 
 }  // namespace tovik::lp::run

@@ -29,7 +29,7 @@ class Follower {
   }
   void row(int i) {
     const LpData& lp = solver_.user_lp();
-    const RowBounds b = row_bounds(model_.sense()[i], model_.rhs()[i], model_.range()[i]);
+    const verify::Limits b = row_bounds(model_.sense()[i], model_.rhs()[i], model_.range()[i]);
     if (b.lower != lp.row_lower[i] || b.upper != lp.row_upper[i])
       solver_.change_row_bounds(i, b.lower, b.upper);
     solver_.renew_row(i);  // its slack counts from the right-hand side
@@ -66,7 +66,7 @@ simplex::ModelEdit edit_of(const Problem& problem) {
     change.columns.start.push_back(static_cast<int>(change.columns.index.size()));
   }
   for (int i = first_row; i < model.num_rows(); ++i) {
-    const RowBounds bounds = row_bounds(model.sense()[i], model.rhs()[i], model.range()[i]);
+    const verify::Limits bounds = row_bounds(model.sense()[i], model.rhs()[i], model.range()[i]);
     change.row_lower.push_back(bounds.lower);
     change.row_upper.push_back(bounds.upper);
     const model::RowView row = model.row(i);

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <utility>
 
-#include "lp/base/sum.h"
+#include "lp/verify/point.h"
 
 namespace tovik::lp::run {
 namespace {
@@ -30,10 +30,6 @@ Answer complete_point(const LpData& lp, presolve::Point point) {
   answer.y = std::move(point.y);
   answer.column_status = std::move(point.column);
   answer.row_status = std::move(point.row);
-  answer.d.resize(columns);
-  std::vector<CompensatedSum> activity(rows);
-  CompensatedSum objective;
-  objective.add(lp.offset);
   for (size_t i = 0; i < rows; ++i)
     settle_fixed(answer.row_status[i], BasisStatus::upper, lp.row_lower[i], lp.row_upper[i]);
   for (size_t j = 0; j < columns; ++j) {
@@ -41,20 +37,14 @@ Answer complete_point(const LpData& lp, presolve::Point point) {
     const BasisStatus at = answer.column_status[j];
     const double bound = place(at, lp.lower[j], lp.upper[j]);
     if (at != BasisStatus::basic && at != BasisStatus::free && !std::isinf(bound)) answer.x[j] = bound;
-    CompensatedSum d;
-    d.add(lp.cost[j]);
-    for (int k = lp.matrix.start[j]; k < lp.matrix.start[j + 1]; ++k) {
-      const int i = lp.matrix.index[k];
-      d.add_product(-lp.matrix.value[k], answer.y[i]);
-      if (answer.x[j] != 0) activity[i].add_product(lp.matrix.value[k], answer.x[j]);
-    }
-    answer.d[j] = d.value();
-    objective.add_product(lp.cost[j], answer.x[j]);
   }
-  answer.activity.resize(rows);
-  for (size_t i = 0; i < rows; ++i) answer.activity[i] = activity[i].value();
-  answer.objective = objective.value();
-  answer.violation = simplex::measure_violation(lp, answer);
+  const auto each = verify::entries_of(lp.matrix);
+  answer.activity = verify::activities(lp.num_rows(), each, answer.x);
+  answer.objective = verify::objective(lp, answer.x);
+  answer.d.resize(columns);
+  for (size_t j = 0; j < columns; ++j)
+    answer.d[j] = verify::reduced_cost(lp.cost[j], static_cast<int>(j), each, answer.y).value();
+  answer.violation = verify::measure_violation(lp, answer);
   answer.has_values = true;
   return answer;
 }

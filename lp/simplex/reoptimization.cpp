@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "lp/verify/bounds.h"
+
 namespace tovik::lp::simplex {
 namespace {
 
@@ -12,18 +14,8 @@ constexpr int kRefreshes = 1000;    // refreshes between two complete extraction
 constexpr int kLeastTouched = 64;   // changes that are always followed one by one
 constexpr int kTouchedShare = 10;   // beyond them, one variable in so many
 
-/* By how much a value misses its bounds. */
-double outside(double value, double low, double high) {
-  return std::max(low - value, value - high);
-}
-
-/* Wrong-signed part of a nonbasic variable's reduced cost. */
-double wrong_sign(double d, BasisStatus status, bool fixed) {
-  if (fixed) return 0;
-  if (status == BasisStatus::lower) return -d;
-  if (status == BasisStatus::upper) return d;
-  return std::fabs(d);
-}
+using verify::outside;
+using verify::wrong_sign;
 
 }  // namespace
 

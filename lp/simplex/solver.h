@@ -152,7 +152,4 @@ class Solver {
   bool known_infeasible_ = false;  // the start of this solve, by the look at the changes
 };
 
-/* Violations of a primal-dual point of lp; statuses tell which sign of d is wrong. Compensated sums. */
-Violation measure_violation(const LpData& lp, const Answer& answer);
-
 }  // namespace tovik::lp::simplex

@@ -12,10 +12,12 @@
 
 #include "lp/base/lp_data.h"
 #include "lp/base/sum.h"
+#include "lp/verify/point.h"
 
-namespace tovik::lp {
+namespace tovik::lp::verify {
 
-inline constexpr double kNegligible = 1e-9;  // share of the largest multiplier, or of the terms of a sum
+inline constexpr double kNegligible = 1e-9;     // share of the largest multiplier, or of the terms of a sum
+inline constexpr double kNoMultiplier = 1e-13;  // share of the largest: less is set to zero from the start
 
 struct FarkasProof {
   std::vector<double> multipliers;  // by row; the largest magnitude is 1
@@ -66,13 +68,13 @@ double farkas_gap(const LpData& lp, EachEntry each_entry, std::vector<double>& y
 /* Multipliers by row, of either sign as a whole, brought to size 1 and tried: the combination of the rows may
  * lie below or above what the box allows. False when neither is a proof. */
 template <class EachEntry>
-bool verify_farkas(const LpData& lp, EachEntry each_entry, std::vector<double> y, FarkasProof& proof) {
+bool check_farkas(const LpData& lp, EachEntry each_entry, std::vector<double> y, FarkasProof& proof) {
   double largest = 0;
   for (const double v : y) largest = std::max(largest, std::fabs(v));
   if (!(largest > 0) || std::isinf(largest)) return false;
   for (double& v : y) {
     v /= largest;
-    if (std::fabs(v) < 1e-13) v = 0;
+    if (std::fabs(v) < kNoMultiplier) v = 0;
   }
   for (const double side : {1.0, -1.0}) {
     std::vector<double> candidate = y;
@@ -86,4 +88,36 @@ bool verify_farkas(const LpData& lp, EachEntry each_entry, std::vector<double> y
   return false;
 }
 
-}  // namespace tovik::lp
+/* Whether a direction by columns leaves no bound and no row's side that is finite, and improves the
+ * objective. It is brought to size 1, and entries of rounding size that would leave a bound are set to zero.
+ * Rounding is small against the terms of a sum; in a badly scaled model that says nothing about its size. */
+template <class EachEntry>
+bool check_ray(const LpData& lp, EachEntry each_entry, std::vector<double>& ray) {
+  double largest = 0;
+  for (const double v : ray) largest = std::max(largest, std::fabs(v));
+  if (!(largest > 0)) return false;
+  CompensatedSum slope;
+  double slope_terms = 0;
+  std::vector<double> terms(static_cast<size_t>(lp.num_rows()), 0.0);
+  for (int j = 0; j < lp.num_columns(); ++j) {
+    ray[j] /= largest;
+    if ((ray[j] > 0 && lp.upper[j] < kInf) || (ray[j] < 0 && lp.lower[j] > -kInf)) {
+      if (std::fabs(ray[j]) > kNegligible) return false;
+      ray[j] = 0;
+    }
+    if (ray[j] == 0) continue;
+    slope.add_product(lp.cost[j], ray[j]);
+    slope_terms += std::fabs(lp.cost[j] * ray[j]);
+    each_entry(j, [&](int i, double a) { terms[i] += std::fabs(a * ray[j]); });
+  }
+  if (!(slope.value() < -kNegligible * slope_terms)) return false;
+  const std::vector<double> activity = activities(lp.num_rows(), each_entry, ray);
+  for (int i = 0; i < lp.num_rows(); ++i) {
+    const double negligible = kNegligible * terms[i];
+    if (activity[i] > negligible && lp.row_upper[i] < kInf) return false;
+    if (activity[i] < -negligible && lp.row_lower[i] > -kInf) return false;
+  }
+  return true;
+}
+
+}  // namespace tovik::lp::verify
