@@ -8,8 +8,8 @@ using namespace tovik::fileio;
 
 namespace {
 
-/* make: Status(Environment&, const Problem&, std::string&). What it makes goes to the channel in one message.
- */
+/* make: Status(Environment&, const Problem&, std::string&). What it makes goes to the channel in one
+ * message. */
 template <class Make>
 int display(ConstEnvHandle env, ConstProbHandle lp, ChannelHandle channel, Make&& make) {
   return with_problem(env, lp, [&](Environment& environment, Problem& problem) -> Status {

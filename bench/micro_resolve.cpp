@@ -1,7 +1,9 @@
 /* Re-solves of one problem: a change, then the optimizer, 10,000 times each (add_cut 200 times), on a small,
  * a medium and a large model. What changes (candidates are taken in turn, so that it is not always the same
- * corner of the model): bound         the far bound of a nonbasic column: nothing moves bound_moves   the
- * bound at which a nonbasic column stands, a little: basic values move cost          of a nonbasic column
+ * corner of the model):
+ *   bound         the far bound of a nonbasic column: nothing moves
+ *   bound_moves   the bound at which a nonbasic column stands, a little: basic values move
+ *   cost          of a nonbasic column
  *   cost_moves    of a basic column, a little: duals move
  *   rhs_moves     of a tight row, a little
  *   add_row       a row that the optimum meets with room to spare is added; in every second run deleted again
@@ -10,9 +12,9 @@
  *   column        a nonbasic column goes and comes back as the last one
  *   bound_pivots  a bound that cuts the optimum off, then back: a few pivots each
  *
- * All but add_cut and bound_pivots need no pivot: candidates are tried out before the clock starts. Counters:
- * microseconds a solve, pivots a solve. The models lie in ../shared/models beside the sources; without them
- * the run is skipped. */
+ * All but add_cut and bound_pivots need no pivot: candidates are tried out before the clock starts.
+ * Counters: microseconds a solve, pivots a solve.
+ * The models lie in ../shared/models beside the sources; without them the run is skipped. */
 #include <benchmark/benchmark.h>
 
 #include <tovik.h>

@@ -1,7 +1,8 @@
 /* Handles of the library as C++ objects.
  * Environment and Model release what they hold when they end; ranges of rows and columns become vectors.
- * Errors: LibraryError carries the code of the routine that failed; the library has then written its text to
- * its error channel, which the console shows, unless says otherwise. */
+ *
+ * - Errors: LibraryError carries the code of the routine that failed; the library has then written its text
+ *   to its error channel, which the console shows unless it is silenced. */
 #pragma once
 
 #include <stdexcept>

@@ -13,8 +13,8 @@ namespace tovik::cli {
 struct Limits {
   std::vector<double> lower, upper;
 };
-/* What the rows' senses, right-hand sides and ranges allow their activities to be; and the columns' bounds.
- */
+/* What the rows' senses, right-hand sides and ranges allow their activities to be; and the columns'
+ * bounds. */
 Limits row_limits(const Model& model);
 Limits column_bounds(const Model& model);
 /* By how much a value misses such limits; NaN for a value that is no finite number. */

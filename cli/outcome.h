@@ -64,8 +64,8 @@ struct Outcome {
   ExitStatus exit_status = ExitStatus::solved;
 };
 
-/* The exit status for a solution status of the library; `feasible`: values are known that satisfy the model.
- */
+/* The exit status for a solution status of the library; `feasible`: values are known that satisfy the
+ * model. */
 ExitStatus exit_status_of(int status, bool feasible);
 bool is_optimal(int status);
 

@@ -1,6 +1,8 @@
 /* Sums of products as accurate as if computed with twice the digits.
  * Also known are the largest term and the sum of their magnitudes, which tell how many digits of the value
- * mean anything. Paper: Ogita, Rump, Oishi, Accurate sum and dot product, SIAM J. Sci. Comput. 26 (2005). */
+ * mean anything.
+ *
+ * - Paper: Ogita, Rump, Oishi, Accurate sum and dot product, SIAM J. Sci. Comput. 26 (2005). */
 #pragma once
 
 #include <algorithm>

@@ -33,8 +33,8 @@ bool Journal::Lines::touch(std::span<const int> which) noexcept {
   return true;
 }
 
-/* The k-th of the present lines goes; among those that the engine knows it is the k-th that is not yet gone.
- */
+/* The k-th of the present lines goes; among those that the engine knows it is the k-th that is not yet
+ * gone. */
 bool Journal::Lines::erase_one(int k) noexcept {
   if (static_cast<std::size_t>(k) >= known_ - gone_.size()) {
     --added_;

@@ -88,14 +88,15 @@ struct Problem {
   bool mixed_integer() const {
     return type == TVK_PROBTYPE_MILP || type == TVK_PROBTYPE_MIQP || type == TVK_PROBTYPE_MIQCP;
   }
+  /* Cannot be modified: 1023. */
   bool fixed() const {
     return type == TVK_PROBTYPE_FIXED_MILP || type == TVK_PROBTYPE_FIXED_MIQP ||
            type == TVK_PROBTYPE_FIXED_MIQCP;
-  }  // cannot be modified: 1023
+  }
 };
 
-/* Brings the solution up to date: one that the working problem holds in this problem's place is carried back.
- */
+/* Brings the solution up to date: one that the working problem holds in this problem's place is carried
+ * back. */
 void update_solution(Problem& problem) noexcept;
 
 /* What a change of the model does to the derived data; the table stands in change.cpp. */
@@ -123,8 +124,8 @@ enum class Change {
 };
 
 /* Discards the derived data that `change` makes invalid. Never fails. Who names the rows or columns concerned
- * spares the live engine the comparison with the whole model, and a new start after adding or deleting some.
- */
+ * spares the live engine the comparison with the whole model, and a new start after adding or deleting
+ * some. */
 void invalidate(Problem& problem, Change change) noexcept;
 void invalidate(Problem& problem, Change change, std::initializer_list<Edit> edits) noexcept;
 

@@ -1,6 +1,6 @@
 /* Which routines are at work on a record (a problem or a network). A callback or message function that one of
- * them calls may read the record; changing or freeing it would pull it away from under them and is refused.
- */
+ * them calls may read the record; changing or freeing it would pull it away from under them and is
+ * refused. */
 #pragma once
 
 #include <atomic>

@@ -1,9 +1,10 @@
 /* The parameter table and what may be done with it: every entry's type, name, default and range, in five
  * blocks of contiguous numbers. The table is constant data shared by all environments; the current values
  * live in Environment::settings and are read there as plain fields. The exported routines and the parameter
- * file stand on the operations below; none of them reports, all of them count their look-ups as work. Errors
- * 1013 no such parameter of the wanted type, 1014 / 1015 out of range, 1026 text too long, 1807 polishing
- *           conditions that exclude each other. A failed set changes nothing. */
+ * file stand on the operations below; none of them reports, all of them count their look-ups as work.
+ *
+ * - Errors: 1013 no such parameter of the wanted type; 1014, 1015 out of range; 1026 text too long; 1807
+ *   polishing conditions that exclude each other. A failed set changes nothing. */
 #pragma once
 
 #include <span>

@@ -58,10 +58,10 @@ class Engine {
   virtual void delete_rows(std::span<const int> rows) = 0;  // ascending; later rows move down
   virtual Solve resolve() = 0;                              // by the dual from where the engine stands
   virtual std::span<const double> primal() = 0;             // columns, after an optimal solve
-  /* BasisStatus most `limit` dual pivots each way from the present optimum, which is left as it was. */
+  /* At most `limit` dual pivots each way from the present optimum, which is left as it was. */
   virtual Branches branch(std::span<const BranchPoint> points, std::int64_t limit) = 0;
-  /* Basic variables of the last solve: column j, or columns + i for the slack of row i. Empty where not told.
-   */
+  /* Basic variables of the last solve: column j, or columns + i for the slack of row i. Empty where not
+   * told. */
   virtual std::vector<int> basic_variables() { return {}; }
 };
 

@@ -11,12 +11,12 @@ namespace bench {
  * fractional, a re-solve ends without an optimum, or 200 steps are made. */
 Script record_dive(const Contestant& contestant, const Model& model, double seconds);
 
-/* BasisStatus the root optimum one bound of an integer column moves past its value, in every other step back:
+/* At the root optimum one bound of an integer column moves past its value, in every other step back:
  * up to 100 fractional columns, other ones where there are fewer. */
 Script record_single_changes(const Contestant& contestant, const Model& model);
 
-/* Ten rounds: cuts are added and, after the re-solve, those with slack in the optima of all contestants go.
- */
+/* Ten rounds: cuts are added and, after the re-solve, those with slack in the optima of all contestants
+ * go. */
 Script record_cut_rounds(const std::vector<Contestant>& contestants, const Model& model, double seconds);
 
 /* Up to 50 fractional columns of the root optimum with their values. */

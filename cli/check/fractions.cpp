@@ -24,8 +24,8 @@ struct Fraction {
   int denominator = 0;
 };
 
-/* The fraction whose decimals `value` cuts off or rounds behind few digits; denominator 0 when there is none.
- */
+/* The fraction whose decimals `value` cuts off or rounds behind few digits; denominator 0 when there is
+ * none. */
 Fraction rounded(double value) {
   const double size = std::abs(value);
   for (int digits = 1; digits <= kMostDigits; ++digits) {

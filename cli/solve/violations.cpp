@@ -11,8 +11,8 @@ namespace tovik::cli {
 namespace {
 
 /* A result passes while it violates by at most this many tolerances, scaled by the largest number that
- * entered it: the tolerances hold for the optimizer's scaled model, and no sum is more exact than its terms.
- */
+ * entered it: the tolerances hold for the optimizer's scaled model, and no sum is more exact than its
+ * terms. */
 constexpr double kAllowance = 10.0;
 constexpr double kObjectiveTolerance = 1e-6;  // relative
 constexpr int kIntegralityParameter = TVK_PARAM_EPINT;

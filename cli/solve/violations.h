@@ -2,8 +2,10 @@
  * Every number comes from the public queries and is summed here anew, with compensated sums, so that what is
  * reported does not lean on the optimizer's own bookkeeping. Violations are absolute and unscaled. Those of
  * the duals are natural residuals: the smaller of a reduced cost of the wrong sign and the distance to the
- * bound that would excuse it, so they vanish exactly when the values are optimal. Cost: twice one pass over
- * the matrix, in blocks of columns.   Errors: LibraryError, bad_alloc. */
+ * bound that would excuse it, so they vanish exactly when the values are optimal.
+ *
+ * - Cost: twice one pass over the matrix, in blocks of columns.
+ * - Errors: LibraryError, bad_alloc. */
 #pragma once
 
 #include "cli/library.h"

@@ -3,7 +3,9 @@
  * Each measure is the largest and the summed violation of one kind of condition, with the worst item by name.
  * Violations are absolute, in the model's units, from compensated sums; they hold up to the tolerance plus
  * what the fifteen digits of a file cannot tell (kDigits of the magnitudes that were added up). A number that
- * is not finite never holds. Errors: LibraryError, bad_alloc. */
+ * is not finite never holds.
+ *
+ * - Errors: LibraryError, bad_alloc. */
 #pragma once
 
 #include <optional>

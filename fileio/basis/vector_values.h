@@ -13,8 +13,8 @@ struct VectorView {
   std::span<const double> x, slack, pi, dj;  // pi and dj may be empty
 };
 
-/* Each is empty when the file does not have its key; else one value per row or column, 0 where none is given.
- */
+/* Each is empty when the file does not have its key; else one value per row or column, 0 where none is
+ * given. */
 struct VectorValues {
   std::vector<double> x, slack, pi, dj;
 };

@@ -3,8 +3,8 @@
  * A constraint is an optional name and ':', an expression, a sense and a number. Beyond that
  *   number sense expression sense number    makes a ranged row (both senses must point the same way),
  *   number sense expression                 is read from the right when a new line or section follows,
- *   column = 0 or 1 -> constraint           is an indicator constraint; <- has its sides the other way round.
- */
+ *   column = 0 or 1 -> constraint           is an indicator constraint; <- has its sides the other way
+ * round. */
 #pragma once
 
 #include <optional>

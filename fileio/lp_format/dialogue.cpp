@@ -20,9 +20,8 @@ class TypedLines final : public ByteSource {
   bool finish() override { return !failed_; }
   bool ended() const { return ended_; }
 
-  std::size_t taken() const {
-    return next_ + (offset_ != 0 ? 1 : 0);
-  }  // lines of which the reader has seen any
+  /* Lines of which the reader has seen any. */
+  std::size_t taken() const { return next_ + (offset_ != 0 ? 1 : 0); }
   std::string_view line(std::size_t i) const { return lines_[i]; }
   /* Takes a new line from the input in the place of line i and begins anew; false when there is none. */
   bool retype(std::size_t i);

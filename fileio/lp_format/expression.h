@@ -23,10 +23,8 @@ class ExpressionReader {
     failed,
     ended,  // at a section header or the end of the data
     at_sense,
-    at_number,  // the expression began with a number and a sense: left_value() is the number, the sense comes
-                // next
-    at_new_line  // at the beginning of a line that cannot go on with this expression (asked for with
-                 // may_end_at_line)
+    at_number,   // the expression began with a number, left_value(), and a sense, which comes next
+    at_new_line  // at the beginning of a line that cannot go on with this expression (may_end_at_line)
   };
   struct Rules {
     Place place = Place::constraint;

@@ -58,8 +58,8 @@ inline bool is_exponent_letter(char c) {
  * counted.
  *
  * A line may have any length, but from 559 characters on there must be a sign in every stretch of that
- * length, or the read fails with 1464: what has none cannot be an expression. Comments are not bound by that.
- */
+ * length, or the read fails with 1464: what has none cannot be an expression. Comments are not bound by
+ * that. */
 class ContentLines {
  public:
   ContentLines(ByteSource& source, std::size_t line_buffer, Messages& messages)

@@ -57,8 +57,7 @@ struct Obstacle {
 enum class Infinite { refused, accepted };
 
 /* The number that a field holds. With Infinite::accepted also "inf" and "infinity", either case, signed or
- * not, as
- * +-1e20. False, with 1434 or 1435 in `why`, for anything else. */
+ * not, as +-1e20. False, with 1434 or 1435 in `why`, for anything else. */
 bool read_number(const Field& field, Infinite infinite, double& value, Obstacle& why);
 
 /* How a line may be taken. A free line lacks no number; `lenient` also lets the last number be absent. A set

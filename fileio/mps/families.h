@@ -1,10 +1,11 @@
 /* The sections beyond rows, columns and bounds: SOS, QMATRIX, QUADOBJ, QCMATRIX and INDICATORS.
  *
  *   SOS          " S1 NAME [PRIORITY]" begins a set (its type in columns 2-3); "    COLUMN WEIGHT" is a
- * member, with the name of the set in front if one likes. QMATRIX      COLUMN COLUMN VALUE: the symmetric
- * matrix Q of x'Qx/2, both halves. QUADOBJ      the same, one half. QCMATRIX     ROW on the header line: the
- * symmetric matrix of x'Qx in that row, both halves. INDICATORS   " IF ROW COLUMN VALUE": the row holds when
- * the column has the value, 0 or 1.
+ *                member, with the name of the set in front if one likes.
+ *   QMATRIX      COLUMN COLUMN VALUE: the symmetric matrix Q of x'Qx/2, both halves.
+ *   QUADOBJ      the same, one half.
+ *   QCMATRIX     ROW on the header line: the symmetric matrix of x'Qx in that row, both halves.
+ *   INDICATORS   " IF ROW COLUMN VALUE": the row holds when the column has the value, 0 or 1.
  *
  * - Errors: 1434, 1435, 1437 .. 1439, 1442, 1447 .. 1449, 1463, 1479, 1486, 3301, 5011, 5012. */
 #pragma once
@@ -43,9 +44,8 @@ class QuadraticSection {
   bool record(const Record& record);
   bool close();
   bool has_objective() const { return objective_seen_; }
-  const std::vector<int>& rows_in_order() const {
-    return quadratic_row_;
-  }  // parallel to the model's quadratic rows
+  /* Parallel to the model's quadratic rows. */
+  const std::vector<int>& rows_in_order() const { return quadratic_row_; }
 
  private:
   struct Entry {
@@ -71,9 +71,8 @@ class IndicatorSection {
   IndicatorSection(Context& context, RowDirectory& rows) : context_(context), rows_(rows) {}
   bool record(const Record& record);
   void close();  // call once, when the bounds are settled
-  const std::vector<int>& rows_in_order() const {
-    return indicator_row_;
-  }  // parallel to the model's indicators
+  /* Parallel to the model's indicators. */
+  const std::vector<int>& rows_in_order() const { return indicator_row_; }
 
  private:
   bool add(const Field& row, const Field& column, const Field& value, int line, Obstacle& why);

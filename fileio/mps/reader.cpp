@@ -1,5 +1,5 @@
-/* The MPS reader: one pass over the bytes; sections in their order, each handled by a component of its own.
- */
+/* The MPS reader: one pass over the bytes; sections in their order, each handled by a component of its
+ * own. */
 #include <algorithm>
 #include <cstring>
 #include <limits>
@@ -134,8 +134,8 @@ class Reader {
   WarningCap truncated_;
 };
 
-/* Room for a usual file of that size, so that long lists need not move; what stays unused is never touched.
- */
+/* Room for a usual file of that size, so that long lists need not move; what stays unused is never
+ * touched. */
 void Reader::reserve(const ReadOptions& options, std::size_t bytes) {
   constexpr std::size_t kBytesPerEntry = 32, kBytesPerColumn = 64, kBytesPerName = 8;
   const auto room = [&](std::int64_t expected, std::size_t bytes_each) {

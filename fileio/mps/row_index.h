@@ -20,8 +20,7 @@ class RowIndex {
  public:
   struct Found {
     std::int32_t id = 0;
-    std::int32_t* stamp =
-        nullptr;  // the last column that named the row, -1 before; null: there is no such row
+    std::int32_t* stamp = nullptr;  // the last column that named the row, -1 before; null: no such row
     explicit operator bool() const { return stamp != nullptr; }
   };
 

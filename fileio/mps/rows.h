@@ -1,9 +1,9 @@
 /* The rows of an MPS file: the sections ROWS, USERCUTS and LAZYCONS, the choice of the objective, and the
  * index that every later section looks rows up in.
  *
- * Ids      0, 1 .. are the rows of the model in file order (user cuts, lazy constraints and the like among
- * them until they are taken out); -1, -2 .. are the free rows, of which one becomes the objective. Errors
- * 1431, 1438, 1445, 1453, 1476, 1486. */
+ * - Ids: 0, 1 .. are the rows of the model in file order (user cuts, lazy constraints and the like among
+ *   them until they are taken out); -1, -2 .. are the free rows, of which one becomes the objective.
+ * - Errors: 1431, 1438, 1445, 1453, 1476, 1486. */
 #pragma once
 
 #include <cstdint>

@@ -8,15 +8,24 @@
  * Reading is more generous than the format: numbers may be fractions, lower bounds negative, fields apart by
  * any blanks, lines empty. "inf" (or "infinity", either case, with a sign) and numbers of 1e20 and beyond are
  * infinite bounds, and so is an upper bound of exactly "-1" on an arc whose lower bound is not negative
- * ("-1.0" is a number). Notes  What the format has no place for stands in comments that begin with "c @": "c
- * @problem NAME", "c @maximize" (costs are then those of the negated objective, which any reader may
- * minimize), "c @node NODE NAME", and "c @arc NAME", which names the arc of the next record. A line feed, a
- * carriage return and a backslash in a name are written \n, \r and \\. Other comments mean nothing; a note
- * that makes no sense is a comment.
+ * ("-1.0" is a number).
  *
- * Errors of reading: 1531 the problem line is missing, comes twice, or is not that of a minimum-cost flow
- * problem; 1530 nodes or arcs contradict it, or a node comes twice (a warning tells the line); 1538 the file
- * ends before its last arc; 1537 a line is not understood; 1012 more than kMaxEntries nodes or arcs. */
+ * What the format has no place for stands in comments that begin with "c @":
+ *
+ *   c @problem NAME
+ *   c @maximize             costs are then those of the negated objective, which any reader may minimize
+ *   c @node NODE NAME
+ *   c @arc NAME             names the arc of the next record
+ *
+ * A line feed, a carriage return and a backslash in a name are written \n, \r and \\. Other comments mean
+ * nothing; a note that makes no sense is a comment.
+ *
+ * Errors of reading:
+ * - 1531 the problem line is missing, comes twice, or is not that of a minimum-cost flow problem;
+ * - 1530 nodes or arcs contradict it, or a node comes twice (a warning tells the line);
+ * - 1538 the file ends before its last arc;
+ * - 1537 a line is not understood;
+ * - 1012 more than kMaxEntries nodes or arcs. */
 #pragma once
 
 #include <string_view>
@@ -33,8 +42,8 @@ namespace tovik::fileio {
 ReadFailure read_network(ByteSource& source, const ReadOptions& options, ReaderLog& log,
                          model::NetworkData& data);
 
-/* 0, or 1650 for a number that is not finite. Everything but infinite bounds reads back as the same number.
- */
+/* 0, or 1650 for a number that is not finite. Everything but infinite bounds reads back as the same
+ * number. */
 int write_network(const model::Network& network, std::string_view problem_name, TextWriter& out);
 
 /* Replaces the network by that of the file, and its name by the one in the file or else the file's own. */

@@ -7,8 +7,8 @@
 
 namespace tovik::fileio {
 
-/* The columns of `file` are the model's. Items without a name get one when others of their family have names.
- */
+/* The columns of `file` are the model's. Items without a name get one when others of their family have
+ * names. */
 model::Families families_of(const FileModel& file);
 
 /* All of the file but the problem's name. */

@@ -1,6 +1,6 @@
 /* Memory for big tables that are looked up all over: it asks the system for large pages, with which a lookup
- * does not also have to search for the page. Small tables and systems without such pages get ordinary memory.
- */
+ * does not also have to search for the page. Small tables and systems without such pages get ordinary
+ * memory. */
 #pragma once
 
 #include <sys/mman.h>

@@ -17,9 +17,9 @@
 
 namespace tovik::fileio {
 
-/* Limits of everything that a file may make a reader allocate. */
-inline constexpr std::int64_t kMaxEntries =
-    524999999;                                      // of any list: rows, columns, coefficients, bounds ...
+/* Limit of everything that a file may make a reader allocate: the entries of any list (rows, columns,
+ * coefficients, bounds ...). */
+inline constexpr std::int64_t kMaxEntries = 524999999;
 inline constexpr std::size_t kMaxNameLength = 255;  // longer names are cut with a warning
 inline constexpr int kMaxWarningsOfAKind = 20;
 inline constexpr double kInfinity = 1e20;

@@ -93,8 +93,8 @@ struct SavFile {
   int problem_type() const { return static_cast<int>(sizes[3]); }
 };
 
-/* Reads a file and checks that its contents fit together, so that model_data() may be called. 0, or
- * 1560 it does not begin like a SAV file, 1561 it ends too early, 1563 it is of a later version, damaged, or
+/* Reads a file and checks that its contents fit together, so that model_data() may be called. 0, or 1560 it
+ * does not begin like a SAV file, 1561 it ends too early, 1563 it is of a later version, damaged, or
  * contradicts itself. */
 int read_sav(ByteSource& source, SavFile& file);
 

@@ -98,8 +98,8 @@ class Target {
   std::string name_;
 };
 
-/* Gives the new file the owner, as far as that is allowed, and the permissions of the one that it replaces.
- */
+/* Gives the new file the owner, as far as that is allowed, and the permissions of the one that it
+ * replaces. */
 void inherit(int descriptor, const struct stat& old) {
   if (::fchown(descriptor, old.st_uid, old.st_gid) != 0) {
     // The file then belongs to the one who writes it.

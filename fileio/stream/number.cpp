@@ -40,8 +40,8 @@ Extent measure(const char* first, const char* last) {
   return {letter, letter, digits};
 }
 
-/* Whether a number that a double cannot hold is a tiny one: the decimal position of its first digit decides.
- */
+/* Whether a number that a double cannot hold is a tiny one: the decimal position of its first digit
+ * decides. */
 bool is_tiny(const char* first, const Extent& extent) {
   long position = 0;  // power of ten just above the first non-zero digit
   bool seen = false, point = false;

@@ -43,8 +43,8 @@ Pipe make_pipe();
 /* -1 on failure, 0 at the end. */
 ssize_t read_some(int descriptor, char* buffer, std::size_t capacity);
 
-/* Writes all bytes; a reader that has gone and a limit of the file's size are failures and raise no signal.
- */
+/* Writes all bytes; a reader that has gone and a limit of the file's size are failures and raise no
+ * signal. */
 bool write_all(int descriptor, const char* bytes, std::size_t count);
 
 class Child {

@@ -1,8 +1,8 @@
 /* Where readers get their bytes and lines from.
  *
- * ByteSource   the bytes of one opened file, of a compressor's output or of a block of memory.
- * LineReader   cuts a source into lines without copying them, in a buffer of fixed size; memory does not grow
- * with the file.
+ *   ByteSource   the bytes of one opened file, of a compressor's output or of a block of memory.
+ *   LineReader   cuts a source into lines without copying them, in a buffer of fixed size; memory does not
+ *                grow with the file.
  *
  * A compressed name is read through "gzip -cd -- NAME" or "bzip2 -cd -- NAME", started with an argument
  * vector and never through a shell. What a compressor delivered counts only when finish() says that it ended

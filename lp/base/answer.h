@@ -21,9 +21,8 @@ struct Answer {
   Outcome outcome = Outcome::numerical_failure;
   bool has_values = false;  // x, activity, y, d, statuses are set
   bool primal_feasible = false, dual_feasible = false;
-  bool unscaled_infeasible =
-      false;                     // optimal in scaled space, violated by more than the tolerance in the user's
-  Method method = Method::dual;  // of the last run that moved
+  bool unscaled_infeasible = false;  // optimal in scaled space, beyond the tolerance in the user's
+  Method method = Method::dual;      // of the last run that moved
   double objective = 0;
   std::vector<double> x, activity, y, d;
   std::vector<BasisStatus> column_status, row_status;  // of a row: the status of its activity

@@ -7,8 +7,8 @@ namespace tovik::lp::run {
 
 struct Measure {
   double value = 0;
-  int index =
-      -1;  // where the largest stands: column j, or -i-1 for row i; -1 for sums and when nothing is violated
+  /* Where the largest stands: column j, or -i-1 for row i; -1 for sums and when nothing is violated. */
+  int index = -1;
 };
 
 /* what: a TVK_QUALITY_ constant; 1003 for another, 1217 / 1232 without the values it needs. */

@@ -1,10 +1,11 @@
 /* FTRAN and BTRAN with a factored basis.
  *
  * Each solve moves its right-hand side into slot order, sweeps through two triangles with the row etas
- * between them, and moves the result back. A sweep runs in one of two modes: sparse  visits only slots that
- * receive a value, in order, through a SlotSet; turns plain half-way when it has visited too many; plain runs
- * through all slots of the triangle and skips zeros. Both modes do the same operations in the same order: a
- * sweep gives the same bits in either. */
+ * between them, and moves the result back. A sweep runs in one of two modes:
+ *   sparse  visits only slots that receive a value, in order, through a SlotSet; turns plain half-way when it
+ *           has visited too many;
+ *   plain   runs through all slots of the triangle and skips zeros.
+ * Both modes do the same operations in the same order: a sweep gives the same bits in either. */
 #pragma once
 
 #include <cstdint>

@@ -37,8 +37,8 @@ struct Presolved : Derived {
 /* What the parameters allow. */
 presolve::Settings presolve_settings(const Environment& env);
 
-/* Runs presolve on a problem whose data were checked, and writes its lines while the presolve display is on.
- */
+/* Runs presolve on a problem whose data were checked, and writes its lines while the presolve display is
+ * on. */
 std::unique_ptr<Presolved> make_presolved(Environment& env, Problem& problem);
 
 /* 0, or the code of what presolve found out or was stopped by. */

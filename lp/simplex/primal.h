@@ -4,12 +4,17 @@
  * solve() starts from the core's present basis, whatever it is. While basic variables lie outside their
  * bounds it minimizes the sum of infeasibilities (costs -1, +1 in place of the model's), then the model's
  * costs. Bounds of basic variables are widened when steps of length zero pile up. On return bounds and costs
- * are the model's own, and x and d belong to them, unless the factor broke down (Outcome::singular). optimal
- * no improving column and no infeasible basic on recomputed values with the model's bounds and costs
- *   infeasible  first phase at its optimum, and infeasibility_duals() combines the rows to one that no point
- * can meet unbounded   the ray was checked against the model's bounds, matrix and costs trouble     the
- * budget ran out, or nothing could be proven The basis after `optimal` may hold nonbasic values between
- * bounds only if the caller's start had them and their reduced cost is zero. */
+ * are the model's own, and x and d belong to them, unless the factor broke down (Outcome::singular).
+ *
+ *   optimal            no improving column and no infeasible basic on recomputed values with the model's
+ *                      bounds and costs
+ *   infeasible         first phase at its optimum, and infeasibility_duals() combines the rows to one that
+ *                      no point can meet
+ *   unbounded          the ray was checked against the model's bounds, matrix and costs
+ *   numerical_failure  the budget ran out, or nothing could be proven
+ *
+ * The basis after `optimal` may hold nonbasic values between bounds only if the caller's start had them and
+ * their reduced cost is zero. */
 #pragma once
 
 #include <cstdint>

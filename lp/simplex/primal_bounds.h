@@ -3,9 +3,10 @@
  *
  * Only basic variables are widened: at the start of a perturbation, and each variable on entering the basis.
  * The present point therefore stays as it is and stays feasible. Fixed variables are never widened. restore()
- * puts the model's bounds back; nonbasics return to them, so the basic values have to be computed anew. Sizes
- * widening: magnitude * scale * (1 + r_j) * max(1, |bound|); shifts: the violation, plus a random part of the
- *           tolerance. Scaled space. */
+ * puts the model's bounds back; nonbasics return to them, so the basic values have to be computed anew.
+ *
+ * - Sizes: widening: magnitude * scale * (1 + r_j) * max(1, |bound|); shifts: the violation, plus a random
+ *   part of the tolerance. Scaled space. */
 #pragma once
 
 #include "lp/simplex/core.h"

@@ -1,10 +1,12 @@
 /* Choice of the leaving variable in the primal simplex.
  *
- * The entering variable q moves by t >= 0 in `direction` (+1, -1); the basic variables change by -direction *
- * t * column. feasible()    Harris' two passes: the largest pivot among the ratios below the smallest relaxed
- * one. infeasible()  First phase: the sum of infeasibilities is piecewise linear in t; break points are
- * passed while its slope is negative, then the last one with a large enough pivot is taken. Both loop over
- * the pattern of the column only. Papers: Harris, Math. Programming 5 (1973); Maros, EJOR 23 (1986). */
+ * The entering variable q moves by t >= 0 in `direction` (+1, -1); the basic variables change by
+ * -direction * t * column.
+ * - feasible(): Harris' two passes: the largest pivot among the ratios below the smallest relaxed one.
+ * - infeasible(): first phase: the sum of infeasibilities is piecewise linear in t; break points are passed
+ *   while its slope is negative, then the last one with a large enough pivot is taken.
+ * - Cost: both loop over the pattern of the column only.
+ * - Papers: Harris, Math. Programming 5 (1973); Maros, EJOR 23 (1986). */
 #pragma once
 
 #include <vector>

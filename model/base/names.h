@@ -5,8 +5,8 @@
  * - Index: open addressing over positions, built by the first find() and then kept up to date by every
  *   change. It is a derived structure: when memory for it is short it is dropped and the change goes on.
  *   Equal names are allowed; find() then gives the lowest position.
- * - Made-up names: when only some items of a family are given names, the others get the letter and their
- * number (x7), or the letter and the next free number where that name is taken.
+ * - Generated names: when only some items of a family are given names, the others get the letter and their
+ *   number (x7), or the letter and the next free number where that name is taken.
  * - Cost: append, rename, find: amortised proportional to the length of the names.
  * - Errors: bad_alloc; the table is then as before the call. */
 #pragma once

@@ -23,8 +23,8 @@ Status check_arrays(const PackedMatrix& matrix);
 Status check_columns_matrix(Environment& env, const Problem& problem, const PackedMatrix& matrix);
 /* 1012 when a family of `present` entries would exceed the limit. */
 Status check_entries(const Environment& env, std::int64_t present, std::int64_t more);
-/* The range first..last for the named routine; `none` is the code for a range of a family that has no item.
- */
+/* The range first..last for the named routine; `none` is the code for a range of a family that has no
+ * item. */
 Status check_family_range(Environment& env, const char* routine, int begin, int end, int count, int none = 0);
 
 /* Deletes items first .. last of a family. */

@@ -14,8 +14,8 @@ enum TypeData : unsigned { kMixedIntegerData = 1, kQuadraticObjectiveData = 2, k
 /* What the problem holds. */
 unsigned held_data(const Problem& problem);
 
-/* While TVK_PARAM_DATACHECK is 1: a line on the warning channel for each of the kinds that the problem holds.
- */
+/* While TVK_PARAM_DATACHECK is 1: a line on the warning channel for each of the kinds that the problem
+ * holds. */
 void announce_freeing(Environment& env, const Problem& problem, unsigned kinds);
 
 /* Gives the problem another type: frees the data that do not belong to it. 1024, 1029, 9019 for a fixed type

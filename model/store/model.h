@@ -80,9 +80,8 @@ class Model {
   std::span<const double> upper() const { return settled().upper_; }
   std::span<const double> rhs() const { return settled().rhs_; }
   std::span<const char> sense() const { return settled().sense_; }
-  std::span<const double> range() const {
-    return settled().range_;
-  }  // one per row; 0 for rows other than 'R'
+  /* One per row; 0 for rows other than 'R'. */
+  std::span<const double> range() const { return settled().range_; }
   std::span<const char> column_types() const { return settled().types_; }  // empty for a continuous problem
   ColumnView column(int j) const { return settled().columns_.at(j); }
   RowView row(int i) const;

@@ -1,5 +1,5 @@
-/* Sets, indicator constraints, cuts, orders, MIP starts, types and problem types through the public header.
- */
+/* Sets, indicator constraints, cuts, orders, MIP starts, types and problem types through the public
+ * header. */
 #include "support/describe_families.h"
 #include "support/model_fixture.h"
 

@@ -1,5 +1,5 @@
-/* Networks through the public header: handles, data in and out, checks, deletions, names, the linear model.
- */
+/* Networks through the public header: handles, data in and out, checks, deletions, names, the linear
+ * model. */
 #include <cmath>
 #include <functional>
 #include <limits>

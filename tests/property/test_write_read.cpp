@@ -40,8 +40,8 @@ class Generator {
  public:
   explicit Generator(unsigned seed) : random_(seed) {}
 
-  /* exact: every double; otherwise ones that 15 digits hold, and sums of a right-hand side and a range too.
-   */
+  /* exact: every double; otherwise ones that 15 digits hold, and sums of a right-hand side and a range
+   * too. */
   ModelData make(bool exact, bool hostile) {
     exact_ = exact;
     ModelData data;

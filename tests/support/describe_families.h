@@ -194,11 +194,15 @@ class FamilyText {
   std::string text_;
 };
 
-/* "type T LETTERS", then a line per item: "set NAME TYPE COLUMN:WEIGHT ...", "cut NAME SENSE RHS COLUMN:VALUE
- * ...", "lazy
- * ...", "if COLUMN=1 NAME SENSE RHS ...", "order COLUMN PRIORITY DIRECTION", "start NAME EFFORT COLUMN:VALUE
- * ...", "quad COLUMN*COLUMN ENTRY_OF_Q", "qrow NAME SENSE RHS ... [ COLUMN*COLUMN:VALUE ... ]". Names that
- * are missing are "-". */
+/* "type T LETTERS", then a line per item; names that are missing are "-":
+ *   set NAME TYPE COLUMN:WEIGHT ...
+ *   cut NAME SENSE RHS COLUMN:VALUE ...
+ *   lazy NAME SENSE RHS COLUMN:VALUE ...
+ *   if COLUMN=1 NAME SENSE RHS COLUMN:VALUE ...
+ *   order COLUMN PRIORITY DIRECTION
+ *   start NAME EFFORT COLUMN:VALUE ...
+ *   quad COLUMN*COLUMN ENTRY_OF_Q
+ *   qrow NAME SENSE RHS COLUMN:VALUE ... [ COLUMN*COLUMN:VALUE ... ] */
 inline std::string describe_families(ConstEnvHandle env, ConstProbHandle lp) {
   return FamilyText(env, lp).text();
 }

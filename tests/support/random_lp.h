@@ -1,5 +1,5 @@
-/* Small random LPs of every shape, and the proofs that an answer must carry: arithmetic on the model alone.
- */
+/* Small random LPs of every shape, and the proofs that an answer must carry: arithmetic on the model
+ * alone. */
 #pragma once
 
 #include <tovik.h>

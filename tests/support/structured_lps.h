@@ -24,8 +24,8 @@ class StructuredLps {
   int pick(int low, int high) { return std::uniform_int_distribution<int>(low, high)(random_); }
   bool chance(double p) { return std::bernoulli_distribution(p)(random_); }
 
-  /* Most have an optimum, some are infeasible or unbounded. `wide`: entries from 1e-4 to 1e7, bounds of 1e7.
-   */
+  /* Most have an optimum, some are infeasible or unbounded. `wide`: entries from 1e-4 to 1e7, bounds of
+   * 1e7. */
   DenseLp make(bool wide) {
     const int m = pick(5, 30), n = pick(5, 40);
     DenseLp lp(m, n);

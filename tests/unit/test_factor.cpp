@@ -170,8 +170,8 @@ void check_solves(Factor& factor, const Matrix& a, const std::vector<int>& head,
   }
 }
 
-/* Several right-hand sides at once must solve what single solves do, and leave the same spike for an update.
- */
+/* Several right-hand sides at once must solve what single solves do, and leave the same spike for an
+ * update. */
 void check_joint_solves(Factor& factor, const Matrix& a, const std::vector<int>& head, double tolerance,
                         Random& random) {
   const int m = a.rows;
