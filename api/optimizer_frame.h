@@ -1,4 +1,4 @@
-/* The frame that every optimizer runs in: thread-team nesting, the limit frame, the profiling callback. */
+/* The frame that every optimizer runs in: limits and the profiling callback. */
 #pragma once
 
 #include "env/environment.h"
@@ -7,18 +7,14 @@
 
 namespace tovik::api {
 
-/* Pushes a limit frame and counts the nesting while it lives. */
+/* Holds a limit frame while it lives. */
 class OptimizerFrame {
  public:
   explicit OptimizerFrame(Environment& env) : env_(env) {
     env.limits.push(clock_seconds(env), env.settings.real(TVK_PARAM_TILIM), env.work->ticks,
                     env.settings.real(param::kTickLimit));
-    ++env.team_nesting;
   }
-  ~OptimizerFrame() {
-    --env_.team_nesting;
-    env_.limits.pop();
-  }
+  ~OptimizerFrame() { env_.limits.pop(); }
   OptimizerFrame(const OptimizerFrame&) = delete;
   OptimizerFrame& operator=(const OptimizerFrame&) = delete;
 

@@ -13,17 +13,16 @@ enum Dropped : unsigned {
   kWorking = 1u << 1,       // working problem, after its solution was carried back
   kSecond = 1u << 2,        // second nested problem
   kPresolve = 1u << 3,      // presolved copy
-  kFactor = 1u << 4,        // the factor stays, marked as not current
-  kSimplex = 1u << 5,       // factor and simplex state
-  kSolution = 1u << 6,      // solution arrays
-  kNorms = 1u << 7,         // stored pricing norms
-  kMixedInteger = 1u << 8,  // tree bookkeeping, MIP start and cached mixed-integer data
-  kStart = 1u << 9,         // starting basis and values
+  kSimplex = 1u << 4,       // factor and simplex state
+  kSolution = 1u << 5,      // solution arrays
+  kNorms = 1u << 6,         // stored pricing norms
+  kMixedInteger = 1u << 7,  // tree bookkeeping, MIP start and cached mixed-integer data
+  kStart = 1u << 8,         // starting basis and values
 };
 
 constexpr unsigned kBase = kStatus | kWorking | kSecond | kPresolve;
 constexpr unsigned kDerived = kBase | kSimplex | kNorms | kMixedInteger;
-constexpr unsigned kEverything = kDerived | kFactor | kSolution | kStart;
+constexpr unsigned kEverything = kDerived | kSolution | kStart;
 
 struct Rule {
   Change change;
@@ -33,10 +32,10 @@ struct Rule {
 
 constexpr Rule kRules[] = {
     {Change::names, kWorking | kSecond, 0},
-    {Change::objective_sense, kBase | kFactor, 1},
-    {Change::objective, kBase | kFactor, 2},
-    {Change::bounds, kBase | kFactor, 1},
-    {Change::ranges, kBase | kFactor, 1},
+    {Change::objective_sense, kBase, 1},
+    {Change::objective, kBase, 2},
+    {Change::bounds, kBase, 1},
+    {Change::ranges, kBase, 1},
     {Change::rhs, kBase, 1},
     {Change::matrix, kBase | kSimplex | kStart, 1},
     {Change::senses, kBase | kSimplex | kStart, 1},
@@ -51,7 +50,7 @@ constexpr Rule kRules[] = {
     {Change::quadratic, kEverything, 1},
     {Change::problem_type, kEverything, 1},
     {Change::norms, kNorms, 0},
-    {Change::unscaling, kFactor | kNorms, 0},
+    {Change::unscaling, kNorms, 0},
 };
 
 const Rule& rule_of(Change change) {
@@ -88,7 +87,6 @@ void discard(Problem& problem, const Rule& rule, bool engine_follows) noexcept {
   }
   if (drops(kSecond)) problem.derived.reset();
   if (drops(kPresolve) && !std::exchange(problem.presolve_up_to_date, false)) problem.presolve.reset();
-  if (drops(kFactor) || drops(kSimplex)) problem.factor_current = false;
   if (drops(kSimplex) && !engine_follows) problem.simplex.reset();
   if (drops(kStart)) clear_start(problem.start);
   if (drops(kMixedInteger)) problem.mip.reset();

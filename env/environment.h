@@ -68,7 +68,6 @@ struct Environment {
   WorkCounter own_work;
   WorkCounter* work = &own_work;  // the counter in force
   LimitFrames limits;
-  int team_nesting = 0;
   Callbacks callbacks;
   FILE* log_file = nullptr;
   bool ready = false;  // opened completely

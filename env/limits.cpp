@@ -21,8 +21,6 @@ void LimitFrames::push(double now, double time_limit, std::uint64_t ticks, doubl
   if (last_tick < kTickRange) {
     frame.tick_deadline = std::min(frame.tick_deadline, static_cast<std::uint64_t>(last_tick));
   }
-  frame.start = frame.stamp1 = frame.stamp2 = now;
-  frame.ticks_at_push = ticks;
   frames_.push_back(frame);
 }
 

@@ -9,10 +9,7 @@ namespace tovik {
 
 struct LimitFrame {
   double deadline = 1e75;  // seconds on the environment's clock
-  double start = 0, stamp1 = 0, stamp2 = 0;
   std::uint64_t tick_deadline = ~std::uint64_t{0};
-  std::uint64_t ticks_at_push = 0;
-  int counters[2] = {0, 0};
 };
 
 class LimitFrames {

@@ -74,7 +74,6 @@ struct Problem {
   Norms norms;
   std::unique_ptr<Derived> simplex;  // live basis and factor between optimizations
   Journal journal;                   // of changes that the simplex engine has yet to follow
-  bool factor_current = false;
   std::unique_ptr<Derived> presolve;
   bool presolve_up_to_date = false;    // it took over the change that is just being made
   std::vector<int> protected_columns;  // that presolve must keep: ascending, each once

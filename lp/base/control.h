@@ -17,7 +17,6 @@ class Control {
   virtual Stop poll() = 0;                // terminate flag and deterministic limit: cheap, each iteration
   virtual Stop poll_clock() = 0;          // also reads the clock
   virtual Stop iteration_callback() = 0;  // the LP callback, once per iteration
-  virtual double random() = 0;            // uniform in [0, 1)
 };
 
 }  // namespace tovik::lp

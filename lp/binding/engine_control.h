@@ -21,7 +21,6 @@ class EngineControl : public Control {
   Stop poll() override;
   Stop poll_clock() override;
   Stop iteration_callback() override;
-  double random() override { return env_.random.real(); }
 
  private:
   Environment& env_;

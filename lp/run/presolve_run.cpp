@@ -246,7 +246,6 @@ class PresolvedRun {
 
   /* An engine that the problem holds stands on another basis from now on. */
   void leave_engine() {
-    problem_.factor_current = false;
     problem_.norms = Norms{};
     if (auto* live = static_cast<LiveSimplex*>(problem_.simplex.get()); live != nullptr)
       live->start_is_mine = false;

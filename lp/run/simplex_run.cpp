@@ -220,7 +220,6 @@ Status run_simplex(Environment& env, Problem& problem, const Algorithm& algorith
   const int status = status_code(outcome, live.solver.answer().unscaled_infeasible);
   publish(problem, live.solver);
   problem.status = status;
-  problem.factor_current = true;
   live.start_is_mine = true;
   live.norms_are_told = true;
   guard.arrived();

@@ -54,8 +54,6 @@ class NameTable {
   /* Drops the names with renumber[k] < 0 and moves the others to renumber[k] (ascending). */
   void renumber(std::span<const int> renumber) noexcept;
 
-  /* Text bytes in use and kept in all. */
-  std::size_t text_size() const { return block_.text.size(); }
 
  private:
   static constexpr int kFree = -1;

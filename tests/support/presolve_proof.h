@@ -34,7 +34,6 @@ class QuietControl : public Control {
   Stop poll() override { return allowed_-- > 0 ? Stop::none : Stop::user_abort; }
   Stop poll_clock() override { return poll(); }
   Stop iteration_callback() override { return poll(); }
-  double random() override { return 0.5; }
 
  private:
   std::int64_t allowed_;

@@ -18,7 +18,6 @@ class QuietControl : public tovik::lp::Control {
   Stop poll() override { return polls++ < allowed ? Stop::none : Stop::user_abort; }
   Stop poll_clock() override { return Stop::none; }
   Stop iteration_callback() override { return Stop::none; }
-  double random() override { return 0.5; }
   std::int64_t polls = 0, allowed;
 };
 

@@ -32,7 +32,6 @@ class Changes : public testing::Test {
     problem.start.row_status = {0};
     problem.norms.dual = {1.0};
     problem.simplex = std::make_unique<Derived>();
-    problem.factor_current = true;
     problem.presolve = std::make_unique<Derived>();
     problem.mip = std::make_unique<Derived>();
     problem.working = std::make_unique<Problem>(*problem.env);
@@ -46,21 +45,21 @@ class Changes : public testing::Test {
 TEST_F(Changes, EachKindDropsItsOwn) {
   struct Kept {
     Change change;
-    bool status, nested, presolve, simplex, factor_current, solution, norms, mip, start;
+    bool status, nested, presolve, simplex, solution, norms, mip, start;
     int level;
   };
   const Kept table[] = {
-      {Change::names, true, false, true, true, true, true, true, true, true, 0},
-      {Change::objective, false, false, false, true, false, true, true, true, true, 2},
-      {Change::rhs, false, false, false, true, true, true, true, true, true, 1},
-      {Change::matrix, false, false, false, false, false, true, true, true, false, 1},
-      {Change::add_columns, false, false, false, true, true, true, true, true, true, 3},
-      {Change::branching_order, true, false, true, true, true, true, true, false, true, 0},
-      {Change::starts, true, false, true, true, true, true, true, true, true, 0},
-      {Change::rows, false, false, false, false, false, true, false, false, true, 1},
-      {Change::problem_type, false, false, false, false, false, false, false, false, false, 1},
-      {Change::norms, true, true, true, true, true, true, false, true, true, 0},
-      {Change::unscaling, true, true, true, true, false, true, false, true, true, 0},
+      {Change::names, true, false, true, true, true, true, true, true, 0},
+      {Change::objective, false, false, false, true, true, true, true, true, 2},
+      {Change::rhs, false, false, false, true, true, true, true, true, 1},
+      {Change::matrix, false, false, false, false, true, true, true, false, 1},
+      {Change::add_columns, false, false, false, true, true, true, true, true, 3},
+      {Change::branching_order, true, false, true, true, true, true, false, true, 0},
+      {Change::starts, true, false, true, true, true, true, true, true, 0},
+      {Change::rows, false, false, false, false, true, false, false, true, 1},
+      {Change::problem_type, false, false, false, false, false, false, false, false, 1},
+      {Change::norms, true, true, true, true, true, false, true, true, 0},
+      {Change::unscaling, true, true, true, true, true, false, true, true, 0},
   };
   for (const Kept& kept : table) {
     SCOPED_TRACE(static_cast<int>(kept.change));
@@ -71,7 +70,6 @@ TEST_F(Changes, EachKindDropsItsOwn) {
     EXPECT_EQ(p.working != nullptr && p.derived != nullptr, kept.nested);
     EXPECT_EQ(p.presolve != nullptr, kept.presolve);
     EXPECT_EQ(p.simplex != nullptr, kept.simplex);
-    EXPECT_EQ(p.factor_current, kept.factor_current);
     EXPECT_EQ(p.solution != nullptr, kept.solution);
     EXPECT_EQ(!p.norms.dual.empty(), kept.norms);
     EXPECT_EQ(p.mip != nullptr, kept.mip);
@@ -169,7 +167,6 @@ TEST(Limits, InnerFramesNeverOutliveOuterOnes) {
   frames.push(20, 200, 50, 10);
   EXPECT_EQ(frames.top()->deadline, 110);
   EXPECT_EQ(frames.top()->tick_deadline, 60u);
-  EXPECT_EQ(frames.top()->ticks_at_push, 50u);
   frames.pop();
   EXPECT_EQ(frames.top()->tick_deadline, 1005u);
 }
