@@ -990,7 +990,7 @@ TVK_API int TVKchgname(ConstEnvHandle env, ProbHandle lp, int key, int ij, const
 /* Names cnt items of a kind at once, all or none: the keys of TVKchgname without 'b'. Errors: 1003 another key, 1224 a null
  * name; 1201, 1203 or (other kinds) 1200 an index outside. */
 TVK_API int TVKchgnames(ConstEnvHandle env, ProbHandle lp, int key, int cnt, const int *indices, char **newname);
-/* Name cnt columns (rows). When the model had no names, the others get made-up ones. Error: 1224 a null name. */
+/* Name cnt columns (rows). When the model had no names, the others get generated ones. Error: 1224 a null name. */
 TVK_API int TVKchgcolname(ConstEnvHandle env, ProbHandle lp, int cnt, const int *indices, char **newname);
 TVK_API int TVKchgrowname(ConstEnvHandle env, ProbHandle lp, int cnt, const int *indices, char **newname);
 /* Removes the names of columns, rows, sets, indicator constraints, cuts, lazy and quadratic constraints. */
@@ -1229,7 +1229,7 @@ TVK_API int TVKgetqconstrindex(ConstEnvHandle env, ConstProbHandle lp, const cha
  * A negative supply is a demand. Parallel arcs and loops (tail = head) are allowed, and crossed bounds as in a model.
  * Handles, ranges, DATACHECK, infinity, names and the surplus protocol are those of problems and models: 1009 for a handle
  * that is no network, 1230 a node index and 1231 an arc index that is out of range (always checked, with the position in
- * its list), 1012 more than 2100000000 nodes or 1050000000 arcs. Made-up names are n1, n2 ... and a1, a2 ....
+ * its list), 1012 more than 2100000000 nodes or 1050000000 arcs. Generated names are n1, n2 ... and a1, a2 ....
  * Closing the environment frees its networks.
  *
  *     // Ship 4 units from node 0 to node 2, directly or through node 1.
@@ -1369,7 +1369,7 @@ TVK_API int TVKreadcopystdin(ConstEnvHandle env, ProbHandle lp);
  *           extension decide, with .gz and its like put aside. R.. writes the names x1, x2 ... and c1, c2 ... in place
  *           of the model's own; REW is RMP.
  *
- * Families of names that the model lacks are made up for the file, with a line on the warning channel. When a name
+ * Families of names that the model lacks are generated for the file, with a line on the warning channel. When a name
  * cannot stand in the format, or stands twice, all names of its family are rewritten for the file: forbidden characters
  * replaced and "#" and the position (from 0) appended, with a warning.
  *
@@ -1394,7 +1394,7 @@ TVK_API int TVKlprewrite(ConstEnvHandle env, ConstProbHandle lp, const char *fil
 
 /* ---- Display: a model on a channel, for people to read ----
  * The words are those of the LP format, and the numbers have 15 significant digits; names stand as they are, and where there
- * are none, made-up ones. Each call sends one message to `channel` (TVKgetchannels, TVKaddchannel), however long.
+ * are none, generated ones. Each call sends one message to `channel` (TVKgetchannels, TVKaddchannel), however long.
  *
  * pattern     of the names that are shown: '*' stands for any characters, '?' for one; NULL shows every one
  * begin, end  range of indices, as in the queries; of these, what the pattern fits is shown
@@ -1562,8 +1562,8 @@ TVK_API int TVKreadcopymipstarts(ConstEnvHandle env, ProbHandle lp, const char *
 
 /* ==== Section: optimizers, bases, rays, sensitivity, quality ==== */
 
-/* Optimizes a continuous linear problem by the method that TVK_PARAM_LPMETHOD names: 0 automatic, 1 primal simplex, 2 dual
- * simplex, 5 sifting; 3, 4 and 6 run the dual simplex. Leaves a solution and its status in the problem (TVKgetstat, TVKsolution): a
+/* Optimizes a continuous linear problem by the method that TVK_PARAM_LPMETHOD names: 0 and 6 automatic, 1 primal simplex, 2 dual
+ * simplex, 5 sifting; 3 and 4 run the dual simplex. Leaves a solution and its status in the problem (TVKgetstat, TVKsolution): a
  * limit, infeasibility and unboundedness are statuses, not errors. Starts from the problem's basis when TVK_PARAM_ADVIND is
  * not 0. Without one, or with TVK_PARAM_ADVIND 0 or 2, and while TVK_PARAM_PREIND is 1, a smaller problem is made and solved
  * first (see Presolve); solution and basis are those of the problem itself. Errors: 1017 mixed-integer, 1018 and 1031
@@ -1754,7 +1754,7 @@ TVK_API int TVKgetboundsens(ConstEnvHandle env, ConstProbHandle lp, int begin, i
  * and when there is none. Errors: 1004, 1003 unknown measure, 1217 no solution, 1232 no dual values; kappa: 1262, 1256. */
 TVK_API int TVKgetquality(ConstEnvHandle env, ConstProbHandle lp, int what, double *value_p, int *index_p);
 
-/* ---- Asked-for pivots ---- */
+/* ---- User-requested pivots ---- */
 
 /* Forces the slacks of the rlen listed rows into the basis, and the clen listed fixed columns out of it, as far as a
  * numerically safe pivot exists. The basis becomes the start of the next optimization; the solution is discarded. Errors:

@@ -95,9 +95,10 @@ inline constexpr auto kGeneral = std::to_array<Entry>({
     hidden_integer(1059),
     hidden_integer(1060),
     hidden_integer(1061),
-    integer(NAMED(LPMETHOD), 0, 0, 6,
-            "Method for linear programs: 0 and 6 automatic, 1 primal, 2 dual; 3 network, 4 barrier and 5 "
-            "sifting are answered by the dual in this version"),
+    integer(
+        NAMED(LPMETHOD), 0, 0, 6,
+        "Method for linear programs: 0 and 6 automatic, 1 primal, 2 dual, 5 sifting; 3 network and 4 barrier "
+        "run the dual in this version"),
     unused(integer(
         NAMED(QPMETHOD), 0, 0, 6,
         "Method for quadratic programs: 0 automatic, 1 primal, 2 dual, 3 network, 4 barrier, 5 sifting, "
