@@ -1,5 +1,5 @@
 /* The exported routines around a basis: statuses, norms, factor, tableau, rays, sensitivity, quality,
- * asked-for pivots. */
+ * user-requested pivots. */
 #include <algorithm>
 
 #include "api/optimizer_frame.h"

@@ -33,5 +33,5 @@ int TVKsetterminate(EnvHandle env, volatile int* terminate_p) {
     e.callbacks.terminate = terminate_p;
     return 0;
   };
-  return with_environment(env, store, In::callback_allowed);
+  return with_environment(env, store, CallbackContext::allowed);
 }

@@ -17,14 +17,15 @@ Channel* live_channel(ChannelHandle channel) {
 
 /* worker: Status(Channel&) */
 template <class Worker>
-int with_channel(ConstEnvHandle env, ChannelHandle handle, Worker&& worker, In in = In::callback_refused) {
+int with_channel(ConstEnvHandle env, ChannelHandle handle, Worker&& worker,
+                 CallbackContext context = CallbackContext::refused) {
   return with_environment(
       env,
       [&](Environment&) -> Status {
         Channel* channel = live_channel(handle);
         return channel != nullptr ? worker(*channel) : TVK_ERROR_NO_CHANNEL;
       },
-      in);
+      context);
 }
 
 }  // namespace
@@ -60,7 +61,7 @@ int TVKflushchannel(ConstEnvHandle env, ChannelHandle channel) {
     c.flush();
     return 0;
   };
-  return with_channel(env, channel, flush, In::callback_allowed);
+  return with_channel(env, channel, flush, CallbackContext::allowed);
 }
 
 int TVKaddfpdest(ConstEnvHandle env, ChannelHandle channel, FILE* fp) {
@@ -105,7 +106,7 @@ int TVKgetchannels(ConstEnvHandle env, ChannelHandle* results_p, ChannelHandle* 
     if (log_p != nullptr) *log_p = to_handle(e.log_channel);
     return 0;
   };
-  return with_environment(env, store, In::callback_allowed);
+  return with_environment(env, store, CallbackContext::allowed);
 }
 
 int TVKflushstdchannels(ConstEnvHandle env) {
@@ -115,7 +116,7 @@ int TVKflushstdchannels(ConstEnvHandle env) {
     }
     return 0;
   };
-  return with_environment(env, flush, In::callback_allowed);
+  return with_environment(env, flush, CallbackContext::allowed);
 }
 
 int TVKsetlogfile(EnvHandle env, FILE* fp) {
@@ -131,5 +132,5 @@ int TVKgetlogfile(ConstEnvHandle env, FILE** fp_p) {
     *fp_p = e.log_file;
     return 0;
   };
-  return with_environment(env, store, In::callback_allowed);
+  return with_environment(env, store, CallbackContext::allowed);
 }

@@ -24,7 +24,7 @@ Status open_master(std::unique_ptr<Environment>& opened) {
 template <class Value, class Get>
 Value read_environment(ConstEnvHandle handle, Value invalid, Get&& get) {
   Environment* env = nullptr;
-  return check_handles(handle, &env, In::callback_allowed) == 0 ? get(*env) : invalid;
+  return check_handles(handle, &env, CallbackContext::allowed) == 0 ? get(*env) : invalid;
 }
 
 }  // namespace
@@ -81,7 +81,7 @@ int TVKgettime(ConstEnvHandle env, double* time_p) {
         *time_p = clock_seconds(e);
         return 0;
       },
-      In::callback_allowed);
+      CallbackContext::allowed);
 }
 
 int TVKEgetmaxthreads(ConstEnvHandle env) {

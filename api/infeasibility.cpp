@@ -28,7 +28,7 @@ int evaluate(ConstEnvHandle env, ConstProbHandle lp, const Request& request,
     if (!status.ok()) return status;
     const double* x = request.x;
     if (x == nullptr) {
-      const Solution* solution = find_solution(problem, Wanted::values, status);
+      const Solution* solution = find_solution(problem, SolutionPart::values, status);
       if (solution == nullptr) return status;
       x = solution->x.data();
     }

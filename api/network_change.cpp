@@ -109,7 +109,7 @@ int TVKcopynettolp(ConstEnvHandle env, ProbHandle lp, ConstNetProbHandle net) {
     Environment* checked = nullptr;
     NetworkProblem* network = nullptr;
     if (int code = check_handles(env, net, &checked, &network); code != 0) return code;
-    const Reading mark(network->use);
+    const ReadAccess access(network->use);
     return model::copy_network_to_lp(e, p, *network);
   });
 }

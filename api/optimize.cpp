@@ -42,7 +42,7 @@ int TVKlpopt(ConstEnvHandle env, ProbHandle lp) {
     const api::OptimizerFrame frame(e);
     int method = lp::run::resolve_method(e, p, true);
     if (method == method_code::kConcurrent) method = lp::run::resolve_method(e, p, false);
-    // Network and barrier are answered by the dual simplex; sifting begins either.
+    // The dual simplex stands in for network and barrier. Sifting comes before either: options_of() sees to it.
     return optimize(e, p, {method == method_code::kPrimal ? Method::primal : Method::dual});
   });
 }

@@ -42,7 +42,7 @@ ProbHandle TVKcloneprob(ConstEnvHandle env, ConstProbHandle lp, int* status_p) {
     Environment* checked = nullptr;
     Problem* source = nullptr;
     if (int code = check_handles(env, lp, &checked, &source); code != 0) return code;
-    const Reading mark(source->use);
+    const ReadAccess access(source->use);
     return model::clone_problem(e, *source, copy);
   });
 }

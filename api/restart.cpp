@@ -8,8 +8,8 @@ using namespace tovik;
 
 namespace {
 
-/* Tells how the load went, on the channel where that is looked for. */
-int told(ConstEnvHandle env, int code) {
+/* Logs the result of the load: success on the results channel, failure on the error channel. */
+int log_result(ConstEnvHandle env, int code) {
   Environment* environment = nullptr;
   if (check_handles(env, &environment) != 0) return code;
   static_cast<void>(guarded([&]() -> Status {
@@ -34,8 +34,8 @@ int TVKwriterestart(ConstEnvHandle env, ConstProbHandle lp, const char* filename
 }
 
 int TVKreadcopyrestart(ConstEnvHandle env, ProbHandle lp, const char* filename) {
-  return told(env, with_problem(env, lp, [&](Environment& environment, Problem& problem) -> Status {
-                if (filename == nullptr) return TVK_ERROR_NULL_POINTER;
-                return fileio::read_restart(environment, problem, filename);
-              }));
+  return log_result(env, with_problem(env, lp, [&](Environment& environment, Problem& problem) -> Status {
+                      if (filename == nullptr) return TVK_ERROR_NULL_POINTER;
+                      return fileio::read_restart(environment, problem, filename);
+                    }));
 }

@@ -18,12 +18,12 @@ void store(Value* to, Value value) {
   if (to != nullptr) *to = value;
 }
 
-enum class Of { rows, columns };
+enum class Dimension { rows, columns };
 
 struct Query {
   const char* routine;
-  Of of;
-  Wanted wanted;
+  Dimension dimension;
+  SolutionPart part;
   const std::vector<double> Solution::*vector;
 };
 
@@ -32,10 +32,10 @@ int get_vector(ConstEnvHandle env, ConstProbHandle lp, const Query& query, doubl
   return with_problem(env, lp, [&](Environment& e, Problem& problem) -> Status {
     if (out == nullptr) return TVK_ERROR_NULL_POINTER;
     update_solution(problem);
-    const std::size_t count = query.of == Of::rows ? problem.rows() : problem.columns();
+    const std::size_t count = query.dimension == Dimension::rows ? problem.rows() : problem.columns();
     Status status = model::check_range(e, query.routine, begin, end, static_cast<int>(count));
     if (!status.ok()) return status;
-    const Solution* solution = find_solution(problem, query.wanted, status);
+    const Solution* solution = find_solution(problem, query.part, status);
     if (solution == nullptr) return status;
     const std::vector<double>& values = solution->*query.vector;
     if (begin <= end) std::copy(values.begin() + begin, values.begin() + end + 1, out);
@@ -79,11 +79,11 @@ int TVKsolution(ConstEnvHandle env, ConstProbHandle lp, int* lpstat_p, double* o
     Status why;
     const Solution* solution = nullptr;
     if (pi != nullptr || dj != nullptr) {
-      solution = find_solution(problem, Wanted::duals, why);
+      solution = find_solution(problem, SolutionPart::duals, why);
     } else if (x != nullptr || slack != nullptr) {
-      solution = find_solution(problem, Wanted::values, why);
+      solution = find_solution(problem, SolutionPart::values, why);
     } else {
-      solution = find_solution(problem, Wanted::any, why);
+      solution = find_solution(problem, SolutionPart::any, why);
     }
     if (solution == nullptr) return why;
     store(lpstat_p, problem.status);
@@ -101,7 +101,7 @@ int TVKsolninfo(ConstEnvHandle env, ConstProbHandle lp, int* solnmethod_p, int* 
   return with_problem(env, lp, [&](Environment&, Problem& problem) -> Status {
     update_solution(problem);
     Status why;
-    const Solution* solution = find_solution(problem, Wanted::any, why);
+    const Solution* solution = find_solution(problem, SolutionPart::any, why);
     store(solnmethod_p, solution != nullptr ? solution->method : -1);
     store(solntype_p, solution != nullptr ? solution_type(problem) : 0);
     store(pfeasind_p, solution != nullptr && solution->primal_feasible ? 1 : 0);
@@ -115,7 +115,7 @@ int TVKgetobjval(ConstEnvHandle env, ConstProbHandle lp, double* objval_p) {
     if (objval_p == nullptr) return TVK_ERROR_NULL_POINTER;
     update_solution(problem);
     Status why;
-    const Solution* solution = find_solution(problem, Wanted::any, why);
+    const Solution* solution = find_solution(problem, SolutionPart::any, why);
     if (solution == nullptr) return why;
     *objval_p = solution->objective;
     return 0;
@@ -123,19 +123,23 @@ int TVKgetobjval(ConstEnvHandle env, ConstProbHandle lp, double* objval_p) {
 }
 
 int TVKgetx(ConstEnvHandle env, ConstProbHandle lp, double* x, int begin, int end) {
-  return get_vector(env, lp, {"TVKgetx", Of::columns, Wanted::values, &Solution::x}, x, begin, end);
+  return get_vector(env, lp, {"TVKgetx", Dimension::columns, SolutionPart::values, &Solution::x}, x, begin,
+                    end);
 }
 
 int TVKgetpi(ConstEnvHandle env, ConstProbHandle lp, double* pi, int begin, int end) {
-  return get_vector(env, lp, {"TVKgetpi", Of::rows, Wanted::duals, &Solution::pi}, pi, begin, end);
+  return get_vector(env, lp, {"TVKgetpi", Dimension::rows, SolutionPart::duals, &Solution::pi}, pi, begin,
+                    end);
 }
 
 int TVKgetslack(ConstEnvHandle env, ConstProbHandle lp, double* slack, int begin, int end) {
-  return get_vector(env, lp, {"TVKgetslack", Of::rows, Wanted::values, &Solution::slack}, slack, begin, end);
+  return get_vector(env, lp, {"TVKgetslack", Dimension::rows, SolutionPart::values, &Solution::slack}, slack,
+                    begin, end);
 }
 
 int TVKgetdj(ConstEnvHandle env, ConstProbHandle lp, double* dj, int begin, int end) {
-  return get_vector(env, lp, {"TVKgetdj", Of::columns, Wanted::duals, &Solution::dj}, dj, begin, end);
+  return get_vector(env, lp, {"TVKgetdj", Dimension::columns, SolutionPart::duals, &Solution::dj}, dj, begin,
+                    end);
 }
 
 int TVKgetmethod(ConstEnvHandle env, ConstProbHandle lp) {
@@ -143,7 +147,7 @@ int TVKgetmethod(ConstEnvHandle env, ConstProbHandle lp) {
   with_problem(env, lp, [&](Environment&, Problem& problem) -> Status {
     update_solution(problem);
     Status why;
-    const Solution* solution = find_solution(problem, Wanted::any, why);
+    const Solution* solution = find_solution(problem, SolutionPart::any, why);
     if (solution != nullptr) method = solution->method;
     return why;
   });

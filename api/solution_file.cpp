@@ -29,7 +29,7 @@ Status take_solution(Environment& env, Problem& problem, const char* name) {
                                                  : Status();
 }
 
-/* ---- What a file says, without taking it over */
+/* ---- What a file says, without storing it */
 
 struct SolutionOutputs {
   int *count, *unknown, *status;

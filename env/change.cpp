@@ -109,7 +109,7 @@ void invalidate(Problem& problem, Change change) noexcept {
 }
 
 void invalidate(Problem& problem, Change change, std::initializer_list<Edit> edits) noexcept {
-  for (const Edit& edit : edits) problem.journal.note(edit);
+  for (const Edit& edit : edits) problem.journal.record(edit);
   const bool follows =
       problem.simplex != nullptr && problem.simplex->follows_structure() && !problem.journal.structure_lost();
   discard(problem, rule_of(change), follows);

@@ -10,16 +10,17 @@
 
 namespace tovik {
 
-enum class In { callback_refused, callback_allowed };
+enum class CallbackContext { refused, allowed };
 
 /* Looks handles up before touching them: 1002, 1009 for a problem or network that is not live, 1806, 1804,
  * then 1009 for a null one. env_out is set unless the code is 1002; problem_out (network_out) is set on
  * success. */
-int check_handles(ConstEnvHandle env, Environment** env_out, In in = In::callback_refused) noexcept;
+int check_handles(ConstEnvHandle env, Environment** env_out,
+                  CallbackContext context = CallbackContext::refused) noexcept;
 int check_handles(ConstEnvHandle env, ConstProbHandle lp, Environment** env_out, Problem** problem_out,
-                  In in = In::callback_refused) noexcept;
+                  CallbackContext context = CallbackContext::refused) noexcept;
 int check_handles(ConstEnvHandle env, ConstNetProbHandle net, Environment** env_out,
-                  NetworkProblem** network_out, In in = In::callback_refused) noexcept;
+                  NetworkProblem** network_out, CallbackContext context = CallbackContext::refused) noexcept;
 
 template <class Worker>
 Status guarded(Worker&& worker) noexcept {
@@ -34,9 +35,10 @@ Status guarded(Worker&& worker) noexcept {
 
 /* worker: Status(Environment&) */
 template <class Worker>
-int with_environment(ConstEnvHandle handle, Worker&& worker, In in = In::callback_refused) {
+int with_environment(ConstEnvHandle handle, Worker&& worker,
+                     CallbackContext context = CallbackContext::refused) {
   Environment* env = nullptr;
-  if (int code = check_handles(handle, &env, in); code != 0) {
+  if (int code = check_handles(handle, &env, context); code != 0) {
     return env != nullptr ? report(*env, code) : code;
   }
   return report(*env, guarded([&] { return worker(*env); }));
@@ -45,10 +47,10 @@ int with_environment(ConstEnvHandle handle, Worker&& worker, In in = In::callbac
 namespace detail {
 
 template <class Record, class Handle, class Worker>
-int with_record(ConstEnvHandle env_handle, Handle handle, Worker&& worker, In in) {
+int with_record(ConstEnvHandle env_handle, Handle handle, Worker&& worker, CallbackContext context) {
   Environment* env = nullptr;
   Record* record = nullptr;
-  if (int code = check_handles(env_handle, handle, &env, &record, in); code != 0) {
+  if (int code = check_handles(env_handle, handle, &env, &record, context); code != 0) {
     return env != nullptr ? report(*env, code) : code;
   }
   return report(*env, guarded([&] { return worker(*env, *record); }));
@@ -56,18 +58,18 @@ int with_record(ConstEnvHandle env_handle, Handle handle, Worker&& worker, In in
 
 /* The worker, refused from a callback or message function of a routine that is at work on the record. */
 template <class Record, class Worker>
-auto changing(Worker& worker) {
+auto with_write_access(Worker& worker) {
   return [&worker](Environment& env, Record& record) -> Status {
     if (record.use.busy()) return TVK_ERROR_IN_INFO_CALLBACK;
-    const Changing mark(record.use);
+    const WriteAccess access(record.use);
     return worker(env, record);
   };
 }
 
 template <class Record, class Worker>
-auto reading(Worker& worker) {
+auto with_read_access(Worker& worker) {
   return [&worker](Environment& env, Record& record) -> Status {
-    const Reading mark(record.use);
+    const ReadAccess access(record.use);
     return worker(env, record);
   };
 }
@@ -76,26 +78,31 @@ auto reading(Worker& worker) {
 
 /* worker: Status(Environment&, Problem&). This one only reads the problem. */
 template <class Worker>
-int with_problem(ConstEnvHandle env, ConstProbHandle lp, Worker&& worker, In in = In::callback_refused) {
-  return detail::with_record<Problem>(env, lp, detail::reading<Problem>(worker), in);
+int with_problem(ConstEnvHandle env, ConstProbHandle lp, Worker&& worker,
+                 CallbackContext context = CallbackContext::refused) {
+  return detail::with_record<Problem>(env, lp, detail::with_read_access<Problem>(worker), context);
 }
 
 /* This one may change it. */
 template <class Worker>
-int with_problem(ConstEnvHandle env, ProbHandle lp, Worker&& worker, In in = In::callback_refused) {
+int with_problem(ConstEnvHandle env, ProbHandle lp, Worker&& worker,
+                 CallbackContext context = CallbackContext::refused) {
   return detail::with_record<Problem>(env, static_cast<ConstProbHandle>(lp),
-                                      detail::changing<Problem>(worker), in);
+                                      detail::with_write_access<Problem>(worker), context);
 }
 
 /* The same for networks. worker: Status(Environment&, NetworkProblem&) */
 template <class Worker>
-int with_network(ConstEnvHandle env, ConstNetProbHandle net, Worker&& worker, In in = In::callback_refused) {
-  return detail::with_record<NetworkProblem>(env, net, detail::reading<NetworkProblem>(worker), in);
+int with_network(ConstEnvHandle env, ConstNetProbHandle net, Worker&& worker,
+                 CallbackContext context = CallbackContext::refused) {
+  return detail::with_record<NetworkProblem>(env, net, detail::with_read_access<NetworkProblem>(worker),
+                                             context);
 }
 template <class Worker>
-int with_network(ConstEnvHandle env, NetProbHandle net, Worker&& worker, In in = In::callback_refused) {
+int with_network(ConstEnvHandle env, NetProbHandle net, Worker&& worker,
+                 CallbackContext context = CallbackContext::refused) {
   return detail::with_record<NetworkProblem>(env, static_cast<ConstNetProbHandle>(net),
-                                             detail::changing<NetworkProblem>(worker), in);
+                                             detail::with_write_access<NetworkProblem>(worker), context);
 }
 
 }  // namespace tovik

@@ -5,51 +5,52 @@
 namespace tovik {
 namespace {
 
-constexpr std::size_t kLeastRoom = 256;
-constexpr std::size_t kRoomShare = 8;  // one place for so many lines: beyond that a comparison is as cheap
-constexpr std::size_t kMostGone = 1024;
+constexpr std::size_t kMinCapacity = 256;
+constexpr std::size_t kCapacityShare =
+    8;  // one place for so many rows or columns: beyond that a comparison is as cheap
+constexpr std::size_t kMaxDeleted = 1024;
 
 }  // namespace
 
-void Journal::Lines::start(std::size_t known) {
+void Journal::Changes::start(std::size_t known) {
   touched_.clear();
-  gone_.clear();
-  touched_.reserve(std::max(kLeastRoom, known / kRoomShare));
-  gone_.reserve(kMostGone);
+  deleted_.clear();
+  touched_.reserve(std::max(kMinCapacity, known / kCapacityShare));
+  deleted_.reserve(kMaxDeleted);
   known_ = known;
   added_ = 0;
 }
 
-void Journal::Lines::clear() noexcept {
-  known_ = known_ - gone_.size() + static_cast<std::size_t>(added_);
+void Journal::Changes::clear() noexcept {
+  known_ = known_ - deleted_.size() + static_cast<std::size_t>(added_);
   added_ = 0;
   touched_.clear();
-  gone_.clear();
+  deleted_.clear();
 }
 
-bool Journal::Lines::touch(std::span<const int> which) noexcept {
+bool Journal::Changes::record_values(std::span<const int> which) noexcept {
   if (touched_.size() + which.size() > touched_.capacity()) return false;
   touched_.insert(touched_.end(), which.begin(), which.end());
   return true;
 }
 
-/* The k-th of the present lines goes; among those that the engine knows it is the k-th that is not yet
- * gone. */
-bool Journal::Lines::erase_one(int k) noexcept {
-  if (static_cast<std::size_t>(k) >= known_ - gone_.size()) {
+/* The k-th of the present ones is deleted; among those that the engine knows it is the k-th that is not yet
+ * deleted. */
+bool Journal::Changes::record_deletion(int k) noexcept {
+  if (static_cast<std::size_t>(k) >= known_ - deleted_.size()) {
     --added_;
     return true;
   }
-  if (gone_.size() == gone_.capacity()) return false;
-  auto place = gone_.begin();
-  for (; place != gone_.end() && *place <= k; ++place) ++k;
-  gone_.insert(place, k);
+  if (deleted_.size() == deleted_.capacity()) return false;
+  auto place = deleted_.begin();
+  for (; place != deleted_.end() && *place <= k; ++place) ++k;
+  deleted_.insert(place, k);
   return true;
 }
 
-bool Journal::Lines::erase(int first, int last) noexcept {
+bool Journal::Changes::record_deletions(int first, int last) noexcept {
   for (int k = last; k >= first; --k) {
-    if (!erase_one(k)) return false;
+    if (!record_deletion(k)) return false;
   }
   std::erase_if(touched_, [&](int k) { return first <= k && k <= last; });
   for (int& k : touched_) {
@@ -71,22 +72,22 @@ void Journal::clear() noexcept {
   values_lost_ = structure_lost_;
 }
 
-void Journal::note(const Edit& edit) noexcept {
+void Journal::record(const Edit& edit) noexcept {
   if (structure_lost_) return;
-  Lines& lines = edit.lines == Edit::Lines::rows ? rows_ : columns_;
+  Changes& changes = edit.dimension == Edit::Dimension::rows ? rows_ : columns_;
   switch (edit.kind) {
     case Edit::Kind::values:
-      if (!lines.touch(edit.which)) lose_values();
+      if (!changes.record_values(edit.which)) lose_values();
       break;
     case Edit::Kind::added:
-      lines.added_ += edit.last - edit.first + 1;
+      changes.added_ += edit.last - edit.first + 1;
       break;
     case Edit::Kind::deleted:
-      if (!lines.erase(edit.first, edit.last)) lose_structure();
+      if (!changes.record_deletions(edit.first, edit.last)) lose_structure();
       break;
     case Edit::Kind::deleted_marked:
       for (auto k = static_cast<int>(edit.which.size()) - 1; k >= 0 && !structure_lost_; --k) {
-        if (edit.which[static_cast<std::size_t>(k)] == 1 && !lines.erase(k, k)) lose_structure();
+        if (edit.which[static_cast<std::size_t>(k)] == 1 && !changes.record_deletions(k, k)) lose_structure();
       }
       break;
   }

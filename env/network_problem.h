@@ -5,9 +5,9 @@
 #include <memory>
 #include <string>
 
+#include "env/access_state.h"
 #include "env/environment.h"
 #include "env/registry.h"
-#include "env/use.h"
 
 namespace tovik {
 
@@ -23,7 +23,7 @@ struct NetworkProblem {
 
   Environment* env;
   std::string name;
-  Use use;  // by routines that are running
+  AccessState use;  // by routines that are running
   std::unique_ptr<model::Network> network;
   LiveHandle live;  // last: a handle is live while the record is whole
 };

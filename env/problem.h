@@ -9,11 +9,11 @@
 #include <string>
 #include <vector>
 
+#include "env/access_state.h"
 #include "env/environment.h"
 #include "env/journal.h"
 #include "env/registry.h"
 #include "env/solution.h"
-#include "env/use.h"
 
 namespace tovik {
 
@@ -28,11 +28,11 @@ enum class Change;
  * interface. */
 struct Derived {
   virtual ~Derived() = default;
-  /* Can go on after rows or columns were added or deleted, by the problem's journal. */
+  /* Can be synchronized after rows or columns were added or deleted, by the problem's journal. */
   virtual bool follows_structure() const { return false; }
-  /* Takes over a change of values of these rows or columns that was just made in the model, or the rows just
-   * added at its end (no lines). False when it cannot. */
-  virtual bool take_over(const Problem&, Change, std::span<const int> /*lines*/) { return false; }
+  /* Applies a change of values of these rows or columns that was just made in the model, or the rows just
+   * added at its end (no indices). False when it cannot. */
+  virtual bool apply_change(const Problem&, Change, std::span<const int> /*indices*/) { return false; }
 };
 
 /* The starting information for the next optimization. Statuses: 0 at lower, 1 basic, 2 at upper, 3 free
@@ -43,7 +43,7 @@ struct Start {
   std::vector<int> row_status;
   std::vector<double> primal, row_primal, dual, row_dual;  // optional starting values; empty when absent
   int change_level = 0;  // 2 objective, 3 added columns, 1 other changes; a larger one replaces a smaller
-  const void* keeper = nullptr;  // the engine that keeps the statuses up to date in place, if one does
+  const void* live_engine = nullptr;  // updates the statuses in place; null: none
   bool has_basis() const { return !column_status.empty() || !row_status.empty(); }
   bool has_values() const {
     return !primal.empty() || !row_primal.empty() || !dual.empty() || !row_dual.empty();
@@ -67,7 +67,7 @@ struct Problem {
   std::string name;
   int status = TVK_STATUS_NONE;  // of the solution
   int type = TVK_PROBTYPE_LP;
-  Use use;  // by routines that are running
+  AccessState use;  // by routines that are running
   std::unique_ptr<model::Model> model;
   std::unique_ptr<Solution> solution;  // null until the first optimization
   Start start;
@@ -75,7 +75,7 @@ struct Problem {
   std::unique_ptr<Derived> simplex;  // live basis and factor between optimizations
   Journal journal;                   // of changes that the simplex engine has yet to follow
   std::unique_ptr<Derived> presolve;
-  bool presolve_up_to_date = false;    // it took over the change that is just being made
+  bool presolve_up_to_date = false;    // it applied the change that is just being made
   std::vector<int> protected_columns;  // that presolve must keep: ascending, each once
   std::unique_ptr<Derived> mip;
   std::unique_ptr<Problem> working;  // nested problem solved in this one's place

@@ -21,10 +21,10 @@ struct Solution {
   int crossover_primal_pushes = 0, crossover_primal_exchanges = 0;
   int crossover_dual_pushes = 0, crossover_dual_exchanges = 0;
   int factorizations = 0;
-  std::vector<double> ray;       // columns: direction of unboundedness (unbounded); empty otherwise
-  std::vector<double> farkas;    // rows: y with y'A x <= y'b violated by every x in its bounds (infeasible)
-  double farkas_gap = 0;         // by which the proof holds
-  const void* keeper = nullptr;  // the engine that keeps the arrays up to date in place, if one does
+  std::vector<double> ray;     // columns: direction of unboundedness (unbounded); empty otherwise
+  std::vector<double> farkas;  // rows: y with y'A x <= y'b violated by every x in its bounds (infeasible)
+  double farkas_gap = 0;       // by which the proof holds
+  const void* live_engine = nullptr;  // updates the arrays in place; null: none
 };
 
 }  // namespace tovik

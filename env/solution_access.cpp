@@ -21,20 +21,20 @@ bool has_duals(const Problem& problem) {
   return solution.dj.size() == problem.columns() && solution.pi.size() == problem.rows();
 }
 
-const Solution* find_solution(const Problem& problem, Wanted wanted, Status& why) {
+const Solution* find_solution(const Problem& problem, SolutionPart part, Status& why) {
   const bool exists = problem.status != TVK_STATUS_NONE && problem.solution != nullptr;
   why = 0;
   if (problem.mixed_integer()) {
-    if (wanted == Wanted::duals) {
+    if (part == SolutionPart::duals) {
       why = TVK_ERROR_NOT_FOR_MIP;
     } else if (!exists) {
       why = TVK_ERROR_NO_SOLUTION;
-    } else if (wanted == Wanted::values && !has_values(problem)) {
+    } else if (part == SolutionPart::values && !has_values(problem)) {
       why = TVK_ERROR_NO_INTEGER_VALUES;
     }
   } else if (!exists || !has_values(problem)) {
     why = TVK_ERROR_NO_SOLUTION;
-  } else if (wanted == Wanted::duals && !has_duals(problem)) {
+  } else if (part == SolutionPart::duals && !has_duals(problem)) {
     why = TVK_ERROR_NO_DUAL_SOLUTION;
   }
   return why.ok() ? problem.solution.get() : nullptr;

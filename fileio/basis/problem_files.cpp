@@ -81,7 +81,7 @@ Status read_basis_file(Environment& env, const Problem& problem, const char* nam
 
 Status write_vector_file(Environment& env, const Problem& problem, const char* name) {
   Status why;
-  const Solution* solution = find_solution(problem, Wanted::values, why);
+  const Solution* solution = find_solution(problem, SolutionPart::values, why);
   if (solution == nullptr) return TVK_ERROR_NO_VECTOR_SOLUTION;
   VectorView values{solution->x, solution->slack, {}, {}};
   if (!problem.mixed_integer() && has_duals(problem)) {

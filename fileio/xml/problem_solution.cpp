@@ -74,7 +74,7 @@ Start start_of(const Problem& problem, const SolutionFile& solution) {
 
 Status describe_solution(const Environment& env, const Problem& problem, SolutionReport& report) {
   Status why;
-  report.solution = find_solution(problem, Wanted::values, why);
+  report.solution = find_solution(problem, SolutionPart::values, why);
   if (report.solution == nullptr) return why;
   report.mixed_integer = problem.mixed_integer();
   const bool duals = !report.mixed_integer && has_duals(problem);

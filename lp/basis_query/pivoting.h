@@ -1,4 +1,4 @@
-/* Pivots that the caller asks for, and strong branching. */
+/* User-requested pivots, and strong branching. */
 #pragma once
 
 #include "env/problem.h"

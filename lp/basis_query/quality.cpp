@@ -125,7 +125,7 @@ void each(const std::vector<double>& values, bool rows, Gather& gather) {
 Status measure_quality(Environment& env, Problem& problem, int what, Measure* result) {
   if (what == TVK_QUALITY_KAPPA) return basis_kappa(env, problem, &result->value);
   Status why;
-  if (find_solution(problem, Wanted::values, why) == nullptr) return why;
+  if (find_solution(problem, SolutionPart::values, why) == nullptr) return why;
   const Data data{*problem.model, *problem.solution, static_cast<double>(problem.model->objective_sense())};
   const bool dual = what == TVK_QUALITY_MAX_DUAL_INFEAS || what == TVK_QUALITY_SUM_DUAL_INFEAS ||
                     what == TVK_QUALITY_MAX_DUAL_RESIDUAL || what == TVK_QUALITY_SUM_DUAL_RESIDUAL ||

@@ -21,7 +21,7 @@ double clip(double v) {
 
 Status Sensitivity::open(Environment& env, Problem& problem) {
   Status why;
-  if (!is_optimal(problem) || find_solution(problem, Wanted::duals, why) == nullptr)
+  if (!is_optimal(problem) || find_solution(problem, SolutionPart::duals, why) == nullptr)
     return Status(TVK_ERROR_NO_SENSITIVITY);
   if (const Status status = view_.open_for_query(env, problem); !status.ok()) return status;
   problem_ = &problem;

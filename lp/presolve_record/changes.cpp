@@ -1,5 +1,5 @@
-/* Changes of the model that a presolve record takes over, so that it need not be made again: what
- * lp/presolve/model_change takes over, in the words of the model. The reduced problem that the user may hold
+/* Changes of the model that are applied to a presolve record, so that it need not be made again: what
+ * lp/presolve/model_change can apply, in the words of the model. The reduced problem that the user may hold
  * follows. */
 #include <algorithm>
 #include <cmath>
@@ -17,7 +17,7 @@ using presolve::NewCost;
 using presolve::NewRange;
 using presolve::reduced_index;
 
-bool take_costs(Presolved& record, const model::Model& model, std::span<const int> columns) {
+bool apply_costs(Presolved& record, const model::Model& model, std::span<const int> columns) {
   const double offset = record.sign * model.objective_offset();
   std::vector<NewCost> costs;
   for (const int j : columns) costs.push_back({j, record.sign * model.objective()[j]});
@@ -35,7 +35,7 @@ bool take_costs(Presolved& record, const model::Model& model, std::span<const in
   return true;
 }
 
-bool take_bounds(Presolved& record, const model::Model& model, std::span<const int> columns) {
+bool apply_bounds(Presolved& record, const model::Model& model, std::span<const int> columns) {
   std::vector<NewRange> bounds;
   for (const int j : columns)
     bounds.push_back({j, stored_lower(model.lower()[j]), stored_upper(model.upper()[j])});
@@ -50,7 +50,7 @@ bool take_bounds(Presolved& record, const model::Model& model, std::span<const i
   return true;
 }
 
-bool take_sides(Presolved& record, const model::Model& model, std::span<const int> rows) {
+bool apply_sides(Presolved& record, const model::Model& model, std::span<const int> rows) {
   std::vector<NewRange> sides;
   for (const int i : rows) {
     if (std::isnan(model.rhs()[i])) return false;
@@ -114,14 +114,14 @@ bool take_rows(Presolved& record, const model::Model& model) {
 
 }  // namespace
 
-bool Presolved::take_over(const Problem& problem, Change change, std::span<const int> lines) {
+bool Presolved::apply_change(const Problem& problem, Change change, std::span<const int> indices) {
   switch (change) {
     case Change::objective:
-      return take_costs(*this, *problem.model, lines);
+      return apply_costs(*this, *problem.model, indices);
     case Change::bounds:
-      return take_bounds(*this, *problem.model, lines);
+      return apply_bounds(*this, *problem.model, indices);
     case Change::rhs:
-      return take_sides(*this, *problem.model, lines);
+      return apply_sides(*this, *problem.model, indices);
     case Change::rows:
       return take_rows(*this, *problem.model);
     default:

@@ -30,7 +30,7 @@ struct Presolved : Derived {
   verify::FarkasProof proof;  // when infeasible
   double seconds = 0;
   std::unique_ptr<Problem> reduced;  // the reduced problem as users see it, made when asked for
-  bool take_over(const Problem& problem, Change change, std::span<const int> lines) override;
+  bool apply_change(const Problem& problem, Change change, std::span<const int> indices) override;
   bool all_removed() const { return reduction.lp.num_columns() == 0 && reduction.lp.num_rows() == 0; }
 };
 

@@ -50,8 +50,8 @@ simplex::ModelEdit edit_of(const Problem& problem) {
   const int first_column = model.num_columns() - journal.columns().added();
   const int first_row = model.num_rows() - journal.rows().added();
   simplex::ModelEdit change;
-  change.deleted_rows = journal.rows().gone();
-  change.deleted_columns = journal.columns().gone();
+  change.deleted_rows = journal.rows().deleted();
+  change.deleted_columns = journal.columns().deleted();
   change.columns.rows = model.num_rows();
   change.columns.columns = journal.columns().added();
   change.rows.rows = first_column;
@@ -84,7 +84,7 @@ simplex::ModelEdit edit_of(const Problem& problem) {
  * or so much is new that scale factors and basis deserve a fresh start. */
 bool follow_structure(Problem& problem, LiveSimplex& live) {
   const Journal& journal = problem.journal;
-  if (!journal.moved()) return true;
+  if (!journal.structure_changed()) return true;
   if (journal.structure_lost() || !live.start_is_mine || !problem.start.has_basis()) return false;
   const auto mostly_new = [](int added, size_t all) { return 2 * static_cast<size_t>(added) > all + 20; };
   if (mostly_new(journal.rows().added(), problem.rows()) ||
@@ -188,7 +188,7 @@ void install_basis(Problem& problem, LiveSimplex& live) {
 
 LiveSimplex* current_simplex(Problem& problem) {
   auto* live = static_cast<LiveSimplex*>(problem.simplex.get());
-  return live != nullptr && live->start_is_mine && !problem.journal.moved() ? live : nullptr;
+  return live != nullptr && live->start_is_mine && !problem.journal.structure_changed() ? live : nullptr;
 }
 
 namespace {
@@ -222,7 +222,7 @@ Status check_data(Environment& env, Problem& problem) {
   const auto* live = static_cast<const LiveSimplex*>(problem.simplex.get());
   const bool known = live != nullptr && live->data_checked && !problem.journal.values_lost();
   if (known && changes_are_numbers(*problem.model, problem.journal)) return {};
-  return check_finite(env, *problem.model, live == nullptr || problem.journal.moved());
+  return check_finite(env, *problem.model, live == nullptr || problem.journal.structure_changed());
 }
 
 StartIs judge_start(Environment& env, Problem& problem) {

@@ -171,14 +171,14 @@ void publish(Problem& problem, const Answer& answer, const simplex::Counters& co
 
 void publish(Problem& problem, simplex::Solver& solver) {
   const Answer& answer = solver.answer();
-  const bool kept = problem.solution != nullptr && problem.solution->keeper == &solver &&
-                    problem.start.keeper == &solver && answer.ray.empty() && answer.farkas.empty();
+  const bool kept = problem.solution != nullptr && problem.solution->live_engine == &solver &&
+                    problem.start.live_engine == &solver && answer.ray.empty() && answer.farkas.empty();
   if (kept) {
     fit(answer, *problem.solution, problem.start);
     publish_in_place(problem, solver);
   } else {
     publish(problem, answer, solver.counters());
-    problem.solution->keeper = problem.start.keeper = &solver;
+    problem.solution->live_engine = problem.start.live_engine = &solver;
   }
   solver.answer_taken();
 }

@@ -54,7 +54,6 @@ class NameTable {
   /* Drops the names with renumber[k] < 0 and moves the others to renumber[k] (ascending). */
   void renumber(std::span<const int> renumber) noexcept;
 
-
  private:
   static constexpr int kFree = -1;
   static constexpr int kErased = -2;

@@ -19,9 +19,9 @@ Status check_modifiable(const Problem& problem);
 /* Where a presolved model exists: tells that it cannot follow a change ("Warning: <change> the presolved
  * model fails."), and discards it. */
 void discard_presolved_model(Environment& env, Problem& problem, const char* change);
-/* After values of these rows or columns were changed in the model, or rows added at its end (no lines): the
+/* After values of these rows or columns were changed in the model, or rows added at its end (no indices): the
  * presolved model takes that over, or is discarded as above. */
-void carry_to_presolved_model(Environment& env, Problem& problem, Change kind, std::span<const int> lines,
+void apply_to_presolved_model(Environment& env, Problem& problem, Change kind, std::span<const int> indices,
                               const char* change) noexcept;
 
 // ---- Adding and deleting (growth.cpp)

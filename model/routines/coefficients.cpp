@@ -59,16 +59,16 @@ void apply(Environment& env, Problem& problem, int i, int j, double value) {
   } else if (i == kObjectiveRow) {
     adjust_solution(problem, i, j, value - model.objective()[static_cast<std::size_t>(j)]);
     model.set_objective(j, value);
-    carry_to_presolved_model(env, problem, Change::objective, {&j, 1}, "Changing obj. of");
-    invalidate(problem, Change::objective, {Edit::values(Edit::Lines::columns, {&j, 1})});
+    apply_to_presolved_model(env, problem, Change::objective, {&j, 1}, "Changing obj. of");
+    invalidate(problem, Change::objective, {Edit::values(Edit::Dimension::columns, {&j, 1})});
   } else if (j == kRhsColumn) {
     adjust_solution(problem, i, j, value - model.rhs()[static_cast<std::size_t>(i)]);
     model.set_rhs(i, value);
-    carry_to_presolved_model(env, problem, Change::rhs, {&i, 1}, "Changing rhs of");
-    invalidate(problem, Change::rhs, {Edit::values(Edit::Lines::rows, {&i, 1})});
+    apply_to_presolved_model(env, problem, Change::rhs, {&i, 1}, "Changing rhs of");
+    invalidate(problem, Change::rhs, {Edit::values(Edit::Dimension::rows, {&i, 1})});
   } else {
     model.set_range(i, value);
-    invalidate(problem, Change::ranges, {Edit::values(Edit::Lines::rows, {&i, 1})});
+    invalidate(problem, Change::ranges, {Edit::values(Edit::Dimension::rows, {&i, 1})});
   }
 }
 

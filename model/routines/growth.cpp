@@ -102,13 +102,14 @@ Status add_rows(Environment& env, Problem& problem, const NewColumns& columns, c
   std::vector<char> letters;
   model.add_rows(with_types(problem, columns, letters), rows);
   if (columns.count == 0) {
-    carry_to_presolved_model(env, problem, Change::rows, {}, "Adding rows to");
+    apply_to_presolved_model(env, problem, Change::rows, {}, "Adding rows to");
   } else {
     discard_presolved_model(env, problem, "Adding rows to");
   }
   extend_start(problem);
-  invalidate(problem, Change::rows,
-             {Edit::added(Edit::Lines::columns, columns.count), Edit::added(Edit::Lines::rows, rows.count)});
+  invalidate(
+      problem, Change::rows,
+      {Edit::added(Edit::Dimension::columns, columns.count), Edit::added(Edit::Dimension::rows, rows.count)});
   return {};
 }
 
@@ -129,7 +130,7 @@ Status add_columns(Environment& env, Problem& problem, const NewColumns& new_col
   model.add_columns(with_types(problem, columns, letters));
   discard_presolved_model(env, problem, "Adding columns to");
   extend_start(problem);
-  invalidate(problem, Change::add_columns, {Edit::added(Edit::Lines::columns, columns.count)});
+  invalidate(problem, Change::add_columns, {Edit::added(Edit::Dimension::columns, columns.count)});
   if (columns.types != nullptr) {
     problem.type = mixed_integer_type(problem.type);
     invalidate(problem, Change::column_types);
@@ -143,7 +144,7 @@ Status delete_rows(Environment& env, Problem& problem, int begin, int end) {
   if (begin > end) return {};
   problem.model->delete_rows(begin, end);
   drop_start_rows(problem, begin, end);
-  invalidate(problem, Change::rows, {Edit::deleted(Edit::Lines::rows, begin, end)});
+  invalidate(problem, Change::rows, {Edit::deleted(Edit::Dimension::rows, begin, end)});
   return {};
 }
 
@@ -154,7 +155,7 @@ Status delete_columns(Environment& env, Problem& problem, int begin, int end) {
   problem.model->delete_columns(begin, end);
   drop_start_columns(problem, begin, end);
   drop_protected(problem, begin, end);
-  invalidate(problem, Change::delete_columns, {Edit::deleted(Edit::Lines::columns, begin, end)});
+  invalidate(problem, Change::delete_columns, {Edit::deleted(Edit::Dimension::columns, begin, end)});
   return {};
 }
 
@@ -166,7 +167,7 @@ Status delete_row_set(Problem& problem, int* delstat) {
     const std::span<const int> marks(delstat, static_cast<std::size_t>(count));
     problem.model->delete_marked_rows(marks);
     drop_start_rows(problem, marks);
-    invalidate(problem, Change::rows, {Edit::deleted(Edit::Lines::rows, marks)});
+    invalidate(problem, Change::rows, {Edit::deleted(Edit::Dimension::rows, marks)});
   }
   number_the_kept(delstat, count);
   return {};
@@ -181,7 +182,7 @@ Status delete_column_set(Problem& problem, int* delstat) {
     problem.model->delete_marked_columns(marks);
     drop_start_columns(problem, marks);
     drop_protected(problem, marks);
-    invalidate(problem, Change::delete_columns, {Edit::deleted(Edit::Lines::columns, marks)});
+    invalidate(problem, Change::delete_columns, {Edit::deleted(Edit::Dimension::columns, marks)});
   }
   number_the_kept(delstat, count);
   return {};

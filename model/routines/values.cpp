@@ -85,11 +85,11 @@ void discard_presolved_model(Environment& env, Problem& problem, const char* cha
   problem.presolve.reset();
 }
 
-void carry_to_presolved_model(Environment& env, Problem& problem, Change kind, std::span<const int> lines,
+void apply_to_presolved_model(Environment& env, Problem& problem, Change kind, std::span<const int> indices,
                               const char* change) noexcept {
   if (!problem.presolve) return;
   try {
-    problem.presolve_up_to_date = problem.presolve->take_over(problem, kind, lines);
+    problem.presolve_up_to_date = problem.presolve->apply_change(problem, kind, indices);
   } catch (const std::bad_alloc&) {
     problem.presolve_up_to_date = false;
   }
@@ -106,10 +106,10 @@ Status change_bounds(Environment& env, Problem& problem, const BoundChanges& cha
     if (which == 'L' || which == 'B') change_lower(env, model, changes.indices[k], changes.bounds[k], rule);
     if (which == 'U' || which == 'B') change_upper(env, model, changes.indices[k], changes.bounds[k], rule);
   }
-  carry_to_presolved_model(env, problem, Change::bounds, list(changes.indices, changes.count),
+  apply_to_presolved_model(env, problem, Change::bounds, list(changes.indices, changes.count),
                            "Changing bounds of");
   invalidate(problem, Change::bounds,
-             {Edit::values(Edit::Lines::columns, list(changes.indices, changes.count))});
+             {Edit::values(Edit::Dimension::columns, list(changes.indices, changes.count))});
   return {};
 }
 
@@ -119,9 +119,10 @@ Status change_rhs(Environment& env, Problem& problem, const ValueChanges& change
   const Status checked = check_changes(env, changes, {'r', model.num_rows()});
   if (!checked.ok() || changes.count == 0) return checked;
   for (int k = 0; k < changes.count; ++k) model.set_rhs(changes.indices[k], changes.values[k]);
-  carry_to_presolved_model(env, problem, Change::rhs, list(changes.indices, changes.count),
+  apply_to_presolved_model(env, problem, Change::rhs, list(changes.indices, changes.count),
                            "Changing rhs of");
-  invalidate(problem, Change::rhs, {Edit::values(Edit::Lines::rows, list(changes.indices, changes.count))});
+  invalidate(problem, Change::rhs,
+             {Edit::values(Edit::Dimension::rows, list(changes.indices, changes.count))});
   return {};
 }
 
@@ -133,7 +134,7 @@ Status change_ranges(Environment& env, Problem& problem, const ValueChanges& cha
   if (!model.has_ranges()) return TVK_ERROR_NO_RANGE_VALUES;
   for (int k = 0; k < changes.count; ++k) model.set_range(changes.indices[k], changes.values[k]);
   invalidate(problem, Change::ranges,
-             {Edit::values(Edit::Lines::rows, list(changes.indices, changes.count))});
+             {Edit::values(Edit::Dimension::rows, list(changes.indices, changes.count))});
   return {};
 }
 
@@ -143,10 +144,10 @@ Status change_objective(Environment& env, Problem& problem, const ValueChanges& 
   const Status checked = check_changes(env, changes, {'c', model.num_columns()});
   if (!checked.ok() || changes.count == 0) return checked;
   for (int k = 0; k < changes.count; ++k) model.set_objective(changes.indices[k], changes.values[k]);
-  carry_to_presolved_model(env, problem, Change::objective, list(changes.indices, changes.count),
+  apply_to_presolved_model(env, problem, Change::objective, list(changes.indices, changes.count),
                            "Changing obj. of");
   invalidate(problem, Change::objective,
-             {Edit::values(Edit::Lines::columns, list(changes.indices, changes.count))});
+             {Edit::values(Edit::Dimension::columns, list(changes.indices, changes.count))});
   return {};
 }
 
@@ -179,7 +180,7 @@ Status change_objective_offset(Environment& env, Problem& problem, double offset
     if (Status s = check_numbers(env, 1, &offset); !s.ok()) return s;
   }
   problem.model->set_objective_offset(offset);
-  carry_to_presolved_model(env, problem, Change::objective, {}, "Changing the objective of");
+  apply_to_presolved_model(env, problem, Change::objective, {}, "Changing the objective of");
   invalidate(problem, Change::objective, {});
   return {};
 }

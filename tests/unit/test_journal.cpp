@@ -11,8 +11,8 @@
 namespace tovik {
 namespace {
 
-constexpr Edit::Lines kRows = Edit::Lines::rows;
-constexpr Edit::Lines kColumns = Edit::Lines::columns;
+constexpr Edit::Dimension kRows = Edit::Dimension::rows;
+constexpr Edit::Dimension kColumns = Edit::Dimension::columns;
 
 /* Rows by identity: those that the engine knows are 0 .. known - 1. */
 struct Record {
@@ -54,14 +54,14 @@ TEST(Journal, NamesWhatHasChanged) {
         case 0: {
           const int count = 1 + below(3);
           for (int k = 0; k < count; ++k) record.present.push_back(record.next++);
-          journal.note(Edit::added(kRows, count));
+          journal.record(Edit::added(kRows, count));
           break;
         }
         case 1: {
           if (size == 0) break;
           const int first = below(record.present.size()), last = std::min(size - 1, first + below(3));
           record.erase(first, last);
-          journal.note(Edit::deleted(kRows, first, last));
+          journal.record(Edit::deleted(kRows, first, last));
           break;
         }
         case 2: {
@@ -70,29 +70,29 @@ TEST(Journal, NamesWhatHasChanged) {
           for (int k = size - 1; k >= 0; --k) {
             if (marks[k] == 1) record.erase(k, k);
           }
-          journal.note(Edit::deleted(kRows, marks));
+          journal.record(Edit::deleted(kRows, marks));
           break;
         }
         default: {
           if (size == 0) break;
           const int which[] = {below(record.present.size()), below(record.present.size())};
           for (const int k : which) record.touched.insert(record.present[k]);
-          journal.note(Edit::values(kRows, which));
+          journal.record(Edit::values(kRows, which));
         }
       }
       if (step == 20) {  // the engine has followed
         journal.clear();
         record.start(static_cast<int>(record.present.size()));
       }
-      const Journal::Lines& rows = journal.rows();
+      const Journal::Changes& rows = journal.rows();
       ASSERT_FALSE(journal.structure_lost());
-      const std::vector<int> gone = record.gone();
-      ASSERT_TRUE(std::equal(gone.begin(), gone.end(), rows.gone().begin(), rows.gone().end()));
+      const std::vector<int> gone = record.deleted();
+      ASSERT_TRUE(std::equal(gone.begin(), gone.end(), rows.deleted().begin(), rows.deleted().end()));
       ASSERT_EQ(rows.added(), static_cast<int>(record.present.size() + gone.size()) - record.known);
       std::set<int> touched;
       for (const int k : rows.touched()) touched.insert(record.present[k]);
       ASSERT_EQ(touched, record.touched);
-      ASSERT_EQ(journal.moved(), rows.added() > 0 || !gone.empty());
+      ASSERT_EQ(journal.structure_changed(), rows.added() > 0 || !gone.empty());
     }
     EXPECT_TRUE(journal.columns().touched().empty());
   }
@@ -104,19 +104,19 @@ TEST(Journal, SaysWhatItHasLost) {
   journal.clear();
   EXPECT_TRUE(journal.values_lost());
   journal.start(5000, 5000);
-  EXPECT_FALSE(journal.values_lost() || journal.moved());
+  EXPECT_FALSE(journal.values_lost() || journal.structure_changed());
   const int one = 7;
-  for (int k = 0; k < 100000; ++k) journal.note(Edit::values(kColumns, {&one, 1}));
+  for (int k = 0; k < 100000; ++k) journal.record(Edit::values(kColumns, {&one, 1}));
   EXPECT_TRUE(journal.values_lost());
   EXPECT_FALSE(journal.structure_lost());
   journal.clear();
   EXPECT_FALSE(journal.values_lost());
-  journal.note(Edit::deleted(kRows, 0, 4000));
-  EXPECT_TRUE(journal.structure_lost() && journal.moved());
+  journal.record(Edit::deleted(kRows, 0, 4000));
+  EXPECT_TRUE(journal.structure_lost() && journal.structure_changed());
   journal.clear();
   EXPECT_TRUE(journal.structure_lost() && journal.values_lost()) << "only a new engine knows the structure";
   journal.start(3, 3);
-  EXPECT_FALSE(journal.values_lost() || journal.moved());
+  EXPECT_FALSE(journal.values_lost() || journal.structure_changed());
 }
 
 }  // namespace

@@ -7,7 +7,7 @@
 
 namespace tovik {
 
-struct Use {
+struct AccessState {
   bool changing = false;        // a routine that may change the record
   std::atomic<int> reading{0};  // routines that read it, on any thread
 
@@ -15,27 +15,27 @@ struct Use {
 };
 
 /* Marks a record while a routine changes or optimizes it. */
-class Changing {
+class WriteAccess {
  public:
-  explicit Changing(Use& use) : use_(use) { use_.changing = true; }
-  ~Changing() { use_.changing = false; }
-  Changing(const Changing&) = delete;
-  Changing& operator=(const Changing&) = delete;
+  explicit WriteAccess(AccessState& use) : use_(use) { use_.changing = true; }
+  ~WriteAccess() { use_.changing = false; }
+  WriteAccess(const WriteAccess&) = delete;
+  WriteAccess& operator=(const WriteAccess&) = delete;
 
  private:
-  Use& use_;
+  AccessState& use_;
 };
 
 /* Marks a record while a routine reads it. */
-class Reading {
+class ReadAccess {
  public:
-  explicit Reading(Use& use) : use_(use) { use_.reading.fetch_add(1, std::memory_order_relaxed); }
-  ~Reading() { use_.reading.fetch_sub(1, std::memory_order_relaxed); }
-  Reading(const Reading&) = delete;
-  Reading& operator=(const Reading&) = delete;
+  explicit ReadAccess(AccessState& use) : use_(use) { use_.reading.fetch_add(1, std::memory_order_relaxed); }
+  ~ReadAccess() { use_.reading.fetch_sub(1, std::memory_order_relaxed); }
+  ReadAccess(const ReadAccess&) = delete;
+  ReadAccess& operator=(const ReadAccess&) = delete;
 
  private:
-  Use& use_;
+  AccessState& use_;
 };
 
 }  // namespace tovik
