@@ -216,11 +216,11 @@ int TVKgetprotected(ConstEnvHandle env, ConstProbHandle lp, int* cnt_p, int* ind
   if (surplus_p != nullptr) *surplus_p = 0;
   return with_problem(env, lp, [&](Environment&, Problem& p) -> Status {
     const auto needed = static_cast<std::int64_t>(p.protected_columns.size());
-    if (model::asks_for_size(space, surplus_p)) return model::tell_size(needed, surplus_p);
+    if (model::is_size_query(space, surplus_p)) return model::report_size(needed, surplus_p);
     if (cnt_p == nullptr || indices == nullptr || surplus_p == nullptr) return Status(TVK_ERROR_NULL_POINTER);
     *cnt_p = static_cast<int>(std::min<std::int64_t>(needed, std::max(space, 0)));
     std::copy_n(p.protected_columns.begin(), *cnt_p, indices);
-    return model::tell_surplus(needed, space, surplus_p);
+    return model::report_surplus(needed, space, surplus_p);
   });
 }
 

@@ -9,7 +9,7 @@ bool any_marked(const int* marks, int count) {
   return std::find(marks, marks + count, 1) != marks + count;
 }
 
-void number_the_kept(int* marks, int count) {
+void write_new_positions(int* marks, int count) {
   int kept = 0;
   for (int k = 0; k < count; ++k) marks[k] = marks[k] == 1 ? -1 : kept++;
 }
@@ -17,7 +17,7 @@ void number_the_kept(int* marks, int count) {
 void Deletions::begin(int stored) {
   if (pending()) return;
   const auto n = static_cast<std::size_t>(stored);
-  gone_.assign(n, 0);
+  deleted_.assign(n, 0);
   tree_.resize(n);
   for (std::size_t k = 1; k <= n; ++k) tree_[k - 1] = static_cast<int>(k & (~k + 1));
 }
@@ -36,7 +36,7 @@ int Deletions::stored_position(int current) const noexcept {
 }
 
 void Deletions::mark_stored(int position) noexcept {
-  gone_[static_cast<std::size_t>(position)] = 1;
+  deleted_[static_cast<std::size_t>(position)] = 1;
   ++count_;
   for (std::size_t k = static_cast<std::size_t>(position) + 1; k <= tree_.size(); k += k & (~k + 1))
     --tree_[k - 1];
@@ -48,12 +48,12 @@ void Deletions::mark(int first, int last) noexcept {
 
 std::span<const int> Deletions::renumbering() noexcept {
   int kept = 0;
-  for (std::size_t k = 0; k < gone_.size(); ++k) tree_[k] = gone_[k] != 0 ? -1 : kept++;
+  for (std::size_t k = 0; k < deleted_.size(); ++k) tree_[k] = deleted_[k] != 0 ? -1 : kept++;
   return tree_;
 }
 
-void Deletions::forget() noexcept {
-  std::vector<char>().swap(gone_);
+void Deletions::clear() noexcept {
+  std::vector<char>().swap(deleted_);
   std::vector<int>().swap(tree_);
   count_ = 0;
 }

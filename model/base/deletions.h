@@ -17,7 +17,7 @@ namespace tovik::model {
 /* Marks of a caller, one for each item; exactly 1 deletes. */
 bool any_marked(const int* marks, int count);
 /* Replaces each mark by the item's new position, -1 for a deleted one. */
-void number_the_kept(int* marks, int count);
+void write_new_positions(int* marks, int count);
 
 class Deletions {
  public:
@@ -31,17 +31,19 @@ class Deletions {
   void mark(int first, int last) noexcept;
   /* Marks the stored position. */
   void mark_stored(int position) noexcept;
-  bool is_marked(int stored_position) const { return gone_[static_cast<std::size_t>(stored_position)] != 0; }
+  bool is_marked(int stored_position) const {
+    return deleted_[static_cast<std::size_t>(stored_position)] != 0;
+  }
 
-  /* New number of every stored position, -1 for the marked ones; valid until forget(). No more marks after
+  /* New number of every stored position, -1 for the marked ones; valid until clear(). No more marks after
    * this. */
   std::span<const int> renumbering() noexcept;
-  void forget() noexcept;
+  void clear() noexcept;
 
  private:
   int stored_position(int current) const noexcept;
 
-  std::vector<char> gone_;
+  std::vector<char> deleted_;
   std::vector<int> tree_;  // Fenwick tree over the kept positions; becomes the renumbering
   int count_ = 0;
 };

@@ -3,12 +3,12 @@
 namespace tovik::model {
 
 void NamedVectors::append(VectorView vector, const char* name) {
-  const Mark before = mark();
+  const Extent before = extent();
   vectors_.append(vector);
   try {
     names_.append(before.vectors, 1, name != nullptr ? &name : nullptr);
   } catch (...) {
-    cut(before);
+    truncate(before);
     throw;
   }
 }
@@ -22,12 +22,12 @@ void NamedVectors::set(int k, int column, double value) {
   }
 }
 
-void NamedVectors::cut(Mark mark) noexcept {
-  vectors_.truncate(mark.vectors);
-  if (names_.size() > mark.names) names_.truncate(mark.names);
+void NamedVectors::truncate(Extent extent) noexcept {
+  vectors_.truncate(extent.vectors);
+  if (names_.size() > extent.names) names_.truncate(extent.names);
 }
 
-void NamedVectors::keep(std::span<const int> renumber) noexcept {
+void NamedVectors::renumber(std::span<const int> renumber) noexcept {
   vectors_.keep_vectors(renumber);
   names_.renumber(renumber);
 }

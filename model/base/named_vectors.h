@@ -24,25 +24,25 @@ class NamedVectors {
   VectorView at(int k) const { return vectors_.at(k); }
   const NameTable& names() const { return names_; }
 
-  /* A null name is made up when others have names. */
+  /* A null name is generated when others have names. */
   void append(VectorView vector, const char* name);
   /* Adds an entry to vector k, or changes it. */
   void set(int k, int column, double value);
-  /* Renames the listed vectors; the others get made-up names when there were none. */
+  /* Renames the listed vectors; the others get generated names when there were none. */
   void rename(int count, const int* positions, const char* const* names) {
     names_.rename(size(), count, positions, names);
   }
   void clear_names() noexcept { names_.clear(); }
 
-  /* The family as it is now, and the way back to it after vectors were appended. */
-  struct Mark {
+  /* The present size of the family, to which it can be truncated after vectors were appended. */
+  struct Extent {
     int vectors, names;
   };
-  Mark mark() const { return {vectors_.size(), names_.size()}; }
-  void cut(Mark mark) noexcept;
+  Extent extent() const { return {vectors_.size(), names_.size()}; }
+  void truncate(Extent extent) noexcept;
 
   /* Drops the vectors with renumber[k] < 0 and gives the others their new position (ascending from 0). */
-  void keep(std::span<const int> renumber) noexcept;
+  void renumber(std::span<const int> renumber) noexcept;
   /* Removes entries of columns with renumber[j] < 0 and renumbers the others. */
   void renumber_columns(std::span<const int> renumber) noexcept { vectors_.renumber_indices(renumber); }
   void remove_small(double eps) noexcept { vectors_.remove_small(eps); }
@@ -59,7 +59,7 @@ std::vector<int> renumbering_without(std::span<const int> marks);
 
 /* Keeps values[k] where renumber[k] >= 0. */
 template <class T>
-void keep_values(std::vector<T>& values, std::span<const int> renumber) noexcept {
+void compact_values(std::vector<T>& values, std::span<const int> renumber) noexcept {
   std::size_t kept = 0;
   for (std::size_t k = 0; k < renumber.size(); ++k) {
     if (renumber[k] < 0) continue;

@@ -57,13 +57,13 @@ void NameTable::append(int present, int count, const char* const* names, bool al
   if (mostly_waste()) compact();
   const int before = size();
   try {
-    for (int k = before; k < present; ++k) add_made_up(k);
+    for (int k = before; k < present; ++k) add_generated(k);
     for (int k = 0; k < count; ++k) {
       if (names != nullptr && names[k] != nullptr) {
         block_.add(names[k]);
         insert_if_indexed(present + k);
       } else {
-        add_made_up(present + k);
+        add_generated(present + k);
       }
     }
   } catch (...) {
@@ -72,13 +72,13 @@ void NameTable::append(int present, int count, const char* const* names, bool al
   }
 }
 
-void NameTable::add_made_up(int position) {
+void NameTable::add_generated(int position) {
   const long own = static_cast<long>(position) + 1;
   MadeUp text(letter_, own);
   if (find(text.text) >= 0) {
-    long number = std::max(own + 1, next_made_up_);
+    long number = std::max(own + 1, next_generated_);
     for (text = MadeUp(letter_, number); find(text.text) >= 0; text = MadeUp(letter_, number)) ++number;
-    next_made_up_ = number + 1;
+    next_generated_ = number + 1;
   }
   block_.add(text.text);
   insert_if_indexed(position);
@@ -106,7 +106,7 @@ void NameTable::clear() noexcept {
   block_.text.clear();
   block_.offset.clear();
   waste_ = 0;
-  next_made_up_ = 0;
+  next_generated_ = 0;
   drop_index();
 }
 

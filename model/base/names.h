@@ -36,8 +36,8 @@ class NameTable {
   void adopt(NameBlock&& block) noexcept;
 
   /* Makes a table of `present` names into one of present + count. names may be null, and so may its entries:
-   * those are made up. A table without names stays without when names is null; otherwise the first `present`
-   * are made up too. */
+   * those are generated. A table without names stays without when names is null; otherwise the first `present`
+   * are generated too. */
   void append(int present, int count, const char* const* names);
 
   /* Gives its block away and is empty then. */
@@ -48,7 +48,7 @@ class NameTable {
   void clear() noexcept;
 
   /* Renames the listed positions of `present` items; a later entry for the same position wins. In a table
-   * without names the other items get made-up ones. */
+   * without names the other items get generated ones. */
   void rename(int present, int count, const int* positions, const char* const* names);
 
   /* Drops the names with renumber[k] < 0 and moves the others to renumber[k] (ascending). */
@@ -60,7 +60,7 @@ class NameTable {
 
   void append(int present, int count, const char* const* names, bool always);
   void rename_present(int count, const int* positions, const char* const* names);
-  void add_made_up(int position);
+  void add_generated(int position);
   bool mostly_waste() const { return waste_ > block_.text.size() / 2 + 1024; }
   void compact();
   void build_index() const;
@@ -72,14 +72,14 @@ class NameTable {
 
   char letter_;
   NameBlock block_;
-  std::size_t waste_ = 0;           // bytes of text that no offset refers to
-  long next_made_up_ = 0;           // no made-up name beyond the item's own number is free below this number
-  mutable std::vector<int> slots_;  // empty: not built
+  std::size_t waste_ = 0;    // bytes of text that no offset refers to
+  long next_generated_ = 0;  // no generated name beyond the item's own number is free below this number
+  mutable std::vector<int> slots_;      // empty: not built
   mutable std::size_t used_slots_ = 0;  // occupied or erased
   mutable bool duplicates_ = false;     // some position is not in the index because a lower one has its name
 };
 
-/* The names of `count` items in one block of exactly the needed size; null entries are made up with the
+/* The names of `count` items in one block of exactly the needed size; null entries are generated with the
  * letter. Empty when names is null. */
 NameBlock collect_names(char letter, int count, const char* const* names);
 

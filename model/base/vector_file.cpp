@@ -145,7 +145,7 @@ void VectorFile::append(VectorView entries) {
   entries_ += entries.count;
 }
 
-void VectorFile::make_room(int k, int extra) {
+void VectorFile::reserve_entries(int k, int extra) {
   const auto s = static_cast<std::size_t>(k);
   if (capacity_[s] - count_[s] < extra) relocate(k, extra);
 }
@@ -192,7 +192,7 @@ void VectorFile::rewrite() {
 }
 
 void VectorFile::push(int k, int index, double value) {
-  make_room(k, 1);
+  reserve_entries(k, 1);
   const auto s = static_cast<std::size_t>(k);
   const std::size_t at = begin(k) + static_cast<std::size_t>(count_[s]);
   index_[at] = index;
@@ -252,7 +252,7 @@ void VectorFile::truncate(int vectors) noexcept {
 }
 
 /* A vector that became much shorter keeps room in proportion to its length only. */
-void VectorFile::give_up_room(int k) noexcept {
+void VectorFile::release_space(int k) noexcept {
   const auto s = static_cast<std::size_t>(k);
   const int enough = count_[s] + count_[s] / 2 + 2;
   if (capacity_[s] / 2 <= enough) return;
@@ -295,7 +295,7 @@ void VectorFile::renumber_indices(std::span<const int> renumber) noexcept {
     }
     entries_ -= n - kept;
     count_[static_cast<std::size_t>(k)] = kept;
-    give_up_room(k);
+    release_space(k);
   }
 }
 

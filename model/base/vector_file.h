@@ -48,7 +48,7 @@ class VectorFile {
   void append(VectorView entries);
 
   /* Ensures that the next `extra` pushes to vector k cannot fail. */
-  void make_room(int k, int extra);
+  void reserve_entries(int k, int extra);
   /* Adds an entry that the vector does not hold. */
   void push(int k, int index, double value);
   void set_value(int k, int position, double value) noexcept {
@@ -88,7 +88,7 @@ class VectorFile {
   void grow_entries(std::size_t more);
   void relocate(int k, int extra);
   void rewrite();
-  void give_up_room(int k) noexcept;
+  void release_space(int k) noexcept;
 
   std::vector<std::int64_t> start_;
   std::vector<int> count_, capacity_;

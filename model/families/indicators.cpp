@@ -19,10 +19,10 @@ void Indicators::clear() noexcept {
   position_.clear();
 }
 
-void Indicators::keep(std::span<const int> renumber) noexcept {
-  rows_.keep(renumber);
-  keep_values(column_, renumber);
-  keep_values(complemented_, renumber);
+void Indicators::renumber(std::span<const int> renumber) noexcept {
+  rows_.renumber(renumber);
+  compact_values(column_, renumber);
+  compact_values(complemented_, renumber);
   position_.resize(column_.size());
 }
 
@@ -34,9 +34,9 @@ void Indicators::renumber_columns(std::span<const int> renumber) noexcept {
     position_[k] = column_[k] < 0 ? -1 : kept++;
   }
   if (kept == size()) return;
-  rows_.keep(position_);
-  keep_values(column_, position_);
-  keep_values(complemented_, position_);
+  rows_.renumber(position_);
+  compact_values(column_, position_);
+  compact_values(complemented_, position_);
   position_.resize(column_.size());
 }
 

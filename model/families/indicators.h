@@ -34,7 +34,7 @@ class Indicators {
   }
   void clear_names() noexcept { rows_.clear_names(); }
   void clear() noexcept;
-  void keep(std::span<const int> renumber) noexcept;
+  void renumber(std::span<const int> renumber) noexcept;
   void renumber_columns(std::span<const int> renumber) noexcept;
   void remove_small(double eps) noexcept { rows_.remove_small(eps); }
 

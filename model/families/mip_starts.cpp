@@ -15,14 +15,14 @@ void MipStarts::merge(int k, VectorView values) {
   for (int p = 0; p < values.count; ++p) values_.set(k, values.index[p], values.value[p]);
 }
 
-void MipStarts::cut(Mark mark) noexcept {
-  values_.cut(mark);
+void MipStarts::truncate(Extent extent) noexcept {
+  values_.truncate(extent);
   effort_.resize(static_cast<std::size_t>(values_.size()));
 }
 
-void MipStarts::keep(std::span<const int> renumber) noexcept {
-  values_.keep(renumber);
-  keep_values(effort_, renumber);
+void MipStarts::renumber(std::span<const int> renumber) noexcept {
+  values_.renumber(renumber);
+  compact_values(effort_, renumber);
 }
 
 }  // namespace tovik::model

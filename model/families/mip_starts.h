@@ -16,7 +16,7 @@ namespace tovik::model {
 struct NewStart {
   VectorView values;           // index: columns; of a repeated column the last value counts
   int effort = 0;              // -1 and 0: the optimizer's choice
-  const char* name = nullptr;  // null: made up when others have names
+  const char* name = nullptr;  // null: generated when others have names
 };
 
 class MipStarts {
@@ -36,11 +36,11 @@ class MipStarts {
     values_.rename(count, positions, names);
   }
 
-  using Mark = NamedVectors::Mark;
-  Mark mark() const { return values_.mark(); }
-  void cut(Mark mark) noexcept;
-  void clear() noexcept { cut({0, 0}); }
-  void keep(std::span<const int> renumber) noexcept;
+  using Extent = NamedVectors::Extent;
+  Extent extent() const { return values_.extent(); }
+  void truncate(Extent extent) noexcept;
+  void clear() noexcept { truncate({0, 0}); }
+  void renumber(std::span<const int> renumber) noexcept;
   void renumber_columns(std::span<const int> renumber) noexcept { values_.renumber_columns(renumber); }
 
  private:

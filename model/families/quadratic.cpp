@@ -108,8 +108,8 @@ void QuadraticObjective::set(int i, int j, double value) {
       matrix_.push(column, row, value);
     }
   };
-  matrix_.make_room(i, 1);
-  matrix_.make_room(j, 1);
+  matrix_.reserve_entries(i, 1);
+  matrix_.reserve_entries(j, 1);
   put(j, i);
   if (i != j) put(i, j);
 }
@@ -133,9 +133,9 @@ void QuadraticRows::clear() noexcept {
   terms_.clear();
 }
 
-void QuadraticRows::keep(std::span<const int> renumber) noexcept {
-  linear_.keep(renumber);
-  keep_values(terms_, renumber);
+void QuadraticRows::renumber(std::span<const int> renumber) noexcept {
+  linear_.renumber(renumber);
+  compact_values(terms_, renumber);
 }
 
 void QuadraticRows::renumber_columns(std::span<const int> renumber) noexcept {

@@ -80,7 +80,7 @@ class QuadraticRows {
   }
   void clear_names() noexcept { linear_.clear_names(); }
   void clear() noexcept;
-  void keep(std::span<const int> renumber) noexcept;
+  void renumber(std::span<const int> renumber) noexcept;
   void renumber_columns(std::span<const int> renumber) noexcept;
   void remove_small(double eps) noexcept;
 

@@ -13,16 +13,16 @@ void RowPool::add(const PoolRow& row) {
   rhs_.push_back(row.rhs);
 }
 
-void RowPool::cut(Mark mark) noexcept {
-  rows_.cut(mark);
+void RowPool::truncate(Extent extent) noexcept {
+  rows_.truncate(extent);
   sense_.resize(static_cast<std::size_t>(rows_.size()));
   rhs_.resize(static_cast<std::size_t>(rows_.size()));
 }
 
-void RowPool::keep(std::span<const int> renumber) noexcept {
-  rows_.keep(renumber);
-  keep_values(sense_, renumber);
-  keep_values(rhs_, renumber);
+void RowPool::renumber(std::span<const int> renumber) noexcept {
+  rows_.renumber(renumber);
+  compact_values(sense_, renumber);
+  compact_values(rhs_, renumber);
 }
 
 void RowPool::remove_small(double eps) noexcept {

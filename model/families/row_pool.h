@@ -19,12 +19,12 @@ struct PoolRow {
   VectorView terms;  // zeros are dropped, a repeated column is summed
   char sense;
   double rhs;
-  const char* name = nullptr;  // null: made up when others have names
+  const char* name = nullptr;  // null: generated when others have names
 };
 
 class RowPool {
  public:
-  /* letter: of made-up names. */
+  /* letter: of generated names. */
   explicit RowPool(char letter) : rows_(letter) {}
 
   int size() const { return rows_.size(); }
@@ -41,11 +41,11 @@ class RowPool {
   }
   void clear_names() noexcept { rows_.clear_names(); }
 
-  using Mark = NamedVectors::Mark;
-  Mark mark() const { return rows_.mark(); }
-  void cut(Mark mark) noexcept;  // back to that state, after add()
-  void clear() noexcept { cut({0, 0}); }
-  void keep(std::span<const int> renumber) noexcept;
+  using Extent = NamedVectors::Extent;
+  Extent extent() const { return rows_.extent(); }
+  void truncate(Extent extent) noexcept;  // back to that state, after add()
+  void clear() noexcept { truncate({0, 0}); }
+  void renumber(std::span<const int> renumber) noexcept;
   void renumber_columns(std::span<const int> renumber) noexcept { rows_.renumber_columns(renumber); }
   void remove_small(double eps) noexcept;
 

@@ -11,14 +11,14 @@ void Sets::add(const NewSet& set) {
   type_.push_back(set.type);
 }
 
-void Sets::cut(Mark mark) noexcept {
-  members_.cut(mark);
+void Sets::truncate(Extent extent) noexcept {
+  members_.truncate(extent);
   type_.resize(static_cast<std::size_t>(members_.size()));
 }
 
-void Sets::keep(std::span<const int> renumber) noexcept {
-  members_.keep(renumber);
-  keep_values(type_, renumber);
+void Sets::renumber(std::span<const int> renumber) noexcept {
+  members_.renumber(renumber);
+  compact_values(type_, renumber);
 }
 
 }  // namespace tovik::model

@@ -18,7 +18,7 @@ namespace tovik::model {
 struct NewSet {
   char type;
   VectorView members;          // index: columns, value: weights; of a repeated column the last weight counts
-  const char* name = nullptr;  // null: made up when others have names
+  const char* name = nullptr;  // null: generated when others have names
 };
 
 class Sets {
@@ -36,11 +36,11 @@ class Sets {
   }
   void clear_names() noexcept { members_.clear_names(); }
 
-  using Mark = NamedVectors::Mark;
-  Mark mark() const { return members_.mark(); }
-  void cut(Mark mark) noexcept;
-  void clear() noexcept { cut({0, 0}); }
-  void keep(std::span<const int> renumber) noexcept;
+  using Extent = NamedVectors::Extent;
+  Extent extent() const { return members_.extent(); }
+  void truncate(Extent extent) noexcept;
+  void clear() noexcept { truncate({0, 0}); }
+  void renumber(std::span<const int> renumber) noexcept;
   void renumber_columns(std::span<const int> renumber) noexcept { members_.renumber_columns(renumber); }
 
  private:

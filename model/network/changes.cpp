@@ -46,13 +46,13 @@ bool lacks_ends(const NewArcs& arcs) {
   return arcs.count > 0 && (arcs.tail == nullptr || arcs.head == nullptr);
 }
 
-/* Gives the marks' items away and numbers the others. */
+/* Deletes the marked items and writes the new positions of the others. */
 template <class Delete>
 Status delete_set(int count, int* delstat, Delete&& delete_marked) {
   if (delstat == nullptr) return TVK_ERROR_NULL_POINTER;
   if (any_marked(delstat, count))
     delete_marked(std::span<const int>(delstat, static_cast<std::size_t>(count)));
-  number_the_kept(delstat, count);
+  write_new_positions(delstat, count);
   return {};
 }
 

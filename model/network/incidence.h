@@ -25,7 +25,7 @@ class Incidence {
   void attach(int arc, int tail, int head) noexcept;
   void detach(int arc, int tail, int head) noexcept;
   /* Forgets the last arcs, which are detached. */
-  void cut_arcs(int arcs) noexcept { ends_.resize(2 * static_cast<std::size_t>(arcs)); }
+  void truncate_arcs(int arcs) noexcept { ends_.resize(2 * static_cast<std::size_t>(arcs)); }
 
   int degree(int node) const noexcept;
   /* The arcs of the node in ascending order; the view lives until the next call. */

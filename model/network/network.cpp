@@ -32,12 +32,12 @@ Network::Network(NetworkData&& data)
 }
 
 int Network::num_arcs() const {
-  const Network& network = node_deletions_.pending() ? settled() : *this;
+  const Network& network = node_deletions_.pending() ? compacted() : *this;
   return static_cast<int>(network.tail_.size()) - arc_deletions_.count();
 }
 
 const Incidence& Network::incidence() const {
-  settled();
+  compacted();
   if (!incidence_) incidence_ = std::make_unique<Incidence>(num_nodes(), tail_, head_);
   return *incidence_;
 }
@@ -93,7 +93,7 @@ void Network::delete_nodes(int first, int last) {
 void Network::delete_arcs(int first, int last) {
   const int arcs = num_arcs();
   if (last == arcs - 1 && !arc_deletions_.pending()) {
-    cut_arcs(first);
+    truncate_arcs(first);
     return;
   }
   arc_deletions_.begin(arcs);
@@ -101,7 +101,7 @@ void Network::delete_arcs(int first, int last) {
 }
 
 void Network::delete_marked_nodes(std::span<const int> marks) {
-  settled();
+  compacted();
   begin_node_deletions();
   for (std::size_t k = 0; k < marks.size(); ++k) {
     if (marks[k] == 1) node_deletions_.mark_stored(static_cast<int>(k));
@@ -109,17 +109,17 @@ void Network::delete_marked_nodes(std::span<const int> marks) {
 }
 
 void Network::delete_marked_arcs(std::span<const int> marks) {
-  settled();
+  compacted();
   arc_deletions_.begin(num_arcs());
   for (std::size_t k = 0; k < marks.size(); ++k) {
     if (marks[k] == 1) arc_deletions_.mark_stored(static_cast<int>(k));
   }
 }
 
-void Network::cut_arcs(int arcs) noexcept {
+void Network::truncate_arcs(int arcs) noexcept {
   if (incidence_) {
     for (int a = num_arcs(); a-- > arcs;) incidence_->detach(a, tail_[at(a)], head_[at(a)]);
-    incidence_->cut_arcs(arcs);
+    incidence_->truncate_arcs(arcs);
   }
   for (auto* ends : {&tail_, &head_}) ends->resize(at(arcs));
   for (auto* values : {&cost_, &lower_, &upper_}) values->resize(at(arcs));
@@ -142,22 +142,22 @@ void Network::compact() noexcept {
     for (auto* ends : {&tail_, &head_}) {
       for (int& node : *ends) node = renumber[at(node)];
     }
-    keep_values(supply_, renumber);
+    compact_values(supply_, renumber);
     node_names_.renumber(renumber);
   }
-  node_deletions_.forget();
-  arc_deletions_.forget();
+  node_deletions_.clear();
+  arc_deletions_.clear();
 }
 
 void Network::compact_arcs() noexcept {
   const std::span<const int> renumber = arc_deletions_.renumbering();
-  for (auto* ends : {&tail_, &head_}) keep_values(*ends, renumber);
-  for (auto* values : {&cost_, &lower_, &upper_}) keep_values(*values, renumber);
+  for (auto* ends : {&tail_, &head_}) compact_values(*ends, renumber);
+  for (auto* values : {&cost_, &lower_, &upper_}) compact_values(*values, renumber);
   arc_names_.renumber(renumber);
 }
 
 void Network::set_ends(int arc, int tail, int head) noexcept {
-  settled();
+  compacted();
   const std::size_t a = at(arc);
   if (incidence_) incidence_->detach(arc, tail_[a], head_[a]);
   tail_[a] = tail;

@@ -4,7 +4,7 @@
  *   (flow into i) = supply[i], and lower[a] <= flow[a] <= upper[a].
  * - Values: in the caller's units. Infinite bounds are stored as +-1e20; crossed bounds are data like any
  *   other. Parallel arcs and loops are allowed.
- * - Names: of all nodes or none, of all arcs or none; made-up ones begin with 'n' and 'a'.
+ * - Names: of all nodes or none, of all arcs or none; generated ones begin with 'n' and 'a'.
  * - Arcs of a node: come from lists (incidence.h) that are built when they are first asked for and then kept
  *   up to date; they are dropped when memory for them is short.
  * - Deletion: only marks; the arrays are compacted by the next other access (deletions.h). Deleting a node
@@ -38,7 +38,7 @@ struct NetworkData {
   NameBlock node_names, arc_names;
 };
 
-/* Arcs to add. Null arrays mean: cost 0, lower 0, upper 1e20, names made up (or none when the arcs have
+/* Arcs to add. Null arrays mean: cost 0, lower 0, upper 1e20, names generated (or none when the arcs have
  * none). */
 struct NewArcs {
   int count = 0;
@@ -61,14 +61,14 @@ class Network {
   int num_nodes() const { return static_cast<int>(supply_.size()) - node_deletions_.count(); }
   int num_arcs() const;
   int objective_sense() const { return objective_sense_; }
-  std::span<const double> supply() const { return settled().supply_; }
-  std::span<const int> tail() const { return settled().tail_; }
-  std::span<const int> head() const { return settled().head_; }
-  std::span<const double> cost() const { return settled().cost_; }
-  std::span<const double> lower() const { return settled().lower_; }
-  std::span<const double> upper() const { return settled().upper_; }
-  const NameTable& node_names() const { return settled().node_names_; }
-  const NameTable& arc_names() const { return settled().arc_names_; }
+  std::span<const double> supply() const { return compacted().supply_; }
+  std::span<const int> tail() const { return compacted().tail_; }
+  std::span<const int> head() const { return compacted().head_; }
+  std::span<const double> cost() const { return compacted().cost_; }
+  std::span<const double> lower() const { return compacted().lower_; }
+  std::span<const double> upper() const { return compacted().upper_; }
+  const NameTable& node_names() const { return compacted().node_names_; }
+  const NameTable& arc_names() const { return compacted().arc_names_; }
   /* The lists of all nodes; they live until the next change. */
   const Incidence& incidence() const;
 
@@ -97,20 +97,20 @@ class Network {
 
  private:
   static std::size_t at(int k) { return static_cast<std::size_t>(k); }
-  const Network& settled() const {
+  const Network& compacted() const {
     if (node_deletions_.pending() || arc_deletions_.pending()) [[unlikely]] {
       const_cast<Network*>(this)->compact();
     }
     return *this;
   }
   Network& change() noexcept {
-    settled();
+    compacted();
     return *this;
   }
   void begin_node_deletions();
   void compact() noexcept;
   void compact_arcs() noexcept;
-  void cut_arcs(int arcs) noexcept;
+  void truncate_arcs(int arcs) noexcept;
 
   int objective_sense_ = 1;
   std::vector<double> supply_;

@@ -12,12 +12,12 @@ Status get_node_arcs(Environment& env, const Network& network, const Range& rang
     return s;
   const Incidence& incidence = network.incidence();
   std::int64_t found = 0;
-  if (asks_for_size(out.space, out.surplus)) {
+  if (is_size_query(out.space, out.surplus)) {
     for (int node = range.begin; node <= range.end; ++node) {
       found += incidence.degree(node);
       if (out.begin != nullptr) out.begin[node - range.begin] = 0;
     }
-    return tell_size(found, out.surplus);
+    return report_size(found, out.surplus);
   }
   if (out.count == nullptr || out.begin == nullptr || out.arcs == nullptr || out.surplus == nullptr)
     return TVK_ERROR_NULL_POINTER;
@@ -30,7 +30,7 @@ Status get_node_arcs(Environment& env, const Network& network, const Range& rang
     found += size;
   }
   *out.count = static_cast<int>(std::min<std::int64_t>(found, std::max(out.space, 0)));
-  return tell_surplus(found, out.space, out.surplus);
+  return report_surplus(found, out.space, out.surplus);
 }
 
 }  // namespace tovik::model

@@ -70,7 +70,7 @@ bool incomplete(const PackedMatrix& m) {
   return m.vectors < 1 || m.entries < 1 || m.begin == nullptr || m.index == nullptr || m.value == nullptr;
 }
 
-/* Counts and overlaps; of several errors the last is told. */
+/* Counts and overlaps; of several errors the last is reported. */
 Status check_counts(Environment& env, int bound, const CountedMatrix& m) {
   int code = 0, position = 0;
   const auto wrong = [&](int new_code, int at) {

@@ -38,7 +38,7 @@ Status check_growth(const Environment& env, const Model& model, std::int64_t mor
 Status prepare(const Environment& env, Model& model, int i, int j, double value, int extra) {
   if (!in_matrix(i, j) || value == 0 || model.coefficient(i, j) != 0) return {};
   if (Status s = check_growth(env, model, extra); !s.ok()) return s;
-  model.make_room(j, extra);
+  model.reserve_entries(j, extra);
   return {};
 }
 
@@ -113,7 +113,7 @@ Status change_many(Environment& env, Problem& problem, const CoefficientList& li
     const auto added = std::count_if(first, end, [&](int k) {
       return list.values[k] != 0 && model.coefficient(list.rows[k], column) == 0;
     });
-    if (added > 0) model.make_room(column, static_cast<int>(added));
+    if (added > 0) model.reserve_entries(column, static_cast<int>(added));
     first = end;
   }
   for (const int k : order) model.set_coefficient(list.rows[k], list.columns[k], list.values[k]);

@@ -30,7 +30,7 @@ Status check_family_range(Environment& env, const char* routine, int begin, int 
 /* Deletes items first .. last of a family. */
 template <class Family>
 void delete_range(Family& family, int first, int last) {
-  family.keep(renumbering_without(family.size(), first, last));
+  family.renumber(renumbering_without(family.size(), first, last));
 }
 
 /* Deletes the items whose entry of delstat is exactly 1 and writes the new position of each, -1 for a deleted
@@ -40,7 +40,7 @@ bool delete_marked(Family& family, int* delstat) {
   const auto count = static_cast<std::size_t>(family.size());
   const std::vector<int> renumber = renumbering_without(std::span<const int>(delstat, count));
   const int before = family.size();
-  family.keep(renumber);
+  family.renumber(renumber);
   std::copy(renumber.begin(), renumber.end(), delstat);
   return family.size() != before;
 }

@@ -10,7 +10,7 @@ namespace {
 /* The values begin .. end of a range that is known to be valid, unless only the size is asked for. */
 template <class T>
 void put_values(const Range& range, const SparseOutput& out, std::span<const T> values, T* to) {
-  if (to == nullptr || range.begin > range.end || asks_for_size(out.space, out.surplus)) return;
+  if (to == nullptr || range.begin > range.end || is_size_query(out.space, out.surplus)) return;
   std::copy_n(values.data() + range.begin, range.end - range.begin + 1, to);
 }
 
@@ -26,7 +26,7 @@ Status get_terms(Environment& env, const RowPool& rows, int which, const TermsOu
 
 Status get_products(std::span<const QuadraticTerm> terms, const ProductsOutput& out) {
   const auto needed = static_cast<std::int64_t>(terms.size());
-  if (asks_for_size(out.space, out.surplus)) return tell_size(needed, out.surplus);
+  if (is_size_query(out.space, out.surplus)) return report_size(needed, out.surplus);
   if (out.entries == nullptr || out.column == nullptr || out.other == nullptr || out.value == nullptr ||
       out.surplus == nullptr)
     return TVK_ERROR_NULL_POINTER;
@@ -38,7 +38,7 @@ Status get_products(std::span<const QuadraticTerm> terms, const ProductsOutput& 
     out.value[k] = term.value;
   }
   *out.entries = static_cast<int>(fitting);
-  return tell_surplus(needed, out.space, out.surplus);
+  return report_surplus(needed, out.space, out.surplus);
 }
 
 template <class T>
@@ -80,7 +80,7 @@ Status get_order(const Problem& problem, const OrderOutput& out) {
   if (!is_mixed_integer(problem.type)) return TVK_ERROR_NOT_MIP;
   const PriorityOrder& order = problem.model->families().order;
   if (order.empty()) return TVK_ERROR_NO_ORDER;
-  if (asks_for_size(out.space, out.surplus)) return tell_size(order.size(), out.surplus);
+  if (is_size_query(out.space, out.surplus)) return report_size(order.size(), out.surplus);
   if (out.count == nullptr || out.columns == nullptr || out.surplus == nullptr) return TVK_ERROR_NULL_POINTER;
   const int fitting = std::min(order.size(), std::max(out.space, 0));
   for (int k = 0; k < fitting; ++k) {
@@ -90,7 +90,7 @@ Status get_order(const Problem& problem, const OrderOutput& out) {
     if (out.direction != nullptr) out.direction[k] = entry.direction;
   }
   *out.count = fitting;
-  return tell_surplus(order.size(), out.space, out.surplus);
+  return report_surplus(order.size(), out.space, out.surplus);
 }
 
 Status get_indicator(Environment& env, const Problem& problem, int which, const IndicatorOutput& out) {
@@ -131,7 +131,7 @@ Status get_quadratic_row(Environment& env, const Problem& problem, int which, co
   const auto k = static_cast<std::size_t>(which);
   put(out.rhs, rows.linear().rhs()[k]);
   put(out.sense, rows.linear().sense()[k]);
-  const bool too_short = !linear.ok() && !linear.is_reported();  // of a filled array, which is told
+  const bool too_short = !linear.ok() && !linear.is_reported();  // of a filled array, which is reported
   return too_short || products.ok() ? linear : products;
 }
 

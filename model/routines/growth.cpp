@@ -169,7 +169,7 @@ Status delete_row_set(Problem& problem, int* delstat) {
     drop_start_rows(problem, marks);
     invalidate(problem, Change::rows, {Edit::deleted(Edit::Dimension::rows, marks)});
   }
-  number_the_kept(delstat, count);
+  write_new_positions(delstat, count);
   return {};
 }
 
@@ -184,7 +184,7 @@ Status delete_column_set(Problem& problem, int* delstat) {
     drop_protected(problem, marks);
     invalidate(problem, Change::delete_columns, {Edit::deleted(Edit::Dimension::columns, marks)});
   }
-  number_the_kept(delstat, count);
+  write_new_positions(delstat, count);
   return {};
 }
 

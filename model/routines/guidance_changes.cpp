@@ -69,14 +69,14 @@ Status add_starts(Environment& env, Problem& problem, const StartList& list) {
   if (Status s = check_list(env, problem, list); !s.ok()) return s;
   MipStarts& starts = problem.model->change_families().starts;
   if (Status s = check_entries(env, starts.entries(), list.entries); !s.ok()) return s;
-  const MipStarts::Mark before = starts.mark();
+  const MipStarts::Extent before = starts.extent();
   try {
     for (int k = 0; k < list.count; ++k) {
       const int effort = list.effort == nullptr ? 0 : list.effort[k];
       starts.add({vector_of(matrix_of(list), k), effort, name_of(list.names, k)});
     }
   } catch (...) {
-    starts.cut(before);
+    starts.truncate(before);
     throw;
   }
   invalidate(problem, Change::starts);

@@ -42,14 +42,14 @@ Status add_pool_rows(Environment& env, Problem& problem, Pool pool, const NewRow
   RowPool& to = change_rows(problem, pool);
   if (Status s = check_entries(env, to.entries(), rows.entries); !s.ok()) return s;
   MixedInteger with_types(problem);
-  const RowPool::Mark before = to.mark();
+  const RowPool::Extent before = to.extent();
   try {
     for (int k = 0; k < rows.count; ++k) {
       const double rhs = rows.rhs == nullptr ? 0.0 : rows.rhs[k];
       to.add({vector_of(matrix, k), sense_of(rows, k), rhs, name_of(rows.names, k)});
     }
   } catch (...) {
-    to.cut(before);
+    to.truncate(before);
     throw;
   }
   with_types.commit();

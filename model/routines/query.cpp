@@ -22,12 +22,12 @@ Status get_vectors(Environment& env, const Range& range, int count, const Sparse
                    const std::function<VectorView(int)>& vector) {
   if (Status s = check_range(env, range.routine, range.begin, range.end, count); !s.ok()) return s;
   std::int64_t entries = 0;
-  if (asks_for_size(out.space, out.surplus)) {
+  if (is_size_query(out.space, out.surplus)) {
     for (int k = range.begin; k <= range.end; ++k) {
       entries += vector(k).count;
       if (out.begin != nullptr) out.begin[k - range.begin] = 0;
     }
-    return tell_size(entries, out.surplus);
+    return report_size(entries, out.surplus);
   }
   if (out.entries == nullptr || out.begin == nullptr || out.index == nullptr || out.value == nullptr ||
       out.surplus == nullptr) {
@@ -42,7 +42,7 @@ Status get_vectors(Environment& env, const Range& range, int count, const Sparse
     entries += v.count;
   }
   *out.entries = static_cast<int>(std::min<std::int64_t>(entries, std::max(out.space, 0)));
-  return tell_surplus(entries, out.space, out.surplus);
+  return report_surplus(entries, out.space, out.surplus);
 }
 
 Status get_columns(Environment& env, const Model& model, const Range& range, const SparseOutput& out) {
@@ -58,9 +58,9 @@ Status get_names(Environment& env, const NameTable& table, int count, const Rang
   if (Status s = check_range(env, range.routine, range.begin, range.end, count); !s.ok()) return s;
   if (table.empty()) return TVK_ERROR_NO_NAMES;
   std::int64_t used = 0;
-  if (asks_for_size(out.space, out.surplus)) {
+  if (is_size_query(out.space, out.surplus)) {
     for (int k = range.begin; k <= range.end; ++k) used += static_cast<std::int64_t>(table.length(k)) + 1;
-    return tell_size(used, out.surplus);
+    return report_size(used, out.surplus);
   }
   if (out.names == nullptr || out.store == nullptr || out.surplus == nullptr) return TVK_ERROR_NULL_POINTER;
   for (int k = range.begin; k <= range.end; ++k) {
@@ -69,16 +69,16 @@ Status get_names(Environment& env, const NameTable& table, int count, const Rang
     put_text(table.name(k), bytes, out.store, out.space, used);
     used += bytes;
   }
-  return tell_surplus(used, out.space, out.surplus);
+  return report_surplus(used, out.space, out.surplus);
 }
 
 Status get_text(const char* text, char* store, int space, int* surplus) {
   if (text == nullptr) return TVK_ERROR_NO_NAMES;
   const std::int64_t bytes = static_cast<std::int64_t>(std::strlen(text)) + 1;
-  if (asks_for_size(space, surplus)) return tell_size(bytes, surplus);
+  if (is_size_query(space, surplus)) return report_size(bytes, surplus);
   if (store == nullptr || surplus == nullptr) return TVK_ERROR_NULL_POINTER;
   put_text(text, bytes, store, space, 0);
-  return tell_surplus(bytes, space, surplus);
+  return report_surplus(bytes, space, surplus);
 }
 
 Status find_name(const NameTable& table, const char* name, int* position) {

@@ -71,11 +71,11 @@ Status add_sets(Environment& env, Problem& problem, const SetList& list) {
   Sets& sets = problem.model->change_families().sets;
   if (Status s = check_entries(env, sets.entries(), list.entries); !s.ok()) return s;
   MixedInteger with_types(problem);
-  const Sets::Mark before = sets.mark();
+  const Sets::Extent before = sets.extent();
   try {
     append(sets, list);
   } catch (...) {
-    sets.cut(before);
+    sets.truncate(before);
     throw;
   }
   with_types.commit();

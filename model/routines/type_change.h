@@ -1,4 +1,4 @@
-/* Changes of a problem's type, and the lines that tell which data they free. */
+/* Changes of a problem's type, and the warnings about the data that they free. */
 #pragma once
 
 #include <vector>

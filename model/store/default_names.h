@@ -1,4 +1,4 @@
-/* Names that a file writer makes up for a family of items that has none; the model itself never receives
+/* Names that a file writer generates for a family of items that has none; the model itself never receives
  * them. Name k (from 0) is the family's letter and k + 1; all lie in one block, each in as many bytes as the
  * longest needs. */
 #pragma once

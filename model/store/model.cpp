@@ -87,7 +87,7 @@ void Model::pack_matrix(ModelData& data) const {
 Model::Model(const Model& other)
     : objective_sense_(other.objective_sense_),
       objective_offset_(other.objective_offset_),
-      objective_(other.settled().objective_),
+      objective_(other.compacted().objective_),
       lower_(other.lower_),
       upper_(other.upper_),
       rhs_(other.rhs_),
@@ -102,7 +102,7 @@ Model::Model(const Model& other)
       families_(other.families_) {}
 
 RowView Model::row(int i) const {
-  settled();
+  compacted();
   if (!rows_) build_rows();
   rows_->sort(i);
   return rows_->at(i);
@@ -131,7 +131,7 @@ void Model::build_rows() const {
 }
 
 double Model::coefficient(int i, int j) const noexcept {
-  const int position = settled().columns_.find(j, i);
+  const int position = compacted().columns_.find(j, i);
   return position < 0 ? 0.0 : columns_.at(j).value[position];
 }
 
@@ -195,7 +195,7 @@ void Model::set_coefficient(int i, int j, double value) {
 }
 
 void Model::remove_small(double eps) noexcept {
-  settled();
+  compacted();
   for (auto* values : {&objective_, &rhs_, &range_, &lower_, &upper_}) {
     for (double& value : *values) {
       if (std::fabs(value) < eps) value = 0;

@@ -33,7 +33,7 @@ using RowView = VectorView;     // index: columns, ascending
 
 inline constexpr double kInfinity = 1e20;
 
-/* Columns to add. Null arrays mean: objective 0, lower 0, upper 1e20, type 'C', names made up (or none when
+/* Columns to add. Null arrays mean: objective 0, lower 0, upper 1e20, type 'C', names generated (or none when
  * the model's columns have none). begin: position of each column's first entry; it ends where the next one
  * begins, the last at `entries`. */
 struct NewColumns {
@@ -72,26 +72,26 @@ class Model {
   // ---- Sizes, data and matrix
   int num_rows() const { return static_cast<int>(rhs_.size()) - row_deletions_.count(); }
   int num_columns() const { return static_cast<int>(objective_.size()) - column_deletions_.count(); }
-  std::int64_t num_nonzeros() const { return settled().columns_.entries(); }
+  std::int64_t num_nonzeros() const { return compacted().columns_.entries(); }
   int objective_sense() const { return objective_sense_; }  // 1 minimize, -1 maximize
   double objective_offset() const { return objective_offset_; }
-  std::span<const double> objective() const { return settled().objective_; }
-  std::span<const double> lower() const { return settled().lower_; }
-  std::span<const double> upper() const { return settled().upper_; }
-  std::span<const double> rhs() const { return settled().rhs_; }
-  std::span<const char> sense() const { return settled().sense_; }
+  std::span<const double> objective() const { return compacted().objective_; }
+  std::span<const double> lower() const { return compacted().lower_; }
+  std::span<const double> upper() const { return compacted().upper_; }
+  std::span<const double> rhs() const { return compacted().rhs_; }
+  std::span<const char> sense() const { return compacted().sense_; }
   /* One per row; 0 for rows other than 'R'. */
-  std::span<const double> range() const { return settled().range_; }
-  std::span<const char> column_types() const { return settled().types_; }  // empty for a continuous problem
-  ColumnView column(int j) const { return settled().columns_.at(j); }
+  std::span<const double> range() const { return compacted().range_; }
+  std::span<const char> column_types() const { return compacted().types_; }  // empty for a continuous problem
+  ColumnView column(int j) const { return compacted().columns_.at(j); }
   RowView row(int i) const;
   double coefficient(int i, int j) const noexcept;  // 0 where the matrix has no entry
   bool has_ranges() const;                          // is any row ranged?
   int count_type(char type) const;
 
   // ---- Names
-  const NameTable& column_names() const { return settled().column_names_; }
-  const NameTable& row_names() const { return settled().row_names_; }
+  const NameTable& column_names() const { return compacted().column_names_; }
+  const NameTable& row_names() const { return compacted().row_names_; }
   const std::string& objective_name() const { return objective_name_; }  // empty: none
   const std::string& bounds_name() const { return bounds_name_; }        // name of the bound set; empty: none
   void rename_columns(int count, const int* columns, const char* const* names);
@@ -123,12 +123,12 @@ class Model {
   /* A value of 0 removes the entry. */
   void set_coefficient(int i, int j, double value);
   /* After this, up to `extra` calls of set_coefficient for column j cannot fail. */
-  void make_room(int j, int extra) { change().columns_.make_room(j, extra); }
+  void reserve_entries(int j, int extra) { change().columns_.reserve_entries(j, extra); }
   /* Sets every value smaller in magnitude than eps to zero and removes such matrix entries. */
   void remove_small(double eps) noexcept;
 
   // ---- Everything beyond rows and columns (families.h)
-  const Families& families() const { return settled().families_; }
+  const Families& families() const { return compacted().families_; }
   Families& change_families() noexcept { return change().families_; }
 
   // ---- Column types
@@ -141,14 +141,14 @@ class Model {
   class GrowthGuard;
 
   static std::size_t at(int k) { return static_cast<std::size_t>(k); }
-  const Model& settled() const {
+  const Model& compacted() const {
     if (row_deletions_.pending() || column_deletions_.pending()) [[unlikely]] {
       const_cast<Model*>(this)->compact();
     }
     return *this;
   }
   Model& change() noexcept {
-    settled();
+    compacted();
     return *this;
   }
   void compact() noexcept;
@@ -156,9 +156,9 @@ class Model {
   void pack_matrix(ModelData& data) const;
   void append_column_data(const NewColumns& columns);
   void append_row_data(const NewRows& rows);
-  bool can_cut_last_rows(int last);
-  void cut_rows(int first) noexcept;
-  void cut_columns(int first) noexcept;
+  bool can_truncate_rows(int last);
+  void truncate_rows(int first) noexcept;
+  void truncate_columns(int first) noexcept;
 
   int objective_sense_ = 1;
   double objective_offset_ = 0;

@@ -32,7 +32,7 @@ void drop_marked(std::vector<T>& values, std::span<const int> renumber) noexcept
 
 }  // namespace
 
-/* Cuts a half-grown model back to its former size, unless the growth was completed. */
+/* Truncates a half-grown model to its former size, unless the growth was completed. */
 class Model::GrowthGuard {
  public:
   explicit GrowthGuard(Model& model)
@@ -57,10 +57,10 @@ class Model::GrowthGuard {
       for (int p = 0; p < new_rows_->entries; ++p) drop_new_rows(new_rows_->index[p]);
     }
     model_.columns_.truncate(columns_);
-    for (auto* values : {&model_.objective_, &model_.lower_, &model_.upper_}) cut(*values, columns_);
-    cut(model_.types_, types_);
-    for (auto* values : {&model_.rhs_, &model_.range_}) cut(*values, rows_);
-    cut(model_.sense_, rows_);
+    for (auto* values : {&model_.objective_, &model_.lower_, &model_.upper_}) truncate(*values, columns_);
+    truncate(model_.types_, types_);
+    for (auto* values : {&model_.rhs_, &model_.range_}) truncate(*values, rows_);
+    truncate(model_.sense_, rows_);
     model_.column_names_.truncate(column_names_);
     model_.row_names_.truncate(row_names_);
   }
@@ -72,7 +72,7 @@ class Model::GrowthGuard {
     }
   }
   template <class T>
-  static void cut(std::vector<T>& values, int size) noexcept {
+  static void truncate(std::vector<T>& values, int size) noexcept {
     if (values.size() > at(size)) values.resize(at(size));
   }
 
@@ -112,7 +112,7 @@ void Model::append_row_data(const NewRows& rows) {
 }
 
 void Model::add_columns(const NewColumns& columns) {
-  settled();
+  compacted();
   GrowthGuard guard(*this);
   const int present = num_columns();
   append_column_data(columns);
@@ -135,7 +135,7 @@ void Model::add_columns(const NewColumns& columns) {
 }
 
 void Model::add_rows(const NewColumns& columns, const NewRows& rows) {
-  settled();
+  compacted();
   GrowthGuard guard(*this);
   if (columns.count > 0) {
     append_column_data(columns);
@@ -163,8 +163,8 @@ void Model::add_rows(const NewColumns& columns, const NewRows& rows) {
 }
 
 void Model::delete_rows(int first, int last) {
-  if (last == num_rows() - 1 && can_cut_last_rows(last)) {
-    cut_rows(first);
+  if (last == num_rows() - 1 && can_truncate_rows(last)) {
+    truncate_rows(first);
     return;
   }
   row_deletions_.begin(static_cast<int>(rhs_.size()));
@@ -174,7 +174,7 @@ void Model::delete_rows(int first, int last) {
 /* The last rows can be cut off at once where the row-wise copy names their entries. A first deletion of last
  * rows is not worth building that copy; programs that do it again add and delete rows in turn, and then it
  * is. */
-bool Model::can_cut_last_rows(int last) {
+bool Model::can_truncate_rows(int last) {
   if (row_deletions_.pending() || column_deletions_.pending() || last < 0) return false;
   if (!rows_ && last_rows_were_deleted_) {
     try {
@@ -187,7 +187,7 @@ bool Model::can_cut_last_rows(int last) {
   return rows_ != nullptr;
 }
 
-void Model::cut_rows(int first) noexcept {
+void Model::truncate_rows(int first) noexcept {
   for (int i = first; i < rows_->size(); ++i) {
     const RowView v = rows_->at(i);
     for (int p = 0; p < v.count; ++p) columns_.remove(v.index[p], columns_.find(v.index[p], i));
@@ -202,14 +202,14 @@ void Model::cut_rows(int first) noexcept {
 void Model::delete_columns(int first, int last) {
   const bool pending = row_deletions_.pending() || column_deletions_.pending();
   if (last == num_columns() - 1 && !pending && families_.empty()) {
-    cut_columns(first);
+    truncate_columns(first);
     return;
   }
   column_deletions_.begin(static_cast<int>(objective_.size()));
   column_deletions_.mark(first, last);
 }
 
-void Model::cut_columns(int first) noexcept {
+void Model::truncate_columns(int first) noexcept {
   for (int j = first; rows_ && j < columns_.size(); ++j) {
     const ColumnView v = columns_.at(j);
     for (int p = 0; p < v.count; ++p) rows_->remove(v.index[p], rows_->find(v.index[p], j));
@@ -221,7 +221,7 @@ void Model::cut_columns(int first) noexcept {
 }
 
 void Model::delete_marked_rows(std::span<const int> marks) {
-  settled();
+  compacted();
   if (std::find(marks.begin(), marks.end(), 1) == marks.end()) return;
   row_deletions_.begin(static_cast<int>(marks.size()));
   for (std::size_t k = 0; k < marks.size(); ++k) {
@@ -230,7 +230,7 @@ void Model::delete_marked_rows(std::span<const int> marks) {
 }
 
 void Model::delete_marked_columns(std::span<const int> marks) {
-  settled();
+  compacted();
   if (std::find(marks.begin(), marks.end(), 1) == marks.end()) return;
   column_deletions_.begin(static_cast<int>(marks.size()));
   for (std::size_t k = 0; k < marks.size(); ++k) {
@@ -248,7 +248,7 @@ void Model::compact() noexcept {
     drop_marked(types_, renumber);
     column_names_.renumber(renumber);
     families_.renumber_columns(renumber);
-    column_deletions_.forget();
+    column_deletions_.clear();
   }
   if (row_deletions_.pending()) {
     const auto renumber = row_deletions_.renumbering();
@@ -257,7 +257,7 @@ void Model::compact() noexcept {
     for (auto* values : {&rhs_, &range_}) drop_marked(*values, renumber);
     drop_marked(sense_, renumber);
     row_names_.renumber(renumber);
-    row_deletions_.forget();
+    row_deletions_.clear();
   }
 }
 

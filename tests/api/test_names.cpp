@@ -1,4 +1,4 @@
-/* Names of columns, rows, objective and problem: giving, removing, finding, and the ones that are made up. */
+/* Names of columns, rows, objective and problem: giving, removing, finding, and the ones that are generated. */
 #include <string>
 #include <vector>
 

@@ -152,7 +152,7 @@ class Twins {
       given.pointer.push_back(unchecked_ && below(4) == 0 ? nullptr : text.data());
     return given;
   }
-  /* Names that the library made up are taken over; that they are unique is checked by compare_names. */
+  /* Names that the library generated are copied; that they are unique is checked by compare_names. */
   void learn_names(bool columns, int first) {
     if (columns) {
       for (int j = first; j < dense_.n(); ++j) dense_.columns[at(j)].name = name_at(env_, lp_, true, j);

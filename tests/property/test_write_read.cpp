@@ -324,7 +324,7 @@ std::string describe(const Model& m, const std::vector<int>& number) {
   return text + describe(m.families(), number);
 }
 
-/* Which of the written names `name` is: an own one, a made-up one, or a rewritten one, which ends with its
+/* Which of the written names `name` is: an own one, a generated one, or a rewritten one, which ends with its
  * position. */
 int position_of(const model::NameTable& names, const std::string& name) {
   if (names.empty()) return std::stoi(name.substr(1)) - 1;

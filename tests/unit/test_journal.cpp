@@ -31,7 +31,7 @@ struct Record {
     for (int k = first; k <= last; ++k) touched.erase(present[k]);
     present.erase(present.begin() + first, present.begin() + last + 1);
   }
-  std::vector<int> gone() const {
+  std::vector<int> deleted() const {
     std::vector<int> result;
     for (int id = 0; id < known; ++id) {
       if (std::find(present.begin(), present.end(), id) == present.end()) result.push_back(id);

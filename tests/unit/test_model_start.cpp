@@ -1,4 +1,4 @@
-/* What a change of the model leaves of solution and starting basis; loading by move; names made up for
+/* What a change of the model leaves of solution and starting basis; loading by move; names generated for
  * writers. */
 #include <functional>
 

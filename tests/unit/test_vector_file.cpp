@@ -96,7 +96,7 @@ TEST(VectorFile, FollowsAReferenceThroughRandomUse) {
 TEST(VectorFile, PromisedRoomSurvivesOtherGrowth) {
   VectorFile file;
   file.append_empty(1000);
-  file.make_room(0, 500);
+  file.reserve_entries(0, 500);
   for (int k = 1; k < 1000; ++k) {
     for (int i = 0; i < 40; ++i) file.push(k, i, 1);
   }
