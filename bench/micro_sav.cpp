@@ -46,7 +46,7 @@ void WriteSav(benchmark::State& state) {
   const model::Model model = model_for(state);
   std::size_t bytes = 0;
   for (auto _ : state) {
-    NowhereSink sink;
+    NullSink sink;
     if (!write_sav({model, 0, "bench", {}}, sink)) state.SkipWithError("the model cannot be written");
     bytes += sink.size;
   }

@@ -20,7 +20,7 @@ void write_all(benchmark::State& state, Writer writer) {
   const model::Model model = make_model(static_cast<int>(state.range(0)), static_cast<int>(state.range(1)));
   std::size_t bytes = 0;
   for (auto _ : state) {
-    NowhereSink sink;
+    NullSink sink;
     SilentLog log;
     TextWriter out(sink);
     if (writer({model, "bench"}, {}, log, out) != 0) state.SkipWithError("the model cannot be written");

@@ -23,7 +23,7 @@ class SilentLog final : public ReaderLog {
   void result(std::string_view) override {}
 };
 
-class NowhereSink final : public ByteSink {
+class NullSink final : public ByteSink {
  public:
   bool write(const char* bytes, std::size_t count) override {
     benchmark::DoNotOptimize(bytes);

@@ -54,7 +54,7 @@ class Reader {
   void set_basic_column(int j, const double* value);
   bool between_column(double value);
   void set_row(int i, int status, double value);
-  void settle_resting_columns();
+  void complete_nonbasic_columns();
   void derive_values();
   void derive_slacks();
   std::string_view field(std::size_t k) const { return cards_.fields()[k]; }
@@ -64,10 +64,10 @@ class Reader {
   BasisFile& basis_;
   CardFile cards_;
   CardNames columns_, rows_;
-  std::vector<double> value_;  // of columns
-  std::vector<char> told_;     // columns whose value the file tells
-  std::vector<double> slack_;  // of rows
-  std::vector<char> told_rows_;
+  std::vector<double> value_;           // of columns
+  std::vector<char> column_has_value_;  // columns whose value the file gives
+  std::vector<double> slack_;           // of rows
+  std::vector<char> row_has_value_;
   const bool vertices_only_;
 };
 
@@ -76,9 +76,9 @@ ReadFailure Reader::run() {
   basis_.column_status.assign(columns, TVK_AT_LOWER);
   basis_.row_status.assign(static_cast<std::size_t>(model_.num_rows()), TVK_BASIC);
   value_.assign(columns, 0.0);
-  told_.assign(columns, 0);
+  column_has_value_.assign(columns, 0);
   slack_.assign(static_cast<std::size_t>(model_.num_rows()), 0.0);
-  told_rows_.assign(slack_.size(), 0);
+  row_has_value_.assign(slack_.size(), 0);
   while (cards_.next() && record()) {
   }
   cards_.close();
@@ -86,7 +86,7 @@ ReadFailure Reader::run() {
   const auto count =
       std::ranges::count(basis_.column_status, TVK_BASIC) + std::ranges::count(basis_.row_status, TVK_BASIC);
   if (ReadFailure failure = basic_count_failure(static_cast<int>(count), model_.num_rows())) return failure;
-  settle_resting_columns();
+  complete_nonbasic_columns();
   derive_values();
   return {};
 }
@@ -96,9 +96,9 @@ bool Reader::record() {
     if (field(0).size() != word.word.size() || !starts_with_keyword(field(0), word.word)) continue;
     if (!check_shape(word)) return false;
     double value = 0;
-    const bool told = cards_.fields().size() == word.names + 2;
-    if (told && !cards_.read_number(field(word.names + 1), value)) return false;
-    return apply(word.code, told ? &value : nullptr);
+    const bool has_value = cards_.fields().size() == word.names + 2;
+    if (has_value && !cards_.read_number(field(word.names + 1), value)) return false;
+    return apply(word.code, has_value ? &value : nullptr);
   }
   return cards_.fail(TVK_ERROR_LINE_BASIS_INDICATOR, field(0));
 }
@@ -130,7 +130,7 @@ void Reader::set_basic_column(int j, const double* value) {
   basis_.column_status[at] = TVK_BASIC;
   if (value == nullptr) return;
   value_[at] = *value;
-  told_[at] = 1;
+  column_has_value_[at] = 1;
 }
 
 /* A record with an unknown name is skipped. */
@@ -167,7 +167,7 @@ bool Reader::between_column(double value) {
   if (vertices_only_ && !free) return cards_.fail(ReadFailure::plain(TVK_ERROR_NO_SUPERBASES));
   basis_.column_status[at] = TVK_FREE_SUPER;
   value_[at] = value;
-  told_[at] = 1;
+  column_has_value_[at] = 1;
   return true;
 }
 
@@ -176,7 +176,7 @@ void Reader::set_row(int i, int status, double value) {
   const auto at = static_cast<std::size_t>(i);
   basis_.row_status[at] = status;
   slack_[at] = value;
-  told_rows_[at] = 1;
+  row_has_value_[at] = 1;
 }
 
 bool Reader::pair(int row_status, const double* value) {
@@ -206,7 +206,7 @@ bool Reader::basic(const double* value) {
 }
 
 /* A column cannot rest at an infinite bound. */
-void Reader::settle_resting_columns() {
+void Reader::complete_nonbasic_columns() {
   for (std::size_t j = 0; j < basis_.column_status.size(); ++j) {
     int& status = basis_.column_status[j];
     const bool lower = model_.lower()[j] > -kInfinity, upper = model_.upper()[j] < kInfinity;
@@ -220,9 +220,9 @@ void Reader::derive_values() {
     const int status = basis_.column_status[j];
     if (status == TVK_AT_LOWER) value_[j] = model_.lower()[j];
     if (status == TVK_AT_UPPER) value_[j] = model_.upper()[j];
-    if (status == TVK_BASIC && told_[j] == 0) return;
+    if (status == TVK_BASIC && column_has_value_[j] == 0) return;
   }
-  if (std::ranges::find(told_, 1) == told_.end()) return;
+  if (std::ranges::find(column_has_value_, 1) == column_has_value_.end()) return;
   basis_.primal = std::move(value_);
   derive_slacks();
 }
@@ -232,7 +232,7 @@ void Reader::derive_slacks() {
   for (std::size_t i = 0; i < slack_.size(); ++i) {
     const int status = basis_.row_status[i];
     const bool inside = status == TVK_BASIC || status == TVK_FREE_SUPER;
-    if (inside && told_rows_[i] == 0) return;
+    if (inside && row_has_value_[i] == 0) return;
     if (inside) continue;
     const double range = model_.sense()[i] == 'R' ? model_.range()[i] : 0;
     slack_[i] = (status == TVK_AT_UPPER) == (range > 0) ? -range : 0;

@@ -63,7 +63,7 @@ void CardFile::close() {
 WriterNames card_names(const model::NameTable& table, const model::NameFamily& family, int count,
                        ReaderLog& log) {
   WriterNames names = WriterNames::from(table, family.letter, count, mps::MpsNameRules());
-  if (count > 0 && names.origin() == WriterNames::Origin::made_up)
+  if (count > 0 && names.origin() == WriterNames::Origin::generated)
     log.warn("Default %-6s names %c1, %c2 ... being created.\n", family.kind, family.letter, family.letter);
   if (names.origin() == WriterNames::Origin::rewritten)
     log.warning("Warning:  Output names have been modified to conform to MPS format.\n");

@@ -42,10 +42,10 @@ class CardFile {
   ReaderLog& log_;
   std::vector<std::string_view> fields_;
   ReadFailure failure_;
-  WarningCap unknown_;
+  WarningLimit unknown_;
 };
 
-/* The names that the MPS writer gives to the items of a family; tells when they are made up. */
+/* The names that the MPS writer gives to the items of a family; tells when they are generated. */
 WriterNames card_names(const model::NameTable& table, const model::NameFamily& family, int count,
                        ReaderLog& log);
 

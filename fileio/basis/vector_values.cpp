@@ -65,7 +65,7 @@ ReadFailure read_vector(ByteSource& source, const model::Model& model, ReaderLog
     }
   };
   CardFile cards(source, log);
-  WarningCap unknown_keys;
+  WarningLimit unknown_keys;
   while (cards.next()) {
     const std::string_view key = cards.fields()[0];
     const Target target = target_of(key.size() == 1 ? key[0] : '\0');

@@ -41,7 +41,7 @@ class ChannelDialogue final : public DialogueLog {
 };
 
 /* A SAV file begins with a line feed, its signature and five bytes more. */
-bool goes_on_as_sav(ByteSource& source) {
+bool has_sav_signature(ByteSource& source) {
   char bytes[10];
   std::size_t size = 0;
   while (size < sizeof bytes) {
@@ -60,7 +60,7 @@ Status guess_format(Environment& env, const char* name, Format& format) {
   if (const Status status = open_for_reading(env, request, source); !status.ok()) return status;
   char byte = '\0';
   if (source->read(&byte, 1) == 1) {
-    format = byte == '\n' && goes_on_as_sav(*source) ? Format::sav : format_of_first_byte(byte);
+    format = byte == '\n' && has_sav_signature(*source) ? Format::sav : format_of_first_byte(byte);
   } else if (!source->finish()) {
     return fail(env, TVK_ERROR_OPEN_FOR_READING, name);
   }

@@ -45,38 +45,38 @@ class Display {
       : names_(display_names(model)), sink_(text), out_(sink_), items_(model, names_, out_) {}
   void finish() { out_.close(); }
   const lp_format::ItemNames& names() const { return names_; }
-  lp_format::Items& items() { return items_; }
+  lp_format::ItemWriter& items() { return items_; }
 
  private:
   lp_format::ItemNames names_;
   TextSink sink_;
   TextWriter out_;
-  lp_format::Items items_;
+  lp_format::ItemWriter items_;
 };
 
 /* What is said of a kind of items, and how one is shown. */
 struct Kind {
   const char* plural;
   const WriterNames lp_format::ItemNames::*names;
-  void (*show)(lp_format::Items& items, int k);
+  void (*show)(lp_format::ItemWriter& items, int k);
 };
 
 const Kind& kind_of(Item item) {
   static constexpr Kind kKinds[] = {
       {"constraints", &lp_format::ItemNames::rows,
-       [](lp_format::Items& items, int k) { items.rows(k, k + 1); }},
+       [](lp_format::ItemWriter& items, int k) { items.rows(k, k + 1); }},
       {"quadratic constraints", &lp_format::ItemNames::quadratic,
-       [](lp_format::Items& items, int k) { items.quadratic_row(k); }},
+       [](lp_format::ItemWriter& items, int k) { items.quadratic_row(k); }},
       {"indicator constraints", &lp_format::ItemNames::indicators,
-       [](lp_format::Items& items, int k) { items.indicator(k); }},
+       [](lp_format::ItemWriter& items, int k) { items.indicator(k); }},
       {"user cuts", &lp_format::ItemNames::user_cuts,
-       [](lp_format::Items& items, int k) { items.user_cut(k); }},
+       [](lp_format::ItemWriter& items, int k) { items.user_cut(k); }},
       {"lazy constraints", &lp_format::ItemNames::lazy,
-       [](lp_format::Items& items, int k) { items.lazy_constraint(k); }},
+       [](lp_format::ItemWriter& items, int k) { items.lazy_constraint(k); }},
       {"special ordered sets", &lp_format::ItemNames::sets,
-       [](lp_format::Items& items, int k) { items.set(k); }},
+       [](lp_format::ItemWriter& items, int k) { items.set(k); }},
       {"variables", &lp_format::ItemNames::columns,
-       [](lp_format::Items& items, int k) { items.every_bound(k); }},
+       [](lp_format::ItemWriter& items, int k) { items.every_bound(k); }},
   };
   return kKinds[static_cast<std::size_t>(item)];
 }

@@ -1,5 +1,5 @@
 /* A model in words for people to read: rows, bounds, types and the like in the form of an LP file, chosen by
- * range and by a pattern of their names, and a summary. Problems without names show made-up ones; names stand
+ * range and by a pattern of their names, and a summary. Problems without names show generated ones; names stand
  * as they are, also where a file could not hold them. Ranged rows have their two ends.
  *
  * The text of one call is made whole before anybody sees it, so that a destination of the channel may do what

@@ -30,7 +30,7 @@ bool begins_value(std::string_view text) {
 bool BoundReader::read_section() {
   constexpr int kAhead = 3;
   while (scanner_.more()) {
-    builder_.fetch_column(scanner_.coming_name(kAhead));  // its place is on the way while others are read
+    builder_.prefetch_column(scanner_.coming_name(kAhead));  // its place is on the way while others are read
     if (!builder_.count_bound() || !read_statement()) return false;
   }
   return !messages_.failed();

@@ -91,10 +91,10 @@ bool Builder::set_objective(std::string_view name, const Expression& expression,
   return finite || messages_.fail(ReadFailure::at(TVK_ERROR_LINE_NUMBER_CONVERSION, line, "inf"));
 }
 
-bool Builder::take_name(std::string_view name, RowKind kind, int line) {
+bool Builder::register_name(std::string_view name, RowKind kind, int line) {
   if (name.empty()) return true;
   const std::size_t k = static_cast<std::size_t>(kind);
-  if (taken_[k].intern(name).added) return true;
+  if (used_names_[k].intern(name).added) return true;
   return messages_.fail(ReadFailure::at(TVK_ERROR_LINE_ENTRY_REPEATS, line, kKindNames[k], name));
 }
 
@@ -106,8 +106,8 @@ bool Builder::add_row(std::string_view name, const Expression& expression, RowLi
   if (static_cast<std::int64_t>(terms) > kMaxEntries) {
     return messages_.fail(ReadFailure::plain(TVK_ERROR_TOO_MANY_COEFFICIENTS));
   }
-  if (!take_name(name, RowKind::row, line)) return false;
-  row_name_.push_back(name.empty() ? -1 : taken_[0].size() - 1);
+  if (!register_name(name, RowKind::row, line)) return false;
+  row_name_.push_back(name.empty() ? -1 : used_names_[0].size() - 1);
   term_column_.insert(term_column_.end(), expression.columns.begin(), expression.columns.end());
   term_value_.insert(term_value_.end(), expression.values.begin(), expression.values.end());
   row_start_.push_back(static_cast<std::int64_t>(terms));
@@ -120,33 +120,33 @@ bool Builder::add_row(std::string_view name, const Expression& expression, RowLi
 
 bool Builder::add_quadratic_row(std::string_view name, const Expression& expression, RowLimits limits,
                                 int line) {
-  if (!take_name(name, RowKind::quadratic, line)) return false;
+  if (!register_name(name, RowKind::quadratic, line)) return false;
   model_.quadratic_rows.push_back({named_row(name, expression, limits), expression.quadratic});
   return true;
 }
 
 bool Builder::add_indicator(std::string_view name, const Expression& expression, RowLimits limits, int column,
                             bool active_at_one, int line) {
-  if (!take_name(name, RowKind::indicator, line)) return false;
+  if (!register_name(name, RowKind::indicator, line)) return false;
   model_.indicators.push_back({named_row(name, expression, limits), column, active_at_one});
   return true;
 }
 
 bool Builder::add_lazy_constraint(std::string_view name, const Expression& expression, RowLimits limits,
                                   int line) {
-  if (!take_name(name, RowKind::lazy, line)) return false;
+  if (!register_name(name, RowKind::lazy, line)) return false;
   model_.lazy_constraints.push_back(named_row(name, expression, limits));
   return true;
 }
 
 bool Builder::add_user_cut(std::string_view name, const Expression& expression, RowLimits limits, int line) {
-  if (!take_name(name, RowKind::user_cut, line)) return false;
+  if (!register_name(name, RowKind::user_cut, line)) return false;
   model_.user_cuts.push_back(named_row(name, expression, limits));
   return true;
 }
 
 bool Builder::add_set(std::string_view name, char type, int line) {
-  if (!name.empty() && !taken_sets_.intern(name).added) {
+  if (!name.empty() && !used_set_names_.intern(name).added) {
     return messages_.fail(ReadFailure::at(TVK_ERROR_LINE_ENTRY_REPEATS, line, "SOS", name));
   }
   model_.sets.push_back({std::string(name), type, {}});
@@ -200,7 +200,7 @@ void Builder::declare_semicontinuous(int column) {
 }
 
 /* Binary columns get the bounds that the file left open, 0 and 1. */
-void Builder::settle_binaries() {
+void Builder::finalize_binaries() {
   bool other_bounds = false;
   for (std::size_t j = 0; j < notes_.size(); ++j) {
     if ((notes_[j] & kBinary) == 0) continue;
@@ -211,7 +211,7 @@ void Builder::settle_binaries() {
     messages_.log().warning("Warning:  Binary variables declared with bounds other than 0 and 1.\n");
 }
 
-void Builder::turn_into_columns() {
+void Builder::transpose_rows() {
   std::vector<std::int64_t>& start = model_.start;
   start.assign(model_.objective.size() + 1, 0);
   for (const int j : term_column_) ++start[static_cast<std::size_t>(j) + 1];
@@ -233,11 +233,11 @@ void Builder::turn_into_columns() {
 }
 
 void Builder::finish(FileModel& model) {
-  settle_binaries();
-  turn_into_columns();
+  finalize_binaries();
+  transpose_rows();
   if (!model_.range.empty()) model_.range.resize(model_.rhs.size(), 0.0);
   model_.columns = std::move(columns_);
-  model_.rows = row_names(std::move(taken_[0]), row_name_);
+  model_.rows = row_names(std::move(used_names_[0]), row_name_);
   model = std::move(model_);
   fold_range_columns(model);
 }

@@ -42,13 +42,13 @@ class Builder {
   /* bytes: length of the file, 0 when not known. */
   Builder(const ReadOptions& options, std::size_t bytes, Messages& messages);
 
-  /* The column of a name, created when new; -1 after a failure. The key may be made and fetched before. */
+  /* The column of a name, created when new; -1 after a failure. The key may be made and prefetched before. */
   int column(std::string_view name) { return column(name, NameTable::key_of(name)); }
   int column(std::string_view name, const NameTable::Key& key);
-  void fetch_row(std::string_view name) const { taken_[0].fetch(NameTable::key_of(name)); }
-  NameTable::Key fetch_column(std::string_view name) const {
+  void prefetch_row(std::string_view name) const { used_names_[0].prefetch(NameTable::key_of(name)); }
+  NameTable::Key prefetch_column(std::string_view name) const {
     const NameTable::Key key = NameTable::key_of(name);
-    columns_.fetch(key);
+    columns_.prefetch(key);
     return key;
   }
   int find_column(std::string_view name) const { return columns_.find(name); }
@@ -84,10 +84,10 @@ class Builder {
  private:
   enum ColumnNote : unsigned char { kLowerGiven = 1, kUpperGiven = 2, kBinary = 4 };
 
-  bool take_name(std::string_view name, RowKind kind, int line);
+  bool register_name(std::string_view name, RowKind kind, int line);
   void type_of(int column, char wanted);
-  void settle_binaries();
-  void turn_into_columns();
+  void finalize_binaries();
+  void transpose_rows();
 
   Messages& messages_;
   FileModel model_;
@@ -97,8 +97,8 @@ class Builder {
   std::vector<std::int64_t> row_start_;
   std::vector<int> term_column_;
   std::vector<double> term_value_;
-  NameTable taken_[kRowKinds];
-  NameTable taken_sets_;
+  NameTable used_names_[kRowKinds];
+  NameTable used_set_names_;
   std::vector<int> row_name_;  // id among the taken row names, or -1
   std::int64_t bounds_ = 0;
 };

@@ -75,7 +75,7 @@ ExpressionReader::Step ExpressionReader::read_next(bool first) {
   }
   if (is(scanner_.peek(), kNumberStart)) {
     if (read_coefficient(term, first) == Step::stop) return Step::stop;
-    if (term.has_number && !is(scanner_.peek(), kNameStart)) return Step::go_on;  // a constant
+    if (term.has_number && !is(scanner_.peek(), kNameStart)) return Step::proceed;  // a constant
   }
   return read_variable(term, first);
 }
@@ -94,7 +94,7 @@ ExpressionReader::Step ExpressionReader::read_sign(Term& term, bool bracket_allo
   if (is(c, kQuadratic) && !(c == '[' && bracket_allowed)) {
     return fail(ReadFailure::at(TVK_ERROR_LINES_ADJACENT_SIGN_AND_QUADRATIC, line, scanner_.line()));
   }
-  return Step::go_on;
+  return Step::proceed;
 }
 
 /* The number of a term. Goes on at the name that it belongs to, or, in the objective, behind a constant. */
@@ -105,12 +105,12 @@ ExpressionReader::Step ExpressionReader::read_coefficient(Term& term, bool first
   term.has_number = true;
   const bool constant_allowed = rules_.place == Place::objective;
   const bool goes_on = more();
-  if (goes_on && is(scanner_.peek(), kNameStart)) return Step::go_on;
+  if (goes_on && is(scanner_.peek(), kNameStart)) return Step::proceed;
   if (messages_.failed()) return stop(Stop::failed);
   const char c = scanner_.peek();
   if (constant_allowed && (!goes_on || is(c, kSign))) {
     expression_->constant += term.factor;
-    return Step::go_on;
+    return Step::proceed;
   }
   if (!goes_on) return ended_inside();
   if (is(c, kSense) && first && rules_.number_allowed && !constant_allowed) {
@@ -143,9 +143,9 @@ ExpressionReader::Step ExpressionReader::read_variable(const Term& term, bool fi
     scanner_.step();
     label_ = name;
     label_line_ = scanner_.line();
-    builder_.fetch_row(name);
+    builder_.prefetch_row(name);
     labelled_ = true;
-    return Step::go_on;
+    return Step::proceed;
   }
   if (first && term.has_sign && !term.has_number && rules_.number_allowed && is(next, kSense) &&
       rules_.place != Place::objective && is_infinity(name)) {
@@ -156,10 +156,10 @@ ExpressionReader::Step ExpressionReader::read_variable(const Term& term, bool fi
     return fail(ReadFailure::at(TVK_ERROR_LINE_QUADRATIC_IN_CONSTRAINT, scanner_.line()));
   }
   last_line_ = scanner_.line();
-  pending_.push_back({builder_.fetch_column(name), name});
+  pending_.push_back({builder_.prefetch_column(name), name});
   expression_->columns.push_back(NameTable::kNone);
   expression_->values.push_back(term.factor);
-  return Step::go_on;
+  return Step::proceed;
 }
 
 ExpressionReader::Step ExpressionReader::read_column(int& column) {
@@ -170,7 +170,7 @@ ExpressionReader::Step ExpressionReader::read_column(int& column) {
   if (looks_like_exponent(name))
     return fail(ReadFailure::at(TVK_ERROR_LINE_IDENTIFIER, scanner_.line(), name));
   column = builder_.column(name);
-  return column < 0 ? stop(Stop::failed) : Step::go_on;
+  return column < 0 ? stop(Stop::failed) : Step::proceed;
 }
 
 /* A whole bracket. In the objective its terms are halved by the divisor behind it. */
@@ -187,7 +187,7 @@ ExpressionReader::Step ExpressionReader::read_quadratic(double factor) {
   if (rules_.place == Place::objective && read_divisor(scale) == Step::stop) return Step::stop;
   for (std::size_t k = begin; k < expression_->quadratic.size(); ++k)
     expression_->quadratic[k].value *= scale;
-  return Step::go_on;
+  return Step::proceed;
 }
 
 ExpressionReader::Step ExpressionReader::read_quadratic_term(bool first, bool& closed) {
@@ -198,7 +198,7 @@ ExpressionReader::Step ExpressionReader::read_quadratic_term(bool first, bool& c
     scanner_.step();
     closed = true;
     last_line_ = scanner_.line();
-    return Step::go_on;
+    return Step::proceed;
   } else if (!first) {
     return fail(ReadFailure::at(TVK_ERROR_LINE_EXPECTED_SIGN, scanner_.line(), scanner_.peek()));
   }
@@ -216,7 +216,7 @@ ExpressionReader::Step ExpressionReader::read_quadratic_term(bool first, bool& c
     return fail(ReadFailure::plain(TVK_ERROR_TOO_MANY_COEFFICIENTS));
   }
   expression_->quadratic.push_back({column, other, term.factor});
-  return Step::go_on;
+  return Step::proceed;
 }
 
 /* "^ 2" or "* name" behind the first name of a quadratic term. */
@@ -235,7 +235,7 @@ ExpressionReader::Step ExpressionReader::read_power(int& other, int column) {
   if (!scanner_.read_number(exponent)) return stop(Stop::failed);
   if (exponent != 2) return fail(ReadFailure::at(TVK_ERROR_LINE_EXPONENT_NOT_2, scanner_.line()));
   other = column;
-  return Step::go_on;
+  return Step::proceed;
 }
 
 /* "/ 2" behind the objective's bracket. Without it the bracket counts in full. */
@@ -244,7 +244,7 @@ ExpressionReader::Step ExpressionReader::read_divisor(double& scale) {
   if (!more() || scanner_.peek() != '/') {
     if (messages_.failed()) return stop(Stop::failed);
     messages_.log().warn("Warning, line %d: Deprecated format, expecting '] / 2'.\n", line);
-    return Step::go_on;
+    return Step::proceed;
   }
   scanner_.step();
   double divisor = 0;
@@ -254,11 +254,11 @@ ExpressionReader::Step ExpressionReader::read_divisor(double& scale) {
   if (messages_.failed()) return stop(Stop::failed);
   if (divisor != 2) return fail(ReadFailure::at(TVK_ERROR_LINE_QUADRATIC_DIVISOR, scanner_.line()));
   scale /= 2;
-  return Step::go_on;
+  return Step::proceed;
 }
 
 ExpressionReader::Stop ExpressionReader::read_right_side(double& value) {
-  const auto result = [this](Step step) { return step == Step::go_on ? Stop::at_sense : stop_; };
+  const auto result = [this](Step step) { return step == Step::proceed ? Stop::at_sense : stop_; };
   const auto failed = [this, &result](ReadFailure failure) { return result(fail(std::move(failure))); };
   if (!more()) return messages_.failed() ? Stop::failed : Stop::ended;
   Term term;

@@ -49,7 +49,7 @@ class ExpressionReader {
   Stop read_right_side(double& value);
 
  private:
-  enum class Step { go_on, stop };
+  enum class Step { proceed, stop };
   struct Term {
     double factor = 1;  // sign and number
     bool has_sign = false;

@@ -10,7 +10,7 @@
 namespace tovik::fileio::lp_format {
 
 /* Columns that stand in no expression come with a zero, so that the file knows them. */
-void Items::objective() {
+void ItemWriter::objective() {
   lines_.label(names_.objective);
   const std::vector<char> elsewhere = columns_in_families(families_, model_.num_columns());
   const auto cost = model_.objective();
@@ -26,7 +26,7 @@ void Items::objective() {
 }
 
 /* The bracket is halved by the reader. */
-void Items::quadratic_objective() {
+void ItemWriter::quadratic_objective() {
   lines_.piece(" + [");
   lines_.begin_expression();
   for (const model::QuadraticTerm& term : families_.quadratic_objective.terms()) {
@@ -37,7 +37,7 @@ void Items::quadratic_objective() {
 
 /* The names of a row lie all over the memory: they are sent for some rows ahead, first where their texts are,
  * then the texts. */
-void Items::rows(int begin, int end) {
+void ItemWriter::rows(int begin, int end) {
   constexpr int kAhead = 4;
   std::array<model::VectorView, 2 * kAhead> coming;
   const auto slot = [&coming](int i) -> model::VectorView& {
@@ -45,12 +45,12 @@ void Items::rows(int begin, int end) {
   };
   for (int i = begin; i < end + 2 * kAhead; ++i) {
     if (i >= begin + 2 * kAhead) row(i - 2 * kAhead, slot(i));
-    if (i >= begin + kAhead && i < end + kAhead) names_.columns.fetch_texts(slot(i - kAhead));
-    if (i < end) names_.columns.fetch_places(slot(i) = model_.row(i));
+    if (i >= begin + kAhead && i < end + kAhead) names_.columns.prefetch_texts(slot(i - kAhead));
+    if (i < end) names_.columns.prefetch_places(slot(i) = model_.row(i));
   }
 }
 
-void Items::row(int i, model::VectorView view) {
+void ItemWriter::row(int i, model::VectorView view) {
   const auto at = static_cast<std::size_t>(i);
   const char sense = model_.sense()[at];
   lines_.label(names_.rows[i]);
@@ -60,7 +60,7 @@ void Items::row(int i, model::VectorView view) {
 }
 
 /* An infinite range leaves one side. */
-void Items::ranged_row(int i, model::VectorView view) {
+void ItemWriter::ranged_row(int i, model::VectorView view) {
   const auto at = static_cast<std::size_t>(i);
   const double rhs = model_.rhs()[at], range = model_.range()[at];
   const double low = range < 0 ? rhs + range : rhs;
@@ -79,12 +79,12 @@ void Items::ranged_row(int i, model::VectorView view) {
 }
 
 /* A row without terms still needs a column. */
-void Items::terms(model::VectorView terms) {
+void ItemWriter::terms(model::VectorView terms) {
   for (int k = 0; k < terms.count; ++k) lines_.term(terms.value[k], names_.columns[terms.index[k]]);
   if (terms.count == 0) lines_.term(0, names_.columns.size() > 0 ? names_.columns[0] : "x1");
 }
 
-void Items::end(char sense, double rhs) {
+void ItemWriter::end(char sense, double rhs) {
   switch (sense) {
     case 'L':
       lines_.number(" <= ", rhs);
@@ -101,7 +101,7 @@ void Items::end(char sense, double rhs) {
   lines_.end();
 }
 
-void Items::quadratic_row(int k) {
+void ItemWriter::quadratic_row(int k) {
   const auto at = static_cast<std::size_t>(k);
   const model::RowPool& linear = families_.quadratic_rows.linear();
   const auto products = families_.quadratic_rows.terms(k);
@@ -118,7 +118,7 @@ void Items::quadratic_row(int k) {
   end(linear.sense()[at], linear.rhs()[at]);
 }
 
-void Items::indicator(int k) {
+void ItemWriter::indicator(int k) {
   const auto at = static_cast<std::size_t>(k);
   const model::Indicators& indicators = families_.indicators;
   lines_.label(names_.indicators[k]);
@@ -129,14 +129,14 @@ void Items::indicator(int k) {
   end(indicators.rows().sense()[at], indicators.rows().rhs()[at]);
 }
 
-void Items::cut(const model::RowPool& rows, const WriterNames& names, int k) {
+void ItemWriter::cut(const model::RowPool& rows, const WriterNames& names, int k) {
   const auto at = static_cast<std::size_t>(k);
   lines_.label(names[k]);
   terms(rows.row(k));
   end(rows.sense()[at], rows.rhs()[at]);
 }
 
-void Items::set(int k) {
+void ItemWriter::set(int k) {
   const model::VectorView members = families_.sets.members(k);
   lines_.label(names_.sets[k]);
   lines_.piece(families_.sets.type()[static_cast<std::size_t>(k)] == '1' ? " S1 ::" : " S2 ::");
@@ -145,14 +145,14 @@ void Items::set(int k) {
 }
 
 /* What the reader assumes without a statement: 0 and infinity, for binary columns 0 and 1. */
-void Items::bounds(int j) {
+void ItemWriter::bounds(int j) {
   const auto at = static_cast<std::size_t>(j);
   const double lower = model_.lower()[at], upper = model_.upper()[at];
   const bool binary = type_of(model_, j) == 'B';
   if (lower != 0 || (binary ? upper != 1 : !(upper >= kInfinity))) every_bound(j);
 }
 
-void Items::every_bound(int j) {
+void ItemWriter::every_bound(int j) {
   const auto at = static_cast<std::size_t>(j);
   const double lower = model_.lower()[at], upper = model_.upper()[at];
   const std::string_view name = names_.columns[j];
@@ -167,13 +167,13 @@ void Items::every_bound(int j) {
   }
 }
 
-void Items::range_column_bounds(int i) {
+void ItemWriter::range_column_bounds(int i) {
   const auto at = static_cast<std::size_t>(i);
   if (const std::string* const column = range_column(at))
     lines_.statement(0, *column, std::fabs(model_.range()[at]));
 }
 
-void Items::columns_of_types(std::string_view header, std::string_view types) {
+void ItemWriter::columns_of_types(std::string_view header, std::string_view types) {
   if (model_.column_types().empty()) return;
   bool open = false;
   for (int j = 0; j < model_.num_columns(); ++j) {
@@ -185,12 +185,12 @@ void Items::columns_of_types(std::string_view header, std::string_view types) {
   if (open) lines_.end();
 }
 
-void Items::column_list(std::span<const int> columns) {
+void ItemWriter::column_list(std::span<const int> columns) {
   for (const int j : columns) lines_.name(names_.columns[j]);
   if (!columns.empty()) lines_.end();
 }
 
-void Items::whole() {
+void ItemWriter::whole() {
   header(model_.objective_sense() >= 0 ? "Minimize" : "Maximize");
   objective();
   all_constraints();
@@ -206,7 +206,7 @@ void Items::whole() {
   header("End");
 }
 
-void Items::all_constraints() {
+void ItemWriter::all_constraints() {
   const int quadratic = families_.quadratic_rows.size(), indicators = families_.indicators.size();
   if (model_.num_rows() + quadratic + indicators == 0) return;
   header("Subject To");
@@ -215,7 +215,7 @@ void Items::all_constraints() {
   for (int k = 0; k < indicators; ++k) indicator(k);
 }
 
-void Items::all_cuts() {
+void ItemWriter::all_cuts() {
   const int cuts = families_.user_cuts.size(), lazy = families_.lazy_constraints.size();
   if (cuts > 0) header("User Cuts");
   for (int k = 0; k < cuts; ++k) user_cut(k);

@@ -24,9 +24,9 @@ struct ItemNames {
   std::vector<std::string> range_columns;
 };
 
-class Items {
+class ItemWriter {
  public:
-  Items(const model::Model& model, const ItemNames& names, TextWriter& out)
+  ItemWriter(const model::Model& model, const ItemNames& names, TextWriter& out)
       : model_(model), families_(model.families()), names_(names), lines_(out) {}
 
   void objective();
@@ -64,7 +64,7 @@ class Items {
   const model::Model& model_;
   const model::Families& families_;
   const ItemNames& names_;
-  Lines lines_;
+  LineWriter lines_;
 };
 
 /* 'C' where the model has no types. */

@@ -13,15 +13,15 @@ constexpr std::size_t kIndent = kBreak.size() - 1;
 
 }  // namespace
 
-const std::size_t Lines::kLongestPiece = 2 * kMaxNameLength + 2 * kNumberText + 32;
+const std::size_t LineWriter::kLongestPiece = 2 * kMaxNameLength + 2 * kNumberText + 32;
 
-void Lines::header(std::string_view text) {
+void LineWriter::header(std::string_view text) {
   out_.put(text);
   out_.put('\n');
 }
 
 /* The piece stands where begin_piece() said. */
-void Lines::end_piece(char* end) {
+void LineWriter::end_piece(char* end) {
   char* const begin = out_.at();
   const auto size = static_cast<std::size_t>(end - begin);
   used_ += size;
@@ -34,17 +34,17 @@ void Lines::end_piece(char* end) {
   out_.advance_to(end);
 }
 
-void Lines::piece(std::string_view text) {
+void LineWriter::piece(std::string_view text) {
   end_piece(copy_text(begin_piece(), text));
 }
 
-void Lines::name(std::string_view name) {
+void LineWriter::name(std::string_view name) {
   char* p = begin_piece();
   *p++ = ' ';
   end_piece(copy_text(p, name));
 }
 
-void Lines::label(std::string_view text) {
+void LineWriter::label(std::string_view text) {
   char* p = begin_piece();
   *p++ = ' ';
   p = copy_text(p, text);
@@ -53,12 +53,12 @@ void Lines::label(std::string_view text) {
   first_ = true;
 }
 
-void Lines::end() {
+void LineWriter::end() {
   out_.put('\n');
   used_ = 0;
 }
 
-char* Lines::sign(char* to, bool negative) {
+char* LineWriter::sign(char* to, bool negative) {
   if (!first_ || negative) {
     *to++ = ' ';
     *to++ = negative ? '-' : '+';
@@ -69,7 +69,7 @@ char* Lines::sign(char* to, bool negative) {
 }
 
 /* Sign and number of a term; a factor of one is not written. */
-char* Lines::factor(char* to, double coefficient) {
+char* LineWriter::factor(char* to, double coefficient) {
   const double size = std::fabs(coefficient);
   to = sign(to, coefficient < 0);
   if (size == 1) return to;
@@ -78,24 +78,24 @@ char* Lines::factor(char* to, double coefficient) {
   return to;
 }
 
-void Lines::term(double coefficient, std::string_view name) {
+void LineWriter::term(double coefficient, std::string_view name) {
   end_piece(copy_text(factor(begin_piece(), coefficient), name));
 }
 
-void Lines::product(double coefficient, std::string_view name, std::string_view other) {
+void LineWriter::product(double coefficient, std::string_view name, std::string_view other) {
   char* end = copy_text(factor(begin_piece(), coefficient), name);
   end_piece(name == other ? copy_text(end, "^2") : copy_text(copy_text(end, " * "), other));
 }
 
-void Lines::constant(double value) {
+void LineWriter::constant(double value) {
   end_piece(write_number(sign(begin_piece(), value < 0), std::fabs(value)));
 }
 
-void Lines::number(std::string_view before, double value) {
+void LineWriter::number(std::string_view before, double value) {
   end_piece(write_number(copy_text(begin_piece(), before), value));
 }
 
-void Lines::member(std::string_view name, double weight) {
+void LineWriter::member(std::string_view name, double weight) {
   char* p = begin_piece();
   *p++ = ' ';
   p = copy_text(p, name);
@@ -103,13 +103,13 @@ void Lines::member(std::string_view name, double weight) {
   end_piece(write_number(p, weight));
 }
 
-void Lines::statement(std::string_view name, std::string_view behind) {
+void LineWriter::statement(std::string_view name, std::string_view behind) {
   char* p = begin_piece();
   *p++ = ' ';
   out_.advance_to(copy_text(copy_text(copy_text(p, name), behind), "\n"));
 }
 
-void Lines::statement(std::string_view name, std::string_view sense, double value) {
+void LineWriter::statement(std::string_view name, std::string_view sense, double value) {
   char* p = begin_piece();
   *p++ = ' ';
   p = write_number(copy_text(copy_text(p, name), sense), value);
@@ -117,7 +117,7 @@ void Lines::statement(std::string_view name, std::string_view sense, double valu
   out_.advance_to(p);
 }
 
-void Lines::statement(double lower, std::string_view name, double upper) {
+void LineWriter::statement(double lower, std::string_view name, double upper) {
   char* p = begin_piece();
   *p++ = ' ';
   p = copy_text(write_bound(p, lower), " <= ");
@@ -125,12 +125,12 @@ void Lines::statement(double lower, std::string_view name, double upper) {
   out_.advance_to(copy_text(write_bound(p, upper), "\n"));
 }
 
-char* Lines::write_bound(char* to, double value) {
+char* LineWriter::write_bound(char* to, double value) {
   if (value >= kInfinity) return copy_text(to, "inf");
   return value <= -kInfinity ? copy_text(to, "-inf") : write_number(to, value);
 }
 
-char* Lines::write_number(char* to, double value) {
+char* LineWriter::write_number(char* to, double value) {
   finite_ = finite_ && std::isfinite(value);
   return write_general15(to, value);
 }

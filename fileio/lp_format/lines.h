@@ -10,9 +10,9 @@
 
 namespace tovik::fileio::lp_format {
 
-class Lines {
+class LineWriter {
  public:
-  explicit Lines(TextWriter& out) : out_(out) {}
+  explicit LineWriter(TextWriter& out) : out_(out) {}
 
   void header(std::string_view text);  // a line by itself
   void label(std::string_view name);   // " NAME:", the next term is the first of an expression

@@ -41,7 +41,7 @@ class Messages {
  private:
   ReaderLog& log_;
   ReadFailure failure_;
-  WarningCap names_;
+  WarningLimit names_;
 };
 
 }  // namespace tovik::fileio::lp_format

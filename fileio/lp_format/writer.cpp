@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::string_view kRangePrefix = "Rg";
 
-/* One kind of names: its made-up letter, and its word in the announcement of made-up names. */
+/* One kind of names: its generated letter, and its word in the announcement of generated names. */
 struct Kind {
   char letter;
   const char* words;
@@ -51,14 +51,14 @@ class Writer {
   const WriteOptions& options_;
   ReaderLog& log_;
   ItemNames names_;
-  Items items_;
+  ItemWriter items_;
   bool rewritten_ = false;
 };
 
 WriterNames Writer::names_of(const model::NameTable& table, Kind kind, int count, const NameRules& rules) {
-  if (options_.generic_names || count == 0) return WriterNames::made_up(kind.letter, count);
+  if (options_.generic_names || count == 0) return WriterNames::generated(kind.letter, count);
   WriterNames names = WriterNames::from(table, kind.letter, count, rules);
-  if (names.origin() == WriterNames::Origin::made_up)
+  if (names.origin() == WriterNames::Origin::generated)
     log_.warn("Default %s %c1, %c2 ... being created.\n", kind.words, kind.letter, kind.letter);
   rewritten_ = rewritten_ || names.origin() == WriterNames::Origin::rewritten;
   return names;

@@ -47,7 +47,7 @@ bool needs_value(BoundType type) {
 
 bool is_number(const Field& field) {
   double value;
-  Obstacle why;
+  ParseError why;
   return !field.empty() && read_number(field, Infinite::accepted, value, why);
 }
 
@@ -60,18 +60,18 @@ double folded(double value) {
 bool BoundSection::record(const Record& record) {
   Line line;
   Bound bound;
-  Obstacle why;
+  ParseError why;
   bool taken = false;
   if (rows_.reading_cards()) {
     taken = read_card(record, line, bound, why);
     if (!taken) {
-      Obstacle ignored;
+      ParseError ignored;
       taken = read_free(record, line, bound, why.code != 0 ? ignored : why);
     }
   } else {
     taken = read_free(record, line, bound, why);
     if (!taken) {
-      Obstacle ignored;
+      ParseError ignored;
       taken = read_card(record, line, bound, ignored);
       const auto blank = [](const Field& name) { return name.view().find(' ') != std::string_view::npos; };
       if (taken && (blank(line.set) || blank(line.column))) rows_.read_cards();
@@ -87,26 +87,26 @@ bool BoundSection::record(const Record& record) {
   return apply(bound, record.line);
 }
 
-bool BoundSection::read_card(const Record& record, Line& line, Bound& bound, Obstacle& why) {
+bool BoundSection::read_card(const Record& record, Line& line, Bound& bound, ParseError& why) {
   Record card;
   if (!scan_fixed(record, card)) return false;
   bound.type = bound_type(card.field[0]);
   if (bound.type == BoundType::none) {
-    why = card.field[0].empty() ? Obstacle{TVK_ERROR_LINE_NO_BOUND_TYPE, Field{}}
-                                : Obstacle{TVK_ERROR_LINE_BOUND_TYPE, card.field[0]};
+    why = card.field[0].empty() ? ParseError{TVK_ERROR_LINE_NO_BOUND_TYPE, Field{}}
+                                : ParseError{TVK_ERROR_LINE_BOUND_TYPE, card.field[0]};
     return false;
   }
   line = {card.field[0], card.field[1], card.field[2], card.field[3]};
   return resolve(line, bound, why);
 }
 
-bool BoundSection::read_free(const Record& record, Line& line, Bound& bound, Obstacle& why) {
+bool BoundSection::read_free(const Record& record, Line& line, Bound& bound, ParseError& why) {
   bound.type = bound_type(record.field[0]);
   if (bound.type == BoundType::none) {
     // A line that begins where the set name belongs lacks its type.
     const bool missing = record.field[0].text - record.begin >= 4;
-    why = missing ? Obstacle{TVK_ERROR_LINE_NO_BOUND_TYPE, Field{}}
-                  : Obstacle{TVK_ERROR_LINE_BOUND_TYPE, record.field[0]};
+    why = missing ? ParseError{TVK_ERROR_LINE_NO_BOUND_TYPE, Field{}}
+                  : ParseError{TVK_ERROR_LINE_BOUND_TYPE, record.field[0]};
     return false;
   }
   if (record.count > 4) {
@@ -145,7 +145,7 @@ bool BoundSection::split_free(const Record& record, BoundType type, Line& line) 
   return true;
 }
 
-bool BoundSection::resolve(const Line& line, Bound& bound, Obstacle& why) {
+bool BoundSection::resolve(const Line& line, Bound& bound, ParseError& why) {
   bound.counts = set_.counts(line.set);
   if (!bound.counts) return true;
   bound.column = find_column(line.column);
@@ -168,7 +168,7 @@ int BoundSection::find_column(const Field& name) {
   return found;
 }
 
-bool BoundSection::give(std::size_t column, unsigned which, int line) {
+bool BoundSection::mark_given(std::size_t column, unsigned which, int line) {
   if ((given_[column] & which) != 0)
     return context_.fail(
         which == kUpper ? TVK_ERROR_LINE_REPEATED_UPPER_BOUND : TVK_ERROR_LINE_REPEATED_LOWER_BOUND, line);
@@ -176,7 +176,7 @@ bool BoundSection::give(std::size_t column, unsigned which, int line) {
   return true;
 }
 
-bool BoundSection::give_both(std::size_t column, int code, int line) {
+bool BoundSection::mark_both_given(std::size_t column, int code, int line) {
   if (given_[column] != 0) return context_.fail(code, line);
   given_[column] = kLower | kUpper;
   return true;
@@ -198,7 +198,7 @@ bool BoundSection::apply(const Bound& bound, int line) {
     case BoundType::ui:
     case BoundType::sc:
     case BoundType::pl:
-      if (!give(j, kUpper, line)) return false;
+      if (!mark_given(j, kUpper, line)) return false;
       model.upper[j] = bound.type == BoundType::pl ? kInfinity : value;
       if (bound.type == BoundType::ui) set_type(j, 'I');
       if (bound.type == BoundType::sc) set_type(j, type_of(j) == 'C' || type_of(j) == 'S' ? 'S' : 'N');
@@ -206,21 +206,21 @@ bool BoundSection::apply(const Bound& bound, int line) {
     case BoundType::lo:
     case BoundType::li:
     case BoundType::mi:
-      if (!give(j, kLower, line)) return false;
+      if (!mark_given(j, kLower, line)) return false;
       model.lower[j] = bound.type == BoundType::mi ? -kInfinity : value;
       if (bound.type == BoundType::li) set_type(j, type_of(j) == 'S' || type_of(j) == 'N' ? 'N' : 'I');
       return true;
     case BoundType::fx:
-      if (!give_both(j, TVK_ERROR_LINE_FX_AFTER_BOUND, line)) return false;
+      if (!mark_both_given(j, TVK_ERROR_LINE_FX_AFTER_BOUND, line)) return false;
       model.lower[j] = model.upper[j] = value;
       return true;
     case BoundType::fr:
-      if (!give_both(j, TVK_ERROR_LINE_FR_AFTER_BOUND, line)) return false;
+      if (!mark_both_given(j, TVK_ERROR_LINE_FR_AFTER_BOUND, line)) return false;
       model.lower[j] = -kInfinity;
       model.upper[j] = kInfinity;
       return true;
     case BoundType::bv:
-      if (!give_both(j, TVK_ERROR_LINE_BV_AFTER_BOUND, line)) return false;
+      if (!mark_both_given(j, TVK_ERROR_LINE_BV_AFTER_BOUND, line)) return false;
       model.lower[j] = 0;
       model.upper[j] = 1;
       set_type(j, 'B');
@@ -234,21 +234,21 @@ bool BoundSection::apply(const Bound& bound, int line) {
 void BoundSection::close() {
   for (std::size_t j = 0; j < given_.size(); ++j) {
     if (given_[j] == 0) continue;
-    if (given_[j] != (kLower | kUpper)) settle(j);
+    if (given_[j] != (kLower | kUpper)) finalize(j);
     if (!context_.model.types.empty()) check_integrality(j);
   }
-  const auto tell = [this](const WarningCap& cap, const char* what) {
+  const auto report_suppressed = [this](const WarningLimit& cap, const char* what) {
     if (cap.suppressed() > 0) context_.log.warn("%d %s warnings not printed.\n", cap.suppressed(), what);
   };
-  tell(free_, "Column-free");
-  tell(minus_infinity_, "Minus-infinity");
-  tell(fixed_, "Column-fixed");
-  tell(semicontinuous_, "semi-continuous bound");
-  tell(integrality_, "Bound-integrality");
+  report_suppressed(free_, "Column-free");
+  report_suppressed(minus_infinity_, "Minus-infinity");
+  report_suppressed(fixed_, "Column-fixed");
+  report_suppressed(semicontinuous_, "semi-continuous bound");
+  report_suppressed(integrality_, "Bound-integrality");
 }
 
 /* A column with one bound given. */
-void BoundSection::settle(std::size_t j) {
+void BoundSection::finalize(std::size_t j) {
   FileModel& model = context_.model;
   ReaderLog& log = context_.log;
   const char* name = model.columns.c_str(static_cast<int>(j));

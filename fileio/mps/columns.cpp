@@ -35,10 +35,8 @@ bool ColumnSection::other_record(const Record& record) {
     if (record.field[k].is("'MARKER'")) return marker_record(record, k);
   ResolvedPairs resolved;
   Pairs pairs;
-  Obstacle why;
-  const auto attempt = [&](const Pairs& read, Obstacle& obstacle) {
-    return resolve(read, resolved, obstacle);
-  };
+  ParseError why;
+  const auto attempt = [&](const Pairs& read, ParseError& error) { return resolve(read, resolved, error); };
   if (!try_readings(record, rows_.reading_cards(), Naming::required, attempt, pairs, why))
     return why.report(context_, record.line);
   if (has_blank_name(pairs)) rows_.read_cards();
@@ -50,7 +48,7 @@ bool ColumnSection::other_record(const Record& record) {
   return true;
 }
 
-bool ColumnSection::resolve(const Pairs& pairs, ResolvedPairs& resolved, Obstacle& why) {
+bool ColumnSection::resolve(const Pairs& pairs, ResolvedPairs& resolved, ParseError& why) {
   for (std::size_t pair = 0; pair < static_cast<std::size_t>(pairs.count); ++pair) {
     resolved[pair] = {rows_.find(pairs.row[pair]), 0.0};
     if (!resolved[pair].row) {
@@ -141,7 +139,7 @@ bool ColumnSection::set_marker(const Record& record, std::size_t marker) {
 }
 
 bool ColumnSection::close() {
-  Repeats repeated_columns(TVK_ERROR_MORE_COLUMN_REPEATS);
+  Duplicates repeated_columns(TVK_ERROR_MORE_COLUMN_REPEATS);
   for (const int repeat : context_.model.columns.index_appended())
     repeated_columns.add(ReadFailure::about(TVK_ERROR_COLUMN_REPEATS, context_.model.columns.name(repeat)));
   if (repeated_columns.any()) return repeated_columns.report(context_);

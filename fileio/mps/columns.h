@@ -46,7 +46,7 @@ class ColumnSection {
   bool other_record(const Record& record);
   bool marker_record(const Record& record, std::size_t marker);
   bool set_marker(const Record& record, std::size_t marker);
-  bool resolve(const Pairs& pairs, ResolvedPairs& resolved, Obstacle& why);
+  bool resolve(const Pairs& pairs, ResolvedPairs& resolved, ParseError& why);
   bool is_current(const Field& name) const {
     return name.length == length_ && name.word == word_ &&
            (name.length <= 8 || context_.model.columns.name(column_) == name.view());
@@ -63,8 +63,8 @@ class ColumnSection {
   bool in_set_ = false;
   std::string reference_name_;
   RowIndex::Found reference_;
-  WarningCap unidentified_;
-  Repeats repeated_rows_{0};
+  WarningLimit unidentified_;
+  Duplicates repeated_rows_{0};
 };
 
 }  // namespace tovik::fileio::mps

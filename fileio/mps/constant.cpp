@@ -48,7 +48,7 @@ void fold_constant_column(FileModel& model) {
   model.upper.pop_back();
   if (!model.types.empty()) model.types.pop_back();
   model.start.pop_back();
-  model.columns.drop_last();
+  model.columns.remove_last();
 }
 
 }  // namespace tovik::fileio::mps

@@ -24,22 +24,22 @@ Field exponent_of(const Field& field) {
 
 }  // namespace
 
-void Repeats::add(ReadFailure repeat) {
+void Duplicates::add(ReadFailure repeat) {
   if (!cap_.admit()) return;
   if (any()) {
-    told_.more.push_back(std::move(repeat));
+    reported_.more.push_back(std::move(repeat));
   } else {
-    told_ = std::move(repeat);
+    reported_ = std::move(repeat);
   }
 }
 
-bool Repeats::report(Context& context) {
+bool Duplicates::report(Context& context) {
   if (cap_.suppressed() > 0 && closing_code_ != 0)
-    told_.more.push_back(ReadFailure::at(closing_code_, cap_.suppressed()));
-  return context.fail(std::move(told_));
+    reported_.more.push_back(ReadFailure::at(closing_code_, cap_.suppressed()));
+  return context.fail(std::move(reported_));
 }
 
-bool read_number(const Field& field, Infinite infinite, double& value, Obstacle& why) {
+bool read_number(const Field& field, Infinite infinite, double& value, ParseError& why) {
   const ParsedNumber parsed = parse_number(field.text, field.end());
   if (parsed.kind == ParsedNumber::Kind::number && parsed.end == field.end()) {
     value = parsed.value;
@@ -92,7 +92,7 @@ bool has_blank_name(const Pairs& pairs) {
   return pairs.reading == Reading::fixed && blank;
 }
 
-Obstacle misshapen(const Record& record) {
+ParseError wrong_field_count(const Record& record) {
   if (record.count < 3) return {TVK_ERROR_LINE_NOT_A_ROW, Field{}};
   const int last =
       record.count < 5 ? record.count - 1 : 4;  // the last number, with all that stands behind it

@@ -54,8 +54,8 @@ void split_matrix(FileModel& model, const std::vector<NamedRow*>& target, const 
 
 }  // namespace
 
-void take_out_special_rows(FileModel& model, const std::vector<RowKind>& kinds,
-                           const std::vector<int>& quadratic_rows, const std::vector<int>& indicator_rows) {
+void extract_special_rows(FileModel& model, const std::vector<RowKind>& kinds,
+                          const std::vector<int>& quadratic_rows, const std::vector<int>& indicator_rows) {
   if (kinds.empty()) return;
   const std::vector<NamedRow*> target = destinations(model, kinds, quadratic_rows, indicator_rows);
   std::vector<int> new_row(kinds.size(), -1);

@@ -30,7 +30,7 @@ bool SetSection::header(const Record& record) {
     return context_.fail(ReadFailure::at(TVK_ERROR_LINE_ENTRY_REPEATS, record.line, "SOS", name.view()));
   if (record.count == 3 && !rows_.reading_cards()) {
     double priority;
-    Obstacle why;
+    ParseError why;
     if (!read_number(record.field[2], Infinite::refused, priority, why))
       return why.report(context_, record.line);
     if (std::fabs(priority) > kIntegerLimit)
@@ -50,24 +50,24 @@ bool SetSection::member(const Record& record) {
   SpecialOrderedSet& set = model.sets.back();
   int column = NameTable::kNone;
   double weight = 0;
-  const auto attempt = [&](const Pairs& read, Obstacle& obstacle) {
+  const auto attempt = [&](const Pairs& read, ParseError& error) {
     if (read.count != 1) {
-      obstacle = {TVK_ERROR_LINE_NUMBER_CONVERSION, rest_of_line(record, read.value[0].text)};
+      error = {TVK_ERROR_LINE_NUMBER_CONVERSION, rest_of_line(record, read.value[0].text)};
       return false;
     }
     if (!read.name.empty() && read.name.view() != set.name) {
-      obstacle = {TVK_ERROR_LINE_NOT_A_COLUMN, read.name};
+      error = {TVK_ERROR_LINE_NOT_A_COLUMN, read.name};
       return false;
     }
     column = model.columns.find(read.row[0].view());
     if (column == NameTable::kNone) {
-      obstacle = {TVK_ERROR_LINE_NOT_A_COLUMN, read.row[0]};
+      error = {TVK_ERROR_LINE_NOT_A_COLUMN, read.row[0]};
       return false;
     }
-    return read.value[0].empty() || read_number(read.value[0], Infinite::refused, weight, obstacle);
+    return read.value[0].empty() || read_number(read.value[0], Infinite::refused, weight, error);
   };
   Pairs pairs;
-  Obstacle why;
+  ParseError why;
   if (!try_readings(record, rows_.reading_cards(), Naming::optional, attempt, pairs, why)) {
     if (why.code == TVK_ERROR_LINE_NOT_A_ROW) why = {TVK_ERROR_LINE_NOT_A_COLUMN, record.field[0]};
     return why.report(context_, record.line);
@@ -88,10 +88,9 @@ bool SetSection::member(const Record& record) {
 bool IndicatorSection::record(const Record& record) {
   if (!record.field[0].is_keyword("IF")) return context_.fail(TVK_ERROR_LINE_INDICATOR, record.line);
   Record card;
-  Obstacle why, other;
-  const auto try_card = [&](Obstacle& obstacle) {
-    return scan_fixed(record, card) &&
-           add(card.field[1], card.field[2], card.field[3], record.line, obstacle);
+  ParseError why, other;
+  const auto try_card = [&](ParseError& error) {
+    return scan_fixed(record, card) && add(card.field[1], card.field[2], card.field[3], record.line, error);
   };
   if (rows_.reading_cards() && try_card(other)) return true;
   if (record.count != 4) why = {TVK_ERROR_LINE_INDICATOR, Field{}};
@@ -103,7 +102,7 @@ bool IndicatorSection::record(const Record& record) {
 }
 
 bool IndicatorSection::add(const Field& row_name, const Field& column_name, const Field& value_field,
-                           int line, Obstacle& why) {
+                           int line, ParseError& why) {
   FileModel& model = context_.model;
   const RowIndex::Found row = rows_.find(row_name);
   if (!row) {
@@ -139,7 +138,7 @@ bool IndicatorSection::add(const Field& row_name, const Field& column_name, cons
 
 void IndicatorSection::close() {
   const FileModel& model = context_.model;
-  WarningCap cap;
+  WarningLimit cap;
   const auto warn = [&](const char* format, int column) {
     const std::string text = std::string(format) + "\n";
     const std::size_t name = text.find("%");

@@ -75,7 +75,7 @@ class IndicatorSection {
   const std::vector<int>& rows_in_order() const { return indicator_row_; }
 
  private:
-  bool add(const Field& row, const Field& column, const Field& value, int line, Obstacle& why);
+  bool add(const Field& row, const Field& column, const Field& value, int line, ParseError& why);
 
   Context& context_;
   RowDirectory& rows_;
@@ -84,7 +84,7 @@ class IndicatorSection {
 
 /* Takes user cuts, lazy constraints, quadratic and indicator rows out of the linear rows and into their own
  * lists. Call once, when everything is read. */
-void take_out_special_rows(FileModel& model, const std::vector<RowKind>& kinds,
-                           const std::vector<int>& quadratic_rows, const std::vector<int>& indicator_rows);
+void extract_special_rows(FileModel& model, const std::vector<RowKind>& kinds,
+                          const std::vector<int>& quadratic_rows, const std::vector<int>& indicator_rows);
 
 }  // namespace tovik::fileio::mps

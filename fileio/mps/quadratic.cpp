@@ -37,22 +37,22 @@ bool QuadraticSection::record(const Record& record) {
   int first = NameTable::kNone;
   int second[2] = {NameTable::kNone, NameTable::kNone};
   double value[2] = {0, 0};
-  const auto attempt = [&](const Pairs& read, Obstacle& obstacle) {
+  const auto attempt = [&](const Pairs& read, ParseError& error) {
     first = columns.find(read.name.view());
-    if (first == NameTable::kNone) obstacle = {TVK_ERROR_LINE_NOT_A_COLUMN, read.name};
-    for (std::size_t i = 0; i < static_cast<std::size_t>(read.count) && obstacle.code == 0; ++i) {
+    if (first == NameTable::kNone) error = {TVK_ERROR_LINE_NOT_A_COLUMN, read.name};
+    for (std::size_t i = 0; i < static_cast<std::size_t>(read.count) && error.code == 0; ++i) {
       second[i] = columns.find(read.row[i].view());
       value[i] = 0;
       if (second[i] == NameTable::kNone) {
-        obstacle = {TVK_ERROR_LINE_NOT_A_COLUMN, read.row[i]};
+        error = {TVK_ERROR_LINE_NOT_A_COLUMN, read.row[i]};
       } else if (!read.value[i].empty()) {
-        read_number(read.value[i], Infinite::refused, value[i], obstacle);
+        read_number(read.value[i], Infinite::refused, value[i], error);
       }
     }
-    return obstacle.code == 0;
+    return error.code == 0;
   };
   Pairs pairs;
-  Obstacle why;
+  ParseError why;
   if (!try_readings(record, rows_.reading_cards(), Naming::required, attempt, pairs, why)) {
     if (why.code == TVK_ERROR_LINE_NOT_A_ROW) why = {TVK_ERROR_LINE_NOT_A_COLUMN, Field{}};
     return why.report(context_, record.line);

@@ -131,7 +131,7 @@ class Reader {
   int line_ = 0;
   bool ended_ = false, rows_seen_ = false, columns_seen_ = false, sense_given_ = false;
   bool word_seen_ = false;  // of a section that consists of one word
-  WarningCap truncated_;
+  WarningLimit truncated_;
 };
 
 /* Room for a usual file of that size, so that long lists need not move; what stays unused is never
@@ -379,8 +379,8 @@ bool Reader::finish() {
   indicators_.close();
   if (truncated_.suppressed() > 0)
     context_.log.warn("%d truncation warning messages not printed.\n", truncated_.suppressed());
-  take_out_special_rows(context_.model, rows_.kinds(), quadratic_.rows_in_order(),
-                        indicators_.rows_in_order());
+  extract_special_rows(context_.model, rows_.kinds(), quadratic_.rows_in_order(),
+                       indicators_.rows_in_order());
   fold_constant_column(context_.model);
   return true;
 }

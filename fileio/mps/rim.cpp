@@ -22,9 +22,9 @@ void ChosenSet::choose(Context& context, const Field& name) {
 }
 
 void ChosenSet::skip(Context& context) {
-  if (!said_more_)
+  if (!warned_more_)
     context.log.warn("Warning:  More than one %s set specified. Only the first set is used.\n", word_);
-  said_more_ = true;
+  warned_more_ = true;
 }
 
 RimSection::RimSection(Context& context, RowDirectory& rows, Kind kind)
@@ -33,10 +33,8 @@ RimSection::RimSection(Context& context, RowDirectory& rows, Kind kind)
 bool RimSection::record(const Record& record) {
   Resolved resolved{};
   Pairs pairs;
-  Obstacle why;
-  const auto attempt = [&](const Pairs& read, Obstacle& obstacle) {
-    return resolve(read, resolved, obstacle);
-  };
+  ParseError why;
+  const auto attempt = [&](const Pairs& read, ParseError& error) { return resolve(read, resolved, error); };
   if (!try_readings(record, rows_.reading_cards(), Naming::optional, attempt, pairs, why))
     return why.report(context_, record.line);
   if (has_blank_name(pairs)) rows_.read_cards();
@@ -54,7 +52,7 @@ bool RimSection::record(const Record& record) {
 
 /* Lines of other sets are not looked into, unless the set has no name: then rows must show that this is what
  * it is. */
-bool RimSection::resolve(const Pairs& pairs, Resolved& resolved, Obstacle& why) const {
+bool RimSection::resolve(const Pairs& pairs, Resolved& resolved, ParseError& why) const {
   resolved.counts = set_.counts(pairs.name);
   if (!resolved.counts && !pairs.name.empty()) return true;
   for (std::size_t pair = 0; pair < static_cast<std::size_t>(pairs.count); ++pair) {

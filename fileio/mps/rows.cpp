@@ -56,7 +56,7 @@ void RowDirectory::mark(std::int32_t id, RowKind kind) {
 }
 
 bool RowDirectory::close(int line) {
-  Repeats repeats(TVK_ERROR_MORE_ROW_REPEATS);
+  Duplicates repeats(TVK_ERROR_MORE_ROW_REPEATS);
   for (const std::int32_t id : index_.build(row_keys_, free_row_keys_))
     repeats.add(ReadFailure::about(TVK_ERROR_ROW_REPEATS, text_of(id)));
   if (repeats.any()) return repeats.report(context_);

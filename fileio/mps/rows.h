@@ -24,7 +24,7 @@ class RowDirectory {
   /* One line of a section of rows. */
   bool record(const Record& record, RowKind kind);
   void name_objective(const Field& name) { wanted_objective_.assign(name.view()); }
-  /* Call once, behind the last row: indexes the rows, reports repeats, chooses the objective and tells it. */
+  /* Call once, behind the last row: indexes the rows, reports repeats, chooses the objective and reports it. */
   bool close(int line);
 
   /* When the rows are closed. */

@@ -124,9 +124,9 @@ void announce(ReaderLog& log, const model::NameFamily& family) {
 }
 
 WriterNames Writer::names_of(const model::NameTable& table, const model::NameFamily& family, int count) {
-  if (options_.generic_names || count == 0) return WriterNames::made_up(family.letter, count);
+  if (options_.generic_names || count == 0) return WriterNames::generated(family.letter, count);
   WriterNames names = WriterNames::from(table, family.letter, count, MpsNameRules());
-  if (names.origin() == WriterNames::Origin::made_up) announce(log_, family);
+  if (names.origin() == WriterNames::Origin::generated) announce(log_, family);
   return names;
 }
 
@@ -134,7 +134,7 @@ void Writer::append_names(std::vector<std::string_view>& all, const model::NameT
                           const model::NameFamily& family, int count) {
   if (count == 0) return;
   const bool own = !options_.generic_names && !table.empty();
-  if (!own) made_up_.push_back(WriterNames::made_up(family.letter, count));
+  if (!own) made_up_.push_back(WriterNames::generated(family.letter, count));
   if (!own && !options_.generic_names) announce(log_, family);
   for (int k = 0; k < count; ++k) all.push_back(own ? std::string_view(table.name(k)) : made_up_.back()[k]);
 }
@@ -216,7 +216,7 @@ void Writer::write_head() {
   if (model_.objective_sense() < 0) out_.put("OBJSENSE\n    MAX\n");
 }
 
-/* The sense that a row has in the file, where ranges are told apart from it. */
+/* The sense that a row has in the file, where ranges are separate. */
 char file_sense(char sense, double range) {
   if (sense != 'R') return sense;
   return range >= 0 ? 'G' : 'L';
@@ -260,8 +260,8 @@ void Writer::write_columns() {
   bool integer = false;
   const int columns = model_.num_columns();
   for (int j = 0; j < columns; ++j) {
-    if (j + 2 * kAhead < columns) rows_.fetch_places(model_.column(j + 2 * kAhead));
-    if (j + kAhead < columns) rows_.fetch_texts(model_.column(j + kAhead));
+    if (j + 2 * kAhead < columns) rows_.prefetch_places(model_.column(j + 2 * kAhead));
+    if (j + kAhead < columns) rows_.prefetch_texts(model_.column(j + kAhead));
     if (is_integer(type_of(j)) != integer) {
       integer = !integer;
       write_marker(integer);
@@ -272,7 +272,7 @@ void Writer::write_columns() {
   if (model_.objective_offset() != 0) write_constant();
 }
 
-/* A column without any entry is told by a zero in the objective. */
+/* A column without any entry is stated by a zero in the objective. */
 void Writer::write_column(int j) {
   const model::ColumnView column = model_.column(j);
   const double cost = model_.objective()[static_cast<std::size_t>(j)];
@@ -322,7 +322,7 @@ void Writer::write_bounds() {
 }
 
 /* Where a record tells the upper bound, one tells the lower bound too unless it is 0 and stays so: readers
- * move a lower bound that is not told. A binary column with bounds of its own counts as one between 0 and 1
+ * move a lower bound that is not stated. A binary column with bounds of its own counts as one between 0 and 1
  * unless it is fixed; a fixed one is written as a fixed integer column. */
 void Writer::write_bounds_of(int j) {
   const auto at = static_cast<std::size_t>(j);

@@ -12,7 +12,7 @@ namespace tovik::fileio {
 
 class NetworkFields {
  public:
-  enum class Got { value, nothing, bad };  // nothing: the line ends here
+  enum class FieldStatus { value, nothing, bad };  // nothing: the line ends here
 
   /* The byte behind the line must be a line feed. */
   explicit NetworkFields(std::string_view line) : at_(line.data()), end_(line.data() + line.size()) {
@@ -32,8 +32,8 @@ class NetworkFields {
   }
 
   /* A whole number; one that is out of all bounds comes as the largest or smallest one. */
-  Got integer(std::int64_t& value) {
-    if (at_end()) return Got::nothing;
+  FieldStatus integer(std::int64_t& value) {
+    if (at_end()) return FieldStatus::nothing;
     const char* p = at_;
     const bool negative = *p == '-';
     if (*p == '-' || *p == '+') ++p;
@@ -42,23 +42,23 @@ class NetworkFields {
     value = 0;
     for (; static_cast<unsigned char>(*p - '0') < 10; ++p)
       value = value < kLarge ? 10 * value + (*p - '0') : value;
-    if (p == digits || !ends_at(p)) return Got::bad;
+    if (p == digits || !ends_at(p)) return FieldStatus::bad;
     if (negative) value = -value;
     return leave(p);
   }
 
-  Got number(double& value) {
-    if (at_end()) return Got::nothing;
+  FieldStatus number(double& value) {
+    if (at_end()) return FieldStatus::nothing;
     const ParsedNumber parsed = parse_number(at_, end_);
-    if (parsed.kind != ParsedNumber::Kind::number || !ends_at(parsed.end)) return Got::bad;
+    if (parsed.kind != ParsedNumber::Kind::number || !ends_at(parsed.end)) return FieldStatus::bad;
     value = parsed.value;
     return leave(parsed.end);
   }
 
   /* A number or an infinite one. */
-  Got bound(double& value) {
-    const Got got = number(value);
-    return got == Got::bad ? infinite_bound(value) : got;
+  FieldStatus bound(double& value) {
+    const FieldStatus status = number(value);
+    return status == FieldStatus::bad ? infinite_bound(value) : status;
   }
 
  private:
@@ -67,12 +67,12 @@ class NetworkFields {
   void skip_blanks() {
     while (at_ != end_ && is_blank(*at_)) ++at_;
   }
-  Got leave(const char* p) {
+  FieldStatus leave(const char* p) {
     at_ = p;
     skip_blanks();
-    return Got::value;
+    return FieldStatus::value;
   }
-  Got infinite_bound(double& value) {
+  FieldStatus infinite_bound(double& value) {
     std::string_view word = field();
     const ParsedNumber parsed = parse_number(at_, end_);
     const bool too_large = parsed.kind == ParsedNumber::Kind::out_of_range && ends_at(parsed.end);
@@ -80,10 +80,10 @@ class NetworkFields {
     if (negative || word.starts_with('+')) word.remove_prefix(1);
     const bool inf = starts_with_keyword(word, "INF") && word.size() == 3;
     const bool infinity = starts_with_keyword(word, "INFINITY") && word.size() == 8;
-    if (!too_large && !inf && !infinity) return Got::bad;
+    if (!too_large && !inf && !infinity) return FieldStatus::bad;
     value = negative ? -kInfinity : kInfinity;
     skip_field();
-    return Got::value;
+    return FieldStatus::value;
   }
 
   const char* at_;

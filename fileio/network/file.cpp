@@ -28,7 +28,7 @@ Status read_data(Environment& env, const char* name, model::NetworkData& data) {
 }
 
 model::NameBlock numbered_names(char letter, int count) {
-  const WriterNames names = WriterNames::made_up(letter, count);
+  const WriterNames names = WriterNames::generated(letter, count);
   model::NameBlock block;
   block.offset.reserve(static_cast<std::size_t>(count));
   for (int k = 0; k < count; ++k) block.add(names[k]);

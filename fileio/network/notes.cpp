@@ -24,13 +24,13 @@ char unescaped(char letter) {
 
 }  // namespace
 
-void NotedNames::add(int item, std::string_view name) {
+void CommentNames::add(int item, std::string_view name) {
   if (static_cast<std::size_t>(item) != items_.size()) in_order_ = false;
   names_.add(name);
   items_.push_back(item);
 }
 
-model::NameBlock NotedNames::collect(int count) {
+model::NameBlock CommentNames::collect(int count) {
   if (in_order_ && items_.size() == static_cast<std::size_t>(count)) return std::exchange(names_, {});
   std::vector<const char*> names(static_cast<std::size_t>(count), nullptr);
   bool any = false;

@@ -13,12 +13,12 @@ namespace tovik::fileio {
 inline constexpr std::string_view kNoteStart = "c @";
 
 /* Names of nodes or arcs as they come, in whatever order. */
-class NotedNames {
+class CommentNames {
  public:
-  explicit NotedNames(char letter) : letter_(letter) {}
+  explicit CommentNames(char letter) : letter_(letter) {}
   void add(int item, std::string_view name);
   std::size_t size() const { return items_.size(); }
-  /* One name for each of `count` items: the last that was noted for it, or one made up with the letter. Empty
+  /* One name for each of `count` items: the last that was noted for it, or one generated with the letter. Empty
    * when none of them was named. Takes the names away. */
   model::NameBlock collect(int count);
 

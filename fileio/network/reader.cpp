@@ -11,7 +11,7 @@
 namespace tovik::fileio {
 namespace {
 
-using Got = NetworkFields::Got;
+using FieldStatus = NetworkFields::FieldStatus;
 
 /* Nodes that a problem line may count although nothing in the file speaks of them. */
 constexpr std::int64_t kSilentNodes = 1000000;
@@ -50,7 +50,7 @@ class NetworkReader {
   void set_supplies();
 
   bool node(NetworkFields& fields, int& node);
-  bool accept(Got got);
+  bool accept(FieldStatus status);
   bool ended(const NetworkFields& fields) { return fields.at_end() || bad_line(); }
   bool bad_line() { return fail(ReadFailure::at(TVK_ERROR_BAD_CHARACTER, lines_.number())); }
   bool fail(ReadFailure failure) {
@@ -71,9 +71,9 @@ class NetworkReader {
   bool has_problem_line_ = false, maximize_ = false;
   int nodes_ = 0, arcs_ = 0;  // of the problem line
   std::vector<NodeRecord> node_records_;
-  NotedNames node_names_{'n'}, arc_names_{'a'};
+  CommentNames node_names_{'n'}, arc_names_{'a'};
   std::string text_;  // of the last note
-  WarningCap cut_names_;
+  WarningLimit cut_names_;
 };
 
 bool NetworkReader::line() {
@@ -103,9 +103,9 @@ bool NetworkReader::line() {
 }
 
 /* A line that ends too early is an unexpected end of the file when nothing follows it. */
-bool NetworkReader::accept(Got got) {
-  if (got == Got::value) return true;
-  if (got == Got::bad) return bad_line();
+bool NetworkReader::accept(FieldStatus status) {
+  if (status == FieldStatus::value) return true;
+  if (status == FieldStatus::bad) return bad_line();
   const int line = lines_.number();
   return fail(lines_.next() ? ReadFailure::at(TVK_ERROR_BAD_CHARACTER, line)
                             : ReadFailure::plain(TVK_ERROR_NETWORK_FILE_END));

@@ -60,7 +60,7 @@ class ReaderLog {
 };
 
 /* Counts the warnings of one kind: the first 20 may be printed. */
-class WarningCap {
+class WarningLimit {
  public:
   bool admit() { return ++seen_ <= kMaxWarningsOfAKind; }
   int suppressed() const { return seen_ > kMaxWarningsOfAKind ? seen_ - kMaxWarningsOfAKind : 0; }

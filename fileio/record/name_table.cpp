@@ -120,7 +120,7 @@ std::vector<int> NameTable::index_appended() {
     }
     if (ahead >= end) continue;
     key = key_of(name(ahead));
-    fetch(key);
+    prefetch(key);
   }
   indexed_ = end;
   return repeats;
@@ -134,7 +134,7 @@ void NameTable::reserve(int count) {
 }
 
 /* The slots behind the freed one move up as far as their own places allow, so that no search ends early. */
-void NameTable::drop_last() {
+void NameTable::remove_last() {
   const std::size_t mask = slots_.size() - 1;
   const std::string_view last = name(size() - 1);
   std::size_t hole = slot_of(last, key_of(last));

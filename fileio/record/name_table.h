@@ -25,14 +25,14 @@ class NameTable {
   }
   const char* c_str(int id) const { return text_.data() + begin_[static_cast<std::size_t>(id)]; }
   int find(std::string_view name) const;  // kNone when absent
-  /* What the index sees of a name. Whoever has several names to look up makes their keys and calls fetch()
+  /* What the index sees of a name. Whoever has several names to look up makes their keys and calls prefetch()
    * for each first: the lookups then find their places in the cache. */
   struct Key {
     std::uint64_t word;  // the first eight bytes, zero behind the end
     std::uint32_t hash;  // its lowest bit is set for names of up to eight bytes, which `word` holds whole
   };
   static Key key_of(std::string_view name);
-  void fetch(const Key& key) const { __builtin_prefetch(&slots_[key.hash / 2 & (slots_.size() - 1)], 1); }
+  void prefetch(const Key& key) const { __builtin_prefetch(&slots_[key.hash / 2 & (slots_.size() - 1)], 1); }
   /* The id of the name and whether it is new. */
   struct Interned {
     int id;
@@ -48,7 +48,7 @@ class NameTable {
   int append(std::string_view name);
   std::vector<int> index_appended();
   /* Takes back the last name, which must be indexed and no repeat. */
-  void drop_last();
+  void remove_last();
   /* Hands the texts over, in order; the table may only be destroyed afterwards. */
   model::NameBlock release();
 

@@ -36,10 +36,10 @@ std::vector<std::string_view> views_of(const model::NameTable& names, int count)
 
 }  // namespace
 
-WriterNames WriterNames::made_up(char letter, int count) {
+WriterNames WriterNames::generated(char letter, int count) {
   constexpr std::size_t kWidth = 11;  // the letter and ten digits
   WriterNames made;
-  made.origin_ = Origin::made_up;
+  made.origin_ = Origin::generated;
   made.text_.resize(kWidth * static_cast<std::size_t>(count));
   made.views_.reserve(static_cast<std::size_t>(count));
   char* to = made.text_.data();
@@ -54,7 +54,7 @@ WriterNames WriterNames::made_up(char letter, int count) {
 
 WriterNames WriterNames::from(std::vector<std::string_view> names, char letter, int count,
                               const NameRules& rules) {
-  if (names.empty()) return made_up(letter, count);
+  if (names.empty()) return generated(letter, count);
   WriterNames made;
   made.views_ = std::move(names);
   if (acceptable(made.views_, rules)) return made;
@@ -78,7 +78,7 @@ WriterNames WriterNames::from(const model::NameTable& names, char letter, int co
 }
 
 WriterNames WriterNames::unchanged(const model::NameTable& names, char letter, int count) {
-  if (names.empty()) return made_up(letter, count);
+  if (names.empty()) return generated(letter, count);
   WriterNames own;
   own.views_ = views_of(names, count);
   for (std::string_view& view : own.views_) view = view.substr(0, kMaxNameLength);

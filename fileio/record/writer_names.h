@@ -1,8 +1,8 @@
 /* The names that a model writer uses for one kind of items (columns, rows, sets ...).
  *
- * They are the model's own; or made-up ones (letter and number from 1) where the model has none or generic
+ * They are the model's own; or generated ones (letter and number from 1) where the model has none or generic
  * ones are asked for; or, when one name of the kind cannot stand in the format or stands there twice, all of
- * them rewritten: forbidden characters replaced and "#" with the position (from 0) appended. Made-up and
+ * them rewritten: forbidden characters replaced and "#" with the position (from 0) appended. Generated and
  * rewritten names go to the file only, never into the model. */
 #pragma once
 
@@ -26,13 +26,13 @@ class NameRules {
 
 class WriterNames {
  public:
-  enum class Origin { own, made_up, rewritten };
+  enum class Origin { own, generated, rewritten };
 
   WriterNames() = default;
   WriterNames(WriterNames&&) = default;
   WriterNames& operator=(WriterNames&&) = default;
 
-  static WriterNames made_up(char letter, int count);
+  static WriterNames generated(char letter, int count);
   /* `names` holds one name per item, or is empty. */
   static WriterNames from(std::vector<std::string_view> names, char letter, int count,
                           const NameRules& rules);
@@ -48,11 +48,11 @@ class WriterNames {
 
   /* For writers that take names in no order: sends for the names of these items. First where their texts
    * stand, then, some time later, the texts. */
-  void fetch_places(model::VectorView items) const {
+  void prefetch_places(model::VectorView items) const {
     for (int k = 0; k < items.count; ++k)
       __builtin_prefetch(&views_[static_cast<std::size_t>(items.index[k])]);
   }
-  void fetch_texts(model::VectorView items) const {
+  void prefetch_texts(model::VectorView items) const {
     for (int k = 0; k < items.count; ++k) __builtin_prefetch((*this)[items.index[k]].data());
   }
 

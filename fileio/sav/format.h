@@ -13,7 +13,7 @@ namespace tovik::fileio::sav {
 
 /* Behind the signature. A transfer that changes line ends, stops at a control-Z or drops eighth bits
  * shows. */
-inline constexpr std::string_view kDamageMark{"\r\n\x1a\x89\0", 5};
+inline constexpr std::string_view kTransferMark{"\r\n\x1a\x89\0", 5};
 
 inline constexpr std::size_t kPrologue = 16;  // line feed, signature, mark, 0, major, minor version
 inline constexpr std::uint16_t kMajor = 1;    // readers of another one cannot read the file

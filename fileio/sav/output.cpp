@@ -14,13 +14,13 @@ constexpr std::size_t kPiece = std::size_t{1} << 18;  // still in the cache when
 Output::Output(ByteSink& sink) : sink_(sink), buffer_(std::make_unique_for_overwrite<char[]>(kBuffer)) {
   put("\n", 1);
   put(kSavSignature.data(), kSavSignature.size());
-  put(kDamageMark.data(), kDamageMark.size());
+  put(kTransferMark.data(), kTransferMark.size());
   put("", 1);
   put_number(kMajor);
   put_number(kMinor);
 }
 
-void Output::hand_over(const char* bytes, std::size_t count) {
+void Output::emit(const char* bytes, std::size_t count) {
   while (count != 0 && !failed_) {
     const std::size_t now = std::min(count, kPiece);
     crc_.add(bytes, now);
@@ -31,7 +31,7 @@ void Output::hand_over(const char* bytes, std::size_t count) {
 }
 
 void Output::flush() {
-  hand_over(buffer_.get(), used_);
+  emit(buffer_.get(), used_);
   used_ = 0;
 }
 
@@ -39,7 +39,7 @@ void Output::put(const void* bytes, std::size_t count) {
   position_ += count;
   if (count > kBuffer - used_) flush();
   if (count >= kBuffer) {
-    hand_over(static_cast<const char*>(bytes), count);
+    emit(static_cast<const char*>(bytes), count);
   } else if (count != 0) {
     std::memcpy(buffer_.get() + used_, bytes, count);
     used_ += count;

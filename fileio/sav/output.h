@@ -44,7 +44,7 @@ class Output {
   void put(const void* bytes, std::size_t count);
   void pad();
   void flush();
-  void hand_over(const char* bytes, std::size_t count);
+  void emit(const char* bytes, std::size_t count);
 
   ByteSink& sink_;
   std::unique_ptr<char[]> buffer_;

@@ -140,11 +140,11 @@ class SavReader {
   static constexpr int kUnfit = TVK_ERROR_FILE_FORMAT;
 
   int read_prologue() {
-    char begin[1 + kSavSignature.size() + kDamageMark.size()];
+    char begin[1 + kSavSignature.size() + kTransferMark.size()];
     if (!in_.take(begin, sizeof begin)) return TVK_ERROR_NOT_SAV_FILE;
     const std::string_view text(begin, sizeof begin);
     const bool fits =
-        text[0] == '\n' && text.substr(1).starts_with(kSavSignature) && text.ends_with(kDamageMark);
+        text[0] == '\n' && text.substr(1).starts_with(kSavSignature) && text.ends_with(kTransferMark);
     if (!fits) return TVK_ERROR_NOT_SAV_FILE;
     std::uint16_t major = 0, minor = 0;
     char zero = 0;
@@ -189,9 +189,9 @@ class SavReader {
 
   int read_end(const SectionHeader& header) {
     const std::uint64_t expected = in_.checksum();
-    std::uint64_t told = 0;
-    if (!in_.take_number(told)) return kTooShort;
-    const bool fits = header.type == kTypeLetter<std::int64_t> && header.count == 1 && told == expected;
+    std::uint64_t stored = 0;
+    if (!in_.take_number(stored)) return kTooShort;
+    const bool fits = header.type == kTypeLetter<std::int64_t> && header.count == 1 && stored == expected;
     return fits && in_.at_end() ? 0 : kUnfit;
   }
 

@@ -11,12 +11,12 @@ using namespace sav;
 
 /* Joins stretches of memory that follow one another, so that they go out in one piece. */
 template <class T>
-class Runs {
+class ContiguousRuns {
  public:
-  explicit Runs(Output& out) : out_(out) {}
-  ~Runs() { flush(); }
-  Runs(const Runs&) = delete;
-  Runs& operator=(const Runs&) = delete;
+  explicit ContiguousRuns(Output& out) : out_(out) {}
+  ~ContiguousRuns() { flush(); }
+  ContiguousRuns(const ContiguousRuns&) = delete;
+  ContiguousRuns& operator=(const ContiguousRuns&) = delete;
   void add(const T* first, std::size_t count) {
     if (count == 0) return;
     if (first != first_ + count_) {
@@ -38,12 +38,12 @@ class Runs {
 
 /* Numbers that are made one by one, in pieces. */
 template <class T>
-class Made {
+class BufferedArray {
  public:
-  explicit Made(Output& out) : out_(out) {}
-  ~Made() { flush(); }
-  Made(const Made&) = delete;
-  Made& operator=(const Made&) = delete;
+  explicit BufferedArray(Output& out) : out_(out) {}
+  ~BufferedArray() { flush(); }
+  BufferedArray(const BufferedArray&) = delete;
+  BufferedArray& operator=(const BufferedArray&) = delete;
   void add(T value) {
     if (used_ == kPiece) flush();
     values_[used_++] = value;
@@ -88,7 +88,7 @@ class SavWriter {
   template <class T, class Value>
   void made(std::uint32_t kind, int count, Value&& value, std::uint8_t flags = 0) {
     out_.begin<T>(kind, static_cast<std::uint64_t>(count), flags);
-    Made<T> pieces(out_);
+    BufferedArray<T> pieces(out_);
     for (int k = 0; k < count; ++k) pieces.add(value(k));
   }
 
@@ -98,17 +98,17 @@ class SavWriter {
     std::int64_t entries = 0;
     {
       out_.begin<std::int64_t>(kinds.start, static_cast<std::uint64_t>(count) + 1);
-      Made<std::int64_t> pieces(out_);
+      BufferedArray<std::int64_t> pieces(out_);
       pieces.add(0);
       for (int k = 0; k < count; ++k) pieces.add(entries += at(k).count);
     }
     out_.begin<int>(kinds.index, static_cast<std::uint64_t>(entries));
     {
-      Runs<int> runs(out_);
+      ContiguousRuns<int> runs(out_);
       for (int k = 0; k < count; ++k) runs.add(at(k).index, static_cast<std::size_t>(at(k).count));
     }
     out_.begin<double>(kinds.value, static_cast<std::uint64_t>(entries));
-    Runs<double> runs(out_);
+    ContiguousRuns<double> runs(out_);
     for (int k = 0; k < count; ++k) runs.add(at(k).value, static_cast<std::size_t>(at(k).count));
   }
 

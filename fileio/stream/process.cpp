@@ -58,9 +58,9 @@ class SpawnSetup {
 
 /* Holds back, in this thread, a signal that a write may raise beside its error: at a closed pipe, or at the
  * largest size that a file may have. */
-class HeldBack {
+class BlockedSignal {
  public:
-  explicit HeldBack(int signal) {
+  explicit BlockedSignal(int signal) {
     sigemptyset(&signal_);
     sigaddset(&signal_, signal);
     sigset_t pending;
@@ -68,7 +68,7 @@ class HeldBack {
     was_pending_ = sigismember(&pending, signal) == 1;
     if (!was_pending_) pthread_sigmask(SIG_BLOCK, &signal_, &before_);
   }
-  ~HeldBack() {
+  ~BlockedSignal() {
     if (was_pending_) return;
     const int code = errno;
     if (raised_) {
@@ -79,8 +79,8 @@ class HeldBack {
     pthread_sigmask(SIG_SETMASK, &before_, nullptr);
     errno = code;
   }
-  HeldBack(const HeldBack&) = delete;
-  HeldBack& operator=(const HeldBack&) = delete;
+  BlockedSignal(const BlockedSignal&) = delete;
+  BlockedSignal& operator=(const BlockedSignal&) = delete;
   void note_raised() { raised_ = true; }
 
  private:
@@ -125,7 +125,7 @@ ssize_t read_some(int descriptor, char* buffer, std::size_t capacity) {
 }
 
 bool write_all(int descriptor, const char* bytes, std::size_t count) {
-  HeldBack pipe(SIGPIPE), size(SIGXFSZ);
+  BlockedSignal pipe(SIGPIPE), size(SIGXFSZ);
   while (count != 0) {
     const ssize_t written = ::write(descriptor, bytes, count);
     if (written < 0 && errno == EINTR) continue;

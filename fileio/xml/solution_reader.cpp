@@ -125,7 +125,7 @@ class Parser {
   int depth_in_solution_ = 0;
   Part part_ = Part::none;
   std::vector<char> met_columns_, met_rows_;
-  WarningCap warnings_;
+  WarningLimit warnings_;
 };
 
 ReadFailure Parser::run(ByteSource& source) {
