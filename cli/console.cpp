@@ -4,8 +4,8 @@
 
 namespace tovik::cli {
 
-Console::Console(const Environment& environment, FILE* stream, Shown shown)
-    : environment_(environment), stream_(stream), shown_(shown) {
+Console::Console(const Environment& environment, FILE* stream, Verbosity verbosity)
+    : environment_(environment), stream_(stream), verbosity_(verbosity) {
   std::setvbuf(stream, nullptr, _IOLBF, 1 << 16);  // whoever reads a pipe sees progress at once
   EnvHandle env = environment.handle();
   environment.check(TVKgetchannels(env, &results_, &warning_, &error_, nullptr));
@@ -29,13 +29,13 @@ bool Console::open_log(const std::string& name) {
   return true;
 }
 
-void Console::say(const std::string& text) {
-  saying_ = true;
+void Console::print(const std::string& text) {
+  printing_ = true;
   TVKmsgstr(results_, text.c_str());
-  saying_ = false;
+  printing_ = false;
 }
 
-void Console::complain(const std::string& text) {
+void Console::print_error(const std::string& text) {
   TVKmsgstr(error_, (text + "\n").c_str());
 }
 
@@ -49,7 +49,8 @@ void Console::on_result(void* self, const char* text) {
   auto& console = *static_cast<Console*>(self);
   double seconds = 0;
   if (std::sscanf(text, "Presolve time = %lf sec.", &seconds) == 1) console.presolve_seconds_ = seconds;
-  if (console.shown_ == Shown::everything || (console.shown_ == Shown::said && console.saying_)) {
+  if (console.verbosity_ == Verbosity::full ||
+      (console.verbosity_ == Verbosity::results && console.printing_)) {
     std::fputs(text, console.stream_);
   }
 }

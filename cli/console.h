@@ -15,22 +15,23 @@
 
 namespace tovik::cli {
 
-enum class Shown { everything, said, nothing };  // of what passes the results channel
+/* What of the results channel is shown: all of it, the lines of print(), none. */
+enum class Verbosity { full, results, none };
 
 class Console {
  public:
-  Console(const Environment& environment, FILE* stream, Shown shown);
+  Console(const Environment& environment, FILE* stream, Verbosity verbosity);
   ~Console();
   Console(const Console&) = delete;
   Console& operator=(const Console&) = delete;
 
   /* All four channels also into this file from now on. False when it cannot be opened. */
   bool open_log(const std::string& name);
-  /* The program's own lines: of the log, and of the closing block, which a quiet console still shows. */
-  void note(const std::string& text) { TVKmsgstr(results_, text.c_str()); }
-  void say(const std::string& text);
+  /* The program's own lines: of the log, and of the results, which a quiet console still shows. */
+  void log(const std::string& text) { TVKmsgstr(results_, text.c_str()); }
+  void print(const std::string& text);
   /* The program's own error line, in the log file too. */
-  void complain(const std::string& text);
+  void print_error(const std::string& text);
 
   /* Starts a new model: forgets the last error and presolve time; `label` names the model in messages, "" for
    * none. */
@@ -62,12 +63,12 @@ class Console {
   };
   const Environment& environment_;
   FILE* stream_;
-  Shown shown_;
+  Verbosity verbosity_;
   ChannelHandle results_ = nullptr, warning_ = nullptr, error_ = nullptr;
   std::unique_ptr<FILE, Close> log_;
   std::string label_, first_error_;
   std::optional<double> presolve_seconds_;
-  bool saying_ = false;
+  bool printing_ = false;
   bool at_line_start_ = true;
   int silenced_ = 0;
 };

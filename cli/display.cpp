@@ -32,7 +32,7 @@ void display_matches(const Model& model, ChannelHandle channel, const char* patt
 }  // namespace
 
 ExitStatus display_model(const Environment& environment, const Options& options) {
-  Console console(environment, stdout, Shown::nothing);
+  Console console(environment, stdout, Verbosity::none);
   const std::string& file = options.models.front();
   try {
     const Model model(environment, file);
@@ -51,7 +51,7 @@ ExitStatus display_model(const Environment& environment, const Options& options)
   } catch (const LibraryError& error) {
     return exit_status_of_read_error(error.code);
   } catch (const std::system_error& error) {
-    console.complain(error.what());
+    console.print_error(error.what());
     return ExitStatus::bad_input;
   }
 }

@@ -15,7 +15,8 @@ namespace tovik::cli {
 namespace {
 
 constexpr std::size_t kBlock = 1 << 16;
-std::atomic<const char*> temporary_path{nullptr};  // for abandon(), which may run on another thread
+std::atomic<const char*> temporary_path{
+    nullptr};  // for remove_temporary_file(), which may run on another thread
 
 [[noreturn]] void fail(const char* what) {
   throw std::system_error(errno, std::generic_category(), what);
@@ -92,7 +93,7 @@ void read_model_file(const Model& model, const std::string& file) {
   environment.check(TVKreadcopyprob(environment.handle(), model.handle(), input.path().c_str(), nullptr));
 }
 
-void Input::abandon() {
+void Input::remove_temporary_file() {
   if (const char* path = temporary_path) unlink(path);
 }
 

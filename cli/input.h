@@ -20,7 +20,7 @@ class Input {
 
   /* Removes the temporary file, if there is one, when the program ends without destroying its objects.
    * Async-safe. */
-  static void abandon();
+  static void remove_temporary_file();
 
  private:
   class TemporaryFile;

@@ -22,14 +22,14 @@ namespace {
 
 constexpr int kFewColumns = 20;  // up to here values are printed unasked
 
-/* The models of one run. The file in work is known to the farewell, which may be said on another thread. */
+/* The models of one run. on_interrupt(), which may run on another thread, reports the file in work. */
 class Run {
  public:
   Run(const Environment& environment, Console& console, const Options& options)
       : environment_(environment),
         console_(console),
         options_(options),
-        signals_([this] { return farewell(); }) {
+        signals_([this] { return on_interrupt(); }) {
     environment.check(TVKsetterminate(environment.handle(), signals_.terminate_flag()));
   }
   ~Run() { TVKsetterminate(environment_.handle(), nullptr); }
@@ -50,14 +50,14 @@ class Run {
   ExitStatus one(const std::string& file) {
     set_current(file);
     const auto show = [this](const Model& model, const Outcome& outcome) {
-      console_.say(closing_block(model, outcome));
+      console_.print(closing_block(model, outcome));
       const bool asked = options_.print_values || (model.columns() <= kFewColumns && !options_.quiet);
-      if (outcome.feasible && asked) console_.say(value_table(model, outcome, options_.print_values));
+      if (outcome.feasible && asked) console_.print(value_table(model, outcome, options_.print_values));
     };
     const Outcome outcome = solve_file({environment_, console_, signals_, options_}, file, show);
     set_current("");
     if (options_.json) std::fputs(json_line(outcome).c_str(), stdout);
-    return options_.exit_zero ? zeroed(outcome.exit_status) : outcome.exit_status;
+    return options_.exit_zero ? with_exit_zero(outcome.exit_status) : outcome.exit_status;
   }
 
   void set_current(const std::string& file) {
@@ -65,9 +65,9 @@ class Run {
     current_ = file;
   }
 
-  int farewell() {
+  int on_interrupt() {
     const std::lock_guard guard(mutex_);
-    Input::abandon();
+    Input::remove_temporary_file();
     if (!current_.empty()) {
       Outcome outcome;
       outcome.file = current_;
@@ -88,19 +88,19 @@ class Run {
   Signals signals_;
 };
 
-Shown shown(const Options& options) {
-  if (!options.quiet) return Shown::everything;
-  return options.json ? Shown::nothing : Shown::said;
+Verbosity verbosity_of(const Options& options) {
+  if (!options.quiet) return Verbosity::full;
+  return options.json ? Verbosity::none : Verbosity::results;
 }
 
 ExitStatus solve_all(const Environment& environment, const Parameters& parameters, const Options& options) {
-  Console console(environment, options.json ? stderr : stdout, shown(options));
+  Console console(environment, options.json ? stderr : stdout, verbosity_of(options));
   if (!options.log_file.empty() && !console.open_log(options.log_file)) {
     std::fprintf(stderr, "tovik: cannot write %s\n", options.log_file.c_str());
     return ExitStatus::usage;
   }
   const std::string changed = parameters.changed();
-  console.note("TOVIK " + environment.version() + (changed.empty() ? "" : "  " + changed) + "\n");
+  console.log("TOVIK " + environment.version() + (changed.empty() ? "" : "  " + changed) + "\n");
   return Run(environment, console, options).all();
 }
 
@@ -116,7 +116,7 @@ ExitStatus list_parameters(const Parameters& parameters, const Options& options)
 
 /* The console that shows what is wrong with the file ends before the solve makes its own. */
 bool read_parameters(const Environment& environment, const std::string& file) {
-  Console console(environment, stderr, Shown::said);
+  Console console(environment, stderr, Verbosity::results);
   console.set_label(file);
   return TVKreadcopyparam(environment.handle(), file.c_str()) == 0;
 }

@@ -74,7 +74,7 @@ ExitStatus exit_status_of_write_error(int code) {
   return code == TVK_ERROR_OUT_OF_MEMORY ? ExitStatus::out_of_memory : ExitStatus::usage;
 }
 
-ExitStatus zeroed(ExitStatus status) {
+ExitStatus with_exit_zero(ExitStatus status) {
   const int code = static_cast<int>(status);
   return code == 1 || (code >= 3 && code <= 6) ? ExitStatus::solved : status;
 }

@@ -23,10 +23,10 @@ enum class ExitStatus {
 };
 
 /* The largest of some violations and where it is. */
-struct Worst {
+struct LargestViolation {
   double amount = 0;
   int index = -1;  // row or column; -1 when nothing is violated
-  void meet(double violation, int where) {
+  void update(double violation, int where) {
     if (violation > amount || violation != violation) {
       amount = violation;
       index = where;
@@ -36,7 +36,7 @@ struct Worst {
 
 /* Violations on the original model, unscaled and absolute. */
 struct Violations {
-  Worst row, bound, integrality, dual_column, dual_row;
+  LargestViolation row, bound, integrality, dual_column, dual_row;
   bool has_integers = false;
   bool has_duals = false;
   double objective_difference = 0;  // of the stated objective from c'x, relative
@@ -75,8 +75,8 @@ ExitStatus exit_status_of_solve_error(int code);
 /* ... or while writing a file. */
 ExitStatus exit_status_of_write_error(int code);
 
-/* What --exit-zero makes of it: every honest answer about the model is 0. */
-ExitStatus zeroed(ExitStatus status);
+/* What --exit-zero makes of it: every answer about the model is 0. */
+ExitStatus with_exit_zero(ExitStatus status);
 
 /* Largest resident size of this process in megabytes. */
 double peak_memory_mb();

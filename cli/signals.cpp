@@ -31,19 +31,20 @@ void on_signal(int) {
 }  // namespace
 
 struct Signals::Watcher {
-  std::function<int()> farewell;
-  std::atomic<bool> unfinished{false};
+  std::function<int()> on_interrupt;
+  std::atomic<bool> exit_on_first{false};
   std::thread thread;
 
   void run() {
     char word = 0;
     while (read(wake_pipe[0], &word, 1) == 1 && word != kQuit) {
-      if (signals_seen >= 2 || unfinished) _exit(farewell());
+      if (signals_seen >= 2 || exit_on_first) _exit(on_interrupt());
     }
   }
 };
 
-Signals::Signals(std::function<int()> farewell) : watcher_(new Watcher{std::move(farewell), false, {}}) {
+Signals::Signals(std::function<int()> on_interrupt)
+    : watcher_(new Watcher{std::move(on_interrupt), false, {}}) {
   if (pipe(wake_pipe) != 0) {
     delete watcher_;
     throw std::runtime_error("no pipe for signals");
@@ -71,12 +72,12 @@ volatile int* Signals::terminate_flag() const {
   return &terminate_flag_word;
 }
 
-Signals::Unfinished::Unfinished(Signals& signals) : signals_(signals) {
-  signals_.watcher_->unfinished = true;
+Signals::ExitOnFirstSignal::ExitOnFirstSignal(Signals& signals) : signals_(signals) {
+  signals_.watcher_->exit_on_first = true;
 }
 
-Signals::Unfinished::~Unfinished() {
-  signals_.watcher_->unfinished = false;
+Signals::ExitOnFirstSignal::~ExitOnFirstSignal() {
+  signals_.watcher_->exit_on_first = false;
 }
 
 }  // namespace tovik::cli

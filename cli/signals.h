@@ -11,9 +11,9 @@ namespace tovik::cli {
 
 class Signals {
  public:
-  /* Installs the handlers and starts the watcher. `farewell` runs on the watching thread when the program is
-   * to end at once; its result becomes the exit status. Only one object may exist. */
-  explicit Signals(std::function<int()> farewell);
+  /* Installs the handlers and starts the watcher. `on_interrupt` runs on the watching thread when the program
+   * is to end at once; its result becomes the exit status. Only one object may exist. */
+  explicit Signals(std::function<int()> on_interrupt);
   ~Signals();
   Signals(const Signals&) = delete;
   Signals& operator=(const Signals&) = delete;
@@ -22,12 +22,12 @@ class Signals {
   bool interrupted() const { return *terminate_flag() != 0; }
 
   /* While one of these lives, the first signal already ends the program. */
-  class Unfinished {
+  class ExitOnFirstSignal {
    public:
-    explicit Unfinished(Signals& signals);
-    ~Unfinished();
-    Unfinished(const Unfinished&) = delete;
-    Unfinished& operator=(const Unfinished&) = delete;
+    explicit ExitOnFirstSignal(Signals& signals);
+    ~ExitOnFirstSignal();
+    ExitOnFirstSignal(const ExitOnFirstSignal&) = delete;
+    ExitOnFirstSignal& operator=(const ExitOnFirstSignal&) = delete;
 
    private:
     Signals& signals_;

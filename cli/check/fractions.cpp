@@ -9,7 +9,7 @@ namespace tovik::cli {
 
 namespace {
 
-/* With fewer digits too many honest decimals would look like a fraction. */
+/* With fewer digits too many true decimals would look like a fraction. */
 struct Denominator {
   int value, fewest_digits;
 };

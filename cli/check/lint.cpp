@@ -22,7 +22,7 @@ Findings examine(const Model& model, int most) {
   return findings;
 }
 
-ExitStatus verdict(const Findings& findings, bool strict) {
+ExitStatus exit_status(const Findings& findings, bool strict) {
   const bool bad = findings.count(Severity::error) > 0 || (strict && findings.count(Severity::warning) > 0);
   return bad ? ExitStatus::numerical_failure : ExitStatus::solved;
 }
@@ -39,13 +39,13 @@ ExitStatus examine_file(const Environment& environment, Console& console, const 
     report.columns = model.columns();
     report.nonzeros = TVKgetnumnz(environment.handle(), model.handle());
     report.findings = examine(model, options.most);
-    return verdict(*report.findings, options.strict);
+    return exit_status(*report.findings, options.strict);
   } catch (const LibraryError& error) {
     report.error = console.first_error().empty() ? error.what() : console.first_error();
     return exit_status_of_read_error(error.code);
   } catch (const std::system_error& error) {
     report.error = error.what();
-    console.complain(report.error);
+    console.print_error(report.error);
     return ExitStatus::bad_input;
   }
 }
@@ -53,7 +53,7 @@ ExitStatus examine_file(const Environment& environment, Console& console, const 
 }  // namespace
 
 ExitStatus check_models(const Environment& environment, const Options& options) {
-  Console console(environment, stderr, Shown::said);
+  Console console(environment, stderr, Verbosity::results);
   ExitStatus worst = ExitStatus::solved;
   for (const std::string& file : options.models) {
     LintReport report;

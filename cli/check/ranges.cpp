@@ -31,12 +31,12 @@ constexpr Kind kLooksInfinite = {"looks-infinite", Severity::warning, "huge numb
 constexpr Kind kNines = {"nines", Severity::note, "numbers of nines that look like infinity",
                          "leave the bound out (infinity is 1e20) or give the limit that is meant"};
 
-/* The smallest and largest magnitude of numbers other than zero (tiny ones are told by themselves) and
+/* The smallest and largest magnitude of numbers other than zero (tiny ones are reported by themselves) and
  * infinity, and where they are. */
 struct Spread {
   double smallest = 0, largest = 0;
   int smallest_at = -1, largest_at = -1;
-  void meet(double value, int where) {
+  void update(double value, int where) {
     const double size = std::abs(value);
     if (size < kTiny || std::isinf(size)) return;
     if (smallest_at < 0 || size < smallest) smallest = size, smallest_at = where;
@@ -57,7 +57,7 @@ void vectors(const LintModel& m, const Vectors& all, const Kind& kind, NameOf na
   for (int k = 0; k < all.count(); ++k) {
     const Slice entries = all[k];
     Spread spread;
-    for (std::size_t e = 0; e < entries.index.size(); ++e) spread.meet(entries.value[e], entries.index[e]);
+    for (std::size_t e = 0; e < entries.index.size(); ++e) spread.update(entries.value[e], entries.index[e]);
     if (spread.ratio() < kWideVector) continue;
     findings.add(kind, spread.ratio(), [&] {
       return (m.*name)(k) + ": " +
@@ -73,7 +73,7 @@ void whole_matrix(const LintModel& m, Findings& findings) {
     const int first = m.by_row.begin[static_cast<std::size_t>(i)];
     for (int e = 0; e < entries.size(); ++e) {
       const double value = entries.value[static_cast<std::size_t>(e)];
-      spread.meet(value, first + e);
+      spread.update(value, first + e);
       if (std::abs(value) >= kTiny || value == 0) continue;
       findings.add(kTinyCoefficient, 1 / std::abs(value), [&] {
         return m.row_name(i) + ", " + m.column_name(entries.index[static_cast<std::size_t>(e)]) +
@@ -97,7 +97,7 @@ void rim(const char* what, const std::vector<double>& first, const std::vector<d
   for (const auto* values : {&first, &second}) {
     for (std::size_t k = 0; k < values->size(); ++k) {
       const double value = (*values)[k];
-      if (std::abs(value) < kNearlyInfinite) spread.meet(value, static_cast<int>(k));
+      if (std::abs(value) < kNearlyInfinite) spread.update(value, static_cast<int>(k));
     }
   }
   if (spread.ratio() < kWideRim) return;

@@ -10,53 +10,54 @@ namespace tovik::cli {
 namespace {
 
 /* Runs one routine of the library for a file, whose name goes before what it has to say. */
-void with_label(const Workplace& place, const std::string& file, const std::function<int()>& routine) {
-  place.console.set_label(file);
-  place.environment.check(routine());
-  place.console.set_label("");
+void with_label(const SolveContext& context, const std::string& file, const std::function<int()>& routine) {
+  context.console.set_label(file);
+  context.environment.check(routine());
+  context.console.set_label("");
 }
 
 }  // namespace
 
-void read_starts(const Workplace& place, const Model& model) {
-  const Options& options = place.options;
-  EnvHandle env = place.environment.handle();
+void read_starts(const SolveContext& context, const Model& model) {
+  const Options& options = context.options;
+  EnvHandle env = context.environment.handle();
   if (!options.basis_file.empty()) {
-    with_label(place, options.basis_file,
+    with_label(context, options.basis_file,
                [&] { return TVKreadcopybase(env, model.handle(), options.basis_file.c_str()); });
   }
   if (!options.start_file.empty()) {
-    with_label(place, options.start_file,
+    with_label(context, options.start_file,
                [&] { return TVKreadcopymipstart(env, model.handle(), options.start_file.c_str()); });
   }
 }
 
-void write_model(const Workplace& place, const Model& model, Outcome& outcome) {
-  const std::string& file = place.options.model_file;
+void write_model(const SolveContext& context, const Model& model, Outcome& outcome) {
+  const std::string& file = context.options.model_file;
   if (file.empty()) return;
-  with_label(place, file,
-             [&] { return TVKwriteprob(place.environment.handle(), model.handle(), file.c_str(), nullptr); });
+  with_label(context, file, [&] {
+    return TVKwriteprob(context.environment.handle(), model.handle(), file.c_str(), nullptr);
+  });
   outcome.written.push_back(file);
 }
 
-void write_results(const Workplace& place, const Model& model, Outcome& outcome) {
-  const Options& options = place.options;
-  EnvHandle env = place.environment.handle();
+void write_results(const SolveContext& context, const Model& model, Outcome& outcome) {
+  const Options& options = context.options;
+  EnvHandle env = context.environment.handle();
   if (!options.solution_file.empty() && outcome.has_values) {
-    with_label(place, options.solution_file,
+    with_label(context, options.solution_file,
                [&] { return TVKsolwrite(env, model.handle(), options.solution_file.c_str()); });
     outcome.written.push_back(options.solution_file);
   } else if (!options.solution_file.empty()) {
-    place.console.complain("tovik: no solution to write to " + options.solution_file);
+    context.console.print_error("tovik: no solution to write to " + options.solution_file);
   }
   if (options.new_basis_file.empty()) return;
-  with_label(place, options.new_basis_file,
+  with_label(context, options.new_basis_file,
              [&] { return TVKmbasewrite(env, model.handle(), options.new_basis_file.c_str()); });
   outcome.written.push_back(options.new_basis_file);
 }
 
 ExitStatus convert(const Environment& environment, const Options& options) {
-  Console console(environment, stderr, Shown::said);
+  Console console(environment, stderr, Verbosity::results);
   const std::string &from = options.models[0], &to = options.models[1];
   bool reading = true;
   try {
@@ -71,7 +72,7 @@ ExitStatus convert(const Environment& environment, const Options& options) {
   } catch (const LibraryError& error) {
     return reading ? exit_status_of_read_error(error.code) : exit_status_of_write_error(error.code);
   } catch (const std::system_error& error) {
-    console.complain(error.what());
+    console.print_error(error.what());
     return ExitStatus::bad_input;
   }
 }

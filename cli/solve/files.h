@@ -7,12 +7,12 @@
 namespace tovik::cli {
 
 /* The starting basis and the MIP start. */
-void read_starts(const Workplace& place, const Model& model);
+void read_starts(const SolveContext& context, const Model& model);
 
 /* The model as it is solved; the solution and the basis that were found. Each adds what it wrote to
  * outcome.written; where there is nothing to write the console says so. */
-void write_model(const Workplace& place, const Model& model, Outcome& outcome);
-void write_results(const Workplace& place, const Model& model, Outcome& outcome);
+void write_model(const SolveContext& context, const Model& model, Outcome& outcome);
+void write_results(const SolveContext& context, const Model& model, Outcome& outcome);
 
 /* `tovik convert`: reads one model and writes it in another format. */
 ExitStatus convert(const Environment& environment, const Options& options);

@@ -11,9 +11,9 @@ namespace {
 
 /* "rows 1.2e-09 (R17)": an amount and the name of its place. */
 template <class NameOf>
-std::string worst(const char* what, const Worst& place, NameOf name_of) {
-  std::string text = format("%s %.2g", what, place.amount);
-  return place.index < 0 ? text : text + " (" + name_of(place.index) + ")";
+std::string worst(const char* what, const LargestViolation& largest, NameOf name_of) {
+  std::string text = format("%s %.2g", what, largest.amount);
+  return largest.index < 0 ? text : text + " (" + name_of(largest.index) + ")";
 }
 
 std::string checked_line(const Model& model, const Violations& violations) {

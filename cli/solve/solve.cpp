@@ -46,39 +46,40 @@ const char* method_name(int method) {
   }
 }
 
-void read_model(const Workplace& place, Model& model, const std::string& file, Outcome& outcome) {
+void read_model(const SolveContext& context, Model& model, const std::string& file, Outcome& outcome) {
   const Stopwatch watch;
-  place.console.set_label(file == "-" ? "standard input" : file);
+  context.console.set_label(file == "-" ? "standard input" : file);
   {
-    const Signals::Unfinished unfinished(place.signals);
+    const Signals::ExitOnFirstSignal guard(context.signals);
     read_model_file(model, file);
   }
-  place.console.set_label("");
-  if (place.options.relax) model.relax();
+  context.console.set_label("");
+  if (context.options.relax) model.relax();
   outcome.read_seconds = watch.seconds();
   outcome.rows = model.rows();
   outcome.columns = model.columns();
-  outcome.nonzeros = TVKgetnumnz(place.environment.handle(), model.handle());
+  outcome.nonzeros = TVKgetnumnz(context.environment.handle(), model.handle());
   outcome.problem_type = model.type();
 }
 
-void optimize(const Workplace& place, Model& model, Outcome& outcome) {
-  const int threads = place.environment.integer_parameter(TVK_PARAM_THREADS);
-  outcome.threads = threads > 0 ? threads : TVKEgetmaxthreads(place.environment.handle());
+void optimize(const SolveContext& context, Model& model, Outcome& outcome) {
+  const int threads = context.environment.integer_parameter(TVK_PARAM_THREADS);
+  outcome.threads = threads > 0 ? threads : TVKEgetmaxthreads(context.environment.handle());
   const Stopwatch watch;
-  const int code = TVKlpopt(place.environment.handle(), model.handle());
+  const int code = TVKlpopt(context.environment.handle(), model.handle());
   outcome.solve_seconds = watch.seconds();
-  outcome.presolve_seconds = place.console.presolve_seconds();
-  place.environment.check(code);
+  outcome.presolve_seconds = context.console.presolve_seconds();
+  context.environment.check(code);
 }
 
 /* What the library holds after the optimization. */
-void collect(const Workplace& place, const Model& model, Outcome& outcome) {
-  ConstEnvHandle env = place.environment.handle();
+void collect(const SolveContext& context, const Model& model, Outcome& outcome) {
+  ConstEnvHandle env = context.environment.handle();
   outcome.status = TVKgetstat(env, model.handle());
-  outcome.status_text = place.environment.status_text(*outcome.status);
+  outcome.status_text = context.environment.status_text(*outcome.status);
   int method = -1, type = 0, primal_feasible = 0, dual_feasible = 0;
-  place.environment.check(TVKsolninfo(env, model.handle(), &method, &type, &primal_feasible, &dual_feasible));
+  context.environment.check(
+      TVKsolninfo(env, model.handle(), &method, &type, &primal_feasible, &dual_feasible));
   outcome.method = method_name(method);
   outcome.simplex_iterations = TVKgetitcnt(env, model.handle());
   outcome.barrier_iterations = TVKgetbaritcnt(env, model.handle());
@@ -88,7 +89,7 @@ void collect(const Workplace& place, const Model& model, Outcome& outcome) {
   if (!outcome.feasible) return;
 
   double objective = 0;
-  place.environment.check(TVKgetobjval(env, model.handle(), &objective));
+  context.environment.check(TVKgetobjval(env, model.handle(), &objective));
   outcome.objective = objective;
   const bool optimal = is_optimal(*outcome.status);
   const bool mixed_integer = model.mixed_integer();
@@ -109,54 +110,54 @@ ExitStatus exit_status_of(Stage stage, int code) {
 }
 
 /* A file that cannot be written does not hide the answer. */
-void write_what_was_found(const Workplace& place, const Model& model, Outcome& outcome) {
+void write_what_was_found(const SolveContext& context, const Model& model, Outcome& outcome) {
   try {
-    write_results(place, model, outcome);
+    write_results(context, model, outcome);
   } catch (const LibraryError& error) {
-    outcome.error = place.console.first_error().empty() ? error.what() : place.console.first_error();
+    outcome.error = context.console.first_error().empty() ? error.what() : context.console.first_error();
     outcome.exit_status = exit_status_of_write_error(error.code);
   }
-  place.console.set_label("");
+  context.console.set_label("");
 }
 
 }  // namespace
 
-Outcome solve_file(const Workplace& place, const std::string& file,
+Outcome solve_file(const SolveContext& context, const std::string& file,
                    const std::function<void(const Model&, const Outcome&)>& show) {
   Outcome outcome;
   outcome.file = file;
-  place.console.begin_model("");
+  context.console.begin_model("");
   std::optional<Model> model;
   Stage stage = Stage::reading;
   try {
-    model.emplace(place.environment, file);
-    read_model(place, *model, file, outcome);
-    place.console.note(size_line(outcome));
+    model.emplace(context.environment, file);
+    read_model(context, *model, file, outcome);
+    context.console.log(size_line(outcome));
     stage = Stage::writing;
-    write_model(place, *model, outcome);
+    write_model(context, *model, outcome);
     stage = Stage::reading;
-    read_starts(place, *model);
+    read_starts(context, *model);
     stage = Stage::solving;
-    optimize(place, *model, outcome);
-    collect(place, *model, outcome);
-    write_what_was_found(place, *model, outcome);
+    optimize(context, *model, outcome);
+    collect(context, *model, outcome);
+    write_what_was_found(context, *model, outcome);
     outcome.peak_memory_mb = peak_memory_mb();
     show(*model, outcome);
   } catch (const LibraryError& error) {
-    outcome.error = place.console.first_error().empty() ? error.what() : place.console.first_error();
+    outcome.error = context.console.first_error().empty() ? error.what() : context.console.first_error();
     outcome.exit_status = exit_status_of(stage, error.code);
     if (stage == Stage::solving && error.code == TVK_ERROR_NOT_FOR_MIP)
-      place.console.complain("tovik: --relax solves the continuous relaxation");
+      context.console.print_error("tovik: --relax solves the continuous relaxation");
   } catch (const std::system_error& error) {
     outcome.error = error.what();
     outcome.exit_status = ExitStatus::bad_input;
-    place.console.complain(outcome.error);
+    context.console.print_error(outcome.error);
   } catch (const std::bad_alloc&) {
     outcome.error = "out of memory";
     outcome.exit_status = ExitStatus::out_of_memory;
-    place.console.complain("tovik: out of memory");
+    context.console.print_error("tovik: out of memory");
   }
-  place.console.set_label("");
+  context.console.set_label("");
   outcome.peak_memory_mb = peak_memory_mb();
   return outcome;
 }

@@ -11,7 +11,7 @@
 
 namespace tovik::cli {
 
-struct Workplace {
+struct SolveContext {
   const Environment& environment;
   Console& console;
   Signals& signals;
@@ -20,7 +20,7 @@ struct Workplace {
 
 /* Reads, optimizes and checks `file`; `show` sees the model while it still exists. Errors of the library end
  * up in the outcome, never outside. */
-Outcome solve_file(const Workplace& workplace, const std::string& file,
+Outcome solve_file(const SolveContext& context, const std::string& file,
                    const std::function<void(const Model&, const Outcome&)>& show);
 
 }  // namespace tovik::cli

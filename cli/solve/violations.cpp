@@ -65,18 +65,18 @@ class Check {
     for (std::size_t j = 0; j < x_.size(); ++j) {
       double violation = outside(x_[j], bounds_.lower[j], bounds_.upper[j]);
       if (semi_continuous(j)) violation = std::min(violation, std::abs(x_[j]));
-      result_.bound.meet(violation, static_cast<int>(j));
-      judge(violation, feasibility_ * std::max(1.0, std::abs(x_[j])));
+      result_.bound.update(violation, static_cast<int>(j));
+      require_within(violation, feasibility_ * std::max(1.0, std::abs(x_[j])));
       if (integer(j)) {
         const double fraction = std::abs(x_[j] - std::round(x_[j]));
         result_.has_integers = true;
-        result_.integrality.meet(fraction, static_cast<int>(j));
-        judge(fraction, std::max(integrality, feasibility_));
+        result_.integrality.update(fraction, static_cast<int>(j));
+        require_within(fraction, std::max(integrality, feasibility_));
       }
       objective.add(cost_[j], x_[j]);
     }
     result_.objective_difference = std::abs(objective.value() - request_.objective) / objective.size();
-    judge(result_.objective_difference, kObjectiveTolerance);
+    require_within(result_.objective_difference, kObjectiveTolerance);
   }
 
   void rows() {
@@ -87,8 +87,8 @@ class Check {
     });
     for (std::size_t i = 0; i < activity_.size(); ++i) {
       const double violation = outside(activity_[i].value(), rows_.lower[i], rows_.upper[i]);
-      result_.row.meet(violation, static_cast<int>(i));
-      judge(violation, feasibility_ * activity_[i].size());
+      result_.row.update(violation, static_cast<int>(i));
+      require_within(violation, feasibility_ * activity_[i].size());
     }
   }
 
@@ -98,8 +98,9 @@ class Check {
     result_.has_duals = true;
     for (std::size_t i = 0; i < pi.size(); ++i) {
       const double violation = residual(activity_[i].value(), rows_.lower[i], rows_.upper[i], sign * pi[i]);
-      result_.dual_row.meet(violation, static_cast<int>(i));
-      judge(violation, std::max(optimality_, feasibility_) * std::max(activity_[i].size(), std::abs(pi[i])));
+      result_.dual_row.update(violation, static_cast<int>(i));
+      require_within(violation,
+                     std::max(optimality_, feasibility_) * std::max(activity_[i].size(), std::abs(pi[i])));
     }
     for_each_column(model_, [&](int j, const Slice& entries) {
       const auto column = static_cast<std::size_t>(j);
@@ -109,12 +110,12 @@ class Check {
         reduced.add(-entries.value[k], pi[static_cast<std::size_t>(entries.index[k])]);
       const double violation =
           residual(x_[column], bounds_.lower[column], bounds_.upper[column], sign * reduced.value());
-      result_.dual_column.meet(violation, j);
-      judge(violation, optimality_ * reduced.size());
+      result_.dual_column.update(violation, j);
+      require_within(violation, optimality_ * reduced.size());
     });
   }
 
-  void judge(double violation, double allowed) {
+  void require_within(double violation, double allowed) {
     if (!(violation <= allowed)) result_.failed = true;  // also when it is not a number
   }
 

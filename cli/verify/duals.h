@@ -13,7 +13,7 @@
 
 namespace tovik::cli {
 
-struct DualQuestion {
+struct DualCheckInput {
   const Model& model;
   const Claim& claim;
   const Tolerances& tolerances;
@@ -22,12 +22,12 @@ struct DualQuestion {
   double rounding;                     // of this objective
 };
 
-struct DualAnswer {
+struct DualCheckResult {
   std::vector<Measure> measures;
   double bound = 0;     // in the model's own sense
   bool proves = false;  // a primal feasible solution with this objective is optimal within tolerances
 };
 
-DualAnswer examine_duals(const DualQuestion& question);
+DualCheckResult check_duals(const DualCheckInput& input);
 
 }  // namespace tovik::cli

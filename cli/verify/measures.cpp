@@ -106,7 +106,7 @@ void Verification::objective() {
   if (!claim_.objective && std::isfinite(total.value())) return;
   const double claimed = claim_.objective.value_or(kNotANumber);
   Measure stated = measure("objective", "Objective", kObjectiveTolerance * std::max(1.0, std::abs(claimed)));
-  stated.meet(std::abs(total.value() - claimed), objective_slack_, [] { return std::string(); });
+  stated.update(std::abs(total.value() - claimed), objective_slack_, [] { return std::string(); });
   keep(std::move(stated));
 }
 
@@ -123,12 +123,12 @@ void Verification::columns() {
     const double upper = binary ? std::min(1.0, bounds.upper[at]) : bounds.upper[at];
     const double slack = kDigits * std::abs(x(j)), violation = outside(x(j), lower, upper);
     if (type == 'S' || type == 'N') {
-      semi.meet(std::min(violation, std::abs(x(j))), slack, column_name(j));
+      semi.update(std::min(violation, std::abs(x(j))), slack, column_name(j));
     } else {
-      bound.meet(violation, slack, column_name(j));
+      bound.update(violation, slack, column_name(j));
     }
     if (type == 'I' || type == 'N' || binary)
-      integer.meet(std::abs(x(j) - std::round(x(j))), slack, column_name(j));
+      integer.update(std::abs(x(j) - std::round(x(j))), slack, column_name(j));
   }
   keep(std::move(bound));
   keep(std::move(semi));
@@ -145,8 +145,8 @@ void Verification::rows() {
   Measure row = measure("rows", "Rows", tolerances_.feasibility);
   for (int i = 0; i < model_.rows(); ++i) {
     const auto at = static_cast<std::size_t>(i);
-    row.meet(outside(activities_[at].value(), limits.lower[at], limits.upper[at]),
-             kDigits * activities_[at].magnitude(), row_name(i));
+    row.update(outside(activities_[at].value(), limits.lower[at], limits.upper[at]),
+               kDigits * activities_[at].magnitude(), row_name(i));
   }
   keep(std::move(row));
 }
@@ -159,15 +159,15 @@ void Verification::slacks() {
   for (int i = 0; i < model_.rows(); ++i) {
     const auto at = static_cast<std::size_t>(i);
     const double slack = rhs[at] - activities_[at].value();
-    stated.meet(std::abs(slack - claim_.slack[at]),
-                kObjectiveTolerance * std::max(activities_[at].size(), std::abs(rhs[at])), row_name(i));
+    stated.update(std::abs(slack - claim_.slack[at]),
+                  kObjectiveTolerance * std::max(activities_[at].size(), std::abs(rhs[at])), row_name(i));
   }
   keep(std::move(stated));
 }
 
 void Verification::extra(Measure& into, const ExtraRow& row, Sum activity) {
-  into.meet(outside(activity.value(), row.lower, row.upper), kDigits * activity.magnitude(),
-            [&row] { return row.name; });
+  into.update(outside(activity.value(), row.lower, row.upper), kDigits * activity.magnitude(),
+              [&row] { return row.name; });
 }
 
 void Verification::beside_the_matrix() {
@@ -179,7 +179,7 @@ void Verification::beside_the_matrix() {
     if (std::abs(x(row.column) - active) <= tolerances_.integrality) {
       extra(indicator, row, activity(row));
     } else {
-      indicator.meet(0, 0, [] { return std::string(); });
+      indicator.update(0, 0, [] { return std::string(); });
     }
   }
   Measure quadratic = measure("quadratic_constraints", "Quadratic", tolerances_.feasibility);
@@ -219,13 +219,13 @@ double set_violation(const OrderedSet& set, const std::vector<double>& x) {
 void Verification::sets() {
   Measure set_measure = measure("sos", "Sets", tolerances_.integrality);
   for (const OrderedSet& set : ordered_sets(model_))
-    set_measure.meet(set_violation(set, x_), 0, [&set] { return set.name; });
+    set_measure.update(set_violation(set, x_), 0, [&set] { return set.name; });
   keep(std::move(set_measure));
 }
 
 void Verification::duals() {
-  const DualQuestion question{model_, claim_, tolerances_, activities_, verdict_.objective, objective_slack_};
-  DualAnswer answer = examine_duals(question);
+  const DualCheckInput input{model_, claim_, tolerances_, activities_, verdict_.objective, objective_slack_};
+  DualCheckResult answer = check_duals(input);
   verdict_.dual_bound = answer.bound;
   bool primal_holds = true;
   for (const Measure& measure : verdict_.measures)

@@ -50,7 +50,7 @@ struct Measure {
 
   /* `slack` is allowed on top of the tolerance. */
   template <class NameOf>
-  void meet(double violation, double slack, NameOf name_of) {
+  void update(double violation, double slack, NameOf name_of) {
     ++items;
     sum.add(violation);
     if (!(violation <= tolerance + slack) || !std::isfinite(slack)) ++violated;

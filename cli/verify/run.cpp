@@ -67,7 +67,7 @@ class Task {
     } catch (const std::system_error& error) {
       report_.error = error.what();
     }
-    console_.complain(report_.error);
+    console_.print_error(report_.error);
     return ExitStatus::bad_input;
   }
 
@@ -94,7 +94,7 @@ class Task {
 }  // namespace
 
 ExitStatus verify_file(const Environment& environment, const Options& options) {
-  Console console(environment, stderr, Shown::said);
+  Console console(environment, stderr, Verbosity::results);
   return Task(environment, console, options).run();
 }
 
