@@ -30,7 +30,7 @@ struct ChangedList {
 };
 
 Status list_changed(Environment& env, ChangedList& list) {
-  param::count_walk(env);
+  param::count_table_scan(env);
   for (const param::Entry& entry : param::entries()) {
     if (is_listed_when_changed(entry) && param::is_changed(env, entry)) list.add(entry.number);
   }

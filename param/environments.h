@@ -1,5 +1,4 @@
-/* Environments that are ready for use: with parameters, a random state and, of children, what they take
- * over. */
+/* Environments that are ready for use: with parameters, a random state and, of children, what they inherit. */
 #pragma once
 
 #include <memory>

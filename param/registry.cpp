@@ -102,7 +102,7 @@ std::span<const Entry> entries() {
   return kTable;
 }
 
-void count_walk(Environment& env) {
+void count_table_scan(Environment& env) {
   env.add_work(kLookupWork + static_cast<std::uint64_t>(kPositions));
 }
 

@@ -45,11 +45,11 @@ void reset(Environment& env);
 /* All registered entries in ascending number. */
 std::span<const Entry> entries();
 
-/* Says honestly in a description that a parameter is only stored. */
+/* Begins the description of a parameter that is only stored. */
 inline constexpr char kUnusedNote[] = "Stored, without effect in this version. ";
 
 /* Adds the work of one pass over all blocks. */
-void count_walk(Environment& env);
+void count_table_scan(Environment& env);
 
 /* The entry of a number; one with type none for an unregistered number of a block; null outside of all
  * blocks. */

@@ -16,7 +16,7 @@ Rollback::Rollback(Environment& env) : env_(env), settings_(env.settings), rando
 
 /* A list of destinations that held standard output has room for it. */
 Rollback::~Rollback() {
-  if (kept_) return;
+  if (committed_) return;
   env_.settings = std::move(settings_);
   env_.random = random_;
   const auto channels = screen_channels(env_);

@@ -1,4 +1,4 @@
-/* Takes back changes of parameters: unless keep() is called, the destructor gives the environment the values,
+/* Takes back changes of parameters: unless commit() is called, the destructor gives the environment the values,
  * the random state and the screen that it had before.
  * - Errors: bad_alloc in the constructor only. */
 #pragma once
@@ -15,14 +15,14 @@ class Rollback {
   ~Rollback();
   Rollback(const Rollback&) = delete;
   Rollback& operator=(const Rollback&) = delete;
-  void keep() noexcept { kept_ = true; }
+  void commit() noexcept { committed_ = true; }
 
  private:
   Environment& env_;
   Settings settings_;
   Random random_;
   std::array<bool, 3> on_screen_{};
-  bool kept_ = false;
+  bool committed_ = false;
 };
 
 }  // namespace tovik::param

@@ -69,7 +69,7 @@ void reseed(Environment& env) {
   env.random.seed(static_cast<std::uint64_t>(env.settings.integer(kRandomSeed)));
 }
 
-Status range_verdict(const Entry& entry, double value) {
+Status check_bounds(const Entry& entry, double value) {
   if (entry.real_minimum == entry.real_maximum) return {};
   if (entry.real_minimum > value) return TVK_ERROR_PARAMETER_TOO_SMALL;
   if (entry.real_maximum < value) return TVK_ERROR_PARAMETER_TOO_BIG;
@@ -78,7 +78,7 @@ Status range_verdict(const Entry& entry, double value) {
 
 /* Texts come first: they alone can run out of memory, and then nothing has changed. */
 void restore_defaults(Environment& env) {
-  count_walk(env);
+  count_table_scan(env);
   for (const Entry& entry : entries()) {
     if (entry.type == Type::text) env.settings.set_text(entry.number, entry.text_default);
   }
@@ -114,7 +114,7 @@ Status check_real(Environment& env, int number, double value) {
   const Entry* entry = locate_typed(env, number, Type::real);
   if (entry == nullptr) return TVK_ERROR_PARAMETER_NUMBER;
   if (polishing_conflict(env.settings, number, value)) return TVK_ERROR_INCOMPATIBLE_PARAMETERS;
-  return range_verdict(*entry, value);
+  return check_bounds(*entry, value);
 }
 
 Status check_text(Environment& env, int number, std::string_view value) {

@@ -72,7 +72,7 @@ bool is_omitted(const param::Entry& entry, Omitted omitted) {
 Status write_parameter_file(Environment& env, const char* name, Omitted omitted) {
   return write_file(env, name, [&](TextWriter& out) {
     out.print("TOVIK Parameter File Version %s\n", kVersion);
-    param::count_walk(env);
+    param::count_table_scan(env);
     for (const param::Entry& entry : param::entries()) {
       if (param::is_changed(env, entry) && !is_omitted(entry, omitted)) write_entry(out, env, entry);
     }

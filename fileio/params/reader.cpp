@@ -229,7 +229,7 @@ Status Reader::apply() {
                                                     : param::set_text(env_, number, setting.text.c_str());
     if (!status.ok()) return status;
   }
-  rollback.keep();
+  rollback.commit();
   return {};
 }
 
