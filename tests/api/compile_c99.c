@@ -3,11 +3,11 @@
 #include <string.h>
 #include <tovik.h>
 
-static int complaints = 0;
+static int failures = 0;
 
 static void expect(int holds, const char* what) {
   if (!holds) {
-    ++complaints;
+    ++failures;
     fprintf(stderr, "failed: %s\n", what);
   }
 }
@@ -31,5 +31,5 @@ int main(void) {
   expect(TVKsetintparam(env, TVK_PARAM_ITLIM, -1) == 1014, "range");
   expect(strcmp(printed, "TOVIK Error  1014: Parameter value too small.\n") == 0, "error line");
   expect(TVKcloseTOVIK(&env) == 0 && env == NULL, "close");
-  return complaints != 0;
+  return failures != 0;
 }

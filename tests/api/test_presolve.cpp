@@ -255,9 +255,9 @@ void check_fates(const Both& b) {
 void check_point(Both& b) {
   b.x.resize(b.model.obj.size());
   ASSERT_EQ(TVKuncrushx(b.env, b.lp, b.x.data(), b.optimum.x.data()), 0);
-  support::Complaints complaints;
-  support::check_primal(b.model, b.x, complaints);
-  EXPECT_EQ(complaints.text(), "");
+  support::Faults faults;
+  support::check_primal(b.model, b.x, faults);
+  EXPECT_EQ(faults.text(), "");
   double value = b.model.offset, size = 1;
   for (int j = 0; j < b.model.columns; ++j) {
     value += b.model.obj[j] * b.x[j];

@@ -122,22 +122,22 @@ TEST_F(PresolveOnOff, AnswersAgreeAndAreProven) {
     const support::DenseLp dense = lps.make(false);
     const support::Lp lp = to_public(lps.chance(0.5) ? lps.disguised(dense) : dense, lps.chance(0.3));
     draw_settings(lps);
-    std::string complaints[2];
+    std::string faults[2];
     const bool primal = lps.chance(0.5);
-    const support::Outcome without = solve(lp, false, !primal, complaints[0]);
-    const support::Outcome with = solve(lp, true, primal, complaints[1]);
+    const support::Outcome without = solve(lp, false, !primal, faults[0]);
+    const support::Outcome with = solve(lp, true, primal, faults[1]);
     if (with.status >= 1 && with.status <= 3) ++of_status[with.status - 1];
-    if (with.status != without.status) complaints[1] += "another verdict than without presolve\n";
+    if (with.status != without.status) faults[1] += "another verdict than without presolve\n";
     if (with.status == TVK_STATUS_OPTIMAL &&
         std::fabs(with.objective - without.objective) > 1e-6 * (1 + std::fabs(without.objective)))
-      complaints[1] += "another objective\n";
-    if (complaints[0].empty() && complaints[1].empty()) continue;
+      faults[1] += "another objective\n";
+    if (faults[0].empty() && faults[1].empty()) continue;
     ++failures;
     ADD_FAILURE() << "seed " << seed << ", without presolve: " << without.status << ' ' << without.objective
                   << '\n'
-                  << complaints[0] << "with presolve, " << (primal ? "primal: " : "dual: ") << with.status
-                  << ' ' << with.objective << '\n'
-                  << complaints[1] << support::describe(lp);
+                  << faults[0] << "with presolve, " << (primal ? "primal: " : "dual: ") << with.status << ' '
+                  << with.objective << '\n'
+                  << faults[1] << support::describe(lp);
   }
   for (const int count : of_status) EXPECT_GT(count, static_cast<int>(kModels) / 50);
 }
@@ -153,7 +153,7 @@ TEST_F(PresolveOnOff, ChangesAfterPresolveAreFollowedOrForgotten) {
     int code = 0;
     ProbHandle prob = TVKcreateprob(env_, &code, "changing");
     ASSERT_EQ(lp.copy(env_, prob), 0);
-    std::string complaints;
+    std::string faults;
     if (TVKpresolve(env_, prob, 0) == 0) {
       for (int k = lps.pick(1, 3); k > 0; --k) change(prob, lp, lps);
       int fate = 0;
@@ -161,15 +161,15 @@ TEST_F(PresolveOnOff, ChangesAfterPresolveAreFollowedOrForgotten) {
       followed += fate != 0;
       code = lps.chance(0.5) ? TVKprimopt(env_, prob) : TVKdualopt(env_, prob);
       const support::Outcome with = support::outcome_of(env_, prob, lp, code);
-      complaints = support::check_answer(env_, prob, lp, with);
+      faults = support::check_answer(env_, prob, lp, with);
       std::string plain;
       const support::Outcome without = solve(lp, false, false, plain);
-      if (with.status != without.status) complaints += "another verdict than without presolve\n";
+      if (with.status != without.status) faults += "another verdict than without presolve\n";
     }
     errors();
     ASSERT_EQ(TVKfreeprob(env_, &prob), 0);
-    failures += !complaints.empty();
-    EXPECT_EQ(complaints, "") << "seed " << seed << '\n' << support::describe(lp);
+    failures += !faults.empty();
+    EXPECT_EQ(faults, "") << "seed " << seed << '\n' << support::describe(lp);
   }
   EXPECT_GT(followed, static_cast<int>(kModels) / 20);
 }

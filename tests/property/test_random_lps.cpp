@@ -47,7 +47,7 @@ TEST_F(RandomLps, AnswersAreProvenAndAgree) {
       ASSERT_EQ(TVKsetintparam(env_, TVK_PARAM_SCAIND, maker.below(2)), 0);
     }
     support::Outcome outcomes[2];
-    std::string complaints;
+    std::string faults;
     for (const bool primal : {false, true}) {
       int code = 0;
       ProbHandle prob = TVKcreateprob(env_, &code, "random");
@@ -56,17 +56,17 @@ TEST_F(RandomLps, AnswersAreProvenAndAgree) {
       code = primal ? TVKprimopt(env_, prob) : TVKdualopt(env_, prob);
       outcomes[primal] = support::outcome_of(env_, prob, lp, code);
       const std::string wrong = support::check_answer(env_, prob, lp, outcomes[primal]);
-      if (!wrong.empty()) complaints += (primal ? "primal:\n" : "dual:\n") + wrong;
+      if (!wrong.empty()) faults += (primal ? "primal:\n" : "dual:\n") + wrong;
       ASSERT_EQ(TVKfreeprob(env_, &prob), 0);
     }
     const auto& [dual, primal] = outcomes;
-    if (!compatible(lp, dual, primal)) complaints += "dual and primal differ\n";
+    if (!compatible(lp, dual, primal)) faults += "dual and primal differ\n";
     if (dual.status >= 1 && dual.status <= 3) ++of_status[dual.status - 1];
-    if (complaints.empty()) continue;
+    if (faults.empty()) continue;
     ++failures;
     ADD_FAILURE() << "seed " << seed << " dual " << dual.status << ' ' << dual.objective << " primal "
                   << primal.status << ' ' << primal.objective << '\n'
-                  << complaints << support::describe(lp);
+                  << faults << support::describe(lp);
   }
   for (const int count : of_status) EXPECT_GT(count, static_cast<int>(kModels) / 50);
 }

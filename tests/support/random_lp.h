@@ -225,7 +225,7 @@ inline Outcome outcome_of(ConstEnvHandle env, ConstProbHandle prob, const Lp& lp
 }
 
 /* Collects what is wrong. */
-class Complaints {
+class Faults {
  public:
   void check(bool holds, const char* what, int index, double value) {
     if (!holds) text_ << what << " [" << index << "] " << value << '\n';
@@ -239,7 +239,7 @@ class Complaints {
 constexpr double kAllowed = 1.001e-6;  // the tolerances on bounds and reduced costs
 constexpr double kRounding = 1e-11;    // relative to the size of a sum's terms
 
-inline void check_primal(const Lp& lp, const std::vector<double>& x, Complaints& c) {
+inline void check_primal(const Lp& lp, const std::vector<double>& x, Faults& c) {
   std::vector<double> size;
   const std::vector<double> ax = lp.activity(x, &size);
   for (int j = 0; j < lp.columns; ++j) {
@@ -254,7 +254,7 @@ inline void check_primal(const Lp& lp, const std::vector<double>& x, Complaints&
 
 /* Identities, feasibility of both kinds, and equal objectives: together they prove the optimum. */
 inline std::string check_optimal(const Lp& lp, const Outcome& o) {
-  Complaints c;
+  Faults c;
   check_primal(lp, o.x, c);
   std::vector<double> size, dual_size;
   const std::vector<double> ax = lp.activity(o.x, &size), ay = lp.transposed(o.pi, &dual_size);
@@ -292,7 +292,7 @@ inline std::string check_optimal(const Lp& lp, const Outcome& o) {
 
 /* y'(ax) over the box must stay below what the rows ask of it; y = 0 when a column's bounds cross. */
 inline std::string check_farkas(const Lp& lp, const std::vector<double>& y, double proof) {
-  Complaints c;
+  Faults c;
   c.check(proof > 0, "no gap told", 0, proof);
   const bool zero = std::all_of(y.begin(), y.end(), [](double v) { return v == 0; });
   if (zero) {
@@ -330,7 +330,7 @@ inline std::string check_farkas(const Lp& lp, const std::vector<double>& y, doub
 }
 
 inline std::string check_ray(const Lp& lp, const std::vector<double>& ray) {
-  Complaints c;
+  Faults c;
   double slope = 0, largest = 0;
   std::vector<double> size;
   const std::vector<double> ar = lp.activity(ray, &size);
@@ -356,7 +356,7 @@ inline std::string check_answer(ConstEnvHandle env, ConstProbHandle prob, const 
     case TVK_STATUS_OPTIMAL:
       return check_optimal(lp, o);
     case TVK_STATUS_UNBOUNDED: {
-      Complaints c;
+      Faults c;
       check_primal(lp, o.x, c);
       std::vector<double> ray(lp.obj.size());
       if (const int code = TVKgetray(env, prob, ray.data()); code != 0) return "no ray\n";
