@@ -6,7 +6,7 @@ namespace bench {
 
 namespace {
 
-constexpr int kLongest = 1000;        // entries of a row that is looked at
+constexpr int kLongest = 10000;       // entries of a row that is looked at
 constexpr double kCancelled = 1e-12;  // what rounding errors leave
 
 }  // namespace
