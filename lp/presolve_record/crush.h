@@ -17,7 +17,7 @@ std::vector<double> uncrush_pi(const Presolved& presolved, const double* pi);
 /* A sparse form of `columns` variables made dense; an index that occurs twice counts twice. */
 presolve::LinearForm dense_form(int columns, int count, const int* index, const double* value);
 
-/* RemovalReason of row or column k: its place in the reduced problem, or a negative code (TVK_PRESTAT_). */
+/* What became of row or column k: its place in the reduced problem, or a negative code (TVK_PRESTAT_). */
 std::vector<int> row_codes(const Presolved& presolved);
 std::vector<int> column_codes(const Presolved& presolved);
 

@@ -7,7 +7,7 @@
 
 namespace tovik::lp::run {
 
-/* The line of the code when presolve came to a conclusion; else the summary. */
+/* The line of the status when presolve came to a conclusion; else the summary. */
 void write_presolve_lines(Environment& env, const Problem& problem, const Presolved& presolved);
 
 }  // namespace tovik::lp::run

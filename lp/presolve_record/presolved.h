@@ -1,6 +1,6 @@
 /* What presolve left with a problem: the data it started from, the reduced problem and the stack for
- * postsolve. Hangs on the problem until it is freed, the model changes, or the optimizer that made it ends.
- */
+ * postsolve. Belongs to the problem until it is freed, the model changes, or the optimizer that made it
+ * ends. */
 #pragma once
 
 #include <memory>

@@ -89,9 +89,9 @@ class Presolve : public support::WithEnvironment {
     return small;
   }
   int fate_of(ProbHandle lp) {
-    int fate = -1;
-    EXPECT_EQ(TVKgetprestat(env_, lp, &fate, nullptr, nullptr, nullptr, nullptr), 0);
-    return fate;
+    int status = -1;
+    EXPECT_EQ(TVKgetprestat(env_, lp, &status, nullptr, nullptr, nullptr, nullptr), 0);
+    return status;
   }
 
  private:
