@@ -8,82 +8,22 @@
 #include <algorithm>
 #include <cmath>
 #include <numeric>
-#include <random>
 
-#include "tests/support/quiet_control.h"
+#include "support/quiet_control.h"
+#include "support/scattered_lps.h"
 
 namespace tovik::lp::simplex {
 namespace {
 
 constexpr double kTol = 1e-6;
 
+using support::DenseLp;
 using support::QuietControl;
+using support::Random;
 
-LpData make_lp(int rows, int columns) {
-  LpData lp;
-  lp.matrix.rows = rows;
-  lp.matrix.columns = columns;
-  lp.matrix.start.assign(static_cast<size_t>(columns) + 1, 0);
-  lp.cost.assign(static_cast<size_t>(columns), 0.0);
-  lp.lower.assign(static_cast<size_t>(columns), 0.0);
-  lp.upper.assign(static_cast<size_t>(columns), kInf);
-  lp.row_lower.assign(static_cast<size_t>(rows), 0.0);
-  lp.row_upper.assign(static_cast<size_t>(rows), 0.0);
-  return lp;
-}
-
-using Random = std::mt19937;
-int pick(Random& random, int low, int high) {
-  return std::uniform_int_distribution<int>(low, high)(random);
-}
-
-/* Bounds of one of the seven kinds: none, lower, upper, boxed, fixed, boxed around zero, at zero. */
-void random_bounds(Random& random, double& low, double& high) {
-  const int a = pick(random, -4, 4);
-  const int b = a + pick(random, 1, 5);
-  switch (pick(random, 0, 6)) {
-    case 0:
-      low = -kInf, high = kInf;
-      break;
-    case 1:
-      low = a, high = kInf;
-      break;
-    case 2:
-      low = -kInf, high = b;
-      break;
-    case 3:
-      low = a, high = b;
-      break;
-    case 4:
-      low = high = a;
-      break;
-    case 5:
-      low = -b * b, high = b * b;
-      break;
-    default:
-      low = 0, high = kInf;
-      break;
-  }
-}
-
-/* Small integers make ties, zero steps and dependent columns common. */
 LpData random_lp(Random& random) {
-  const int m = pick(random, 1, 9);
-  const int n = pick(random, 1, 14);
-  LpData lp = make_lp(m, n);
-  for (int j = 0; j < n; ++j) {
-    for (int i = 0; i < m; ++i) {
-      if (pick(random, 0, 2) > 0) continue;
-      lp.matrix.index.push_back(i);
-      const int v = pick(random, 1, 3);
-      lp.matrix.value.push_back(pick(random, 0, 1) ? v : -v);
-    }
-    lp.matrix.start[j + 1] = static_cast<int>(lp.matrix.index.size());
-    lp.cost[j] = pick(random, -3, 5);
-    random_bounds(random, lp.lower[j], lp.upper[j]);
-  }
-  for (int i = 0; i < m; ++i) random_bounds(random, lp.row_lower[i], lp.row_upper[i]);
-  return lp;
+  const int rows = random.pick(1, 9);
+  return support::scattered_lp(random, rows, random.pick(1, 14)).data();
 }
 
 std::vector<double> point(const Core& core) {
@@ -176,7 +116,7 @@ Answer solve_and_check(const LpData& lp, const Options& options, Start start, Ra
     core.set_logical_basis();
   } else {
     std::vector<BasisStatus> status(static_cast<size_t>(core.total));
-    for (BasisStatus& s : status) s = static_cast<BasisStatus>(pick(random, 0, 3));
+    for (BasisStatus& s : status) s = static_cast<BasisStatus>(random.pick(0, 3));
     core.set_basis(status);
   }
   Primal primal(core);
@@ -203,7 +143,7 @@ TEST(Primal, CertifiesRandomModelsWhateverTheOptions) {
   Random random(20240607);
   int seen[3] = {0, 0, 0};
   for (int round = 0; round < 3000; ++round) {
-    SCOPED_TRACE(round);
+    TRACE_RANDOM(random, round);
     const LpData lp = random_lp(random);
     Options options;
     options.singular_limit = 100;
@@ -246,19 +186,12 @@ TEST(Primal, MirroredModelsAgree) {
 }
 
 LpData assignment(int size, const std::vector<double>& cost) {
-  LpData lp = make_lp(2 * size, size * size);
-  for (int i = 0; i < size; ++i) {
-    for (int k = 0; k < size; ++k) {
-      const int j = i * size + k;
-      lp.matrix.index.insert(lp.matrix.index.end(), {i, size + k});
-      lp.matrix.value.insert(lp.matrix.value.end(), {1.0, 1.0});
-      lp.matrix.start[j + 1] = 2 * (j + 1);
-      lp.cost[j] = cost[j];
-    }
-  }
+  DenseLp lp(2 * size, size * size);
+  for (int j = 0; j < lp.columns(); ++j) lp.a[j / size][j] = lp.a[size + j % size][j] = 1;
+  lp.cost = cost;
   lp.row_lower.assign(lp.row_lower.size(), 1.0);
   lp.row_upper = lp.row_lower;
-  return lp;
+  return lp.data();
 }
 
 TEST(Primal, AssignmentMatchesEnumeration) {
@@ -266,7 +199,7 @@ TEST(Primal, AssignmentMatchesEnumeration) {
   constexpr int kSize = 6;
   for (int round = 0; round < 60; ++round) {
     std::vector<double> cost(kSize * kSize);
-    for (double& c : cost) c = pick(random, 0, round % 3 == 0 ? 1 : 20);
+    for (double& c : cost) c = random.pick(0, round % 3 == 0 ? 1 : 20);
     std::vector<int> order(kSize);
     std::iota(order.begin(), order.end(), 0);
     double best = kInf;
@@ -288,7 +221,7 @@ TEST(Primal, LargeDegenerateModelsAgreeWithAndWithoutPartialPricing) {
   Random random(5);
   constexpr int kSize = 80;
   std::vector<double> cost(kSize * kSize);
-  for (double& c : cost) c = pick(random, 0, 9);
+  for (double& c : cost) c = random.pick(0, 9);
   const LpData lp = assignment(kSize, cost);
   Options full;
   Options partial;
@@ -303,7 +236,7 @@ TEST(Primal, LargeDegenerateModelsAgreeWithAndWithoutPartialPricing) {
 TEST(Primal, RestartsFromItsOwnBasis) {
   Random random(3);
   std::vector<double> cost(900);
-  for (double& c : cost) c = pick(random, 1, 30);
+  for (double& c : cost) c = random.pick(1, 30);
   QuietControl control;
   Core core(assignment(30, cost), {}, control);
   core.set_logical_basis();
@@ -314,7 +247,7 @@ TEST(Primal, RestartsFromItsOwnBasis) {
   ASSERT_EQ(primal.solve(100000), Outcome::optimal);
   EXPECT_EQ(core.counters.iterations, first);
   EXPECT_EQ(core.counters.factorizations, built);
-  for (int j = 0; j < 30; ++j) core.cost[j] += pick(random, -3, 3);
+  for (int j = 0; j < 30; ++j) core.cost[j] += random.pick(-3, 3);
   ASSERT_EQ(primal.solve(100000), Outcome::optimal);
   expect_optimal(core);
   EXPECT_LT(core.counters.iterations - first, first / 2);
@@ -323,7 +256,7 @@ TEST(Primal, RestartsFromItsOwnBasis) {
 TEST(Primal, StopsAtItsLimitsWithConsistentState) {
   Random random(9);
   std::vector<double> cost(400);
-  for (double& c : cost) c = pick(random, 1, 30);
+  for (double& c : cost) c = random.pick(1, 30);
   const LpData lp = assignment(20, cost);
   const auto run = [&](const Options& options, std::int64_t polls, std::int64_t budget, Outcome expected) {
     QuietControl control;
