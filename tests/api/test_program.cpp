@@ -99,9 +99,7 @@ TEST_F(Program, SeveralModelsGiveAnObjectEachAndTheLargestStatus) {
   write("none.lp", kInfeasible);
   const Result result = run({"good.lp", "absent.lp", "none.lp", "--json", "-q"});
   EXPECT_EQ(result.exit, 7);
-  std::istringstream lines(result.out);
-  std::vector<Json> objects;
-  for (std::string line; std::getline(lines, line);) objects.push_back(Json::parse(line));
+  const std::vector<Json> objects = result.objects();
   ASSERT_EQ(objects.size(), 3u);
   EXPECT_EQ(objects[0]["status"], 1);
   EXPECT_TRUE(objects[1]["status"].is_null());

@@ -183,9 +183,7 @@ TEST_F(Check, SeveralModelsAndOnesThatCannotBeRead) {
   write("bad.lp", "max x + + >=\nend\n");
   const Result result = run({"check", "bad.lp", "good.lp", "absent.lp", "--json"});
   EXPECT_EQ(result.exit, 7);
-  std::istringstream lines(result.out);
-  std::vector<Json> objects;
-  for (std::string line; std::getline(lines, line);) objects.push_back(Json::parse(line));
+  const std::vector<Json> objects = result.objects();
   ASSERT_EQ(objects.size(), 3u);
   EXPECT_TRUE(objects[0]["error"].is_string() && objects[0]["errors"].is_null()) << objects[0];
   EXPECT_EQ(objects[1]["errors"], 0);

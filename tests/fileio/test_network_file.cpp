@@ -1,8 +1,8 @@
 /* Network files: what is read, what is refused and how, what is written, and problems made of them. */
 #include <cmath>
 
-#include "support/file_fixture.h"
 #include "support/network_data.h"
+#include "support/network_fixture.h"
 
 namespace {
 
@@ -19,14 +19,8 @@ const std::string kSmall =
     "a 1 3 0 -1 5\n";
 const std::string kSmallText = "min\n- 4\n- 0\n- -4\n- 0 1 1 [0,3]\n- 1 2 1 [0,3]\n- 0 2 5 [0,inf]\n";
 
-class NetworkFile : public support::WithFiles {
+class NetworkFile : public support::WithNetwork {
  protected:
-  void SetUp() override {
-    WithFiles::SetUp();
-    int status = -1;
-    net_ = TVKNETcreateprob(env_, &status, "start");
-    ASSERT_EQ(status, 0);
-  }
   int read_net(const std::string& name) { return TVKNETreadcopyprob(env_, net_, path(name).c_str()); }
   int read_net_text(const std::string& text) {
     put("net.net", text);
@@ -42,8 +36,6 @@ class NetworkFile : public support::WithFiles {
     EXPECT_EQ(TVKNETgetprobname(env_, net_, store, 512, &surplus), 0);
     return store;
   }
-
-  NetProbHandle net_ = nullptr;
 };
 
 TEST_F(NetworkFile, ReadsTheFormatAndWhatIsSafeBeyondIt) {

@@ -5,8 +5,8 @@
 #include <optional>
 #include <random>
 
-#include "support/file_fixture.h"
 #include "support/network_data.h"
+#include "support/network_fixture.h"
 
 namespace {
 
@@ -150,15 +150,8 @@ std::optional<std::int64_t> optimum(const NetworkArrays& net) {
   return value;
 }
 
-class Networks : public support::WithFiles {
+class Networks : public support::WithNetwork {
  protected:
-  void SetUp() override {
-    WithFiles::SetUp();
-    int status = -1;
-    net_ = TVKNETcreateprob(env_, &status, "random");
-    ASSERT_EQ(status, 0);
-  }
-
   static void add_random_arc(Maker& maker, NetworkArrays& net) {
     net.add_arc(maker.below(net.nodes()), maker.below(net.nodes()), maker.any_number(), maker.any_bound(),
                 maker.any_bound());
@@ -274,8 +267,6 @@ class Networks : public support::WithFiles {
     found.resize(static_cast<std::size_t>(count));
     return found;
   }
-
-  NetProbHandle net_ = nullptr;
 };
 
 TEST_F(Networks, EditsAreThoseOfAPlainReference) {

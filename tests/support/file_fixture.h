@@ -50,6 +50,26 @@ class WithFiles : public WithEnvironment {
     return read_file(name);
   }
   std::string model() { return describe(env_, lp_); }
+  /* Reads the broken files of a corpus: each gives the code that its name begins with and one line that says so,
+   * and leaves the problem as it is. Returns how many there are. */
+  int check_broken_files(const std::string& corpus, const char* type) {
+    const std::string before = model();
+    int files = 0;
+    for (const std::filesystem::directory_entry& entry : std::filesystem::directory_iterator(corpus)) {
+      const std::string name = entry.path().filename();
+      SCOPED_TRACE(name);
+      const int code = std::atoi(name.c_str());
+      if (code == 0) continue;  // a sound file: a seed for fuzzing
+      ++files;
+      EXPECT_EQ(TVKreadcopyprob(env_, lp_, entry.path().c_str(), type), code);
+      const std::string line = errors();
+      EXPECT_NE(line.find("TOVIK Error  " + std::to_string(code) + ": "), std::string::npos) << line;
+      EXPECT_EQ(line.find('%'), std::string::npos) << line;
+      EXPECT_EQ(model(), before);
+      warnings();
+    }
+    return files;
+  }
   /* What was written to the results channel since the last call. */
   std::string results() { return std::exchange(results_text_, {}); }
 

@@ -4,23 +4,20 @@
 
 #include <algorithm>
 #include <cmath>
-#include <random>
 #include <vector>
 
 #include "lp/presolve/settings.h"
 #include "support/dense_lp.h"
+#include "support/random.h"
 
 namespace support {
 
 using tovik::lp::kInf;
 using tovik::lp::presolve::Rule;
 
-class PlantedLps {
+class PlantedLps : public Random {
  public:
-  explicit PlantedLps(unsigned seed) : random_(seed) {}
-
-  int pick(int low, int high) { return std::uniform_int_distribution<int>(low, high)(random_); }
-  bool chance(double p) { return std::bernoulli_distribution(p)(random_); }
+  using Random::Random;
 
   /* `planted` more than once: structures that meet each other. Most are feasible with an optimum. */
   DenseLp make(int rows, int columns, const std::vector<Rule>& planted) {
@@ -239,7 +236,6 @@ class PlantedLps {
     }
   }
 
-  std::mt19937 random_;
   std::vector<char> kind_;  // by row: E, L, G, R or free; 0 not decided
   std::vector<SameCost> same_cost_;
   std::vector<int> no_cost_, forced_;

@@ -30,6 +30,13 @@ struct Result {
   int exit = -1;
   std::string out, err;
   Json json() const { return Json::parse(out); }
+  /* One object a line. */
+  std::vector<Json> objects() const {
+    std::vector<Json> all;
+    std::istringstream lines(out);
+    for (std::string line; std::getline(lines, line);) all.push_back(Json::parse(line));
+    return all;
+  }
 };
 
 /* Runs the program in a folder of its own, which is also its TMPDIR. */

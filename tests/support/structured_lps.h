@@ -6,23 +6,20 @@
 #include <algorithm>
 #include <cmath>
 #include <numeric>
-#include <random>
 #include <tuple>
 #include <utility>
 #include <vector>
 
 #include "support/dense_lp.h"
+#include "support/random.h"
 
 namespace support {
 
 using tovik::lp::kInf;
 
-class StructuredLps {
+class StructuredLps : public Random {
  public:
-  explicit StructuredLps(unsigned seed) : random_(seed) {}
-
-  int pick(int low, int high) { return std::uniform_int_distribution<int>(low, high)(random_); }
-  bool chance(double p) { return std::bernoulli_distribution(p)(random_); }
+  using Random::Random;
 
   /* Most have an optimum, some are infeasible or unbounded. `wide`: entries from 1e-4 to 1e7, bounds of
    * 1e7. */
@@ -68,7 +65,7 @@ class StructuredLps {
   std::vector<int> shuffled(int count) {
     std::vector<int> order(static_cast<size_t>(count));
     std::iota(order.begin(), order.end(), 0);
-    std::shuffle(order.begin(), order.end(), random_);
+    std::shuffle(order.begin(), order.end(), engine());
     return order;
   }
   double nonzero() {
@@ -234,7 +231,6 @@ class StructuredLps {
     int column, other;
     double ratio;
   };
-  std::mt19937 random_;
   std::vector<Parallel> parallel_;
   std::vector<int> forced_, equation_;
 };

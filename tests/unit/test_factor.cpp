@@ -6,23 +6,15 @@
 #include <cmath>
 #include <map>
 #include <numeric>
-#include <random>
 #include <set>
 
 #include "lp/factor/factor.h"
+#include "support/random.h"
 
 namespace tovik::lp::factor {
 namespace {
 
-using Random = std::mt19937;
-
-double uniform(Random& random, double low, double high) {
-  return std::uniform_real_distribution<double>(low, high)(random);
-}
-
-int below(Random& random, int end) {
-  return static_cast<int>(random() % static_cast<unsigned>(end));
-}
+using support::Random;
 
 Matrix from_columns(int rows, const std::vector<std::vector<std::pair<int, double>>>& columns) {
   Matrix a;
@@ -45,7 +37,7 @@ Matrix generate(Kind kind, int m, Random& random) {
   std::vector<std::vector<std::pair<int, double>>> columns(3 * m);
   for (int j = 0; j < 3 * m; ++j) {
     std::set<int> rows;
-    const int home = below(random, m);
+    const int home = random.below(m);
     rows.insert(home);
     int extra = 0, reach = m;
     switch (kind) {
@@ -53,23 +45,23 @@ Matrix generate(Kind kind, int m, Random& random) {
         extra = 1;
         break;
       case Kind::staircase:
-        extra = 3 + below(random, 3), reach = std::min(m, 12);
+        extra = 3 + random.below(3), reach = std::min(m, 12);
         break;
       case Kind::dense:
         extra = m / 2;
         break;
       case Kind::fresh_mix:
-        extra = j % 7 == 0 ? m / 4 : below(random, 3);
+        extra = j % 7 == 0 ? m / 4 : random.below(3);
         break;
       default:
-        extra = 2 + below(random, 4);
+        extra = 2 + random.below(4);
         break;
     }
-    for (int k = 0; k < extra; ++k) rows.insert((home + below(random, reach)) % m);
+    for (int k = 0; k < extra; ++k) rows.insert((home + random.below(reach)) % m);
     for (const int i : rows) {
-      double value = uniform(random, -1, 1) * 4;
+      double value = random.uniform(-1, 1) * 4;
       if (kind == Kind::network) value = i == home ? 1.0 : -1.0;
-      if (kind == Kind::badly_scaled) value *= std::pow(10.0, below(random, 9) - 4);
+      if (kind == Kind::badly_scaled) value *= std::pow(10.0, random.below(9) - 4);
       if (std::fabs(value) < 1e-6) value = 1.0;
       columns[j].emplace_back(i, value);
     }
@@ -148,7 +140,7 @@ void check_solves(Factor& factor, const Matrix& a, const std::vector<int>& head,
   const int m = a.rows;
   for (const int nonzeros : {1, 3, m}) {
     std::vector<double> b(m, 0.0);
-    for (int k = 0; k < nonzeros; ++k) b[below(random, m)] = uniform(random, -2, 2);
+    for (int k = 0; k < nonzeros; ++k) b[random.below(m)] = random.uniform(-2, 2);
     for (const bool forward : {true, false}) {
       std::vector<double> first;
       for (const SolveMode mode : {SolveMode::automatic, SolveMode::sparse, SolveMode::plain}) {
@@ -181,7 +173,7 @@ void check_joint_solves(Factor& factor, const Matrix& a, const std::vector<int>&
     std::vector<SparseVector*> together;
     for (int k = 0; k < lanes; ++k) {
       rights[k].assign(m, 0.0);
-      for (int e = 0; e < 1 + k * m; ++e) rights[k][below(random, m)] = uniform(random, -2, 2);
+      for (int e = 0; e < 1 + k * m; ++e) rights[k][random.below(m)] = random.uniform(-2, 2);
       vectors[k].resize(m);
       vectors[k].array = rights[k];
       vectors[k].count = -1;
@@ -223,11 +215,11 @@ std::vector<int> logical_basis(const Matrix& a) {
 std::vector<int> random_basis(const Matrix& a, double structural_share, Random& random) {
   std::vector<int> head = logical_basis(a), columns(a.columns);
   std::iota(columns.begin(), columns.end(), 0);
-  std::shuffle(columns.begin(), columns.end(), random);
+  std::shuffle(columns.begin(), columns.end(), random.engine());
   for (int i = 0; i < a.rows; ++i) {
-    if (uniform(random, 0, 1) < structural_share) head[i] = columns[i];
+    if (random.uniform(0, 1) < structural_share) head[i] = columns[i];
   }
-  std::shuffle(head.begin(), head.end(), random);
+  std::shuffle(head.begin(), head.end(), random.engine());
   return head;
 }
 
@@ -293,7 +285,7 @@ TEST_P(FactorFamilies, ReplacementsKeepTheFactorRight) {
   row.resize(m);
   int replaced = 0, refused = 0;
   for (int trial = 0; trial < 3000; ++trial) {
-    const int q = below(random, a.columns + m);
+    const int q = random.below(a.columns + m);
     if (basic[q]) continue;
     load(column, column_of(a, q));
     column.want_pack = true;
@@ -301,7 +293,7 @@ TEST_P(FactorFamilies, ReplacementsKeepTheFactorRight) {
     int r = -1;  // a large pivot among a few random positions, now and then a middling one
     double best = 1e-3;
     for (int k = 0; k < column.count; ++k) {
-      const double size = std::fabs(column.array[column.index[k]]) * uniform(random, 0.01, 1);
+      const double size = std::fabs(column.array[column.index[k]]) * random.uniform(0.01, 1);
       if (size > best) best = size, r = column.index[k];
     }
     if (r < 0) continue;
@@ -392,7 +384,7 @@ TEST(Factor, HyperSparseSolvesTouchLittle) {
   const std::int64_t before = factor.work();
   for (int k = 0; k < 100; ++k) {
     v.clear();
-    v.set_unit(below(random, m));
+    v.set_unit(random.below(m));
     factor.btran(v, 0.0);
   }
   EXPECT_LT(factor.work() - before, 100 * 200);

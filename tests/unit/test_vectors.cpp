@@ -4,11 +4,11 @@
 
 #include <algorithm>
 #include <cmath>
-#include <set>
 
 #include "lp/base/sparse_vector.h"
 #include "lp/base/sum.h"
 #include "support/random.h"
+#include "support/sparse_check.h"
 
 namespace tovik::lp {
 namespace {
@@ -113,12 +113,7 @@ class SparseVectorModel {
   }
   void check(int round) const {
     EXPECT_EQ(vector_.array, plain_) << "round " << round;
-    if (vector_.count < 0) return;
-    const std::set<int> listed(vector_.index.begin(), vector_.index.begin() + vector_.count);
-    EXPECT_EQ(static_cast<int>(listed.size()), vector_.count) << "listed twice, round " << round;
-    for (int i = 0; i < vector_.dimension(); ++i) {
-      EXPECT_TRUE(plain_[i] == 0 || listed.count(i) > 0) << i << " is not listed, round " << round;
-    }
+    EXPECT_EQ(support::list_complaint(vector_), "") << "round " << round;
   }
 
  private:
