@@ -8,6 +8,7 @@
 
 #include "lp/presolve/parallel_vectors.h"
 #include "lp/presolve/tolerances.h"
+#include "lp/verify/bounds.h"
 
 namespace tovik::lp::presolve {
 namespace {
@@ -144,7 +145,8 @@ void undo_parallel_columns(const ParallelColumns& record, Undo& undo) {
   const double z = p.x[j];
   double best = kInf;
   const auto attempt = [&](double xj, double xk, BasisStatus at_j, BasisStatus at_k) {
-    const double miss = std::max({lower_j - xj, xj - upper_j, lower_k - xk, xk - upper_k, 0.0});
+    const double miss =
+        std::max(verify::outside(xj, lower_j, upper_j), verify::outside(xk, lower_k, upper_k));
     if (miss >= best) return;
     best = miss;
     p.x[j] = xj;

@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "lp/presolve/tolerances.h"
+#include "lp/verify/bounds.h"
 
 namespace tovik::lp::presolve {
 namespace {
@@ -179,7 +180,7 @@ void undo_slack_in_row(const SlackInRow& record, Undo& undo) {
   double least = kInf;
   for (const BasisStatus at : {BasisStatus::lower, BasisStatus::upper}) {
     const double x = ((at == BasisStatus::lower ? row_lower : row_upper) - activity) / a;
-    const double miss = std::max({0.0, lower - x, x - upper});
+    const double miss = verify::outside(x, lower, upper);
     if (!std::isfinite(x) || miss >= least) continue;
     least = miss;
     p.x[s] = x;

@@ -1,12 +1,12 @@
 #include "lp/run/iteration_log.h"
 
-#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <string>
 
 #include "env/channel.h"
 #include "lp/simplex/core.h"
+#include "lp/verify/bounds.h"
 #include "model/store/model.h"
 
 namespace tovik::lp::run {
@@ -37,7 +37,7 @@ double phase1_infeasibility(const simplex::Core& core, bool dual) {
   }
   for (int p = 0; p < core.m; ++p) {
     const int j = core.head[p];
-    sum += std::max({0.0, core.lower[j] - core.x[p], core.x[p] - core.upper[j]});
+    sum += verify::outside(core.x[p], core.lower[j], core.upper[j]);
   }
   return sum;
 }

@@ -6,6 +6,7 @@
 #include "include/tovik.h"
 #include "lp/run/basis_view.h"
 #include "lp/run/live_simplex.h"
+#include "lp/verify/bounds.h"
 #include "model/store/model.h"
 
 namespace tovik::lp::run {
@@ -39,7 +40,7 @@ Status most_infeasible_basic(Environment& env, Problem& problem, int* index) {
   *index = kNone;
   for (int p = 0; p < core.m; ++p) {
     const double violation =
-        std::max(core.x_lower[p] - core.x[p], core.x[p] - core.x_upper[p]) * view.scale(core.head[p]);
+        verify::outside(core.x[p], core.x_lower[p], core.x_upper[p]) * view.scale(core.head[p]);
     if (violation > worst) {
       worst = violation;
       *index = core.head[p];
