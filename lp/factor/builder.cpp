@@ -29,7 +29,7 @@ void Builder::reset(int rows, Lu& lu) {
   lu.links.assign(slots, SlotLinks{});
   lu.etas.file.used = 0;
   new_head_.assign(rows, kNone);
-  if (basic_.capacity() <= matrix_.columns) basic_.resize(matrix_.columns);
+  if (basic_.capacity() <= matrix_->columns) basic_.resize(matrix_->columns);
   columns_.clear();
   rejected_.clear();
   exchanges_.clear();
@@ -49,11 +49,11 @@ void Builder::assign(int slot, int row, int column, double pivot, Lu& lu) {
  * kernel (two equal columns), a logical right here. */
 void Builder::pivot_logicals(const std::vector<int>& head, Lu& lu) {
   for (const int variable : head) {
-    if (variable < matrix_.columns) {
+    if (variable < matrix_->columns) {
       if (!basic_.insert_new(variable)) rejected_.push_back(variable);
       continue;
     }
-    const int row = variable - matrix_.columns;
+    const int row = variable - matrix_->columns;
     if (lu.row_slot[row] == kLogical) {
       rejected_.push_back(variable);
     } else {
@@ -67,7 +67,7 @@ void Builder::pivot_logicals(const std::vector<int>& head, Lu& lu) {
     lu.row_slot[row] = slot;
     lu.label[slot] = row;
     lu.u_column[slot] = {0, 0, 1.0};
-    new_head_[row] = matrix_.columns + row;
+    new_head_[row] = matrix_->columns + row;
   }
   lu.logicals = next_slot_;
   work_ += lu.rows;
@@ -84,11 +84,11 @@ void Builder::count_lines(const Lu& lu) {
   std::int64_t entries = 0;
   for (int c = 0; c < columns; ++c) {
     const int j = columns_[c];
-    entries += matrix_.start[j + 1] - matrix_.start[j];
+    entries += matrix_->start[j + 1] - matrix_->start[j];
     Remaining left;
-    for (int k = matrix_.start[j]; k < matrix_.start[j + 1]; ++k) {
-      const int row = matrix_.index[k];
-      if (lu.row_slot[row] != kNone || matrix_.value[k] == 0.0) continue;
+    for (int k = matrix_->start[j]; k < matrix_->start[j + 1]; ++k) {
+      const int row = matrix_->index[k];
+      if (lu.row_slot[row] != kNone || matrix_->value[k] == 0.0) continue;
       left.add(row);
       row_left_[row].add(c);
     }
@@ -106,9 +106,9 @@ void Builder::count_lines(const Lu& lu) {
   if (static_cast<int>(row_columns_.size()) < active) row_columns_.resize(active + active / 4);
   for (int c = 0; c < columns; ++c) {
     const int j = columns_[c];
-    for (int k = matrix_.start[j]; k < matrix_.start[j + 1]; ++k) {
-      const int row = matrix_.index[k];
-      if (lu.row_slot[row] == kNone && matrix_.value[k] != 0.0) row_columns_[row_start_[row]++] = c;
+    for (int k = matrix_->start[j]; k < matrix_->start[j + 1]; ++k) {
+      const int row = matrix_->index[k];
+      if (lu.row_slot[row] == kNone && matrix_->value[k] != 0.0) row_columns_[row_start_[row]++] = c;
     }
   }
   for (int row = lu.rows; row > 0; --row) row_start_[row] = row_start_[row - 1];
@@ -121,16 +121,16 @@ void Builder::count_lines(const Lu& lu) {
 void Builder::pivot_column_singleton(int c, Lu& lu) {
   const int row = column_left_[c].combined;
   const int j = columns_[c];
-  const int begin = matrix_.start[j], end = matrix_.start[j + 1];
+  const int begin = matrix_->start[j], end = matrix_->start[j + 1];
   const int start = lu.u_columns.used;
   lu.u_columns.reserve(start + end - begin);
   double pivot = 0.0;
   for (int k = begin; k < end; ++k) {
-    const int i = matrix_.index[k];
+    const int i = matrix_->index[k];
     if (i == row) {
-      pivot = matrix_.value[k];
-    } else if (matrix_.value[k] != 0.0) {
-      lu.u_columns.append(lu.row_slot[i], matrix_.value[k]);
+      pivot = matrix_->value[k];
+    } else if (matrix_->value[k] != 0.0) {
+      lu.u_columns.append(lu.row_slot[i], matrix_->value[k]);
     }
   }
   work_ += end - begin + row_start_[row + 1] - row_start_[row];
@@ -165,10 +165,10 @@ void Builder::pivot_column_singletons(Lu& lu) {
  * an entry. */
 void Builder::pivot_row_singleton(int row, int c, Lu& lu) {
   const int j = columns_[c];
-  const int begin = matrix_.start[j], end = matrix_.start[j + 1];
+  const int begin = matrix_->start[j], end = matrix_->start[j + 1];
   double pivot = 0.0;
   for (int k = begin; k < end; ++k) {
-    if (matrix_.index[k] == row) pivot = matrix_.value[k];
+    if (matrix_->index[k] == row) pivot = matrix_->value[k];
   }
   work_ += 2 * (end - begin);
   if (std::fabs(pivot) < settings_.pivot_absolute) return;
@@ -176,8 +176,8 @@ void Builder::pivot_row_singleton(int row, int c, Lu& lu) {
   lu.u_columns.reserve(u_start + end - begin);
   lu.l_columns.reserve(l_start + end - begin);
   for (int k = begin; k < end; ++k) {
-    const int i = matrix_.index[k];
-    const double value = matrix_.value[k];
+    const int i = matrix_->index[k];
+    const double value = matrix_->value[k];
     if (i == row || value == 0.0) continue;
     if (lu.row_slot[i] != kNone) {
       lu.u_columns.append(lu.row_slot[i], value);
@@ -225,10 +225,10 @@ void Builder::load_kernel(const Lu& lu) {
   for (const int c : kernel_columns_) {
     kernel_.begin_column();
     const int j = columns_[c];
-    for (int k = matrix_.start[j]; k < matrix_.start[j + 1]; ++k) {
-      const int row = matrix_.index[k];
-      if (lu.row_slot[row] == kNone && matrix_.value[k] != 0.0)
-        kernel_.add(kernel_row_[row], matrix_.value[k]);
+    for (int k = matrix_->start[j]; k < matrix_->start[j + 1]; ++k) {
+      const int row = matrix_->index[k];
+      if (lu.row_slot[row] == kNone && matrix_->value[k] != 0.0)
+        kernel_.add(kernel_row_[row], matrix_->value[k]);
     }
   }
 }
@@ -251,11 +251,11 @@ void Builder::store_kernel(Lu& lu) {
     const int c = kernel_columns_[p.column];
     const int j = columns_[c];
     const int start = lu.u_columns.used;
-    lu.u_columns.reserve(start + matrix_.start[j + 1] - matrix_.start[j] + count_[p.column]);
-    for (int k = matrix_.start[j]; k < matrix_.start[j + 1]; ++k) {
-      const int i_slot = lu.row_slot[matrix_.index[k]];
-      if (i_slot != kNone && i_slot < first_slot && matrix_.value[k] != 0.0) {
-        lu.u_columns.append(i_slot, matrix_.value[k]);
+    lu.u_columns.reserve(start + matrix_->start[j + 1] - matrix_->start[j] + count_[p.column]);
+    for (int k = matrix_->start[j]; k < matrix_->start[j + 1]; ++k) {
+      const int i_slot = lu.row_slot[matrix_->index[k]];
+      if (i_slot != kNone && i_slot < first_slot && matrix_->value[k] != 0.0) {
+        lu.u_columns.append(i_slot, matrix_->value[k]);
       }
     }
     place_[p.column] = lu.u_columns.used;
@@ -306,7 +306,7 @@ void Builder::replace_rejected(Lu& lu) {
     lu.row_slot[row] = slot;
     lu.u_column[slot] = {0, 0, 1.0};
     lu.l_column[slot] = {0, 0};
-    new_head_[row] = matrix_.columns + row;
+    new_head_[row] = matrix_->columns + row;
     exchanges_.push_back({rejected_[next++], row});
   }
 }

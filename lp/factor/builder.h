@@ -15,7 +15,8 @@ namespace tovik::lp::factor {
 
 class Builder {
  public:
-  explicit Builder(const Matrix& matrix) : matrix_(matrix) {}
+  explicit Builder(const Matrix& matrix) : matrix_(&matrix) {}
+  void use_matrix(const Matrix& matrix) { matrix_ = &matrix; }
 
   /* Fills lu (all but the update part is overwritten, the update part reset) and permutes head; returns the
    * deficiency. */
@@ -54,7 +55,7 @@ class Builder {
   void finish_u(Lu& lu);
   void assign(int slot, int row, int column, double pivot, Lu& lu);
 
-  const Matrix& matrix_;
+  const Matrix* matrix_;
   Settings settings_;
   Kernel kernel_;
   std::vector<Exchange> exchanges_;

@@ -37,10 +37,29 @@ class Signs {
 
 }  // namespace
 
-struct Factor::Impl {
-  explicit Impl(const Matrix& a) : matrix(a), builder(a), solver(lu), joint_solver(lu) {}
+namespace {
 
-  const Matrix& matrix;
+/* What decides when another build pays, beside the running counts. */
+struct RebuildRule {
+  std::int64_t build_work = 0;  // of the build that the factor comes from
+  int fresh_entries = 0;
+  double least_average = 0.0;  // least (build + extra work) / updates since the build
+  bool past_optimum = false;
+};
+
+}  // namespace
+
+struct Factor::Saved {
+  Lu lu;
+  std::vector<int> head;
+  RebuildRule rule;
+  std::int64_t extra_work = 0;  // since the build
+};
+
+struct Factor::Impl {
+  explicit Impl(const Matrix& a) : matrix(&a), builder(a), solver(lu), joint_solver(lu) {}
+
+  const Matrix* matrix;
   Settings settings;
   Lu lu;
   Builder builder;
@@ -48,14 +67,11 @@ struct Factor::Impl {
   JointSolver joint_solver;
   Stats stats;
   std::vector<int> head;
-  int update_limit = 0;  // 0: by default
   std::int64_t overhead = 0;
   std::int64_t update_work = 0;
-  SolveCounts counts_at_build;
-  std::int64_t update_work_at_build = 0;
-  int fresh_entries = 0;
-  double least_average = 0.0;  // least (build + extra work) / updates since the build
-  bool past_optimum = false;
+  std::int64_t extra_work_at_build = 0;
+  RebuildRule rule;
+  RebuildRule rule_at_record;
   SparseVector check;
 
   int build(std::vector<int>& basis);
@@ -67,21 +83,21 @@ struct Factor::Impl {
 
 int Factor::Impl::build(std::vector<int>& basis) {
   const int rows = static_cast<int>(basis.size());
-  lu.update_limit = update_limit > 0 ? update_limit : default_update_limit(rows);
+  lu.update_limit = default_update_limit(rows);
+  lu.recording = false;
+  lu.recorded = 0;
   lu.etas.line.resize(lu.update_limit);
   lu.etas.retired.resize(lu.update_limit);
   const int deficiency = builder.build(basis, settings, lu);
   head = basis;
   solver.resize();
-  counts_at_build = solver.counts();
-  update_work_at_build = update_work;
-  fresh_entries = lu.l_columns.used + lu.u_columns.used;
-  past_optimum = false;
+  extra_work_at_build = solver.counts().extra_work;
+  rule = {builder.work(), lu.l_columns.used + lu.u_columns.used, 0.0, false};
   ++stats.builds;
   stats.build_work += builder.work();
   stats.bump = builder.bump();
   stats.basis_nonzeros = builder.basis_nonzeros();
-  stats.factor_nonzeros = fresh_entries + rows;
+  stats.factor_nonzeros = rule.fresh_entries + rows;
   return deficiency;
 }
 
@@ -90,12 +106,12 @@ bool Factor::Impl::update(const SparseVector& column, const SparseVector& row, i
   update_work += static_cast<std::int64_t>(3 * column.packed_index.size() + 2 * row.packed_index.size());
   if (!replace_column(column, row, r, solver.workspace().x, lu)) return false;
   ++stats.updates;
-  const double extra = static_cast<double>(solver.counts().extra_work - counts_at_build.extra_work);
-  const double average = (static_cast<double>(builder.work() + overhead) + extra) / lu.updates;
-  if (lu.updates == 1 || average < least_average) {
-    least_average = average;
-  } else if (lu.updates >= kMinUpdates && average > 1.02 * least_average) {
-    past_optimum = true;
+  const double extra = static_cast<double>(solver.counts().extra_work - extra_work_at_build);
+  const double average = (static_cast<double>(rule.build_work + overhead) + extra) / lu.updates;
+  if (lu.updates == 1 || average < rule.least_average) {
+    rule.least_average = average;
+  } else if (lu.updates >= kMinUpdates && average > 1.02 * rule.least_average) {
+    rule.past_optimum = true;
   }
   return true;
 }
@@ -105,15 +121,15 @@ double Factor::Impl::multiply(const std::vector<double>& x, std::vector<double>&
   double largest = 0.0;
   for (int r = 0; r < lu.rows; ++r) {
     const int j = head[r];
-    if (j >= matrix.columns) {
-      product[j - matrix.columns] += x[r];
+    if (j >= matrix->columns) {
+      product[j - matrix->columns] += x[r];
       largest = std::max(largest, 1.0);
       continue;
     }
     double sum = 0.0;
-    for (int k = matrix.start[j]; k < matrix.start[j + 1]; ++k) {
-      product[matrix.index[k]] += matrix.value[k] * x[r];
-      sum += std::fabs(matrix.value[k]);
+    for (int k = matrix->start[j]; k < matrix->start[j + 1]; ++k) {
+      product[matrix->index[k]] += matrix->value[k] * x[r];
+      sum += std::fabs(matrix->value[k]);
     }
     largest = std::max(largest, sum);
   }
@@ -124,15 +140,15 @@ double Factor::Impl::multiply_transposed(const std::vector<double>& y, std::vect
   double largest = 0.0;
   for (int r = 0; r < lu.rows; ++r) {
     const int j = head[r];
-    if (j >= matrix.columns) {
-      product[r] = y[j - matrix.columns];
+    if (j >= matrix->columns) {
+      product[r] = y[j - matrix->columns];
       largest = std::max(largest, 1.0);
       continue;
     }
     double sum = 0.0, size = 0.0;
-    for (int k = matrix.start[j]; k < matrix.start[j + 1]; ++k) {
-      sum += matrix.value[k] * y[matrix.index[k]];
-      size = std::max(size, std::fabs(matrix.value[k]));
+    for (int k = matrix->start[j]; k < matrix->start[j + 1]; ++k) {
+      sum += matrix->value[k] * y[matrix->index[k]];
+      size = std::max(size, std::fabs(matrix->value[k]));
     }
     product[r] = sum;
     largest = std::max(largest, size);
@@ -168,8 +184,9 @@ Factor::~Factor() = default;
 void Factor::set(const Settings& settings) {
   impl_->settings = settings;
 }
-void Factor::set_update_limit(int limit) {
-  impl_->update_limit = limit;
+void Factor::use_matrix(const Matrix& matrix) {
+  impl_->matrix = &matrix;
+  impl_->builder.use_matrix(matrix);
 }
 void Factor::set_rebuild_overhead(std::int64_t ticks) {
   impl_->overhead = ticks;
@@ -210,16 +227,44 @@ std::int64_t Factor::work_of_build() const {
   return impl_->builder.work();
 }
 
-std::int64_t Factor::work_since_build() const {
-  return impl_->solver.counts().work - impl_->counts_at_build.work + impl_->update_work -
-         impl_->update_work_at_build;
-}
-
 bool Factor::wants_rebuild() const {
   const Lu& lu = impl_->lu;
-  if (lu.updates >= lu.update_limit || impl_->past_optimum) return true;
+  if (lu.updates >= lu.update_limit || impl_->rule.past_optimum) return true;
   const double entries = static_cast<double>(lu.l_columns.used + lu.u_columns.used + lu.etas.file.used);
-  return entries > kFileGrowth * impl_->fresh_entries + kFileSlack;
+  return entries > kFileGrowth * impl_->rule.fresh_entries + kFileSlack;
+}
+
+std::shared_ptr<const Factor::Saved> Factor::save() const {
+  auto saved = std::make_shared<Saved>();
+  saved->lu.copy(impl_->lu);
+  saved->head = impl_->head;
+  saved->rule = impl_->rule;
+  saved->extra_work = impl_->solver.counts().extra_work - impl_->extra_work_at_build;
+  return saved;
+}
+
+void Factor::restore(const Saved& saved) {
+  impl_->lu.copy(saved.lu);
+  impl_->head = saved.head;
+  impl_->rule = saved.rule;
+  impl_->extra_work_at_build = impl_->solver.counts().extra_work - saved.extra_work;
+  impl_->solver.resize();
+}
+
+void Factor::record_updates() {
+  impl_->lu.recording = true;
+  impl_->lu.recorded = 0;
+  impl_->rule_at_record = impl_->rule;
+}
+
+bool Factor::records_updates() const {
+  return impl_->lu.recording;
+}
+
+void Factor::undo_updates() {
+  while (impl_->lu.recorded > 0) undo_update(impl_->lu);
+  impl_->lu.recording = false;
+  impl_->rule = impl_->rule_at_record;
 }
 
 const Stats& Factor::stats() const {

@@ -2,9 +2,12 @@
  *
  * Basis columns are named by variable: 0..n-1 structural columns of the matrix, n+i the unit column e_i
  * (logical of row i). build() permutes the caller's head so that head[i] is the variable pivoted in row i;
- * positions and rows then share one index space, and all vectors have dimension m: ftran:  solves B x = b; in
- * b by row, out x by position btran:  solves B' y = c;  in c by position, out y by row See the notes in
- * factor.cpp for Markowitz search, singleton passes, dense tail and hyper-sparse solves. */
+ * positions and rows then share one index space, and all vectors have dimension m:
+ * - ftran: solves B x = b; in b by row, out x by position;
+ * - btran: solves B' y = c; in c by position, out y by row.
+ *
+ * A factor can be put aside and taken up again without elimination, and updates can be taken back one by one:
+ * that is what a search does between nodes and around strong branching. */
 #pragma once
 
 #include <cstdint>
@@ -41,14 +44,14 @@ enum class SolveMode { automatic, sparse, plain };
 
 class Factor {
  public:
-  /* Keeps a reference to the matrix; it must outlive the factor and not change while built. */
+  /* Keeps the address of the matrix; it must outlive the factor and not change while built. */
   explicit Factor(const Matrix& matrix);
   ~Factor();
   Factor(const Factor&) = delete;
   Factor& operator=(const Factor&) = delete;
 
   void set(const Settings& settings);
-  void set_update_limit(int limit);  // wants_rebuild() at so many updates; counts from the next build
+  void use_matrix(const Matrix& matrix);  // the same matrix in another place, or one for the next build
   void set_rebuild_overhead(std::int64_t ticks);  // what a rebuild costs the caller on top of build()
 
   /* Factors the basis `head` (m variables). Permutes head (see above). Returns the rank deficiency: 0 when
@@ -78,13 +81,25 @@ class Factor {
    * caller then refactors, the factor is unusable. */
   bool update(const SparseVector& column, const SparseVector& row, int r);
 
+  /* A factored basis with its updates, put aside. Cost of both calls: a copy of what is in use. The matrix
+   * must then hold the same columns. */
+  struct Saved;
+  std::shared_ptr<const Saved> save() const;
+  void restore(const Saved& saved);
+
+  /* From record_updates() on updates can be taken back: undo_updates() leaves the factor of that moment, for
+   * what the updates wrote, and ends the recording. After a build there is nothing to undo: a build ends it
+   * too. */
+  void record_updates();
+  bool records_updates() const;
+  void undo_updates();
+
   void force_mode(SolveMode mode);
 
-  int updates() const;                    // since the last build
-  std::int64_t work() const;              // ticks so far: entries touched in builds, solves and updates
-  std::int64_t work_of_build() const;     // ticks of the last build
-  std::int64_t work_since_build() const;  // ticks of solves and updates since
-  bool wants_rebuild() const;             // update file or memory has grown past what pays
+  int updates() const;                 // since the last build
+  std::int64_t work() const;           // ticks so far: entries touched in builds, solves and updates
+  std::int64_t work_of_build() const;  // ticks of the last build
+  bool wants_rebuild() const;          // update file or memory has grown past what pays
   const Stats& stats() const;
 
  private:

@@ -14,6 +14,7 @@
  * length of the retired lines. */
 #pragma once
 
+#include <algorithm>
 #include <vector>
 
 namespace tovik::lp::factor {
@@ -40,6 +41,13 @@ struct File {  // entries of many lines; size only grows, used counts the entrie
     index.resize(size);
     value.resize(size);
   }
+  /* The entries in use of another file; the rest of the room stays. */
+  void copy(const File& other) {
+    reserve(other.used);
+    std::copy_n(other.index.begin(), other.used, index.begin());
+    std::copy_n(other.value.begin(), other.used, value.begin());
+    used = other.used;
+  }
   void append(int i, double v) {
     index[used] = i;
     value[used++] = v;
@@ -57,6 +65,26 @@ struct Etas {                // the row etas by rows, with chains by columns
   File file;
   std::vector<int> next;    // per entry: the older entry of the same column, or -1
   std::vector<int> update;  // per entry: the update it belongs to
+};
+
+/* What one update overwrote, so that it can be taken back: updates are undone in reverse order. Entries that
+ * an update wrote behind the used part of a file, or behind the end of a line, need no record: they are out
+ * of reach once ends are back where they were. */
+struct UpdateRecord {
+  int position = 0, retired = 0;  // position of the replaced column, and its slot until then
+  PivotLine u_column, u_row;      // of the retired slot
+  int u_row_capacity = 0;
+  int u_columns_used = 0, u_rows_used = 0, etas_used = 0;
+  struct Row {
+    int slot;
+    PivotLine line;
+    int capacity;
+  };
+  struct Link {
+    int slot, eta;
+  };
+  std::vector<Row> rows;    // rows of U that the spike extended
+  std::vector<Link> links;  // newest eta entries that the row eta displaced
 };
 
 struct Lu {
@@ -77,8 +105,13 @@ struct Lu {
   File u_columns, u_rows;
   Etas etas;
   std::vector<SlotLinks> links;
+  bool recording = false;             // updates append to `records`
+  std::vector<UpdateRecord> records;  // of the updates since recording began, first `recorded` valid
+  int recorded = 0;
 
   int slots() const { return rows + updates; }
+  /* The factor of another, without its records: what is in use only, into memory that is there. */
+  void copy(const Lu& other);
 };
 
 }  // namespace tovik::lp::factor

@@ -9,6 +9,24 @@ namespace {
 
 constexpr double kDiagonalGap = 1e-6;  // the two values of the new diagonal may differ by this share
 
+/* The record of the update at hand, or none. */
+UpdateRecord* start_record(int r, int p, Lu& lu) {
+  if (!lu.recording) return nullptr;
+  if (lu.recorded == static_cast<int>(lu.records.size())) lu.records.emplace_back();
+  UpdateRecord& record = lu.records[lu.recorded++];
+  record.position = r;
+  record.retired = p;
+  record.u_column = lu.u_column[p];
+  record.u_row = lu.u_row[p];
+  record.u_row_capacity = lu.u_row_capacity[p];
+  record.u_columns_used = lu.u_columns.used;
+  record.u_rows_used = lu.u_rows.used;
+  record.etas_used = lu.etas.file.used;
+  record.rows.clear();
+  record.links.clear();
+  return &record;
+}
+
 /* Adds the entry (row, slot) to the row-wise copy of U; a row without room moves to the end of the file. */
 void extend_row(int row, int slot, double value, Lu& lu) {
   PivotLine& line = lu.u_row[row];
@@ -27,7 +45,7 @@ void extend_row(int row, int slot, double value, Lu& lu) {
 }
 
 /* The row eta of this update: y solves U'y = e_p, so that eta = -u_pp y off the diagonal. */
-void add_eta(const SparseVector& row, int p, double diagonal, Lu& lu) {
+void add_eta(const SparseVector& row, int p, double diagonal, Lu& lu, UpdateRecord* record) {
   Etas& etas = lu.etas;
   const int update = lu.updates;
   const int start = etas.file.used;
@@ -42,6 +60,7 @@ void add_eta(const SparseVector& row, int p, double diagonal, Lu& lu) {
     const double value = -diagonal * row.packed_value[k];
     if (slot == p || std::fabs(value) < kTiny) continue;
     const int entry = etas.file.used;
+    if (record != nullptr) record->links.push_back({slot, lu.links[slot].eta});
     etas.next[entry] = lu.links[slot].eta;
     etas.update[entry] = update;
     lu.links[slot].eta = entry;
@@ -72,7 +91,8 @@ bool replace_column(const SparseVector& column, const SparseVector& row, int r, 
   const double new_diagonal = diagonal * product;
   if (new_diagonal == 0.0) return false;
 
-  add_eta(row, p, diagonal, lu);
+  UpdateRecord* const record = start_record(r, p, lu);
+  add_eta(row, p, diagonal, lu, record);
   lu.links[p].successor = slot;
   lu.u_column[p] = {0, 0, 0.0};
   lu.u_row[p] = {0, 0, 0.0};
@@ -85,6 +105,7 @@ bool replace_column(const SparseVector& column, const SparseVector& row, int r, 
     const int i = column.packed_index[k];
     if (i == p) continue;
     file.append(i, column.packed_value[k]);
+    if (record != nullptr) record->rows.push_back({i, lu.u_row[i], lu.u_row_capacity[i]});
     extend_row(i, slot, column.packed_value[k], lu);
   }
   lu.u_column[slot] = {start, file.used - start, 1.0 / new_diagonal};
@@ -94,6 +115,59 @@ bool replace_column(const SparseVector& column, const SparseVector& row, int r, 
   lu.position_slot[r] = slot;
   ++lu.updates;
   return true;
+}
+
+void Lu::copy(const Lu& other) {
+  rows = other.rows;
+  updates = other.updates;
+  update_limit = other.update_limit;
+  logicals = other.logicals;
+  first_l = other.first_l;
+  label = other.label;
+  row_slot = other.row_slot;
+  position_slot = other.position_slot;
+  l_column = other.l_column;
+  l_row = other.l_row;
+  l_columns.copy(other.l_columns);
+  l_rows.copy(other.l_rows);
+  u_column = other.u_column;
+  u_row = other.u_row;
+  u_row_capacity = other.u_row_capacity;
+  u_columns.copy(other.u_columns);
+  u_rows.copy(other.u_rows);
+  etas.line = other.etas.line;
+  etas.retired = other.etas.retired;
+  etas.file.copy(other.etas.file);
+  const auto eta_entries = static_cast<std::size_t>(other.etas.file.used);
+  if (etas.next.size() < etas.file.index.size()) {
+    etas.next.resize(etas.file.index.size());
+    etas.update.resize(etas.file.index.size());
+  }
+  std::copy_n(other.etas.next.begin(), eta_entries, etas.next.begin());
+  std::copy_n(other.etas.update.begin(), eta_entries, etas.update.begin());
+  links = other.links;
+  recording = false;
+  recorded = 0;
+}
+
+void undo_update(Lu& lu) {
+  const UpdateRecord& record = lu.records[--lu.recorded];
+  --lu.updates;
+  for (auto row = record.rows.rbegin(); row != record.rows.rend(); ++row) {
+    lu.u_row[row->slot] = row->line;
+    lu.u_row_capacity[row->slot] = row->capacity;
+  }
+  for (auto link = record.links.rbegin(); link != record.links.rend(); ++link)
+    lu.links[link->slot].eta = link->eta;
+  const int p = record.retired;
+  lu.links[p].successor = -1;
+  lu.u_column[p] = record.u_column;
+  lu.u_row[p] = record.u_row;
+  lu.u_row_capacity[p] = record.u_row_capacity;
+  lu.position_slot[record.position] = p;
+  lu.u_columns.used = record.u_columns_used;
+  lu.u_rows.used = record.u_rows_used;
+  lu.etas.file.used = record.etas_used;
 }
 
 }  // namespace tovik::lp::factor

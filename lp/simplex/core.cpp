@@ -10,7 +10,8 @@ namespace tovik::lp::simplex {
 namespace {
 constexpr double kColumnPriceRatio =
     0.7;  // price by columns when rows would touch more than this share of all entries
-constexpr double kJointDensity = 0.25;  // results denser than this are solved for together
+constexpr double kJointDensity = 0.25;     // results denser than this are solved for together
+constexpr double kHighestThreshold = 0.9;  // after numerical failures
 constexpr double kLargestThreshold = 0.99999;
 constexpr double kStrictThreshold =
     0.5;                             // beyond this a stricter pivot rule does not mend an inaccurate factor
@@ -23,33 +24,32 @@ double raised(double threshold) {
 }
 }  // namespace
 
-Core::Core(LpData scaled_lp, const Options& solve_options, Control& solve_control)
-    : n(scaled_lp.num_columns()),
-      m(scaled_lp.num_rows()),
+SimplexVectors::SimplexVectors(Matrix matrix, const Options& solve_options)
+    : n(matrix.columns),
+      m(matrix.rows),
       total(n + m),
-      lp(std::move(scaled_lp)),
-      factor(lp.matrix),
+      columns(std::make_shared<Matrix>(std::move(matrix))),
       options(solve_options),
-      control(&solve_control),
       random(solve_options.seed),
       primal_tolerance(solve_options.primal_tolerance),
       dual_tolerance(solve_options.dual_tolerance),
-      threshold(solve_options.markowitz) {
+      threshold(solve_options.markowitz) {}
+
+Core::Core(LpData scaled_lp, const Options& solve_options, Control& solve_control)
+    : SimplexVectors(std::move(scaled_lp.matrix), solve_options), factor(*columns), control(&solve_control) {
+  offset = scaled_lp.offset;
   const auto size = static_cast<size_t>(total);
   cost.assign(size, 0.0);
   lower.resize(size);
   upper.resize(size);
   for (int j = 0; j < n; ++j) {
-    cost[j] = lp.cost[j];
-    lower[j] = lp.lower[j];
-    upper[j] = lp.upper[j];
+    cost[j] = scaled_lp.cost[j];
+    lower[j] = scaled_lp.lower[j];
+    upper[j] = scaled_lp.upper[j];
   }
   for (int i = 0; i < m; ++i) {
-    lower[n + i] = -lp.row_upper[i];
-    upper[n + i] = -lp.row_lower[i];
-  }
-  for (std::vector<double>* copied : {&lp.cost, &lp.lower, &lp.upper, &lp.row_lower, &lp.row_upper}) {
-    std::vector<double>().swap(*copied);
+    lower[n + i] = -scaled_lp.row_upper[i];
+    upper[n + i] = -scaled_lp.row_lower[i];
   }
   work_cost = cost;
   work_lower = lower;
@@ -59,6 +59,7 @@ Core::Core(LpData scaled_lp, const Options& solve_options, Control& solve_contro
   value.assign(size, 0.0);
   d.assign(size, 0.0);
   head.assign(static_cast<size_t>(m), 0);
+  position.assign(size, 0);
   x.assign(static_cast<size_t>(m), 0.0);
   x_lower = x;
   x_upper = x;
@@ -66,7 +67,44 @@ Core::Core(LpData scaled_lp, const Options& solve_options, Control& solve_contro
   for (double& r : random_value) r = random.real();
   buffer_.resize(m);
   // A rebuild also recomputes values and reduced costs: two passes over the matrix.
-  factor.set_rebuild_overhead(2 * static_cast<std::int64_t>(lp.matrix.index.size()) + 4 * total);
+  factor.set_rebuild_overhead(2 * static_cast<std::int64_t>(matrix().index.size()) + 4 * total);
+}
+
+Core::Core(const Core& other) : SimplexVectors(other), factor(*columns), control(other.control) {
+  buffer_.resize(m);
+  factor.set_rebuild_overhead(2 * static_cast<std::int64_t>(columns->index.size()) + 4 * total);
+  if (has_factor) factor.restore(*other.factor.save());
+}
+
+Matrix& Core::own_matrix() {
+  if (columns.use_count() > 1) {
+    columns = std::make_shared<Matrix>(*columns);
+    factor.use_matrix(*columns);
+    rows_are_stale = true;
+  }
+  return *columns;
+}
+
+void Core::find_positions() {
+  for (int p = 0; p < m; ++p) position[head[p]] = p;
+}
+
+void Core::count_free() {
+  free_nonbasic = 0;
+  for (int j = 0; j < total; ++j)
+    free_nonbasic += nonbasic[j] && work_lower[j] == -kInf && work_upper[j] == kInf;
+}
+
+void Core::raise_threshold() {
+  threshold = std::min(kHighestThreshold, threshold < 0.1 ? 0.1 : threshold + 0.2);
+}
+
+void Core::shift_cost(int j, double target) {
+  work_cost[j] += target - d[j];
+  d[j] = target;
+  costs_shifted = true;
+  if (!costs_perturbed) shifted.push_back(j);
+  ++counters.shifts;
 }
 
 void Core::place_nonbasic(int j, int prefer) {
@@ -99,6 +137,7 @@ void Core::set_logical_basis() {
     head[i] = n + i;
   }
   has_factor = false;
+  find_positions();
   update_basis_pattern();
 }
 
@@ -121,6 +160,7 @@ void Core::set_basis(const std::vector<BasisStatus>& status) {
     head[basics++] = n + i;
   }
   has_factor = false;
+  find_positions();
   update_basis_pattern();
 }
 
@@ -139,7 +179,7 @@ std::vector<BasisStatus> Core::basis_status() const {
 void Core::update_basis_pattern() {
   std::vector<char> active(static_cast<size_t>(n));
   for (int j = 0; j < n; ++j) active[j] = static_cast<char>(nonbasic[j] && !is_fixed(j));
-  rows.build(lp.matrix, active);
+  rows.build(matrix(), active);
   rows_are_stale = false;
 }
 
@@ -156,11 +196,15 @@ void Core::use_original_costs() {
   work_cost = cost;
   costs_perturbed = false;
   costs_shifted = false;
+  shifted.clear();
 }
 
 void Core::change_basis(int q, int p, int leaving_move) {
   const int out = head[p];
+  free_nonbasic -= work_lower[q] == -kInf && work_upper[q] == kInf;
+  free_nonbasic += work_lower[out] == -kInf && work_upper[out] == kInf;
   head[p] = q;
+  position[q] = p;
   nonbasic[q] = 0;
   move[q] = 0;
   if (q < n) rows.deactivate(q);
@@ -208,6 +252,7 @@ FactorState Core::factor_basis() {
     factor.set(settings);
   }
   has_factor = true;
+  find_positions();
   if (deficiency == 0) return FactorState::good;
   if (repairs >= options.singular_limit) return FactorState::singular;
   ++repairs;
@@ -287,9 +332,9 @@ void Core::load_column(int q, SparseVector& v) const {
     return;
   }
   int count = 0;
-  for (int k = lp.matrix.start[q]; k < lp.matrix.start[q + 1]; ++k) {
-    v.index[count++] = lp.matrix.index[k];
-    v.array[lp.matrix.index[k]] = lp.matrix.value[k];
+  for (int k = matrix().start[q]; k < matrix().start[q + 1]; ++k) {
+    v.index[count++] = matrix().index[k];
+    v.array[matrix().index[k]] = matrix().value[k];
   }
   v.count = count;
 }
@@ -305,8 +350,8 @@ void Core::add_column(int q, double multiplier, SparseVector& v) const {
     add(q - n, multiplier);
     return;
   }
-  for (int k = lp.matrix.start[q]; k < lp.matrix.start[q + 1]; ++k) {
-    add(lp.matrix.index[k], multiplier * lp.matrix.value[k]);
+  for (int k = matrix().start[q]; k < matrix().start[q + 1]; ++k) {
+    add(matrix().index[k], multiplier * matrix().value[k]);
   }
 }
 
@@ -315,13 +360,13 @@ void Core::compute_primal() {
   double* const b = buffer_.array.data();
   for (int j = 0; j < n; ++j) {
     if (!nonbasic[j] || value[j] == 0) continue;
-    for (int k = lp.matrix.start[j]; k < lp.matrix.start[j + 1]; ++k)
-      b[lp.matrix.index[k]] -= value[j] * lp.matrix.value[k];
+    for (int k = matrix().start[j]; k < matrix().start[j + 1]; ++k)
+      b[matrix().index[k]] -= value[j] * matrix().value[k];
   }
   for (int i = 0; i < m; ++i) {
     if (nonbasic[n + i]) b[i] -= value[n + i];
   }
-  charge(static_cast<std::int64_t>(lp.matrix.index.size()) + m);
+  charge(static_cast<std::int64_t>(matrix().index.size()) + m);
   buffer_.count = -1;
   buffer_.reindex();
   factor.ftran(buffer_, 1.0);
@@ -337,8 +382,8 @@ void Core::compute_primal() {
 double Core::column_dot(int j, const std::vector<double>& y) const {
   if (j >= n) return y[j - n];
   double sum = 0;
-  for (int k = lp.matrix.start[j]; k < lp.matrix.start[j + 1]; ++k)
-    sum += lp.matrix.value[k] * y[lp.matrix.index[k]];
+  for (int k = matrix().start[j]; k < matrix().start[j + 1]; ++k)
+    sum += matrix().value[k] * y[matrix().index[k]];
   return sum;
 }
 
@@ -356,7 +401,7 @@ void Core::compute_dual() {
   for (int j = 0; j < n; ++j)
     d[j] = nonbasic[j] ? work_cost[j] - (count > 0 ? column_dot(j, buffer_.array) : 0.0) : 0.0;
   for (int i = 0; i < m; ++i) d[n + i] = nonbasic[n + i] ? work_cost[n + i] - buffer_.array[i] : 0.0;
-  charge(static_cast<std::int64_t>(lp.matrix.index.size()) + m);
+  charge(static_cast<std::int64_t>(matrix().index.size()) + m);
   buffer_.count = -1;
   buffer_.clear();
 }
@@ -366,9 +411,12 @@ bool Core::must_stop(std::int64_t iteration_end, Outcome& outcome) {
   report_work();
   Stop stop = control->iteration_callback();
   if (stop == Stop::none) {
-    const bool at_limit = counters.iterations >= options.iteration_limit;
-    if (at_limit || counters.iterations >= iteration_end) {
-      outcome = at_limit ? Outcome::iteration_limit : Outcome::numerical_failure;
+    if (counters.iterations >= std::min(options.iteration_limit, iteration_end)) {
+      outcome = Outcome::iteration_limit;
+      return true;
+    }
+    if (total_work() >= tick_end) {
+      outcome = Outcome::tick_limit;
       return true;
     }
     stop = control->poll();
@@ -391,7 +439,7 @@ bool Core::must_stop(std::int64_t iteration_end, Outcome& outcome) {
 }
 
 double Core::objective() const {
-  double sum = lp.offset;
+  double sum = offset;
   for (int j = 0; j < total; ++j) {
     if (nonbasic[j] && value[j] != 0) sum += work_cost[j] * value[j];
   }

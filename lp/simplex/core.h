@@ -13,6 +13,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <span>
 #include <vector>
 
@@ -56,41 +57,58 @@ class EngineRandom {
   std::uint64_t state_;
 };
 
+inline constexpr std::int64_t kUnlimited = std::int64_t{1} << 60;  // iterations or ticks
+
 enum class FactorState { good, repaired, singular };
 
 struct ModelEdit;
 
-class Core {
- public:
-  Core(LpData scaled_lp, const Options& options, Control& control);
-  Core(const Core&) = delete;
-  Core& operator=(const Core&) = delete;
+/* The vectors and flags of one simplex state: all that a copy of it for another search path holds of its own.
+ * The columns of the scaled model are shared between copies until one of them edits its model. */
+struct SimplexVectors {
+  SimplexVectors(Matrix matrix, const Options& options);
 
   int n, m, total;
-  LpData lp;  // columns of the scaled model
+  std::shared_ptr<Matrix> columns;
+  double offset = 0;
   RowCopy rows;
   std::vector<double> cost, lower, upper;  // total
   std::vector<double> work_cost, work_lower, work_upper;
   std::vector<signed char> nonbasic, move;
   std::vector<double> value, d;
   std::vector<int> head;                    // m
+  std::vector<int> position;                // total; of basic variables, others hold no meaning
   std::vector<double> x, x_lower, x_upper;  // m
   std::vector<double> random_value;         // total; uniform in [0,1), fixed once per problem
 
-  factor::Factor factor;
   bool has_factor = false;  // factor belongs to head
   bool rows_are_stale = false;
   Options options;
-  Control* control;
-  Observer* observer = nullptr;  // may be null
   Counters counters;
   EngineRandom random;
   double primal_tolerance, dual_tolerance;  // in force, scaled space
   double threshold;                         // Markowitz threshold in force
   bool costs_perturbed = false, costs_shifted = false, bounds_perturbed = false;
   bool scaled = false;  // the model was scaled
-  int repairs = 0;      // singularity repairs in this solve
+  std::vector<int>
+      shifted;            // variables whose cost was shifted since the costs were the model's, maybe repeated
+  int free_nonbasic = 0;  // by working bounds; as counted by count_free() and kept since
+  int repairs = 0;        // singularity repairs in this solve
   Density row_ep_density, row_ap_density, column_density, dse_density, flip_density;
+};
+
+class Core : public SimplexVectors {
+ public:
+  Core(LpData scaled_lp, const Options& options, Control& control);
+  /* The same state on the same columns, for another search path. */
+  Core(const Core& other);
+  Core& operator=(const Core&) = delete;
+
+  factor::Factor factor;
+  Control* control;
+  Observer* observer = nullptr;        // may be null
+  std::int64_t tick_end = kUnlimited;  // of total_work(): where a run ends with tick_limit
+  const Matrix& matrix() const { return *columns; }
 
   // ---- basis ----
   void set_logical_basis();  // all logicals basic, structurals at their nearest bound
@@ -113,6 +131,12 @@ class Core {
    * new logicals and the d of new columns are left 0. */
   void edit(const ModelEdit& change);
   std::vector<int> positions_of_logicals(std::span<const int> rows_of_logicals) const;  // ascending
+  void find_positions();  // after head was permuted
+  void count_free();
+  /* The largest Markowitz threshold that is of use is near; each numerical failure comes closer. */
+  void raise_threshold();
+  /* Sets the working cost of j so that its reduced cost becomes d, and remembers j. */
+  void shift_cost(int j, double d);
   /* Bookkeeping of one basis change: q enters at position p, the leaving variable stands at its bound given
    * by out_move. */
   void change_basis(int q, int p, int leaving_move);
@@ -162,8 +186,7 @@ class Core {
   void charge(std::int64_t ticks) { work_done += ticks; }
   std::int64_t total_work() const { return work_done + factor.work(); }
   /* Asked before each iteration: reports the work, calls the callback, looks at limits, at the control and
-   * now and then at the clock. True: stop with `outcome`; it is trouble when the budget that ends at
-   * iteration_end is used up. */
+   * now and then at the clock. True: stop with `outcome`. */
   bool must_stop(std::int64_t iteration_end, Outcome& outcome);
   /* Hands the work since the last call to the control. */
   void report_work() {
@@ -173,6 +196,7 @@ class Core {
   }
 
  private:
+  Matrix& own_matrix();  // to be edited: not shared with anybody
   void price(const SparseVector& rho, bool list_always, SparseVector& alpha);
   FactorState factor_basis();
   SparseVector buffer_;  // m: rebuild solves

@@ -119,15 +119,17 @@ void Core::edit(const ModelEdit& change) {
     edit_all(*v, 0.0);
   for (auto* v : {&nonbasic, &move}) edit_all(*v, static_cast<signed char>(0));
 
+  Matrix& matrix = own_matrix();
   if (!change.deleted_rows.empty() || !change.deleted_columns.empty())
-    compact(lp.matrix, row_number, change.deleted_columns);
-  lp.matrix.rows = kept_rows;
-  if (!change.rows.index.empty()) append_rows(lp.matrix, change.rows);
-  append_columns(lp.matrix, change.columns);
-  lp.matrix.rows = kept_rows + change.new_rows();
+    compact(matrix, row_number, change.deleted_columns);
+  matrix.rows = kept_rows;
+  if (!change.rows.index.empty()) append_rows(matrix, change.rows);
+  append_columns(matrix, change.columns);
+  matrix.rows = kept_rows + change.new_rows();
 
+  position.resize(static_cast<size_t>(new_n + matrix.rows));
   n = new_n;
-  m = lp.matrix.rows;
+  m = matrix.rows;
   total = n + m;
   for (int k = 0; k < change.new_columns(); ++k) {
     const int j = kept_columns + k;
@@ -157,7 +159,8 @@ void Core::edit(const ModelEdit& change) {
     has_factor = false;
     buffer_.resize(m);
   }
-  factor.set_rebuild_overhead(2 * static_cast<std::int64_t>(lp.matrix.index.size()) + 4 * total);
+  find_positions();
+  factor.set_rebuild_overhead(2 * static_cast<std::int64_t>(matrix.index.size()) + 4 * total);
   rows_are_stale = true;
 }
 

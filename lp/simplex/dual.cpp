@@ -107,6 +107,7 @@ bool Dual::near_optimal() {
 
 Outcome Dual::solve(const Settings& settings, std::int64_t iteration_budget) {
   iteration_end_ = core_.counters.iterations + iteration_budget;
+  near_ = false;
   rejections_ = 0;
   phase1_ = false;
   pricing_rule_.resize(core_.m);
@@ -188,8 +189,7 @@ Dual::PhaseEnd Dual::run_phase() {
     if (step == Step::stopped) return PhaseEnd::stopped;
     if (step == Step::numerical) {
       if (++rejections_ > kMaxRejections) return PhaseEnd::numerical_failure;
-      if (rejections_ % 8 == 0)
-        core_.threshold = std::min(0.9, core_.threshold < 0.1 ? 0.1 : core_.threshold + 0.2);
+      if (rejections_ % 8 == 0) core_.raise_threshold();
       keep_banned = pricing_rule_.banned_count() > 0 && core_.counters.iterations == before;
       refactor = true;
       continue;
@@ -198,7 +198,7 @@ Dual::PhaseEnd Dual::run_phase() {
       if (!fresh_) continue;  // look again with recomputed values
       if (pricing_rule_.banned_count() == 0) return PhaseEnd::optimal;
       if (++rejections_ > kMaxRejections) return PhaseEnd::numerical_failure;
-      core_.threshold = std::min(0.9, core_.threshold < 0.1 ? 0.1 : core_.threshold + 0.2);
+      core_.raise_threshold();
       refactor = true;
       continue;
     }
@@ -217,6 +217,7 @@ bool Dual::rebuild(bool refactor) {
   core_.compute_dual();
   correct_duals();
   core_.compute_primal();
+  core_.count_free();
   ratio_test_.prepare(core_);
   objective_ = dual_objective();
   wanted_ = Rebuild::none;
@@ -246,7 +247,7 @@ void Dual::correct_duals() {
 }
 
 double Dual::dual_objective() const {
-  double sum = phase1_ ? 0.0 : core_.lp.offset;
+  double sum = phase1_ ? 0.0 : core_.offset;
   for (int j = 0; j < core_.total; ++j) {
     if (core_.nonbasic[j] && core_.value[j] != 0) sum += core_.d[j] * core_.value[j];
   }
@@ -270,13 +271,14 @@ bool Dual::check_limits() {
 bool Dual::beyond_objective_limit() {
   constexpr int kAskEvery = 20;
   if (phase1_ || !(objective_ > core_.options.objective_upper)) return false;
-  if (!core_.costs_perturbed && !core_.costs_shifted) return true;
+  if (!core_.costs_perturbed)
+    return !core_.costs_shifted || shift_free_bound() > core_.options.objective_upper;
   if (core_.counters.iterations % kAskEvery != 0) return false;
   const std::vector<double> working_costs = core_.work_cost;
   const std::vector<double> working_duals = core_.d;
   core_.work_cost = core_.cost;
   core_.compute_dual();
-  double bound = core_.lp.offset;
+  double bound = core_.offset;
   for (int j = 0; j < core_.total; ++j) {
     if (core_.nonbasic[j] && core_.d[j] != 0)
       bound += bound_product(core_.d[j], core_.lower[j], core_.upper[j]);
@@ -295,6 +297,7 @@ int Dual::choose_row() {
     rho_.want_pack = true;
     core_.btran(rho_, core_.row_ep_density);
     rho_.want_pack = false;
+    if (undo_.active()) undo_.save_basic(core_, norms_, p);
     const bool stands =
         pricing_ != Pricing::steepest_edge || norms_.exact(p, std::max(DualNorms::kFloor, rho_.norm2()));
     const double low = core_.x_lower[p];
@@ -309,6 +312,7 @@ Dual::Step Dual::iterate() {
   if (p < 0) return Step::no_leaving;
   DualRatioTest::Pick pick;
   if (!price_and_choose(pick)) {
+    if (near_ && prove_infeasible()) return Step::no_entering;
     if (!fresh_) {
       wanted_ = core_.factor.updates() > 0 ? Rebuild::refactor : Rebuild::recompute;
       return Step::moved;
@@ -391,6 +395,8 @@ void Dual::flip() {
 void Dual::apply(int p, const DualRatioTest::Pick& pick) {
   const int q = pick.variable;
   const int out = core_.head[p];
+  if (undo_.active()) save(p, pick);
+  if (pick.shift) core_.shift_cost(q, 0);
   const int leaving_move = delta_ < 0 ? 1 : -1;
   const double bound = leaving_move > 0 ? core_.x_lower[p] : core_.x_upper[p];
   if (!ratio_test_.flips().empty()) {
@@ -437,7 +443,7 @@ void Dual::apply(int p, const DualRatioTest::Pick& pick) {
       core_.work_lower[out] != core_.work_upper[out]) {
     shift_cost(core_, out);
   }
-  report(q, out, leaving_move < 0);
+  report(q, out);
   watch_progress();
 }
 
@@ -454,6 +460,21 @@ void Dual::update_duals(double theta) {
     if (core_.move[j] * updated < -tolerance) shift_cost(core_, j);
   }
   core_.charge(static_cast<std::int64_t>(size));
+  if (near_) keep_fixed_logicals(theta);
+}
+
+/* Fixed logicals take no part in the ratio test, but the multipliers of their rows are needed when columns
+ * come back from being fixed: see Core::d. */
+void Dual::keep_fixed_logicals(double theta) {
+  const auto keep = [&](int i) {
+    const int j = core_.n + i;
+    if (core_.nonbasic[j] && core_.lower[j] == core_.upper[j]) core_.d[j] -= theta * rho_.array[i];
+  };
+  if (rho_.count >= 0) {
+    for (int k = 0; k < rho_.count; ++k) keep(rho_.index[k]);
+  } else {
+    for (int i = 0; i < core_.m; ++i) keep(i);
+  }
 }
 
 /* x -= step * column: the entering column's when p >= 0 (without row p), the flips' otherwise. */
@@ -479,8 +500,7 @@ void Dual::update_values(int p, double step) {
   core_.charge(2 * static_cast<std::int64_t>(core_.m));
 }
 
-void Dual::report(int entering, int leaving, bool to_upper) {
-  (void)to_upper;
+void Dual::report(int entering, int leaving) {
   if (core_.observer == nullptr) return;
   IterationEvent event;
   event.phase1 = phase1_;
@@ -499,51 +519,13 @@ void Dual::watch_progress() {
     return;
   }
   const std::int64_t patience = std::max(1000, core_.m / 2);
-  if (core_.counters.iterations - last_progress_iteration_ < patience) return;
+  if (core_.counters.iterations - last_progress_iteration_ < patience || undo_.active()) return;
   last_progress_iteration_ = core_.counters.iterations;
   if (perturb_scale_ >= kStrongestPerturbation) return;
   perturb_scale_ *= 10;
   core_.log(core_.costs_perturbed ? "Reperturbation started.\n" : "Perturbation started.\n");
   perturb_costs(core_, perturb_scale_);
   if (wanted_ == Rebuild::none) wanted_ = Rebuild::recompute;
-}
-
-/* The row says: sum of z_j x_j = 0 with z = rho'[A I]. Infeasible when no point within the bounds can meet
- * it. */
-bool Dual::prove_infeasible() {
-  constexpr double kNegligible = 1e-9;  // share of the terms that make up an entry
-  double least = 0;                     // smallest and largest value of the row's activity over the bounds
-  double largest = 0;
-  double scale = 0;
-  const auto add = [&](int j, double z, double terms) {
-    if (std::fabs(z) <= kNegligible * terms && (core_.lower[j] == -kInf || core_.upper[j] == kInf)) return;
-    least += bound_product(z, core_.lower[j], core_.upper[j]);
-    largest -= bound_product(-z, core_.lower[j], core_.upper[j]);
-    scale = std::max(scale, std::fabs(z));
-  };
-  double longest = 0;
-  for (double r : rho_.array) longest = std::max(longest, std::fabs(r));
-  for (int i = 0; i < core_.m; ++i) {
-    if (rho_.array[i] != 0) add(core_.n + i, rho_.array[i], longest);
-  }
-  for (int j = 0; j < core_.n; ++j) {
-    double z = 0;
-    double terms = 0;
-    for (int k = core_.lp.matrix.start[j]; k < core_.lp.matrix.start[j + 1]; ++k) {
-      const double term = core_.lp.matrix.value[k] * rho_.array[core_.lp.matrix.index[k]];
-      z += term;
-      terms += std::fabs(term);
-    }
-    if (z != 0) add(j, z, terms);
-  }
-  core_.charge(static_cast<std::int64_t>(core_.lp.matrix.index.size()));
-  const double needed = core_.primal_tolerance * std::max(scale, 1e-12);
-  if (!(least > needed) && !(largest < -needed)) return false;
-  farkas_ = rho_.array;
-  if (least > needed) {
-    for (double& y : farkas_) y = -y;
-  }
-  return true;
 }
 
 }  // namespace tovik::lp::simplex

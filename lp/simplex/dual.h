@@ -11,6 +11,7 @@
 #pragma once
 
 #include <cstdint>
+#include <limits>
 #include <vector>
 
 #include "lp/simplex/core.h"
@@ -19,6 +20,7 @@
 #include "lp/simplex/dual_ratio_test.h"
 #include "lp/simplex/implied_bounds.h"
 #include "lp/simplex/observer.h"
+#include "lp/simplex/pivot_undo.h"
 
 namespace tovik::lp::simplex {
 
@@ -34,10 +36,29 @@ class Dual {
   };
   Outcome solve(const Settings& settings, std::int64_t iteration_budget);
 
+  /* Goes on with the second phase from values and duals that are in step with the model's bounds and costs
+   * (but for shifts), by unit of work what the pivots touch. start_near() once for such a state, then
+   * reoptimize() any number of times, with touch() for each basic value or bound that has changed in between.
+   * Optimal: no infeasible row at the carried values, which are as good as the factor's updates; infeasible:
+   * proven by farkas(). Shifts are left in the working costs. */
+  void start_near();
+  void touch(int p) { pricing_rule_.update(core_, norms_.view(), p); }
+  Outcome reoptimize(std::int64_t iterations, double objective);
+  /* No row is infeasible at the carried values. */
+  bool at_rest() const { return !pricing_rule_.any_listed(); }
+  /* Iterations are to be taken back: reoptimize() then ends with numerical_failure where it would have to
+   * refactor, and undo() takes it all back. Bounds that were changed are the caller's. */
+  void record();
+  void undo();
+  bool records() const { return undo_.active(); }
+  /* A bound on the objective by the present duals for the original costs, given the shifts since the costs
+   * were the model's. -infinity where a shifted variable has no bound. Not while costs are perturbed. */
+  double shift_free_bound() const;
+
   DualNorms& norms() { return norms_; }
   /* When the outcome is infeasible: the row y of B^-1 (by row, scaled space) whose combination of rows cannot
    * be met. */
-  const std::vector<double>& farkas() const { return farkas_; }
+  std::vector<double> farkas() const;
   double objective() const { return objective_; }
 
  private:
@@ -67,7 +88,12 @@ class Dual {
   bool near_optimal();
   void start_norms(const Settings& settings);
   void restore_costs();
-  void report(int entering, int leaving, bool to_upper);
+  void report(int entering, int leaving);
+  void save(int p, const DualRatioTest::Pick& pick);
+  bool resume(Step step);
+  void keep_fixed_logicals(double theta);
+  template <class Add>
+  void each_row_term(Add add);
 
   Core& core_;
   DualNorms norms_;
@@ -87,8 +113,13 @@ class Dual {
   std::int64_t last_progress_iteration_ = 0;
   double last_progress_objective_ = 0;
   double perturb_scale_ = 1;
-  ImpliedBounds box_;  // bounds of the second phase: the model's, and implied ones
-  std::vector<double> farkas_;
+  ImpliedBounds box_;              // bounds of the second phase: the model's, and implied ones
+  std::vector<int> farkas_index_;  // the proof's row of B^-1, its nonzeros
+  std::vector<double> farkas_value_;
+  SparseVector farkas_row_;           // of columns: the row's entries; work space of the proof
+  std::vector<double> farkas_terms_;  // likewise: sizes of the terms of each entry
+  bool near_ = false;                 // started near an optimum, see start_near()
+  PivotUndo undo_;
 };
 
 }  // namespace tovik::lp::simplex

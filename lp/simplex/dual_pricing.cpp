@@ -50,6 +50,21 @@ void DualPricing::rebuild(Core& core, const std::vector<double>& weight, bool ke
   make_list(core, weight);
 }
 
+void DualPricing::rebuild_listed(const Core& core) {
+  measure(core);
+  if (banned_count_ > 0) std::fill(banned_.begin(), banned_.end(), 0);
+  banned_count_ = 0;
+  for (int p : list_) in_list_[p] = 0;
+  list_.clear();
+  cutoff_ = 0;
+  listed_ = true;
+  for (int p = 0; p < core.m; ++p) {
+    if (infeasibility_[p] == 0) continue;
+    in_list_[p] = 1;
+    list_.push_back(p);
+  }
+}
+
 void DualPricing::make_list(Core& core, const std::vector<double>& weight) {
   for (int p : list_) in_list_[p] = 0;
   list_.clear();

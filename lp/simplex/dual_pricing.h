@@ -21,6 +21,16 @@ class DualPricing {
   /* Recomputes all infeasibilities from the core's values, forgets banned rows when asked, chooses the mode.
    */
   void rebuild(Core& core, const std::vector<double>& weight, bool keep_banned);
+  /* The same with a list of all infeasible rows: for a start near the optimum, where few rows ever are. */
+  void rebuild_listed(const Core& core);
+  /* Whether a listed row is infeasible; after rebuild_listed(), whether any is. */
+  bool any_listed() const {
+    return std::any_of(list_.begin(), list_.end(), [this](int p) { return infeasibility_[p] > 0; });
+  }
+  /* set() of one row from the core's value. */
+  void update(const Core& core, const std::vector<double>& weight, int p) {
+    set(p, violation2(core.x[p], core.x_lower[p], core.x_upper[p], core.primal_tolerance), weight[p]);
+  }
   /* Best row or -1. */
   int choose(Core& core, const std::vector<double>& weight);
   void set(int p, double squared, double weight) {

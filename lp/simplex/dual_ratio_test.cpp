@@ -22,10 +22,6 @@ void DualRatioTest::prepare(const Core& core) {
     pivot_.resize(size);
     dual_.resize(size);
   }
-  free_ = 0;
-  for (int j = 0; j < core.total; ++j) {
-    free_ += core.nonbasic[j] && core.work_lower[j] == -kInf && core.work_upper[j] == kInf;
-  }
 }
 
 /* The loops here and in find_candidates() store every entry and step on by the outcome of the test: whether
@@ -117,7 +113,7 @@ void DualRatioTest::load(Core& core, const SparseVector& rho, const SparseVector
   smallest_ = pivot_tolerance(core.factor.updates());
   pack_row(core, rho, alpha_row);
   find_candidates(core);
-  if (free_ > 0) add_free_candidates(core);
+  if (core.free_nonbasic > 0) add_free_candidates(core);
 }
 
 /* Large steps: keeps only the candidates whose break points the slope can reach. */
@@ -205,16 +201,8 @@ DualRatioTest::Pick DualRatioTest::choose(Core& core, double delta) {
   const Candidate& c = candidates_[chosen];
   pick.variable = c.variable;
   pick.alpha = c.row;
-  if (c.dual < 0) {
-    // The dual value is infeasible within tolerance: shift the cost so that the step is zero.
-    core.work_cost[c.variable] -= core.d[c.variable];
-    core.d[c.variable] = 0;
-    core.costs_shifted = true;
-    ++core.counters.shifts;
-    pick.theta = 0;
-  } else {
-    pick.theta = core.d[c.variable] / pick.alpha;
-  }
+  pick.shift = c.dual < 0;
+  pick.theta = pick.shift ? 0.0 : core.d[c.variable] / pick.alpha;
   if (pick.theta != 0) {
     for (int e = 0; e < group_[chosen_group]; ++e) flips_.push_back(candidates_[e].variable);
   }

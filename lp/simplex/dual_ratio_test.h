@@ -22,15 +22,15 @@ class DualRatioTest {
     int variable = -1;
     double alpha = 0;  // row value of the pivot
     double theta = 0;  // dual step d_q / alpha
+    bool shift =
+        false;  // the dual value is infeasible within tolerance: the cost is to be shifted so that it is 0
   };
 
-  /* Sizes the row for the core; counts the free nonbasics, which are candidates in both directions. Call
-   * whenever statuses or bounds have been set anew. */
+  /* Sizes the row for the core. */
   void prepare(const Core& core);
   /* Gathers the pivot row from rho (logicals) and alpha_row (structurals), and the candidates in it.
    * delta: signed violation of the leaving variable. */
   void load(Core& core, const SparseVector& rho, const SparseVector& alpha_row, double delta);
-  /* May shift the cost of the pick so that its step is not negative. */
   Pick choose(Core& core, double delta);
   const std::vector<int>& flips() const { return flips_; }
   std::span<const int> row_index() const { return {index_.data(), static_cast<size_t>(count_)}; }
@@ -55,7 +55,6 @@ class DualRatioTest {
   std::vector<double> pivot_, dual_;  // of the candidates, in the direction in which each may move
   int count_ = 0;
   int found_ = 0;
-  int free_ = 0;                       // free nonbasics at the last prepare()
   std::vector<Candidate> candidates_;  // those that the step can reach
   std::vector<double> suffix_;
   std::vector<int> group_;  // first candidate of each group

@@ -54,7 +54,7 @@ struct Activities {
 
 ImpliedBounds imply_bounds(const Core& core) {
   ImpliedBounds result{core.lower, core.upper, 0};
-  const Matrix& matrix = core.lp.matrix;
+  const Matrix& matrix = core.matrix();
   std::vector<double>& lower = result.lower;
   std::vector<double>& upper = result.upper;
   Activities activity(core.m);

@@ -26,7 +26,7 @@ void PartialPricing::start(Core& core) {
   add_ = wanted > 0 ? wanted : core.m < kManyRows ? std::clamp(core.m, kAddLeast, kAddMost) : kAddLeast;
   member_.assign(static_cast<size_t>(core.n), 0);
   norm_.assign(static_cast<size_t>(core.n), 1.0);
-  const Matrix& a = core.lp.matrix;
+  const Matrix& a = core.matrix();
   for (int j = 0; j < core.n; ++j) {
     for (int k = a.start[j]; k < a.start[j + 1]; ++k) norm_[j] += a.value[k] * a.value[k];
     if (core.nonbasic[j]) {

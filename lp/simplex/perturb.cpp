@@ -17,8 +17,8 @@ constexpr double kMostLength = 100.0;  // most that the length may add, unless c
  */
 class LengthFactor {
  public:
-  explicit LengthFactor(const Core& core) : start_(core.lp.matrix.start) {
-    const double average = static_cast<double>(core.lp.matrix.index.size()) / std::max(1, core.n);
+  explicit LengthFactor(const Core& core) : start_(core.matrix().start) {
+    const double average = static_cast<double>(core.matrix().index.size()) / std::max(1, core.n);
     most_ = std::max(kMostLength, average * average);
   }
   double operator()(int j) const {
@@ -58,10 +58,7 @@ void perturb_costs(Core& core, double scale) {
 
 void shift_cost(Core& core, int j) {
   const double target = core.move[j] * (1.0 + core.random_value[j]) * 0.5 * core.dual_tolerance;
-  core.work_cost[j] += target - core.d[j];
-  core.d[j] = target;
-  core.costs_shifted = true;
-  ++core.counters.shifts;
+  core.shift_cost(j, target);
 }
 
 }  // namespace tovik::lp::simplex

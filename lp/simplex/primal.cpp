@@ -18,10 +18,6 @@ constexpr std::int64_t kStuckShare = 3;      // ... or this many times the varia
 constexpr int kJudgePricing = 300;           // iterations before the cost of the pricing is judged
 constexpr double kResidual = 1e-9;  // relative residual of the basic values that asks for a better factor
 constexpr double kHighestThreshold = 0.9;
-
-double next_threshold(double threshold) {
-  return std::min(kHighestThreshold, threshold < 0.1 ? 0.1 : threshold + 0.2);
-}
 }  // namespace
 
 Primal::Primal(Core& core) : core_(core) {
@@ -90,7 +86,7 @@ Outcome Primal::run() {
         return Outcome::unbounded;
       case Step::numerical:
         if (++rejections_ > kMaxRejections && !end_tightening()) return Outcome::numerical_failure;
-        if (rejections_ % 8 == 0) core_.threshold = next_threshold(core_.threshold);
+        if (rejections_ % 8 == 0) core_.raise_threshold();
         break;
       case Step::no_entering: {
         Outcome outcome;
@@ -117,7 +113,7 @@ bool Primal::settle_optimum(Outcome& outcome) {
     pricing_.clear_banned();
     if (end_tightening()) return false;
     accept_small_ = rejections_ > 0;
-    core_.threshold = next_threshold(core_.threshold);
+    core_.raise_threshold();
     wanted_ = Rebuild::refactor;
     outcome = Outcome::numerical_failure;
     return ++rejections_ > 5;
@@ -206,7 +202,7 @@ bool Primal::rebuild() {
     if (residual() <= kResidual) break;
     if (core_.factor.updates() == 0) {  // a fresh factor that is not accurate: larger pivots
       if (core_.threshold >= kHighestThreshold) break;
-      core_.threshold = next_threshold(core_.threshold);
+      core_.raise_threshold();
     }
     refactor = true;
   }

@@ -204,7 +204,7 @@ void PrimalPricing::update_weights(Core& core, const Pivot& pivot, const SparseV
       if (j == q) continue;
       const double ratio = alpha[k] * inverse;
       const double product = core.column_dot(j, mu.array);
-      if (j < core.n) work += core.lp.matrix.start[j + 1] - core.lp.matrix.start[j];
+      if (j < core.n) work += core.matrix().start[j + 1] - core.matrix().start[j];
       weight_[j] = std::max(weight_[j] + ratio * (ratio * exact - 2 * product), 1.0 + ratio * ratio);
     }
     core.charge(work);

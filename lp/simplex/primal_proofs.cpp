@@ -21,7 +21,7 @@ double Primal::residual() const {
       sum[j - core_.n] += value;
       return;
     }
-    const Matrix& a = core_.lp.matrix;
+    const Matrix& a = core_.matrix();
     for (int k = a.start[j]; k < a.start[j + 1]; ++k) sum[a.index[k]] += value * a.value[k];
   };
   for (int j = 0; j < core_.total; ++j) {
@@ -57,7 +57,7 @@ bool Primal::prove_infeasible() {
     largest += z * bound;
     size += std::fabs(z * bound);
   }
-  core_.charge(static_cast<std::int64_t>(core_.lp.matrix.index.size()));
+  core_.charge(static_cast<std::int64_t>(core_.matrix().index.size()));
   return largest < -kMargin * size && largest < 0;
 }
 
@@ -70,7 +70,7 @@ bool Primal::prove_unbounded() {
   std::vector<double> sum(static_cast<size_t>(core_.m), 0.0);
   double slope = core_.cost[q] * direction_;
   double slope_size = std::fabs(slope);
-  const Matrix& a = core_.lp.matrix;
+  const Matrix& a = core_.matrix();
   const auto add = [&](int j, double amount) {
     if (j >= core_.n) {
       sum[j - core_.n] += amount;

@@ -32,8 +32,6 @@ void Reoptimization::resize() {
   touched_.clear();
   touched_.reserve(most);
   is_touched_.resize(static_cast<size_t>(core_.total), 0);
-  position_.resize(static_cast<size_t>(core_.total));
-  find_positions();
 }
 
 void Reoptimization::settle(const Options& options) {
@@ -43,10 +41,6 @@ void Reoptimization::settle(const Options& options) {
   dual_tolerance_ = options.dual_tolerance;
   refreshes_ = 0;
   state_ = State::optimal;
-}
-
-void Reoptimization::find_positions() {
-  for (int p = 0; p < core_.m; ++p) position_[core_.head[p]] = p;
 }
 
 void Reoptimization::note(int j) {
@@ -139,14 +133,14 @@ void Reoptimization::enter_column(int j) {
 
 void Reoptimization::enter_row(int i) {
   const int j = core_.n + i;
-  const int p = position_[j];
+  const int p = core_.position[j];
   core_.x[p] = -sums_.activity(i) * user_.row_scale(i);
   is_touched_[j] = 1;
   touched_.push_back({j, 0.0, 0.0});
 }
 
 double Reoptimization::user_value(int j) const {
-  return core_.nonbasic[j] ? user_.nonbasic_value(j) : core_.x[position_[j]] * user_.column_scale(j);
+  return core_.nonbasic[j] ? user_.nonbasic_value(j) : core_.x[core_.position[j]] * user_.column_scale(j);
 }
 
 void Reoptimization::move_column(int j, double value) {
@@ -163,7 +157,7 @@ void Reoptimization::move_costs() {
     core_.work_cost[j] = core_.cost[j];
     sums_.change_cost(j, t.cost, user_.lp.cost[j], answer_.x[j]);
     if (core_.nonbasic[j]) continue;
-    const int p = position_[j];
+    const int p = core_.position[j];
     cost_shift_.array[p] = core_.cost[j] - t.cost * user_.column_scale(j);
     cost_shift_.index[cost_shift_.count++] = p;
   }
@@ -187,8 +181,8 @@ void Reoptimization::move_values() {
   for (const Touched& t : touched_) {
     const int j = t.variable;
     if (!core_.nonbasic[j]) {
-      core_.x_lower[position_[j]] = core_.lower[j];
-      core_.x_upper[position_[j]] = core_.upper[j];
+      core_.x_lower[core_.position[j]] = core_.lower[j];
+      core_.x_upper[core_.position[j]] = core_.upper[j];
     } else if (core_.value[j] != t.value) {
       core_.add_column(j, t.value - core_.value[j], shift_);
       if (j < core_.n) move_column(j, user_value(j));
@@ -215,7 +209,7 @@ void Reoptimization::judge_column(int j, Findings& found) {
   answer_.column_status[j] = status;
   found.user_primal = std::max(found.user_primal, outside(x, user_.lp.lower[j], user_.lp.upper[j]));
   if (status == BasisStatus::basic) {
-    const int p = position_[j];
+    const int p = core_.position[j];
     found.primal = std::max(found.primal, outside(core_.x[p], core_.x_lower[p], core_.x_upper[p]));
     found.residual = std::max(found.residual, std::fabs(d) * scale);
     found.user_dual = std::max(found.user_dual, std::fabs(d));
@@ -237,7 +231,7 @@ void Reoptimization::judge_row(int i, Findings& found) {
   found.user_primal =
       std::max(found.user_primal, outside(activity, user_.lp.row_lower[i], user_.lp.row_upper[i]));
   if (status == BasisStatus::basic) {
-    const int p = position_[j];
+    const int p = core_.position[j];
     found.primal = std::max(found.primal, outside(core_.x[p], core_.x_lower[p], core_.x_upper[p]));
     found.residual = std::max(found.residual, std::fabs(scaled + core_.x[p]));
     found.user_dual = std::max(found.user_dual, std::fabs(answer_.y[i]));

@@ -45,8 +45,6 @@ class Reoptimization {
   bool needs_factor() const;
   /* So many differences have been added up that everything is to be computed anew. */
   bool is_due() const;
-  /* The positions of the basis were permuted by a factorization. */
-  void find_positions();
   State refresh(const Options& options);
   /* Before and after the core and the user's vectors are reshaped: the answer is reshaped with them, and what
    * is new counts as touched. Forgets where basic values would have to move for what is gone. */
@@ -95,7 +93,6 @@ class Reoptimization {
   State state_ = State::unknown;
   double primal_tolerance_ = 0, dual_tolerance_ = 0;  // of the solve that settled
   int refreshes_ = 0;
-  std::vector<int> position_;  // of basic variables; others hold no meaning
   std::vector<Touched> touched_;
   std::vector<char> is_touched_;
   SparseVector shift_, cost_shift_;

@@ -10,11 +10,9 @@
 namespace tovik::lp::simplex {
 namespace {
 
-constexpr double kInnerShare = 0.1;  // the engine works to a tenth of the user's tolerances
 constexpr double kTightest = 1e-10;  // no tolerance of the engine is tightened below this
 constexpr int kTightenings = 4;
 constexpr int kRounds = 12;  // dual/primal alternations before giving up
-constexpr std::int64_t kUnlimited = std::int64_t{1} << 60;
 
 /* Scales in place. */
 LpData scale_lp(LpData lp, const Scaling& scaling) {
@@ -63,6 +61,18 @@ Solver::Solver(LpData lp, const Options& options, Control& control, Observer* ob
   core_->set_logical_basis();
 }
 
+Solver::Solver(const Solver& other)
+    : options_(other.options_),
+      user_(other.user_),
+      core_(std::make_unique<Core>(*other.core_)),
+      has_basis_(other.has_basis_),
+      keep_norms_(other.keep_norms_),
+      carried_norms_(other.keep_norms_ ? other.dual_norms() : std::vector<double>{}),
+      sums_(user_),
+      reoptimization_(*core_, user_, sums_, answer_) {
+  user_.core = core_.get();
+}
+
 Dual& Solver::the_dual() {
   if (dual_ == nullptr) {
     dual_ = std::make_unique<Dual>(*core_);
@@ -95,7 +105,7 @@ void Solver::set_objective_limits(double lower, double upper) {
 
 void Solver::change_offset(double offset) {
   user_.lp.offset = offset;
-  core_->lp.offset = offset;
+  core_->offset = offset;
 }
 
 void Solver::set_options(const Options& options) {
@@ -138,8 +148,13 @@ void Solver::forget_basis() {
 void Solver::reset_nonbasic_value(int j) {
   constexpr double kNoCost = 1e-9;
   Core& core = *core_;
+  const auto is_free = [&] {
+    return core.nonbasic[j] && core.work_lower[j] == -kInf && core.work_upper[j] == kInf;
+  };
+  core.free_nonbasic -= is_free();
   core.work_lower[j] = core.lower[j];
   core.work_upper[j] = core.upper[j];
+  core.free_nonbasic += is_free();
   if (!core.nonbasic[j]) return;
   int prefer = core.move[j];
   if (prefer == 0 && reoptimization_.holds()) {
@@ -205,7 +220,6 @@ bool Solver::ensure_factor() {
     core.x_lower[p] = core.work_lower[j];
     core.x_upper[p] = core.work_upper[j];
   }
-  if (reoptimization_.holds()) reoptimization_.find_positions();
   return true;
 }
 
@@ -303,7 +317,7 @@ Outcome Solver::solve(Method method) {
  * does not. What exceeds them may be rounding noise of large values, which no pivot removes: rounds after the
  * first have a budget, and the best of the optimal bases found is the answer. */
 Outcome Solver::run_to_tolerance(Method method) {
-  Basis best;
+  BestBasis best;
   for (int round = 0;; ++round) {
     if (round > 0) {
       const std::int64_t budget = std::max<std::int64_t>(1000, core_->counters.iterations / 4);
@@ -342,7 +356,7 @@ Outcome Solver::run_to_tolerance(Method method) {
 }
 
 /* Back to an optimal basis that misses the user's tolerances. */
-Outcome Solver::restore_best_basis(const Basis& basis) {
+Outcome Solver::restore_best_basis(const BestBasis& basis) {
   set_basis(basis.columns, basis.rows);
   values_are_fresh_ = false;
   extract();
@@ -424,12 +438,14 @@ Outcome Solver::run_dual() {
     last = the_primal().solve(budget);
     if (last == Outcome::infeasible && verify_infeasible(the_primal().infeasibility_duals())) return last;
     if (last == Outcome::unbounded && verify_ray()) return last;
-    if (last != Outcome::numerical_failure && last != Outcome::infeasible && last != Outcome::unbounded &&
-        last != Outcome::singular) {
+    const bool budget_spent =
+        last == Outcome::iteration_limit && core_->counters.iterations < core_->options.iteration_limit;
+    if (!budget_spent && last != Outcome::numerical_failure && last != Outcome::infeasible &&
+        last != Outcome::unbounded && last != Outcome::singular) {
       return last;
     }
     if (cleaning) continue;  // the budget ran out: the dual goes on from here
-    core_->threshold = std::min(0.9, core_->threshold < 0.1 ? 0.1 : core_->threshold + 0.2);
+    core_->raise_threshold();
     core_->set_logical_basis();  // what led here is not to be trusted: start over with stricter pivots
   }
   return last == Outcome::singular ? last : Outcome::numerical_failure;  // no claim that was not verified
@@ -447,7 +463,7 @@ Outcome Solver::run_primal() {
         last != Outcome::singular) {
       return last;
     }
-    core_->threshold = std::min(0.9, core_->threshold < 0.1 ? 0.1 : core_->threshold + 0.2);
+    core_->raise_threshold();
     Dual::Settings settings;
     answer_.method = Method::dual;
     last = the_dual().solve(settings, kUnlimited);

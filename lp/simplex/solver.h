@@ -33,6 +33,7 @@ class Solver {
    * solve. */
   Solver(LpData lp, const Options& options, Control& control, Observer* observer);
   ~Solver();
+  Solver& operator=(const Solver&) = delete;
 
   void set_control(Control& control, Observer* observer);
   void detach();  // forgets control and observer after a run
@@ -96,7 +97,7 @@ class Solver {
   void each_entry(int j, F f) const {
     user_.each_entry(j, f);
   }
-  std::int64_t num_entries() const { return static_cast<std::int64_t>(core_->lp.matrix.index.size()); }
+  std::int64_t num_entries() const { return static_cast<std::int64_t>(core_->matrix().index.size()); }
 
   /* Change of data without loss of the basis; the next solve goes on from it. */
   void change_bounds(int j, double lower, double upper);
@@ -113,18 +114,20 @@ class Solver {
   /* Fills the answer's values, duals and violations from the core's present point. */
   void extract();
 
- private:
+ protected:
+  /* A copy in the same state on the same columns, without its answer. */
+  Solver(const Solver& other);
   Dual& the_dual();  // made when first asked for
   Primal& the_primal();
   bool is_still_optimal(Method method);
   Reoptimization::State recheck();
   /* An optimal basis and by how many times it misses the user's tolerances. */
-  struct Basis {
+  struct BestBasis {
     std::vector<BasisStatus> columns, rows;
     double excess = 1e300;
   };
   Outcome run_to_tolerance(Method method);
-  Outcome restore_best_basis(const Basis& basis);
+  Outcome restore_best_basis(const BestBasis& basis);
   Outcome run(Method method);
   bool already_optimal();
   bool start_by_sifting();

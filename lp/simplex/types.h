@@ -14,6 +14,8 @@ enum class Sifting { never, when_it_pays, always };  // as a start where there i
 
 enum class Pricing { automatic, devex, steepest_edge, steepest_edge_unit, dantzig };
 
+inline constexpr double kInnerShare = 0.1;  // the engine works to a tenth of the user's tolerances
+
 struct Options {
   double primal_tolerance = 1e-6;  // on bounds of rows and columns, user's space
   double dual_tolerance = 1e-6;    // on reduced costs, user's space

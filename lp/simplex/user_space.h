@@ -21,7 +21,7 @@ struct UserSpace {
   /* f(row, value) for the entries of column j. */
   template <class F>
   void each_entry(int j, F f) const {
-    const Matrix& matrix = core->lp.matrix;
+    const Matrix& matrix = core->matrix();
     const double c = 1.0 / column_scale(j);
     for (int k = matrix.start[j]; k < matrix.start[j + 1]; ++k) {
       const int i = matrix.index[k];
@@ -43,7 +43,7 @@ struct UserSpace {
     const double v = core->value[j];
     return v == core->lower[j] ? lp.lower[j] : v == core->upper[j] ? lp.upper[j] : v * column_scale(j);
   }
-  std::int64_t column_length(int j) const { return core->lp.matrix.start[j + 1] - core->lp.matrix.start[j]; }
+  std::int64_t column_length(int j) const { return core->matrix().start[j + 1] - core->matrix().start[j]; }
 };
 
 }  // namespace tovik::lp::simplex

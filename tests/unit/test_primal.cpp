@@ -43,8 +43,8 @@ void expect_optimal(const Core& core) {
     if (j >= core.n) {
       rows[j - core.n] += x[j];
     } else {
-      for (int k = core.lp.matrix.start[j]; k < core.lp.matrix.start[j + 1]; ++k) {
-        rows[core.lp.matrix.index[k]] += core.lp.matrix.value[k] * x[j];
+      for (int k = core.matrix().start[j]; k < core.matrix().start[j + 1]; ++k) {
+        rows[core.matrix().index[k]] += core.matrix().value[k] * x[j];
       }
     }
   }
@@ -93,8 +93,8 @@ void expect_unbounded(const Core& core, const Primal& primal) {
       rows[j - core.n] += ray[j];
       continue;
     }
-    for (int k = core.lp.matrix.start[j]; k < core.lp.matrix.start[j + 1]; ++k) {
-      rows[core.lp.matrix.index[k]] += core.lp.matrix.value[k] * ray[j];
+    for (int k = core.matrix().start[j]; k < core.matrix().start[j + 1]; ++k) {
+      rows[core.matrix().index[k]] += core.matrix().value[k] * ray[j];
     }
   }
   EXPECT_LT(slope, 0);

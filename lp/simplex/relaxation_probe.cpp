@@ -1,0 +1,231 @@
+/* Strong branching, checkpoints, the basis as data, and rows of the tableau. */
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+#include "lp/simplex/checkpoint.h"
+#include "lp/simplex/relaxation.h"
+
+namespace tovik::lp::simplex {
+
+// ---- strong branching ----
+
+BranchBound Relaxation::probe(Control& control, int column, double bound, Side side, const Limits& limits) {
+  set_control(control, core_->observer);
+  BranchBound result;
+  if (!ready() || !wrong_.view().empty()) return result;
+  Core& core = *core_;
+  BoundChange branch{column, user_.lp.lower[column], user_.lp.upper[column]};
+  if (side == Side::down) branch.upper = std::min(branch.upper, bound);
+  if (side == Side::up) branch.lower = std::max(branch.lower, bound);
+  if (branch.lower > branch.upper) return {Outcome::infeasible, kInf, 0};
+  result = {Outcome::optimal, objective_, 0};
+  const double scale = column_scale(column);
+  if (core.nonbasic[column]) {
+    const double at = core.value[column] * scale;
+    if (branch.lower <= at && at <= branch.upper) return result;
+    return probe_by_checkpoint(control, branch, limits);
+  }
+  if (core.factor.wants_rebuild()) {
+    core.has_factor = false;
+    if (!ensure_factor()) return {};
+    recompute();
+  }
+  set_limits(limits);
+  const Counters counters = core.counters;
+  const double old_lower = core.lower[column];
+  const double old_upper = core.upper[column];
+  const int p = core.position[column];
+  Dual& dual = the_dual();
+  const auto set = [&](double lower, double upper) {
+    core.lower[column] = core.work_lower[column] = lower;
+    core.upper[column] = core.work_upper[column] = upper;
+    core.x_lower[p] = lower;
+    core.x_upper[p] = upper;
+    dual.touch(p);
+  };
+  dual.record();
+  set(branch.lower / scale, branch.upper / scale);
+  result.outcome = dual.reoptimize(limits.iterations, objective_);
+  result.iterations = core.counters.iterations - counters.iterations;
+  result.bound = result.outcome == Outcome::infeasible ? kInf : std::max(objective_, dual.shift_free_bound());
+  dual.undo();
+  set(old_lower, old_upper);
+  core.counters = counters;
+  core.tick_end = kUnlimited;
+  if (result.outcome == Outcome::numerical_failure) return probe_by_checkpoint(control, branch, limits);
+  return result;
+}
+
+/* Where a probe moves nonbasic variables or outlasts the factor: a resolve that is taken back as a whole. */
+BranchBound Relaxation::probe_by_checkpoint(Control& control, const BoundChange& branch,
+                                            const Limits& limits) {
+  const std::shared_ptr<const Checkpoint> saved = save();
+  if (saved == nullptr) return {};
+  const Counters counters = core_->counters;
+  BranchBound result;
+  change_bounds(branch.column, branch.lower, branch.upper);
+  result.outcome = resolve(control, limits, Detail::objective);
+  result.iterations = iterations_;
+  result.bound = result.outcome == Outcome::infeasible ? kInf : std::max(saved->objective, safe_bound());
+  restore(*saved);
+  core_->counters = counters;
+  return result;
+}
+
+// ---- checkpoints ----
+
+std::shared_ptr<const Relaxation::Checkpoint> Relaxation::save() {
+  if (!ready()) return nullptr;
+  const Core& core = *core_;
+  auto saved = std::make_shared<Checkpoint>();
+  saved->edits = edits_;
+  saved->user_cost = user_.lp.cost;
+  saved->user_lower = user_.lp.lower;
+  saved->user_upper = user_.lp.upper;
+  saved->user_row_lower = user_.lp.row_lower;
+  saved->user_row_upper = user_.lp.row_upper;
+  saved->cost = core.cost;
+  saved->lower = core.lower;
+  saved->upper = core.upper;
+  saved->value = core.value;
+  saved->d = core.d;
+  saved->x = core.x;
+  saved->nonbasic = core.nonbasic;
+  saved->move = core.move;
+  saved->head = core.head;
+  saved->weights = the_dual().norms().view();
+  saved->factor = core.factor.save();
+  saved->offset = user_.lp.offset;
+  saved->objective = objective_;
+  saved->outcome = outcome_;
+  return saved;
+}
+
+bool Relaxation::restore(const Checkpoint& saved) {
+  if (saved.edits != edits_) return false;
+  Core& core = *core_;
+  changed();
+  answer_.withdraw();
+  reoptimization_.forget();
+  user_.lp.cost = saved.user_cost;
+  user_.lp.lower = saved.user_lower;
+  user_.lp.upper = saved.user_upper;
+  user_.lp.row_lower = saved.user_row_lower;
+  user_.lp.row_upper = saved.user_row_upper;
+  Solver::change_offset(saved.offset);
+  core.cost = saved.cost;
+  core.lower = saved.lower;
+  core.upper = saved.upper;
+  core.value = saved.value;
+  core.d = saved.d;
+  core.x = saved.x;
+  core.nonbasic = saved.nonbasic;
+  core.move = saved.move;
+  core.head = saved.head;
+  core.work_lower = saved.lower;
+  core.work_upper = saved.upper;
+  core.use_original_costs();
+  core.bounds_perturbed = false;
+  core.factor.restore(*saved.factor);
+  core.has_factor = true;
+  core.find_positions();
+  for (int p = 0; p < core.m; ++p) {
+    core.x_lower[p] = core.lower[core.head[p]];
+    core.x_upper[p] = core.upper[core.head[p]];
+  }
+  sync_rows();
+  the_dual().norms().set(saved.weights);
+  keep_norms_ = has_basis_ = true;
+  start_near();
+  objective_ = saved.objective;
+  outcome_ = saved.outcome;
+  return true;
+}
+
+/* The row copy's active columns follow the statuses. */
+void Relaxation::sync_rows() {
+  Core& core = *core_;
+  if (core.rows_are_stale) return;
+  for (int j = 0; j < core.n; ++j) {
+    if (core.nonbasic[j] && !core.is_fixed(j)) {
+      core.rows.activate(j);
+    } else {
+      core.rows.deactivate(j);
+    }
+  }
+}
+
+// ---- the basis as data ----
+
+Basis Relaxation::basis() {
+  const Core& core = *core_;
+  Basis basis;
+  basis.columns.resize(static_cast<size_t>(core.n));
+  basis.rows.resize(static_cast<size_t>(core.m));
+  for (int j = 0; j < core.n; ++j) basis.columns[j] = core.status(j);
+  for (int i = 0; i < core.m; ++i) basis.rows[i] = activity_status(core.status(core.n + i));
+  if (keep_norms_) {
+    basis.dual_weights.assign(static_cast<size_t>(core.total), 1.0);
+    const std::vector<double>& weights = dual_norms();
+    for (int p = 0; p < core.m; ++p) basis.dual_weights[core.head[p]] = weights[p];
+  }
+  return basis;
+}
+
+void Relaxation::set_basis(const Basis& basis) {
+  near_ = false;
+  changed();
+  pending_.clear();
+  Solver::set_basis(basis.columns, basis.rows);
+  if (basis.dual_weights.size() != static_cast<size_t>(core_->total)) return;
+  std::vector<double> weights(static_cast<size_t>(core_->m));
+  for (int p = 0; p < core_->m; ++p) weights[p] = basis.dual_weights[core_->head[p]];
+  the_dual().norms().set(std::move(weights));
+  keep_norms_ = true;
+}
+
+// ---- the tableau ----
+
+void Relaxation::tableau_row(int position, SparseEntries& weights, SparseEntries& columns) {
+  Core& core = *core_;
+  weights.clear();
+  columns.clear();
+  core.ensure_rows();
+  if (row_.dimension() != core.m) row_.resize(core.m);
+  if (alpha_.dimension() != core.n) alpha_.resize(core.n);
+  row_.clear();
+  row_.set_unit(position);
+  core.factor.btran(row_, core.row_ep_density.value());
+  const int basic = core.head[position];
+  const double unit = basic < core.n ? column_scale(basic) : 1.0 / row_scale(basic - core.n);
+  alpha_.clear();
+  const auto add_row = [&](int i) {
+    const double rho = row_.array[i];
+    if (rho == 0) return;
+    weights.index.push_back(i);
+    weights.value.push_back(rho * row_scale(i) * unit);
+    const auto index = core.rows.row_index(i);
+    const auto value = core.rows.row_value(i);
+    for (size_t k = 0; k < index.size(); ++k) {
+      const int j = index[k];
+      if (!core.nonbasic[j]) continue;
+      if (alpha_.array[j] == 0) alpha_.index[alpha_.count++] = j;
+      const double sum = alpha_.array[j] + rho * value[k];
+      alpha_.array[j] = sum == 0 ? kZero : sum;
+    }
+  };
+  if (row_.count >= 0) {
+    for (int k = 0; k < row_.count; ++k) add_row(row_.index[k]);
+  } else {
+    for (int i = 0; i < core.m; ++i) add_row(i);
+  }
+  for (int k = 0; k < alpha_.count; ++k) {
+    const int j = alpha_.index[k];
+    if (std::fabs(alpha_.array[j]) < kTiny) continue;
+    columns.index.push_back(j);
+    columns.value.push_back(alpha_.array[j] * unit / column_scale(j));
+  }
+}
+
+}  // namespace tovik::lp::simplex
