@@ -396,7 +396,10 @@ void Dual::apply(int p, const DualRatioTest::Pick& pick) {
   const int q = pick.variable;
   const int out = core_.head[p];
   if (undo_.active()) save(p, pick);
-  if (pick.shift) core_.shift_cost(q, 0);
+  if (pick.shift) {
+    objective_ -= core_.d[q] * core_.value[q];
+    core_.shift_cost(q, 0);
+  }
   const int leaving_move = delta_ < 0 ? 1 : -1;
   const double bound = leaving_move > 0 ? core_.x_lower[p] : core_.x_upper[p];
   if (!ratio_test_.flips().empty()) {
@@ -426,10 +429,10 @@ void Dual::apply(int p, const DualRatioTest::Pick& pick) {
     core_.has_factor = false;
     wanted_ = Rebuild::refactor;
   }
-  if (core_.factor.wants_rebuild() ||
-      (core_.options.refactor_limit > 0 && core_.factor.updates() >= core_.options.refactor_limit)) {
+  // On trial the factor lasts as long as it takes updates at all.
+  const int limit = core_.options.refactor_limit;
+  if (!undo_.active() && (core_.factor.wants_rebuild() || (limit > 0 && core_.factor.updates() >= limit)))
     wanted_ = Rebuild::refactor;
-  }
   fresh_ = false;
   ++core_.counters.iterations;
   if (phase1_) {
@@ -441,10 +444,17 @@ void Dual::apply(int p, const DualRatioTest::Pick& pick) {
   if (pick.theta == 0) ++core_.counters.degenerate;
   if (core_.d[out] * core_.move[out] < -core_.dual_tolerance &&
       core_.work_lower[out] != core_.work_upper[out]) {
-    shift_cost(core_, out);
+    shift(out);
   }
   report(q, out);
   watch_progress();
+}
+
+/* A feasible reduced cost for nonbasic j, and what that does to the objective of the working costs. */
+void Dual::shift(int j) {
+  const double before = core_.work_cost[j];
+  shift_cost(core_, j);
+  objective_ += (core_.work_cost[j] - before) * core_.value[j];
 }
 
 void Dual::update_duals(double theta) {
@@ -457,7 +467,7 @@ void Dual::update_duals(double theta) {
     const int j = index[k];
     const double updated = core_.d[j] - theta * alpha[k];
     core_.d[j] = updated;
-    if (core_.move[j] * updated < -tolerance) shift_cost(core_, j);
+    if (core_.move[j] * updated < -tolerance) shift(j);
   }
   core_.charge(static_cast<std::int64_t>(size));
   if (near_) keep_fixed_logicals(theta);

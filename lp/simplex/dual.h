@@ -75,6 +75,7 @@ class Dual {
   void flip();
   void apply(int p, const DualRatioTest::Pick& pick);
   void update_duals(double theta);
+  void shift(int j);
   void update_values(int p, double step);
   void correct_duals();
   void set_phase1_bounds();

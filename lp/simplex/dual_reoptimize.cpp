@@ -45,8 +45,6 @@ Outcome Dual::reoptimize(std::int64_t iterations, double objective) {
     while (step == Step::moved && wanted_ == Rebuild::none) {
       if (check_limits()) return stop_;
       step = iterate();
-      // On trial the factor lasts as long as it takes updates at all.
-      if (undo_.active() && step == Step::moved && core_.has_factor) wanted_ = Rebuild::none;
     }
     if (core_.counters.iterations > before) rejections_ = 0;
     if (step == Step::no_entering) return Outcome::infeasible;

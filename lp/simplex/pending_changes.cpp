@@ -107,7 +107,7 @@ void PendingChanges::judge(int j, MarkedList& wrong) {
 /* A touched nonbasic variable goes to the bound that its reduced cost asks for, else to the nearer one. */
 void PendingChanges::place(const Touched& t, MarkedList& wrong) {
   const int j = t.variable;
-  if (t.inactive && !core_.is_fixed(j)) core_.d[j] = reduced_cost(j);
+  if (j < core_.n && (t.inactive || core_.is_fixed(j))) core_.d[j] = reduced_cost(j);
   const double d = core_.d[j];
   const double low = core_.work_lower[j];
   const double high = core_.work_upper[j];

@@ -31,11 +31,8 @@ class PendingChanges {
   bool empty() const { return touched_.empty(); }
   /* Variables that changed since the last apply(). */
   template <class F>
-  bool any(F f) const {
-    for (const Touched& t : touched_) {
-      if (f(t.variable)) return true;
-    }
-    return false;
+  void each(F f) const {
+    for (const Touched& t : touched_) f(t.variable);
   }
 
   /* Brings x and d in step and adds the change of the objective to it. Boxed variables whose reduced cost has
@@ -55,7 +52,7 @@ class PendingChanges {
  private:
   struct Touched {
     int variable;
-    bool inactive;  // its reduced cost has not been kept
+    bool inactive;  // fixed before: its reduced cost has not been kept
     double value;   // of a nonbasic variable
   };
   struct Moved {

@@ -29,7 +29,7 @@ Relaxation::Relaxation(const Relaxation& other)
       outcome_(other.outcome_) {}
 
 std::unique_ptr<Relaxation> Relaxation::fork() {
-  if (near_ && !follow_changes(outcome_)) near_ = false;
+  if (near_) follow_changes();
   std::unique_ptr<Relaxation> copy(new Relaxation(*this));
   if (near_) {
     const double objective = objective_;
@@ -90,9 +90,14 @@ void Relaxation::start_near() {
   dual.start_near();
   keep_norms_ = true;
   pending_.resize();
+  crossing_.clear();
   wrong_.resize(core_->total);
   for (int j = 0; j < core_->total; ++j) {
     const double d = core_->d[j];
+    if (core_->lower[j] > core_->upper[j]) {
+      crossing_.push_back(j);
+      pending_.note(j);
+    }
     if (!core_->nonbasic[j] || core_->is_fixed(j)) continue;
     if (core_->move[j] == 0 ? std::fabs(d) > core_->dual_tolerance
                             : core_->move[j] * d < -core_->dual_tolerance)
@@ -102,15 +107,15 @@ void Relaxation::start_near() {
   near_ = true;
 }
 
-/* False where bounds cross: the problem is infeasible, or they do so within the tolerance and are closed. */
-bool Relaxation::follow_changes(Outcome& outcome) {
-  if (pending_.any([this](int j) { return !close_bounds(j); })) {
-    outcome = Outcome::infeasible;
-    crossed_ = true;
-    return false;
-  }
+/* Brings the state in step. False where bounds cross: the problem is infeasible for as long as they do. */
+bool Relaxation::follow_changes() {
+  crossing_.clear();
+  pending_.each([this](int j) {
+    if (!close_bounds(j)) crossing_.push_back(j);
+  });
   pending_.apply(the_dual(), objective_, wrong_);
-  return true;
+  for (const int j : crossing_) pending_.note(j);  // to be looked at again
+  return crossing_.empty();
 }
 
 /* Bounds that cross within the tolerance become equal; false when they cross by more. */
@@ -122,7 +127,7 @@ bool Relaxation::close_bounds(int j) {
   answer_.farkas_gap = gap;
   if (!(gap <= options_.primal_tolerance)) return false;
   core.lower[j] = core.work_lower[j] = core.work_upper[j] = core.upper[j];
-  if (core.nonbasic[j] && j < core.n) core.rows.deactivate(j);
+  if (core.nonbasic[j] && j < core.n && !core.rows_are_stale) core.rows.deactivate(j);
   return true;
 }
 
@@ -135,15 +140,15 @@ void Relaxation::recompute() {
   start_near();
 }
 
-/* A state to work on without pivots: in step with all changes. False when bounds cross or the basis is
- * singular. */
+/* A state to work on without pivots: in step with all changes. False when the basis is singular. */
 bool Relaxation::ready() {
-  if (near_) return follow_changes(outcome_);
+  if (near_) {
+    follow_changes();
+    return true;
+  }
   core_->primal_tolerance = options_.primal_tolerance * kInnerShare;
   core_->dual_tolerance = options_.dual_tolerance * kInnerShare;
-  for (int j = 0; j < core_->total; ++j) {
-    if (!close_bounds(j)) return false;
-  }
+  for (int j = 0; j < core_->total; ++j) close_bounds(j);
   has_basis_ = true;
   if (!ensure_factor()) return false;
   recompute();
@@ -163,7 +168,11 @@ void Relaxation::set_limits(const Limits& limits) {
 bool Relaxation::resolve_near(const Limits& limits, Outcome& outcome) {
   Core& core = *core_;
   set_limits(limits);
-  if (!follow_changes(outcome)) return true;
+  if (!follow_changes()) {
+    outcome = Outcome::infeasible;
+    crossed_ = true;
+    return true;
+  }
   std::int64_t left = std::min(limits.iterations, kUnlimited);
   for (int round = 0; round < kCleanUps; ++round) {
     if (!wrong_.view().empty()) {
@@ -210,6 +219,7 @@ bool Relaxation::clean_up(Outcome& outcome, std::int64_t iterations_left) {
 /* By the rounds of the Solver, from the basis at hand. */
 Outcome Relaxation::resolve_anew(const Limits& limits) {
   near_ = false;
+  changed();
   pending_.clear();
   const Options kept = options_;
   options_ = without_sifting(kept);
@@ -223,6 +233,7 @@ Outcome Relaxation::resolve_anew(const Limits& limits) {
   reoptimization_.forget();
   const bool known = !answer_.column_status.empty() && core_->has_factor;
   if (known) start_near();
+  crossed_ = outcome == Outcome::infeasible && known && !crossing_.empty();
   return outcome;
 }
 

@@ -147,7 +147,7 @@ class Relaxation : public Solver {
   Relaxation(const Relaxation& other);
   void changed();
   void note(int variable);
-  bool follow_changes(Outcome& outcome);
+  bool follow_changes();
   bool resolve_near(const Limits& limits, Outcome& outcome);
   bool finish_near(Outcome& outcome, std::int64_t iterations_left);
   bool clean_up(Outcome& outcome, std::int64_t iterations_left);
@@ -170,6 +170,7 @@ class Relaxation : public Solver {
   std::vector<double> weights_of(const Matrix& rows);
 
   PendingChanges pending_;
+  std::vector<int> crossing_;  // variables whose bounds cross, as last looked at
   MarkedList wrong_;      // nonbasic variables whose reduced cost has the wrong sign and no bound to go to
   bool near_ = false;     // x, d, weights and factor are in step with the model but for pending changes
   bool crossed_ = false;  // the last outcome is a pair of bounds that cross

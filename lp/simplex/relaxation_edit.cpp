@@ -37,7 +37,7 @@ void Relaxation::settle_edit(bool in_step) {
   changed();
   pending_.resize();
   near_ = false;
-  if (!in_step || !ensure_factor()) return;
+  if (!in_step || !crossing_.empty() || !ensure_factor()) return;
   start_near();
 }
 

@@ -14,6 +14,7 @@ BranchBound Relaxation::probe(Control& control, int column, double bound, Side s
   set_control(control, core_->observer);
   BranchBound result;
   if (!ready() || !wrong_.view().empty()) return result;
+  if (!crossing_.empty()) return {Outcome::infeasible, kInf, 0};
   Core& core = *core_;
   BoundChange branch{column, user_.lp.lower[column], user_.lp.upper[column]};
   if (side == Side::down) branch.upper = std::min(branch.upper, bound);
