@@ -16,7 +16,6 @@ namespace tovik::lp::run {
 namespace {
 
 constexpr double kWorst = 1e75;
-constexpr std::int64_t kNoLimit = std::int64_t{1} << 60;
 constexpr double kPivotShare = 0.1;  // pivots below this share of the column's largest are not taken
 
 /* Largest entry of the column whose basic variable may leave; -1 when none is large enough. */
@@ -62,12 +61,6 @@ void adopt(Problem& problem, BasisView& view) {
   problem.status = TVK_STATUS_NONE;
   static_cast<LiveSimplex*>(problem.simplex.get())->start_is_mine = true;
 }
-
-/* Basis, values and duals to come back to between branches. */
-struct Snapshot {
-  std::vector<BasisStatus> status;
-  explicit Snapshot(const simplex::Core& core) : status(core.basis_status()) {}
-};
 
 }  // namespace
 
@@ -169,48 +162,28 @@ Status strong_branch(Environment& env, Problem& problem, const Branching& reques
   if (!is_optimal(problem)) return Status(TVK_ERROR_NEED_OPTIMAL_SOLUTION);
   BasisView view;
   if (const Status status = view.open(env, problem); !status.ok()) return status;
-  simplex::Solver& solver = view.solver();
-  simplex::Core& core = view.core();
+  simplex::Relaxation& engine = view.engine();
   EngineGuard guard(problem);
   EngineControl control(env, problem, CalledFrom::simplex);
-  solver.set_control(control, nullptr);
-  core.options.iteration_limit = kNoLimit;  // the branches have a limit of their own
   const double sign = problem.model->objective_sense();
-  const Snapshot start(core);
-  const simplex::Counters counters = core.counters;
   Status result;
-  const auto branch = [&](int j, double low, double high) {
-    const double old_low = solver.user_lp().lower[j];
-    const double old_high = solver.user_lp().upper[j];
-    double objective = sign * kWorst;
-    if (low <= high) {
-      solver.change_bounds(j, low, high);
-      core.counters = simplex::Counters{};
-      simplex::Dual::Settings settings;
-      settings.perturb = false;
-      const Outcome outcome = solver.dual().solve(settings, request.iteration_limit);
-      if (outcome == Outcome::time_limit) result = Status(TVK_ERROR_STRONG_BRANCHING_TIME_LIMIT);
-      if (outcome == Outcome::tick_limit) result = Status(TVK_ERROR_STRONG_BRANCHING_TICK_LIMIT);
-      if (outcome == Outcome::user_abort) result = Status(TVK_ERROR_STRONG_BRANCHING_ABORTED);
-      if (outcome != Outcome::infeasible) objective = sign * solver.dual().objective();
-      solver.change_bounds(j, old_low, old_high);
-      core.use_original_bounds();
-      core.set_basis(start.status);
-    }
-    return objective;
+  const auto branch = [&](int j, double bound, simplex::Side side) {
+    simplex::Limits limits;
+    limits.iterations = request.iteration_limit;
+    const simplex::BranchBound found = engine.probe(control, j, bound, side, limits);
+    if (found.outcome == Outcome::time_limit) result = Status(TVK_ERROR_STRONG_BRANCHING_TIME_LIMIT);
+    if (found.outcome == Outcome::tick_limit) result = Status(TVK_ERROR_STRONG_BRANCHING_TICK_LIMIT);
+    if (found.outcome == Outcome::user_abort) result = Status(TVK_ERROR_STRONG_BRANCHING_ABORTED);
+    return sign * (found.outcome == Outcome::infeasible ? kWorst : found.bound);
   };
-  const std::vector<double> x = problem.solution->x;
   for (int k = 0; k < request.count && result.ok(); ++k) {
     const int j = request.columns[k];
-    const double low = solver.user_lp().lower[j];
-    const double high = solver.user_lp().upper[j];
-    request.down[k] = branch(j, low, std::min(high, std::floor(x[j])));
+    const double x = problem.solution->x[j];
+    request.down[k] = branch(j, std::floor(x), simplex::Side::down);
     if (!result.ok()) break;
-    request.up[k] = branch(j, std::max(low, std::ceil(x[j])), high);
+    request.up[k] = branch(j, std::ceil(x), simplex::Side::up);
   }
-  core.counters = counters;
-  solver.forget_dual_norms();
-  solver.detach();
+  engine.detach();
   guard.arrived();
   return result;
 }

@@ -39,6 +39,7 @@ class BasisView {
   /* From the engine's units of a variable (n + i for slacks) to the user's. */
   double scale(int variable) const;
   simplex::Solver& solver() { return live_->solver; }
+  simplex::Relaxation& engine() { return live_->solver; }
   simplex::Core& core() { return *core_; }
 
  private:

@@ -80,18 +80,32 @@ simplex::ModelEdit edit_of(const Problem& problem) {
   return change;
 }
 
+/* The start becomes the basis that the engine made of it. */
+void take_statuses(Problem& problem, const Basis& basis) {
+  const auto code = [](BasisStatus status) { return static_cast<int>(status); };
+  for (size_t j = 0; j < basis.columns.size(); ++j) problem.start.column_status[j] = code(basis.columns[j]);
+  for (size_t i = 0; i < basis.rows.size(); ++i) {
+    const bool both_sides = problem.model->sense()[i] == 'R';
+    const bool told = basis.rows[i] == BasisStatus::basic || both_sides;
+    problem.start.row_status[i] = code(told ? basis.rows[i] : BasisStatus::lower);
+  }
+  problem.start.balanced = true;
+}
+
 /* Rows and columns that have come or gone. False when the engine cannot go on: its basis does not allow it,
  * or so much is new that scale factors and basis deserve a fresh start. */
 bool follow_structure(Problem& problem, LiveSimplex& live) {
   const Journal& journal = problem.journal;
   if (!journal.structure_changed()) return true;
-  if (journal.structure_lost() || !live.start_is_mine || !problem.start.has_basis()) return false;
+  if (journal.structure_lost() || !live.start_is_mine || !problem.start.has_statuses()) return false;
   const auto mostly_new = [](int added, size_t all) { return 2 * static_cast<size_t>(added) > all + 20; };
   if (mostly_new(journal.rows().added(), problem.rows()) ||
       mostly_new(journal.columns().added(), problem.columns()))
     return false;
   live.norms_are_told = false;
-  return live.solver.edit(edit_of(problem));
+  if (!live.solver.edit(edit_of(problem))) return false;
+  if (!problem.start.balanced) take_statuses(problem, live.solver.basis());
+  return true;
 }
 
 void follow_values(Problem& problem, LiveSimplex& live) {
@@ -146,7 +160,7 @@ LiveSimplex& live_simplex(Environment& env, Problem& problem, Control& control, 
 }
 
 void install_start(Environment& env, Problem& problem, LiveSimplex& live) {
-  if (env.settings.integer(TVK_PARAM_ADVIND) == 0 || !problem.start.has_basis()) {
+  if (env.settings.integer(TVK_PARAM_ADVIND) == 0 || !problem.start.has_statuses()) {
     live.solver.forget_basis();
     live.start_is_mine = false;
     return;

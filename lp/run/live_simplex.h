@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "env/problem.h"
-#include "lp/simplex/solver.h"
+#include "lp/simplex/relaxation.h"
 
 namespace tovik::lp::run {
 
@@ -16,7 +16,7 @@ class LiveSimplex : public Derived {
   LiveSimplex(LpData lp, const simplex::Options& options, Control& control, simplex::Observer* observer)
       : solver(std::move(lp), options, control, observer) {}
   bool follows_structure() const override { return start_is_mine; }
-  simplex::Solver solver;
+  simplex::Relaxation solver;
   bool start_is_mine = false;  // problem.start holds the basis that the engine stands on
   bool data_checked = false;   // the engine's data are numbers
   bool norms_are_told = true;  // no rows or columns have come or gone since the last optimization

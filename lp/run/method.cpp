@@ -57,7 +57,7 @@ int resolve_method(Environment& env, Problem& problem, bool allow_concurrent) {
   if (threads == 0) threads = std::max(1, thread_limit());
   if (threads >= 2 && env.settings.integer(TVK_PARAM_MEMORYEMPHASIS) == 0 && allow_concurrent)
     return method_code::kConcurrent;
-  if (env.settings.integer(TVK_PARAM_ADVIND) != 0 && problem.start.has_basis()) {
+  if (env.settings.integer(TVK_PARAM_ADVIND) != 0 && problem.start.has_statuses()) {
     const StartIs known = judge_start(env, problem);
     if (known != StartIs::unknown)
       return known == StartIs::feasible ? method_code::kPrimal : method_code::kDual;

@@ -173,7 +173,7 @@ class PresolvedRun {
   }
 
   bool starts_from_basis() const {
-    return env_.settings.integer(TVK_PARAM_ADVIND) != 0 && problem_.start.has_basis();
+    return env_.settings.integer(TVK_PARAM_ADVIND) != 0 && problem_.start.has_statuses();
   }
 
   /* The problem's starting basis in the reduced problem; the engine completes and repairs it. */
@@ -265,7 +265,7 @@ class PresolvedRun {
 
 bool wants_presolve(const Environment& env, const Problem& problem) {
   if (env.settings.integer(TVK_PARAM_PREIND) == 0) return false;
-  if (kept_record(problem) != nullptr || !problem.start.has_basis()) return true;
+  if (kept_record(problem) != nullptr || !problem.start.has_statuses()) return true;
   return env.settings.integer(TVK_PARAM_ADVIND) != 1;
 }
 

@@ -148,6 +148,7 @@ void publish_in_place(Problem& problem, const simplex::Solver& solver) {
   problem.solution->ray.clear();
   problem.solution->farkas.clear();
   problem.start.change_level = 0;
+  problem.start.balanced = true;
 }
 
 }  // namespace

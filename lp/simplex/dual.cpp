@@ -18,6 +18,7 @@ constexpr double kBoxFree = 1000.0;  // bounds of free variables in the first ph
 constexpr int kRounds = 12;          // phase changes before giving up
 constexpr int kMaxRejections = 60;   // numerical rejections in a row before giving up
 constexpr double kProgress = 1e-9;   // relative growth of the objective that counts as progress
+constexpr int kUnperturbedPatience = 30;  // iterations without progress before the first perturbation
 constexpr double kStrongestPerturbation = 1e4;
 constexpr double kByList = 0.4;  // columns with a smaller share of nonzeros are gone through by their list
 constexpr double kUsualMagnitude = 1e-6;  // perturbation magnitude that means a scale of 1
@@ -222,6 +223,7 @@ bool Dual::rebuild(bool refactor) {
   objective_ = dual_objective();
   wanted_ = Rebuild::none;
   fresh_ = true;
+  drift_ = 0;
   return true;
 }
 
@@ -342,6 +344,7 @@ Dual::Step Dual::iterate() {
   const double by_column = alpha_column_.array[p];
   const double gap = std::fabs(by_column - pick.alpha);
   const double size = std::min(std::fabs(by_column), std::fabs(pick.alpha));
+  drift_ = std::max(drift_, gap / size);
   if (core_.factor.updates() > 0 ? gap > kPivotMismatch * size : gap > kFreshMismatch * size) {
     ++core_.counters.rejected_pivots;
     if (core_.factor.updates() == 0) pricing_rule_.ban(p);
@@ -520,7 +523,7 @@ void Dual::report(int entering, int leaving) {
   core_.observer->iteration(core_, event);
 }
 
-/* A long stall is answered by a stronger perturbation. */
+/* A long stall is answered by a stronger perturbation; a start that went without one waits only a little. */
 void Dual::watch_progress() {
   const double size = std::max(1.0, std::fabs(objective_));
   if (objective_ > last_progress_objective_ + kProgress * size) {
@@ -528,11 +531,11 @@ void Dual::watch_progress() {
     last_progress_iteration_ = core_.counters.iterations;
     return;
   }
-  const std::int64_t patience = std::max(1000, core_.m / 2);
+  const std::int64_t patience = core_.costs_perturbed ? std::max(1000, core_.m / 2) : kUnperturbedPatience;
   if (core_.counters.iterations - last_progress_iteration_ < patience || undo_.active()) return;
   last_progress_iteration_ = core_.counters.iterations;
   if (perturb_scale_ >= kStrongestPerturbation) return;
-  perturb_scale_ *= 10;
+  if (core_.costs_perturbed) perturb_scale_ *= 10;
   core_.log(core_.costs_perturbed ? "Reperturbation started.\n" : "Perturbation started.\n");
   perturb_costs(core_, perturb_scale_);
   if (wanted_ == Rebuild::none) wanted_ = Rebuild::recompute;

@@ -9,6 +9,7 @@
 namespace tovik::lp::simplex {
 namespace {
 
+constexpr double kTrusted = 1e-9;  // relative gap of pivots by row and by column up to which carried values stand
 constexpr int kMaxRejections = 20;  // numerical rejections in a row before giving up
 
 double bound_product(double d, double low, double high) {
@@ -24,7 +25,6 @@ void Dual::start_near() {
   const Pricing wanted = core_.options.dual_pricing;
   pricing_ = wanted == Pricing::devex || wanted == Pricing::dantzig ? wanted : Pricing::steepest_edge;
   if (!norms_.fits(core_.m)) norms_.reset(core_.m);
-  perturb_scale_ = 1;
   core_.count_free();
   ratio_test_.prepare(core_);
   pricing_rule_.resize(core_.m);
@@ -35,6 +35,7 @@ Outcome Dual::reoptimize(std::int64_t iterations, double objective) {
   iteration_end_ = core_.counters.iterations + std::min(iterations, kUnlimited);
   objective_ = objective;
   rejections_ = 0;
+  perturb_scale_ = 1;
   fresh_ = false;
   wanted_ = Rebuild::none;
   last_progress_iteration_ = core_.counters.iterations;
@@ -48,7 +49,11 @@ Outcome Dual::reoptimize(std::int64_t iterations, double objective) {
     }
     if (core_.counters.iterations > before) rejections_ = 0;
     if (step == Step::no_entering) return Outcome::infeasible;
-    if (step == Step::no_leaving && pricing_rule_.banned_count() == 0) return Outcome::optimal;
+    if (step == Step::no_leaving && pricing_rule_.banned_count() == 0) {
+      if (drift_ <= kTrusted || fresh_ || undo_.active()) return Outcome::optimal;
+      step = Step::moved;  // look again at recomputed values
+      wanted_ = core_.factor.updates() > 0 ? Rebuild::refactor : Rebuild::recompute;
+    }
     if (undo_.active() || !resume(step)) return Outcome::numerical_failure;
   }
 }

@@ -338,7 +338,7 @@ double Relaxation::safe_bound() {
   return bound.value();
 }
 
-const FarkasProof* Relaxation::farkas() {
+const verify::FarkasProof* Relaxation::farkas() {
   if (outcome_ != Outcome::infeasible) return nullptr;
   if (!farkas_made_) {
     farkas_ = {};

@@ -25,9 +25,9 @@
 #include <vector>
 
 #include "lp/base/basis.h"
-#include "lp/base/certificates.h"
 #include "lp/simplex/pending_changes.h"
 #include "lp/simplex/solver.h"
+#include "lp/verify/certificates.h"
 
 namespace tovik::lp::simplex {
 
@@ -119,7 +119,7 @@ class Relaxation : public Solver {
    * the entries. */
   double safe_bound();
   /* After infeasible: the proof, verified on the user's data; null where it does not stand that test. */
-  const FarkasProof* farkas();
+  const verify::FarkasProof* farkas();
 
   // ---- basis ----
   Basis basis();
@@ -180,7 +180,7 @@ class Relaxation : public Solver {
   Outcome outcome_ = Outcome::numerical_failure;
   bool primal_made_ = false, duals_made_ = false, farkas_made_ = false;
   std::vector<double> primal_, duals_, reduced_costs_;
-  FarkasProof farkas_;
+  verify::FarkasProof farkas_;
   SparseVector column_, row_, tau_, alpha_;
 };
 

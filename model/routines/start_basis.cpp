@@ -31,6 +31,14 @@ void drop_values(Start& start) noexcept {
 void drop_basis(Start& start) noexcept {
   start.column_status.clear();
   start.row_status.clear();
+  start.balanced = true;
+}
+
+/* Deleted rows whose slacks were not basic, or deleted basic columns, leave statuses that are no basis; an engine
+ * makes one of them by a pivot each. */
+void settle(Start& start, bool covered, bool balanced) noexcept {
+  if (!covered) return drop_basis(start);
+  start.balanced = start.balanced && balanced;
 }
 
 /* Takes a range out of the statuses; returns how many of it were basic. */
@@ -65,7 +73,7 @@ bool covers(const std::vector<int>& status, int last) {
 }  // namespace
 
 void reserve_start(Problem& problem, int rows, int columns) {
-  if (!problem.start.has_basis()) return;
+  if (!problem.start.has_statuses()) return;
   reserve_entries(problem.start.row_status, rows);
   reserve_entries(problem.start.column_status, columns);
 }
@@ -73,7 +81,7 @@ void reserve_start(Problem& problem, int rows, int columns) {
 void extend_start(Problem& problem) noexcept {
   Start& start = problem.start;
   drop_values(start);
-  if (!start.has_basis()) return;
+  if (!start.has_statuses()) return;
   const Model& model = *problem.model;
   start.row_status.resize(static_cast<std::size_t>(model.num_rows()), TVK_BASIC);
   const auto lower = model.lower(), upper = model.upper();
@@ -85,31 +93,34 @@ void extend_start(Problem& problem) noexcept {
 void drop_start_rows(Problem& problem, int first, int last) noexcept {
   Start& start = problem.start;
   drop_values(start);
-  if (!start.has_basis()) return;
-  if (!covers(start.row_status, last) || take(start.row_status, first, last) != last - first + 1)
-    drop_basis(start);
+  if (!start.has_statuses()) return;
+  const bool covered = covers(start.row_status, last);
+  settle(start, covered, covered && take(start.row_status, first, last) == last - first + 1);
 }
 
 void drop_start_columns(Problem& problem, int first, int last) noexcept {
   Start& start = problem.start;
   drop_values(start);
-  if (!start.has_basis()) return;
-  if (!covers(start.column_status, last) || take(start.column_status, first, last) != 0) drop_basis(start);
+  if (!start.has_statuses()) return;
+  const bool covered = covers(start.column_status, last);
+  settle(start, covered, covered && take(start.column_status, first, last) == 0);
 }
 
 void drop_start_rows(Problem& problem, std::span<const int> marks) noexcept {
   Start& start = problem.start;
   drop_values(start);
-  if (!start.has_basis()) return;
+  if (!start.has_statuses()) return;
   const std::ptrdiff_t rows = std::count(marks.begin(), marks.end(), 1);
-  if (!covers(start.row_status, marks) || take(start.row_status, marks) != rows) drop_basis(start);
+  const bool covered = covers(start.row_status, marks);
+  settle(start, covered, covered && take(start.row_status, marks) == rows);
 }
 
 void drop_start_columns(Problem& problem, std::span<const int> marks) noexcept {
   Start& start = problem.start;
   drop_values(start);
-  if (!start.has_basis()) return;
-  if (!covers(start.column_status, marks) || take(start.column_status, marks) != 0) drop_basis(start);
+  if (!start.has_statuses()) return;
+  const bool covered = covers(start.column_status, marks);
+  settle(start, covered, covered && take(start.column_status, marks) == 0);
 }
 
 }  // namespace tovik::model

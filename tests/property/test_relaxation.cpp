@@ -135,8 +135,9 @@ class Sequence {
     EXPECT_NE(outcome, Outcome::singular) << step_;
     if (outcome == Outcome::objective_limit) {
       const Truth truth = solve_cold(lp_);
-      if (truth.outcome == Outcome::optimal)
+      if (truth.outcome == Outcome::optimal) {
         EXPECT_GE(truth.objective, limits.cutoff - tolerance(limits.cutoff)) << "cut off, step " << step_;
+      }
     }
   }
   void probe() {
@@ -230,8 +231,9 @@ class Sequence {
     }
     if (has_no_optimum(truth.outcome)) {
       EXPECT_TRUE(has_no_optimum(outcome)) << where;
-      if (outcome == Outcome::infeasible && detail == Detail::verified)
+      if (outcome == Outcome::infeasible && detail == Detail::verified) {
         EXPECT_NE(engine_->farkas(), nullptr) << where;
+      }
     }
     return truth;
   }
