@@ -74,6 +74,7 @@ struct Contestant {
   explicit operator bool() const { return static_cast<bool>(make); }
 };
 
+Contestant node_engine();        // the simplex engine itself
 Contestant exported_routines();  // through include/tovik.h
 Contestant clp();                // the distribution's library, where it is installed
 

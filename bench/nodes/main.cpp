@@ -19,7 +19,7 @@ struct Settings {
   std::string folder = TOVIK_SOURCE_DIR "/../shared/models/mip/miplib3";
   std::string filter, json;
   double limit = 20;
-  bool alone = false;
+  bool exported = false, alone = false;
 };
 
 /* Runs every experiment on one model. The time limit is spread over the recordings. */
@@ -129,7 +129,7 @@ std::vector<std::string> find_models(const Settings& settings) {
 }
 
 int run(const Settings& settings) {
-  const Contestant ours = exported_routines();
+  const Contestant ours = settings.exported ? exported_routines() : node_engine();
   const Contestant peer = settings.alone ? Contestant{} : clp();
   if (!settings.alone && !peer) std::printf("clp's library is not installed: our figures alone\n");
   std::vector<Result> results;
@@ -163,6 +163,7 @@ int main(int count, char** arguments) {
       ->type_name("SECONDS")
       ->capture_default_str();
   app.add_option("--json", settings.json, "write everything measured")->type_name("FILE");
+  app.add_flag("--public", settings.exported, "through the exported routines, not the engine itself");
   app.add_flag("--alone", settings.alone, "without clp");
   CLI11_PARSE(app, count, arguments);
   return run(settings);
