@@ -198,8 +198,7 @@ Status basis_kappa(Environment& env, Problem& problem, double* kappa) {
   for (int p = 0; p < core.m; ++p) {
     const int j = core.head[p];
     double sum = j < core.n ? 0 : 1;
-    for (int k = j < core.n ? core.matrix().start[j] : 0; j < core.n && k < core.matrix().start[j + 1];
-         ++k) {
+    for (int k = j < core.n ? core.matrix().start[j] : 0; j < core.n && k < core.matrix().start[j + 1]; ++k) {
       sum += std::fabs(core.matrix().value[k]);
     }
     norm = std::max(norm, sum);

@@ -80,18 +80,6 @@ simplex::ModelEdit edit_of(const Problem& problem) {
   return change;
 }
 
-/* The start becomes the basis that the engine made of it. */
-void take_statuses(Problem& problem, const Basis& basis) {
-  const auto code = [](BasisStatus status) { return static_cast<int>(status); };
-  for (size_t j = 0; j < basis.columns.size(); ++j) problem.start.column_status[j] = code(basis.columns[j]);
-  for (size_t i = 0; i < basis.rows.size(); ++i) {
-    const bool both_sides = problem.model->sense()[i] == 'R';
-    const bool told = basis.rows[i] == BasisStatus::basic || both_sides;
-    problem.start.row_status[i] = code(told ? basis.rows[i] : BasisStatus::lower);
-  }
-  problem.start.balanced = true;
-}
-
 /* Rows and columns that have come or gone. False when the engine cannot go on: its basis does not allow it,
  * or so much is new that scale factors and basis deserve a fresh start. */
 bool follow_structure(Problem& problem, LiveSimplex& live) {
@@ -103,9 +91,7 @@ bool follow_structure(Problem& problem, LiveSimplex& live) {
       mostly_new(journal.columns().added(), problem.columns()))
     return false;
   live.norms_are_told = false;
-  if (!live.solver.edit(edit_of(problem))) return false;
-  if (!problem.start.balanced) take_statuses(problem, live.solver.basis());
-  return true;
+  return live.solver.edit(edit_of(problem));
 }
 
 void follow_values(Problem& problem, LiveSimplex& live) {
@@ -249,6 +235,11 @@ StartIs judge_start(Environment& env, Problem& problem) {
   if (!follow_structure(problem, *live)) return StartIs::unknown;
   live->solver.set_options(engine_options(env));
   follow_values(problem, *live);
+  if (!problem.start.balanced) {  // the engine has pivoted for what was deleted
+    const bool feasible = live->solver.is_primal_feasible();
+    guard.arrived();
+    return feasible ? StartIs::feasible : StartIs::infeasible;
+  }
   const simplex::Reoptimization::State state = live->solver.standing();
   guard.arrived();
   switch (state) {

@@ -14,10 +14,10 @@ constexpr double kPivotMismatch = 1e-7;  // relative gap of the pivot by row and
 constexpr double kFreshMismatch = 1e-4;  // the same on a fresh factor: give the row up for now
 constexpr double kSmallPivot =
     1e-7;  // pivots below this share of the row's largest ask for a fresh factor first
-constexpr double kBoxFree = 1000.0;  // bounds of free variables in the first phase
-constexpr int kRounds = 12;          // phase changes before giving up
-constexpr int kMaxRejections = 60;   // numerical rejections in a row before giving up
-constexpr double kProgress = 1e-9;   // relative growth of the objective that counts as progress
+constexpr double kBoxFree = 1000.0;       // bounds of free variables in the first phase
+constexpr int kRounds = 12;               // phase changes before giving up
+constexpr int kMaxRejections = 60;        // numerical rejections in a row before giving up
+constexpr double kProgress = 1e-9;        // relative growth of the objective that counts as progress
 constexpr int kUnperturbedPatience = 30;  // iterations without progress before the first perturbation
 constexpr double kStrongestPerturbation = 1e4;
 constexpr double kByList = 0.4;  // columns with a smaller share of nonzeros are gone through by their list

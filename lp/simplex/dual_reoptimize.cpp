@@ -9,7 +9,8 @@
 namespace tovik::lp::simplex {
 namespace {
 
-constexpr double kTrusted = 1e-9;  // relative gap of pivots by row and by column up to which carried values stand
+constexpr double kTrusted =
+    1e-9;  // relative gap of pivots by row and by column up to which carried values stand
 constexpr int kMaxRejections = 20;  // numerical rejections in a row before giving up
 
 double bound_product(double d, double low, double high) {

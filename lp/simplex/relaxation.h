@@ -110,7 +110,8 @@ class Relaxation : public Solver {
 
   // ---- what the last resolve found ----
   double objective() const { return objective_; }
-  std::int64_t iterations() const { return iterations_; }  // of the last resolve
+  bool is_primal_feasible() { return ready() && the_dual().at_rest(); }  // of the basis at hand
+  std::int64_t iterations() const { return iterations_; }                // of the last resolve
   std::span<const double> primal();
   std::span<const double> duals();          // of rows, d objective / d right-hand side
   std::span<const double> reduced_costs();  // of columns

@@ -62,6 +62,7 @@ class Row {
   double dual_before(int j) const { return before_[j]; }
 
   DualRatioTest::Pick choose() {
+    core().count_free();
     test_.prepare(core());
     test_.load(core(), rho_, row_, delta_);
     return test_.choose(core(), delta_);

@@ -274,7 +274,7 @@ TEST(Primal, StopsAtItsLimitsWithConsistentState) {
   };
   Options options;
   run(options, 7, 100000, Outcome::user_abort);
-  run(options, 1000000, 5, Outcome::numerical_failure);
+  run(options, 1000000, 5, Outcome::iteration_limit);
   options.iteration_limit = 6;
   run(options, 1000000, 100000, Outcome::iteration_limit);
   options = {};
