@@ -119,7 +119,8 @@ Outcome Dual::solve(const Settings& settings, std::int64_t iteration_budget) {
   start_norms(settings);
   drop_implied_bounds();
   perturb_scale_ = core_.options.perturb_magnitude / kUsualMagnitude;
-  if (!(settings.warm && near_optimal())) {
+  patient_ = !settings.warm || !near_optimal();
+  if (patient_) {
     if (settings.imply_bounds) box_ = imply_bounds(core_);
     if (settings.perturb) {
       perturb_costs(core_, perturb_scale_);
@@ -531,7 +532,8 @@ void Dual::watch_progress() {
     last_progress_iteration_ = core_.counters.iterations;
     return;
   }
-  const std::int64_t patience = core_.costs_perturbed ? std::max(1000, core_.m / 2) : kUnperturbedPatience;
+  const std::int64_t patience =
+      patient_ || core_.costs_perturbed ? std::max(1000, core_.m / 2) : kUnperturbedPatience;
   if (core_.counters.iterations - last_progress_iteration_ < patience || undo_.active()) return;
   last_progress_iteration_ = core_.counters.iterations;
   if (perturb_scale_ >= kStrongestPerturbation) return;

@@ -120,6 +120,7 @@ class Dual {
   SparseVector farkas_row_;           // of columns: the row's entries; work space of the proof
   std::vector<double> farkas_terms_;  // likewise: sizes of the terms of each entry
   bool near_ = false;                 // started near an optimum, see start_near()
+  bool patient_ = false;              // a stall is borne for long, also without perturbation
   double drift_ = 0;  // largest relative gap of a pivot by row and by column since the last rebuild
   PivotUndo undo_;
 };

@@ -21,6 +21,7 @@ double bound_product(double d, double low, double high) {
 
 void Dual::start_near() {
   near_ = true;
+  patient_ = false;
   phase1_ = false;
   drop_implied_bounds();
   const Pricing wanted = core_.options.dual_pricing;

@@ -89,6 +89,7 @@ Reoptimization::State Reoptimization::refresh(const Options& options) {
     j < core_.n ? sums_.columns().add(j) : sums_.rows().add(j - core_.n);
   }
   touched_.clear();
+  in_step_ = true;
   state_ = judge(options);
   core_.charge(sums_.take_work());
   return state_;

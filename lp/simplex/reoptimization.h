@@ -38,8 +38,14 @@ class Reoptimization {
       : core_(core), user_(user), sums_(sums), answer_(answer) {}
 
   void settle(const Options& options);
-  void forget() { state_ = State::unknown; }
+  void forget() {
+    state_ = State::unknown;
+    in_step_ = false;
+  }
   bool holds() const { return state_ != State::unknown; }
+  /* The core's x and d have followed all changes since the optimum, whatever the last refresh() found. Until
+   * forget(). */
+  bool in_step() const { return in_step_; }
   /* Before the bounds or the cost of variable j change. */
   void note(int j);
   bool needs_factor() const;
@@ -91,6 +97,7 @@ class Reoptimization {
   Activities& sums_;
   Answer& answer_;
   State state_ = State::unknown;
+  bool in_step_ = false;
   double primal_tolerance_ = 0, dual_tolerance_ = 0;  // of the solve that settled
   int refreshes_ = 0;
   std::vector<Touched> touched_;

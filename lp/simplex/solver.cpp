@@ -296,6 +296,7 @@ bool Solver::is_still_optimal(Method method) {
 Outcome Solver::solve(Method method) {
   prepare();
   if (is_still_optimal(method)) return Outcome::optimal;
+  in_step_ = reoptimization_.in_step();
   reoptimization_.forget();
   if (bounds_cross()) {
     extract();
@@ -407,8 +408,31 @@ bool Solver::already_optimal() {
   return values_are_fresh_;
 }
 
+/* The dual from values that have followed the changes since the last optimum: no pass over the model until it ends.
+ * False: the usual way. */
+bool Solver::run_dual_near(Outcome& outcome) {
+  Core& core = *core_;
+  if (!std::exchange(in_step_, false) || !core.has_factor || !keep_norms_) return false;
+  if (core.dual_infeasibility().count > 0) return false;
+  Dual& dual = the_dual();
+  dual.start_near();
+  outcome = dual.reoptimize(options_.iteration_limit - core.counters.iterations, core.objective());
+  if (outcome == Outcome::numerical_failure || outcome == Outcome::singular || !core.has_factor) return false;
+  if (outcome == Outcome::infeasible) return verify_infeasible(dual.farkas());
+  if (outcome != Outcome::optimal) return true;
+  core.use_original_costs();
+  core.compute_primal();
+  core.compute_dual();
+  if (core.primal_infeasibility().count > 0 || core.dual_infeasibility().count > 0) return false;
+  values_are_fresh_ = true;
+  if (core.objective() > options_.objective_upper) outcome = Outcome::objective_limit;
+  return true;
+}
+
 Outcome Solver::run_dual() {
   answer_.method = Method::dual;
+  Outcome near;
+  if (run_dual_near(near)) return near;
   if (already_optimal()) return Outcome::optimal;
   if (keep_norms_) ensure_factor();  // takes the norms along
   Dual::Settings settings;

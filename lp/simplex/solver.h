@@ -133,6 +133,7 @@ class Solver {
   bool start_by_sifting();
   void reset_nonbasic_value(int j);
   Outcome run_dual();
+  bool run_dual_near(Outcome& outcome);
   Outcome run_primal();
   bool verify_infeasible(const std::vector<double>& scaled_row);
   bool verify_ray();
@@ -152,6 +153,7 @@ class Solver {
   Reoptimization reoptimization_;
   bool answer_is_new_ = true;
   bool values_are_fresh_ = false;  // computed from the model's own bounds and costs, and not moved since
+  bool in_step_ = false;           // the start of this solve: values and duals have followed the changes
   bool known_infeasible_ = false;  // the start of this solve, by the look at the changes
 };
 
