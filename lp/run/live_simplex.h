@@ -39,12 +39,12 @@ class EngineGuard {
   bool arrived_ = false;
 };
 
-/* The engine of a problem, made or brought up to date with the model: never null. With `basis`, the starting
- * basis of the problem is installed when it is not the one the engine stands on. */
+/* The engine of a problem, made or brought up to date with the model. Its basis is not looked at: see
+ * install_start() and install_basis(). */
 LiveSimplex& live_simplex(Environment& env, Problem& problem, Control& control, simplex::Observer* observer);
 /* As TVK_PARAM_ADVIND says: the starting basis, or the slack basis. */
 void install_start(Environment& env, Problem& problem, LiveSimplex& live);
-/* The starting basis, which the problem must hold. */
+/* The starting basis, which the problem must hold, where the engine does not stand on it. */
 void install_basis(Problem& problem, LiveSimplex& live);
 
 /* The starting basis as engines see it: a row's status is that of its activity. */

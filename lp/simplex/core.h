@@ -1,15 +1,26 @@
 /* The state that dual and primal simplex share, and the steps that both take.
  *
- * One index space of total = n + m variables: structurals 0..n-1, the logical of row i is n + i, with A x + I
- * s = 0, so that the logical's bounds are [-row_upper, -row_lower] and the right-hand side is zero.
- * Everything here is in scaled space. Holds cost, lower, upper       the model's own data, never touched by
- * perturbation work_cost/lower/upper    what the iterations use: perturbed, shifted, or the boxes of the
- * dual's first phase head[p]                  variable basic in position p (positions and rows share indices
- * once factored) nonbasic[j], move[j]     1/0; the direction in which a nonbasic may move: +1 at lower, -1 at
- * upper, 0 fixed, free or basic value[j]                 value of nonbasic j d[j]                     reduced
- * cost of nonbasic j (stale for fixed columns between rebuilds), 0 for basic ones x, x_lower, x_upper values
- * and working bounds of the basic variables by position Errors    bad_alloc passes through; numerical trouble
- * is returned as values. */
+ * One index space of total = n + m variables: structurals 0..n-1, the logical of row i is n + i, with
+ * A x + I s = 0, so that the logical's bounds are [-row_upper, -row_lower] and the right-hand side is zero.
+ * Everything here is in scaled space. By variable (size total), but for head and x (size m):
+ *
+ *   cost, lower, upper    the model's own data, never touched by perturbation
+ *   work_cost             what the iterations use: perturbed or shifted
+ *   work_lower, _upper    what the iterations use: widened, implied, or the boxes of the dual's first phase
+ *   nonbasic              1 nonbasic, 0 basic
+ *   move                  the direction in which a nonbasic may move: +1 at lower, -1 at upper, 0 fixed, free
+ *                         or basic
+ *   value                 of a nonbasic; without meaning for basic ones
+ *   d                     reduced cost of a nonbasic (stale for fixed columns between rebuilds), 0 for basic
+ *   position              of a basic variable in head; without meaning for nonbasic ones
+ *   random_value          uniform in [0, 1), drawn once: sizes of perturbations and shifts
+ *   head                  by position: the basic variable (positions and rows share indices once factored)
+ *   x, x_lower, x_upper   by position: value and working bounds of the basic variable
+ *
+ * - Order: a basis (set_logical_basis, set_basis), refactor(), compute_primal(), compute_dual(), then steps.
+ *   Which flags hold together: docs/resolve.md.
+ * - Copies: share the columns of the matrix until one of them is edited.
+ * - Errors: bad_alloc passes through; numerical trouble is returned as values. */
 #pragma once
 
 #include <cstdint>
@@ -123,11 +134,11 @@ class Core : public SimplexVectors {
   void use_original_bounds();   // work bounds = model bounds; nonbasics placed by their move
   void use_original_costs();    // drops perturbation and shifts
   void update_basis_pattern();  // row copy activity from nonbasic flags and fixed columns (after set_basis)
-  /* After a reshape the row copy waits for the first who reads it. */
+  /* After an edit the row copy waits for the first who reads it. */
   void ensure_rows() {
     if (rows_are_stale) update_basis_pattern();
   }
-  /* Rows and columns go and come, in scaled space (see reshape.h). Keeps the factor unless rows do. The x of
+  /* Rows and columns go and come, in scaled space (see model_edit.h). Keeps the factor unless rows do. The x of
    * new logicals and the d of new columns are left 0. */
   void edit(const ModelEdit& change);
   std::vector<int> positions_of_logicals(std::span<const int> rows_of_logicals) const;  // ascending

@@ -1,7 +1,8 @@
 /* Rows and columns that go and come while the engine keeps the rest of its basis, in the user's space.
  *
- * A row that goes must have its logical basic, a column that goes must be nonbasic. New columns are appended
- * and become nonbasic, new rows are appended and their logicals become basic. */
+ * A row that goes must have its logical basic, a column that goes must be nonbasic; where they are not a
+ * Relaxation pivots first. New columns are appended and become nonbasic, new rows are appended and their
+ * logicals become basic. */
 #pragma once
 
 #include <span>

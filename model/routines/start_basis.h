@@ -1,7 +1,7 @@
 /* Keeps the starting basis of a problem in step with the rows and columns of its model, so that a solve after
  * adding or deleting some starts from the last one. A new row's slack is basic, a new column non-basic at the
- * bound nearest to zero or free. Deletion drops the entries; when the rest is no basis any more (one basic
- * variable for each row), the basis goes. */
+ * bound nearest to zero or free. Deletion drops the entries; where the rest is no basis any more (one basic
+ * variable for each row), Start::balanced says so: an optimizer makes one of it, queries find none. */
 #pragma once
 
 #include <span>
