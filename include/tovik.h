@@ -890,7 +890,9 @@ TVK_API int TVKsetdefaults(EnvHandle env);
  * Routines that modify return 1023 for a problem of a fixed type, 1003 for a negative count, 1004 for a null pointer
  * that is required, 1012 when the model would exceed 2100000000 rows, columns or entries, and 1001 without memory. What
  * a change discards stands at "problem objects": nearly all make the solution unavailable. Added rows and columns join a
- * starting basis (slack basic; column non-basic), and it survives deletions that leave it a basis. */
+ * starting basis (slack basic; column non-basic). Deletions that leave it a basis keep it; after others the next
+ * optimization starts from what is left, with a pivot for each tight row or basic column, and until then there is no
+ * basis (1262). */
 
 /* ---- Copying a whole model ---- */
 
