@@ -7,7 +7,7 @@
  *   cost_moves    of a basic column, a little: duals move
  *   rhs_moves     of a tight row, a little
  *   add_row       a row that the optimum meets with room to spare is added; in every second run deleted again
- *   add_cut       the same with a row that cuts the optimum off: some pivots, and a fresh start when it goes
+ *   add_cut       the same with a row that cuts the optimum off: some pivots, and one when it goes
  *   delete_row    a row with a basic slack goes and comes back as the last one
  *   column        a nonbasic column goes and comes back as the last one
  *   bound_pivots  a bound that cuts the optimum off, then back: a few pivots each
