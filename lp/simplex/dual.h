@@ -15,7 +15,7 @@
 #include <vector>
 
 #include "lp/simplex/core.h"
-#include "lp/simplex/dual_norms.h"
+#include "lp/simplex/dual_weights.h"
 #include "lp/simplex/dual_pricing.h"
 #include "lp/simplex/dual_ratio_test.h"
 #include "lp/simplex/implied_bounds.h"

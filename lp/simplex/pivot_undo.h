@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "lp/simplex/core.h"
-#include "lp/simplex/dual_norms.h"
+#include "lp/simplex/dual_weights.h"
 #include "lp/simplex/dual_pricing.h"
 
 namespace tovik::lp::simplex {

@@ -1,4 +1,4 @@
-#include "lp/simplex/dual_norms.h"
+#include "lp/simplex/dual_weights.h"
 
 #include <algorithm>
 

@@ -1,5 +1,5 @@
 /* Dual steepest-edge weights against the rows of an inverse that elimination on the table gives. */
-#include "lp/simplex/dual_norms.h"
+#include "lp/simplex/dual_weights.h"
 
 #include <gtest/gtest.h>
 
