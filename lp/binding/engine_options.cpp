@@ -68,7 +68,6 @@ simplex::Options engine_options(const Environment& env) {
                     : method == method_code::kSifting ? simplex::Sifting::always
                                                       : simplex::Sifting::never;
   options.seed = static_cast<std::uint64_t>(s.integer(param::kRandomSeed));
-  options.display = s.integer(TVK_PARAM_SIMDISPLAY);
   return options;
 }
 

@@ -68,7 +68,7 @@ struct Factor::Impl {
   Stats stats;
   std::vector<int> head;
   std::int64_t overhead = 0;
-  std::int64_t update_work = 0;
+  std::int64_t build_work = 0, update_work = 0;  // ticks
   std::int64_t extra_work_at_build = 0;
   RebuildRule rule;
   RebuildRule rule_at_record;
@@ -93,8 +93,7 @@ int Factor::Impl::build(std::vector<int>& basis) {
   solver.resize();
   extra_work_at_build = solver.counts().extra_work;
   rule = {builder.work(), lu.l_columns.used + lu.u_columns.used, 0.0, false};
-  ++stats.builds;
-  stats.build_work += builder.work();
+  build_work += builder.work();
   stats.bump = builder.bump();
   stats.basis_nonzeros = builder.basis_nonzeros();
   stats.factor_nonzeros = rule.fresh_entries + rows;
@@ -105,7 +104,6 @@ bool Factor::Impl::update(const SparseVector& column, const SparseVector& row, i
   if (lu.updates >= lu.update_limit) return false;
   update_work += static_cast<std::int64_t>(3 * column.packed_index.size() + 2 * row.packed_index.size());
   if (!replace_column(column, row, r, solver.workspace().x, lu)) return false;
-  ++stats.updates;
   const double extra = static_cast<double>(solver.counts().extra_work - extra_work_at_build);
   const double average = (static_cast<double>(rule.build_work + overhead) + extra) / lu.updates;
   if (lu.updates == 1 || average < rule.least_average) {
@@ -220,7 +218,7 @@ int Factor::updates() const {
 }
 
 std::int64_t Factor::work() const {
-  return impl_->stats.build_work + impl_->solver.counts().work + impl_->update_work;
+  return impl_->build_work + impl_->solver.counts().work + impl_->update_work;
 }
 
 std::int64_t Factor::work_of_build() const {
@@ -257,10 +255,6 @@ void Factor::record_updates() {
   impl_->rule_at_record = impl_->rule;
 }
 
-bool Factor::records_updates() const {
-  return impl_->lu.recording;
-}
-
 void Factor::undo_updates() {
   while (impl_->lu.recorded > 0) undo_update(impl_->lu);
   impl_->lu.recording = false;
@@ -268,9 +262,6 @@ void Factor::undo_updates() {
 }
 
 const Stats& Factor::stats() const {
-  impl_->stats.solve_work = impl_->solver.counts().work;
-  impl_->stats.hyper_solves = impl_->solver.counts().sparse;
-  impl_->stats.plain_solves = impl_->solver.counts().plain;
   return impl_->stats;
 }
 

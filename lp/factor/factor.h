@@ -32,10 +32,9 @@ struct Exchange {
   int row;      // logical n + row entered the basis
 };
 
+/* Of the last build. */
 struct Stats {
-  std::int64_t builds = 0, updates = 0, build_work = 0, solve_work = 0;
-  std::int64_t hyper_solves = 0, plain_solves = 0;
-  int bump = 0;  // order of the Markowitz kernel in the last build
+  int bump = 0;  // order of the Markowitz kernel
   std::int64_t basis_nonzeros = 0, factor_nonzeros = 0;
 };
 
@@ -91,7 +90,6 @@ class Factor {
    * what the updates wrote, and ends the recording. After a build there is nothing to undo: a build ends it
    * too. */
   void record_updates();
-  bool records_updates() const;
   void undo_updates();
 
   void force_mode(SolveMode mode);

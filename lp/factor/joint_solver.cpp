@@ -149,7 +149,6 @@ void JointSolver::solve(std::span<SparseVector* const> vectors, SolveCounts& cou
   const std::int64_t eta_entries = lu_.etas.file.used + lu_.updates;
   counts.work += lanes * (touched + eta_entries + lu_.rows);
   counts.extra_work += lanes * eta_entries;
-  counts.plain += lanes;
 }
 
 void JointSolver::ftran(std::span<SparseVector* const> vectors, SolveCounts& counts) {

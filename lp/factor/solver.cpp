@@ -124,9 +124,6 @@ void Solver::sweep(const Lines& lines, int first, int end, bool plain) {
       touched += line.length;
     }
     visited += std::abs(last - from) / 4;
-    ++counts_.plain;
-  } else {
-    ++counts_.sparse;
   }
   work_.count = found;
   counts_.work += touched + 2 * visited;

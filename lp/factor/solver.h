@@ -18,9 +18,8 @@
 namespace tovik::lp::factor {
 
 struct SolveCounts {
-  std::int64_t work = 0;               // entries and slots touched
-  std::int64_t extra_work = 0;         // share of it caused by updates since the build
-  std::int64_t sparse = 0, plain = 0;  // solves by the mode of their last sweep
+  std::int64_t work = 0;        // entries and slots touched
+  std::int64_t extra_work = 0;  // share of it caused by updates since the build
 };
 
 class Solver {

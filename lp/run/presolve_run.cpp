@@ -82,7 +82,7 @@ class PresolvedRun {
       return false;
     }
     record_ = own_record_.get();
-    if (options_.display != 0)
+    if (env_.settings.integer(TVK_PARAM_SIMDISPLAY) != 0)
       message(env_.results_channel, "Presolve time = %7.2f sec.\n", record_->seconds);
     return true;
   }
@@ -97,7 +97,7 @@ class PresolvedRun {
     }
     if (wants_dual_form()) return solve_dual_form();
     EngineControl control(env_, problem_, CalledFrom::simplex);
-    IterationLog log(env_, problem_, options_.display);
+    IterationLog log(env_, problem_, env_.settings.integer(TVK_PARAM_SIMDISPLAY));
     log.set_origin(reduction.row_map, reduction.column_map);
     simplex::Solver solver(reduction.lp, options_, control, &log);
     set_objective_limits(env_, problem_, solver);

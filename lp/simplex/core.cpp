@@ -313,16 +313,8 @@ void Core::price(const SparseVector& rho, bool list_always, SparseVector& alpha)
     by_columns = static_cast<double>(rows.row_work(rho)) >
                  kColumnPriceRatio * static_cast<double>(rows.active_entries());
   }
-  std::int64_t touched;
-  if (by_columns) {
-    ++counters.price_column;
-    touched = rows.price_by_columns(rho, alpha);
-  } else {
-    ++counters.price_row;
-    touched = rows.price_by_rows(rho, row_ap_density.value(), list_always, alpha);
-  }
-  counters.price_touched += touched;
-  charge(touched);
+  charge(by_columns ? rows.price_by_columns(rho, alpha)
+                    : rows.price_by_rows(rho, row_ap_density.value(), list_always, alpha));
 }
 
 void Core::load_column(int q, SparseVector& v) const {

@@ -334,7 +334,6 @@ Dual::Step Dual::iterate() {
       return core_.dual_infeasibility().count > 0 ? Step::boxes_dropped : Step::moved;
     }
     pricing_rule_.ban(p);
-    ++core_.counters.rejected_pivots;
     return Step::moved;
   }
   if (core_.factor.updates() > 0 && std::fabs(pick.alpha) < kSmallPivot * ratio_test_.largest_alpha()) {
@@ -347,7 +346,6 @@ Dual::Step Dual::iterate() {
   const double size = std::min(std::fabs(by_column), std::fabs(pick.alpha));
   drift_ = std::max(drift_, gap / size);
   if (core_.factor.updates() > 0 ? gap > kPivotMismatch * size : gap > kFreshMismatch * size) {
-    ++core_.counters.rejected_pivots;
     if (core_.factor.updates() == 0) pricing_rule_.ban(p);
     wanted_ = Rebuild::refactor;
     return Step::numerical;
@@ -393,7 +391,6 @@ void Dual::flip() {
     core_.move[j] = static_cast<signed char>(-core_.move[j]);
     core_.value[j] = core_.move[j] > 0 ? core_.work_lower[j] : core_.work_upper[j];
   }
-  core_.counters.bound_flips += static_cast<std::int64_t>(ratio_test_.flips().size());
 }
 
 void Dual::apply(int p, const DualRatioTest::Pick& pick) {
@@ -439,13 +436,7 @@ void Dual::apply(int p, const DualRatioTest::Pick& pick) {
     wanted_ = Rebuild::refactor;
   fresh_ = false;
   ++core_.counters.iterations;
-  if (phase1_) {
-    ++core_.counters.phase1_iterations;
-    ++core_.counters.dual_phase1;
-  } else {
-    ++core_.counters.dual_phase2;
-  }
-  if (pick.theta == 0) ++core_.counters.degenerate;
+  if (phase1_) ++core_.counters.phase1_iterations;
   if (core_.d[out] * core_.move[out] < -core_.dual_tolerance &&
       core_.work_lower[out] != core_.work_upper[out]) {
     shift(out);

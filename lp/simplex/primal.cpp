@@ -291,7 +291,7 @@ void Primal::watch_degeneracy(double gain) {
   constexpr int kPerturbedRestores = 3;  // later rounds run on the model's bounds
   const double size = phase1_ ? 1.0 : std::max(1.0, std::fabs(objective_));
   const bool none = gain <= kNoGain * size;
-  if (none) ++degenerate_total_, ++core_.counters.degenerate;
+  if (none) ++degenerate_total_;
   degeneracy_ += kMemory * ((none ? 1.0 : 0.0) - degeneracy_);
   progress_ += gain;
   if (progress_ > kProgress * size) {

@@ -46,7 +46,6 @@ Primal::Step Primal::iterate() {
 
 void Primal::reject_pivot(int q) {
   pricing_.ban(q);
-  ++core_.counters.rejected_pivots;
 }
 
 bool Primal::choose_column() {
@@ -153,7 +152,6 @@ void Primal::flip(double step) {
   update_values(step, -1);
   core_.move[q] = to_upper ? -1 : 1;
   core_.value[q] = to_upper ? core_.work_upper[q] : core_.work_lower[q];
-  ++core_.counters.bound_flips;
   pricing_.touch(core_, q);
   if (phase1_) update_phase1_duals();
   objective_ -= gain;
@@ -266,12 +264,7 @@ void Primal::after_step(double gain, int leaving, bool to_upper) {
   fresh_ = false;
   Counters& counters = core_.counters;
   ++counters.iterations;
-  if (phase1_) {
-    ++counters.phase1_iterations;
-    ++counters.primal_phase1;
-  } else {
-    ++counters.primal_phase2;
-  }
+  if (phase1_) ++counters.phase1_iterations;
   if (core_.observer != nullptr) {
     IterationEvent event;
     event.phase1 = phase1_;

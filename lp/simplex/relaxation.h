@@ -142,7 +142,6 @@ class Relaxation : public Solver {
   // ---- as a Solver ----
   Outcome solve(Method method);
   bool edit(ModelEdit change);
-  void forget_state() { near_ = false; }
 
  private:
   Relaxation(const Relaxation& other);

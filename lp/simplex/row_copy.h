@@ -21,7 +21,6 @@ class RowCopy {
   void build(const Matrix& columns, std::span<const char> active);  // active: one flag a column
   void activate(int j);
   void deactivate(int j);
-  bool is_active(int j) const { return active_[j] != 0; }
 
   /* out += rho' A over active columns; out must be clear and has dimension columns. Starts with an index list
    * and turns to plain scattering when the result fills up. With `list_always` the list is then rebuilt at

@@ -47,7 +47,6 @@ class Solver {
   void set_dual_norms(const std::vector<double>& norms,
                       const std::vector<int>& head);   // head: variable by position
   bool has_dual_norms() const { return keep_norms_; }  // weights of the present basis
-  void forget_dual_norms() { keep_norms_ = false; }
   void forget_basis();
   bool has_basis() const { return has_basis_; }
 
@@ -97,7 +96,6 @@ class Solver {
   void each_entry(int j, F f) const {
     user_.each_entry(j, f);
   }
-  std::int64_t num_entries() const { return static_cast<std::int64_t>(core_->matrix().index.size()); }
 
   /* Change of data without loss of the basis; the next solve goes on from it. */
   void change_bounds(int j, double lower, double upper);

@@ -35,20 +35,13 @@ struct Options {
   Sifting sifting = Sifting::never;
   int scaling = 0;  // -1 none, 0 geometric with equilibration, 1 more passes
   std::uint64_t seed = 1;
-  int display = 0;  // 0 none, 1 iteration log, 2 a line per iteration
 };
 
 struct Counters {
   std::int64_t iterations = 0;
   std::int64_t phase1_iterations = 0;
-  std::int64_t dual_phase1 = 0, dual_phase2 = 0, primal_phase1 = 0, primal_phase2 = 0;
   std::int64_t factorizations = 0;
-  std::int64_t bound_flips = 0;
   std::int64_t shifts = 0;
-  std::int64_t degenerate = 0;
-  std::int64_t price_row = 0, price_column = 0;
-  std::int64_t price_touched = 0;
-  std::int64_t rejected_pivots = 0;
   std::int64_t rows_scanned = 0;  // by the choice of the leaving row
 };
 
