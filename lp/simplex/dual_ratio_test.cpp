@@ -3,12 +3,10 @@
 #include <algorithm>
 #include <cmath>
 
+#include "lp/simplex/tolerance.h"
+
 namespace tovik::lp::simplex {
 namespace {
-/* Smallest entry of the row that may become a pivot, by updates since the last factorization. */
-double pivot_tolerance(int updates) {
-  return updates < 10 ? 1e-9 : updates < 20 ? 3e-8 : 1e-6;
-}
 constexpr double kGoodShare = 0.1;  // a group's pivot is good when it reaches this share of the largest pivot
 constexpr double kGoodAlways = 1.0;  // ... or this size
 }  // namespace
@@ -110,7 +108,7 @@ void DualRatioTest::add_free_candidates(const Core& core) {
 
 void DualRatioTest::load(Core& core, const SparseVector& rho, const SparseVector& alpha_row, double delta) {
   sign_ = delta < 0 ? -1.0 : 1.0;
-  smallest_ = pivot_tolerance(core.factor.updates());
+  smallest_ = pivot_tolerance(kRowPivot, core.factor.updates());
   pack_row(core, rho, alpha_row);
   find_candidates(core);
   if (core.free_nonbasic > 0) add_free_candidates(core);

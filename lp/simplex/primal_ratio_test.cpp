@@ -4,13 +4,10 @@
 #include <cmath>
 
 #include "lp/simplex/primal_pricing.h"
+#include "lp/simplex/tolerance.h"
 
 namespace tovik::lp::simplex {
 namespace {
-/* Smallest entry of the column that may become a pivot, by updates since the last factorization. */
-double pivot_tolerance(int updates) {
-  return updates < 10 ? 1e-9 : updates < 20 ? 1e-8 : 1e-7;
-}
 constexpr double kGoodShare =
     0.1;  // a break point's pivot is good when it reaches this share of the largest one
 constexpr double kGoodAlways = 1.0;  // ... or this size
@@ -23,7 +20,7 @@ void PrimalRatioTest::resize(const Core& core) {
 }
 
 PrimalPick PrimalRatioTest::feasible(Core& core, const SparseVector& column, double direction, double slack) {
-  const double smallest = pivot_tolerance(core.factor.updates());
+  const double smallest = pivot_tolerance(kColumnPivot, core.factor.updates());
   const double* const x = core.x.data();
   const double* const low = core.x_lower.data();
   const double* const high = core.x_upper.data();
@@ -60,7 +57,7 @@ PrimalPick PrimalRatioTest::feasible(Core& core, const SparseVector& column, dou
 }
 
 void PrimalRatioTest::collect(const Core& core, const SparseVector& column, double direction) {
-  const double smallest = pivot_tolerance(core.factor.updates());
+  const double smallest = pivot_tolerance(kColumnPivot, core.factor.updates());
   const double tolerance = core.primal_tolerance;
   breaks_.clear();
   for_nonzeros(column, [&](int p) {

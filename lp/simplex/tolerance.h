@@ -1,5 +1,5 @@
-/* Schedules by which the simplex tightens or loosens a working tolerance: each maps the present value to the
- * next. The steps grow smaller as the value nears what double precision can hold. */
+/* Schedules of tolerances. The simplex tightens a working tolerance step by step: each function maps the
+ * present value to the next; the steps grow smaller as the value nears what double precision can hold. */
 #pragma once
 
 #include <algorithm>
@@ -22,8 +22,17 @@ inline double tighten_feasibility(double v) {
   return v / 1.01;
 }
 
-inline double loosen(double v) {
-  return v < 9.99999999e-5 ? std::min(1e-4, 2 * v) : 1.1 * v;
+/* Smallest entry that may become a pivot, by updates since the last factorization: their rounding errors add
+ * up. */
+struct PivotSchedule {
+  double fresh, young, old;
+};
+inline constexpr PivotSchedule kRowPivot{1e-9, 3e-8, 1e-6};     // of the dual's pivot row
+inline constexpr PivotSchedule kColumnPivot{1e-9, 1e-8, 1e-7};  // of the primal's pivot column
+
+inline double pivot_tolerance(const PivotSchedule& schedule, int updates) {
+  constexpr int kYoung = 10, kOld = 20;
+  return updates < kYoung ? schedule.fresh : updates < kOld ? schedule.young : schedule.old;
 }
 
 }  // namespace tovik::lp::simplex
