@@ -12,6 +12,7 @@ namespace tovik::lp {
 
 inline constexpr double kTiny = 1e-14;  // results below this are dropped
 inline constexpr double kZero = 1e-50;  // stands in for 0 where a cancelled position stays listed
+inline constexpr double kByList = 0.4;  // share of listed positions from which on a plain loop is faster
 
 class SparseVector {
  public:
@@ -23,6 +24,7 @@ class SparseVector {
   void pack();     // packed copy of the listed nonzeros
   void copy(const SparseVector& other);  // values and list only
   double norm2() const;
+  bool list_pays() const { return count >= 0 && count < kByList * dimension(); }
   void set_unit(int position, double value = 1.0) {  // the vector must be clear
     array[position] = value;
     index[0] = position;

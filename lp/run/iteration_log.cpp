@@ -74,9 +74,8 @@ void IterationLog::removed_by_singularity(const simplex::Core& core, int variabl
   }
 }
 
-void IterationLog::pricing(bool steepest_edge, bool changed) {
-  const char* name = steepest_edge ? "steepest-edge" : "devex";
-  if (display_ > 0) message(env_.results_channel, changed ? "Switched to %s.\n" : "Using %s.\n", name);
+void IterationLog::pricing(const char* rule, bool changed) {
+  if (display_ > 0) message(env_.results_channel, changed ? "Switched to %s.\n" : "Using %s.\n", rule);
 }
 
 void IterationLog::elapsed(std::int64_t count) {

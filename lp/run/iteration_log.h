@@ -16,7 +16,7 @@ class IterationLog : public simplex::Observer {
    * vectors must live as long as the log. */
   void set_origin(const std::vector<int>& rows, const std::vector<int>& columns);
   void iteration(const simplex::Core& core, const simplex::IterationEvent& event) override;
-  void pricing(bool steepest_edge, bool changed) override;
+  void pricing(const char* rule, bool changed) override;
   void text(const char* line) override;
   void removed_by_singularity(const simplex::Core& core, int variable) override;
 

@@ -20,7 +20,6 @@ constexpr int kMaxRejections = 60;        // numerical rejections in a row befor
 constexpr double kProgress = 1e-9;        // relative growth of the objective that counts as progress
 constexpr int kUnperturbedPatience = 30;  // iterations without progress before the first perturbation
 constexpr double kStrongestPerturbation = 1e4;
-constexpr double kByList = 0.4;  // columns with a smaller share of nonzeros are gone through by their list
 constexpr double kUsualMagnitude = 1e-6;  // perturbation magnitude that means a scale of 1
 
 double bound_product(double d, double low, double high) {
@@ -29,7 +28,7 @@ double bound_product(double d, double low, double high) {
 
 }  // namespace
 
-Dual::Dual(Core& core) : core_(core) {
+Dual::Dual(Core& core) : core_(core), rule_(&dual_rule(core.options.dual_pricing)) {
   pricing_rule_.resize(core.m);
   rho_.resize(core.m);
   alpha_column_.resize(core.m);
@@ -82,20 +81,10 @@ void Dual::restore_costs() {
 }
 
 void Dual::start_norms(const Settings& settings) {
-  const Pricing wanted = core_.options.dual_pricing;
-  pricing_ = wanted == Pricing::devex || wanted == Pricing::dantzig ? wanted : Pricing::steepest_edge;
-  if (core_.observer != nullptr && core_.counters.iterations == 0 && pricing_ != Pricing::dantzig) {
-    core_.observer->pricing(pricing_ == Pricing::steepest_edge, false);
-  }
-  const bool steepest = pricing_ == Pricing::steepest_edge;
-  if (steepest && settings.keep_norms && norms_.fits(core_.m)) return;
-  const bool logical = std::all_of(core_.head.begin(), core_.head.end(), [&](int j) { return j >= core_.n; });
-  if (logical || !steepest || wanted != Pricing::steepest_edge) {
-    norms_.reset(core_.m);
-  } else {
-    core_.log("Initializing dual full norms . . .\n");
-    norms_.compute(core_, rho_);
-  }
+  rule_ = &dual_rule(core_.options.dual_pricing);
+  if (core_.observer != nullptr && core_.counters.iterations == 0 && rule_->name() != nullptr)
+    core_.observer->pricing(rule_->name(), false);
+  rule_->start(core_, settings.keep_norms, norms_, rho_);
 }
 
 /* Few and only primal infeasibilities: such a start is left alone, no perturbation, no boxes. */
@@ -301,8 +290,7 @@ int Dual::choose_row() {
     core_.btran(rho_, core_.row_ep_density);
     rho_.want_pack = false;
     if (undo_.active()) undo_.save_basic(core_, norms_, p);
-    const bool stands =
-        pricing_ != Pricing::steepest_edge || norms_.exact(p, std::max(DualNorms::kFloor, rho_.norm2()));
+    const bool stands = rule_->accept(p, rho_, norms_);
     const double low = core_.x_lower[p];
     const double high = core_.x_upper[p];
     delta_ = core_.x[p] < low ? core_.x[p] - low : core_.x[p] - high;
@@ -370,7 +358,7 @@ void Dual::solve_columns(int entering) {
   core_.load_column(entering, alpha_column_);
   alpha_column_.want_pack = true;
   solves[count++] = {&alpha_column_, &core_.column_density};
-  if (pricing_ == Pricing::steepest_edge) {
+  if (rule_->needs_tau()) {
     tau_.copy(rho_);
     solves[count++] = {&tau_, &core_.dse_density};
   }
@@ -415,11 +403,7 @@ void Dual::apply(int p, const DualRatioTest::Pick& pick) {
   const double pivot = alpha_column_.array[p];
   const double step = delta_ / pivot;
   const double entering_value = core_.value[q] + step;
-  if (pricing_ == Pricing::steepest_edge) {
-    norms_.update(p, alpha_column_, pivot, tau_);
-  } else if (pricing_ == Pricing::devex) {
-    norms_.update_devex(p, alpha_column_, pivot);
-  }
+  rule_->update({p, alpha_column_, tau_}, norms_);
   update_values(p, step);
   core_.change_basis(q, p, leaving_move);
   core_.x[p] = entering_value;
@@ -486,7 +470,7 @@ void Dual::keep_fixed_logicals(double theta) {
 void Dual::update_values(int p, double step) {
   const SparseVector& column = p >= 0 ? alpha_column_ : flip_column_;
   const double tolerance = core_.primal_tolerance;
-  if (column.count >= 0 && column.count < kByList * core_.m) {
+  if (column.list_pays()) {
     const double* const weight = norms_.view().data();
     for (int k = 0; k < column.count; ++k) {
       const int i = column.index[k];

@@ -15,9 +15,9 @@
 #include <vector>
 
 #include "lp/simplex/core.h"
-#include "lp/simplex/dual_weights.h"
 #include "lp/simplex/dual_pricing.h"
 #include "lp/simplex/dual_ratio_test.h"
+#include "lp/simplex/dual_weights.h"
 #include "lp/simplex/implied_bounds.h"
 #include "lp/simplex/observer.h"
 #include "lp/simplex/pivot_undo.h"
@@ -55,7 +55,8 @@ class Dual {
    * were the model's. -infinity where a shifted variable has no bound. Not while costs are perturbed. */
   double shift_free_bound() const;
 
-  DualNorms& norms() { return norms_; }
+  DualWeights& norms() { return norms_; }
+  const DualRule& rule() const { return *rule_; }
   /* When the outcome is infeasible: the row y of B^-1 (by row, scaled space) whose combination of rows cannot
    * be met. */
   std::vector<double> farkas() const;
@@ -97,14 +98,14 @@ class Dual {
   void each_row_term(Add add);
 
   Core& core_;
-  DualNorms norms_;
+  DualWeights norms_;
+  const DualRule* rule_;  // that keeps the weights
   DualPricing pricing_rule_;
   DualRatioTest ratio_test_;
   SparseVector rho_, alpha_row_, alpha_column_, flip_column_, tau_;
   double delta_ = 0;
   double objective_ = 0;
   bool phase1_ = false;
-  Pricing pricing_ = Pricing::steepest_edge;  // steepest edge, devex or plain (weights all 1)
   Rebuild wanted_ = Rebuild::none;
   bool fresh_ = false;  // nothing has changed since the last rebuild
   Outcome stop_ = Outcome::numerical_failure;

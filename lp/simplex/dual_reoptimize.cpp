@@ -24,8 +24,7 @@ void Dual::start_near() {
   patient_ = false;
   phase1_ = false;
   drop_implied_bounds();
-  const Pricing wanted = core_.options.dual_pricing;
-  pricing_ = wanted == Pricing::devex || wanted == Pricing::dantzig ? wanted : Pricing::steepest_edge;
+  rule_ = &dual_rule(core_.options.dual_pricing);
   if (!norms_.fits(core_.m)) norms_.reset(core_.m);
   core_.count_free();
   ratio_test_.prepare(core_);

@@ -1,46 +1,61 @@
-/* Dual steepest-edge weights.
- * - Holds: w[p] = ||row p of B^-1||^2 by basis position (scaled space), at least kFloor. Reads nothing but
- *   its arguments.
- * - Order: exact() when a row's exact norm is known; update() once per pivot, before the factor is updated;
- *   save()/restore() around a refactorization, which may permute positions.
- * - Trust: exact() compares the stored with the exact norm and answers whether the choice may stand.
- * - Paper: Forrest, Goldfarb, Math. Programming 57 (1992). */
+/* The weights by which the dual judges infeasible rows, and the rules that keep them.
+ *
+ * DualWeights: w[p] > 0 by basis position (scaled space).
+ * - Order: save()/restore() around a refactorization, which may permute positions.
+ * - All that a rule knows of a basis: checkpoints, copies and iterations taken back carry the weights and
+ *   nothing else.
+ *
+ * DualRule: one way to start and to update the weights. Rules hold no state; dual_rule() is the one place that
+ * knows them all. A new rule is a class in a file of its own, a value of Pricing and a line of dual_rule().
+ * - Order: start() once a solve; accept() for each row that was chosen; update() once per pivot, before the
+ *   factor is updated.
+ * - Cost: a virtual call or two a pivot, none by entry. Errors: bad_alloc passes through. */
 #pragma once
 
-#include <cstdint>
+#include <utility>
 #include <vector>
 
 #include "lp/simplex/core.h"
 
 namespace tovik::lp::simplex {
 
-class DualNorms {
+class DualWeights {
  public:
-  static constexpr double kFloor = 1e-4;
-  static constexpr double kAccept =
-      0.25;  // a stored weight below this share of the exact one misled the choice
-
   void reset(int rows) { weight_.assign(static_cast<size_t>(rows), 1.0); }
   void set(std::vector<double> weights) { weight_ = std::move(weights); }
-  /* m unit solves; exact for any basis. */
-  void compute(Core& core, SparseVector& work);
-  bool exact(int p, double norm2) {
-    const double stored = weight_[p];
-    weight_[p] = norm2;
-    return stored >= kAccept * norm2;
-  }
-  void update(int p, const SparseVector& column, double pivot, const SparseVector& tau);
-  /* Devex: reference weights that need no further solve (Harris 1973). */
-  void update_devex(int p, const SparseVector& column, double pivot);
   void save(const Core& core);
   void restore(const Core& core);
   double* data() { return weight_.data(); }
   const std::vector<double>& view() const { return weight_; }
-  bool fits(int rows) const { return static_cast<int>(weight_.size()) == rows; }
+  int size() const { return static_cast<int>(weight_.size()); }
+  bool fits(int rows) const { return size() == rows; }
 
  private:
   std::vector<double> weight_;
   std::vector<double> by_variable_;  // total, filled between save and restore
 };
+
+/* The vectors of a pivot that weights are updated by. */
+struct DualPivot {
+  int position;                // of the leaving variable
+  const SparseVector& column;  // B^-1 a_entering
+  const SparseVector& tau;     // B^-1 rho where the rule needs_tau(), else not read
+};
+
+class DualRule {
+ public:
+  virtual ~DualRule() = default;
+  /* As the log prints it; null: the log does not speak of this rule. */
+  virtual const char* name() const = 0;
+  /* Whether update() reads tau, which costs the iteration a solve. */
+  virtual bool needs_tau() const { return false; }
+  /* Weights for the core's factored basis; `carried`: those at hand are this basis's. work: of m, left clear. */
+  virtual void start(Core& core, bool carried, DualWeights& weights, SparseVector& work) const;
+  /* The row of the inverse is known for position p: may the choice by the stored weight stand? */
+  virtual bool accept(int p, const SparseVector& rho, DualWeights& weights) const;
+  virtual void update(const DualPivot& pivot, DualWeights& weights) const = 0;
+};
+
+const DualRule& dual_rule(Pricing pricing);
 
 }  // namespace tovik::lp::simplex

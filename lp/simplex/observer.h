@@ -21,8 +21,8 @@ class Observer {
  public:
   virtual ~Observer() = default;
   virtual void iteration(const Core& core, const IterationEvent& event) = 0;
-  /* The pricing in force was chosen (before the first iteration) or changed. */
-  virtual void pricing(bool steepest_edge, bool changed) = 0;
+  /* The pricing rule in force, by its printed name, was chosen (before the first iteration) or changed. */
+  virtual void pricing(const char* rule, bool changed) = 0;
   virtual void text(const char* line) = 0;  // other messages of the display level 1 and above
   /* A basic variable that made the basis singular was replaced by a logical. */
   virtual void removed_by_singularity(const Core& core, int variable) = 0;

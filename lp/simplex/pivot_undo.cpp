@@ -16,7 +16,7 @@ void PivotUndo::start(const Core& core) {
   pivots_.clear();
 }
 
-void PivotUndo::save_basics(const Core& core, const DualNorms& norms, const SparseVector& column) {
+void PivotUndo::save_basics(const Core& core, const DualWeights& norms, const SparseVector& column) {
   if (column.count >= 0) {
     for (int k = 0; k < column.count; ++k) save_basic(core, norms, column.index[k]);
   } else {
@@ -30,7 +30,7 @@ void PivotUndo::save_pivot(const Core& core, int entering, int p) {
   pivots_.push_back({p, entering, core.head[p], core.x_lower[p], core.x_upper[p]});
 }
 
-void PivotUndo::undo(Core& core, DualNorms& norms, DualPricing& pricing) {
+void PivotUndo::undo(Core& core, DualWeights& norms, DualPricing& pricing) {
   active_ = false;
   for (const Pivot& pivot : std::views::reverse(pivots_)) {
     core.head[pivot.position] = pivot.leaving;

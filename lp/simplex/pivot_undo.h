@@ -11,8 +11,8 @@
 #include <vector>
 
 #include "lp/simplex/core.h"
-#include "lp/simplex/dual_weights.h"
 #include "lp/simplex/dual_pricing.h"
+#include "lp/simplex/dual_weights.h"
 
 namespace tovik::lp::simplex {
 
@@ -22,16 +22,16 @@ class PivotUndo {
   bool active() const { return active_; }
 
   void save_dual(const Core& core, int j) { duals_.push_back({j, core.d[j], core.work_cost[j]}); }
-  void save_basic(const Core& core, const DualNorms& norms, int p) {
+  void save_basic(const Core& core, const DualWeights& norms, int p) {
     basics_.push_back({p, core.x[p], norms.view()[p]});
   }
   /* The basic values and weights in the pattern of a column; all of them where it has no list. */
-  void save_basics(const Core& core, const DualNorms& norms, const SparseVector& column);
+  void save_basics(const Core& core, const DualWeights& norms, const SparseVector& column);
   void save_nonbasic(const Core& core, int j) { nonbasics_.push_back({j, core.move[j], core.value[j]}); }
   /* Before entering replaces the basic variable of position p. */
   void save_pivot(const Core& core, int entering, int p);
 
-  void undo(Core& core, DualNorms& norms, DualPricing& pricing);
+  void undo(Core& core, DualWeights& norms, DualPricing& pricing);
 
  private:
   struct Dual {

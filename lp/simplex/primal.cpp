@@ -60,8 +60,7 @@ Outcome Primal::solve(std::int64_t iteration_budget) {
   core_.use_original_costs();
   partial_.start(core_);
   pricing_.start(core_, partial_.on());
-  if (core_.observer != nullptr)
-    core_.observer->pricing(pricing_.kind() == PrimalPricing::Kind::steepest_edge, false);
+  if (core_.observer != nullptr) core_.observer->pricing(pricing_.name(), false);
   if (core_.options.perturb_always) perturb_scale_ = 1;
   return finish(run());
 }
@@ -217,7 +216,7 @@ bool Primal::rebuild() {
   if (core_.counters.iterations - start_ >= kJudgePricing &&
       pricing_.too_costly(core_.total_work() - start_work_)) {
     pricing_.switch_to_devex(core_);
-    if (core_.observer != nullptr) core_.observer->pricing(false, true);
+    if (core_.observer != nullptr) core_.observer->pricing(pricing_.name(), true);
   }
   pricing_.refresh(core_, optimality_tolerance_);
   if (!phase1_) objective_ = core_.objective();

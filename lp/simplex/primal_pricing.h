@@ -26,8 +26,7 @@ namespace tovik::lp::simplex {
 /* Calls f(position) for every position that may hold a nonzero. */
 template <class F>
 void for_nonzeros(const SparseVector& v, F f) {
-  constexpr double kByList = 0.4;  // beyond this density a plain loop is faster than the list
-  if (v.count >= 0 && v.count < kByList * v.dimension()) {
+  if (v.list_pays()) {
     for (int k = 0; k < v.count; ++k) f(v.index[k]);
     return;
   }
@@ -47,6 +46,7 @@ class PrimalPricing {
    */
   void start(Core& core, bool partial);
   Kind kind() const { return kind_; }
+  const char* name() const { return kind_ == Kind::steepest_edge ? "steepest-edge" : "devex"; }  // in the log
   /* Automatic pricing: whether steepest edge has cost more work than its fewer iterations can save, given all
    * work since start(). */
   bool too_costly(std::int64_t all_work) const {

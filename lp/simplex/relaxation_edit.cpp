@@ -81,11 +81,13 @@ void Relaxation::replace(int entering, int position, double step, int leaving_mo
   core.btran(row_, core.row_ep_density);
   row_.want_pack = false;
   const double pivot = column_.array[position];
-  tau_.copy(row_);
-  core.ftran(tau_, core.dse_density);
-  DualNorms& norms = the_dual().norms();
-  norms.exact(position, std::max(DualNorms::kFloor, row_.norm2()));
-  norms.update(position, column_, pivot, tau_);
+  const DualRule& rule = the_dual().rule();
+  if (rule.needs_tau()) {
+    tau_.copy(row_);
+    core.ftran(tau_, core.dse_density);
+  }
+  rule.accept(position, row_, the_dual().norms());
+  rule.update({position, column_, tau_}, the_dual().norms());
   const double theta = core.d[entering] / pivot;
   alpha_.clear();
   core.price(row_, alpha_);

@@ -1,4 +1,5 @@
-/* Dual steepest-edge weights against the rows of an inverse that elimination on the table gives. */
+/* Dual steepest-edge weights against the rows of an inverse that elimination on the table gives; devex weights
+ * and the choice of a rule. */
 #include "lp/simplex/dual_weights.h"
 
 #include <gtest/gtest.h>
@@ -6,6 +7,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "lp/simplex/dual_devex.h"
+#include "lp/simplex/dual_steepest_edge.h"
 #include "support/scattered_lps.h"
 
 namespace tovik::lp::simplex {
@@ -19,7 +22,7 @@ std::vector<double> weights_by_elimination(const TableCore& table) {
   for (const std::vector<double>& row : table.basis_inverse()) {
     double norm = 0;
     for (const double v : row) norm += v * v;
-    weights.push_back(std::max(norm, DualNorms::kFloor));
+    weights.push_back(std::max(norm, DualSteepestEdge::kFloor));
   }
   return weights;
 }
@@ -60,10 +63,10 @@ class Pivots {
     return -1;
   }
   /* `full`: the column has given up its list. */
-  void update_weights(int p, bool full, DualNorms& norms) const {
+  void update_weights(const DualRule& rule, int p, bool full, DualWeights& weights) const {
     SparseVector column = column_;
     if (full) column.count = -1;
-    norms.update(p, column, column.array[p], tau_);
+    rule.update({p, column, tau_}, weights);
   }
   /* False: the factor must be made anew. */
   bool exchange(int p, int q) {
@@ -78,7 +81,7 @@ class Pivots {
   Density density_;
 };
 
-TEST(DualNorms, UpdatedAreRecomputedOverAnyPivots) {
+TEST(DualSteepestEdge, UpdatedAreRecomputedOverAnyPivots) {
   Random random(321);
   int pivots_made = 0;
   for (int round = 0; round < 60; ++round) {
@@ -87,24 +90,25 @@ TEST(DualNorms, UpdatedAreRecomputedOverAnyPivots) {
     Core& core = table.core;
     table.random_basis(random);
     Pivots pivots(table);
-    DualNorms norms;
+    const DualRule& rule = dual_rule(Pricing::steepest_edge);
+    DualWeights weights;
     SparseVector work;
     work.resize(core.m);
-    norms.compute(core, work);
-    expect_close(norms.view(), weights_by_elimination(table), 1e-8);
+    rule.start(core, false, weights, work);
+    expect_close(weights.view(), weights_by_elimination(table), 1e-8);
     for (int step = 0; step < 30; ++step) {
       const int p = random.below(core.m);
       const int q = pivots.load(p, random);
       if (q < 0) continue;
-      EXPECT_TRUE(norms.exact(p, std::max(DualNorms::kFloor, pivots.rho().norm2()))) << "step " << step;
-      pivots.update_weights(p, random.chance(0.3), norms);
+      EXPECT_TRUE(rule.accept(p, pivots.rho(), weights)) << "step " << step;
+      pivots.update_weights(rule, p, random.chance(0.3), weights);
       ++pivots_made;
       if (!pivots.exchange(p, q)) {
-        norms.save(core);
+        weights.save(core);
         core.refactor();
-        norms.restore(core);
+        weights.restore(core);
       }
-      expect_close(norms.view(), weights_by_elimination(table), 1e-6);
+      expect_close(weights.view(), weights_by_elimination(table), 1e-6);
     }
     if (HasFailure()) break;
   }
@@ -112,7 +116,7 @@ TEST(DualNorms, UpdatedAreRecomputedOverAnyPivots) {
 }
 
 /* A factorization permutes positions: each variable keeps its weight. */
-TEST(DualNorms, WeightsGoWithTheirVariables) {
+TEST(DualWeights, WeightsGoWithTheirVariables) {
   Random random(322);
   for (int round = 0; round < 100; ++round) {
     TRACE_RANDOM(random, round);
@@ -122,26 +126,98 @@ TEST(DualNorms, WeightsGoWithTheirVariables) {
     std::vector<double> of_variable(static_cast<size_t>(core.total)), weights;
     for (double& w : of_variable) w = random.uniform(1, 100);
     for (const int j : core.head) weights.push_back(of_variable[j]);
-    DualNorms norms;
-    norms.set(weights);
-    norms.save(core);
+    DualWeights kept;
+    kept.set(weights);
+    kept.save(core);
     std::shuffle(core.head.begin(), core.head.end(), random.engine());
     core.refactor();
-    norms.restore(core);
-    for (int p = 0; p < core.m; ++p) EXPECT_EQ(norms.view()[p], of_variable[core.head[p]]);
+    kept.restore(core);
+    for (int p = 0; p < core.m; ++p) EXPECT_EQ(kept.view()[p], of_variable[core.head[p]]);
   }
+}
+
+/* The values with the list of their nonzeros, or without it. */
+SparseVector vector_of(const std::vector<double>& values, bool full) {
+  SparseVector v;
+  v.resize(static_cast<int>(values.size()));
+  for (int i = 0; i < v.dimension(); ++i) {
+    v.array[i] = values[i];
+    if (values[i] != 0) v.index[v.count++] = i;
+  }
+  if (full) v.count = -1;
+  return v;
 }
 
 /* A weight far too small made its row look good: the choice may not stand, the weight is right from then on.
  */
-TEST(DualNorms, MisleadingWeightsAreFoundOut) {
-  DualNorms norms;
-  norms.set({1, 1, 1});
-  EXPECT_FALSE(norms.exact(0, 4.1));
-  EXPECT_TRUE(norms.exact(0, 4.1));
-  EXPECT_TRUE(norms.exact(1, 3.9));
-  EXPECT_TRUE(norms.exact(2, 0.01));  // a weight too large misled nobody
-  EXPECT_EQ(norms.view(), (std::vector<double>{4.1, 3.9, 0.01}));
+TEST(DualSteepestEdge, MisleadingWeightsAreFoundOut) {
+  const DualRule& rule = dual_rule(Pricing::automatic);
+  const auto rho = [](double norm2) { return vector_of({0, std::sqrt(norm2), 0}, false); };
+  DualWeights weights;
+  weights.set({1, 1, 1});
+  EXPECT_FALSE(rule.accept(0, rho(4.1), weights));
+  EXPECT_TRUE(rule.accept(0, rho(4.1), weights));
+  EXPECT_TRUE(rule.accept(1, rho(3.9), weights));
+  EXPECT_TRUE(rule.accept(2, rho(0.01), weights));  // a weight too large misled nobody
+  expect_close(weights.view(), {4.1, 3.9, 0.01}, 1e-15);
+  EXPECT_TRUE(rule.accept(2, rho(0), weights));
+  EXPECT_EQ(weights.view()[2], DualSteepestEdge::kFloor);
+}
+
+/* w_i = max(w_i, (alpha_i / alpha_p)^2 w_p), w_p = max(1, w_p / alpha_p^2), with a list and without. */
+TEST(DualDevex, WeightsGrowWithTheRatioOfEntries) {
+  const DualRule& rule = dual_rule(Pricing::devex);
+  const SparseVector unused;
+  for (const bool full : {false, true}) {
+    DualWeights weights;
+    weights.set({1, 8, 2, 50, 1});
+    const SparseVector column = vector_of({3, 0.5, 0, -4, 0}, full);
+    rule.update({1, column, unused}, weights);
+    EXPECT_EQ(weights.view(), (std::vector<double>{288, 32, 2, 512, 1}));
+    rule.update({0, vector_of({100, 0, 0, 1, 0}, full), unused}, weights);
+    EXPECT_EQ(weights.view(), (std::vector<double>{1, 32, 2, 512, 1}));
+  }
+}
+
+TEST(DualDevex, StartsAnewWhenAWeightHasGrownTooFar) {
+  const SparseVector unused;
+  const SparseVector column = vector_of({1, 0.01, 0}, false);
+  DualWeights weights;
+  weights.set({3, 0.9e-4 * DualDevex::kReset, 7});
+  dual_rule(Pricing::devex).update({1, column, unused}, weights);
+  EXPECT_GT(weights.view()[1], 1);  // not yet
+  weights.set({3, 1.1e-4 * DualDevex::kReset, 7});
+  dual_rule(Pricing::devex).update({1, column, unused}, weights);
+  EXPECT_EQ(weights.view(), (std::vector<double>{1, 1, 1}));
+}
+
+/* What each pricing starts from on a basis with structurals, and what it makes of weights carried along. */
+TEST(DualRule, StartsAsThePricingAsks) {
+  Random random(323);
+  TableCore table(support::scattered_lp(random, 20, 40));
+  Core& core = table.core;
+  table.random_basis(random);
+  SparseVector work;
+  work.resize(core.m);
+  const std::vector<double> ones(static_cast<size_t>(core.m), 1.0), carried(static_cast<size_t>(core.m), 2.0);
+  const std::vector<double> norms = weights_by_elimination(table);
+  ASSERT_NE(*std::max_element(norms.begin(), norms.end()), 1.0);
+  for (const Pricing pricing : {Pricing::automatic, Pricing::steepest_edge, Pricing::steepest_edge_unit,
+                                Pricing::devex, Pricing::dantzig}) {
+    SCOPED_TRACE(static_cast<int>(pricing));
+    const DualRule& rule = dual_rule(pricing);
+    const bool edge = pricing != Pricing::devex && pricing != Pricing::dantzig;
+    EXPECT_EQ(rule.needs_tau(), edge);
+    DualWeights weights;
+    rule.start(core, true, weights, work);  // none of this size are at hand
+    expect_close(weights.view(), pricing == Pricing::steepest_edge ? norms : ones, 1e-8);
+    weights.set(carried);
+    rule.start(core, true, weights, work);
+    EXPECT_EQ(weights.view(), edge ? carried : ones);
+    weights.set(carried);
+    rule.start(core, false, weights, work);
+    expect_close(weights.view(), pricing == Pricing::steepest_edge ? norms : ones, 1e-8);
+  }
 }
 
 }  // namespace
