@@ -190,7 +190,7 @@ Status measure_quality(Environment& env, Problem& problem, int what, Measure* re
 Status basis_kappa(Environment& env, Problem& problem, double* kappa) {
   BasisView view;
   if (const Status status = view.open_for_query(env, problem); !status.ok()) return status;
-  simplex::Core& core = view.core();
+  const simplex::Core& core = view.core();
   const auto m = static_cast<size_t>(core.m);
   *kappa = 1;
   if (m == 0) return {};
@@ -211,9 +211,9 @@ Status basis_kappa(Environment& env, Problem& problem, double* kappa) {
     v.count = -1;
     v.reindex();
     if (transposed) {
-      core.factor.btran(v, 1.0);
+      view.solver().btran(v);
     } else {
-      core.factor.ftran(v, 1.0);
+      view.solver().ftran(v);
     }
     x = v.array;
     v.count = -1;

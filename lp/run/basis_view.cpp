@@ -19,18 +19,13 @@ Status BasisView::open(Environment& env, Problem& problem) {
   EngineControl control(env, problem, CalledFrom::simplex);
   live_ = &live_simplex(env, problem, control, nullptr);
   install_basis(problem, *live_);
-  core_ = &live_->solver.core();
+  const simplex::Solver& solver = live_->solver;
+  core_ = &solver.core();
   problem_ = &problem;
-  core_->use_original_bounds();
-  core_->use_original_costs();
-  core_->repairs = 0;
   // A repaired basis is another one than the caller asked about.
-  const bool regular = live_->solver.ensure_factor() && core_->repairs == 0;
-  if (regular) core_->compute_primal();
+  const bool regular = live_->solver.factor_basis();
   live_->solver.detach();
   if (!regular) return Status(TVK_ERROR_BASIS_SINGULAR);
-  position_.assign(static_cast<size_t>(core_->total), -1);
-  for (int p = 0; p < core_->m; ++p) position_[core_->head[p]] = p;
   work_.resize(core_->m);
   live_->start_is_mine = true;
   guard.arrived();
@@ -64,7 +59,7 @@ void BasisView::solve(const std::vector<double>& v, std::vector<double>& out) {
   for (int i = 0; i < core_->m; ++i) work_.array[i] = v[i] * live_->solver.row_scale(i);
   work_.count = -1;
   work_.reindex();
-  core_->factor.ftran(work_, 1.0);
+  live_->solver.ftran(work_);
   out.resize(static_cast<size_t>(core_->m));
   for (int p = 0; p < core_->m; ++p) out[p] = work_.array[p] * scale(core_->head[p]);
   work_.count = -1;
@@ -75,7 +70,7 @@ void BasisView::solve_transposed(const std::vector<double>& v, std::vector<doubl
   for (int p = 0; p < core_->m; ++p) work_.array[p] = v[p] * scale(core_->head[p]);
   work_.count = -1;
   work_.reindex();
-  core_->factor.btran(work_, 1.0);
+  live_->solver.btran(work_);
   out.resize(static_cast<size_t>(core_->m));
   for (int i = 0; i < core_->m; ++i) out[i] = work_.array[i] * live_->solver.row_scale(i);
   work_.count = -1;

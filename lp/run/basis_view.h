@@ -25,7 +25,9 @@ class BasisView {
   int columns() const { return core_->n; }
   /* Variable of position p as users write it: column j, or -i-1 for the slack of row i. */
   int head(int p) const;
-  int position(int variable) const { return position_[variable]; }  // n + i for slacks; -1 when nonbasic
+  int position(int variable) const {
+    return core_->nonbasic[variable] ? -1 : core_->position[variable];
+  }                           // n + i for slacks; -1 when nonbasic
   double value(int p) const;  // of a basic variable; slack of a row as rhs - ax
   /* out = row p of B^-1 (size m, by row). */
   void inverse_row(int p, std::vector<double>& out);
@@ -40,13 +42,12 @@ class BasisView {
   double scale(int variable) const;
   simplex::Solver& solver() { return live_->solver; }
   simplex::Relaxation& engine() { return live_->solver; }
-  simplex::Core& core() { return *core_; }
+  const simplex::Core& core() const { return *core_; }
 
  private:
   LiveSimplex* live_ = nullptr;
-  simplex::Core* core_ = nullptr;
+  const simplex::Core* core_ = nullptr;
   const Problem* problem_ = nullptr;
-  std::vector<int> position_;
   SparseVector work_;
 };
 

@@ -108,7 +108,7 @@ class PresolvedRun {
     } else {
       solver.extract();
     }
-    beginning_.counters = solver.core().counters;
+    beginning_.counters = solver.counters();
     answer_ = solver.release_answer();
     return outcome;
   }
@@ -137,7 +137,7 @@ class PresolvedRun {
     EngineControl control(env_, problem_, CalledFrom::simplex);
     simplex::Solver solver(form.lp, options_, control, nullptr);
     const Outcome outcome = solver.solve(algorithm_.method == Method::dual ? Method::primal : Method::dual);
-    beginning_.counters = solver.core().counters;
+    beginning_.counters = solver.counters();
     Answer dual = solver.release_answer();
     answer_ = Answer{};
     answer_.method = algorithm_.method;

@@ -139,6 +139,11 @@ class Relaxation : public Solver {
   /* False, and nothing has happened, when rows or columns have come or gone since. No refactorization. */
   bool restore(const Checkpoint& checkpoint);
 
+  /* The logicals of these rows enter, these fixed columns leave where a fair pivot allows it. False when the basis
+   * became singular. */
+  bool pivot_rows_in(std::span<const int> rows);
+  bool pivot_columns_out(std::span<const int> columns);
+
   // ---- as a Solver ----
   Outcome solve(Method method);
   bool edit(ModelEdit change);
@@ -165,6 +170,8 @@ class Relaxation : public Solver {
   void pivot_out(int column);
   bool pivot_for(const ModelEdit& change);
   void replace(int entering, int position, double step, int leaving_move);
+  bool change_basis_only(int entering, int position);
+  void start_requested_pivots();
   void load_column(int variable);
   void resize_work();
   std::vector<double> weights_of(const Matrix& rows);

@@ -43,6 +43,8 @@ class Reoptimization {
     in_step_ = false;
   }
   bool holds() const { return state_ != State::unknown; }
+  /* It holds, and nothing has changed since the last refresh. */
+  bool is_at_rest() const { return holds() && touched_.empty(); }
   /* The core's x and d have followed all changes since the optimum, whatever the last refresh() found. Until
    * forget(). */
   bool in_step() const { return in_step_; }

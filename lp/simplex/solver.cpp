@@ -223,6 +223,18 @@ bool Solver::ensure_factor() {
   return true;
 }
 
+bool Solver::factor_basis() {
+  if (reoptimization_.is_at_rest() && core_->has_factor) return true;
+  reoptimization_.forget();
+  core_->ensure_rows();
+  core_->use_original_bounds();
+  core_->use_original_costs();
+  core_->repairs = 0;
+  if (!ensure_factor() || core_->repairs > 0) return false;
+  core_->compute_primal();
+  return true;
+}
+
 void Solver::prepare() {
   core_->options = options_;
   core_->primal_tolerance = options_.primal_tolerance * kInnerShare;

@@ -69,18 +69,14 @@ class Solver {
   void renew_row(int i) { reoptimization_.renew_row(i); }
   void renew_answer() { answer_is_new_ = true; }
 
-  /* Whoever may move the core takes it as it is: the next solve looks at everything again. */
-  Core& core() {
-    reoptimization_.forget();
-    core_->ensure_rows();
-    return *core_;
-  }
+  /* The state, to be looked at. */
   const Core& core() const { return *core_; }
-  Dual& dual() {
-    reoptimization_.forget();
-    core_->ensure_rows();
-    return the_dual();
-  }
+  /* Factors the basis at hand as it is and computes its values by the model's own bounds and costs. False when it is
+   * singular: it may then have been repaired to another one. */
+  bool factor_basis();
+  /* Solves with the factored basis, in scaled space: B v and B' v. */
+  void ftran(SparseVector& v) const { core_->factor.ftran(v, 1.0); }
+  void btran(SparseVector& v) const { core_->factor.btran(v, 1.0); }
   /* Where has_dual_norms(). */
   const std::vector<double>& dual_norms() const {
     return dual_ != nullptr ? dual_->norms().view() : carried_norms_;
