@@ -1,4 +1,4 @@
-/* A basis by variable: the one form in which engines, presolve and search pass it on.
+/* A basis by variable, with its weights: the form in which a search stores it and passes it on.
  *
  * A row's status is that of its activity: lower means that the activity stands at the row's lower bound.
  * Weights are the dual steepest-edge weights of the basic variables by variable, columns first, in the

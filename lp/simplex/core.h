@@ -101,8 +101,8 @@ struct SimplexVectors {
   double threshold;                         // Markowitz threshold in force
   bool costs_perturbed = false, costs_shifted = false, bounds_perturbed = false;
   bool scaled = false;  // the model was scaled
-  std::vector<int>
-      shifted;            // variables whose cost was shifted since the costs were the model's, maybe repeated
+  /* Variables whose cost was shifted since the costs were the model's; one may stand here more than once. */
+  std::vector<int> shifted;
   int free_nonbasic = 0;  // by working bounds; as counted by count_free() and kept since
   int repairs = 0;        // singularity repairs in this solve
   Density row_ep_density, row_ap_density, column_density, dse_density, flip_density;

@@ -23,9 +23,10 @@ struct Options {
   int refactor_limit = 0;          // updates between factorizations; 0 = by work
   int singular_limit = 10;
   std::int64_t iteration_limit = 2100000000;
-  double objective_lower = -1e75;  // stop when the objective being minimized falls below (primal)
-  double objective_upper =
-      1e75;  // stop when the dual objective rises above (dual); both for the minimization form
+  /* Of the minimization form: the primal stops when the objective falls below, the dual when its own rises
+   * above. */
+  double objective_lower = -1e75;
+  double objective_upper = 1e75;
   Pricing dual_pricing = Pricing::automatic;
   Pricing primal_pricing = Pricing::automatic;
   int price_candidates = 0;     // partial pricing block; 0 = automatic
