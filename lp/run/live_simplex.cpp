@@ -15,7 +15,7 @@ namespace {
 /* Bounds, right-hand sides and costs that differ from the engine's copy. */
 class Follower {
  public:
-  Follower(const model::Model& model, simplex::Solver& solver)
+  Follower(const model::Model& model, simplex::Relaxation& solver)
       : model_(model), solver_(solver), sign_(model.objective_sense()) {}
 
   void column(int j) {
@@ -38,7 +38,7 @@ class Follower {
 
  private:
   const model::Model& model_;
-  simplex::Solver& solver_;
+  simplex::Relaxation& solver_;
   double sign_;
 };
 

@@ -45,6 +45,13 @@ void Relaxation::changed() {
   primal_made_ = duals_made_ = farkas_made_ = false;
 }
 
+/* The state is no longer one to go on from. */
+void Relaxation::leave() {
+  near_ = false;
+  changed();
+  pending_.clear();
+}
+
 void Relaxation::note(int variable) {
   changed();
   if (near_) pending_.note(variable);
@@ -142,6 +149,7 @@ void Relaxation::recompute() {
 
 /* A state to work on without pivots: in step with all changes. False when the basis is singular. */
 bool Relaxation::ready() {
+  reoptimization_.forget();  // only one of the two follows changes
   if (near_) {
     follow_changes();
     return true;
@@ -240,6 +248,7 @@ Outcome Relaxation::resolve_anew(const Limits& limits) {
 Outcome Relaxation::resolve(Control& control, const Limits& limits, Detail detail) {
   set_control(control, core_->observer);
   changed();
+  reoptimization_.forget();
   answer_.withdraw();
   crossed_ = false;
   const std::int64_t before = core_->counters.iterations;

@@ -124,7 +124,9 @@ class Relaxation : public Solver {
 
   // ---- basis ----
   Basis basis();
-  using Solver::set_basis;
+  void set_basis(const std::vector<BasisStatus>& columns, const std::vector<BasisStatus>& rows);
+  void forget_basis();
+  void set_options(const Options& options);
   void set_basis(const Basis& basis);
   /* Basic variables by position: column j, or n + i for the logical of row i. */
   std::span<const int> basis_head() const { return core_->head; }
@@ -151,6 +153,7 @@ class Relaxation : public Solver {
  private:
   Relaxation(const Relaxation& other);
   void changed();
+  void leave();
   void note(int variable);
   bool follow_changes();
   bool resolve_near(const Limits& limits, Outcome& outcome);

@@ -174,11 +174,23 @@ Basis Relaxation::basis() {
   return basis;
 }
 
+void Relaxation::set_basis(const std::vector<BasisStatus>& columns, const std::vector<BasisStatus>& rows) {
+  leave();
+  Solver::set_basis(columns, rows);
+}
+
+void Relaxation::forget_basis() {
+  leave();
+  Solver::forget_basis();
+}
+
+void Relaxation::set_options(const Options& options) {
+  leave();  // tolerances may be others
+  Solver::set_options(options);
+}
+
 void Relaxation::set_basis(const Basis& basis) {
-  near_ = false;
-  changed();
-  pending_.clear();
-  Solver::set_basis(basis.columns, basis.rows);
+  set_basis(basis.columns, basis.rows);
   if (basis.dual_weights.size() != static_cast<size_t>(core_->total)) return;
   std::vector<double> weights(static_cast<size_t>(core_->m));
   for (int p = 0; p < core_->m; ++p) weights[p] = basis.dual_weights[core_->head[p]];
