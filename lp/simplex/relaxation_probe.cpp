@@ -13,13 +13,15 @@ namespace tovik::lp::simplex {
 BranchBound Relaxation::probe(Control& control, int column, double bound, Side side, const Limits& limits) {
   set_control(control, core_->observer);
   BranchBound result;
-  if (!ready() || !wrong_.view().empty()) return result;
+  if (!ready()) return result;
   if (!crossing_.empty()) return {Outcome::infeasible, kInf, 0};
   Core& core = *core_;
   BoundChange branch{column, user_.lp.lower[column], user_.lp.upper[column]};
   if (side == Side::down) branch.upper = std::min(branch.upper, bound);
   if (side == Side::up) branch.lower = std::max(branch.lower, bound);
   if (branch.lower > branch.upper) return {Outcome::infeasible, kInf, 0};
+  // An optimum within the user's tolerance may not be one within the engine's: a resolve mends that first.
+  if (!wrong_.view().empty()) return probe_by_checkpoint(control, branch, limits);
   result = {Outcome::optimal, objective_, 0};
   const double scale = column_scale(column);
   if (core.nonbasic[column]) {
