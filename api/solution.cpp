@@ -3,7 +3,9 @@
 
 #include "env/entry.h"
 #include "env/solution_access.h"
+#include "lp/run/statistics.h"
 #include "model/routines/check.h"
+#include "model/routines/query.h"
 
 using namespace tovik;
 
@@ -61,6 +63,16 @@ int solution_type(const Problem& problem) {
 }
 
 }  // namespace
+
+int TVKgetstatistics(ConstEnvHandle env, ConstProbHandle lp, char* buffer, int space, int* surplus_p) {
+  if (surplus_p != nullptr) *surplus_p = 0;
+  return with_problem(env, lp, [&](Environment&, Problem& problem) -> Status {
+    update_solution(problem);
+    const lp::run::OptimizationStatistics* statistics = lp::run::kept_statistics(problem);
+    if (problem.solution == nullptr || statistics == nullptr) return TVK_ERROR_NO_SOLUTION;
+    return model::get_text(lp::run::json_text(*statistics).c_str(), buffer, space, surplus_p);
+  });
+}
 
 int TVKgetstat(ConstEnvHandle env, ConstProbHandle lp) {
   int stat = 0;

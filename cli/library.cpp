@@ -80,6 +80,16 @@ void Model::relax() {
   environment_.check(TVKchgprobtype(environment_.handle(), handle_, relaxed));
 }
 
+std::string Model::statistics() const {
+  int surplus = 0;
+  const int asked = TVKgetstatistics(environment_.handle(), handle_, nullptr, 0, &surplus);
+  if (asked != TVK_ERROR_ARRAY_TOO_SHORT) return "";
+  std::string text(static_cast<std::size_t>(-surplus), '\0');
+  environment_.check(TVKgetstatistics(environment_.handle(), handle_, text.data(), -surplus, &surplus));
+  text.pop_back();  // the terminating zero
+  return text;
+}
+
 std::vector<std::string> Model::names(NameQuery query, const char* word, int begin, int end) const {
   std::vector<std::string> result;
   if (begin > end) return result;

@@ -54,6 +54,9 @@ class Model {
   /* Becomes its continuous relaxation; what is quadratic stays so. */
   void relax();
 
+  /* What the last optimization has counted: JSON. Empty before the first one. */
+  std::string statistics() const;
+
   /* A range query over all rows or all columns. */
   template <class Value, class Query>
   std::vector<Value> all(Query query, int count) const {

@@ -53,10 +53,11 @@ class Run {
       console_.print(closing_block(model, outcome));
       const bool asked = options_.print_values || (model.columns() <= kFewColumns && !options_.quiet);
       if (outcome.feasible && asked) console_.print(value_table(model, outcome, options_.print_values));
+      if (!outcome.statistics.empty() && !options_.json) console_.print(statistics_block(outcome));
     };
     const Outcome outcome = solve_file({environment_, console_, signals_, options_}, file, show);
     set_current("");
-    if (options_.json) std::fputs(json_line(outcome).c_str(), stdout);
+    if (options_.json) std::fputs(json_line(outcome, options_.statistics).c_str(), stdout);
     return options_.exit_zero ? with_exit_zero(outcome.exit_status) : outcome.exit_status;
   }
 
@@ -73,7 +74,7 @@ class Run {
       outcome.file = current_;
       outcome.error = "interrupted";
       outcome.peak_memory_mb = peak_memory_mb();
-      if (options_.json) std::fputs(json_line(outcome).c_str(), stdout);
+      if (options_.json) std::fputs(json_line(outcome, options_.statistics).c_str(), stdout);
       std::fprintf(stderr, "%s: interrupted, no solution\n", current_.c_str());
     }
     std::fflush(stdout);

@@ -136,6 +136,8 @@ void describe_solve(CLI::App& app, Options& options) {
   app.add_option("--log", options.log_file, "Write the log to this file as well")->type_name("FILE");
   app.add_flag("--json", options.json,
                "One JSON object a model on standard output; the log goes to standard error");
+  app.add_flag("--statistics", options.statistics,
+               "Print what the optimization has counted as a JSON object; with --json its member statistics");
   app.add_flag("--exit-zero", options.exit_zero,
                "Exit with 0 for every answer about a model: statuses 1 and 3 to 6");
   app.set_version_flag("--version", [&options] {

@@ -33,6 +33,7 @@ struct Options {
   bool quiet = false;
   bool print_values = false;
   bool json = false;
+  bool statistics = false;  // what the optimization has counted
   bool exit_zero = false;
   int pick = 1;                     // of `verify`: which solution of the file, from 1
   bool zeros = false;               // columns without a value are 0

@@ -77,8 +77,9 @@ struct Problem {
   std::unique_ptr<Derived> simplex;  // live basis and factor between optimizations
   Journal journal;                   // of changes that the simplex engine has yet to follow
   std::unique_ptr<Derived> presolve;
-  bool presolve_up_to_date = false;    // it applied the change that is just being made
-  std::vector<int> protected_columns;  // that presolve must keep: ascending, each once
+  bool presolve_up_to_date = false;     // it applied the change that is just being made
+  std::vector<int> protected_columns;   // that presolve must keep: ascending, each once
+  std::unique_ptr<Derived> statistics;  // counters of the last optimization
   std::unique_ptr<Derived> mip;
   std::unique_ptr<Problem> working;  // nested problem solved in this one's place
   std::unique_ptr<Problem> derived;  // second nested problem

@@ -639,6 +639,36 @@ TVK_API int TVKgetcrosspexchcnt(ConstEnvHandle env, ConstProbHandle lp);
 TVK_API int TVKgetcrossdpushcnt(ConstEnvHandle env, ConstProbHandle lp);
 TVK_API int TVKgetcrossdexchcnt(ConstEnvHandle env, ConstProbHandle lp);
 
+/* What the last optimization has counted, as the text of one JSON object on one line, terminating zero included; `space`
+ * and `*surplus_p` as in TVKgetprobname. Versions to come may add members. All numbers are whole but for densities and fill.
+ *
+ * presolve  null where it did not run, else: rounds, aggregator_rounds; reductions, an object with a count for each rule;
+ *           rows_eliminated and columns_eliminated, and substitutions, which take a row and a column each beside them;
+ *           bounds_improved, coefficients_modified; before and after, each with rows, columns and nonzeros; dual_form, true
+ *           where the dual of what was left was solved
+ * simplex   iterations (TVKgetitcnt), which are those of dual, primal and sifting; dual and primal, each with
+ *           phase1_iterations, phase2_iterations, bound_flips (the dual's within its iterations, the primal's are
+ *           iterations), perturbations, restores (of costs or bounds that were perturbed or shifted), weight_resets, and of the
+ *           dual rows_scanned and rows_rejected while it chose the leaving row; sifting, with rounds and iterations; shifts of
+ *           single costs and bounds; factorizations: all, by reason (start no factor at hand, growth updates have made it
+ *           long, update one was refused, pivot one was small or inaccurate, check of a claim or of values, accuracy once
+ *           more with larger pivots), singular_bases and columns_replaced in them; densities, running averages of the shares
+ *           of nonzeros in ftran, btran, row (of the tableau), dse (for weights) and flips
+ * factor    of the last factorization basis_nonzeros, l_nonzeros, u_nonzeros (without diagonals), fill (entries of the factor
+ *           by entries of the basis, null without a factor) and kernel (the order of what singletons leave); of all of them
+ *           builds, updates, refused_updates; triangles solved with only where there are values (sparse_sweeps), as a whole
+ *           (plain_sweeps) or in one way after the other (switched_sweeps), and joint_solves, vectors solved for several at once
+ * ticks     deterministic work by kind: presolve, sifting, factor_builds, factor_solves, factor_updates, and simplex, all the
+ *           rest. Sifting's working problems are counted under sifting alone
+ *
+ * Errors: 1217 before the first optimization; 1207 space too small; 1004.
+ *
+ *     int surplus;
+ *     TVKgetstatistics(env, lp, NULL, 0, &surplus);
+ *     char *text = malloc(-surplus);
+ *     TVKgetstatistics(env, lp, text, -surplus, &surplus); */
+TVK_API int TVKgetstatistics(ConstEnvHandle env, ConstProbHandle lp, char *buffer, int space, int *surplus_p);
+
 /* ==== Section: parameters ==== */
 
 /* Parameter numbers. Numbers of parameters and codes of errors are two different things that share digits. */

@@ -102,7 +102,11 @@ std::string value_table(const Model& model, const Outcome& outcome, bool with_ro
   return table;
 }
 
-std::string json_line(const Outcome& outcome) {
+std::string statistics_block(const Outcome& outcome) {
+  return "\n" + Json::parse(outcome.statistics).dump(2) + "\n";
+}
+
+std::string json_line(const Outcome& outcome, bool with_statistics) {
   const auto& found = outcome.violations;
   Json object;
   object["file"] = outcome.file;
@@ -131,6 +135,8 @@ std::string json_line(const Outcome& outcome) {
   object["solve_seconds"] = number(outcome.solve_seconds);
   object["peak_memory_mb"] = number(std::optional(outcome.peak_memory_mb));
   object["error"] = text(outcome.error);
+  if (with_statistics)
+    object["statistics"] = outcome.statistics.empty() ? Json(nullptr) : Json::parse(outcome.statistics);
   return object.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
 }
 

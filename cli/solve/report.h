@@ -14,7 +14,9 @@ std::string size_line(const Outcome& outcome);
 std::string closing_block(const Model& model, const Outcome& outcome);
 /* Columns with value and reduced cost; rows with activity and dual value when `with_rows`. */
 std::string value_table(const Model& model, const Outcome& outcome, bool with_rows);
+/* outcome.statistics for people to read: still one JSON object, over many lines. */
+std::string statistics_block(const Outcome& outcome);
 /* One object on one line; a value that does not exist, or is no finite number, is null. */
-std::string json_line(const Outcome& outcome);
+std::string json_line(const Outcome& outcome, bool with_statistics);
 
 }  // namespace tovik::cli

@@ -140,6 +140,7 @@ Outcome solve_file(const SolveContext& context, const std::string& file,
     stage = Stage::solving;
     optimize(context, *model, outcome);
     collect(context, *model, outcome);
+    if (context.options.statistics) outcome.statistics = model->statistics();
     write_what_was_found(context, *model, outcome);
     outcome.peak_memory_mb = peak_memory_mb();
     show(*model, outcome);

@@ -69,6 +69,7 @@ struct Factor::Impl {
   std::vector<int> head;
   std::int64_t overhead = 0;
   std::int64_t build_work = 0, update_work = 0;  // ticks
+  std::int64_t builds = 0, updates = 0, refused_updates = 0;
   std::int64_t extra_work_at_build = 0;
   RebuildRule rule;
   RebuildRule rule_at_record;
@@ -94,8 +95,11 @@ int Factor::Impl::build(std::vector<int>& basis) {
   extra_work_at_build = solver.counts().extra_work;
   rule = {builder.work(), lu.l_columns.used + lu.u_columns.used, 0.0, false};
   build_work += builder.work();
+  ++builds;
   stats.bump = builder.bump();
   stats.basis_nonzeros = builder.basis_nonzeros();
+  stats.l_nonzeros = lu.l_columns.used;
+  stats.u_nonzeros = lu.u_columns.used;
   stats.factor_nonzeros = rule.fresh_entries + rows;
   return deficiency;
 }
@@ -210,7 +214,9 @@ void Factor::btran(SparseVector& v, double expected_density) {
 }
 
 bool Factor::update(const SparseVector& column, const SparseVector& row, int r) {
-  return impl_->update(column, row, r);
+  const bool done = impl_->update(column, row, r);
+  ++(done ? impl_->updates : impl_->refused_updates);
+  return done;
 }
 
 int Factor::updates() const {
@@ -263,6 +269,35 @@ void Factor::undo_updates() {
 
 const Stats& Factor::stats() const {
   return impl_->stats;
+}
+
+Counts Factor::counts() const {
+  const SolveCounts& solves = impl_->solver.counts();
+  Counts counts;
+  counts.builds = impl_->builds;
+  counts.updates = impl_->updates;
+  counts.refused_updates = impl_->refused_updates;
+  counts.sparse_sweeps = solves.sparse_sweeps;
+  counts.plain_sweeps = solves.plain_sweeps;
+  counts.switched_sweeps = solves.switched_sweeps;
+  counts.joint_solves = solves.joint_solves;
+  counts.build_ticks = impl_->build_work;
+  counts.solve_ticks = solves.work;
+  counts.update_ticks = impl_->update_work;
+  return counts;
+}
+
+void Counts::add(const Counts& other, std::int64_t sign) {
+  builds += sign * other.builds;
+  updates += sign * other.updates;
+  refused_updates += sign * other.refused_updates;
+  sparse_sweeps += sign * other.sparse_sweeps;
+  plain_sweeps += sign * other.plain_sweeps;
+  switched_sweeps += sign * other.switched_sweeps;
+  joint_solves += sign * other.joint_solves;
+  build_ticks += sign * other.build_ticks;
+  solve_ticks += sign * other.solve_ticks;
+  update_ticks += sign * other.update_ticks;
 }
 
 void Factor::force_mode(SolveMode mode) {

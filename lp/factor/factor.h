@@ -35,7 +35,22 @@ struct Exchange {
 /* Of the last build. */
 struct Stats {
   int bump = 0;  // order of the Markowitz kernel
-  std::int64_t basis_nonzeros = 0, factor_nonzeros = 0;
+  std::int64_t basis_nonzeros = 0;
+  std::int64_t l_nonzeros = 0, u_nonzeros = 0;  // off the diagonal; with the diagonal of U: all of the factor
+  std::int64_t factor_nonzeros = 0;
+};
+
+/* Since the factor was made. A solve is two sweeps, one through each triangle, counted by how they ran; solves of
+ * several vectors in one pass are counted apart, by vector. */
+struct Counts {
+  std::int64_t builds = 0, updates = 0, refused_updates = 0;
+  std::int64_t sparse_sweeps = 0, plain_sweeps = 0,
+               switched_sweeps = 0;  // switched: from sparse to plain half-way
+  std::int64_t joint_solves = 0;
+  std::int64_t build_ticks = 0, solve_ticks = 0, update_ticks = 0;
+
+  /* Adds `sign` times each count of the other. */
+  void add(const Counts& other, std::int64_t sign = 1);
 };
 
 /* How triangular solves run: chosen by density, or always one way (for tests). */
@@ -99,6 +114,7 @@ class Factor {
   std::int64_t work_of_build() const;  // ticks of the last build
   bool wants_rebuild() const;          // update file or memory has grown past what pays
   const Stats& stats() const;
+  Counts counts() const;
 
  private:
   struct Impl;

@@ -149,6 +149,7 @@ void JointSolver::solve(std::span<SparseVector* const> vectors, SolveCounts& cou
   const std::int64_t eta_entries = lu_.etas.file.used + lu_.updates;
   counts.work += lanes * (touched + eta_entries + lu_.rows);
   counts.extra_work += lanes * eta_entries;
+  counts.joint_solves += lanes;
 }
 
 void JointSolver::ftran(std::span<SparseVector* const> vectors, SolveCounts& counts) {

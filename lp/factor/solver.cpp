@@ -75,6 +75,7 @@ void Solver::sweep(const Lines& lines, int first, int end, bool plain) {
     }
   }
   constexpr int step = kUp ? 1 : -1;
+  const bool started_plain = plain;
   int slot = kUp ? first : end - 1;
   if (!plain) {
     const double share = forced_ == SolveMode::sparse ? 1.0 : kPlainSwitch;
@@ -127,6 +128,7 @@ void Solver::sweep(const Lines& lines, int first, int end, bool plain) {
   }
   work_.count = found;
   counts_.work += touched + 2 * visited;
+  ++(started_plain ? counts_.plain_sweeps : plain ? counts_.switched_sweeps : counts_.sparse_sweeps);
 }
 
 void Solver::load(SparseVector& v, const std::vector<int>& slot_of) {

@@ -20,6 +20,7 @@ namespace tovik::lp::factor {
 struct SolveCounts {
   std::int64_t work = 0;        // entries and slots touched
   std::int64_t extra_work = 0;  // share of it caused by updates since the build
+  std::int64_t sparse_sweeps = 0, plain_sweeps = 0, switched_sweeps = 0, joint_solves = 0;  // as in Counts
 };
 
 class Solver {

@@ -60,6 +60,7 @@ Reduction presolve(const LpData& original, const Settings& settings, Control& co
   for (int j = 0; j < ws.num_columns(); ++j) result.column_removal.push_back(ws.column_removal(j));
   result.stack = std::move(ws.stack);
   result.counts = ws.counts;
+  result.counts.ticks = ws.work();
   result.status = std::move(ws.status);
   result.stop = ws.stop;
   return result;

@@ -86,6 +86,7 @@ void run_rounds(Workspace& ws) {
   int rounds_left = ws.settings.aggregator < 0 ? most : ws.settings.aggregator;
   for (int round = 0; round < most && !ws.done() && ws.work() <= budget; ++round) {
     const std::int64_t before = size_of(ws);
+    ++ws.counts.rounds;
     sweep(ws);
     if (rounds_left > 0) {
       --rounds_left;

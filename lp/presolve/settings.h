@@ -30,6 +30,8 @@ struct Counts {
   int substitutions = 0;  // of the aggregator: a row and a column each
   int bounds_improved = 0;
   int aggregator_rounds = 0;
+  int rounds = 0;  // of the outer loop
+  std::int64_t ticks = 0;
   std::array<std::int64_t, kRules> hits{};
 };
 

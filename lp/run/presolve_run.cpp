@@ -43,15 +43,17 @@ class PresolvedRun {
         problem_(problem),
         algorithm_(algorithm),
         options_(options_of(env, algorithm)),
+        statistics_(statistics_of(problem)),
         record_(kept_record(problem)) {}
 
   Status run() {
     if (record_ == nullptr && !make_record()) return solve_original();
     const presolve::Reduction& reduction = record_->reduction;
+    beginning_.before.presolve = statistics_of(*record_);
     if (record_->conclusion == Conclusion::infeasible) return publish_infeasible();
     if (!reduction.changed && reduction.stop == Stop::none) {
       own_record_.reset();
-      return run_simplex(env_, problem_, algorithm_);
+      return run_simplex(env_, problem_, algorithm_, beginning_);
     }
     const Outcome outcome = solve_reduced();
     switch (outcome) {
@@ -108,7 +110,7 @@ class PresolvedRun {
     } else {
       solver.extract();
     }
-    beginning_.counters = solver.counters();
+    beginning_.before.simplex = solver.statistics();
     answer_ = solver.release_answer();
     return outcome;
   }
@@ -137,7 +139,8 @@ class PresolvedRun {
     EngineControl control(env_, problem_, CalledFrom::simplex);
     simplex::Solver solver(form.lp, options_, control, nullptr);
     const Outcome outcome = solver.solve(algorithm_.method == Method::dual ? Method::primal : Method::dual);
-    beginning_.counters = solver.counters();
+    beginning_.before.simplex = solver.statistics();
+    beginning_.before.presolve->dual_form = true;
     Answer dual = solver.release_answer();
     answer_ = Answer{};
     answer_.method = algorithm_.method;
@@ -204,8 +207,9 @@ class PresolvedRun {
   /* The answer stands; the problem's own engine is made when something asks for it. */
   Status finish(int status) {
     leave_engine();
-    publish(problem_, std::move(answer_), beginning_.counters);
+    publish(problem_, std::move(answer_), beginning_.before.simplex.counters);
     problem_.status = status;
+    statistics_ = beginning_.before;
     return {};
   }
 
@@ -231,8 +235,7 @@ class PresolvedRun {
   Status go_on(Method method) {
     leave_engine();
     own_record_.reset();
-    const simplex::Counters counters = beginning_.counters;
-    publish(problem_, std::move(answer_), counters);
+    publish(problem_, std::move(answer_), beginning_.before.simplex.counters);
     beginning_.from_start = true;
     return run_simplex(env_, problem_, {method, algorithm_.sift}, beginning_);
   }
@@ -255,6 +258,7 @@ class PresolvedRun {
   Problem& problem_;
   const Algorithm algorithm_;
   const simplex::Options options_;
+  OptimizationStatistics& statistics_;  // the problem's, stored when all is done
   Beginning beginning_;
   std::unique_ptr<Presolved> own_record_;
   Presolved* record_;  // the one that the problem keeps, or own_record_

@@ -114,7 +114,7 @@ void write_summary(const Answer& answer, const simplex::Counters& counters, doub
   solution.primal_feasible = answer.primal_feasible;
   solution.dual_feasible = answer.dual_feasible;
   solution.iterations = static_cast<int>(counters.iterations);
-  solution.phase1_iterations = static_cast<int>(counters.phase1_iterations);
+  solution.phase1_iterations = static_cast<int>(counters.phase1_iterations());
   solution.factorizations = static_cast<int>(counters.factorizations);
   solution.farkas_gap = answer.farkas_gap;
 }
@@ -200,6 +200,7 @@ void set_objective_limits(const Environment& env, const Problem& problem, simple
 Status run_simplex(Environment& env, Problem& problem, const Algorithm& algorithm,
                    const Beginning& beginning) {
   if (const Status finite = check_data(env, problem); !finite.ok()) return finite;
+  OptimizationStatistics& statistics = statistics_of(problem);
   EngineGuard guard(problem);
   EngineControl control(env, problem, CalledFrom::simplex);
   IterationLog log(env, problem, env.settings.integer(TVK_PARAM_SIMDISPLAY));
@@ -213,10 +214,12 @@ Status run_simplex(Environment& env, Problem& problem, const Algorithm& algorith
   live.start_is_mine = false;  // until this run has ended in order
   live.data_checked = true;
   set_objective_limits(env, problem, live.solver);
-  live.solver.set_counters(beginning.counters);
+  live.solver.set_counters(beginning.before.simplex.counters);
   if (env.callbacks.lp != nullptr) live.solver.invalidate();  // it is called by the algorithms
   const Outcome outcome = live.solver.solve(algorithm.method);
   live.solver.detach();
+  statistics = {beginning.before.presolve, live.solver.statistics()};
+  statistics.simplex.work.add(beginning.before.simplex.work);
   if (outcome == Outcome::singular) return Status(TVK_ERROR_BASIS_SINGULAR);
   const int status = status_code(outcome, live.solver.answer().unscaled_infeasible);
   publish(problem, live.solver);

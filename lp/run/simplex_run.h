@@ -2,6 +2,7 @@
 #pragma once
 
 #include "env/problem.h"
+#include "lp/run/statistics.h"
 #include "lp/simplex/solver.h"
 
 namespace tovik::lp::run {
@@ -17,8 +18,8 @@ simplex::Options options_of(const Environment& env, const Algorithm& algorithm);
 
 /* Where a run begins. */
 struct Beginning {
-  bool from_start = false;     // at the problem's starting basis, whatever TVK_PARAM_ADVIND says
-  simplex::Counters counters;  // what was done before in the same optimization
+  bool from_start = false;        // at the problem's starting basis, whatever TVK_PARAM_ADVIND says
+  OptimizationStatistics before;  // what was done before in the same optimization
 };
 
 /* Runs dual or primal simplex; leaves status, solution arrays and starting basis in the problem. */

@@ -193,6 +193,7 @@ void Core::use_original_bounds() {
 }
 
 void Core::use_original_costs() {
+  if (costs_perturbed || costs_shifted) ++counters.dual.restores;
   work_cost = cost;
   costs_perturbed = false;
   costs_shifted = false;
@@ -226,9 +227,9 @@ void Core::change_basis(int q, int p, int leaving_move) {
   x_upper[p] = work_upper[q];
 }
 
-FactorState Core::refactor() {
+FactorState Core::refactor(FactorReason reason) {
   const double before = threshold;
-  const FactorState state = factor_basis();
+  const FactorState state = factor_basis(reason);
   if (threshold > before + kRememberedRaise && counters.iterations > 0 && observer != nullptr) {
     char line[64];
     std::snprintf(line, sizeof line, "Markowitz threshold set to %g\n", threshold);
@@ -237,16 +238,18 @@ FactorState Core::refactor() {
   return state;
 }
 
-FactorState Core::factor_basis() {
+FactorState Core::factor_basis(FactorReason reason) {
   factor::Settings settings;
   settings.threshold = threshold;
   factor.set(settings);
   int deficiency = 0;
   for (;;) {
     ++counters.factorizations;
+    ++counters.factorizations_by_reason[static_cast<size_t>(reason)];
     deficiency = factor.build(head);
     // An inaccurate factor of a regular basis is made again with a stricter threshold.
     if (deficiency > 0 || threshold >= kStrictThreshold || factor.residual_check() <= kAccurate) break;
+    reason = FactorReason::accuracy;
     threshold = raised(threshold);
     settings.threshold = threshold;
     factor.set(settings);
@@ -254,6 +257,8 @@ FactorState Core::factor_basis() {
   has_factor = true;
   find_positions();
   if (deficiency == 0) return FactorState::good;
+  ++counters.singular_bases;
+  counters.columns_replaced += deficiency;
   if (repairs >= options.singular_limit) return FactorState::singular;
   ++repairs;
   threshold = raised(threshold);

@@ -155,7 +155,7 @@ class Core : public SimplexVectors {
   // ---- factor ----
   /* Factors head. Singular bases are mended with logicals (the removed variables become nonbasic) while
    * allowed. */
-  FactorState refactor();
+  FactorState refactor(FactorReason reason = FactorReason::start);
   void ftran(SparseVector& v, Density& density);
   struct Solve {
     SparseVector* vector;
@@ -209,7 +209,7 @@ class Core : public SimplexVectors {
  private:
   Matrix& own_matrix();  // to be edited: not shared with anybody
   void price(const SparseVector& rho, bool list_always, SparseVector& alpha);
-  FactorState factor_basis();
+  FactorState factor_basis(FactorReason reason);
   SparseVector buffer_;  // m: rebuild solves
   std::int64_t reported_work_ = 0;
 };

@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 #include <cstdio>
+#include <utility>
 
 #include "lp/simplex/perturb.h"
 
@@ -99,6 +100,7 @@ Outcome Dual::solve(const Settings& settings, std::int64_t iteration_budget) {
   iteration_end_ = core_.counters.iterations + iteration_budget;
   near_ = false;
   rejections_ = 0;
+  factor_reason_ = FactorReason::check;
   phase1_ = false;
   pricing_rule_.resize(core_.m);
   core_.use_original_bounds();
@@ -201,7 +203,7 @@ Dual::PhaseEnd Dual::run_phase() {
 bool Dual::rebuild(bool refactor) {
   if (refactor) {
     norms_.save(core_);
-    const FactorState state = core_.refactor();
+    const FactorState state = core_.refactor(std::exchange(factor_reason_, FactorReason::check));
     if (state == FactorState::singular) return false;
     norms_.restore(core_);
   }
@@ -295,6 +297,7 @@ int Dual::choose_row() {
     const double high = core_.x_upper[p];
     delta_ = core_.x[p] < low ? core_.x[p] - low : core_.x[p] - high;
     if (stands) return p;
+    ++core_.counters.rows_rejected;
   }
 }
 
@@ -305,7 +308,8 @@ Dual::Step Dual::iterate() {
   if (!price_and_choose(pick)) {
     if (near_ && prove_infeasible()) return Step::no_entering;
     if (!fresh_) {
-      wanted_ = core_.factor.updates() > 0 ? Rebuild::refactor : Rebuild::recompute;
+      wanted_ = Rebuild::recompute;
+      if (core_.factor.updates() > 0) want_factor(FactorReason::check);
       return Step::moved;
     }
     if (phase1_) {  // cannot happen but for rounding: every column is boxed
@@ -325,7 +329,7 @@ Dual::Step Dual::iterate() {
     return Step::moved;
   }
   if (core_.factor.updates() > 0 && std::fabs(pick.alpha) < kSmallPivot * ratio_test_.largest_alpha()) {
-    wanted_ = Rebuild::refactor;
+    want_factor(FactorReason::pivot);
     return Step::numerical;
   }
   solve_columns(pick.variable);
@@ -335,7 +339,7 @@ Dual::Step Dual::iterate() {
   drift_ = std::max(drift_, gap / size);
   if (core_.factor.updates() > 0 ? gap > kPivotMismatch * size : gap > kFreshMismatch * size) {
     if (core_.factor.updates() == 0) pricing_rule_.ban(p);
-    wanted_ = Rebuild::refactor;
+    want_factor(FactorReason::pivot);
     return Step::numerical;
   }
   apply(p, pick);
@@ -374,6 +378,7 @@ void Dual::solve_columns(int entering) {
 
 /* Moves the flipped variables to their other bounds. */
 void Dual::flip() {
+  core_.counters.dual.bound_flips += static_cast<std::int64_t>(ratio_test_.flips().size());
   for (int j : ratio_test_.flips()) {
     objective_ += core_.d[j] * core_.move[j] * (core_.work_upper[j] - core_.work_lower[j]);
     core_.move[j] = static_cast<signed char>(-core_.move[j]);
@@ -403,7 +408,7 @@ void Dual::apply(int p, const DualRatioTest::Pick& pick) {
   const double pivot = alpha_column_.array[p];
   const double step = delta_ / pivot;
   const double entering_value = core_.value[q] + step;
-  rule_->update({p, alpha_column_, tau_}, norms_);
+  if (rule_->update({p, alpha_column_, tau_}, norms_)) ++core_.counters.dual.weight_resets;
   update_values(p, step);
   core_.change_basis(q, p, leaving_move);
   core_.x[p] = entering_value;
@@ -412,15 +417,16 @@ void Dual::apply(int p, const DualRatioTest::Pick& pick) {
       norms_.view()[p]);
   if (!core_.factor.update(alpha_column_, rho_, p)) {
     core_.has_factor = false;
-    wanted_ = Rebuild::refactor;
+    want_factor(FactorReason::update);
   }
   // On trial the factor lasts as long as it takes updates at all.
   const int limit = core_.options.refactor_limit;
-  if (!undo_.active() && (core_.factor.wants_rebuild() || (limit > 0 && core_.factor.updates() >= limit)))
-    wanted_ = Rebuild::refactor;
+  if (core_.has_factor && !undo_.active() &&
+      (core_.factor.wants_rebuild() || (limit > 0 && core_.factor.updates() >= limit)))
+    want_factor(FactorReason::growth);
   fresh_ = false;
   ++core_.counters.iterations;
-  if (phase1_) ++core_.counters.phase1_iterations;
+  ++(phase1_ ? core_.counters.dual.phase1 : core_.counters.dual.phase2);
   if (core_.d[out] * core_.move[out] < -core_.dual_tolerance &&
       core_.work_lower[out] != core_.work_upper[out]) {
     shift(out);

@@ -69,6 +69,10 @@ class Dual {
 
   PhaseEnd run_phase();
   bool rebuild(bool refactor);  // false: give up (singular beyond repair)
+  void want_factor(FactorReason reason) {
+    wanted_ = Rebuild::refactor;
+    factor_reason_ = reason;
+  }
   Step iterate();
   int choose_row();
   bool price_and_choose(DualRatioTest::Pick& pick);
@@ -107,7 +111,8 @@ class Dual {
   double objective_ = 0;
   bool phase1_ = false;
   Rebuild wanted_ = Rebuild::none;
-  bool fresh_ = false;  // nothing has changed since the last rebuild
+  FactorReason factor_reason_ = FactorReason::check;  // of the next factorization
+  bool fresh_ = false;                                // nothing has changed since the last rebuild
   Outcome stop_ = Outcome::numerical_failure;
   std::int64_t iteration_end_ = 0;
   int free_infeasible_ = 0;  // dual infeasibilities that neither flip nor shift may mend

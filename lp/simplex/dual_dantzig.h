@@ -8,7 +8,7 @@ namespace tovik::lp::simplex {
 class DualDantzig : public DualRule {
  public:
   const char* name() const override { return nullptr; }
-  void update(const DualPivot& /*pivot*/, DualWeights& /*weights*/) const override {}
+  bool update(const DualPivot& /*pivot*/, DualWeights& /*weights*/) const override { return false; }
 };
 
 }  // namespace tovik::lp::simplex

@@ -4,7 +4,7 @@
 
 namespace tovik::lp::simplex {
 
-void DualDevex::update(const DualPivot& pivot, DualWeights& weights) const {
+bool DualDevex::update(const DualPivot& pivot, DualWeights& weights) const {
   const int p = pivot.position;
   const SparseVector& column = pivot.column;
   double* const weight = weights.data();
@@ -22,7 +22,9 @@ void DualDevex::update(const DualPivot& pivot, DualWeights& weights) const {
     }
   }
   weight[p] = std::max(1.0, pivot_weight * inverse * inverse);
-  if (weight[p] > kReset) weights.reset(weights.size());
+  if (weight[p] <= kReset) return false;
+  weights.reset(weights.size());
+  return true;
 }
 
 }  // namespace tovik::lp::simplex

@@ -39,6 +39,7 @@ Outcome Dual::reoptimize(std::int64_t iterations, double objective) {
   perturb_scale_ = 1;
   fresh_ = false;
   wanted_ = Rebuild::none;
+  factor_reason_ = FactorReason::check;
   last_progress_iteration_ = core_.counters.iterations;
   last_progress_objective_ = -kInf;
   for (;;) {
@@ -53,7 +54,8 @@ Outcome Dual::reoptimize(std::int64_t iterations, double objective) {
     if (step == Step::no_leaving && pricing_rule_.banned_count() == 0) {
       if (drift_ <= kTrusted || fresh_ || undo_.active()) return Outcome::optimal;
       step = Step::moved;  // look again at recomputed values
-      wanted_ = core_.factor.updates() > 0 ? Rebuild::refactor : Rebuild::recompute;
+      wanted_ = Rebuild::recompute;
+      if (core_.factor.updates() > 0) want_factor(FactorReason::check);
     }
     if (undo_.active() || !resume(step)) return Outcome::numerical_failure;
   }

@@ -21,6 +21,7 @@ void compute_norms(Core& core, DualWeights& weights, SparseVector& work) {
 
 void DualSteepestEdge::start(Core& core, bool carried, DualWeights& weights, SparseVector& work) const {
   if (carried && weights.fits(core.m)) return;
+  ++core.counters.dual.weight_resets;
   const bool logical = std::all_of(core.head.begin(), core.head.end(), [&](int j) { return j >= core.n; });
   if (logical || start_ == Start::unit) {
     weights.reset(core.m);
@@ -36,7 +37,7 @@ bool DualSteepestEdge::accept(int p, const SparseVector& rho, DualWeights& weigh
   return stored >= kAccept * norm2;
 }
 
-void DualSteepestEdge::update(const DualPivot& pivot, DualWeights& weights) const {
+bool DualSteepestEdge::update(const DualPivot& pivot, DualWeights& weights) const {
   const int p = pivot.position;
   const SparseVector& column = pivot.column;
   const double* const alpha = column.array.data();
@@ -56,6 +57,7 @@ void DualSteepestEdge::update(const DualPivot& pivot, DualWeights& weights) cons
     for (int i = 0; i < size; ++i) step(i);  // a zero leaves the weight as it is
   }
   weight[p] = std::max(kFloor, pivot_weight * inverse * inverse);
+  return false;
 }
 
 }  // namespace tovik::lp::simplex

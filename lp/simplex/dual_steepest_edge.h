@@ -21,7 +21,7 @@ class DualSteepestEdge : public DualRule {
   bool needs_tau() const override { return true; }
   void start(Core& core, bool carried, DualWeights& weights, SparseVector& work) const override;
   bool accept(int p, const SparseVector& rho, DualWeights& weights) const override;
-  void update(const DualPivot& pivot, DualWeights& weights) const override;
+  bool update(const DualPivot& pivot, DualWeights& weights) const override;
 
  private:
   Start start_;

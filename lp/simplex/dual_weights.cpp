@@ -21,6 +21,7 @@ void DualWeights::restore(const Core& core) {
 
 void DualRule::start(Core& core, bool /*carried*/, DualWeights& weights, SparseVector& /*work*/) const {
   weights.reset(core.m);
+  ++core.counters.dual.weight_resets;
 }
 
 bool DualRule::accept(int /*p*/, const SparseVector& /*rho*/, DualWeights& /*weights*/) const {

@@ -53,7 +53,8 @@ class DualRule {
   virtual void start(Core& core, bool carried, DualWeights& weights, SparseVector& work) const;
   /* The row of the inverse is known for position p: may the choice by the stored weight stand? */
   virtual bool accept(int p, const SparseVector& rho, DualWeights& weights) const;
-  virtual void update(const DualPivot& pivot, DualWeights& weights) const = 0;
+  /* True: the weights have grown out of use and begin anew. */
+  virtual bool update(const DualPivot& pivot, DualWeights& weights) const = 0;
 };
 
 const DualRule& dual_rule(Pricing pricing);

@@ -54,6 +54,7 @@ void perturb_costs(Core& core, double scale) {
   }
   for (int j = core.n; j < core.total; ++j) core.work_cost[j] += (0.5 - core.random_value[j]) * kLogical;
   core.costs_perturbed = true;
+  ++core.counters.dual.perturbations;
 }
 
 void shift_cost(Core& core, int j) {

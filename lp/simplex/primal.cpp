@@ -35,6 +35,7 @@ Primal::Primal(Core& core) : core_(core) {
 Outcome Primal::solve(std::int64_t iteration_budget) {
   iteration_end_ = core_.counters.iterations + iteration_budget;
   rejections_ = 0;
+  factor_reason_ = FactorReason::check;
   restores_ = 0;
   degeneracy_ = 0;
   degenerate_total_ = 0;
@@ -113,7 +114,7 @@ bool Primal::settle_optimum(Outcome& outcome) {
     if (end_tightening()) return false;
     accept_small_ = rejections_ > 0;
     core_.raise_threshold();
-    wanted_ = Rebuild::refactor;
+    want_factor(FactorReason::check);
     outcome = Outcome::numerical_failure;
     return ++rejections_ > 5;
   }
@@ -172,7 +173,7 @@ Outcome Primal::finish(Outcome outcome) {
   partial_.finish(core_);
   if (outcome == Outcome::singular) return outcome;
   const bool refactor = wanted_ == Rebuild::refactor || !core_.has_factor;
-  if (refactor && core_.refactor() == FactorState::singular) return Outcome::singular;
+  if (refactor && factor() == FactorState::singular) return Outcome::singular;
   if (bounds_.changed() || refactor || wanted_ == Rebuild::recompute) {
     bounds_.restore(core_);
     core_.compute_primal();
@@ -193,7 +194,7 @@ bool Primal::rebuild() {
   bool refactor = wanted_ == Rebuild::refactor || !core_.has_factor;
   for (;;) {
     if (refactor) {
-      const FactorState state = core_.refactor();
+      const FactorState state = factor();
       if (state == FactorState::singular) return false;
       if (state == FactorState::repaired) pricing_.reset(core_);
     }

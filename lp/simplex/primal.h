@@ -18,6 +18,7 @@
 #pragma once
 
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 #include "lp/simplex/core.h"
@@ -50,6 +51,11 @@ class Primal {
 
   Outcome run();
   bool rebuild();  // false: singular beyond repair
+  void want_factor(FactorReason reason) {
+    wanted_ = Rebuild::refactor;
+    factor_reason_ = reason;
+  }
+  FactorState factor() { return core_.refactor(std::exchange(factor_reason_, FactorReason::check)); }
   void choose_phase();
   void set_phase1_costs();
   Step iterate();
@@ -91,8 +97,9 @@ class Primal {
   bool costs_are_phase1_ = false;
   int infeasible_ = 0;  // basics with a violation
   Rebuild wanted_ = Rebuild::none;
-  bool fresh_ = false;         // nothing has moved since the last rebuild
-  bool accept_small_ = false;  // only distrusted pivots are left
+  FactorReason factor_reason_ = FactorReason::check;  // of the next factorization
+  bool fresh_ = false;                                // nothing has moved since the last rebuild
+  bool accept_small_ = false;                         // only distrusted pivots are left
   Outcome stop_ = Outcome::numerical_failure;
   double objective_ = 0;
   double optimality_tolerance_ = 0;  // tolerance of improving reduced costs in force

@@ -8,6 +8,7 @@ namespace tovik::lp::simplex {
 void PrimalBounds::perturb(Core& core, double scale) {
   scale_ = scale;
   core.bounds_perturbed = true;
+  ++core.counters.primal.perturbations;
   for (int p = 0; p < core.m; ++p) {
     const int j = core.head[p];
     widen(core, j);
@@ -51,6 +52,7 @@ void PrimalBounds::shift_to_value(Core& core, int p, int leaving_move) {
 }
 
 void PrimalBounds::restore(Core& core) {
+  if (changed()) ++core.counters.primal.restores;
   scale_ = 0;
   shifted_ = false;
   core.bounds_perturbed = false;

@@ -51,7 +51,8 @@ void PrimalPricing::start(Core& core, bool partial) {
     compute_norms(core);
 }
 
-void PrimalPricing::reset(const Core& core) {
+void PrimalPricing::reset(Core& core) {
+  ++core.counters.primal.weight_resets;
   weight_.assign(static_cast<size_t>(core.total), 1.0);
   reference_.assign(core.nonbasic.begin(), core.nonbasic.end());
   bad_weights_ = 0;

@@ -53,14 +53,14 @@ class PrimalPricing {
     return automatic_ && kind_ == Kind::steepest_edge &&
            static_cast<double>(edge_work_) > kCostly * static_cast<double>(all_work);
   }
-  void switch_to_devex(const Core& core) {
+  void switch_to_devex(Core& core) {
     kind_ = Kind::devex;
     reset(core);
   }
   /* Adds work done for steepest edge only. */
   void charge_edges(std::int64_t ticks) { edge_work_ += ticks; }
   /* Unit weights; for devex with the present nonbasics as reference framework. */
-  void reset(const Core& core);
+  void reset(Core& core);
 
   /* Takes the score anew from d. The tolerance is that of dual_infeasibility. */
   void refresh(const Core& core, double tolerance);

@@ -35,7 +35,7 @@ Primal::Step Primal::iterate() {
       apply(pick);
       return Step::moved;
     case Trust::refactor:
-      wanted_ = Rebuild::refactor;
+      want_factor(FactorReason::pivot);
       return Step::numerical;
     case Trust::aside:
       reject_pivot(q);
@@ -86,7 +86,8 @@ bool Primal::choose_column() {
 /* Nothing limits the entering variable: a ray in the second phase, rounding in the first. */
 Primal::Step Primal::blocked_by_nothing() {
   if (!fresh_) {
-    wanted_ = core_.factor.updates() > 0 ? Rebuild::refactor : Rebuild::recompute;
+    wanted_ = Rebuild::recompute;
+    if (core_.factor.updates() > 0) want_factor(FactorReason::check);
     return Step::moved;
   }
   if (!phase1_) {
@@ -101,7 +102,7 @@ Primal::Step Primal::blocked_by_nothing() {
     if (prove_unbounded()) return Step::unbounded;
   }
   if (core_.factor.updates() > 0) {
-    wanted_ = Rebuild::refactor;
+    want_factor(FactorReason::check);
     return Step::numerical;
   }
   reject_pivot(entering_);
@@ -149,6 +150,7 @@ void Primal::flip(double step) {
   const int q = entering_;
   const bool to_upper = direction_ > 0;
   const double gain = std::fabs(core_.d[q]) * step;
+  ++core_.counters.primal.bound_flips;
   update_values(step, -1);
   core_.move[q] = to_upper ? -1 : 1;
   core_.value[q] = to_upper ? core_.work_upper[q] : core_.work_lower[q];
@@ -192,12 +194,12 @@ void Primal::apply(PrimalPick pick) {
   update_duals(theta);
   pricing_.touch(core_, q);
   if (!core_.is_fixed(out)) pricing_.touch(core_, out);
-  if (!core_.factor.update(column_, rho_, p)) wanted_ = Rebuild::refactor;
+  const bool updated = core_.factor.update(column_, rho_, p);
+  if (!updated) want_factor(FactorReason::update);
   if (phase1_ && wanted_ != Rebuild::refactor) update_phase1_duals();
-  if (core_.factor.wants_rebuild() ||
-      (core_.options.refactor_limit > 0 && core_.factor.updates() >= core_.options.refactor_limit)) {
-    wanted_ = Rebuild::refactor;
-  }
+  const int limit = core_.options.refactor_limit;
+  if (updated && (core_.factor.wants_rebuild() || (limit > 0 && core_.factor.updates() >= limit)))
+    want_factor(FactorReason::growth);
   accept_small_ = false;
   objective_ -= gain;
   after_step(gain, out, pick.leaving_move < 0);
@@ -264,7 +266,7 @@ void Primal::after_step(double gain, int leaving, bool to_upper) {
   fresh_ = false;
   Counters& counters = core_.counters;
   ++counters.iterations;
-  if (phase1_) ++counters.phase1_iterations;
+  ++(phase1_ ? counters.primal.phase1 : counters.primal.phase2);
   if (core_.observer != nullptr) {
     IterationEvent event;
     event.phase1 = phase1_;

@@ -25,6 +25,27 @@ constexpr int kMostRaises = 6;
 /* Columns by score: the smaller the better. */
 using Ranking = std::vector<std::pair<double, int>>;
 
+/* The caller's control, which also adds up the work. */
+class CountingControl : public Control {
+ public:
+  explicit CountingControl(Control& control) : control_(control) {}
+  std::int64_t ticks() const { return ticks_; }
+  void log(const char* text) override { control_.log(text); }
+  void flush() override { control_.flush(); }
+  void add_work(std::uint64_t ticks) override {
+    ticks_ += static_cast<std::int64_t>(ticks);
+    control_.add_work(ticks);
+  }
+  double seconds() override { return control_.seconds(); }
+  Stop poll() override { return control_.poll(); }
+  Stop poll_clock() override { return control_.poll_clock(); }
+  Stop iteration_callback() override { return control_.iteration_callback(); }
+
+ private:
+  Control& control_;
+  std::int64_t ticks_ = 0;
+};
+
 class WorkingSet {
  public:
   WorkingSet(const LpData& lp, const Options& options, Control& control)
@@ -57,7 +78,7 @@ class WorkingSet {
 
   const LpData& lp_;
   Options options_;
-  Control& control_;
+  CountingControl control_;
   SiftingResult result_;
   std::vector<int> working_;  // columns of the working problem
   std::vector<char> is_working_;
@@ -90,6 +111,7 @@ SiftingResult WorkingSet::run() {
   for (size_t k = 0; k < miss_status_.size(); ++k) {
     if (miss_status_[k] == BasisStatus::basic) result_.row_status[k / 2] = BasisStatus::basic;
   }
+  result_.ticks = control_.ticks();
   return std::move(result_);
 }
 

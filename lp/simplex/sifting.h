@@ -22,6 +22,7 @@ struct SiftingResult {
   std::vector<BasisStatus> column_status, row_status;
   int rounds = 0;
   std::int64_t iterations = 0;  // of the working problems
+  std::int64_t ticks = 0;       // as reported to the control
 };
 
 /* Whether the shape of the problem makes sifting promising. */

@@ -103,6 +103,27 @@ void Solver::set_objective_limits(double lower, double upper) {
   options_.objective_upper = upper;
 }
 
+void Solver::set_counters(const Counters& counters) {
+  core_->counters = counters;
+  work_before_ = work_so_far();
+}
+
+Work Solver::work_so_far() const {
+  return {core_->factor.counts(), core_->work_done, sifting_ticks_};
+}
+
+Statistics Solver::statistics() const {
+  const Core& core = *core_;
+  Statistics found;
+  found.counters = core.counters;
+  found.work = work_so_far();
+  found.work.add(work_before_, -1);
+  found.factor = core.factor.stats();
+  found.densities = {core.column_density.value(), core.row_ep_density.value(), core.row_ap_density.value(),
+                     core.dse_density.value(), core.flip_density.value()};
+  return found;
+}
+
 void Solver::change_offset(double offset) {
   user_.lp.offset = offset;
   core_->offset = offset;
@@ -393,6 +414,9 @@ bool Solver::start_by_sifting() {
   }
   const SiftingResult found = sift(lp, options_, *core_->control);
   core_->counters.iterations += found.iterations;
+  core_->counters.sifting_iterations += found.iterations;
+  core_->counters.sifting_rounds += found.rounds;
+  sifting_ticks_ += found.ticks;
   if (!found.usable) return false;
   set_basis(found.column_status, found.row_status);
   return true;

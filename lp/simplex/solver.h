@@ -23,6 +23,7 @@
 #include "lp/simplex/observer.h"
 #include "lp/simplex/primal.h"
 #include "lp/simplex/reoptimization.h"
+#include "lp/simplex/statistics.h"
 #include "lp/simplex/user_space.h"
 
 namespace tovik::lp::simplex {
@@ -82,7 +83,10 @@ class Solver {
     return dual_ != nullptr ? dual_->norms().view() : carried_norms_;
   }
   const Counters& counters() const { return core_->counters; }
-  void set_counters(const Counters& counters) { core_->counters = counters; }
+  /* From here on counts are of a new optimization, or go on from these. */
+  void set_counters(const Counters& counters);
+  /* Since set_counters(). */
+  Statistics statistics() const;
   void invalidate() { reoptimization_.forget(); }  // the next solve must run its algorithm
 
   const UserSpace& user() const { return user_; }
@@ -125,6 +129,7 @@ class Solver {
   Outcome run(Method method);
   bool already_optimal();
   bool start_by_sifting();
+  Work work_so_far() const;
   void reset_nonbasic_value(int j);
   Outcome run_dual();
   bool run_dual_near(Outcome& outcome);
@@ -149,6 +154,8 @@ class Solver {
   bool values_are_fresh_ = false;  // computed from the model's own bounds and costs, and not moved since
   bool in_step_ = false;           // the start of this solve: values and duals have followed the changes
   bool known_infeasible_ = false;  // the start of this solve, by the look at the changes
+  std::int64_t sifting_ticks_ = 0;
+  Work work_before_;  // until set_counters()
 };
 
 }  // namespace tovik::lp::simplex

@@ -94,6 +94,21 @@ TEST_F(Program, JsonHoldsExactlyThePromisedKeys) {
   EXPECT_TRUE(contains(result.err, "Status")) << "the log and the block go to standard error";
 }
 
+TEST_F(Program, StatisticsComeWhenAskedFor) {
+  write("model.lp", kOptimal);
+  write("bad.lp", kMalformed);
+  const Result silent = run({"model.lp"}), asked = run({"model.lp", "--statistics", "-q"});
+  EXPECT_FALSE(contains(silent.out + silent.err, "factorizations"));
+  ASSERT_EQ(asked.exit, 0) << asked.err;
+  const Json alone = Json::parse(asked.out.substr(asked.out.find("\n{") + 1));
+  const Json object = run({"model.lp", "--statistics", "--json", "-q"}).json();
+  EXPECT_EQ(object["statistics"], alone);
+  EXPECT_EQ(object["statistics"]["simplex"]["iterations"], object["simplex_iterations"]);
+  const Result bad = run({"bad.lp", "--statistics", "--json", "-q"});
+  EXPECT_TRUE(bad.json()["statistics"].is_null());
+  EXPECT_FALSE(contains(run({"bad.lp", "--statistics", "-q"}).out, "{"));
+}
+
 TEST_F(Program, SeveralModelsGiveAnObjectEachAndTheLargestStatus) {
   write("good.lp", kOptimal);
   write("none.lp", kInfeasible);

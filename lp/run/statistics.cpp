@@ -1,0 +1,209 @@
+#include "lp/run/statistics.h"
+
+#include <array>
+#include <charconv>
+#include <memory>
+#include <utility>
+
+namespace tovik::lp::run {
+namespace {
+
+/* Objects in objects, members in the order of the calls. Names are our own and need no escapes. */
+class JsonWriter {
+ public:
+  /* A member whose own members `fill` writes. */
+  template <class Fill>
+  void object(const char* name, Fill fill) {
+    key(name);
+    open();
+    fill();
+    close();
+  }
+  void count(const char* name, std::int64_t value) {
+    key(name);
+    text_ += std::to_string(value);
+  }
+  void flag(const char* name, bool value) {
+    key(name);
+    text_ += value ? "true" : "false";
+  }
+  void null(const char* name) {
+    key(name);
+    text_ += "null";
+  }
+  /* Four digits tell all that there is in an average. */
+  void ratio(const char* name, double value) {
+    key(name);
+    std::array<char, 32> digits;
+    const auto end =
+        std::to_chars(digits.data(), digits.data() + digits.size(), value, std::chars_format::general, 4);
+    text_.append(digits.data(), end.ptr);
+  }
+  void open() {
+    text_ += '{';
+    first_ = true;
+  }
+  void close() {
+    text_ += '}';
+    first_ = false;
+  }
+  std::string release() { return std::move(text_); }
+
+ private:
+  void key(const char* name) {
+    if (!first_) text_ += ',';
+    first_ = false;
+    text_ += '"';
+    text_ += name;
+    text_ += "\":";
+  }
+  std::string text_;
+  bool first_ = true;
+};
+
+void write_size(JsonWriter& out, const char* name, const ModelSize& size) {
+  out.object(name, [&] {
+    out.count("rows", size.rows);
+    out.count("columns", size.columns);
+    out.count("nonzeros", size.nonzeros);
+  });
+}
+
+void write_presolve(JsonWriter& out, const PresolveStatistics& presolve) {
+  const presolve::Counts& counts = presolve.counts;
+  out.object("presolve", [&] {
+    out.count("rounds", counts.rounds);
+    out.count("aggregator_rounds", counts.aggregator_rounds);
+    out.object("reductions", [&] {
+      for (const presolve::RuleTraits& rule : presolve::kRuleTable)
+        out.count(rule.name, counts.hits[static_cast<std::size_t>(rule.rule)]);
+    });
+    out.count("rows_eliminated", counts.rows_eliminated);
+    out.count("columns_eliminated", counts.columns_eliminated);
+    out.count("substitutions", counts.substitutions);
+    out.count("bounds_improved", counts.bounds_improved);
+    out.count("coefficients_modified", counts.coefficients_modified);
+    write_size(out, "before", presolve.before);
+    write_size(out, "after", presolve.after);
+    out.flag("dual_form", presolve.dual_form);
+  });
+}
+
+void write_algorithm(JsonWriter& out, const simplex::AlgorithmCounters& counters) {
+  out.count("phase1_iterations", counters.phase1);
+  out.count("phase2_iterations", counters.phase2);
+  out.count("bound_flips", counters.bound_flips);
+  out.count("perturbations", counters.perturbations);
+  out.count("restores", counters.restores);
+  out.count("weight_resets", counters.weight_resets);
+}
+
+void write_factorizations(JsonWriter& out, const simplex::Counters& counters) {
+  constexpr std::array<const char*, simplex::kFactorReasons> kReasons = {"start", "growth", "update",
+                                                                         "pivot", "check",  "accuracy"};
+  out.object("factorizations", [&] {
+    out.count("all", counters.factorizations);
+    for (std::size_t k = 0; k < kReasons.size(); ++k)
+      out.count(kReasons[k], counters.factorizations_by_reason[k]);
+    out.count("singular_bases", counters.singular_bases);
+    out.count("columns_replaced", counters.columns_replaced);
+  });
+}
+
+void write_simplex(JsonWriter& out, const simplex::Statistics& simplex) {
+  const simplex::Counters& counters = simplex.counters;
+  out.object("simplex", [&] {
+    out.count("iterations", counters.iterations);
+    out.object("dual", [&] {
+      write_algorithm(out, counters.dual);
+      out.count("rows_scanned", counters.rows_scanned);
+      out.count("rows_rejected", counters.rows_rejected);
+    });
+    out.object("primal", [&] { write_algorithm(out, counters.primal); });
+    out.object("sifting", [&] {
+      out.count("rounds", counters.sifting_rounds);
+      out.count("iterations", counters.sifting_iterations);
+    });
+    out.count("shifts", counters.shifts);
+    write_factorizations(out, counters);
+    out.object("densities", [&] {
+      out.ratio("ftran", simplex.densities.ftran);
+      out.ratio("btran", simplex.densities.btran);
+      out.ratio("row", simplex.densities.row);
+      out.ratio("dse", simplex.densities.dse);
+      out.ratio("flips", simplex.densities.flips);
+    });
+  });
+}
+
+void write_factor(JsonWriter& out, const simplex::Statistics& simplex) {
+  const factor::Stats& last = simplex.factor;
+  const factor::Counts& counts = simplex.work.factor;
+  out.object("factor", [&] {
+    out.count("basis_nonzeros", last.basis_nonzeros);
+    out.count("l_nonzeros", last.l_nonzeros);
+    out.count("u_nonzeros", last.u_nonzeros);
+    if (last.basis_nonzeros > 0) {
+      out.ratio("fill", static_cast<double>(last.factor_nonzeros) / static_cast<double>(last.basis_nonzeros));
+    } else {
+      out.null("fill");
+    }
+    out.count("kernel", last.bump);
+    out.count("builds", counts.builds);
+    out.count("updates", counts.updates);
+    out.count("refused_updates", counts.refused_updates);
+    out.count("sparse_sweeps", counts.sparse_sweeps);
+    out.count("plain_sweeps", counts.plain_sweeps);
+    out.count("switched_sweeps", counts.switched_sweeps);
+    out.count("joint_solves", counts.joint_solves);
+  });
+}
+
+void write_ticks(JsonWriter& out, const OptimizationStatistics& statistics) {
+  const simplex::Work& work = statistics.simplex.work;
+  const std::int64_t presolve = statistics.presolve ? statistics.presolve->counts.ticks : 0;
+  out.object("ticks", [&] {
+    out.count("presolve", presolve);
+    out.count("sifting", work.sifting_ticks);
+    out.count("factor_builds", work.factor.build_ticks);
+    out.count("factor_solves", work.factor.solve_ticks);
+    out.count("factor_updates", work.factor.update_ticks);
+    out.count("simplex", work.other_ticks);
+  });
+}
+
+}  // namespace
+
+OptimizationStatistics& statistics_of(Problem& problem) {
+  if (problem.statistics == nullptr) problem.statistics = std::make_unique<KeptStatistics>();
+  return static_cast<KeptStatistics*>(problem.statistics.get())->value;
+}
+
+const OptimizationStatistics* kept_statistics(const Problem& problem) {
+  if (problem.statistics == nullptr) return nullptr;
+  return &static_cast<const KeptStatistics*>(problem.statistics.get())->value;
+}
+
+PresolveStatistics statistics_of(const Presolved& record) {
+  const auto size = [](const LpData& lp) {
+    return ModelSize{lp.num_rows(), lp.num_columns(), static_cast<std::int64_t>(lp.matrix.index.size())};
+  };
+  return {record.reduction.counts, size(record.original), size(record.reduction.lp)};
+}
+
+std::string json_text(const OptimizationStatistics& statistics) {
+  JsonWriter out;
+  out.open();
+  if (statistics.presolve) {
+    write_presolve(out, *statistics.presolve);
+  } else {
+    out.null("presolve");
+  }
+  write_simplex(out, statistics.simplex);
+  write_factor(out, statistics.simplex);
+  write_ticks(out, statistics);
+  out.close();
+  return out.release();
+}
+
+}  // namespace tovik::lp::run

@@ -1,0 +1,49 @@
+/* What the last optimization of a problem has counted, and the one place that turns it into text.
+ * Engines count into plain structs of their own (presolve::Counts, simplex::Statistics, factor::Counts) and know no
+ * format; a new engine adds its struct here and a member in statistics.cpp.
+ * - Order: statistics_of() before the optimization begins to change the problem, because it may need memory; the
+ *   counts are stored when it ends.
+ * - Cost: a copy of some fifty numbers an optimization; the text is made when it is asked for. */
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "env/problem.h"
+#include "lp/presolve_record/presolved.h"
+#include "lp/simplex/statistics.h"
+
+namespace tovik::lp::run {
+
+struct ModelSize {
+  std::int64_t rows = 0, columns = 0, nonzeros = 0;
+};
+
+struct PresolveStatistics {
+  presolve::Counts counts;
+  ModelSize before, after;
+  bool dual_form = false;  // the dual of what was left was solved in its place
+};
+
+struct OptimizationStatistics {
+  std::optional<PresolveStatistics> presolve;  // where it ran, or had run before
+  simplex::Statistics simplex;
+};
+
+/* As it hangs on a problem. */
+struct KeptStatistics : Derived {
+  OptimizationStatistics value;
+};
+
+/* The problem's, made when there are none. */
+OptimizationStatistics& statistics_of(Problem& problem);
+/* ... or null. */
+const OptimizationStatistics* kept_statistics(const Problem& problem);
+
+PresolveStatistics statistics_of(const Presolved& record);
+
+/* One JSON object on one line; TVKgetstatistics in tovik.h has its members. */
+std::string json_text(const OptimizationStatistics& statistics);
+
+}  // namespace tovik::lp::run
