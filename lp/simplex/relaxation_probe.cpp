@@ -66,11 +66,13 @@ BranchBound Relaxation::probe_by_checkpoint(Control& control, const BoundChange&
   const std::shared_ptr<const Checkpoint> saved = save();
   if (saved == nullptr) return {};
   const Counters counters = core_->counters;
+  // With a reduced cost of the wrong sign the present objective bounds nothing.
+  const double parent = wrong_.view().empty() ? saved->objective : -kInf;
   BranchBound result;
   change_bounds(branch.column, branch.lower, branch.upper);
   result.outcome = resolve(control, limits, Detail::objective);
   result.iterations = iterations_;
-  result.bound = result.outcome == Outcome::infeasible ? kInf : std::max(saved->objective, safe_bound());
+  result.bound = result.outcome == Outcome::infeasible ? kInf : std::max(parent, safe_bound());
   restore(*saved);
   core_->counters = counters;
   return result;
