@@ -14,7 +14,6 @@
 #include "env/channel.h"
 #include "env/error.h"
 #include "env/limits.h"
-#include "env/random.h"
 #include "env/registry.h"
 #include "env/settings.h"
 #include "include/tovik.h"
@@ -60,7 +59,6 @@ struct Environment {
   std::vector<std::unique_ptr<NetworkProblem>> networks;
   std::vector<std::unique_ptr<Environment>> children;
   Environment* parent = nullptr;
-  Random random;
   int thread_number = 0;  // of a child: 1 and up
   int in_callback = 0;    // an informational callback is running
   int size_limits[3] = {2100000000, 2100000000, 2100000000};

@@ -22,7 +22,6 @@ int free_thread_number(const Environment& parent) {
 Status open_environment(std::unique_ptr<Environment>& opened) {
   auto env = std::make_unique<Environment>();
   if (Status status = install(*env); !status.ok()) return status;
-  env->random.seed(1);
   env->ready = true;
   opened = std::move(env);
   return 0;
@@ -38,7 +37,6 @@ Status open_child(Environment& parent, Environment*& opened) {
   child->binding_handle = parent.binding_handle;
   child->parent = &parent;
   child->thread_number = free_thread_number(parent);
-  child->random.seed(static_cast<std::uint64_t>(parent.settings.integer(kRandomSeed)));
   /* The child counts for itself, from where the parent stands, so that tick deadlines compare and no two
    * threads write one counter. */
   child->own_work = *parent.work;

@@ -23,7 +23,7 @@ inline constexpr int kEcho = 1075;
 /* int, default 0: either one positive runs a model check after a successful read. */
 inline constexpr int kReadCheckFirst = 1088;
 inline constexpr int kReadCheckSecond = 1108;
-/* int, default 201004084: copied into the random state when set or reset. */
+/* int, default 201004084: where the engines' random numbers begin. */
 inline constexpr int kRandomSeed = 1124;
 /* double >= 0, default 1e75: work ticks that one optimization may use. */
 inline constexpr int kTickLimit = 1127;

@@ -34,12 +34,10 @@ struct Entry {
   constexpr bool registered() const { return type != Type::none; }
 };
 
-/* Sets every parameter of a new environment to its default; the last step of building its settings. The
- * random state stays as it is. */
+/* Sets every parameter of a new environment to its default; the last step of building its settings. */
 Status install(Environment& env);
 
-/* Resets every parameter, hidden ones too, detaches standard output and reseeds the random state. Echoes
- * nothing. */
+/* Resets every parameter, hidden ones too, and detaches standard output. Echoes nothing. */
 void reset(Environment& env);
 
 /* All registered entries in ascending number. */

@@ -8,7 +8,7 @@
 
 namespace tovik::param {
 
-Rollback::Rollback(Environment& env) : env_(env), settings_(env.settings), random_(env.random) {
+Rollback::Rollback(Environment& env) : env_(env), settings_(env.settings) {
   const auto channels = screen_channels(env);
   for (std::size_t k = 0; k < channels.size(); ++k)
     on_screen_[k] = channels[k] != nullptr && channels[k]->has_file(stdout);
@@ -18,7 +18,6 @@ Rollback::Rollback(Environment& env) : env_(env), settings_(env.settings), rando
 Rollback::~Rollback() {
   if (committed_) return;
   env_.settings = std::move(settings_);
-  env_.random = random_;
   const auto channels = screen_channels(env_);
   for (std::size_t k = 0; k < channels.size(); ++k) {
     if (channels[k] == nullptr || channels[k]->has_file(stdout) == on_screen_[k]) continue;

@@ -1,5 +1,5 @@
-/* Takes back changes of parameters: unless commit() is called, the destructor gives the environment the values,
- * the random state and the screen that it had before.
+/* Takes back changes of parameters: unless commit() is called, the destructor gives the environment the values and
+ * the screen that it had before.
  * - Errors: bad_alloc in the constructor only. */
 #pragma once
 
@@ -20,7 +20,6 @@ class Rollback {
  private:
   Environment& env_;
   Settings settings_;
-  Random random_;
   std::array<bool, 3> on_screen_{};
   bool committed_ = false;
 };

@@ -65,10 +65,6 @@ void attach_screen(Environment& env) {
   }
 }
 
-void reseed(Environment& env) {
-  env.random.seed(static_cast<std::uint64_t>(env.settings.integer(kRandomSeed)));
-}
-
 Status check_bounds(const Entry& entry, double value) {
   if (entry.real_minimum == entry.real_maximum) return {};
   if (entry.real_minimum > value) return TVK_ERROR_PARAMETER_TOO_SMALL;
@@ -127,7 +123,6 @@ Status set_integer(Environment& env, int number, int value) {
   if (Status status = check_integer(env, number, value); !status.ok()) return status;
   if (number == TVK_PARAM_SCRIND) value == 0 ? detach_screen(env) : attach_screen(env);
   env.settings.set_integer(number, value);
-  if (number == kRandomSeed) reseed(env);
   if (echoes(env)) message(env.results_channel, "Parameter %d set to %d.\n", number, value);
   return {};
 }
@@ -149,10 +144,8 @@ Status set_text(Environment& env, int number, const char* value) {
 void reset(Environment& env) {
   restore_defaults(env);
   detach_screen(env);
-  reseed(env);
 }
 
-/* A new environment draws from the state that it was born with until a seed is set or everything is reset. */
 Status install(Environment& env) {
   return guarded([&] {
     restore_defaults(env);

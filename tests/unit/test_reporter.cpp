@@ -93,11 +93,5 @@ TEST_F(Reporter, ShortStatusTextsTellApartWhatLongOnesDoNot) {
   EXPECT_STREQ(short_status_text(7), "Unknown stat value");
 }
 
-TEST_F(Reporter, ANewEnvironmentDrawsFromTheStartOfItsStream) {
-  constexpr std::uint64_t kFirst = 0x5851f42d4c957f2du + 0x14057b7ef767814fu;
-  EXPECT_DOUBLE_EQ(env_->random.real(), static_cast<double>((kFirst >> 32) & 0x7fffffff) / 2147483648.0);
-  EXPECT_EQ(env_->random.companion, 1u);
-}
-
 }  // namespace
 }  // namespace tovik
