@@ -43,7 +43,7 @@ struct Start {
   std::vector<int> row_status;
   std::vector<double> primal, row_primal, dual, row_dual;  // optional starting values; empty when absent
   int change_level = 0;  // 2 objective, 3 added columns, 1 other changes; a larger one replaces a smaller
-  const void* live_engine = nullptr;  // updates the statuses in place; null: none
+  const void* live_engine = nullptr;  // stands on these statuses and may update them in place; null: none
   bool balanced = true;  // as many basics as rows; else only optimizers may start from the statuses
   bool has_statuses() const { return !column_status.empty() || !row_status.empty(); }
   bool has_basis() const { return has_statuses() && balanced; }

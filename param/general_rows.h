@@ -123,7 +123,7 @@ inline constexpr auto kGeneral = std::to_array<Entry>({
     unused(integer(NAMED(SIFTITLIM), kUnlimited, 0, kUnlimited, "Largest number of sifting iterations")),
     hidden_integer(1079),
     integer(NAMED(MPSLONGNUM), 1, 0, 1, "Numbers in MPS files: 0 twelve columns, 1 full precision"),
-    unused(integer(NAMED(MEMORYEMPHASIS), 0, 0, 1, "Save memory where there is a choice: 0 no, 1 yes")),
+    integer(NAMED(MEMORYEMPHASIS), 0, 0, 1, "Save memory where there is a choice: 0 no, 1 yes"),
     unused(integer(NAMED(NUMERICALEMPHASIS), 0, 0, 1, "Prefer accuracy to speed: 0 no, 1 yes")),
     unused(
         integer(NAMED(FEASOPTMODE), 0, 0, 5,

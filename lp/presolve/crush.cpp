@@ -42,7 +42,7 @@ void uncrush_form(const Reduction& reduction, LinearForm& form) {
 
 Basis crush_basis(const Reduction& reduction, Basis basis) {
   crush_basis_all(reduction.stack, basis);
-  return {gather(basis.column, reduction.column_map), gather(basis.row, reduction.row_map)};
+  return {gather(basis.columns, reduction.column_map), gather(basis.rows, reduction.row_map), {}};
 }
 
 }  // namespace tovik::lp::presolve

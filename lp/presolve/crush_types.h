@@ -3,8 +3,8 @@
 
 #include <vector>
 
+#include "lp/base/basis.h"
 #include "lp/presolve/compressed_vectors.h"
-#include "lp/simplex/types.h"
 
 namespace tovik::lp::presolve {
 
@@ -12,10 +12,6 @@ namespace tovik::lp::presolve {
 struct LinearForm {
   std::vector<double> coefficients;
   double constant = 0;
-};
-
-struct Basis {
-  std::vector<BasisStatus> column, row;
 };
 
 /* Column s leaves a form by a x_s = beta - rest'x; rest may hold s. */

@@ -140,9 +140,9 @@ bool form_of_doubleton(const Doubleton& record, LinearForm& form) {
 }
 
 void basis_of_doubleton(const Doubleton& record, Basis& basis) {
-  const BasisStatus leaves = basis.column[record.leaves];
-  if (leaves != BasisStatus::basic && basis.column[record.stays] == BasisStatus::basic)
-    basis.column[record.stays] = scaled_status(leaves, (record.a > 0) != (record.b > 0));
+  const BasisStatus leaves = basis.columns[record.leaves];
+  if (leaves != BasisStatus::basic && basis.columns[record.stays] == BasisStatus::basic)
+    basis.columns[record.stays] = scaled_status(leaves, (record.a > 0) != (record.b > 0));
 }
 
 }  // namespace tovik::lp::presolve

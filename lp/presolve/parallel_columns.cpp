@@ -165,7 +165,7 @@ void point_of_parallel_columns(const ParallelColumns& record, std::vector<double
 }
 
 void basis_of_parallel_columns(const ParallelColumns& record, Basis& basis) {
-  if (basis.column[record.gone] == BasisStatus::basic) basis.column[record.kept] = BasisStatus::basic;
+  if (basis.columns[record.gone] == BasisStatus::basic) basis.columns[record.kept] = BasisStatus::basic;
 }
 
 bool form_of_parallel_columns(const ParallelColumns& record, LinearForm& form) {

@@ -165,8 +165,8 @@ void duals_of_parallel_rows(const ParallelRows& record, std::vector<double>& y) 
 }
 
 void basis_of_parallel_rows(const ParallelRows& record, Basis& basis) {
-  if (basis.row[record.kept] == BasisStatus::basic)
-    basis.row[record.kept] = scaled_status(basis.row[record.gone], record.ratio > 0);
+  if (basis.rows[record.kept] == BasisStatus::basic)
+    basis.rows[record.kept] = scaled_status(basis.rows[record.gone], record.ratio > 0);
 }
 
 }  // namespace tovik::lp::presolve

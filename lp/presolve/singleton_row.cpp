@@ -105,9 +105,9 @@ void undo_singleton_row(const SingletonRow& record, Undo& undo) {
 }
 
 void basis_of_singleton_row(const SingletonRow& record, Basis& basis) {
-  const BasisStatus row = basis.row[record.row];
-  if (row != BasisStatus::basic && basis.column[record.column] == BasisStatus::basic)
-    basis.column[record.column] = scaled_status(row, record.entry > 0);
+  const BasisStatus row = basis.rows[record.row];
+  if (row != BasisStatus::basic && basis.columns[record.column] == BasisStatus::basic)
+    basis.columns[record.column] = scaled_status(row, record.entry > 0);
 }
 
 }  // namespace tovik::lp::presolve

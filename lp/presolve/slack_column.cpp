@@ -149,7 +149,7 @@ bool form_of_slack_in_equation(const SlackInEquation& record, LinearForm& form) 
 }
 
 void basis_of_slack_in_equation(const SlackInEquation& record, Basis& basis) {
-  basis.row[record.row] = scaled_status(basis.column[record.column], record.entry < 0);
+  basis.rows[record.row] = scaled_status(basis.columns[record.column], record.entry < 0);
 }
 
 /* With the row between its sides the slack goes to a bound where the row holds, or else takes the row to a
@@ -193,7 +193,7 @@ bool form_of_slack_in_row(const SlackInRow& record, LinearForm& form) {
 }
 
 void basis_of_slack_in_row(const SlackInRow& record, Basis& basis) {
-  if (basis.column[record.column] == BasisStatus::basic) basis.row[record.row] = BasisStatus::basic;
+  if (basis.columns[record.column] == BasisStatus::basic) basis.rows[record.row] = BasisStatus::basic;
 }
 
 }  // namespace tovik::lp::presolve

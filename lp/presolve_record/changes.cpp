@@ -1,6 +1,6 @@
 /* Changes of the model that are applied to a presolve record, so that it need not be made again: what
  * lp/presolve/model_change can apply, in the words of the model. The reduced problem that the user may hold
- * follows. */
+ * and the optimizer that solved it follow. */
 #include <algorithm>
 #include <cmath>
 #include <vector>
@@ -17,6 +17,17 @@ using presolve::NewCost;
 using presolve::NewRange;
 using presolve::reduced_index;
 
+/* For the optimizer that is kept with the record. All of them were kept by presolve. */
+void record_values(Presolved& record, Edit::Dimension dimension, std::span<const int> changed) {
+  if (record.optimizer == nullptr) return;
+  const presolve::Reduction& reduction = record.reduction;
+  const bool rows = dimension == Edit::Dimension::rows;
+  std::vector<int> reduced;
+  for (const int k : changed)
+    reduced.push_back(reduced_index(rows ? reduction.row_map : reduction.column_map, k));
+  record.optimizer_changes.record(Edit::values(dimension, reduced));
+}
+
 bool apply_costs(Presolved& record, const model::Model& model, std::span<const int> columns) {
   const double offset = record.sign * model.objective_offset();
   std::vector<NewCost> costs;
@@ -25,6 +36,7 @@ bool apply_costs(Presolved& record, const model::Model& model, std::span<const i
       !std::all_of(costs.begin(), costs.end(), [](const NewCost& c) { return std::isfinite(c.cost); }) ||
       !presolve::change_costs(record.reduction, record.original, costs, offset))
     return false;
+  record_values(record, Edit::Dimension::columns, columns);
   if (record.reduced == nullptr) return true;
   const LpData& reduced = record.reduction.lp;
   for (const int j : columns) {
@@ -40,6 +52,7 @@ bool apply_bounds(Presolved& record, const model::Model& model, std::span<const 
   for (const int j : columns)
     bounds.push_back({j, stored_lower(model.lower()[j]), stored_upper(model.upper()[j])});
   if (!presolve::change_bounds(record.reduction, record.original, bounds)) return false;
+  record_values(record, Edit::Dimension::columns, columns);
   if (record.reduced == nullptr) return true;
   const LpData& reduced = record.reduction.lp;
   for (const int j : columns) {
@@ -58,6 +71,7 @@ bool apply_sides(Presolved& record, const model::Model& model, std::span<const i
     sides.push_back({i, fresh.lower, fresh.upper});
   }
   if (!presolve::change_sides(record.reduction, record.original, sides)) return false;
+  record_values(record, Edit::Dimension::rows, rows);
   if (record.reduced == nullptr) return true;
   const LpData& reduced = record.reduction.lp;
   for (const NewRange& fresh : sides) {
@@ -67,11 +81,13 @@ bool apply_sides(Presolved& record, const model::Model& model, std::span<const i
   return true;
 }
 
-/* The rows that the model has beyond those of the record. False when one is ranged. */
+/* The rows that the model has beyond those of the record. False when one is ranged or holds what is no number. */
 bool find_new_rows(const Presolved& record, const model::Model& model, presolve::NewRows& added) {
   for (int i = record.original.num_rows(); i < model.num_rows(); ++i) {
     if (model.sense()[i] == 'R') return false;
     const model::RowView row = model.row(i);
+    if (!std::all_of(row.value, row.value + row.count, [](double v) { return std::isfinite(v); }))
+      return false;
     Matrix& rows = added.rows;
     rows.index.insert(rows.index.end(), row.index, row.index + row.count);
     rows.value.insert(rows.value.end(), row.value, row.value + row.count);
@@ -108,6 +124,7 @@ bool take_rows(Presolved& record, const model::Model& model) {
   presolve::NewRows added;
   if (!find_new_rows(record, model, added) || !presolve::add_rows(record.reduction, record.original, added))
     return false;
+  record.optimizer_changes.record(Edit::added(Edit::Dimension::rows, added.rows.columns));
   if (record.reduced != nullptr) add_to_user_problem(record, model, added.rows);
   return true;
 }

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "env/environment.h"
+#include "env/journal.h"
 #include "env/problem.h"
 #include "lp/presolve/presolve.h"
 #include "lp/verify/certificates.h"
@@ -30,6 +31,10 @@ struct Presolved : Derived {
   verify::FarkasProof proof;  // when infeasible
   double seconds = 0;
   std::unique_ptr<Problem> reduced;  // the reduced problem as users see it, made when asked for
+  /* The optimizer that solved the reduced problem last, kept for the next run, and the changes of the reduced
+   * problem that it has yet to follow. */
+  std::unique_ptr<Derived> optimizer;
+  Journal optimizer_changes;
   bool apply_change(const Problem& problem, Change change, std::span<const int> indices) override;
   bool all_removed() const { return reduction.lp.num_columns() == 0 && reduction.lp.num_rows() == 0; }
 };

@@ -6,40 +6,24 @@
 #include "include/tovik.h"
 #include "lp/binding/build_lp.h"
 #include "lp/binding/engine_options.h"
+#include "lp/run/synchronize.h"
 #include "model/store/model.h"
 #include "param/hidden.h"
 
 namespace tovik::lp::run {
 namespace {
 
-/* Bounds, right-hand sides and costs that differ from the engine's copy. */
-class Follower {
- public:
-  Follower(const model::Model& model, simplex::Relaxation& solver)
-      : model_(model), solver_(solver), sign_(model.objective_sense()) {}
-
-  void column(int j) {
-    const LpData& lp = solver_.user_lp();
-    const double low = stored_lower(model_.lower()[j]);
-    const double high = stored_upper(model_.upper()[j]);
-    if (low != lp.lower[j] || high != lp.upper[j]) solver_.change_bounds(j, low, high);
-    const double cost = sign_ * model_.objective()[j];
-    if (cost != lp.cost[j]) solver_.change_cost(j, cost);
-    solver_.renew_column(j);
+/* The stored model in minimization form. */
+struct ModelSource {
+  const model::Model& model;
+  verify::Limits column_bounds(int j) const {
+    return {stored_lower(model.lower()[j]), stored_upper(model.upper()[j])};
   }
-  void row(int i) {
-    const LpData& lp = solver_.user_lp();
-    const verify::Limits b = row_bounds(model_.sense()[i], model_.rhs()[i], model_.range()[i]);
-    if (b.lower != lp.row_lower[i] || b.upper != lp.row_upper[i])
-      solver_.change_row_bounds(i, b.lower, b.upper);
-    solver_.renew_row(i);  // its slack counts from the right-hand side
+  double cost(int j) const { return model.objective_sense() * model.objective()[j]; }
+  verify::Limits row_bounds(int i) const {
+    return run::row_bounds(model.sense()[i], model.rhs()[i], model.range()[i]);
   }
-  void offset() { solver_.change_offset(sign_ * model_.objective_offset()); }
-
- private:
-  const model::Model& model_;
-  simplex::Relaxation& solver_;
-  double sign_;
+  double offset() const { return model.objective_sense() * model.objective_offset(); }
 };
 
 /* The lines that have come, in the engine's form. */
@@ -81,32 +65,21 @@ simplex::ModelEdit edit_of(const Problem& problem) {
 }
 
 /* Rows and columns that have come or gone. False when the engine cannot go on: its basis does not allow it,
- * or so much is new that scale factors and basis deserve a fresh start. */
+ * or most of the model is new. */
 bool follow_structure(Problem& problem, LiveSimplex& live) {
   const Journal& journal = problem.journal;
   if (!journal.structure_changed()) return true;
   if (journal.structure_lost() || !live.start_is_mine || !problem.start.has_statuses()) return false;
-  const auto mostly_new = [](int added, size_t all) { return 2 * static_cast<size_t>(added) > all + 20; };
-  if (mostly_new(journal.rows().added(), problem.rows()) ||
-      mostly_new(journal.columns().added(), problem.columns()))
+  if (mostly_new(journal.rows().added(), problem.model->num_rows()) ||
+      mostly_new(journal.columns().added(), problem.model->num_columns()))
     return false;
   live.norms_are_told = false;
   return live.solver.edit(edit_of(problem));
 }
 
 void follow_values(Problem& problem, LiveSimplex& live) {
-  Follower follow(*problem.model, live.solver);
-  Journal& journal = problem.journal;
-  if (journal.values_lost()) {
-    live.solver.renew_answer();
-    for (int j = 0; j < live.solver.user_lp().num_columns(); ++j) follow.column(j);
-    for (int i = 0; i < live.solver.user_lp().num_rows(); ++i) follow.row(i);
-  } else {
-    for (const int j : journal.columns().touched()) follow.column(j);
-    for (const int i : journal.rows().touched()) follow.row(i);
-  }
-  follow.offset();
-  journal.clear();
+  synchronize_values(ModelSource{*problem.model}, problem.journal, live.solver);
+  problem.journal.clear();
 }
 
 BasisStatus column_at(int status) {
@@ -154,29 +127,29 @@ void install_start(Environment& env, Problem& problem, LiveSimplex& live) {
   install_basis(problem, live);
 }
 
-StartStatuses starting_basis(const Problem& problem) {
+Basis starting_basis(const Problem& problem) {
   const model::Model& model = *problem.model;
   const Start& start = problem.start;
-  StartStatuses basis;
-  basis.column.assign(static_cast<size_t>(model.num_columns()), BasisStatus::lower);
-  basis.row.assign(static_cast<size_t>(model.num_rows()), BasisStatus::basic);
-  for (size_t j = 0; j < basis.column.size() && j < start.column_status.size(); ++j)
-    basis.column[j] = column_at(start.column_status[j]);
-  for (size_t i = 0; i < basis.row.size() && i < start.row_status.size(); ++i) {
+  Basis basis;
+  basis.columns.assign(static_cast<size_t>(model.num_columns()), BasisStatus::lower);
+  basis.rows.assign(static_cast<size_t>(model.num_rows()), BasisStatus::basic);
+  for (size_t j = 0; j < basis.columns.size() && j < start.column_status.size(); ++j)
+    basis.columns[j] = column_at(start.column_status[j]);
+  for (size_t i = 0; i < basis.rows.size() && i < start.row_status.size(); ++i) {
     const BasisStatus at = column_at(start.row_status[i]);
     // A row's status says on which side of its range it stands; rows with one side have but one place.
     const char sense = model.sense()[i];
-    basis.row[i] = at == BasisStatus::basic || sense == 'R' ? at
-                   : sense == 'L'                           ? BasisStatus::upper
-                                                            : BasisStatus::lower;
+    basis.rows[i] = at == BasisStatus::basic || sense == 'R' ? at
+                    : sense == 'L'                           ? BasisStatus::upper
+                                                             : BasisStatus::lower;
   }
   return basis;
 }
 
 void install_basis(Problem& problem, LiveSimplex& live) {
   if (live.start_is_mine) return;
-  const StartStatuses basis = starting_basis(problem);
-  live.solver.set_basis(basis.column, basis.row);
+  const Basis basis = starting_basis(problem);
+  live.solver.set_basis(basis.columns, basis.rows);
   if (!problem.norms.dual.empty() && problem.norms.dual.size() == problem.norms.head.size()) {
     std::vector<int> head(problem.norms.head);
     for (int& j : head) {

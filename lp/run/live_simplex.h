@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "env/problem.h"
+#include "lp/base/basis.h"
 #include "lp/simplex/relaxation.h"
 
 namespace tovik::lp::run {
@@ -48,10 +49,7 @@ void install_start(Environment& env, Problem& problem, LiveSimplex& live);
 void install_basis(Problem& problem, LiveSimplex& live);
 
 /* The starting basis as engines see it: a row's status is that of its activity. */
-struct StartStatuses {
-  std::vector<BasisStatus> column, row;
-};
-StartStatuses starting_basis(const Problem& problem);
+Basis starting_basis(const Problem& problem);
 
 /* The engine if there is one that is up to date with a solved problem, else null. */
 LiveSimplex* current_simplex(Problem& problem);

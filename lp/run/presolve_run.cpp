@@ -12,6 +12,7 @@
 #include "lp/presolve_record/presolved.h"
 #include "lp/run/iteration_log.h"
 #include "lp/run/live_simplex.h"
+#include "lp/run/optimizer.h"
 #include "lp/run/simplex_run.h"
 #include "lp/run/user_point.h"
 #include "param/hidden.h"
@@ -101,18 +102,41 @@ class PresolvedRun {
     EngineControl control(env_, problem_, CalledFrom::simplex);
     IterationLog log(env_, problem_, env_.settings.integer(TVK_PARAM_SIMDISPLAY));
     log.set_origin(reduction.row_map, reduction.column_map);
-    simplex::Solver solver(reduction.lp, options_, control, &log);
-    set_objective_limits(env_, problem_, solver);
-    if (starts_from_basis()) install_crushed(solver);
+    const RunContext context{env_, problem_, algorithm_, control, &log};
+    std::unique_ptr<Optimizer> optimizer = take_kept_optimizer();
+    const bool is_kept = optimizer != nullptr;
+    if (!is_kept) optimizer = make_optimizer(reduction.lp, context);
+    install_start(*optimizer, is_kept);
     Outcome outcome = outcome_of(reduction.stop);
     if (reduction.stop == Stop::none) {
-      outcome = solver.solve(algorithm_.method);
+      outcome = optimizer->optimize(context);
     } else {
-      solver.extract();
+      optimizer->evaluate_start();
     }
-    beginning_.before.simplex = solver.statistics();
-    answer_ = solver.release_answer();
+    beginning_.before.simplex = optimizer->statistics();
+    if (keeps_optimizer(outcome)) {
+      record_->optimizer_changes.start(reduction.row_map.size(), reduction.column_map.size());
+      answer_ = optimizer->answer();
+      optimizer_ = std::move(optimizer);
+    } else {
+      answer_ = optimizer->release_answer();
+    }
     return outcome;
+  }
+
+  /* The one that solved the reduced problem before, up to date with it. It is gone unless this run ends in order. */
+  std::unique_ptr<Optimizer> take_kept_optimizer() {
+    std::unique_ptr<Optimizer> kept(static_cast<Optimizer*>(record_->optimizer.release()));
+    if (kept == nullptr || !kept->fits(env_) ||
+        !kept->follow(record_->reduction.lp, record_->optimizer_changes))
+      return nullptr;
+    return kept;
+  }
+
+  /* With a record that stays, unless memory is to be saved or its state is none to go on from. */
+  bool keeps_optimizer(Outcome outcome) const {
+    return own_record_ == nullptr && env_.settings.integer(TVK_PARAM_MEMORYEMPHASIS) == 0 &&
+           outcome != Outcome::singular && outcome != Outcome::numerical_failure;
   }
 
   /* Not with a basis to start from, nor with limits on an objective that the dual approaches from the other
@@ -135,13 +159,17 @@ class PresolvedRun {
     const LpData& reduced = record_->reduction.lp;
     if (env_.settings.integer(param::kPresolveDisplay) != 0)
       message(env_.results_channel, "DUAL formed by presolve\n");
+    record_->optimizer.reset();
     const presolve::DualForm form = presolve::dualize(reduced);
     EngineControl control(env_, problem_, CalledFrom::simplex);
-    simplex::Solver solver(form.lp, options_, control, nullptr);
-    const Outcome outcome = solver.solve(algorithm_.method == Method::dual ? Method::primal : Method::dual);
-    beginning_.before.simplex = solver.statistics();
+    const Algorithm algorithm{algorithm_.method == Method::dual ? Method::primal : Method::dual,
+                              algorithm_.sift};
+    const RunContext context{env_, problem_, algorithm, control, nullptr};
+    const std::unique_ptr<Optimizer> optimizer = make_optimizer(form.lp, context);
+    const Outcome outcome = optimizer->optimize(context);
+    beginning_.before.simplex = optimizer->statistics();
     beginning_.before.presolve->dual_form = true;
-    Answer dual = solver.release_answer();
+    Answer dual = optimizer->release_answer();
     answer_ = Answer{};
     answer_.method = algorithm_.method;
     switch (outcome) {
@@ -169,9 +197,10 @@ class PresolvedRun {
 
   void take_slack_basis(const LpData& lp) {
     EngineControl control(env_, problem_, CalledFrom::simplex);
-    simplex::Solver solver(lp, options_, control, nullptr);
-    solver.extract();
-    answer_ = solver.release_answer();
+    const std::unique_ptr<Optimizer> optimizer =
+        make_optimizer(lp, {env_, problem_, algorithm_, control, nullptr});
+    optimizer->evaluate_start();
+    answer_ = optimizer->release_answer();
     answer_.method = algorithm_.method;
   }
 
@@ -179,12 +208,14 @@ class PresolvedRun {
     return env_.settings.integer(TVK_PARAM_ADVIND) != 0 && problem_.start.has_statuses();
   }
 
-  /* The problem's starting basis in the reduced problem; the engine completes and repairs it. */
-  void install_crushed(simplex::Solver& solver) const {
-    StartStatuses basis = starting_basis(problem_);
-    const presolve::Basis crushed =
-        presolve::crush_basis(record_->reduction, {std::move(basis.column), std::move(basis.row)});
-    solver.set_basis(crushed.column, crushed.row);
+  /* The problem's starting basis in the reduced problem; the optimizer completes and repairs it. Statuses that came
+   * from where it stands need not be brought back there. */
+  void install_start(Optimizer& optimizer, bool is_kept) const {
+    if (!starts_from_basis()) {
+      optimizer.forget_start();
+    } else if (!is_kept || problem_.start.live_engine != &optimizer) {
+      optimizer.set_start(presolve::crush_basis(record_->reduction, starting_basis(problem_)));
+    }
   }
 
   /* answer_ becomes the answer to the problem itself. */
@@ -201,13 +232,16 @@ class PresolvedRun {
     bring_back();
     if (outcome == Outcome::optimal && !is_final(record_->original, answer_, options_))
       return go_on(algorithm_.method);
-    return finish(status_code(outcome, false));
+    const Status result = finish(status_code(outcome, false));
+    problem_.start.live_engine = optimizer_.get();
+    record_->optimizer = std::move(optimizer_);
+    return result;
   }
 
   /* The answer stands; the problem's own engine is made when something asks for it. */
   Status finish(int status) {
     leave_engine();
-    publish(problem_, std::move(answer_), beginning_.before.simplex.counters);
+    publish(problem_, answer_, beginning_.before.simplex.counters);
     problem_.status = status;
     statistics_ = beginning_.before;
     return {};
@@ -234,14 +268,16 @@ class PresolvedRun {
   /* From the point that was brought back. */
   Status go_on(Method method) {
     leave_engine();
+    optimizer_.reset();  // the next basis to start from will not be where it stands
     own_record_.reset();
-    publish(problem_, std::move(answer_), beginning_.before.simplex.counters);
+    publish(problem_, answer_, beginning_.before.simplex.counters);
     beginning_.from_start = true;
     return run_simplex(env_, problem_, {method, algorithm_.sift}, beginning_);
   }
 
   /* Presolve did not help: it is gone with what it left. */
   Status solve_original() {
+    optimizer_.reset();
     own_record_.reset();
     problem_.presolve.reset();
     return run_simplex(env_, problem_, algorithm_, beginning_);
@@ -261,7 +297,8 @@ class PresolvedRun {
   OptimizationStatistics& statistics_;  // the problem's, stored when all is done
   Beginning beginning_;
   std::unique_ptr<Presolved> own_record_;
-  Presolved* record_;  // the one that the problem keeps, or own_record_
+  Presolved* record_;                     // the one that the problem keeps, or own_record_
+  std::unique_ptr<Optimizer> optimizer_;  // to be kept with the record
   Answer answer_;
 };
 
@@ -274,7 +311,9 @@ bool wants_presolve(const Environment& env, const Problem& problem) {
 }
 
 Status run_presolved(Environment& env, Problem& problem, const Algorithm& algorithm) {
-  if (const Status finite = check_finite(env, *problem.model, true); !finite.ok()) return finite;
+  // Entries that a record stands on have been looked at when it was made.
+  const bool with_matrix = kept_record(problem) == nullptr;
+  if (const Status finite = check_finite(env, *problem.model, with_matrix); !finite.ok()) return finite;
   return PresolvedRun(env, problem, algorithm).run();
 }
 

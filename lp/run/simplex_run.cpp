@@ -6,9 +6,9 @@
 #include "env/method_code.h"
 #include "include/tovik.h"
 #include "lp/binding/engine_control.h"
-#include "lp/binding/engine_options.h"
 #include "lp/run/iteration_log.h"
 #include "lp/run/live_simplex.h"
+#include "lp/run/simplex_optimizer.h"
 #include "model/store/model.h"
 
 namespace tovik::lp::run {
@@ -182,19 +182,6 @@ void publish(Problem& problem, simplex::Solver& solver) {
     problem.solution->live_engine = problem.start.live_engine = &solver;
   }
   solver.answer_taken();
-}
-
-simplex::Options options_of(const Environment& env, const Algorithm& algorithm) {
-  simplex::Options options = engine_options(env);
-  if (algorithm.sift) options.sifting = simplex::Sifting::always;
-  return options;
-}
-
-void set_objective_limits(const Environment& env, const Problem& problem, simplex::Solver& solver) {
-  const double low = env.settings.real(TVK_PARAM_OBJLLIM);
-  const double high = env.settings.real(TVK_PARAM_OBJULIM);
-  const bool maximize = problem.model->objective_sense() < 0;
-  solver.set_objective_limits(maximize ? -high : low, maximize ? -low : high);
 }
 
 Status run_simplex(Environment& env, Problem& problem, const Algorithm& algorithm,

@@ -2,19 +2,11 @@
 #pragma once
 
 #include "env/problem.h"
+#include "lp/run/optimizer.h"
 #include "lp/run/statistics.h"
 #include "lp/simplex/solver.h"
 
 namespace tovik::lp::run {
-
-/* What a call asks for. */
-struct Algorithm {
-  Method method;
-  bool sift = false;  // begin by sifting, whatever TVK_PARAM_LPMETHOD says
-};
-
-/* The parameters and what the call asks for beyond them. */
-simplex::Options options_of(const Environment& env, const Algorithm& algorithm);
 
 /* Where a run begins. */
 struct Beginning {
@@ -33,8 +25,5 @@ int status_code(Outcome outcome, bool unscaled_infeasible);
 void publish(Problem& problem, const Answer& answer, const simplex::Counters& counters);
 /* The same of an engine that stays: what it wrote before is changed in place, where that has changed. */
 void publish(Problem& problem, simplex::Solver& solver);
-
-/* Objective limits are stated in the user's sense; the engine minimizes. */
-void set_objective_limits(const Environment& env, const Problem& problem, simplex::Solver& solver);
 
 }  // namespace tovik::lp::run
