@@ -52,7 +52,7 @@ TEST(ImpliedBounds, NoFeasiblePointReachesOne) {
   for (int round = 0; round < 400; ++round) {
     support::Random random(static_cast<unsigned>(round));
     TRACE_RANDOM(random, round);
-    const support::TableCore table(open_lp(random, random.pick(1, 6), random.pick(1, 6)));
+    const support::TableCore table(open_lp(random, random.pick(1, 12), random.pick(1, 10)));
     const DenseLp& lp = table.lp;
     const ImpliedBounds implied = imply_bounds(table.core);
     int made = 0;
@@ -94,6 +94,22 @@ TEST(ImpliedBounds, OneLeadsToAnother) {
     EXPECT_GT(implied.upper[j], exact[j]);
     EXPECT_LT(implied.upper[j], 1.1 * exact[j]) << "loosened more than a little";
   }
+}
+
+/* A bound that a later sweep tightens is passed on: v <= 10 is found after y <= 100, and x <= 100 with it. */
+TEST(ImpliedBounds, AnImprovedOneIsPassedOn) {
+  DenseLp lp(4, 4);
+  lp.a = {{1, -1, 0, 0}, {0, 1, 0, 1}, {0, 1, -1, 0}, {0, 0, 1, 0}};  // x, y, v, w
+  for (double& side : lp.row_lower) side = -kInf;
+  lp.row_upper = {0, 100, 0, 10};  // x <= y, y + w <= 100, y <= v, v <= 10
+  const support::TableCore table(lp);
+  const ImpliedBounds implied = imply_bounds(table.core);
+  for (int j = 0; j < 3; ++j) {
+    EXPECT_GT(implied.upper[j], 10) << j;
+    EXPECT_LT(implied.upper[j], 11) << j;
+  }
+  EXPECT_GT(implied.upper[3], 100);
+  EXPECT_LT(implied.upper[3], 110);
 }
 
 /* Two infinite contributions in a row imply nothing, nor does a row without the side that would. */

@@ -19,7 +19,7 @@ struct State {
   std::vector<signed char> nonbasic, move;
   std::vector<int> head;
   std::vector<std::int64_t> counts;
-  double objective;
+  double objective, next_random;
   bool shifted;
 
   explicit State(const Relaxation& engine)
@@ -36,6 +36,7 @@ struct State {
         move(engine.core().move),
         head(engine.core().head),
         objective(engine.objective()),
+        next_random(EngineRandom(engine.core().random).real()),
         shifted(engine.core().costs_shifted) {
     const Counters& c = engine.counters();
     counts = {c.iterations,
@@ -69,10 +70,11 @@ struct State {
 /* Feasible, with an optimum, boxed columns among others. */
 DenseLp branchable(support::Random& random, int rows, int columns) {
   DenseLp lp = scattered_lp(random, rows, columns);
+  const bool ties = random.chance(0.5);  // they make the dual shift costs
   for (int j = 0; j < columns; ++j) {
     lp.lower[j] = 0;
     lp.upper[j] = random.chance(0.6) ? random.pick(1, 4) : kInf;
-    lp.cost[j] = -random.pick(-1, 9) + random.uniform(0, 1);
+    lp.cost[j] = -random.pick(-1, 9) + (ties ? 0 : random.uniform(0, 1));
   }
   for (int i = 0; i < rows; ++i) {
     for (double& a : lp.a[i]) a = i % 2 == 0 ? std::fabs(a) : a;
@@ -130,6 +132,44 @@ TEST(PivotUndo, AProbeLeavesEveryBitAsItWas) {
   EXPECT_GT(infeasible, 10);
   EXPECT_GT(stopped, 10);
   EXPECT_GT(flips, 20) << "models whose boxed columns flip";
+}
+
+/* Shifts of costs and the random stream, which few probes touch. */
+TEST(PivotUndo, ShiftsAndTheRandomStreamAreTakenBack) {
+  for (int round = 0; round < 50; ++round) {
+    support::Random random(static_cast<unsigned>(round));
+    TRACE_RANDOM(random, round);
+    support::TableCore table(scattered_lp(random, random.pick(2, 8), random.pick(2, 8)));
+    table.random_basis(random);
+    Core& core = table.core;
+    DualWeights weights;
+    weights.reset(core.m);
+    DualPricing pricing;
+    pricing.resize(core.m);
+    core.compute_primal();
+    core.compute_dual();
+    pricing.rebuild_listed(core);
+    const bool shifted_before = random.chance(0.5);
+    if (shifted_before) core.shift_cost(0, core.d[0] + 1);
+    const std::vector<double> cost = core.work_cost, d = core.d;
+    const std::vector<int> shifted = core.shifted;
+    const double next = EngineRandom(core.random).real();
+    PivotUndo undo;
+    undo.start(core);
+    for (int k = 0; k < 10; ++k) {
+      const int j = random.below(core.total);
+      undo.save_dual(core, j);
+      core.shift_cost(j, random.pick(-3, 3));
+      core.random.real();
+    }
+    undo.undo(core, weights, pricing);
+    EXPECT_EQ(core.work_cost, cost);
+    EXPECT_EQ(core.d, d);
+    EXPECT_EQ(core.shifted, shifted);
+    EXPECT_EQ(core.costs_shifted, shifted_before);
+    EXPECT_EQ(EngineRandom(core.random).real(), next);
+    EXPECT_FALSE(undo.active());
+  }
 }
 
 /* An optimum that keeps the user's tolerance but not the engine's, as another tolerance leaves it behind: a probe once

@@ -147,6 +147,13 @@ TEST(Reoptimization, FindsWhatAWholeLookAtTheBasisFinds) {
       expect_same(answer.y, whole.answer().y, "y");
       expect_same(answer.d, whole.answer().d, "d");
       EXPECT_NEAR(answer.objective, whole.answer().objective, 1e-9 * (1 + std::fabs(answer.objective)));
+      for (int j = 0; j < lp.columns(); ++j) {
+        const double scaled = answer.d[j] * solver.column_scale(j);
+        if (answer.column_status[j] != BasisStatus::basic) {
+          EXPECT_NEAR(solver.core().d[j], scaled, 1e-9 * (1 + std::fabs(scaled)))
+              << "the engine's own, column " << j;
+        }
+      }
       const bool primal = whole.answer().violation.primal() <= 1e-6;
       EXPECT_EQ(state == State::primal_infeasible, !primal);
       if (state == State::optimal) {
