@@ -227,10 +227,6 @@ std::int64_t Factor::work() const {
   return impl_->build_work + impl_->solver.counts().work + impl_->update_work;
 }
 
-std::int64_t Factor::work_of_build() const {
-  return impl_->builder.work();
-}
-
 bool Factor::wants_rebuild() const {
   const Lu& lu = impl_->lu;
   if (lu.updates >= lu.update_limit || impl_->rule.past_optimum) return true;

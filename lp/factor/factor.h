@@ -109,10 +109,9 @@ class Factor {
 
   void force_mode(SolveMode mode);
 
-  int updates() const;                 // since the last build
-  std::int64_t work() const;           // ticks so far: entries touched in builds, solves and updates
-  std::int64_t work_of_build() const;  // ticks of the last build
-  bool wants_rebuild() const;          // update file or memory has grown past what pays
+  int updates() const;         // since the last build
+  std::int64_t work() const;   // ticks so far: entries touched in builds, solves and updates
+  bool wants_rebuild() const;  // update file or memory has grown past what pays
   const Stats& stats() const;
   Counts counts() const;
 
