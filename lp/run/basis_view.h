@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "env/problem.h"
-#include "lp/run/live_simplex.h"
+#include "lp/run/warm_simplex.h"
 
 namespace tovik::lp::run {
 

@@ -5,7 +5,7 @@
 #include "env/method_code.h"
 #include "include/tovik.h"
 #include "lp/run/basis_view.h"
-#include "lp/run/live_simplex.h"
+#include "lp/run/warm_simplex.h"
 #include "lp/verify/bounds.h"
 #include "model/store/model.h"
 

@@ -11,10 +11,10 @@
 #include "lp/presolve/dualize.h"
 #include "lp/presolve_record/presolved.h"
 #include "lp/run/iteration_log.h"
-#include "lp/run/live_simplex.h"
 #include "lp/run/optimizer.h"
 #include "lp/run/simplex_run.h"
 #include "lp/run/user_point.h"
+#include "lp/run/warm_simplex.h"
 #include "param/hidden.h"
 
 namespace tovik::lp::run {

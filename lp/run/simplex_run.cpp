@@ -7,8 +7,8 @@
 #include "include/tovik.h"
 #include "lp/binding/engine_control.h"
 #include "lp/run/iteration_log.h"
-#include "lp/run/live_simplex.h"
 #include "lp/run/simplex_optimizer.h"
+#include "lp/run/warm_simplex.h"
 #include "model/store/model.h"
 
 namespace tovik::lp::run {

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "lp/run/live_simplex.h"
+#include "lp/run/warm_simplex.h"
 #include "model/store/model.h"
 
 namespace tovik::lp::run {

@@ -6,7 +6,7 @@
 #include "model/routines/changes.h"
 #include "model/routines/check.h"
 #include "model/routines/protected_columns.h"
-#include "model/routines/start_basis.h"
+#include "model/routines/start_update.h"
 #include "model/store/problem_type.h"
 
 namespace tovik::model {

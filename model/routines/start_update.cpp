@@ -1,4 +1,4 @@
-#include "model/routines/start_basis.h"
+#include "model/routines/start_update.h"
 
 #include <algorithm>
 #include <cmath>

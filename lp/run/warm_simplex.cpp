@@ -1,4 +1,4 @@
-#include "lp/run/live_simplex.h"
+#include "lp/run/warm_simplex.h"
 
 #include <algorithm>
 #include <cmath>
