@@ -20,10 +20,10 @@ constexpr double kWorst = 1e75;
 /* The moved basis becomes the problem's start; what was solved no longer holds. */
 void adopt(Problem& problem, BasisView& view) {
   view.solver().extract();
-  publish(problem, view.solver());
+  store_answer(problem, view.solver());
   problem.solution.reset();
   problem.status = TVK_STATUS_NONE;
-  static_cast<LiveSimplex*>(problem.simplex.get())->start_is_mine = true;
+  static_cast<WarmSimplex*>(problem.simplex.get())->start_installed = true;
 }
 
 }  // namespace
@@ -43,7 +43,7 @@ Status pivot_in(Environment& env, Problem& problem, const int* rows, int count) 
     return Status(TVK_ERROR_BASIS_SINGULAR);
   adopt(problem, view);
   view.solver().detach();
-  guard.arrived();
+  guard.commit();
   return {};
 }
 
@@ -65,7 +65,7 @@ Status pivot_out(Environment& env, Problem& problem, const int* columns, int cou
     return Status(TVK_ERROR_BASIS_SINGULAR);
   adopt(problem, view);
   view.solver().detach();
-  guard.arrived();
+  guard.commit();
   return {};
 }
 
@@ -103,7 +103,7 @@ Status strong_branch(Environment& env, Problem& problem, const Branching& reques
     request.up[k] = branch(j, std::ceil(x), simplex::Side::up);
   }
   engine.detach();
-  guard.arrived();
+  guard.commit();
   return result;
 }
 

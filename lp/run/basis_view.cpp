@@ -17,18 +17,18 @@ Status BasisView::open(Environment& env, Problem& problem) {
     return Status(TVK_ERROR_BASIS_SINGULAR);
   EngineGuard guard(problem);
   EngineControl control(env, problem, CalledFrom::simplex);
-  live_ = &live_simplex(env, problem, control, nullptr);
-  install_basis(problem, *live_);
-  const simplex::Solver& solver = live_->solver;
+  warm_ = &warm_simplex(env, problem, control, nullptr);
+  install_basis(problem, *warm_);
+  const simplex::Solver& solver = warm_->solver;
   core_ = &solver.core();
   problem_ = &problem;
   // A repaired basis is another one than the caller asked about.
-  const bool regular = live_->solver.factor_basis();
-  live_->solver.detach();
+  const bool regular = warm_->solver.factor_basis();
+  warm_->solver.detach();
   if (!regular) return Status(TVK_ERROR_BASIS_SINGULAR);
   work_.resize(core_->m);
-  live_->start_is_mine = true;
-  guard.arrived();
+  warm_->start_installed = true;
+  guard.commit();
   return {};
 }
 
@@ -43,8 +43,8 @@ int BasisView::head(int p) const {
 }
 
 double BasisView::scale(int variable) const {
-  return variable < core_->n ? live_->solver.column_scale(variable)
-                             : 1.0 / live_->solver.row_scale(variable - core_->n);
+  return variable < core_->n ? warm_->solver.column_scale(variable)
+                             : 1.0 / warm_->solver.row_scale(variable - core_->n);
 }
 
 double BasisView::value(int p) const {
@@ -56,10 +56,10 @@ double BasisView::value(int p) const {
 
 void BasisView::solve(const std::vector<double>& v, std::vector<double>& out) {
   work_.clear();
-  for (int i = 0; i < core_->m; ++i) work_.array[i] = v[i] * live_->solver.row_scale(i);
+  for (int i = 0; i < core_->m; ++i) work_.array[i] = v[i] * warm_->solver.row_scale(i);
   work_.count = -1;
   work_.reindex();
-  live_->solver.ftran(work_);
+  warm_->solver.ftran(work_);
   out.resize(static_cast<size_t>(core_->m));
   for (int p = 0; p < core_->m; ++p) out[p] = work_.array[p] * scale(core_->head[p]);
   work_.count = -1;
@@ -70,9 +70,9 @@ void BasisView::solve_transposed(const std::vector<double>& v, std::vector<doubl
   for (int p = 0; p < core_->m; ++p) work_.array[p] = v[p] * scale(core_->head[p]);
   work_.count = -1;
   work_.reindex();
-  live_->solver.btran(work_);
+  warm_->solver.btran(work_);
   out.resize(static_cast<size_t>(core_->m));
-  for (int i = 0; i < core_->m; ++i) out[i] = work_.array[i] * live_->solver.row_scale(i);
+  for (int i = 0; i < core_->m; ++i) out[i] = work_.array[i] * warm_->solver.row_scale(i);
   work_.count = -1;
 }
 
@@ -86,7 +86,7 @@ void BasisView::row_times_matrix(const std::vector<double>& row, std::vector<dou
   out.resize(static_cast<size_t>(core_->n));
   for (int j = 0; j < core_->n; ++j) {
     double sum = 0;
-    live_->solver.each_entry(j, [&](int i, double a) { sum += a * row[i]; });
+    warm_->solver.each_entry(j, [&](int i, double a) { sum += a * row[i]; });
     out[j] = sum;
   }
 }
@@ -96,7 +96,7 @@ std::vector<double> BasisView::column(int j) const {
   if (j >= core_->n) {
     v[j - core_->n] = 1.0;
   } else {
-    live_->solver.each_entry(j, [&](int i, double a) { v[i] = a; });
+    warm_->solver.each_entry(j, [&](int i, double a) { v[i] = a; });
   }
   return v;
 }

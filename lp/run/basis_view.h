@@ -40,12 +40,12 @@ class BasisView {
   std::vector<double> column(int j) const;  // of A, or e_i for j = n + i; dense by row
   /* From the engine's units of a variable (n + i for slacks) to the user's. */
   double scale(int variable) const;
-  simplex::Solver& solver() { return live_->solver; }
-  simplex::Relaxation& engine() { return live_->solver; }
+  simplex::Solver& solver() { return warm_->solver; }
+  simplex::Relaxation& engine() { return warm_->solver; }
   const simplex::Core& core() const { return *core_; }
 
  private:
-  LiveSimplex* live_ = nullptr;
+  WarmSimplex* warm_ = nullptr;
   const simplex::Core* core_ = nullptr;
   const Problem* problem_ = nullptr;
   SparseVector work_;

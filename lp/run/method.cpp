@@ -58,9 +58,9 @@ int resolve_method(Environment& env, Problem& problem, bool allow_concurrent) {
   if (threads >= 2 && env.settings.integer(TVK_PARAM_MEMORYEMPHASIS) == 0 && allow_concurrent)
     return method_code::kConcurrent;
   if (env.settings.integer(TVK_PARAM_ADVIND) != 0 && problem.start.has_statuses()) {
-    const StartIs known = judge_start(env, problem);
-    if (known != StartIs::unknown)
-      return known == StartIs::feasible ? method_code::kPrimal : method_code::kDual;
+    const PrimalFeasibility known = start_feasibility(env, problem);
+    if (known != PrimalFeasibility::unknown)
+      return known == PrimalFeasibility::feasible ? method_code::kPrimal : method_code::kDual;
     int worst = 0;
     const Status status = most_infeasible_basic(env, problem, &worst);
     if (status.ok() && worst == kNone) return method_code::kPrimal;

@@ -4,8 +4,8 @@
  *   its parameters, what the caller asks for beyond them, a control, and an observer of simplex iterations.
  * - Leaves: outcome, answer and counters, in the space of its LP. It writes no problem: the run does.
  * - Stays: it may be kept with the LP that it was made from, goes on from its last basis, and is told of changes of
- *   the LP by follow().
- * - Order: make_optimizer(); after changes follow(); set_start() or forget_start() unless it is to go on from where
+ *   the LP by synchronize().
+ * - Order: make_optimizer(); after changes synchronize(); set_start() or forget_start() unless it is to go on from where
  *   it stands; optimize() or evaluate_start(); answer().
  * - Errors: bad_alloc passes through, and the object is to be thrown away then.
  *
@@ -47,7 +47,7 @@ class Optimizer : public Derived {
   /* False where it was made under parameters that are fixed for its life and are others now. */
   virtual bool fits(const Environment& env) const = 0;
   /* Brings it up to date with lp, of which `changes` names what has changed. False: only a new one can. */
-  virtual bool follow(const LpData& lp, const Journal& changes) = 0;
+  virtual bool synchronize(const LpData& lp, const Journal& changes) = 0;
 
   /* A start that is the basis where it stands changes nothing: factor, values and weights stay. */
   virtual void set_start(const Basis& start) = 0;

@@ -50,11 +50,11 @@ class PresolvedRun {
   Status run() {
     if (record_ == nullptr && !make_record()) return solve_original();
     const presolve::Reduction& reduction = record_->reduction;
-    beginning_.before.presolve = statistics_of(*record_);
-    if (record_->conclusion == Conclusion::infeasible) return publish_infeasible();
+    continuation_.before.presolve = statistics_of(*record_);
+    if (record_->conclusion == Conclusion::infeasible) return store_infeasible();
     if (!reduction.changed && reduction.stop == Stop::none) {
       own_record_.reset();
-      return run_simplex(env_, problem_, algorithm_, beginning_);
+      return run_simplex(env_, problem_, algorithm_, continuation_);
     }
     const Outcome outcome = solve_reduced();
     switch (outcome) {
@@ -62,11 +62,11 @@ class PresolvedRun {
         return proves_infeasible(record_->original,
                                  presolve::postsolve_proof(record_->original, reduction, answer_.farkas),
                                  record_->proof)
-                   ? publish_infeasible()
+                   ? store_infeasible()
                    : solve_original();
       case Outcome::unbounded:
-        bring_back();
-        return go_on(Method::primal);
+        postsolve_answer();
+        return clean_up(Method::primal);
       case Outcome::infeasible_or_unbounded:
       case Outcome::singular:
       case Outcome::numerical_failure:
@@ -113,7 +113,7 @@ class PresolvedRun {
     } else {
       optimizer->evaluate_start();
     }
-    beginning_.before.simplex = optimizer->statistics();
+    continuation_.before.simplex = optimizer->statistics();
     if (keeps_optimizer(outcome)) {
       record_->optimizer_changes.start(reduction.row_map.size(), reduction.column_map.size());
       answer_ = optimizer->answer();
@@ -128,7 +128,7 @@ class PresolvedRun {
   std::unique_ptr<Optimizer> take_kept_optimizer() {
     std::unique_ptr<Optimizer> kept(static_cast<Optimizer*>(record_->optimizer.release()));
     if (kept == nullptr || !kept->fits(env_) ||
-        !kept->follow(record_->reduction.lp, record_->optimizer_changes))
+        !kept->synchronize(record_->reduction.lp, record_->optimizer_changes))
       return nullptr;
     return kept;
   }
@@ -167,8 +167,8 @@ class PresolvedRun {
     const RunContext context{env_, problem_, algorithm, control, nullptr};
     const std::unique_ptr<Optimizer> optimizer = make_optimizer(form.lp, context);
     const Outcome outcome = optimizer->optimize(context);
-    beginning_.before.simplex = optimizer->statistics();
-    beginning_.before.presolve->dual_form = true;
+    continuation_.before.simplex = optimizer->statistics();
+    continuation_.before.presolve->dual_form = true;
     Answer dual = optimizer->release_answer();
     answer_ = Answer{};
     answer_.method = algorithm_.method;
@@ -219,7 +219,7 @@ class PresolvedRun {
   }
 
   /* answer_ becomes the answer to the problem itself. */
-  void bring_back() {
+  void postsolve_answer() {
     const Method moved = answer_.method;
     const LpData& lp = record_->original;
     answer_ = complete_point(lp, presolve::postsolve(lp, record_->reduction, point_of(std::move(answer_))));
@@ -229,9 +229,9 @@ class PresolvedRun {
   }
 
   Status conclude(Outcome outcome) {
-    bring_back();
+    postsolve_answer();
     if (outcome == Outcome::optimal && !is_final(record_->original, answer_, options_))
-      return go_on(algorithm_.method);
+      return clean_up(algorithm_.method);
     const Status result = finish(status_code(outcome, false));
     problem_.start.live_engine = optimizer_.get();
     record_->optimizer = std::move(optimizer_);
@@ -240,15 +240,15 @@ class PresolvedRun {
 
   /* The answer stands; the problem's own engine is made when something asks for it. */
   Status finish(int status) {
-    leave_engine();
-    publish(problem_, answer_, beginning_.before.simplex.counters);
+    forget_earlier_basis();
+    store_answer(problem_, answer_, continuation_.before.simplex.counters);
     problem_.status = status;
-    statistics_ = beginning_.before;
+    statistics_ = continuation_.before;
     return {};
   }
 
   /* The point of an infeasible problem: all rows basic, columns at their bounds. */
-  Status publish_infeasible() {
+  Status store_infeasible() {
     const LpData& lp = record_->original;
     presolve::Point point;
     point.x.assign(lp.cost.size(), 0.0);
@@ -266,13 +266,13 @@ class PresolvedRun {
   }
 
   /* From the point that was brought back. */
-  Status go_on(Method method) {
-    leave_engine();
+  Status clean_up(Method method) {
+    forget_earlier_basis();
     optimizer_.reset();  // the next basis to start from will not be where it stands
     own_record_.reset();
-    publish(problem_, answer_, beginning_.before.simplex.counters);
-    beginning_.from_start = true;
-    return run_simplex(env_, problem_, {method, algorithm_.sift}, beginning_);
+    store_answer(problem_, answer_, continuation_.before.simplex.counters);
+    continuation_.from_basis = true;
+    return run_simplex(env_, problem_, {method, algorithm_.sift}, continuation_);
   }
 
   /* Presolve did not help: it is gone with what it left. */
@@ -280,14 +280,13 @@ class PresolvedRun {
     optimizer_.reset();
     own_record_.reset();
     problem_.presolve.reset();
-    return run_simplex(env_, problem_, algorithm_, beginning_);
+    return run_simplex(env_, problem_, algorithm_, continuation_);
   }
 
-  /* An engine that the problem holds stands on another basis from now on. */
-  void leave_engine() {
+  /* Stored norms and the problem's own engine belong to the basis before. */
+  void forget_earlier_basis() {
     problem_.norms = Norms{};
-    if (auto* live = static_cast<LiveSimplex*>(problem_.simplex.get()); live != nullptr)
-      live->start_is_mine = false;
+    release_engine(problem_);
   }
 
   Environment& env_;
@@ -295,7 +294,7 @@ class PresolvedRun {
   const Algorithm algorithm_;
   const simplex::Options options_;
   OptimizationStatistics& statistics_;  // the problem's, stored when all is done
-  Beginning beginning_;
+  Continuation continuation_;
   std::unique_ptr<Presolved> own_record_;
   Presolved* record_;                     // the one that the problem keeps, or own_record_
   std::unique_ptr<Optimizer> optimizer_;  // to be kept with the record

@@ -49,7 +49,7 @@ bool SimplexOptimizer::fits(const Environment& env) const {
   return engine_.options().scaling == env.settings.integer(TVK_PARAM_SCAIND);
 }
 
-bool SimplexOptimizer::follow(const LpData& lp, const Journal& changes) {
+bool SimplexOptimizer::synchronize(const LpData& lp, const Journal& changes) {
   if (changes.structure_lost() || changes.columns().structure_changed() || !changes.rows().deleted().empty())
     return false;
   if (const int added = changes.rows().added(); added > 0) {

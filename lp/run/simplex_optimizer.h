@@ -12,7 +12,7 @@ class SimplexOptimizer final : public Optimizer {
   SimplexOptimizer(LpData lp, const RunContext& context);
   bool fits(const Environment& env) const override;
   /* Values and added rows. */
-  bool follow(const LpData& lp, const Journal& changes) override;
+  bool synchronize(const LpData& lp, const Journal& changes) override;
   void set_start(const Basis& start) override;
   void forget_start() override { engine_.forget_basis(); }
   Outcome optimize(const RunContext& context) override;

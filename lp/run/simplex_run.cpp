@@ -136,7 +136,7 @@ void fit(const Answer& answer, Solution& solution, Start& start) {
 }
 
 /* Into arrays of the right size. */
-void publish_in_place(Problem& problem, const simplex::Solver& solver) {
+void store_in_place(Problem& problem, const simplex::Solver& solver) {
   AnswerWriter writer(*problem.model, solver.answer(), *problem.solution, problem.start);
   if (solver.answer_is_new()) {
     writer.all();
@@ -153,7 +153,7 @@ void publish_in_place(Problem& problem, const simplex::Solver& solver) {
 
 }  // namespace
 
-void publish(Problem& problem, const Answer& answer, const simplex::Counters& counters) {
+void store_answer(Problem& problem, const Answer& answer, const simplex::Counters& counters) {
   auto solution = std::make_unique<Solution>();
   Start start;
   solution->x.resize(answer.x.size());
@@ -170,50 +170,50 @@ void publish(Problem& problem, const Answer& answer, const simplex::Counters& co
   problem.start = std::move(start);  // values to start from belonged to the basis before
 }
 
-void publish(Problem& problem, simplex::Solver& solver) {
+void store_answer(Problem& problem, simplex::Solver& solver) {
   const Answer& answer = solver.answer();
   const bool kept = problem.solution != nullptr && problem.solution->live_engine == &solver &&
                     problem.start.live_engine == &solver && answer.ray.empty() && answer.farkas.empty();
   if (kept) {
     fit(answer, *problem.solution, problem.start);
-    publish_in_place(problem, solver);
+    store_in_place(problem, solver);
   } else {
-    publish(problem, answer, solver.counters());
+    store_answer(problem, answer, solver.counters());
     problem.solution->live_engine = problem.start.live_engine = &solver;
   }
   solver.answer_taken();
 }
 
 Status run_simplex(Environment& env, Problem& problem, const Algorithm& algorithm,
-                   const Beginning& beginning) {
+                   const Continuation& continuation) {
   if (const Status finite = check_data(env, problem); !finite.ok()) return finite;
   OptimizationStatistics& statistics = statistics_of(problem);
   EngineGuard guard(problem);
   EngineControl control(env, problem, CalledFrom::simplex);
   IterationLog log(env, problem, env.settings.integer(TVK_PARAM_SIMDISPLAY));
-  LiveSimplex& live = live_simplex(env, problem, control, &log);
-  live.solver.set_options(options_of(env, algorithm));
-  if (beginning.from_start) {
-    install_basis(problem, live);
+  WarmSimplex& warm = warm_simplex(env, problem, control, &log);
+  warm.solver.set_options(options_of(env, algorithm));
+  if (continuation.from_basis) {
+    install_basis(problem, warm);
   } else {
-    install_start(env, problem, live);
+    install_start(env, problem, warm);
   }
-  live.start_is_mine = false;  // until this run has ended in order
-  live.data_checked = true;
-  set_objective_limits(env, problem, live.solver);
-  live.solver.set_counters(beginning.before.simplex.counters);
-  if (env.callbacks.lp != nullptr) live.solver.invalidate();  // it is called by the algorithms
-  const Outcome outcome = live.solver.solve(algorithm.method);
-  live.solver.detach();
-  statistics = {beginning.before.presolve, live.solver.statistics()};
-  statistics.simplex.work.add(beginning.before.simplex.work);
+  warm.start_installed = false;  // until this run has ended in order
+  warm.data_checked = true;
+  set_objective_limits(env, problem, warm.solver);
+  warm.solver.set_counters(continuation.before.simplex.counters);
+  if (env.callbacks.lp != nullptr) warm.solver.invalidate();  // it is called by the algorithms
+  const Outcome outcome = warm.solver.solve(algorithm.method);
+  warm.solver.detach();
+  statistics = {continuation.before.presolve, warm.solver.statistics()};
+  statistics.simplex.work.add(continuation.before.simplex.work);
   if (outcome == Outcome::singular) return Status(TVK_ERROR_BASIS_SINGULAR);
-  const int status = status_code(outcome, live.solver.answer().unscaled_infeasible);
-  publish(problem, live.solver);
+  const int status = status_code(outcome, warm.solver.answer().unscaled_infeasible);
+  store_answer(problem, warm.solver);
   problem.status = status;
-  live.start_is_mine = true;
-  live.norms_are_told = true;
-  guard.arrived();
+  warm.start_installed = true;
+  warm.norms_current = true;
+  guard.commit();
   return {};
 }
 

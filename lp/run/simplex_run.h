@@ -9,21 +9,21 @@
 namespace tovik::lp::run {
 
 /* Where a run begins. */
-struct Beginning {
-  bool from_start = false;        // at the problem's starting basis, whatever TVK_PARAM_ADVIND says
+struct Continuation {
+  bool from_basis = false;        // at the problem's starting basis, whatever TVK_PARAM_ADVIND says
   OptimizationStatistics before;  // what was done before in the same optimization
 };
 
 /* Runs dual or primal simplex; leaves status, solution arrays and starting basis in the problem. */
 Status run_simplex(Environment& env, Problem& problem, const Algorithm& algorithm,
-                   const Beginning& beginning = {});
+                   const Continuation& continuation = {});
 
 /* Status code of the public table. */
 int status_code(Outcome outcome, bool unscaled_infeasible);
 
 /* Writes an answer for the problem's model into problem.solution and problem.start. */
-void publish(Problem& problem, const Answer& answer, const simplex::Counters& counters);
+void store_answer(Problem& problem, const Answer& answer, const simplex::Counters& counters);
 /* The same of an engine that stays: what it wrote before is changed in place, where that has changed. */
-void publish(Problem& problem, simplex::Solver& solver);
+void store_answer(Problem& problem, simplex::Solver& solver);
 
 }  // namespace tovik::lp::run

@@ -20,13 +20,6 @@ std::vector<double> optional_copy(const double* values, int count) {
   return values == nullptr ? std::vector<double>{} : std::vector<double>(values, values + count);
 }
 
-/* What the engine stands on no longer counts as the problem's start. */
-void release_engine(Problem& problem) {
-  if (auto* live = static_cast<LiveSimplex*>(problem.simplex.get()); live != nullptr)
-    live->start_is_mine = false;
-  problem.status = TVK_STATUS_NONE;
-}
-
 }  // namespace
 
 Status copy_start(Environment& env, Problem& problem, const StartArrays& arrays) {
@@ -54,6 +47,7 @@ Status set_start(Environment& env, Problem& problem, Start start) {
   problem.start = std::move(start);
   problem.norms = Norms{};
   release_engine(problem);
+  problem.status = TVK_STATUS_NONE;
   return {};
 }
 
@@ -83,10 +77,10 @@ Status copy_dual_norms(Problem& problem, const double* norms, const int* head, i
 
 Status get_dual_norms(Problem& problem, double* norms, int* head, int* length) {
   if (norms == nullptr || head == nullptr || length == nullptr) return Status(TVK_ERROR_NULL_POINTER);
-  if (const LiveSimplex* live = current_simplex(problem);
-      live != nullptr && live->norms_are_told && live->solver.has_dual_norms()) {
-    const simplex::Core& core = live->solver.core();
-    const std::vector<double>& weights = live->solver.dual_norms();
+  if (const WarmSimplex* warm = synchronized_simplex(problem);
+      warm != nullptr && warm->norms_current && warm->solver.has_dual_norms()) {
+    const simplex::Core& core = warm->solver.core();
+    const std::vector<double>& weights = warm->solver.dual_norms();
     for (int p = 0; p < core.m; ++p) {
       norms[p] = weights[p];
       head[p] = core.head[p] < core.n ? core.head[p] : -(core.head[p] - core.n) - 1;

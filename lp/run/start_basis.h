@@ -23,7 +23,7 @@ Status get_base(Problem& problem, int* column_status, int* row_status);
 /* Norms by basis position; head: column j or -i-1 for the slack of row i. */
 Status copy_dual_norms(Problem& problem, const double* norms, const int* head, int length);
 Status get_dual_norms(Problem& problem, double* norms, int* head, int* length);
-/* Of the live basis or stored ones; empty when there are none. */
+/* Of the factored basis or stored ones; empty when there are none. */
 Norms norms_of(Problem& problem);
 
 /* A basis with the norms of its positions: basic columns by index, then basic slacks. 1003 when it has not as

@@ -66,19 +66,19 @@ simplex::ModelEdit edit_of(const Problem& problem) {
 
 /* Rows and columns that have come or gone. False when the engine cannot go on: its basis does not allow it,
  * or most of the model is new. */
-bool follow_structure(Problem& problem, LiveSimplex& live) {
+bool synchronize_structure(Problem& problem, WarmSimplex& warm) {
   const Journal& journal = problem.journal;
   if (!journal.structure_changed()) return true;
-  if (journal.structure_lost() || !live.start_is_mine || !problem.start.has_statuses()) return false;
+  if (journal.structure_lost() || !warm.start_installed || !problem.start.has_statuses()) return false;
   if (mostly_new(journal.rows().added(), problem.model->num_rows()) ||
       mostly_new(journal.columns().added(), problem.model->num_columns()))
     return false;
-  live.norms_are_told = false;
-  return live.solver.edit(edit_of(problem));
+  warm.norms_current = false;
+  return warm.solver.edit(edit_of(problem));
 }
 
-void follow_values(Problem& problem, LiveSimplex& live) {
-  synchronize_values(ModelSource{*problem.model}, problem.journal, live.solver);
+void synchronize_model_values(Problem& problem, WarmSimplex& warm) {
+  synchronize_values(ModelSource{*problem.model}, problem.journal, warm.solver);
   problem.journal.clear();
 }
 
@@ -97,34 +97,34 @@ BasisStatus column_at(int status) {
 
 }  // namespace
 
-LiveSimplex& live_simplex(Environment& env, Problem& problem, Control& control, simplex::Observer* observer) {
+WarmSimplex& warm_simplex(Environment& env, Problem& problem, Control& control, simplex::Observer* observer) {
   const simplex::Options options = engine_options(env);
-  auto* live = static_cast<LiveSimplex*>(problem.simplex.get());
-  if (live != nullptr &&
-      (live->solver.options().scaling != options.scaling || !follow_structure(problem, *live))) {
+  auto* warm = static_cast<WarmSimplex*>(problem.simplex.get());
+  if (warm != nullptr &&
+      (warm->solver.options().scaling != options.scaling || !synchronize_structure(problem, *warm))) {
     problem.simplex.reset();
-    live = nullptr;
+    warm = nullptr;
   }
-  if (live != nullptr) {
-    live->solver.set_control(control, observer);
-    live->solver.set_options(options);
-    follow_values(problem, *live);
+  if (warm != nullptr) {
+    warm->solver.set_control(control, observer);
+    warm->solver.set_options(options);
+    synchronize_model_values(problem, *warm);
   } else {
-    problem.simplex = std::make_unique<LiveSimplex>(build_lp(*problem.model), options, control, observer);
+    problem.simplex = std::make_unique<WarmSimplex>(build_lp(*problem.model), options, control, observer);
     problem.journal.start(problem.rows(), problem.columns());
-    live = static_cast<LiveSimplex*>(problem.simplex.get());
+    warm = static_cast<WarmSimplex*>(problem.simplex.get());
   }
-  live->data_checked = false;  // as far as is known here
-  return *live;
+  warm->data_checked = false;  // as far as is known here
+  return *warm;
 }
 
-void install_start(Environment& env, Problem& problem, LiveSimplex& live) {
+void install_start(Environment& env, Problem& problem, WarmSimplex& warm) {
   if (env.settings.integer(TVK_PARAM_ADVIND) == 0 || !problem.start.has_statuses()) {
-    live.solver.forget_basis();
-    live.start_is_mine = false;
+    warm.solver.forget_basis();
+    warm.start_installed = false;
     return;
   }
-  install_basis(problem, live);
+  install_basis(problem, warm);
 }
 
 Basis starting_basis(const Problem& problem) {
@@ -146,22 +146,27 @@ Basis starting_basis(const Problem& problem) {
   return basis;
 }
 
-void install_basis(Problem& problem, LiveSimplex& live) {
-  if (live.start_is_mine) return;
+void release_engine(Problem& problem) {
+  if (auto* warm = static_cast<WarmSimplex*>(problem.simplex.get()); warm != nullptr)
+    warm->start_installed = false;
+}
+
+void install_basis(Problem& problem, WarmSimplex& warm) {
+  if (warm.start_installed) return;
   const Basis basis = starting_basis(problem);
-  live.solver.set_basis(basis.columns, basis.rows);
+  warm.solver.set_basis(basis.columns, basis.rows);
   if (!problem.norms.dual.empty() && problem.norms.dual.size() == problem.norms.head.size()) {
     std::vector<int> head(problem.norms.head);
     for (int& j : head) {
       if (j < 0) j = problem.model->num_columns() - j - 1;
     }
-    live.solver.set_dual_norms(problem.norms.dual, head);
+    warm.solver.set_dual_norms(problem.norms.dual, head);
   }
 }
 
-LiveSimplex* current_simplex(Problem& problem) {
-  auto* live = static_cast<LiveSimplex*>(problem.simplex.get());
-  return live != nullptr && live->start_is_mine && !problem.journal.structure_changed() ? live : nullptr;
+WarmSimplex* synchronized_simplex(Problem& problem) {
+  auto* warm = static_cast<WarmSimplex*>(problem.simplex.get());
+  return warm != nullptr && warm->start_installed && !problem.journal.structure_changed() ? warm : nullptr;
 }
 
 namespace {
@@ -192,37 +197,37 @@ bool changes_are_numbers(const model::Model& model, const Journal& journal) {
 }  // namespace
 
 Status check_data(Environment& env, Problem& problem) {
-  const auto* live = static_cast<const LiveSimplex*>(problem.simplex.get());
-  const bool known = live != nullptr && live->data_checked && !problem.journal.values_lost();
+  const auto* warm = static_cast<const WarmSimplex*>(problem.simplex.get());
+  const bool known = warm != nullptr && warm->data_checked && !problem.journal.values_lost();
   if (known && changes_are_numbers(*problem.model, problem.journal)) return {};
-  return check_finite(env, *problem.model, live == nullptr || problem.journal.structure_changed());
+  return check_finite(env, *problem.model, warm == nullptr || problem.journal.structure_changed());
 }
 
-StartIs judge_start(Environment& env, Problem& problem) {
-  auto* live = static_cast<LiveSimplex*>(problem.simplex.get());
-  if (live == nullptr || !live->start_is_mine || !live->data_checked || problem.journal.structure_lost() ||
-      !check_data(env, problem).ok() || engine_options(env).scaling != live->solver.options().scaling) {
-    return StartIs::unknown;
+PrimalFeasibility start_feasibility(Environment& env, Problem& problem) {
+  auto* warm = static_cast<WarmSimplex*>(problem.simplex.get());
+  if (warm == nullptr || !warm->start_installed || !warm->data_checked || problem.journal.structure_lost() ||
+      !check_data(env, problem).ok() || engine_options(env).scaling != warm->solver.options().scaling) {
+    return PrimalFeasibility::unknown;
   }
   EngineGuard guard(problem);
-  if (!follow_structure(problem, *live)) return StartIs::unknown;
-  live->solver.set_options(engine_options(env));
-  follow_values(problem, *live);
+  if (!synchronize_structure(problem, *warm)) return PrimalFeasibility::unknown;
+  warm->solver.set_options(engine_options(env));
+  synchronize_model_values(problem, *warm);
   if (!problem.start.balanced) {  // the engine has pivoted for what was deleted
-    const bool feasible = live->solver.is_primal_feasible();
-    guard.arrived();
-    return feasible ? StartIs::feasible : StartIs::infeasible;
+    const bool feasible = warm->solver.is_primal_feasible();
+    guard.commit();
+    return feasible ? PrimalFeasibility::feasible : PrimalFeasibility::infeasible;
   }
-  const simplex::Reoptimization::State state = live->solver.standing();
-  guard.arrived();
+  const simplex::Reoptimization::State state = warm->solver.standing();
+  guard.commit();
   switch (state) {
     case simplex::Reoptimization::State::optimal:
     case simplex::Reoptimization::State::primal_feasible:
-      return StartIs::feasible;
+      return PrimalFeasibility::feasible;
     case simplex::Reoptimization::State::primal_infeasible:
-      return StartIs::infeasible;
+      return PrimalFeasibility::infeasible;
     default:
-      return StartIs::unknown;
+      return PrimalFeasibility::unknown;
   }
 }
 

@@ -12,53 +12,55 @@
 
 namespace tovik::lp::run {
 
-class LiveSimplex : public Derived {
+class WarmSimplex : public Derived {
  public:
-  LiveSimplex(LpData lp, const simplex::Options& options, Control& control, simplex::Observer* observer)
+  WarmSimplex(LpData lp, const simplex::Options& options, Control& control, simplex::Observer* observer)
       : solver(std::move(lp), options, control, observer) {}
-  bool follows_structure() const override { return start_is_mine; }
+  bool follows_structure() const override { return start_installed; }
   simplex::Relaxation solver;
-  bool start_is_mine = false;  // problem.start holds the basis that the engine stands on
-  bool data_checked = false;   // the engine's data are numbers
-  bool norms_are_told = true;  // no rows or columns have come or gone since the last optimization
+  bool start_installed = false;  // problem.start holds the basis that the engine stands on
+  bool data_checked = false;     // the engine's data are numbers
+  bool norms_current = true;     // no rows or columns have come or gone since the last optimization
 };
 
-/* While an engine is on its way from one state to another a failure must not leave it in between: unless it
- * is told that all went well, it takes the engine away, and the next call makes a new one from the model. */
+/* While an engine is on its way from one state to another a failure must not leave it in between: without a
+ * commit() it takes the engine away, and the next call makes a new one from the model. */
 class EngineGuard {
  public:
   explicit EngineGuard(Problem& problem) : problem_(problem) {}
   ~EngineGuard() {
-    if (!arrived_) problem_.simplex.reset();
+    if (!committed_) problem_.simplex.reset();
   }
   EngineGuard(const EngineGuard&) = delete;
   EngineGuard& operator=(const EngineGuard&) = delete;
-  void arrived() { arrived_ = true; }
+  void commit() { committed_ = true; }
 
  private:
   Problem& problem_;
-  bool arrived_ = false;
+  bool committed_ = false;
 };
 
 /* The engine of a problem, made or brought up to date with the model. Its basis is not looked at: see
  * install_start() and install_basis(). */
-LiveSimplex& live_simplex(Environment& env, Problem& problem, Control& control, simplex::Observer* observer);
+WarmSimplex& warm_simplex(Environment& env, Problem& problem, Control& control, simplex::Observer* observer);
 /* As TVK_PARAM_ADVIND says: the starting basis, or the slack basis. */
-void install_start(Environment& env, Problem& problem, LiveSimplex& live);
+void install_start(Environment& env, Problem& problem, WarmSimplex& warm);
 /* The starting basis, which the problem must hold, where the engine does not stand on it. */
-void install_basis(Problem& problem, LiveSimplex& live);
+void install_basis(Problem& problem, WarmSimplex& warm);
 
 /* The starting basis as engines see it: a row's status is that of its activity. */
 Basis starting_basis(const Problem& problem);
+/* The starting basis is from now on another one than the engine stands on. */
+void release_engine(Problem& problem);
 
 /* The engine if there is one that is up to date with a solved problem, else null. */
-LiveSimplex* current_simplex(Problem& problem);
+WarmSimplex* synchronized_simplex(Problem& problem);
 
 /* 1225 or 1233 for data that no optimizer can work with; looks at no more than what has changed. */
 Status check_data(Environment& env, Problem& problem);
 
 /* Whether the starting basis is primal feasible, where the engine can tell by looking at the changes. */
-enum class StartIs { unknown, feasible, infeasible };
-StartIs judge_start(Environment& env, Problem& problem);
+enum class PrimalFeasibility { unknown, feasible, infeasible };
+PrimalFeasibility start_feasibility(Environment& env, Problem& problem);
 
 }  // namespace tovik::lp::run
