@@ -202,6 +202,31 @@ TEST_F(Statistics, DualFormIsTold) {
   EXPECT_GT(s["ticks"]["presolve"], 0);
 }
 
+/* With a record of presolve that stays, the optimizer of the reduced problem stays too; its counts begin anew. */
+TEST_F(Statistics, BelongToOneOptimizationThroughPresolve) {
+  LpMaker maker(23);
+  int again = 0;
+  for (int k = 0; k < 60; ++k) {
+    const Lp model = maker.draw(30);
+    ProbHandle lp = load(model);
+    if (model.columns > 0 && TVKpresolve(env_, lp, 0) == 0) {
+      ASSERT_EQ(run(lp, 2), 0);
+      const Json first = of(lp);
+      expect_sums(lp, first);
+      const int column = maker.below(model.columns);
+      const double cost = model.obj[static_cast<std::size_t>(column)] + 1;
+      ASSERT_EQ(TVKchgobj(env_, lp, 1, &column, &cost), 0);
+      ASSERT_EQ(run(lp, 2), 0);
+      const Json second = of(lp);
+      expect_sums(lp, second);
+      again += second["simplex"]["iterations"] < first["simplex"]["iterations"];
+    }
+    ASSERT_EQ(TVKfreeprob(env_, &lp), 0);
+    if (HasFailure()) return;
+  }
+  EXPECT_GT(again, 10);
+}
+
 TEST_F(Statistics, ErrorsAreThoseOfTexts) {
   ProbHandle lp = load(assignment(3, 1));
   int surplus = 7;
