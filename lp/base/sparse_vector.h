@@ -39,4 +39,29 @@ class SparseVector {
   std::vector<double> packed_value;
 };
 
+/* Calls f(position) for the listed positions, or for all where there is no list. */
+template <class F>
+void for_listed(const SparseVector& v, F f) {
+  if (v.count >= 0) {
+    for (int k = 0; k < v.count; ++k) f(v.index[k]);
+    return;
+  }
+  const int size = v.dimension();
+  for (int i = 0; i < size; ++i) f(i);
+}
+
+/* Calls f(position) for every position that may hold a nonzero, in the order that costs less: f sees listed
+ * zeros, and none where the list does not pay. */
+template <class F>
+void for_nonzeros(const SparseVector& v, F f) {
+  if (v.list_pays()) {
+    for (int k = 0; k < v.count; ++k) f(v.index[k]);
+    return;
+  }
+  const int size = v.dimension();
+  for (int i = 0; i < size; ++i) {
+    if (v.array[i] != 0) f(i);
+  }
+}
+
 }  // namespace tovik::lp

@@ -191,20 +191,21 @@ Status basis_kappa(Environment& env, Problem& problem, double* kappa) {
   BasisView view;
   if (const Status status = view.open_for_query(env, problem); !status.ok()) return status;
   const simplex::Core& core = view.core();
-  const auto m = static_cast<size_t>(core.m);
+  const auto m = static_cast<size_t>(core.m());
   *kappa = 1;
   if (m == 0) return {};
   double norm = 0;
-  for (int p = 0; p < core.m; ++p) {
-    const int j = core.head[p];
-    double sum = j < core.n ? 0 : 1;
-    for (int k = j < core.n ? core.matrix().start[j] : 0; j < core.n && k < core.matrix().start[j + 1]; ++k) {
+  for (int p = 0; p < core.m(); ++p) {
+    const int j = core.basis.head(p);
+    double sum = j < core.n() ? 0 : 1;
+    for (int k = j < core.n() ? core.matrix().start[j] : 0; j < core.n() && k < core.matrix().start[j + 1];
+         ++k) {
       sum += std::fabs(core.matrix().value[k]);
     }
     norm = std::max(norm, sum);
   }
   SparseVector v;
-  v.resize(core.m);
+  v.resize(core.m());
   const auto apply = [&](std::vector<double>& x, bool transposed) {
     v.clear();
     v.array = x;

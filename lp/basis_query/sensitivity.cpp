@@ -28,9 +28,9 @@ Status Sensitivity::open(Environment& env, Problem& problem) {
   sign_ = problem.model->objective_sense();
   const simplex::Core& core = view_.core();
   const Solution& solution = *problem.solution;
-  reduced_cost_.resize(static_cast<size_t>(core.total));
-  for (int j = 0; j < core.n; ++j) reduced_cost_[j] = sign_ * solution.dj[j];
-  for (int i = 0; i < core.m; ++i) reduced_cost_[core.n + i] = -sign_ * solution.pi[i];
+  reduced_cost_.resize(static_cast<size_t>(core.total()));
+  for (int j = 0; j < core.n(); ++j) reduced_cost_[j] = sign_ * solution.dj[j];
+  for (int i = 0; i < core.m(); ++i) reduced_cost_[core.n() + i] = -sign_ * solution.pi[i];
   return {};
 }
 
@@ -42,11 +42,11 @@ Interval Sensitivity::cost(int j) {
   if (p < 0) {
     if (core.is_fixed(j)) {
       // never enters: any cost keeps the basis
-    } else if (core.move[j] < 0) {
+    } else if (core.basis.move(j) < 0) {
       range.upper = c - reduced_cost_[j];
     } else {
       range.lower = c - reduced_cost_[j];
-      if (core.move[j] == 0) range.upper = range.lower;
+      if (core.basis.move(j) == 0) range.upper = range.lower;
     }
   } else {
     double down = -kInf;
@@ -55,15 +55,15 @@ Interval Sensitivity::cost(int j) {
     view_.inverse_row(p, row);
     view_.row_times_matrix(row, alpha);
     const auto limit = [&](int k, double a) {
-      if (!core.nonbasic[k] || core.is_fixed(k) || std::fabs(a) < kNoEffect) return;
+      if (!core.basis.nonbasic(k) || core.is_fixed(k) || std::fabs(a) < kNoEffect) return;
       const double ratio = reduced_cost_[k] / a;
-      const bool at_lower = core.move[k] >= 0;
-      const bool at_upper = core.move[k] <= 0;
+      const bool at_lower = core.basis.move(k) >= 0;
+      const bool at_upper = core.basis.move(k) <= 0;
       if (at_lower) (a > 0 ? up = std::min(up, ratio) : down = std::max(down, ratio));
       if (at_upper) (a > 0 ? down = std::max(down, ratio) : up = std::min(up, ratio));
     };
-    for (int k = 0; k < core.n; ++k) limit(k, alpha[k]);
-    for (int i = 0; i < core.m; ++i) limit(core.n + i, row[i]);
+    for (int k = 0; k < core.n(); ++k) limit(k, alpha[k]);
+    for (int i = 0; i < core.m(); ++i) limit(core.n() + i, row[i]);
     range.lower = c + std::min(down, 0.0);
     range.upper = c + std::max(up, 0.0);
   }
@@ -76,14 +76,14 @@ Interval Sensitivity::step_range(const std::vector<double>& column) {
   const simplex::Core& core = view_.core();
   double down = -kInf;
   double up = kInf;
-  for (int p = 0; p < core.m; ++p) {
+  for (int p = 0; p < core.m(); ++p) {
     const double a = column[p];
     if (std::fabs(a) < kNoEffect) continue;
-    const int j = core.head[p];
+    const int j = core.basis.head(p);
     const double unit =
-        j < core.n ? view_.solver().column_scale(j) : 1.0 / view_.solver().row_scale(j - core.n);
-    const double to_lower = std::max(0.0, (core.x[p] - core.lower[j]) * unit);
-    const double to_upper = std::max(0.0, (core.upper[j] - core.x[p]) * unit);
+        j < core.n() ? view_.solver().column_scale(j) : 1.0 / view_.solver().row_scale(j - core.n());
+    const double to_lower = std::max(0.0, (core.values.x(p) - core.model.lower(j)) * unit);
+    const double to_upper = std::max(0.0, (core.model.upper(j) - core.values.x(p)) * unit);
     if (a > 0) {
       up = std::min(up, to_lower / a);
       down = std::max(down, -to_upper / a);
@@ -98,7 +98,7 @@ Interval Sensitivity::step_range(const std::vector<double>& column) {
 Interval Sensitivity::rhs(int i) {
   const simplex::Core& core = view_.core();
   const double b = problem_->model->rhs()[i];
-  const int p = view_.position(core.n + i);
+  const int p = view_.position(core.n() + i);
   if (p >= 0) {
     const double activity = b - view_.value(p);
     const double width = problem_->model->range()[i];
@@ -113,7 +113,7 @@ Interval Sensitivity::rhs(int i) {
         return {b, b};
     }
   }
-  std::vector<double> unit(static_cast<size_t>(core.m), 0.0), column;
+  std::vector<double> unit(static_cast<size_t>(core.m()), 0.0), column;
   unit[i] = 1.0;
   view_.solve(unit, column);
   // The logical moves against the right-hand side.
@@ -124,7 +124,7 @@ Interval Sensitivity::rhs(int i) {
 Interval Sensitivity::lower_bound(int j) {
   const simplex::Core& core = view_.core();
   const double x = problem_->solution->x[j];
-  if (view_.position(j) >= 0 || core.move[j] < 0 || core.is_free(j)) return {-kInfinity, clip(x)};
+  if (view_.position(j) >= 0 || core.basis.move(j) < 0 || core.model.is_free(j)) return {-kInfinity, clip(x)};
   std::vector<double> column;
   view_.solve(view_.column(j), column);
   const Interval step = step_range(column);
@@ -137,7 +137,7 @@ Interval Sensitivity::lower_bound(int j) {
 Interval Sensitivity::upper_bound(int j) {
   const simplex::Core& core = view_.core();
   const double x = problem_->solution->x[j];
-  if (view_.position(j) >= 0 || core.move[j] > 0 || core.is_free(j)) return {clip(x), kInfinity};
+  if (view_.position(j) >= 0 || core.basis.move(j) > 0 || core.model.is_free(j)) return {clip(x), kInfinity};
   std::vector<double> column;
   view_.solve(view_.column(j), column);
   const Interval step = step_range(column);

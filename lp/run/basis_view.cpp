@@ -26,7 +26,7 @@ Status BasisView::open(Environment& env, Problem& problem) {
   const bool regular = warm_->solver.factor_basis();
   warm_->solver.detach();
   if (!regular) return Status(TVK_ERROR_BASIS_SINGULAR);
-  work_.resize(core_->m);
+  work_.resize(core_->m());
   warm_->start_installed = true;
   guard.commit();
   return {};
@@ -38,53 +38,53 @@ Status BasisView::open_for_query(Environment& env, Problem& problem) {
 }
 
 int BasisView::head(int p) const {
-  const int j = core_->head[p];
-  return j < core_->n ? j : -(j - core_->n) - 1;
+  const int j = core_->basis.head(p);
+  return j < core_->n() ? j : -(j - core_->n()) - 1;
 }
 
 double BasisView::scale(int variable) const {
-  return variable < core_->n ? warm_->solver.column_scale(variable)
-                             : 1.0 / warm_->solver.row_scale(variable - core_->n);
+  return variable < core_->n() ? warm_->solver.column_scale(variable)
+                               : 1.0 / warm_->solver.row_scale(variable - core_->n());
 }
 
 double BasisView::value(int p) const {
-  const int j = core_->head[p];
-  const double v = core_->x[p] * scale(j);
+  const int j = core_->basis.head(p);
+  const double v = core_->values.x(p) * scale(j);
   // The engine's logical is minus the row's activity; users count the slack from the right-hand side.
-  return j < core_->n ? v : problem_->model->rhs()[j - core_->n] + v;
+  return j < core_->n() ? v : problem_->model->rhs()[j - core_->n()] + v;
 }
 
 void BasisView::solve(const std::vector<double>& v, std::vector<double>& out) {
   work_.clear();
-  for (int i = 0; i < core_->m; ++i) work_.array[i] = v[i] * warm_->solver.row_scale(i);
+  for (int i = 0; i < core_->m(); ++i) work_.array[i] = v[i] * warm_->solver.row_scale(i);
   work_.count = -1;
   work_.reindex();
   warm_->solver.ftran(work_);
-  out.resize(static_cast<size_t>(core_->m));
-  for (int p = 0; p < core_->m; ++p) out[p] = work_.array[p] * scale(core_->head[p]);
+  out.resize(static_cast<size_t>(core_->m()));
+  for (int p = 0; p < core_->m(); ++p) out[p] = work_.array[p] * scale(core_->basis.head(p));
   work_.count = -1;
 }
 
 void BasisView::solve_transposed(const std::vector<double>& v, std::vector<double>& out) {
   work_.clear();
-  for (int p = 0; p < core_->m; ++p) work_.array[p] = v[p] * scale(core_->head[p]);
+  for (int p = 0; p < core_->m(); ++p) work_.array[p] = v[p] * scale(core_->basis.head(p));
   work_.count = -1;
   work_.reindex();
   warm_->solver.btran(work_);
-  out.resize(static_cast<size_t>(core_->m));
-  for (int i = 0; i < core_->m; ++i) out[i] = work_.array[i] * warm_->solver.row_scale(i);
+  out.resize(static_cast<size_t>(core_->m()));
+  for (int i = 0; i < core_->m(); ++i) out[i] = work_.array[i] * warm_->solver.row_scale(i);
   work_.count = -1;
 }
 
 void BasisView::inverse_row(int p, std::vector<double>& out) {
-  std::vector<double> unit(static_cast<size_t>(core_->m), 0.0);
+  std::vector<double> unit(static_cast<size_t>(core_->m()), 0.0);
   unit[p] = 1.0;
   solve_transposed(unit, out);
 }
 
 void BasisView::row_times_matrix(const std::vector<double>& row, std::vector<double>& out) const {
-  out.resize(static_cast<size_t>(core_->n));
-  for (int j = 0; j < core_->n; ++j) {
+  out.resize(static_cast<size_t>(core_->n()));
+  for (int j = 0; j < core_->n(); ++j) {
     double sum = 0;
     warm_->solver.each_entry(j, [&](int i, double a) { sum += a * row[i]; });
     out[j] = sum;
@@ -92,9 +92,9 @@ void BasisView::row_times_matrix(const std::vector<double>& row, std::vector<dou
 }
 
 std::vector<double> BasisView::column(int j) const {
-  std::vector<double> v(static_cast<size_t>(core_->m), 0.0);
-  if (j >= core_->n) {
-    v[j - core_->n] = 1.0;
+  std::vector<double> v(static_cast<size_t>(core_->m()), 0.0);
+  if (j >= core_->n()) {
+    v[j - core_->n()] = 1.0;
   } else {
     warm_->solver.each_entry(j, [&](int i, double a) { v[i] = a; });
   }

@@ -21,12 +21,12 @@ class BasisView {
    * called, is changing or optimizing the problem with that engine. */
   Status open_for_query(Environment& env, Problem& problem);
 
-  int rows() const { return core_->m; }
-  int columns() const { return core_->n; }
+  int rows() const { return core_->m(); }
+  int columns() const { return core_->n(); }
   /* Variable of position p as users write it: column j, or -i-1 for the slack of row i. */
   int head(int p) const;
   int position(int variable) const {
-    return core_->nonbasic[variable] ? -1 : core_->position[variable];
+    return core_->basis.nonbasic(variable) ? -1 : core_->basis.position(variable);
   }                           // n + i for slacks; -1 when nonbasic
   double value(int p) const;  // of a basic variable; slack of a row as rhs - ax
   /* out = row p of B^-1 (size m, by row). */

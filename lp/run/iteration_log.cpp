@@ -28,16 +28,16 @@ std::int64_t next_log_point(std::int64_t count) {
 double phase1_infeasibility(const simplex::Core& core, bool dual) {
   double sum = 0;
   if (dual) {
-    for (int j = 0; j < core.total; ++j) {
-      if (!core.nonbasic[j]) continue;
-      if (core.d[j] < 0 && core.upper[j] == kInf) sum -= core.d[j];
-      if (core.d[j] > 0 && core.lower[j] == -kInf) sum += core.d[j];
+    for (int j = 0; j < core.total(); ++j) {
+      if (!core.basis.nonbasic(j)) continue;
+      if (core.values.d(j) < 0 && core.model.upper(j) == kInf) sum -= core.values.d(j);
+      if (core.values.d(j) > 0 && core.model.lower(j) == -kInf) sum += core.values.d(j);
     }
     return sum;
   }
-  for (int p = 0; p < core.m; ++p) {
-    const int j = core.head[p];
-    sum += verify::outside(core.x[p], core.lower[j], core.upper[j]);
+  for (int p = 0; p < core.m(); ++p) {
+    const int j = core.basis.head(p);
+    sum += verify::outside(core.values.x(p), core.model.lower(j), core.model.upper(j));
   }
   return sum;
 }
@@ -63,10 +63,10 @@ void IterationLog::text(const char* line) {
 
 void IterationLog::removed_by_singularity(const simplex::Core& core, int variable) {
   if (display_ <= 0) return;
-  if (variable < core.n) {
+  if (variable < core.n()) {
     message(env_.results_channel, "Variable '%.255s' fixed because of singularity.\n",
             label(problem_.model->column_names(), column(variable), 'x').c_str());
-  } else if (const int i = row(variable - core.n); problem_.model->sense()[i] == 'R') {
+  } else if (const int i = row(variable - core.n()); problem_.model->sense()[i] == 'R') {
     message(env_.results_channel, "Variable 'range %.255s' caused singularity.\n",
             label(problem_.model->row_names(), i, 'c').c_str());
   } else {
@@ -123,11 +123,11 @@ void IterationLog::brief(const simplex::Core& core, const simplex::IterationEven
 
 std::string IterationLog::variable(const simplex::Core& core, int j, bool entering) const {
   char buffer[kNameCut + 32];
-  if (j < core.n) {
+  if (j < core.n()) {
     const std::string name = label(problem_.model->column_names(), column(j), 'x');
     std::snprintf(buffer, sizeof buffer, "%23s", name.c_str());
   } else {
-    const int i = row(j - core.n);
+    const int i = row(j - core.n());
     const bool ranged = problem_.model->sense()[i] == 'R';
     const std::string name = label(problem_.model->row_names(), i, 'c');
     std::snprintf(buffer, sizeof buffer, "%17s %s", name.c_str(), entering && ranged ? "range" : "slack");

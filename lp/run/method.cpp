@@ -38,12 +38,13 @@ Status most_infeasible_basic(Environment& env, Problem& problem, int* index) {
   const simplex::Core& core = view.core();
   double worst = env.settings.real(TVK_PARAM_EPRHS);
   *index = kNone;
-  for (int p = 0; p < core.m; ++p) {
+  for (int p = 0; p < core.m(); ++p) {
     const double violation =
-        verify::outside(core.x[p], core.x_lower[p], core.x_upper[p]) * view.scale(core.head[p]);
+        verify::outside(core.values.x(p), core.values.x_lower(p), core.values.x_upper(p)) *
+        view.scale(core.basis.head(p));
     if (violation > worst) {
       worst = violation;
-      *index = core.head[p];
+      *index = core.basis.head(p);
     }
   }
   return {};

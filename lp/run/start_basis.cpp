@@ -81,11 +81,11 @@ Status get_dual_norms(Problem& problem, double* norms, int* head, int* length) {
       warm != nullptr && warm->norms_current && warm->solver.has_dual_norms()) {
     const simplex::Core& core = warm->solver.core();
     const std::vector<double>& weights = warm->solver.dual_norms();
-    for (int p = 0; p < core.m; ++p) {
+    for (int p = 0; p < core.m(); ++p) {
       norms[p] = weights[p];
-      head[p] = core.head[p] < core.n ? core.head[p] : -(core.head[p] - core.n) - 1;
+      head[p] = core.basis.head(p) < core.n() ? core.basis.head(p) : -(core.basis.head(p) - core.n()) - 1;
     }
-    *length = core.m;
+    *length = core.m();
     return {};
   }
   if (problem.norms.dual.empty()) return Status(TVK_ERROR_NO_NORMS);

@@ -14,10 +14,8 @@ class Relaxation::Checkpoint {
  public:
   std::int64_t edits = 0;
   std::vector<double> user_cost, user_lower, user_upper, user_row_lower, user_row_upper;
-  std::vector<double> cost, lower, upper, value, d, x, weights;
-  std::vector<signed char> nonbasic, move;
-  std::vector<int> head;
-  std::shared_ptr<const factor::Factor::Saved> factor;
+  std::vector<double> weights;  // of the dual
+  Core::Saved core;
   double offset = 0, objective = 0;
   Outcome outcome = Outcome::numerical_failure;
 };

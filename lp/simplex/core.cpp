@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 #include <cstdio>
+#include <utility>
 
 namespace tovik::lp::simplex {
 
@@ -24,256 +25,282 @@ double raised(double threshold) {
 }
 }  // namespace
 
-SimplexVectors::SimplexVectors(Matrix matrix, const Options& solve_options)
-    : n(matrix.columns),
-      m(matrix.rows),
-      total(n + m),
-      columns(std::make_shared<Matrix>(std::move(matrix))),
-      options(solve_options),
-      random(solve_options.seed),
-      primal_tolerance(solve_options.primal_tolerance),
-      dual_tolerance(solve_options.dual_tolerance),
-      threshold(solve_options.markowitz) {}
-
 Core::Core(LpData scaled_lp, const Options& solve_options, Control& solve_control)
-    : SimplexVectors(std::move(scaled_lp.matrix), solve_options), factor(*columns), control(&solve_control) {
-  offset = scaled_lp.offset;
-  const auto size = static_cast<size_t>(total);
-  cost.assign(size, 0.0);
-  lower.resize(size);
-  upper.resize(size);
-  for (int j = 0; j < n; ++j) {
-    cost[j] = scaled_lp.cost[j];
-    lower[j] = scaled_lp.lower[j];
-    upper[j] = scaled_lp.upper[j];
-  }
-  for (int i = 0; i < m; ++i) {
-    lower[n + i] = -scaled_lp.row_upper[i];
-    upper[n + i] = -scaled_lp.row_lower[i];
-  }
-  work_cost = cost;
-  work_lower = lower;
-  work_upper = upper;
-  nonbasic.assign(size, 1);
-  move.assign(size, 0);
-  value.assign(size, 0.0);
-  d.assign(size, 0.0);
-  head.assign(static_cast<size_t>(m), 0);
-  position.assign(size, 0);
-  x.assign(static_cast<size_t>(m), 0.0);
-  x_lower = x;
-  x_upper = x;
-  random_value.resize(size);
-  for (double& r : random_value) r = random.real();
-  buffer_.resize(m);
-  // A rebuild also recomputes values and reduced costs: two passes over the matrix.
-  factor.set_rebuild_overhead(2 * static_cast<std::int64_t>(matrix().index.size()) + 4 * total);
+    : random(solve_options.seed),
+      model(std::move(scaled_lp)),
+      work(model, random),
+      basis(model),
+      values(model),
+      factor(matrix()),
+      control(&solve_control),
+      options(solve_options),
+      primal_tolerance_(solve_options.primal_tolerance),
+      dual_tolerance_(solve_options.dual_tolerance),
+      threshold_(solve_options.markowitz) {
+  tell_factor_the_sizes();
 }
 
-Core::Core(const Core& other) : SimplexVectors(other), factor(*columns), control(other.control) {
-  buffer_.resize(m);
-  factor.set_rebuild_overhead(2 * static_cast<std::int64_t>(columns->index.size()) + 4 * total);
-  if (has_factor) factor.restore(*other.factor.save());
+Core::Core(const Core& other)
+    : random(other.random),
+      model(other.model),
+      rows(other.rows),
+      work(other.work),
+      basis(other.basis),
+      values(other.values),
+      factor(matrix()),
+      control(other.control),
+      options(other.options),
+      counters(other.counters),
+      scaled(other.scaled),
+      row_ep_density(other.row_ep_density),
+      row_ap_density(other.row_ap_density),
+      column_density(other.column_density),
+      dse_density(other.dse_density),
+      flip_density(other.flip_density),
+      has_factor_(other.has_factor_),
+      rows_are_stale_(other.rows_are_stale_),
+      primal_tolerance_(other.primal_tolerance_),
+      dual_tolerance_(other.dual_tolerance_),
+      threshold_(other.threshold_),
+      repairs_(other.repairs_) {
+  tell_factor_the_sizes();
+  if (has_factor_) factor.restore(*other.factor.save());
 }
 
-Matrix& Core::own_matrix() {
-  if (columns.use_count() > 1) {
-    columns = std::make_shared<Matrix>(*columns);
-    factor.use_matrix(*columns);
-    rows_are_stale = true;
-  }
-  return *columns;
-}
-
-void Core::find_positions() {
-  for (int p = 0; p < m; ++p) position[head[p]] = p;
-}
-
-void Core::count_free() {
-  free_nonbasic = 0;
-  for (int j = 0; j < total; ++j)
-    free_nonbasic += nonbasic[j] && work_lower[j] == -kInf && work_upper[j] == kInf;
+/* A rebuild also recomputes values and reduced costs: two passes over the matrix. */
+void Core::tell_factor_the_sizes() {
+  factor.set_rebuild_overhead(2 * static_cast<std::int64_t>(matrix().index.size()) + 4 * total());
 }
 
 void Core::raise_threshold() {
-  threshold = std::min(kHighestThreshold, threshold < 0.1 ? 0.1 : threshold + 0.2);
+  threshold_ = std::min(kHighestThreshold, threshold_ < 0.1 ? 0.1 : threshold_ + 0.2);
 }
 
-void Core::shift_cost(int j, double target) {
-  work_cost[j] += target - d[j];
-  d[j] = target;
-  costs_shifted = true;
-  if (!costs_perturbed) shifted.push_back(j);
-  ++counters.shifts;
-}
-
-void Core::place_nonbasic(int j, int prefer) {
-  const double low = work_lower[j];
-  const double high = work_upper[j];
-  if (low == high) {
-    move[j] = 0;
-    value[j] = low;
-  } else if (low == -kInf && high == kInf) {
-    move[j] = 0;
-    value[j] = 0;
-  } else if (high == kInf ||
-             (low != -kInf && (prefer > 0 || (prefer == 0 && std::fabs(low) <= std::fabs(high))))) {
-    move[j] = 1;
-    value[j] = low;
-  } else {
-    move[j] = -1;
-    value[j] = high;
-  }
-}
+// ---- basis ----
 
 void Core::set_logical_basis() {
-  for (int j = 0; j < n; ++j) {
-    nonbasic[j] = 1;
+  for (int j = 0; j < n(); ++j) {
+    basis.make_nonbasic(j);
     place_nonbasic(j, 0);
   }
-  for (int i = 0; i < m; ++i) {
-    nonbasic[n + i] = 0;
-    move[n + i] = 0;
-    head[i] = n + i;
-  }
-  has_factor = false;
-  find_positions();
+  for (int i = 0; i < m(); ++i) basis.set_basic(i, n() + i);
+  has_factor_ = false;
+  basis.find_positions();
   update_basis_pattern();
 }
 
 void Core::set_basis(const std::vector<BasisStatus>& status) {
   int basics = 0;
-  for (int j = 0; j < total; ++j) {
-    if (status[j] == BasisStatus::basic && basics < m) {
-      nonbasic[j] = 0;
-      move[j] = 0;
-      head[basics++] = j;
+  for (int j = 0; j < total(); ++j) {
+    if (status[j] == BasisStatus::basic && basics < m()) {
+      basis.set_basic(basics++, j);
     } else {
-      nonbasic[j] = 1;
+      basis.make_nonbasic(j);
       place_nonbasic(j, status[j] == BasisStatus::upper ? -1 : status[j] == BasisStatus::lower ? 1 : 0);
     }
   }
-  for (int i = 0; i < m && basics < m; ++i) {
-    if (!nonbasic[n + i]) continue;
-    nonbasic[n + i] = 0;
-    move[n + i] = 0;
-    head[basics++] = n + i;
+  for (int j = n(); j < total() && basics < m(); ++j) {
+    if (basis.nonbasic(j)) basis.set_basic(basics++, j);
   }
-  has_factor = false;
-  find_positions();
+  has_factor_ = false;
+  basis.find_positions();
   update_basis_pattern();
 }
 
 BasisStatus Core::status(int j) const {
-  if (!nonbasic[j]) return BasisStatus::basic;
-  if (move[j] < 0 || (move[j] == 0 && lower[j] == -kInf && upper[j] != kInf)) return BasisStatus::upper;
-  return is_free(j) ? BasisStatus::free : BasisStatus::lower;
+  if (!basis.nonbasic(j)) return BasisStatus::basic;
+  const int move = basis.move(j);
+  if (move < 0 || (move == 0 && model.lower(j) == -kInf && model.upper(j) != kInf)) return BasisStatus::upper;
+  return model.is_free(j) ? BasisStatus::free : BasisStatus::lower;
 }
 
 std::vector<BasisStatus> Core::basis_status() const {
-  std::vector<BasisStatus> all(static_cast<size_t>(total));
-  for (int j = 0; j < total; ++j) all[j] = status(j);
+  std::vector<BasisStatus> all(static_cast<size_t>(total()));
+  for (int j = 0; j < total(); ++j) all[j] = status(j);
   return all;
 }
 
-void Core::update_basis_pattern() {
-  std::vector<char> active(static_cast<size_t>(n));
-  for (int j = 0; j < n; ++j) active[j] = static_cast<char>(nonbasic[j] && !is_fixed(j));
-  rows.build(matrix(), active);
-  rows_are_stale = false;
+void Core::change_basis(int q, int p, int leaving_move) {
+  const int out = basis.exchange(q, p, work);
+  if (q < n()) rows.deactivate(q);
+  if (work.is_fixed(out)) {
+    basis.place(out, 0, work.lower(out));
+  } else if (leaving_move > 0) {
+    basis.place(out, 1, work.lower(out));
+  } else if (leaving_move < 0) {
+    basis.place(out, -1, work.upper(out));
+  } else {
+    place_nonbasic(out, 0);
+  }
+  if (out < n() && !is_fixed(out)) rows.activate(out);
+  take_basic_bounds(q);
 }
 
+void Core::undo_change_basis(int q, int p, int leaving) {
+  basis.undo_exchange(p, q, leaving);
+  if (leaving < n()) rows.deactivate(leaving);
+  if (q < n() && !is_fixed(q)) rows.activate(q);
+}
+
+std::vector<int> Core::positions_of_logicals(std::span<const int> rows_of_logicals) const {
+  std::vector<int> positions;
+  if (rows_of_logicals.empty()) return positions;
+  std::vector<char> wanted(static_cast<size_t>(m()), 0);
+  for (const int i : rows_of_logicals) wanted[i] = 1;
+  for (int p = 0; p < m(); ++p) {
+    const int j = basis.head(p);
+    if (j >= n() && wanted[j - n()]) positions.push_back(p);
+  }
+  return positions;
+}
+
+// ---- bounds and costs ----
+
 void Core::use_original_bounds() {
-  work_lower = lower;
-  work_upper = upper;
-  bounds_perturbed = false;
-  for (int j = 0; j < total; ++j) {
-    if (nonbasic[j]) place_nonbasic(j, move[j]);
+  work.use_model_bounds(model);
+  for (int j = 0; j < total(); ++j) {
+    if (basis.nonbasic(j)) place_nonbasic(j, basis.move(j));
   }
 }
 
 void Core::use_original_costs() {
-  if (costs_perturbed || costs_shifted) ++counters.dual.restores;
-  work_cost = cost;
-  costs_perturbed = false;
-  costs_shifted = false;
-  shifted.clear();
+  if (work.costs_perturbed() || work.costs_shifted()) ++counters.dual.restores;
+  work.use_model_costs(model);
 }
 
-void Core::change_basis(int q, int p, int leaving_move) {
-  const int out = head[p];
-  free_nonbasic -= work_lower[q] == -kInf && work_upper[q] == kInf;
-  free_nonbasic += work_lower[out] == -kInf && work_upper[out] == kInf;
-  head[p] = q;
-  position[q] = p;
-  nonbasic[q] = 0;
-  move[q] = 0;
-  if (q < n) rows.deactivate(q);
-  nonbasic[out] = 1;
-  if (work_lower[out] == work_upper[out]) {
-    move[out] = 0;
-    value[out] = work_lower[out];
-  } else if (leaving_move > 0) {
-    move[out] = 1;
-    value[out] = work_lower[out];
-  } else if (leaving_move < 0) {
-    move[out] = -1;
-    value[out] = work_upper[out];
-  } else {
-    place_nonbasic(out, 0);
-  }
-  if (out < n && !is_fixed(out)) rows.activate(out);
-  x_lower[p] = work_lower[q];
-  x_upper[p] = work_upper[q];
+void Core::shift_cost(int j, double target) {
+  work.shift_cost(j, target - values.d(j));
+  values.set_dual(j, target);
+  ++counters.shifts;
 }
+
+void Core::shift_to_feasible(int j) {
+  shift_cost(j, basis.move(j) * (1.0 + work.random_value(j)) * 0.5 * dual_tolerance_);
+}
+
+void Core::change_bounds(int j, double lower, double upper) {
+  const bool counts = basis.nonbasic(j);
+  const int before = counts && work.is_free(j);
+  model.set_bounds(j, lower, upper);
+  work.set_bounds(j, lower, upper);
+  basis.set_free_nonbasic(basis.free_nonbasic() - before + (counts && work.is_free(j)));
+  keep_active(j);
+}
+
+void Core::close_bounds(int j) {
+  const double at = model.upper(j);
+  model.set_bounds(j, at, at);
+  work.set_bounds(j, at, at);
+  keep_active(j);
+}
+
+void Core::force_bounds(int j, double lower, double upper) {
+  model.set_bounds(j, lower, upper);
+  work.set_bounds(j, lower, upper);
+  if (!basis.nonbasic(j)) take_basic_bounds(j);
+}
+
+// ---- row copy, edits and copies ----
+
+void Core::update_basis_pattern() {
+  std::vector<char> active(static_cast<size_t>(n()));
+  for (int j = 0; j < n(); ++j) active[j] = static_cast<char>(basis.nonbasic(j) && !is_fixed(j));
+  rows.build(matrix(), active);
+  rows_are_stale_ = false;
+}
+
+/* The row copy's active columns follow the statuses. */
+void Core::sync_rows() {
+  for (int j = 0; j < n() && !rows_are_stale_; ++j) keep_active(j);
+}
+
+void Core::edit(const ModelEdit& change) {
+  const IndexEdit indices(change, n(), m(), positions_of_logicals(change.deleted_rows));
+  if (model.own_columns()) factor.use_matrix(matrix());
+  model.edit(change, indices);
+  work.edit(model, indices, random);
+  basis.edit(indices);
+  values.edit(indices);
+  for (int j = indices.kept_columns(); j < n(); ++j) place_nonbasic(j, 0);
+  if (change.moves_rows()) has_factor_ = false;
+  tell_factor_the_sizes();
+  rows_are_stale_ = true;
+}
+
+Core::Saved Core::save() const {
+  return {model.cost(), model.lower(), model.upper(), basis.save(), values.save(), factor.save()};
+}
+
+void Core::restore(const Saved& saved) {
+  model.restore(saved.cost, saved.lower, saved.upper);
+  use_original_costs();
+  work.use_model_bounds(model);
+  basis.restore(saved.basis);
+  values.restore(saved.values, work, basis);
+  factor.restore(*saved.factor);
+  has_factor_ = true;
+  sync_rows();
+}
+
+// ---- factor ----
 
 FactorState Core::refactor(FactorReason reason) {
-  const double before = threshold;
+  const double before = threshold_;
   const FactorState state = factor_basis(reason);
-  if (threshold > before + kRememberedRaise && counters.iterations > 0 && observer != nullptr) {
+  if (threshold_ > before + kRememberedRaise && counters.iterations > 0 && observer != nullptr) {
     char line[64];
-    std::snprintf(line, sizeof line, "Markowitz threshold set to %g\n", threshold);
+    std::snprintf(line, sizeof line, "Markowitz threshold set to %g\n", threshold_);
     log(line);
   }
   return state;
 }
 
+FactorState Core::refactor_with_values() {
+  values.save_x(basis);
+  const FactorState state = refactor();
+  if (state == FactorState::good) values.restore_x(work, basis);
+  return state;
+}
+
 FactorState Core::factor_basis(FactorReason reason) {
   factor::Settings settings;
-  settings.threshold = threshold;
+  settings.threshold = threshold_;
   factor.set(settings);
   int deficiency = 0;
   for (;;) {
     ++counters.factorizations;
     ++counters.factorizations_by_reason[static_cast<size_t>(reason)];
-    deficiency = factor.build(head);
+    deficiency = basis.factor_with(factor);
     // An inaccurate factor of a regular basis is made again with a stricter threshold.
-    if (deficiency > 0 || threshold >= kStrictThreshold || factor.residual_check() <= kAccurate) break;
+    if (deficiency > 0 || threshold_ >= kStrictThreshold || factor.residual_check() <= kAccurate) break;
     reason = FactorReason::accuracy;
-    threshold = raised(threshold);
-    settings.threshold = threshold;
+    threshold_ = raised(threshold_);
+    settings.threshold = threshold_;
     factor.set(settings);
   }
-  has_factor = true;
-  find_positions();
+  has_factor_ = true;
+  basis.find_positions();
   if (deficiency == 0) return FactorState::good;
   ++counters.singular_bases;
   counters.columns_replaced += deficiency;
-  if (repairs >= options.singular_limit) return FactorState::singular;
-  ++repairs;
-  threshold = raised(threshold);
+  if (repairs_ >= options.singular_limit) return FactorState::singular;
+  ++repairs_;
+  threshold_ = raised(threshold_);
   log("Repairing basis singularity.\n");
+  replace_dependent();
+  return FactorState::repaired;
+}
+
+/* The factor has put logicals in the place of dependent basic variables: the statuses follow. */
+void Core::replace_dependent() {
   for (const factor::Exchange& e : factor.exchanges()) {
     const int out = e.removed;
     if (observer != nullptr) observer->removed_by_singularity(*this, out);
-    nonbasic[out] = 1;
+    basis.make_nonbasic(out);
     place_nonbasic(out, 0);
-    if (out < n && !is_fixed(out)) rows.activate(out);
-    const int in = n + e.row;
-    nonbasic[in] = 0;
-    move[in] = 0;
+    if (out < n() && !is_fixed(out)) rows.activate(out);
+    basis.make_basic(n() + e.row);
   }
-  return FactorState::repaired;
 }
 
 void Core::ftran(SparseVector& v, Density& density) {
@@ -314,7 +341,7 @@ void Core::price_unlisted(const SparseVector& rho, SparseVector& alpha) {
 
 void Core::price(const SparseVector& rho, bool list_always, SparseVector& alpha) {
   bool by_columns = rho.count < 0;
-  if (!by_columns && rho.count > 0.1 * m) {
+  if (!by_columns && rho.count > 0.1 * m()) {
     by_columns = static_cast<double>(rows.row_work(rho)) >
                  kColumnPriceRatio * static_cast<double>(rows.active_entries());
   }
@@ -322,85 +349,27 @@ void Core::price(const SparseVector& rho, bool list_always, SparseVector& alpha)
                     : rows.price_by_rows(rho, row_ap_density.value(), list_always, alpha));
 }
 
-void Core::load_column(int q, SparseVector& v) const {
-  v.clear();
-  if (q >= n) {
-    v.set_unit(q - n);
-    return;
-  }
-  int count = 0;
-  for (int k = matrix().start[q]; k < matrix().start[q + 1]; ++k) {
-    v.index[count++] = matrix().index[k];
-    v.array[matrix().index[k]] = matrix().value[k];
-  }
-  v.count = count;
-}
-
-void Core::add_column(int q, double multiplier, SparseVector& v) const {
-  const auto add = [&](int i, double amount) {
-    const double old = v.array[i];
-    const double sum = old + amount;
-    if (old == 0) v.index[v.count++] = i;
-    v.array[i] = std::fabs(sum) < kTiny ? kZero : sum;
-  };
-  if (q >= n) {
-    add(q - n, multiplier);
-    return;
-  }
-  for (int k = matrix().start[q]; k < matrix().start[q + 1]; ++k) {
-    add(matrix().index[k], multiplier * matrix().value[k]);
-  }
-}
+// ---- values ----
 
 void Core::compute_primal() {
-  buffer_.clear();
-  double* const b = buffer_.array.data();
-  for (int j = 0; j < n; ++j) {
-    if (!nonbasic[j] || value[j] == 0) continue;
-    for (int k = matrix().start[j]; k < matrix().start[j + 1]; ++k)
-      b[matrix().index[k]] -= value[j] * matrix().value[k];
-  }
-  for (int i = 0; i < m; ++i) {
-    if (nonbasic[n + i]) b[i] -= value[n + i];
-  }
-  charge(static_cast<std::int64_t>(matrix().index.size()) + m);
-  buffer_.count = -1;
-  buffer_.reindex();
-  factor.ftran(buffer_, 1.0);
-  for (int p = 0; p < m; ++p) {
-    x[p] = b[p];
-    x_lower[p] = work_lower[head[p]];
-    x_upper[p] = work_upper[head[p]];
-  }
-  buffer_.count = -1;
-  buffer_.clear();
-}
-
-double Core::column_dot(int j, const std::vector<double>& y) const {
-  if (j >= n) return y[j - n];
-  double sum = 0;
-  for (int k = matrix().start[j]; k < matrix().start[j + 1]; ++k)
-    sum += matrix().value[k] * y[matrix().index[k]];
-  return sum;
+  values.compute_primal(model, work, basis, factor);
+  charge(static_cast<std::int64_t>(matrix().index.size()) + m());
 }
 
 void Core::compute_dual() {
-  buffer_.clear();
-  int count = 0;
-  for (int p = 0; p < m; ++p) {
-    const double c = work_cost[head[p]];
-    if (c == 0) continue;
-    buffer_.array[p] = c;
-    buffer_.index[count++] = p;
+  values.compute_dual(model, work, basis, factor);
+  charge(static_cast<std::int64_t>(matrix().index.size()) + m());
+}
+
+double Core::original_dual_bound() {
+  std::vector<double> d(static_cast<size_t>(total()));
+  values.compute_dual(model, model.cost(), basis, factor, d);
+  charge(static_cast<std::int64_t>(matrix().index.size()) + m());
+  double bound = model.offset();
+  for (int j = 0; j < total(); ++j) {
+    if (basis.nonbasic(j) && d[j] != 0) bound += d[j] * (d[j] > 0 ? model.lower(j) : model.upper(j));
   }
-  buffer_.count = count;
-  if (count > 0) factor.btran(buffer_, 1.0);
-  for (int j = 0; j < n; ++j)
-    d[j] = nonbasic[j] ? work_cost[j] - (count > 0 ? column_dot(j, buffer_.array) : 0.0) : 0.0;
-  for (int i = 0; i < m; ++i) d[n + i] = nonbasic[n + i] ? work_cost[n + i] - buffer_.array[i] : 0.0;
-  charge(static_cast<std::int64_t>(matrix().index.size()) + m);
-  buffer_.count = -1;
-  buffer_.clear();
+  return bound;
 }
 
 bool Core::must_stop(std::int64_t iteration_end, Outcome& outcome) {
@@ -436,21 +405,22 @@ bool Core::must_stop(std::int64_t iteration_end, Outcome& outcome) {
 }
 
 double Core::objective() const {
-  double sum = offset;
-  for (int j = 0; j < total; ++j) {
-    if (nonbasic[j] && value[j] != 0) sum += work_cost[j] * value[j];
+  double sum = model.offset();
+  for (int j = 0; j < total(); ++j) {
+    if (basis.nonbasic(j) && basis.value(j) != 0) sum += work.cost(j) * basis.value(j);
   }
-  for (int p = 0; p < m; ++p) sum += work_cost[head[p]] * x[p];
+  for (int p = 0; p < m(); ++p) sum += work.cost(basis.head(p)) * values.x(p);
   return sum;
 }
 
 Core::Infeasibility Core::primal_infeasibility() const {
   Infeasibility result;
-  for (int p = 0; p < m; ++p) {
-    const double violation = std::max(x_lower[p] - x[p], x[p] - x_upper[p]);
+  for (int p = 0; p < m(); ++p) {
+    const double x = values.x(p);
+    const double violation = std::max(values.x_lower(p) - x, x - values.x_upper(p));
     if (violation <= 0) continue;
     result.largest = std::max(result.largest, violation);
-    if (violation > primal_tolerance) {
+    if (violation > primal_tolerance_) {
       ++result.count;
       result.sum += violation;
     }
@@ -460,17 +430,13 @@ Core::Infeasibility Core::primal_infeasibility() const {
 
 Core::Infeasibility Core::dual_infeasibility() const {
   Infeasibility result;
-  for (int j = 0; j < total; ++j) {
-    if (!nonbasic[j]) continue;
-    double violation;
-    if (work_lower[j] == -kInf && work_upper[j] == kInf) {
-      violation = std::fabs(d[j]);
-    } else {
-      violation = -move[j] * d[j];
-    }
+  for (int j = 0; j < total(); ++j) {
+    if (!basis.nonbasic(j)) continue;
+    const double d = values.d(j);
+    const double violation = work.is_free(j) ? std::fabs(d) : -basis.move(j) * d;
     if (violation <= 0) continue;
     result.largest = std::max(result.largest, violation);
-    if (violation > dual_tolerance) {
+    if (violation > dual_tolerance_) {
       ++result.count;
       result.sum += violation;
     }

@@ -6,8 +6,6 @@
 #include <cstdio>
 #include <utility>
 
-#include "lp/simplex/perturb.h"
-
 namespace tovik::lp::simplex {
 namespace {
 
@@ -23,19 +21,15 @@ constexpr int kUnperturbedPatience = 30;  // iterations without progress before 
 constexpr double kStrongestPerturbation = 1e4;
 constexpr double kUsualMagnitude = 1e-6;  // perturbation magnitude that means a scale of 1
 
-double bound_product(double d, double low, double high) {
-  return d > 0 ? d * low : d * high;
-}
-
 }  // namespace
 
 Dual::Dual(Core& core) : core_(core), rule_(&dual_rule(core.options.dual_pricing)) {
-  pricing_rule_.resize(core.m);
-  rho_.resize(core.m);
-  alpha_column_.resize(core.m);
-  flip_column_.resize(core.m);
-  tau_.resize(core.m);
-  alpha_row_.resize(core.n);
+  pricing_rule_.resize(core.m());
+  rho_.resize(core.m());
+  alpha_column_.resize(core.m());
+  flip_column_.resize(core.m());
+  tau_.resize(core.m());
+  alpha_row_.resize(core.n());
 }
 
 // ---- phases
@@ -43,34 +37,39 @@ Dual::Dual(Core& core) : core_(core), rule_(&dual_rule(core.options.dual_pricing
 
 void Dual::set_phase1_bounds() {
   phase1_ = true;
-  for (int j = 0; j < core_.total; ++j) {
+  for (int j = 0; j < core_.total(); ++j) {
     const bool has_lower = box_.lower[j] != -kInf;
     const bool has_upper = box_.upper[j] != kInf;
-    core_.work_lower[j] = has_lower ? 0.0 : has_upper ? -1.0 : -kBoxFree;
-    core_.work_upper[j] = has_upper ? 0.0 : has_lower ? 1.0 : kBoxFree;
-    if (core_.nonbasic[j]) core_.place_nonbasic(j, core_.d[j] >= 0 ? 1 : -1);
+    core_.work.set_bounds(j,
+                          has_lower   ? 0.0
+                          : has_upper ? -1.0
+                                      : -kBoxFree,
+                          has_upper   ? 0.0
+                          : has_lower ? 1.0
+                                      : kBoxFree);
+    if (core_.basis.nonbasic(j)) core_.place_nonbasic(j, core_.values.d(j) >= 0 ? 1 : -1);
   }
 }
 
 void Dual::clear_phase1_bounds() {
   phase1_ = false;
-  core_.work_lower = box_.lower;
-  core_.work_upper = box_.upper;
-  for (int j = 0; j < core_.total; ++j) {
-    if (core_.nonbasic[j]) core_.place_nonbasic(j, core_.d[j] > 0 ? 1 : core_.d[j] < 0 ? -1 : core_.move[j]);
+  core_.work.use_bounds(box_.lower, box_.upper);
+  for (int j = 0; j < core_.total(); ++j) {
+    if (core_.basis.nonbasic(j))
+      core_.place_nonbasic(j, core_.values.d(j) > 0 ? 1 : core_.values.d(j) < 0 ? -1 : core_.basis.move(j));
   }
 }
 
 void Dual::drop_implied_bounds() {
-  box_.lower = core_.lower;
-  box_.upper = core_.upper;
+  box_.lower = core_.model.lower();
+  box_.upper = core_.model.upper();
   box_.found = 0;
 }
 
 /* Drops perturbation and shifts, says so, and recomputes the reduced costs. */
 void Dual::restore_costs() {
-  if (!core_.costs_perturbed && !core_.costs_shifted) return;
-  if (core_.costs_perturbed) {
+  if (!core_.work.costs_perturbed() && !core_.work.costs_shifted()) return;
+  if (core_.work.costs_perturbed()) {
     core_.log("Removing perturbation.\n");
   } else {
     char line[48];
@@ -93,7 +92,7 @@ bool Dual::near_optimal() {
   core_.compute_dual();
   if (core_.dual_infeasibility().count > 0) return false;
   core_.compute_primal();
-  return core_.primal_infeasibility().count <= 30 + core_.m / 100;
+  return core_.primal_infeasibility().count <= 30 + core_.m() / 100;
 }
 
 Outcome Dual::solve(const Settings& settings, std::int64_t iteration_budget) {
@@ -102,10 +101,10 @@ Outcome Dual::solve(const Settings& settings, std::int64_t iteration_budget) {
   rejections_ = 0;
   factor_reason_ = FactorReason::check;
   phase1_ = false;
-  pricing_rule_.resize(core_.m);
+  pricing_rule_.resize(core_.m());
   core_.use_original_bounds();
   core_.use_original_costs();
-  const bool fresh_basis = !core_.has_factor;
+  const bool fresh_basis = !core_.has_factor();
   if (fresh_basis && core_.refactor() == FactorState::singular) return Outcome::singular;
   start_norms(settings);
   drop_implied_bounds();
@@ -114,7 +113,7 @@ Outcome Dual::solve(const Settings& settings, std::int64_t iteration_budget) {
   if (patient_) {
     if (settings.imply_bounds) box_ = imply_bounds(core_);
     if (settings.perturb) {
-      perturb_costs(core_, perturb_scale_);
+      core_.perturb_costs(perturb_scale_);
       core_.log("Perturbation started.\n");
     }
   }
@@ -129,7 +128,8 @@ Outcome Dual::solve(const Settings& settings, std::int64_t iteration_budget) {
       if (end == PhaseEnd::stopped) return stop_;
       if (end == PhaseEnd::numerical_failure) return Outcome::numerical_failure;
       if (core_.dual_infeasibility().count > 0) {
-        if (!core_.costs_perturbed && !core_.costs_shifted) return Outcome::infeasible_or_unbounded;
+        if (!core_.work.costs_perturbed() && !core_.work.costs_shifted())
+          return Outcome::infeasible_or_unbounded;
         restore_costs();
         clear_phase1_bounds();
         continue;
@@ -162,7 +162,7 @@ Dual::PhaseEnd Dual::run_phase() {
   bool refactor = false;
   bool keep_banned = false;
   for (;;) {
-    if (!rebuild(refactor || !core_.has_factor)) {
+    if (!rebuild(refactor || !core_.has_factor())) {
       stop_ = Outcome::singular;
       return PhaseEnd::stopped;
     }
@@ -210,7 +210,7 @@ bool Dual::rebuild(bool refactor) {
   core_.compute_dual();
   correct_duals();
   core_.compute_primal();
-  core_.count_free();
+  core_.basis.count_free(core_.work);
   ratio_test_.prepare(core_);
   objective_ = dual_objective();
   wanted_ = Rebuild::none;
@@ -221,29 +221,29 @@ bool Dual::rebuild(bool refactor) {
 
 void Dual::correct_duals() {
   free_infeasible_ = 0;
-  const double tolerance = core_.dual_tolerance;
-  for (int j = 0; j < core_.total; ++j) {
-    if (!core_.nonbasic[j]) continue;
-    const double low = core_.work_lower[j];
-    const double high = core_.work_upper[j];
+  const double tolerance = core_.dual_tolerance();
+  for (int j = 0; j < core_.total(); ++j) {
+    if (!core_.basis.nonbasic(j)) continue;
+    const double low = core_.work.lower(j);
+    const double high = core_.work.upper(j);
     if (low == high) continue;
     if (low == -kInf && high == kInf) {
-      if (std::fabs(core_.d[j]) > tolerance) ++free_infeasible_;
+      if (std::fabs(core_.values.d(j)) > tolerance) ++free_infeasible_;
       continue;
     }
-    if (core_.move[j] * core_.d[j] >= -tolerance) continue;
+    if (core_.basis.move(j) * core_.values.d(j) >= -tolerance) continue;
     if (high - low < kInf) {
-      core_.place_nonbasic(j, -core_.move[j]);
+      core_.place_nonbasic(j, -core_.basis.move(j));
     } else {
-      shift_cost(core_, j);
+      core_.shift_to_feasible(j);
     }
   }
 }
 
 double Dual::dual_objective() const {
-  double sum = phase1_ ? 0.0 : core_.offset;
-  for (int j = 0; j < core_.total; ++j) {
-    if (core_.nonbasic[j] && core_.value[j] != 0) sum += core_.d[j] * core_.value[j];
+  double sum = phase1_ ? 0.0 : core_.model.offset();
+  for (int j = 0; j < core_.total(); ++j) {
+    if (core_.basis.nonbasic(j) && core_.basis.value(j) != 0) sum += core_.values.d(j) * core_.basis.value(j);
   }
   return sum;
 }
@@ -265,21 +265,10 @@ bool Dual::check_limits() {
 bool Dual::beyond_objective_limit() {
   constexpr int kAskEvery = 20;
   if (phase1_ || !(objective_ > core_.options.objective_upper)) return false;
-  if (!core_.costs_perturbed)
-    return !core_.costs_shifted || shift_free_bound() > core_.options.objective_upper;
+  if (!core_.work.costs_perturbed())
+    return !core_.work.costs_shifted() || shift_free_bound() > core_.options.objective_upper;
   if (core_.counters.iterations % kAskEvery != 0) return false;
-  const std::vector<double> working_costs = core_.work_cost;
-  const std::vector<double> working_duals = core_.d;
-  core_.work_cost = core_.cost;
-  core_.compute_dual();
-  double bound = core_.offset;
-  for (int j = 0; j < core_.total; ++j) {
-    if (core_.nonbasic[j] && core_.d[j] != 0)
-      bound += bound_product(core_.d[j], core_.lower[j], core_.upper[j]);
-  }
-  core_.work_cost = working_costs;
-  core_.d = working_duals;
-  return bound > core_.options.objective_upper;
+  return core_.original_dual_bound() > core_.options.objective_upper;
 }
 
 int Dual::choose_row() {
@@ -293,9 +282,9 @@ int Dual::choose_row() {
     rho_.want_pack = false;
     if (undo_.active()) undo_.save_basic(core_, norms_, p);
     const bool stands = rule_->accept(p, rho_, norms_);
-    const double low = core_.x_lower[p];
-    const double high = core_.x_upper[p];
-    delta_ = core_.x[p] < low ? core_.x[p] - low : core_.x[p] - high;
+    const double low = core_.values.x_lower(p);
+    const double high = core_.values.x_upper(p);
+    delta_ = core_.values.x(p) < low ? core_.values.x(p) - low : core_.values.x(p) - high;
     if (stands) return p;
     ++core_.counters.rows_rejected;
   }
@@ -359,7 +348,7 @@ bool Dual::price_and_choose(DualRatioTest::Pick& pick) {
 void Dual::solve_columns(int entering) {
   std::array<Core::Solve, 3> solves;
   size_t count = 0;
-  core_.load_column(entering, alpha_column_);
+  core_.model.load_column(entering, alpha_column_);
   alpha_column_.want_pack = true;
   solves[count++] = {&alpha_column_, &core_.column_density};
   if (rule_->needs_tau()) {
@@ -369,7 +358,8 @@ void Dual::solve_columns(int entering) {
   if (!ratio_test_.flips().empty()) {
     flip_column_.clear();
     for (int j : ratio_test_.flips())
-      core_.add_column(j, core_.move[j] * (core_.work_upper[j] - core_.work_lower[j]), flip_column_);
+      core_.model.add_column(j, core_.basis.move(j) * (core_.work.upper(j) - core_.work.lower(j)),
+                             flip_column_);
     solves[count++] = {&flip_column_, &core_.flip_density};
   }
   core_.ftran({solves.data(), count});
@@ -380,55 +370,52 @@ void Dual::solve_columns(int entering) {
 void Dual::flip() {
   core_.counters.dual.bound_flips += static_cast<std::int64_t>(ratio_test_.flips().size());
   for (int j : ratio_test_.flips()) {
-    objective_ += core_.d[j] * core_.move[j] * (core_.work_upper[j] - core_.work_lower[j]);
-    core_.move[j] = static_cast<signed char>(-core_.move[j]);
-    core_.value[j] = core_.move[j] > 0 ? core_.work_lower[j] : core_.work_upper[j];
+    objective_ += core_.values.d(j) * core_.basis.move(j) * (core_.work.upper(j) - core_.work.lower(j));
+    core_.flip_nonbasic(j);
   }
 }
 
 void Dual::apply(int p, const DualRatioTest::Pick& pick) {
   const int q = pick.variable;
-  const int out = core_.head[p];
+  const int out = core_.basis.head(p);
   if (undo_.active()) save(p, pick);
   if (pick.shift) {
-    objective_ -= core_.d[q] * core_.value[q];
+    objective_ -= core_.values.d(q) * core_.basis.value(q);
     core_.shift_cost(q, 0);
   }
   const int leaving_move = delta_ < 0 ? 1 : -1;
-  const double bound = leaving_move > 0 ? core_.x_lower[p] : core_.x_upper[p];
+  const double bound = leaving_move > 0 ? core_.values.x_lower(p) : core_.values.x_upper(p);
   if (!ratio_test_.flips().empty()) {
     flip();
     update_values(-1, 1.0);
-    delta_ = core_.x[p] - bound;
+    delta_ = core_.values.x(p) - bound;
   }
   objective_ += pick.theta * delta_;
   update_duals(pick.theta);
-  core_.d[q] = 0;
-  core_.d[out] = -pick.theta;
+  core_.values.set_dual(q, 0);
+  core_.values.set_dual(out, -pick.theta);
   const double pivot = alpha_column_.array[p];
   const double step = delta_ / pivot;
-  const double entering_value = core_.value[q] + step;
+  const double entering_value = core_.basis.value(q) + step;
   if (rule_->update({p, alpha_column_, tau_}, norms_)) ++core_.counters.dual.weight_resets;
   update_values(p, step);
   core_.change_basis(q, p, leaving_move);
-  core_.x[p] = entering_value;
-  pricing_rule_.set(
-      p, DualPricing::violation2(entering_value, core_.x_lower[p], core_.x_upper[p], core_.primal_tolerance),
-      norms_.view()[p]);
-  if (!core_.factor.update(alpha_column_, rho_, p)) {
-    core_.has_factor = false;
-    want_factor(FactorReason::update);
-  }
+  core_.values.set_x(p, entering_value);
+  pricing_rule_.set(p,
+                    DualPricing::violation2(entering_value, core_.values.x_lower(p), core_.values.x_upper(p),
+                                            core_.primal_tolerance()),
+                    norms_.view()[p]);
+  if (!core_.update_factor(alpha_column_, rho_, p)) want_factor(FactorReason::update);
   // On trial the factor lasts as long as it takes updates at all.
   const int limit = core_.options.refactor_limit;
-  if (core_.has_factor && !undo_.active() &&
+  if (core_.has_factor() && !undo_.active() &&
       (core_.factor.wants_rebuild() || (limit > 0 && core_.factor.updates() >= limit)))
     want_factor(FactorReason::growth);
   fresh_ = false;
   ++core_.counters.iterations;
   ++(phase1_ ? core_.counters.dual.phase1 : core_.counters.dual.phase2);
-  if (core_.d[out] * core_.move[out] < -core_.dual_tolerance &&
-      core_.work_lower[out] != core_.work_upper[out]) {
+  if (core_.values.d(out) * core_.basis.move(out) < -core_.dual_tolerance() &&
+      core_.work.lower(out) != core_.work.upper(out)) {
     shift(out);
   }
   report(q, out);
@@ -437,62 +424,50 @@ void Dual::apply(int p, const DualRatioTest::Pick& pick) {
 
 /* A feasible reduced cost for nonbasic j, and what that does to the objective of the working costs. */
 void Dual::shift(int j) {
-  const double before = core_.work_cost[j];
-  shift_cost(core_, j);
-  objective_ += (core_.work_cost[j] - before) * core_.value[j];
+  const double before = core_.work.cost(j);
+  core_.shift_to_feasible(j);
+  objective_ += (core_.work.cost(j) - before) * core_.basis.value(j);
 }
 
 void Dual::update_duals(double theta) {
   if (theta == 0) return;
   const std::span<const int> index = ratio_test_.row_index();
   const std::span<const double> alpha = ratio_test_.row_alpha();
-  const size_t size = index.size();
-  const double tolerance = core_.dual_tolerance;
-  for (size_t k = 0; k < size; ++k) {
-    const int j = index[k];
-    const double updated = core_.d[j] - theta * alpha[k];
-    core_.d[j] = updated;
-    if (core_.move[j] * updated < -tolerance) shift(j);
-  }
-  core_.charge(static_cast<std::int64_t>(size));
+  const double tolerance = core_.dual_tolerance();
+  core_.values.update_duals(index, alpha, theta, [&](int j, double d) {
+    if (core_.basis.move(j) * d < -tolerance) shift(j);
+  });
+  core_.charge(static_cast<std::int64_t>(index.size()));
   if (near_) keep_fixed_logicals(theta);
 }
 
 /* Fixed logicals take no part in the ratio test, but the multipliers of their rows are needed when columns
- * come back from being fixed: see Core::d. */
+ * come back from being fixed. */
 void Dual::keep_fixed_logicals(double theta) {
   const auto keep = [&](int i) {
-    const int j = core_.n + i;
-    if (core_.nonbasic[j] && core_.lower[j] == core_.upper[j]) core_.d[j] -= theta * rho_.array[i];
+    const int j = core_.n() + i;
+    if (core_.basis.nonbasic(j) && core_.is_fixed(j)) core_.values.add_dual(j, -theta * rho_.array[i]);
   };
-  if (rho_.count >= 0) {
-    for (int k = 0; k < rho_.count; ++k) keep(rho_.index[k]);
-  } else {
-    for (int i = 0; i < core_.m; ++i) keep(i);
-  }
+  for_listed(rho_, keep);
 }
 
 /* x -= step * column: the entering column's when p >= 0 (without row p), the flips' otherwise. */
 void Dual::update_values(int p, double step) {
   const SparseVector& column = p >= 0 ? alpha_column_ : flip_column_;
-  const double tolerance = core_.primal_tolerance;
+  const double tolerance = core_.primal_tolerance();
   if (column.list_pays()) {
     const double* const weight = norms_.view().data();
-    for (int k = 0; k < column.count; ++k) {
-      const int i = column.index[k];
-      const double value = core_.x[i] - step * column.array[i];
-      core_.x[i] = value;
-      pricing_rule_.set(i, DualPricing::violation2(value, core_.x_lower[i], core_.x_upper[i], tolerance),
-                        weight[i]);
-    }
+    core_.values.move_along(column, step, [&](int i, double x) {
+      pricing_rule_.set(
+          i, DualPricing::violation2(x, core_.values.x_lower(i), core_.values.x_upper(i), tolerance),
+          weight[i]);
+    });
     core_.charge(3 * static_cast<std::int64_t>(column.count));
     return;
   }
-  const double* const change = column.array.data();
-  double* const x = core_.x.data();
-  for (int i = 0; i < core_.m; ++i) x[i] -= step * change[i];
+  core_.values.move_along(column.array, step);
   pricing_rule_.set_all(core_, norms_.view());
-  core_.charge(2 * static_cast<std::int64_t>(core_.m));
+  core_.charge(2 * static_cast<std::int64_t>(core_.m()));
 }
 
 void Dual::report(int entering, int leaving) {
@@ -514,13 +489,13 @@ void Dual::watch_progress() {
     return;
   }
   const std::int64_t patience =
-      patient_ || core_.costs_perturbed ? std::max(1000, core_.m / 2) : kUnperturbedPatience;
+      patient_ || core_.work.costs_perturbed() ? std::max(1000, core_.m() / 2) : kUnperturbedPatience;
   if (core_.counters.iterations - last_progress_iteration_ < patience || undo_.active()) return;
   last_progress_iteration_ = core_.counters.iterations;
   if (perturb_scale_ >= kStrongestPerturbation) return;
-  if (core_.costs_perturbed) perturb_scale_ *= 10;
-  core_.log(core_.costs_perturbed ? "Reperturbation started.\n" : "Perturbation started.\n");
-  perturb_costs(core_, perturb_scale_);
+  if (core_.work.costs_perturbed()) perturb_scale_ *= 10;
+  core_.log(core_.work.costs_perturbed() ? "Reperturbation started.\n" : "Perturbation started.\n");
+  core_.perturb_costs(perturb_scale_);
   if (wanted_ == Rebuild::none) wanted_ = Rebuild::recompute;
 }
 

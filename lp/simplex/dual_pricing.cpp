@@ -22,18 +22,18 @@ void DualPricing::resize(int rows) {
 }
 
 void DualPricing::measure(const Core& core) {
-  const double* const x = core.x.data();
-  const double* const low = core.x_lower.data();
-  const double* const high = core.x_upper.data();
+  const double* const x = core.values.x().data();
+  const double* const low = core.values.x_lower().data();
+  const double* const high = core.values.x_upper().data();
   double* const squared = infeasibility_.data();
-  const double tolerance = core.primal_tolerance;
-  for (int p = 0; p < core.m; ++p) squared[p] = violation2(x[p], low[p], high[p], tolerance);
+  const double tolerance = core.primal_tolerance();
+  for (int p = 0; p < core.m(); ++p) squared[p] = violation2(x[p], low[p], high[p], tolerance);
 }
 
 void DualPricing::set_all(const Core& core, const std::vector<double>& weight) {
   measure(core);
   if (!listed_) return;
-  for (int p = 0; p < core.m; ++p) {
+  for (int p = 0; p < core.m(); ++p) {
     if (!in_list_[p] && infeasibility_[p] > cutoff_ * weight[p]) {
       in_list_[p] = 1;
       list_.push_back(p);
@@ -58,7 +58,7 @@ void DualPricing::rebuild_listed(const Core& core) {
   list_.clear();
   cutoff_ = 0;
   listed_ = true;
-  for (int p = 0; p < core.m; ++p) {
+  for (int p = 0; p < core.m(); ++p) {
     if (infeasibility_[p] == 0) continue;
     in_list_[p] = 1;
     list_.push_back(p);
@@ -69,13 +69,13 @@ void DualPricing::make_list(Core& core, const std::vector<double>& weight) {
   for (int p : list_) in_list_[p] = 0;
   list_.clear();
   cutoff_ = 0;
-  listed_ = core.m > kListKeep && core.column_density.value() < kListColumnDensity;
+  listed_ = core.m() > kListKeep && core.column_density.value() < kListColumnDensity;
   if (!listed_) return;
   score_.clear();
-  for (int p = 0; p < core.m; ++p) {
+  for (int p = 0; p < core.m(); ++p) {
     if (infeasibility_[p] > 0) score_.push_back(infeasibility_[p] / weight[p]);
   }
-  const auto uncut = std::max<size_t>(kListKeep, static_cast<size_t>(kListShare * core.m));
+  const auto uncut = std::max<size_t>(kListKeep, static_cast<size_t>(kListShare * core.m()));
   if (score_.size() > uncut) {
     const auto keep = std::max<size_t>(kListKeep, score_.size() / 100);
     std::nth_element(score_.begin(), score_.begin() + static_cast<std::ptrdiff_t>(keep), score_.end(),
@@ -86,14 +86,14 @@ void DualPricing::make_list(Core& core, const std::vector<double>& weight) {
     in_list_[p] = 1;
     list_.push_back(p);
   };
-  for (int p = 0; p < core.m; ++p) {
+  for (int p = 0; p < core.m(); ++p) {
     if (infeasibility_[p] > cutoff_ * weight[p]) add(p);
   }
   if (cutoff_ == 0 || list_.size() >= kListKeep) return;
   // Many rows tie at the cut-off: fill up with some of them.
-  const int first = core.random.below(core.m);
-  for (int k = 0; k < core.m && list_.size() < kListKeep; ++k) {
-    const int p = first + k < core.m ? first + k : first + k - core.m;
+  const int first = core.random.below(core.m());
+  for (int k = 0; k < core.m() && list_.size() < kListKeep; ++k) {
+    const int p = first + k < core.m() ? first + k : first + k - core.m();
     if (!in_list_[p] && infeasibility_[p] / weight[p] >= kRefill * cutoff_) add(p);
   }
 }
@@ -111,16 +111,16 @@ int DualPricing::scan(Core& core, const std::vector<double>& weight) const {
       }
     }
   };
-  const int first = core.random.below(core.m);
-  look(first, core.m);
+  const int first = core.random.below(core.m());
+  look(first, core.m());
   look(0, first);
-  core.counters.rows_scanned += core.m;
-  core.charge(core.m / 4);
+  core.counters.rows_scanned += core.m();
+  core.charge(core.m() / 4);
   return best;
 }
 
 int DualPricing::choose(Core& core, const std::vector<double>& weight) {
-  if (core.m == 0) return -1;
+  if (core.m() == 0) return -1;
   if (!listed_) return scan(core, weight);
   for (int round = 0; round < 2; ++round) {
     double best_infeasibility = 0;
@@ -147,7 +147,7 @@ int DualPricing::choose(Core& core, const std::vector<double>& weight) {
     core.charge(static_cast<std::int64_t>(size));
     if (cutoff_ == 0 || (best >= 0 && best_infeasibility >= kRefill * cutoff_ * best_weight)) return best;
     make_list(core, weight);
-    core.charge(core.m);
+    core.charge(core.m());
     if (!listed_) return scan(core, weight);
   }
   return scan(core, weight);

@@ -29,7 +29,9 @@ class DualPricing {
   }
   /* set() of one row from the core's value. */
   void update(const Core& core, const std::vector<double>& weight, int p) {
-    set(p, violation2(core.x[p], core.x_lower[p], core.x_upper[p], core.primal_tolerance), weight[p]);
+    set(p,
+        violation2(core.values.x(p), core.values.x_lower(p), core.values.x_upper(p), core.primal_tolerance()),
+        weight[p]);
   }
   /* Best row or -1. */
   int choose(Core& core, const std::vector<double>& weight);

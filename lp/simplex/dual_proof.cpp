@@ -25,9 +25,9 @@ void Dual::each_row_term(Add add) {
   double longest = 0;
   for (const double r : farkas_value_) longest = std::max(longest, std::fabs(r));
   for (size_t k = 0; k < farkas_index_.size(); ++k)
-    add(core_.n + farkas_index_[k], farkas_value_[k], longest);
-  if (static_cast<double>(farkas_index_.size()) > kByRows * core_.m) {
-    for (int j = 0; j < core_.n; ++j) {
+    add(core_.n() + farkas_index_[k], farkas_value_[k], longest);
+  if (static_cast<double>(farkas_index_.size()) > kByRows * core_.m()) {
+    for (int j = 0; j < core_.n(); ++j) {
       double z = 0;
       double terms = 0;
       for (int k = matrix.start[j]; k < matrix.start[j + 1]; ++k) {
@@ -40,9 +40,9 @@ void Dual::each_row_term(Add add) {
     core_.charge(static_cast<std::int64_t>(matrix.index.size()));
     return;
   }
-  if (farkas_row_.dimension() != core_.n) {
-    farkas_row_.resize(core_.n);
-    farkas_terms_.assign(static_cast<size_t>(core_.n), 0.0);
+  if (farkas_row_.dimension() != core_.n()) {
+    farkas_row_.resize(core_.n());
+    farkas_terms_.assign(static_cast<size_t>(core_.n()), 0.0);
   }
   farkas_row_.count = 0;
   std::int64_t touched = 0;
@@ -84,19 +84,21 @@ bool Dual::prove_infeasible() {
   if (rho_.count >= 0) {
     for (int k = 0; k < rho_.count; ++k) keep(rho_.index[k]);
   } else {
-    for (int i = 0; i < core_.m; ++i) keep(i);
+    for (int i = 0; i < core_.m(); ++i) keep(i);
   }
   double least = 0;  // smallest and largest value of the row's activity over the bounds
   double largest = 0;
   double scale = 0;
   core_.ensure_rows();
   each_row_term([&](int j, double z, double terms) {
-    if (std::fabs(z) <= kNegligible * terms && (core_.lower[j] == -kInf || core_.upper[j] == kInf)) return;
-    least += bound_product(z, core_.lower[j], core_.upper[j]);
-    largest -= bound_product(-z, core_.lower[j], core_.upper[j]);
+    if (std::fabs(z) <= kNegligible * terms &&
+        (core_.model.lower(j) == -kInf || core_.model.upper(j) == kInf))
+      return;
+    least += bound_product(z, core_.model.lower(j), core_.model.upper(j));
+    largest -= bound_product(-z, core_.model.lower(j), core_.model.upper(j));
     scale = std::max(scale, std::fabs(z));
   });
-  const double needed = core_.primal_tolerance * std::max(scale, 1e-12);
+  const double needed = core_.primal_tolerance() * std::max(scale, 1e-12);
   if (!(least > needed) && !(largest < -needed)) return false;
   if (least > needed) {
     for (double& y : farkas_value_) y = -y;
@@ -105,7 +107,7 @@ bool Dual::prove_infeasible() {
 }
 
 std::vector<double> Dual::farkas() const {
-  std::vector<double> y(static_cast<size_t>(core_.m), 0.0);
+  std::vector<double> y(static_cast<size_t>(core_.m()), 0.0);
   for (size_t k = 0; k < farkas_index_.size(); ++k) y[farkas_index_[k]] = farkas_value_[k];
   return y;
 }

@@ -12,7 +12,7 @@ constexpr double kGoodAlways = 1.0;  // ... or this size
 }  // namespace
 
 void DualRatioTest::prepare(const Core& core) {
-  const auto size = static_cast<size_t>(core.total) + 1;  // one more: the loops write before they decide
+  const auto size = static_cast<size_t>(core.total()) + 1;  // one more: the loops write before they decide
   if (index_.size() != size) {
     index_.resize(size);
     alpha_.resize(size);
@@ -38,21 +38,21 @@ void DualRatioTest::pack_row(Core& core, const SparseVector& rho, const SparseVe
   if (alpha_row.count >= 0) {
     for (int k = 0; k < alpha_row.count; ++k) structural(alpha_row.index[k]);
   } else {
-    for (int j = 0; j < core.n; ++j) structural(j);
-    core.charge(core.n / 2);
+    for (int j = 0; j < core.n(); ++j) structural(j);
+    core.charge(core.n() / 2);
   }
-  core.row_ap_density.update(count, core.n);
+  core.row_ap_density.update(count, core.n());
   const auto logical = [&](int i) {
-    const int j = core.n + i;
+    const int j = core.n() + i;
     const double a = rho.array[i];
     index[count] = j;
     packed[count] = a;
-    count += (a != 0) & (core.nonbasic[j] != 0) & (core.lower[j] != core.upper[j]);
+    count += (a != 0) & (core.basis.nonbasic(j) != 0) & (core.model.lower(j) != core.model.upper(j));
   };
   if (rho.count >= 0) {
     for (int k = 0; k < rho.count; ++k) logical(rho.index[k]);
   } else {
-    for (int i = 0; i < core.m; ++i) logical(i);
+    for (int i = 0; i < core.m(); ++i) logical(i);
   }
   count_ = count;
   core.charge(2 * static_cast<std::int64_t>(count));
@@ -61,8 +61,8 @@ void DualRatioTest::pack_row(Core& core, const SparseVector& rho, const SparseVe
 void DualRatioTest::find_candidates(const Core& core) {
   const int* const index = index_.data();
   const double* const alpha = alpha_.data();
-  const signed char* const move = core.move.data();
-  const double* const d = core.d.data();
+  const signed char* const move = core.basis.move().data();
+  const double* const d = core.values.d().data();
   int* const slot = slot_.data();
   double* const pivots = pivot_.data();
   double* const duals = dual_.data();
@@ -77,7 +77,7 @@ void DualRatioTest::find_candidates(const Core& core) {
   }
   double relaxed = kInf;
   double largest = 0;
-  const double tolerance = core.dual_tolerance;
+  const double tolerance = core.dual_tolerance();
   for (int c = 0; c < found; ++c) {
     const int j = index[slot[c]];
     const double dual = move[j] * d[j];
@@ -93,15 +93,15 @@ void DualRatioTest::find_candidates(const Core& core) {
 void DualRatioTest::add_free_candidates(const Core& core) {
   for (int k = 0; k < count_; ++k) {
     const int j = index_[k];
-    if (core.move[j] != 0 || core.work_lower[j] != -kInf || core.work_upper[j] != kInf) continue;
+    if (core.basis.move(j) != 0 || core.work.lower(j) != -kInf || core.work.upper(j) != kInf) continue;
     const double a = sign_ * alpha_[k];
     const double pivot = std::fabs(a);
     if (pivot <= smallest_) continue;
-    const double dual = a > 0 ? core.d[j] : -core.d[j];
+    const double dual = a > 0 ? core.values.d(j) : -core.values.d(j);
     slot_[found_] = k;
     pivot_[found_] = pivot;
     dual_[found_++] = dual;
-    relaxed_ = std::min(relaxed_, (dual + core.dual_tolerance) / pivot);
+    relaxed_ = std::min(relaxed_, (dual + core.dual_tolerance()) / pivot);
     largest_alpha_ = std::max(largest_alpha_, pivot);
   }
 }
@@ -111,7 +111,7 @@ void DualRatioTest::load(Core& core, const SparseVector& rho, const SparseVector
   smallest_ = pivot_tolerance(kRowPivot, core.factor.updates());
   pack_row(core, rho, alpha_row);
   find_candidates(core);
-  if (core.free_nonbasic > 0) add_free_candidates(core);
+  if (core.basis.free_nonbasic() > 0) add_free_candidates(core);
 }
 
 /* Large steps: keeps only the candidates whose break points the slope can reach. */
@@ -128,7 +128,7 @@ void DualRatioTest::select_reachable(const Core& core, double delta) {
       const int k = slot_[c];
       if (pivot * reach >= dual) {
         const int j = index_[k];
-        slope -= pivot * (core.work_upper[j] - core.work_lower[j]);
+        slope -= pivot * (core.work.upper(j) - core.work.lower(j));
         candidates_.push_back({j, pivot, alpha_[k], dual, dual / pivot});
       } else {
         slot_[kept] = k;
@@ -157,7 +157,7 @@ DualRatioTest::Pick DualRatioTest::choose(Core& core, double delta) {
   suffix_.resize(selected);
   double least = kInf;
   for (size_t k = selected; k-- > 0;) {
-    least = std::min(least, (candidates_[k].dual + core.dual_tolerance) / candidates_[k].alpha);
+    least = std::min(least, (candidates_[k].dual + core.dual_tolerance()) / candidates_[k].alpha);
     suffix_[k] = least;
   }
   group_.clear();
@@ -169,7 +169,7 @@ DualRatioTest::Pick DualRatioTest::choose(Core& core, double delta) {
     const size_t first = k;
     while (k < selected && (candidates_[k].ratio <= bound || k == first)) {
       const int j = candidates_[k].variable;
-      slope -= candidates_[k].alpha * (core.work_upper[j] - core.work_lower[j]);
+      slope -= candidates_[k].alpha * (core.work.upper(j) - core.work.lower(j));
       ++k;
     }
     if (slope < 0) break;
@@ -188,7 +188,7 @@ DualRatioTest::Pick DualRatioTest::choose(Core& core, double delta) {
       const Candidate& a = candidates_[c];
       const Candidate& b = candidates_[best];
       if (a.alpha > b.alpha ||
-          (a.alpha == b.alpha && core.random_value[a.variable] > core.random_value[b.variable])) {
+          (a.alpha == b.alpha && core.work.random_value(a.variable) > core.work.random_value(b.variable))) {
         best = c;
       }
     }
@@ -200,7 +200,7 @@ DualRatioTest::Pick DualRatioTest::choose(Core& core, double delta) {
   pick.variable = c.variable;
   pick.alpha = c.row;
   pick.shift = c.dual < 0;
-  pick.theta = pick.shift ? 0.0 : core.d[c.variable] / pick.alpha;
+  pick.theta = pick.shift ? 0.0 : core.values.d(c.variable) / pick.alpha;
   if (pick.theta != 0) {
     for (int e = 0; e < group_[chosen_group]; ++e) flips_.push_back(candidates_[e].variable);
   }

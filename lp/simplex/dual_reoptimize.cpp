@@ -25,10 +25,10 @@ void Dual::start_near() {
   phase1_ = false;
   drop_implied_bounds();
   rule_ = &dual_rule(core_.options.dual_pricing);
-  if (!norms_.fits(core_.m)) norms_.reset(core_.m);
-  core_.count_free();
+  if (!norms_.fits(core_.m())) norms_.reset(core_.m());
+  core_.basis.count_free(core_.work);
   ratio_test_.prepare(core_);
-  pricing_rule_.resize(core_.m);
+  pricing_rule_.resize(core_.m());
   pricing_rule_.rebuild_listed(core_);
 }
 
@@ -66,7 +66,7 @@ bool Dual::resume(Step step) {
   if (step != Step::moved && ++rejections_ > kMaxRejections) return false;
   const bool banned = pricing_rule_.banned_count() > 0;
   if (step == Step::no_leaving) core_.raise_threshold();
-  if (!rebuild(wanted_ == Rebuild::refactor || step != Step::moved || !core_.has_factor)) return false;
+  if (!rebuild(wanted_ == Rebuild::refactor || step != Step::moved || !core_.has_factor())) return false;
   if (free_infeasible_ > 0) return false;
   if (banned && step == Step::numerical) {
     pricing_rule_.rebuild(core_, norms_.view(), true);
@@ -82,8 +82,7 @@ void Dual::record() {
 }
 
 void Dual::undo() {
-  core_.factor.undo_updates();
-  core_.has_factor = true;
+  core_.undo_factor_updates();
   undo_.undo(core_, norms_, pricing_rule_);
 }
 
@@ -91,12 +90,8 @@ void Dual::undo() {
 void Dual::save(int p, const DualRatioTest::Pick& pick) {
   for (const int j : ratio_test_.row_index()) undo_.save_dual(core_, j);
   undo_.save_dual(core_, pick.variable);
-  undo_.save_dual(core_, core_.head[p]);
-  if (rho_.count >= 0) {
-    for (int k = 0; k < rho_.count; ++k) undo_.save_dual(core_, core_.n + rho_.index[k]);
-  } else {
-    for (int i = 0; i < core_.m; ++i) undo_.save_dual(core_, core_.n + i);
-  }
+  undo_.save_dual(core_, core_.basis.head(p));
+  for_listed(rho_, [&](int i) { undo_.save_dual(core_, core_.n() + i); });
   undo_.save_basics(core_, norms_, alpha_column_);
   undo_.save_basic(core_, norms_, p);
   if (!ratio_test_.flips().empty()) {
@@ -108,15 +103,15 @@ void Dual::save(int p, const DualRatioTest::Pick& pick) {
 
 double Dual::shift_free_bound() const {
   double bound = objective_;
-  std::vector<int> shifted = core_.shifted;
+  std::vector<int> shifted = core_.work.shifted();
   std::sort(shifted.begin(), shifted.end());
   shifted.erase(std::unique(shifted.begin(), shifted.end()), shifted.end());
   for (const int j : shifted) {
-    const double shift = core_.work_cost[j] - core_.cost[j];
+    const double shift = core_.work.cost(j) - core_.model.cost(j);
     if (shift == 0) continue;
-    const double d = core_.nonbasic[j] ? core_.d[j] : 0.0;
-    if (core_.nonbasic[j]) bound -= d * core_.value[j];
-    bound += bound_product(d - shift, core_.lower[j], core_.upper[j]);
+    const double d = core_.basis.nonbasic(j) ? core_.values.d(j) : 0.0;
+    if (core_.basis.nonbasic(j)) bound -= d * core_.basis.value(j);
+    bound += bound_product(d - shift, core_.model.lower(j), core_.model.upper(j));
   }
   return bound;
 }

@@ -7,8 +7,8 @@ namespace {
 
 /* One solve for each row of the inverse. */
 void compute_norms(Core& core, DualWeights& weights, SparseVector& work) {
-  weights.reset(core.m);
-  for (int p = 0; p < core.m; ++p) {
+  weights.reset(core.m());
+  for (int p = 0; p < core.m(); ++p) {
     work.clear();
     work.set_unit(p);
     core.btran(work, core.row_ep_density);
@@ -20,11 +20,12 @@ void compute_norms(Core& core, DualWeights& weights, SparseVector& work) {
 }  // namespace
 
 void DualSteepestEdge::start(Core& core, bool carried, DualWeights& weights, SparseVector& work) const {
-  if (carried && weights.fits(core.m)) return;
+  if (carried && weights.fits(core.m())) return;
   ++core.counters.dual.weight_resets;
-  const bool logical = std::all_of(core.head.begin(), core.head.end(), [&](int j) { return j >= core.n; });
+  const bool logical =
+      std::all_of(core.basis.head().begin(), core.basis.head().end(), [&](int j) { return j >= core.n(); });
   if (logical || start_ == Start::unit) {
-    weights.reset(core.m);
+    weights.reset(core.m());
   } else {
     core.log("Initializing dual full norms . . .\n");
     compute_norms(core, weights, work);

@@ -7,20 +7,20 @@
 namespace tovik::lp::simplex {
 
 void DualWeights::save(const Core& core) {
-  if (by_variable_.size() != static_cast<size_t>(core.total))
-    by_variable_.assign(static_cast<size_t>(core.total), 1.0);
-  for (int p = 0; p < core.m; ++p) by_variable_[core.head[p]] = weight_[p];
+  if (by_variable_.size() != static_cast<size_t>(core.total()))
+    by_variable_.assign(static_cast<size_t>(core.total()), 1.0);
+  for (int p = 0; p < core.m(); ++p) by_variable_[core.basis.head(p)] = weight_[p];
 }
 
 void DualWeights::restore(const Core& core) {
-  for (int p = 0; p < core.m; ++p) {
-    weight_[p] = by_variable_[core.head[p]];
+  for (int p = 0; p < core.m(); ++p) {
+    weight_[p] = by_variable_[core.basis.head(p)];
   }
-  for (int p = 0; p < core.m; ++p) by_variable_[core.head[p]] = 1.0;
+  for (int p = 0; p < core.m(); ++p) by_variable_[core.basis.head(p)] = 1.0;
 }
 
 void DualRule::start(Core& core, bool /*carried*/, DualWeights& weights, SparseVector& /*work*/) const {
-  weights.reset(core.m);
+  weights.reset(core.m());
   ++core.counters.dual.weight_resets;
 }
 

@@ -53,16 +53,16 @@ struct Activities {
 }  // namespace
 
 ImpliedBounds imply_bounds(const Core& core) {
-  ImpliedBounds result{core.lower, core.upper, 0};
+  ImpliedBounds result{core.model.lower(), core.model.upper(), 0};
   const Matrix& matrix = core.matrix();
   std::vector<double>& lower = result.lower;
   std::vector<double>& upper = result.upper;
-  Activities activity(core.m);
-  for (int j = 0; j < core.n; ++j) {
+  Activities activity(core.m());
+  for (int j = 0; j < core.n(); ++j) {
     for (int k = matrix.start[j]; k < matrix.start[j + 1]; ++k)
       activity.add(matrix.index[k], matrix.value[k], lower[j], upper[j]);
   }
-  std::vector<char> made_lower(static_cast<size_t>(core.n), 0), made_upper(made_lower);
+  std::vector<char> made_lower(static_cast<size_t>(core.n()), 0), made_upper(made_lower);
   int changes = 0;
   const auto move = [&](int j, double bound, bool is_upper) {
     double& old = is_upper ? upper[j] : lower[j];
@@ -75,7 +75,7 @@ ImpliedBounds imply_bounds(const Core& core) {
   };
   for (int sweep = 0; sweep < kSweeps; ++sweep) {
     changes = 0;
-    for (int j = 0; j < core.n; ++j) {
+    for (int j = 0; j < core.n(); ++j) {
       if (lower[j] != -kInf && upper[j] != kInf && !made_lower[j] && !made_upper[j]) continue;
       double high = kInf;
       double low = -kInf;
@@ -83,8 +83,8 @@ ImpliedBounds imply_bounds(const Core& core) {
         const int i = matrix.index[k];
         const double a = matrix.value[k];
         if (std::fabs(a) < kSmallEntry) continue;
-        const double row_lower = -core.upper[core.n + i];
-        const double row_upper = -core.lower[core.n + i];
+        const double row_lower = -core.model.upper(core.n() + i);
+        const double row_upper = -core.model.lower(core.n() + i);
         // a x_j <= row_upper - (smallest activity of the others), a x_j >= row_lower - (largest of the
         // others)
         const double own_low = a > 0 ? lower[j] : upper[j];
@@ -123,7 +123,7 @@ ImpliedBounds imply_bounds(const Core& core) {
     }
     if (changes == 0) break;
   }
-  for (int j = 0; j < core.n; ++j) {
+  for (int j = 0; j < core.n(); ++j) {
     if (made_upper[j]) upper[j] += kLoosen * (1.0 + std::fabs(upper[j]));
     if (made_lower[j]) lower[j] -= kLoosen * (1.0 + std::fabs(lower[j]));
   }

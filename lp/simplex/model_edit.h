@@ -6,6 +6,7 @@
 #pragma once
 
 #include <span>
+#include <utility>
 #include <vector>
 
 #include "lp/base/lp_data.h"
@@ -49,5 +50,50 @@ inline std::vector<int> renumbering(int count, std::span<const int> gone) {
   }
   return number;
 }
+
+/* An edit as vectors by variable and by position see it, from sizes n and m. The positions are those of the
+ * deleted rows' logicals, which are basic. */
+class IndexEdit {
+ public:
+  IndexEdit(const ModelEdit& change, int n, int m, std::vector<int> positions)
+      : change_(change),
+        positions_(std::move(positions)),
+        old_n_(n),
+        kept_columns_(n - static_cast<int>(change.deleted_columns.size())),
+        kept_rows_(m - static_cast<int>(change.deleted_rows.size())) {
+    if (!change.deleted_rows.empty()) row_number_ = renumbering(m, change.deleted_rows);
+    if (!change.deleted_columns.empty()) column_number_ = renumbering(n, change.deleted_columns);
+  }
+
+  int kept_columns() const { return kept_columns_; }
+  int kept_rows() const { return kept_rows_; }
+  int n() const { return kept_columns_ + change_.new_columns(); }  // after the edit
+  int m() const { return kept_rows_ + change_.new_rows(); }
+  const std::vector<int>& row_number() const { return row_number_; }  // empty: no row goes
+  /* Number of variable j after the edit. */
+  int renumber(int j) const {
+    if (j < old_n_) return column_number_.empty() ? j : column_number_[j];
+    return n() + (row_number_.empty() ? j - old_n_ : row_number_[j - old_n_]);
+  }
+  /* A vector of n + m entries: those that go are erased, new ones are 0. */
+  template <class T>
+  void edit_variables(std::vector<T>& v) const {
+    erase_indices(v, change_.deleted_rows, old_n_);
+    erase_indices(v, change_.deleted_columns);
+    v.insert(v.begin() + kept_columns_, static_cast<size_t>(change_.new_columns()), T{});
+    v.resize(v.size() + static_cast<size_t>(change_.new_rows()), T{});
+  }
+  /* A vector of m entries by position: new rows' logicals come last, with 0. */
+  template <class T>
+  void edit_positions(std::vector<T>& v) const {
+    erase_indices(v, positions_);
+    v.resize(static_cast<size_t>(m()), T{});
+  }
+
+ private:
+  const ModelEdit& change_;
+  std::vector<int> positions_, row_number_, column_number_;
+  int old_n_, kept_columns_, kept_rows_;
+};
 
 }  // namespace tovik::lp::simplex

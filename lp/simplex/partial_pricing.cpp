@@ -14,22 +14,22 @@ constexpr int kManyRows = 2000;  // from here on bases are mostly so sparse that
 constexpr int kLargest = 4;      // the set is thinned when larger than this many times rows + additions
 
 double dual_infeasibility(const Core& core, int j) {
-  const double d = core.d[j];
-  return core.move[j] > 0 ? -d : core.move[j] < 0 ? d : std::fabs(d);
+  const double d = core.values.d(j);
+  return core.basis.move(j) > 0 ? -d : core.basis.move(j) < 0 ? d : std::fabs(d);
 }
 }  // namespace
 
 void PartialPricing::start(Core& core) {
   const int wanted = core.options.price_candidates;
-  on_ = wanted > 0 ? wanted < core.n : core.n >= kWideLeast && core.n > kWide * core.m;
+  on_ = wanted > 0 ? wanted < core.n() : core.n() >= kWideLeast && core.n() > kWide * core.m();
   if (!on_) return;
-  add_ = wanted > 0 ? wanted : core.m < kManyRows ? std::clamp(core.m, kAddLeast, kAddMost) : kAddLeast;
-  member_.assign(static_cast<size_t>(core.n), 0);
-  norm_.assign(static_cast<size_t>(core.n), 1.0);
+  add_ = wanted > 0 ? wanted : core.m() < kManyRows ? std::clamp(core.m(), kAddLeast, kAddMost) : kAddLeast;
+  member_.assign(static_cast<size_t>(core.n()), 0);
+  norm_.assign(static_cast<size_t>(core.n()), 1.0);
   const Matrix& a = core.matrix();
-  for (int j = 0; j < core.n; ++j) {
+  for (int j = 0; j < core.n(); ++j) {
     for (int k = a.start[j]; k < a.start[j + 1]; ++k) norm_[j] += a.value[k] * a.value[k];
-    if (core.nonbasic[j]) {
+    if (core.basis.nonbasic(j)) {
       core.rows.deactivate(j);
     } else {
       member_[j] = 1;
@@ -40,7 +40,7 @@ void PartialPricing::start(Core& core) {
 void PartialPricing::reselect(Core& core, double tolerance) {
   found_.clear();
   universe_.clear();
-  for (int j = 0; j < core.n; ++j) {
+  for (int j = 0; j < core.n(); ++j) {
     if (member_[j]) {
       universe_.push_back(j);
     } else if (!core.is_fixed(j)) {
@@ -48,10 +48,10 @@ void PartialPricing::reselect(Core& core, double tolerance) {
       if (v > tolerance) found_.emplace_back(v * v / norm_[j], j);
     }
   }
-  core.charge(core.n);
-  if (static_cast<double>(universe_.size()) > static_cast<double>(kLargest) * (core.m + add_)) {
+  core.charge(core.n());
+  if (static_cast<double>(universe_.size()) > static_cast<double>(kLargest) * (core.m() + add_)) {
     std::erase_if(universe_, [&](int j) {
-      if (!core.nonbasic[j] || dual_infeasibility(core, j) > -tolerance) return false;
+      if (!core.basis.nonbasic(j) || dual_infeasibility(core, j) > -tolerance) return false;
       member_[j] = 0;
       core.rows.deactivate(j);
       return true;
@@ -66,14 +66,14 @@ void PartialPricing::reselect(Core& core, double tolerance) {
     core.rows.activate(j);
     universe_.push_back(j);
   }
-  for (int i = 0; i < core.m; ++i) universe_.push_back(core.n + i);
+  for (int i = 0; i < core.m(); ++i) universe_.push_back(core.n() + i);
 }
 
 void PartialPricing::finish(Core& core) {
   if (!on_) return;
   on_ = false;
-  for (int j = 0; j < core.n; ++j) {
-    if (core.nonbasic[j] && !core.is_fixed(j)) core.rows.activate(j);
+  for (int j = 0; j < core.n(); ++j) {
+    if (core.basis.nonbasic(j) && !core.is_fixed(j)) core.rows.activate(j);
   }
 }
 

@@ -3,28 +3,15 @@
 #include <cmath>
 
 namespace tovik::lp::simplex {
-namespace {
-
-/* Calls f(index) for every listed entry, or for all. */
-template <class F>
-void each_entry(const SparseVector& v, F f) {
-  if (v.count >= 0) {
-    for (int k = 0; k < v.count; ++k) f(v.index[k]);
-  } else {
-    for (int i = 0; i < v.dimension(); ++i) f(i);
-  }
-}
-
-}  // namespace
 
 void PendingChanges::resize() {
   clear();
-  if (value_shift_.dimension() != core_.m) {
-    value_shift_.resize(core_.m);
-    cost_shift_.resize(core_.m);
+  if (value_shift_.dimension() != core_.m()) {
+    value_shift_.resize(core_.m());
+    cost_shift_.resize(core_.m());
   }
-  if (row_.dimension() != core_.n) row_.resize(core_.n);
-  is_touched_.resize(static_cast<size_t>(core_.total), 0);
+  if (row_.dimension() != core_.n()) row_.resize(core_.n());
+  is_touched_.resize(static_cast<size_t>(core_.total()), 0);
 }
 
 void PendingChanges::clear() {
@@ -38,12 +25,13 @@ void PendingChanges::clear() {
 void PendingChanges::note(int j) {
   if (is_touched_[j]) return;
   is_touched_[j] = 1;
-  touched_.push_back({j, core_.nonbasic[j] != 0 && j < core_.n && core_.is_fixed(j), core_.value[j]});
+  touched_.push_back(
+      {j, core_.basis.nonbasic(j) != 0 && j < core_.n() && core_.is_fixed(j), core_.basis.value(j)});
 }
 
 double PendingChanges::reduced_cost(int j) const {
   const Matrix& matrix = core_.matrix();
-  double sum = core_.work_cost[j];
+  double sum = core_.work.cost(j);
   for (int k = matrix.start[j]; k < matrix.start[j + 1]; ++k)
     sum -= matrix.value[k] * multiplier(matrix.index[k]);
   return sum;
@@ -51,16 +39,15 @@ double PendingChanges::reduced_cost(int j) const {
 
 /* The working cost becomes the model's. */
 void PendingChanges::change_cost(int j, double nonbasic_value, double& objective) {
-  const double change = core_.cost[j] - core_.work_cost[j];
+  const double change = core_.work.take_model_cost(core_.model, j);
   if (change == 0) return;
-  core_.work_cost[j] = core_.cost[j];
-  if (core_.nonbasic[j]) {
-    core_.d[j] += change;
+  if (core_.basis.nonbasic(j)) {
+    core_.values.add_dual(j, change);
     objective += change * nonbasic_value;
     return;
   }
-  const int p = core_.position[j];
-  objective += change * core_.x[p];
+  const int p = core_.basis.position(j);
+  objective += change * core_.values.x(p);
   if (cost_shift_.array[p] == 0) cost_shift_.index[cost_shift_.count++] = p;
   cost_shift_.array[p] = change;
 }
@@ -69,18 +56,18 @@ void PendingChanges::change_cost(int j, double nonbasic_value, double& objective
 void PendingChanges::spread_costs(MarkedList& wrong) {
   if (cost_shift_.count == 0) return;
   core_.btran(cost_shift_, cost_density_);
-  each_entry(cost_shift_, [&](int i) {
+  for_listed(cost_shift_, [&](int i) {
     const double change = cost_shift_.array[i];
-    const int j = core_.n + i;
-    if (change == 0 || !core_.nonbasic[j]) return;
-    core_.d[j] -= change;
+    const int j = core_.n() + i;
+    if (change == 0 || !core_.basis.nonbasic(j)) return;
+    core_.values.add_dual(j, -change);
     judge(j, wrong);
   });
   row_.clear();
   core_.price(cost_shift_, row_);
-  each_entry(row_, [&](int j) {
-    if (row_.array[j] == 0 || !core_.nonbasic[j]) return;
-    core_.d[j] -= row_.array[j];
+  for_listed(row_, [&](int j) {
+    if (row_.array[j] == 0 || !core_.basis.nonbasic(j)) return;
+    core_.values.add_dual(j, -row_.array[j]);
     judge(j, wrong);
   });
   cost_shift_.clear();
@@ -89,16 +76,17 @@ void PendingChanges::spread_costs(MarkedList& wrong) {
 /* A nonbasic variable whose reduced cost has changed: boxed ones move, others may be left wrong. Touched ones
  * wait for their place. */
 void PendingChanges::judge(int j, MarkedList& wrong) {
-  const double low = core_.work_lower[j];
-  const double high = core_.work_upper[j];
-  const double tolerance = core_.dual_tolerance;
+  const double low = core_.work.lower(j);
+  const double high = core_.work.upper(j);
+  const double tolerance = core_.dual_tolerance();
   if (low == high || is_touched_[j]) return;
-  if (core_.move[j] == 0 ? std::fabs(core_.d[j]) <= tolerance : core_.move[j] * core_.d[j] >= -tolerance)
+  if (core_.basis.move(j) == 0 ? std::fabs(core_.values.d(j)) <= tolerance
+                               : core_.basis.move(j) * core_.values.d(j) >= -tolerance)
     return;
   if (high - low < kInf) {
-    const double before = core_.value[j];
-    core_.place_nonbasic(j, core_.d[j] > 0 ? 1 : -1);
-    moved_.push_back({j, core_.value[j] - before});
+    const double before = core_.basis.value(j);
+    core_.place_nonbasic(j, core_.values.d(j) > 0 ? 1 : -1);
+    moved_.push_back({j, core_.basis.value(j) - before});
   } else {
     wrong.add(j);
   }
@@ -107,14 +95,14 @@ void PendingChanges::judge(int j, MarkedList& wrong) {
 /* A touched nonbasic variable goes to the bound that its reduced cost asks for, else to the nearer one. */
 void PendingChanges::place(const Touched& t, MarkedList& wrong) {
   const int j = t.variable;
-  if (j < core_.n && (t.inactive || core_.is_fixed(j))) core_.d[j] = reduced_cost(j);
-  const double d = core_.d[j];
-  const double low = core_.work_lower[j];
-  const double high = core_.work_upper[j];
+  if (j < core_.n() && (t.inactive || core_.is_fixed(j))) core_.values.set_dual(j, reduced_cost(j));
+  const double d = core_.values.d(j);
+  const double low = core_.work.lower(j);
+  const double high = core_.work.upper(j);
   const bool nearer_low = std::fabs(t.value - low) <= std::fabs(t.value - high);
-  const bool clear = std::fabs(d) > core_.dual_tolerance;
+  const bool clear = std::fabs(d) > core_.dual_tolerance();
   core_.place_nonbasic(j, clear ? (d > 0 ? 1 : -1) : nearer_low ? 1 : -1);
-  if (core_.value[j] != t.value) moved_.push_back({j, core_.value[j] - t.value});
+  if (core_.basis.value(j) != t.value) moved_.push_back({j, core_.basis.value(j) - t.value});
   judge(j, wrong);
 }
 
@@ -122,18 +110,18 @@ void PendingChanges::move_values(Dual& dual, double& objective) {
   if (moved_.empty()) return;
   value_shift_.clear();
   for (const Moved& v : moved_) {
-    objective += core_.d[v.variable] * v.change;
-    core_.add_column(v.variable, -v.change, value_shift_);
+    objective += core_.values.d(v.variable) * v.change;
+    core_.model.add_column(v.variable, -v.change, value_shift_);
   }
   moved_.clear();
   if (value_shift_.count == 0) return;
   core_.ftran(value_shift_, value_density_);
-  each_entry(value_shift_, [&](int p) {
+  for_listed(value_shift_, [&](int p) {
     if (value_shift_.array[p] == 0) return;
-    core_.x[p] += value_shift_.array[p];
+    core_.values.add_x(p, value_shift_.array[p]);
     dual.touch(p);
   });
-  core_.charge(value_shift_.count >= 0 ? value_shift_.count : core_.m);
+  core_.charge(value_shift_.count >= 0 ? value_shift_.count : core_.m());
 }
 
 /* What was wrong before may have been mended by what has changed since. */
@@ -142,7 +130,7 @@ void PendingChanges::recheck(MarkedList& wrong) {
   recheck_.assign(wrong.view().begin(), wrong.view().end());
   wrong.clear();
   for (const int j : recheck_) {
-    if (core_.nonbasic[j]) judge(j, wrong);
+    if (core_.basis.nonbasic(j)) judge(j, wrong);
   }
 }
 
@@ -153,14 +141,12 @@ void PendingChanges::apply(Dual& dual, double& objective, MarkedList& wrong) {
   for (const Touched& t : touched_) {
     const int j = t.variable;
     is_touched_[j] = 0;
-    if (core_.nonbasic[j]) {
+    if (core_.basis.nonbasic(j)) {
       place(t, wrong);
       continue;
     }
-    const int p = core_.position[j];
-    core_.x_lower[p] = core_.work_lower[j];
-    core_.x_upper[p] = core_.work_upper[j];
-    dual.touch(p);
+    core_.take_basic_bounds(j);
+    dual.touch(core_.basis.position(j));
   }
   touched_.clear();
   recheck(wrong);
@@ -168,15 +154,14 @@ void PendingChanges::apply(Dual& dual, double& objective, MarkedList& wrong) {
 }
 
 void PendingChanges::remove_shifts(Dual& dual, double& objective, MarkedList& wrong) {
-  if (!core_.costs_shifted) return;
+  if (!core_.work.costs_shifted()) return;
   cost_shift_.clear();
-  for (const int j : core_.shifted) {
-    const bool moves = core_.work_cost[j] != core_.cost[j];
-    change_cost(j, core_.value[j], objective);
-    if (moves && core_.nonbasic[j]) judge(j, wrong);
+  for (const int j : core_.work.shifted()) {
+    const bool moves = core_.work.cost(j) != core_.model.cost(j);
+    change_cost(j, core_.basis.value(j), objective);
+    if (moves && core_.basis.nonbasic(j)) judge(j, wrong);
   }
-  core_.shifted.clear();
-  core_.costs_shifted = false;
+  core_.work.forget_shifts();
   spread_costs(wrong);
   recheck(wrong);
   move_values(dual, objective);

@@ -5,7 +5,7 @@
  * by one BTRAN and one priced row for all changed costs of basic variables, and looks at nothing else.
  *
  * - Holds: the touched variables with their values of before. Nothing of size n or m is gone through.
- * - Writes: the core's x, x_lower, x_upper, d, work_cost and the places of the nonbasic variables that it
+ * - Writes: the core's x, x_lower, x_upper, d, working costs and the places of the nonbasic variables that it
  * moves; tells the dual pricing which positions to look at.
  * - Order: resize() for a new shape; note() before each change; apply() or clear().
  * - Needs: a factor, a row copy that is not stale, and d of fixed logicals in step (Dual::start_near).
@@ -43,8 +43,8 @@ class PendingChanges {
   void remove_shifts(Dual& dual, double& objective, MarkedList& wrong);
   /* Multiplier of row i, scaled, from the logical's reduced cost. */
   double multiplier(int i) const {
-    const int j = core_.n + i;
-    return core_.nonbasic[j] ? core_.work_cost[j] - core_.d[j] : core_.work_cost[j];
+    const int j = core_.n() + i;
+    return core_.basis.nonbasic(j) ? core_.work.cost(j) - core_.values.d(j) : core_.work.cost(j);
   }
   /* Reduced cost of column j from the multipliers. */
   double reduced_cost(int j) const;

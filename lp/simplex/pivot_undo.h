@@ -21,13 +21,15 @@ class PivotUndo {
   void start(const Core& core);
   bool active() const { return active_; }
 
-  void save_dual(const Core& core, int j) { duals_.push_back({j, core.d[j], core.work_cost[j]}); }
+  void save_dual(const Core& core, int j) { duals_.push_back({j, core.values.d(j), core.work.cost(j)}); }
   void save_basic(const Core& core, const DualWeights& norms, int p) {
-    basics_.push_back({p, core.x[p], norms.view()[p]});
+    basics_.push_back({p, core.values.x(p), norms.view()[p]});
   }
   /* The basic values and weights in the pattern of a column; all of them where it has no list. */
   void save_basics(const Core& core, const DualWeights& norms, const SparseVector& column);
-  void save_nonbasic(const Core& core, int j) { nonbasics_.push_back({j, core.move[j], core.value[j]}); }
+  void save_nonbasic(const Core& core, int j) {
+    nonbasics_.push_back({j, core.basis.move(j), core.basis.value(j)});
+  }
   /* Before entering replaces the basic variable of position p. */
   void save_pivot(const Core& core, int entering, int p);
 
@@ -44,7 +46,7 @@ class PivotUndo {
   };
   struct Nonbasic {
     int variable;
-    signed char move;
+    int move;
     double value;
   };
   struct Pivot {
@@ -52,8 +54,7 @@ class PivotUndo {
     double lower, upper;
   };
   bool active_ = false;
-  bool costs_shifted_ = false;
-  size_t shifted_ = 0;
+  WorkingData::ShiftMark shifts_;
   int free_nonbasic_ = 0;
   EngineRandom random_;
   std::vector<Dual> duals_;

@@ -21,15 +21,15 @@ constexpr double kHighestThreshold = 0.9;
 }  // namespace
 
 Primal::Primal(Core& core) : core_(core) {
-  column_.resize(core.m);
-  rho_.resize(core.m);
-  mu_.resize(core.m);
-  changes_.resize(core.m);
-  alpha_row_.resize(core.n);
+  column_.resize(core.m());
+  rho_.resize(core.m());
+  mu_.resize(core.m());
+  changes_.resize(core.m());
+  alpha_row_.resize(core.n());
   ratio_.resize(core);
-  violation_.assign(static_cast<size_t>(core.m), 0);
-  row_index_.reserve(static_cast<size_t>(core.total));
-  row_alpha_.reserve(static_cast<size_t>(core.total));
+  violation_.assign(static_cast<size_t>(core.m()), 0);
+  row_index_.reserve(static_cast<size_t>(core.total()));
+  row_alpha_.reserve(static_cast<size_t>(core.total()));
 }
 
 Outcome Primal::solve(std::int64_t iteration_budget) {
@@ -42,7 +42,7 @@ Outcome Primal::solve(std::int64_t iteration_budget) {
   progress_ = 0;
   progress_mark_ = core_.counters.iterations;
   perturb_scale_ = 0;
-  optimality_tolerance_ = std::min(kAttraction, core_.dual_tolerance);
+  optimality_tolerance_ = std::min(kAttraction, core_.dual_tolerance());
   tightened_ = false;
   tighten_end_ = 0;
   start_ = marked_at_ = core_.counters.iterations;
@@ -54,7 +54,7 @@ Outcome Primal::solve(std::int64_t iteration_budget) {
   costs_are_phase1_ = false;
   accept_small_ = false;
   objective_ = kInf;
-  wanted_ = core_.has_factor ? Rebuild::recompute : Rebuild::refactor;
+  wanted_ = core_.has_factor() ? Rebuild::recompute : Rebuild::refactor;
   if (wanted_ == Rebuild::refactor && core_.refactor() == FactorState::singular) return Outcome::singular;
   wanted_ = Rebuild::none;
   bounds_.restore(core_);
@@ -148,7 +148,7 @@ bool Primal::end_tightening() {
   if (tighten_end_ == 0 || tightened_) return false;
   tightened_ = true;
   rejections_ = 0;
-  optimality_tolerance_ = std::min(kAttraction, core_.dual_tolerance);
+  optimality_tolerance_ = std::min(kAttraction, core_.dual_tolerance());
   return true;
 }
 
@@ -165,14 +165,14 @@ bool Primal::stuck() {
     marked_at_ = iterations;
     return false;
   }
-  return iterations - marked_at_ > std::max(kStuckLeast, kStuckShare * core_.total);
+  return iterations - marked_at_ > std::max(kStuckLeast, kStuckShare * core_.total());
 }
 
 /* Puts the model's bounds and costs back and makes x and d belong to them. */
 Outcome Primal::finish(Outcome outcome) {
   partial_.finish(core_);
   if (outcome == Outcome::singular) return outcome;
-  const bool refactor = wanted_ == Rebuild::refactor || !core_.has_factor;
+  const bool refactor = wanted_ == Rebuild::refactor || !core_.has_factor();
   if (refactor && factor() == FactorState::singular) return Outcome::singular;
   if (bounds_.changed() || refactor || wanted_ == Rebuild::recompute) {
     bounds_.restore(core_);
@@ -191,7 +191,7 @@ Outcome Primal::finish(Outcome outcome) {
 // --------------------------------------------------------------------------------------------------------
 
 bool Primal::rebuild() {
-  bool refactor = wanted_ == Rebuild::refactor || !core_.has_factor;
+  bool refactor = wanted_ == Rebuild::refactor || !core_.has_factor();
   for (;;) {
     if (refactor) {
       const FactorState state = factor();
@@ -201,7 +201,7 @@ bool Primal::rebuild() {
     core_.compute_primal();
     if (residual() <= kResidual) break;
     if (core_.factor.updates() == 0) {  // a fresh factor that is not accurate: larger pivots
-      if (core_.threshold >= kHighestThreshold) break;
+      if (core_.threshold() >= kHighestThreshold) break;
       core_.raise_threshold();
     }
     refactor = true;
@@ -226,12 +226,12 @@ bool Primal::rebuild() {
 }
 
 void Primal::choose_phase() {
-  const double tolerance = core_.primal_tolerance;
+  const double tolerance = core_.primal_tolerance();
   infeasible_ = 0;
-  for (int p = 0; p < core_.m; ++p) {
-    const double x = core_.x[p];
-    const double below = core_.x_lower[p] - x;
-    const double above = x - core_.x_upper[p];
+  for (int p = 0; p < core_.m(); ++p) {
+    const double x = core_.values.x(p);
+    const double below = core_.values.x_lower(p) - x;
+    const double above = x - core_.values.x_upper(p);
     violation_[p] = 0;
     const double violation = std::max(below, above);
     if (violation <= tolerance) continue;
@@ -248,14 +248,14 @@ void Primal::choose_phase() {
   } else if (costs_are_phase1_) {
     core_.use_original_costs();
     costs_are_phase1_ = false;
-    optimality_tolerance_ = std::min(kAttraction, core_.dual_tolerance);
+    optimality_tolerance_ = std::min(kAttraction, core_.dual_tolerance());
   }
 }
 
 void Primal::set_phase1_costs() {
-  if (!costs_are_phase1_) std::fill(core_.work_cost.begin(), core_.work_cost.end(), 0.0);
+  if (!costs_are_phase1_) core_.work.start_phase1_costs();
   costs_are_phase1_ = true;
-  for (int p = 0; p < core_.m; ++p) core_.work_cost[core_.head[p]] = violation_[p];
+  for (int p = 0; p < core_.m(); ++p) core_.work.set_phase1_cost(core_.basis.head(p), violation_[p]);
 }
 
 // ---- limits and stalls
@@ -300,7 +300,7 @@ void Primal::watch_degeneracy(double gain) {
   }
   if (restores_ >= kPerturbedRestores || tighten_end_ > 0) return;
   const int after = core_.options.perturb_after;
-  const bool stalled = core_.counters.iterations - progress_mark_ > std::max(1000, core_.m / 2);
+  const bool stalled = core_.counters.iterations - progress_mark_ > std::max(1000, core_.m() / 2);
   if (bounds_.perturbing() ? !stalled
       : after > 0          ? degenerate_total_ < after
                            : degeneracy_ < kShare && !stalled)

@@ -7,47 +7,43 @@ namespace tovik::lp::simplex {
 
 void PrimalBounds::perturb(Core& core, double scale) {
   scale_ = scale;
-  core.bounds_perturbed = true;
   ++core.counters.primal.perturbations;
-  for (int p = 0; p < core.m; ++p) {
-    const int j = core.head[p];
-    widen(core, j);
-    core.x_lower[p] = core.work_lower[j];
-    core.x_upper[p] = core.work_upper[j];
-  }
+  for (const int j : core.basis.head()) widen(core, j);
+  core.values.gather_bounds(core.work, core.basis);
 }
 
 void PrimalBounds::widen(Core& core, int j) const {
   if (scale_ == 0 || core.is_fixed(j)) return;
-  const double size = core.options.perturb_magnitude * scale_ * (1.0 + core.random_value[j]);
-  const double low = core.lower[j];
-  const double high = core.upper[j];
-  if (low != -kInf)
-    core.work_lower[j] = std::min(core.work_lower[j], low - size * std::max(1.0, std::fabs(low)));
-  if (high != kInf)
-    core.work_upper[j] = std::max(core.work_upper[j], high + size * std::max(1.0, std::fabs(high)));
+  const double size = core.options.perturb_magnitude * scale_ * (1.0 + core.work.random_value(j));
+  const double low = core.model.lower(j);
+  const double high = core.model.upper(j);
+  double wide_low = core.work.lower(j);
+  double wide_high = core.work.upper(j);
+  if (low != -kInf) wide_low = std::min(wide_low, low - size * std::max(1.0, std::fabs(low)));
+  if (high != kInf) wide_high = std::max(wide_high, high + size * std::max(1.0, std::fabs(high)));
+  core.work.set_bounds(j, wide_low, wide_high);
 }
 
 void PrimalBounds::shift_behind(Core& core, int p) {
-  const int j = core.head[p];
-  const double beyond = core.random.real() * core.primal_tolerance;
-  if (core.x[p] < core.x_lower[p]) {
-    core.work_lower[j] = core.x_lower[p] = core.x[p] - beyond;
+  const double beyond = core.random.real() * core.primal_tolerance();
+  const double x = core.values.x(p);
+  if (x < core.values.x_lower(p)) {
+    shift(core, p, x - beyond, core.values.x_upper(p));
   } else {
-    core.work_upper[j] = core.x_upper[p] = core.x[p] + beyond;
+    shift(core, p, core.values.x_lower(p), x + beyond);
   }
-  shifted_ = true;
-  core.bounds_perturbed = true;
-  ++core.counters.shifts;
 }
 
 void PrimalBounds::shift_to_value(Core& core, int p, int leaving_move) {
-  const int j = core.head[p];
-  const bool fixed = core.work_lower[j] == core.work_upper[j];
-  if (fixed || leaving_move > 0) core.work_lower[j] = core.x_lower[p] = core.x[p];
-  if (fixed || leaving_move < 0) core.work_upper[j] = core.x_upper[p] = core.x[p];
+  const double x = core.values.x(p);
+  const bool fixed = core.work.is_fixed(core.basis.head(p));
+  shift(core, p, fixed || leaving_move > 0 ? x : core.values.x_lower(p),
+        fixed || leaving_move < 0 ? x : core.values.x_upper(p));
+}
+
+void PrimalBounds::shift(Core& core, int p, double lower, double upper) {
+  core.set_basic_bounds(p, lower, upper);
   shifted_ = true;
-  core.bounds_perturbed = true;
   ++core.counters.shifts;
 }
 
@@ -55,18 +51,15 @@ void PrimalBounds::restore(Core& core) {
   if (changed()) ++core.counters.primal.restores;
   scale_ = 0;
   shifted_ = false;
-  core.bounds_perturbed = false;
-  for (int j = 0; j < core.total; ++j) {
-    core.work_lower[j] = core.lower[j];
-    core.work_upper[j] = core.upper[j];
-    if (!core.nonbasic[j]) continue;
-    const bool between = core.move[j] == 0 && core.value[j] > core.lower[j] && core.value[j] < core.upper[j];
-    if (!between) core.place_nonbasic(j, core.move[j]);
+  core.work.use_model_bounds(core.model);
+  for (int j = 0; j < core.total(); ++j) {
+    if (!core.basis.nonbasic(j)) continue;
+    const double value = core.basis.value(j);
+    const bool between =
+        core.basis.move(j) == 0 && value > core.model.lower(j) && value < core.model.upper(j);
+    if (!between) core.place_nonbasic(j, core.basis.move(j));
   }
-  for (int p = 0; p < core.m; ++p) {
-    core.x_lower[p] = core.lower[core.head[p]];
-    core.x_upper[p] = core.upper[core.head[p]];
-  }
+  core.values.gather_bounds(core.work, core.basis);
 }
 
 }  // namespace tovik::lp::simplex

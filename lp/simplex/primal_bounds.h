@@ -28,6 +28,7 @@ class PrimalBounds {
   void restore(Core& core);
 
  private:
+  void shift(Core& core, int p, double lower, double upper);
   double scale_ = 0;
   bool shifted_ = false;
 };

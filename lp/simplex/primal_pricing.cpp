@@ -16,12 +16,13 @@ constexpr double kTie = 1 - 1e-12;     // score this close to the cut-off equal 
 constexpr double kListLongest = 0.2;   // share of all variables at which the list is made anew
 
 bool is_logical(const Core& core) {
-  return std::all_of(core.head.begin(), core.head.end(), [&](int j) { return j >= core.n; });
+  return std::all_of(core.basis.head().begin(), core.basis.head().end(),
+                     [&](int j) { return j >= core.n(); });
 }
 }  // namespace
 
 void PrimalPricing::start(Core& core, bool partial) {
-  const auto size = static_cast<size_t>(core.total);
+  const auto size = static_cast<size_t>(core.total());
   automatic_ = core.options.primal_pricing == Pricing::automatic;
   edge_work_ = 0;
   switch (core.options.primal_pricing) {
@@ -53,8 +54,8 @@ void PrimalPricing::start(Core& core, bool partial) {
 
 void PrimalPricing::reset(Core& core) {
   ++core.counters.primal.weight_resets;
-  weight_.assign(static_cast<size_t>(core.total), 1.0);
-  reference_.assign(core.nonbasic.begin(), core.nonbasic.end());
+  weight_.assign(static_cast<size_t>(core.total()), 1.0);
+  reference_.assign(core.basis.nonbasic().begin(), core.basis.nonbasic().end());
   bad_weights_ = 0;
   listed_ = false;
 }
@@ -62,10 +63,10 @@ void PrimalPricing::reset(Core& core) {
 void PrimalPricing::compute_norms(Core& core) {
   const bool logical = is_logical(core);
   SparseVector column;
-  column.resize(core.m);
-  for (int j = 0; j < core.total; ++j) {
-    if (!core.nonbasic[j] || core.is_fixed(j)) continue;
-    core.load_column(j, column);
+  column.resize(core.m());
+  for (int j = 0; j < core.total(); ++j) {
+    if (!core.basis.nonbasic(j) || core.is_fixed(j)) continue;
+    core.model.load_column(j, column);
     if (!logical) core.ftran(column, core.column_density);
     weight_[j] = 1.0 + column.norm2();
   }
@@ -75,7 +76,7 @@ void PrimalPricing::refresh(const Core& core, double tolerance) {
   tolerance_ = tolerance;
   listed_ = false;
   if (universe_.empty()) {
-    for (int j = 0; j < core.total; ++j) score_[j] = banned_[j] ? 0.0 : dual_infeasibility(core, j);
+    for (int j = 0; j < core.total(); ++j) score_[j] = banned_[j] ? 0.0 : dual_infeasibility(core, j);
     return;
   }
   std::fill(score_.begin(), score_.end(), 0.0);
@@ -94,11 +95,11 @@ void PrimalPricing::clear_banned() {
 }
 
 int PrimalPricing::choose(Core& core) {
-  if (core.total < kListTotal || core.row_ap_density.value() > kListDensity) {
+  if (core.total() < kListTotal || core.row_ap_density.value() > kListDensity) {
     listed_ = false;
     return scan_all(core);
   }
-  if (!listed_ || static_cast<double>(list_.size()) > kListLongest * core.total) make_list(core);
+  if (!listed_ || static_cast<double>(list_.size()) > kListLongest * core.total()) make_list(core);
   int best = scan_list(core);
   if (cutoff_ > 0 && (best < 0 || score_[best] < kListLoose * cutoff_ * weight_[best])) {
     make_list(core);
@@ -119,10 +120,10 @@ int PrimalPricing::scan_all(Core& core) {
     }
   };
   if (universe_.empty()) {
-    const int start = core.random.below(core.total);  // ties fall to a random side
-    for (int j = start; j < core.total; ++j) look(j);
+    const int start = core.random.below(core.total());  // ties fall to a random side
+    for (int j = start; j < core.total(); ++j) look(j);
     for (int j = 0; j < start; ++j) look(j);
-    core.charge(core.total);
+    core.charge(core.total());
   } else {
     for (int j : universe_) look(j);
     core.charge(static_cast<std::int64_t>(universe_.size()));
@@ -163,8 +164,8 @@ void PrimalPricing::make_list(Core& core) {
     ratio_.push_back(score_[j] / weight_[j]);
   };
   if (universe_.empty()) {
-    for (int j = 0; j < core.total; ++j) take(j);
-    core.charge(core.total);
+    for (int j = 0; j < core.total(); ++j) take(j);
+    core.charge(core.total());
   } else {
     for (int j : universe_) take(j);
     core.charge(static_cast<std::int64_t>(universe_.size()));
@@ -204,8 +205,8 @@ void PrimalPricing::update_weights(Core& core, const Pivot& pivot, const SparseV
       const int j = index[k];
       if (j == q) continue;
       const double ratio = alpha[k] * inverse;
-      const double product = core.column_dot(j, mu.array);
-      if (j < core.n) work += core.matrix().start[j + 1] - core.matrix().start[j];
+      const double product = core.model.column_dot(j, mu.array);
+      if (j < core.n()) work += core.matrix().start[j + 1] - core.matrix().start[j];
       weight_[j] = std::max(weight_[j] + ratio * (ratio * exact - 2 * product), 1.0 + ratio * ratio);
     }
     core.charge(work);
@@ -215,7 +216,7 @@ void PrimalPricing::update_weights(Core& core, const Pivot& pivot, const SparseV
   }
   double exact = reference_[q];
   for_nonzeros(column, [&](int i) {
-    if (reference_[core.head[i]]) exact += column.array[i] * column.array[i];
+    if (reference_[core.basis.head(i)]) exact += column.array[i] * column.array[i];
   });
   if (weight_[q] > kBadRatio * exact) ++bad_weights_;
   const double scale = std::max(exact, 1e-30) * inverse * inverse;

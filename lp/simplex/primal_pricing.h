@@ -23,19 +23,6 @@
 
 namespace tovik::lp::simplex {
 
-/* Calls f(position) for every position that may hold a nonzero. */
-template <class F>
-void for_nonzeros(const SparseVector& v, F f) {
-  if (v.list_pays()) {
-    for (int k = 0; k < v.count; ++k) f(v.index[k]);
-    return;
-  }
-  const int size = v.dimension();
-  for (int i = 0; i < size; ++i) {
-    if (v.array[i] != 0) f(i);
-  }
-}
-
 class PrimalPricing {
  public:
   enum class Kind { devex, steepest_edge, dantzig };
@@ -98,9 +85,13 @@ class PrimalPricing {
 
  private:
   double dual_infeasibility(const Core& core, int j) const {
-    if (!core.nonbasic[j]) return 0;
-    const double d = core.d[j];
-    const double v = core.move[j] > 0 ? -d : core.move[j] < 0 ? d : core.is_fixed(j) ? 0.0 : d < 0 ? -d : d;
+    if (!core.basis.nonbasic(j)) return 0;
+    const double d = core.values.d(j);
+    const double v = core.basis.move(j) > 0   ? -d
+                     : core.basis.move(j) < 0 ? d
+                     : core.is_fixed(j)       ? 0.0
+                     : d < 0                  ? -d
+                                              : d;
     return v > tolerance_ ? v * v : 0.0;
   }
   int scan_all(Core& core);

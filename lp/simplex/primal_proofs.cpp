@@ -12,22 +12,22 @@ constexpr double kMargin = 1e-9;      // rounding allowed for in a sum, relative
 
 /* max |A x + s| relative to the largest value. */
 double Primal::residual() const {
-  std::vector<double> sum(static_cast<size_t>(core_.m), 0.0);
+  std::vector<double> sum(static_cast<size_t>(core_.m()), 0.0);
   double size = 1;
   const auto add = [&](int j, double value) {
     if (value == 0) return;
     size = std::max(size, std::fabs(value));
-    if (j >= core_.n) {
-      sum[j - core_.n] += value;
+    if (j >= core_.n()) {
+      sum[j - core_.n()] += value;
       return;
     }
     const Matrix& a = core_.matrix();
     for (int k = a.start[j]; k < a.start[j + 1]; ++k) sum[a.index[k]] += value * a.value[k];
   };
-  for (int j = 0; j < core_.total; ++j) {
-    if (core_.nonbasic[j]) add(j, core_.value[j]);
+  for (int j = 0; j < core_.total(); ++j) {
+    if (core_.basis.nonbasic(j)) add(j, core_.basis.value(j));
   }
-  for (int p = 0; p < core_.m; ++p) add(core_.head[p], core_.x[p]);
+  for (int p = 0; p < core_.m(); ++p) add(core_.basis.head(p), core_.values.x(p));
   double largest = 0;
   for (double s : sum) largest = std::max(largest, std::fabs(s));
   return largest / size;
@@ -38,7 +38,7 @@ double Primal::residual() const {
 bool Primal::prove_infeasible() {
   changes_.clear();
   int count = 0;
-  for (int p = 0; p < core_.m; ++p) {
+  for (int p = 0; p < core_.m(); ++p) {
     if (violation_[p] == 0) continue;
     changes_.index[count++] = p;
     changes_.array[p] = violation_[p];
@@ -50,9 +50,9 @@ bool Primal::prove_infeasible() {
   changes_.clear();
   double largest = 0;
   double size = 0;
-  for (int j = 0; j < core_.total; ++j) {
-    const double z = core_.column_dot(j, farkas_);
-    const double bound = z > 0 ? core_.upper[j] : core_.lower[j];
+  for (int j = 0; j < core_.total(); ++j) {
+    const double z = core_.model.column_dot(j, farkas_);
+    const double bound = z > 0 ? core_.model.upper(j) : core_.model.lower(j);
     if (z == 0 || (std::fabs(z) <= kNegligible && std::fabs(bound) == kInf)) continue;
     largest += z * bound;
     size += std::fabs(z * bound);
@@ -64,33 +64,34 @@ bool Primal::prove_infeasible() {
 /* The ray: x_q moves by direction_, x_B by -direction_ * column_. */
 bool Primal::prove_unbounded() {
   const int q = entering_;
-  const double end = direction_ > 0 ? core_.upper[q] : core_.lower[q];
+  const double end = direction_ > 0 ? core_.model.upper(q) : core_.model.lower(q);
   if (std::fabs(end) != kInf) return false;
   const double negligible = kNegligible * std::max(1.0, column_largest_);
-  std::vector<double> sum(static_cast<size_t>(core_.m), 0.0);
-  double slope = core_.cost[q] * direction_;
+  std::vector<double> sum(static_cast<size_t>(core_.m()), 0.0);
+  double slope = core_.model.cost(q) * direction_;
   double slope_size = std::fabs(slope);
   const Matrix& a = core_.matrix();
   const auto add = [&](int j, double amount) {
-    if (j >= core_.n) {
-      sum[j - core_.n] += amount;
+    if (j >= core_.n()) {
+      sum[j - core_.n()] += amount;
       return;
     }
     for (int k = a.start[j]; k < a.start[j + 1]; ++k) sum[a.index[k]] += amount * a.value[k];
   };
   add(q, direction_);
-  for (int p = 0; p < core_.m; ++p) {
+  for (int p = 0; p < core_.m(); ++p) {
     const double change = -direction_ * column_.array[p];
     if (std::fabs(change) <= negligible) continue;
-    const int j = core_.head[p];
-    if (std::fabs(change > 0 ? core_.upper[j] : core_.lower[j]) != kInf) return false;
+    const int j = core_.basis.head(p);
+    if (std::fabs(change > 0 ? core_.model.upper(j) : core_.model.lower(j)) != kInf) return false;
     add(j, change);
-    slope += core_.cost[j] * change;
-    slope_size += std::fabs(core_.cost[j] * change);
+    slope += core_.model.cost(j) * change;
+    slope_size += std::fabs(core_.model.cost(j) * change);
   }
   double residual = 0;
   for (double s : sum) residual = std::max(residual, std::fabs(s));
-  return residual <= 1e2 * negligible && slope < -std::max(core_.dual_tolerance * 0.5, kMargin * slope_size);
+  return residual <= 1e2 * negligible &&
+         slope < -std::max(core_.dual_tolerance() * 0.5, kMargin * slope_size);
 }
 
 }  // namespace tovik::lp::simplex

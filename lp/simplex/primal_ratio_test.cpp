@@ -14,16 +14,16 @@ constexpr double kGoodAlways = 1.0;  // ... or this size
 }  // namespace
 
 void PrimalRatioTest::resize(const Core& core) {
-  const auto size = static_cast<size_t>(core.m);
+  const auto size = static_cast<size_t>(core.m());
   breaks_.reserve(2 * size);
   candidate_.reserve(size);
 }
 
 PrimalPick PrimalRatioTest::feasible(Core& core, const SparseVector& column, double direction, double slack) {
   const double smallest = pivot_tolerance(kColumnPivot, core.factor.updates());
-  const double* const x = core.x.data();
-  const double* const low = core.x_lower.data();
-  const double* const high = core.x_upper.data();
+  const double* const x = core.values.x().data();
+  const double* const low = core.values.x_lower().data();
+  const double* const high = core.values.x_upper().data();
   double theta = kInf;
   candidate_.clear();
   for_nonzeros(column, [&](int p) {
@@ -40,7 +40,7 @@ PrimalPick PrimalRatioTest::feasible(Core& core, const SparseVector& column, dou
       if (room < theta * -a) theta = room / -a;
     }
   });
-  core.charge(column.count < 0 ? core.m : column.count);
+  core.charge(column.count < 0 ? core.m() : column.count);
   PrimalPick pick;
   double largest = 0;
   for (int p : candidate_) {
@@ -58,7 +58,7 @@ PrimalPick PrimalRatioTest::feasible(Core& core, const SparseVector& column, dou
 
 void PrimalRatioTest::collect(const Core& core, const SparseVector& column, double direction) {
   const double smallest = pivot_tolerance(kColumnPivot, core.factor.updates());
-  const double tolerance = core.primal_tolerance;
+  const double tolerance = core.primal_tolerance();
   breaks_.clear();
   for_nonzeros(column, [&](int p) {
     const double alpha = column.array[p];
@@ -66,9 +66,9 @@ void PrimalRatioTest::collect(const Core& core, const SparseVector& column, doub
     const double size = std::fabs(a);
     if (size <= smallest) return;
     // Distances to the bound met first and to the one behind it, seen in the direction of the motion.
-    const double x = core.x[p];
-    const double first = a > 0 ? x - core.x_upper[p] : core.x_lower[p] - x;
-    const double second = a > 0 ? x - core.x_lower[p] : core.x_upper[p] - x;
+    const double x = core.values.x(p);
+    const double first = a > 0 ? x - core.values.x_upper(p) : core.values.x_lower(p) - x;
+    const double second = a > 0 ? x - core.values.x_lower(p) : core.values.x_upper(p) - x;
     const int first_move = a > 0 ? -1 : 1;
     if (first > tolerance)
       breaks_.push_back({(first + tolerance) / size, first / size, alpha, p, first_move});

@@ -20,11 +20,11 @@ Primal::Step Primal::iterate() {
   if (!choose_column()) return Step::no_entering;
   if (wanted_ == Rebuild::recompute) return Step::moved;
   const int q = entering_;
-  const double limit =
-      direction_ > 0 ? core_.work_upper[q] - core_.value[q] : core_.value[q] - core_.work_lower[q];
-  const PrimalPick pick = phase1_
-                              ? ratio_.infeasible(core_, column_, direction_, std::fabs(core_.d[q]), limit)
-                              : ratio_.feasible(core_, column_, direction_, kHarris * core_.primal_tolerance);
+  const double limit = direction_ > 0 ? core_.work.upper(q) - core_.basis.value(q)
+                                      : core_.basis.value(q) - core_.work.lower(q);
+  const PrimalPick pick =
+      phase1_ ? ratio_.infeasible(core_, column_, direction_, std::fabs(core_.values.d(q)), limit)
+              : ratio_.feasible(core_, column_, direction_, kHarris * core_.primal_tolerance());
   if (pick.position < 0 || pick.step >= limit) {
     if (limit == kInf) return blocked_by_nothing();
     flip(limit);
@@ -53,22 +53,22 @@ bool Primal::choose_column() {
     const int q = pricing_.choose(core_);
     entering_ = q;
     if (q < 0) return false;
-    core_.load_column(q, column_);
+    core_.model.load_column(q, column_);
     column_.want_pack = true;
     core_.ftran(column_, core_.column_density);
     column_.want_pack = false;
-    double d = core_.work_cost[q];
+    double d = core_.work.cost(q);
     column_largest_ = 0;
     for_nonzeros(column_, [&](int p) {
       const double a = column_.array[p];
-      d -= core_.work_cost[core_.head[p]] * a;
+      d -= core_.work.cost(core_.basis.head(p)) * a;
       column_largest_ = std::max(column_largest_, std::fabs(a));
     });
-    const double gap = std::fabs(core_.d[q] - d);
-    core_.d[q] = d;
-    const bool improving = core_.move[q] > 0   ? d < -optimality_tolerance_
-                           : core_.move[q] < 0 ? d > optimality_tolerance_
-                                               : std::fabs(d) > optimality_tolerance_;
+    const double gap = std::fabs(core_.values.d(q) - d);
+    core_.values.set_dual(q, d);
+    const bool improving = core_.basis.move(q) > 0   ? d < -optimality_tolerance_
+                           : core_.basis.move(q) < 0 ? d > optimality_tolerance_
+                                                     : std::fabs(d) > optimality_tolerance_;
     if (improving) {
       direction_ = d < 0 ? 1.0 : -1.0;
       if (gap > kDualMismatch * std::max(1.0, std::fabs(d)) && !fresh_) wanted_ = Rebuild::recompute;
@@ -125,7 +125,7 @@ Primal::Trust Primal::price_row(const PrimalPick& pick) {
     rho_.want_pack = false;
     alpha_row_.clear();
     core_.price(rho_, alpha_row_);
-    const double by_row = q < core_.n ? alpha_row_.array[q] : rho_.array[q - core_.n];
+    const double by_row = q < core_.n() ? alpha_row_.array[q] : rho_.array[q - core_.n()];
     const double gap = std::fabs(by_row - pick.alpha);
     trusted = gap <= (updated ? kPivotMismatch : kFreshMismatch) * std::min(size, std::fabs(by_row));
   }
@@ -136,8 +136,8 @@ Primal::Trust Primal::price_row(const PrimalPick& pick) {
     row_alpha_.push_back(alpha_row_.array[j]);
   });
   for_nonzeros(rho_, [&](int i) {
-    const int j = core_.n + i;
-    if (rho_.array[i] == 0 || !core_.nonbasic[j] || core_.is_fixed(j)) return;
+    const int j = core_.n() + i;
+    if (rho_.array[i] == 0 || !core_.basis.nonbasic(j) || core_.is_fixed(j)) return;
     row_index_.push_back(j);
     row_alpha_.push_back(rho_.array[i]);
   });
@@ -149,11 +149,10 @@ Primal::Trust Primal::price_row(const PrimalPick& pick) {
 void Primal::flip(double step) {
   const int q = entering_;
   const bool to_upper = direction_ > 0;
-  const double gain = std::fabs(core_.d[q]) * step;
+  const double gain = std::fabs(core_.values.d(q)) * step;
   ++core_.counters.primal.bound_flips;
   update_values(step, -1);
-  core_.move[q] = to_upper ? -1 : 1;
-  core_.value[q] = to_upper ? core_.work_upper[q] : core_.work_lower[q];
+  core_.basis.place(q, to_upper ? -1 : 1, to_upper ? core_.work.upper(q) : core_.work.lower(q));
   pricing_.touch(core_, q);
   if (phase1_) update_phase1_duals();
   objective_ -= gain;
@@ -163,12 +162,12 @@ void Primal::flip(double step) {
 void Primal::apply(PrimalPick pick) {
   const int q = entering_;
   const int p = pick.position;
-  const int out = core_.head[p];
+  const int out = core_.basis.head(p);
   if (pick.step < 0) {  // the leaving variable stands slightly beyond its bound: the bound follows
     pick.step = 0;
     bounds_.shift_to_value(core_, p, pick.leaving_move);
   }
-  const double d = core_.d[q];
+  const double d = core_.values.d(q);
   const double theta = d / pick.alpha;
   const double gain = std::fabs(d) * pick.step;
   if (pricing_.kind() == PrimalPricing::Kind::steepest_edge) {
@@ -179,22 +178,22 @@ void Primal::apply(PrimalPick pick) {
   }
   pricing_.update_weights(core_, {q, out, pick.alpha}, column_, mu_, row_index_, row_alpha_);
   update_values(pick.step, p);
-  const double entering_value = core_.value[q] + direction_ * pick.step;
+  const double entering_value = core_.basis.value(q) + direction_ * pick.step;
   bounds_.widen(core_, q);
   core_.change_basis(q, p, pick.leaving_move);
-  core_.x[p] = entering_value;
-  core_.d[q] = 0;
-  core_.d[out] = -theta;
+  core_.values.set_x(p, entering_value);
+  core_.values.set_dual(out, -theta);
   if (violation_[p] != 0) {  // a nonbasic variable has no first-phase cost
-    core_.d[out] -= violation_[p];
-    core_.work_cost[out] = 0;
+    core_.values.add_dual(out, -violation_[p]);
+    core_.work.set_phase1_cost(out, 0);
     violation_[p] = 0;
     --infeasible_;
   }
   update_duals(theta);
+  core_.values.set_dual(q, 0);
   pricing_.touch(core_, q);
   if (!core_.is_fixed(out)) pricing_.touch(core_, out);
-  const bool updated = core_.factor.update(column_, rho_, p);
+  const bool updated = core_.update_factor(column_, rho_, p);
   if (!updated) want_factor(FactorReason::update);
   if (phase1_ && wanted_ != Rebuild::refactor) update_phase1_duals();
   const int limit = core_.options.refactor_limit;
@@ -211,13 +210,13 @@ void Primal::update_values(double step, int skip) {
   if (phase1_) changes_.clear();
   if (step == 0) return;
   const double change = direction_ * step;
-  const double tolerance = core_.primal_tolerance;
+  const double tolerance = core_.primal_tolerance();
   int changed = 0;
-  for_nonzeros(column_, [&](int p) {
+  core_.values.move_along(column_, change, [&](int p, double x) {
     if (p == skip) return;
-    const double x = core_.x[p] - change * column_.array[p];
-    core_.x[p] = x;
-    const int violation = x < core_.x_lower[p] - tolerance ? -1 : x > core_.x_upper[p] + tolerance ? 1 : 0;
+    const int violation = x < core_.values.x_lower(p) - tolerance   ? -1
+                          : x > core_.values.x_upper(p) + tolerance ? 1
+                                                                    : 0;
     if (violation == violation_[p]) return;
     if (!phase1_) {
       bounds_.shift_behind(core_, p);
@@ -227,20 +226,15 @@ void Primal::update_values(double step, int skip) {
     changes_.index[changed++] = p;
     changes_.array[p] = violation - violation_[p];
     violation_[p] = static_cast<signed char>(violation);
-    core_.work_cost[core_.head[p]] = violation;
+    core_.work.set_phase1_cost(core_.basis.head(p), violation);
   });
   if (phase1_) changes_.count = changed;
-  core_.charge(2 * static_cast<std::int64_t>(column_.count < 0 ? core_.m : column_.count));
+  core_.charge(2 * static_cast<std::int64_t>(column_.count < 0 ? core_.m() : column_.count));
 }
 
 void Primal::update_duals(double theta) {
-  const size_t size = row_index_.size();
-  for (size_t k = 0; k < size; ++k) {
-    const int j = row_index_[k];
-    if (j == entering_) continue;
-    core_.d[j] -= theta * row_alpha_[k];
-    pricing_.touch(core_, j);
-  }
+  core_.values.update_duals(row_index_, row_alpha_, theta,
+                            [this](int j, double) { pricing_.touch(core_, j); });
 }
 
 /* Carries the changes of first-phase costs into the reduced costs: d -= [A I]' B^-T change. */
@@ -250,13 +244,13 @@ void Primal::update_phase1_duals() {
   alpha_row_.clear();
   core_.price(changes_, alpha_row_);
   for_nonzeros(alpha_row_, [&](int j) {
-    core_.d[j] -= alpha_row_.array[j];
+    core_.values.add_dual(j, -alpha_row_.array[j]);
     pricing_.touch(core_, j);
   });
   for_nonzeros(changes_, [&](int i) {
-    const int j = core_.n + i;
-    if (!core_.nonbasic[j] || core_.is_fixed(j)) return;
-    core_.d[j] -= changes_.array[i];
+    const int j = core_.n() + i;
+    if (!core_.basis.nonbasic(j) || core_.is_fixed(j)) return;
+    core_.values.add_dual(j, -changes_.array[i]);
     pricing_.touch(core_, j);
   });
   core_.charge(2 * static_cast<std::int64_t>(std::max(0, alpha_row_.count)));

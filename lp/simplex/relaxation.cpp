@@ -76,7 +76,7 @@ void Relaxation::change_costs(std::span<const CostChange> changes) {
 }
 
 void Relaxation::change_row_bounds(int row, double lower, double upper) {
-  note(core_->n + row);
+  note(core_->n() + row);
   Solver::change_row_bounds(row, lower, upper);
 }
 
@@ -90,24 +90,24 @@ void Relaxation::change_offset(double offset) {
 /* The state of the core, which belongs to the model's bounds and costs, becomes the one to go on from. */
 void Relaxation::start_near() {
   core_->ensure_rows();
-  core_->find_positions();
+  core_->basis.find_positions();
   core_->options = options_;
   Dual& dual = the_dual();
-  if (!keep_norms_) dual.norms().reset(core_->m);
+  if (!keep_norms_) dual.norms().reset(core_->m());
   dual.start_near();
   keep_norms_ = true;
   pending_.resize();
   crossing_.clear();
-  wrong_.resize(core_->total);
-  for (int j = 0; j < core_->total; ++j) {
-    const double d = core_->d[j];
-    if (core_->lower[j] > core_->upper[j]) {
+  wrong_.resize(core_->total());
+  for (int j = 0; j < core_->total(); ++j) {
+    const double d = core_->values.d(j);
+    if (core_->model.lower(j) > core_->model.upper(j)) {
       crossing_.push_back(j);
       pending_.note(j);
     }
-    if (!core_->nonbasic[j] || core_->is_fixed(j)) continue;
-    if (core_->move[j] == 0 ? std::fabs(d) > core_->dual_tolerance
-                            : core_->move[j] * d < -core_->dual_tolerance)
+    if (!core_->basis.nonbasic(j) || core_->is_fixed(j)) continue;
+    if (core_->basis.move(j) == 0 ? std::fabs(d) > core_->dual_tolerance()
+                                  : core_->basis.move(j) * d < -core_->dual_tolerance())
       wrong_.add(j);
   }
   objective_ = core_->objective();
@@ -128,13 +128,12 @@ bool Relaxation::follow_changes() {
 /* Bounds that cross within the tolerance become equal; false when they cross by more. */
 bool Relaxation::close_bounds(int j) {
   Core& core = *core_;
-  if (core.lower[j] <= core.upper[j]) return true;
-  const double gap =
-      (core.lower[j] - core.upper[j]) * (j < core.n ? column_scale(j) : 1.0 / row_scale(j - core.n));
+  if (core.model.lower(j) <= core.model.upper(j)) return true;
+  const double gap = (core.model.lower(j) - core.model.upper(j)) *
+                     (j < core.n() ? column_scale(j) : 1.0 / row_scale(j - core.n()));
   answer_.farkas_gap = gap;
   if (!(gap <= options_.primal_tolerance)) return false;
-  core.lower[j] = core.work_lower[j] = core.work_upper[j] = core.upper[j];
-  if (core.nonbasic[j] && j < core.n && !core.rows_are_stale) core.rows.deactivate(j);
+  core.close_bounds(j);
   return true;
 }
 
@@ -154,9 +153,8 @@ bool Relaxation::ready() {
     follow_changes();
     return true;
   }
-  core_->primal_tolerance = options_.primal_tolerance * kInnerShare;
-  core_->dual_tolerance = options_.dual_tolerance * kInnerShare;
-  for (int j = 0; j < core_->total; ++j) close_bounds(j);
+  core_->set_tolerances(options_.primal_tolerance * kInnerShare, options_.dual_tolerance * kInnerShare);
+  for (int j = 0; j < core_->total(); ++j) close_bounds(j);
   has_basis_ = true;
   if (!ensure_factor()) return false;
   recompute();
@@ -169,7 +167,7 @@ void Relaxation::set_limits(const Limits& limits) {
   options.objective_lower = -kInf;
   options.iteration_limit = kUnlimited;
   core_->tick_end = limits.ticks < kUnlimited ? core_->total_work() + limits.ticks : kUnlimited;
-  core_->repairs = 0;
+  core_->forget_repairs();
 }
 
 /* One resolve from the carried state. False: do it anew. */
@@ -191,9 +189,9 @@ bool Relaxation::resolve_near(const Limits& limits, Outcome& outcome) {
     outcome = the_dual().reoptimize(left, objective_);
     objective_ = the_dual().objective();
     left -= core.counters.iterations - before;
-    if (outcome == Outcome::numerical_failure || outcome == Outcome::singular || !core.has_factor)
+    if (outcome == Outcome::numerical_failure || outcome == Outcome::singular || !core.has_factor())
       return false;
-    if (core.costs_perturbed) return finish_near(outcome, left);
+    if (core.work.costs_perturbed()) return finish_near(outcome, left);
     pending_.remove_shifts(the_dual(), objective_, wrong_);
     if (outcome != Outcome::optimal) return true;
     if (wrong_.view().empty() && the_dual().at_rest()) return true;
@@ -239,7 +237,7 @@ Outcome Relaxation::resolve_anew(const Limits& limits) {
   const Outcome outcome = Solver::solve(Method::dual);
   options_ = kept;
   reoptimization_.forget();
-  const bool known = !answer_.column_status.empty() && core_->has_factor;
+  const bool known = !answer_.column_status.empty() && core_->has_factor();
   if (known) start_near();
   crossed_ = outcome == Outcome::infeasible && known && !crossing_.empty();
   return outcome;
@@ -285,21 +283,23 @@ void Relaxation::verify() {
 
 std::span<const double> Relaxation::primal() {
   if (primal_made_) return primal_;
-  primal_.resize(static_cast<size_t>(core_->n));
-  for (int j = 0; j < core_->n; ++j)
-    primal_[j] =
-        core_->nonbasic[j] ? user_.nonbasic_value(j) : core_->x[core_->position[j]] * column_scale(j);
+  primal_.resize(static_cast<size_t>(core_->n()));
+  for (int j = 0; j < core_->n(); ++j)
+    primal_[j] = core_->basis.nonbasic(j) ? user_.nonbasic_value(j)
+                                          : core_->values.x(core_->basis.position(j)) * column_scale(j);
   primal_made_ = true;
   return primal_;
 }
 
 std::span<const double> Relaxation::duals() {
   if (duals_made_) return duals_;
-  duals_.resize(static_cast<size_t>(core_->m));
-  reduced_costs_.resize(static_cast<size_t>(core_->n));
-  for (int i = 0; i < core_->m; ++i) duals_[i] = pending_.multiplier(i) * row_scale(i);
-  for (int j = 0; j < core_->n; ++j) {
-    const double d = !core_->nonbasic[j] ? 0.0 : core_->is_fixed(j) ? pending_.reduced_cost(j) : core_->d[j];
+  duals_.resize(static_cast<size_t>(core_->m()));
+  reduced_costs_.resize(static_cast<size_t>(core_->n()));
+  for (int i = 0; i < core_->m(); ++i) duals_[i] = pending_.multiplier(i) * row_scale(i);
+  for (int j = 0; j < core_->n(); ++j) {
+    const double d = !core_->basis.nonbasic(j) ? 0.0
+                     : core_->is_fixed(j)      ? pending_.reduced_cost(j)
+                                               : core_->values.d(j);
     reduced_costs_[j] = d / column_scale(j);
   }
   duals_made_ = true;
@@ -352,7 +352,7 @@ const verify::FarkasProof* Relaxation::farkas() {
   if (!farkas_made_) {
     farkas_ = {};
     if (crossed_) {
-      farkas_.multipliers.assign(static_cast<size_t>(core_->m), 0.0);
+      farkas_.multipliers.assign(static_cast<size_t>(core_->m()), 0.0);
       farkas_.gap = answer_.farkas_gap;
     } else if (near_ && answer_.farkas.empty() && verify_infeasible(the_dual().farkas())) {
       farkas_ = {answer_.farkas, answer_.farkas_gap};

@@ -129,7 +129,7 @@ class Relaxation : public Solver {
   void set_options(const Options& options);
   void set_basis(const Basis& basis);
   /* Basic variables by position: column j, or n + i for the logical of row i. */
-  std::span<const int> basis_head() const { return core_->head; }
+  std::span<const int> basis_head() const { return core_->basis.head(); }
   /* Row `position` of the tableau as a combination of the model's rows: sum_i w_i a_i x = sum_j c_j x_j,
    * where c is 1 for the basic column of the position (w is 1 for the basic logical's own row) and 0 for
    * other basic columns. columns: c of nonbasic columns, fixed ones included. Nothing is forgotten. */
@@ -167,7 +167,6 @@ class Relaxation : public Solver {
   void verify();
   void set_limits(const Limits& limits);
   BranchBound probe_by_checkpoint(Control& control, const BoundChange& branch, const Limits& limits);
-  void sync_rows();
   void settle_edit(bool in_step);
   void pivot_in(int row);
   void pivot_out(int column);

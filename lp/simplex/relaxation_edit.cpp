@@ -12,13 +12,13 @@ namespace tovik::lp::simplex {
 std::vector<double> Relaxation::weights_of(const Matrix& rows) {
   Core& core = *core_;
   std::vector<double> lengths(static_cast<size_t>(rows.columns), 0.0);
-  if (row_.dimension() != core.m) row_.resize(core.m);
+  if (row_.dimension() != core.m()) row_.resize(core.m());
   for (int i = 0; i < rows.columns; ++i) {
     row_.clear();
     for (int k = rows.start[i]; k < rows.start[i + 1]; ++k) {
       const int j = rows.index[k];
-      if (core.nonbasic[j]) continue;
-      const int p = core.position[j];
+      if (core.basis.nonbasic(j)) continue;
+      const int p = core.basis.position(j);
       if (row_.array[p] == 0) row_.index[row_.count++] = p;
       row_.array[p] += rows.value[k] * column_scale(j);
     }
@@ -44,13 +44,13 @@ void Relaxation::settle_edit(bool in_step) {
 void Relaxation::add_rows(const RowBlock& block) {
   const bool was_ready = ready();
   const std::vector<double> lengths = was_ready ? weights_of(block.entries) : std::vector<double>{};
-  const int first = core_->m;
+  const int first = core_->m();
   ModelEdit change;
   change.rows = block.entries;
-  change.rows.rows = core_->n;
+  change.rows.rows = core_->n();
   change.row_lower = block.lower;
   change.row_upper = block.upper;
-  change.columns.rows = core_->m + change.new_rows();
+  change.columns.rows = core_->m() + change.new_rows();
   Solver::edit(std::move(change));
   if (was_ready) {
     for (size_t k = 0; k < lengths.size(); ++k) {
@@ -62,10 +62,11 @@ void Relaxation::add_rows(const RowBlock& block) {
     for (size_t k = 0; k < lengths.size(); ++k) {
       for (int e = block.entries.start[k]; e < block.entries.start[k + 1]; ++e) {
         const int j = block.entries.index[e];
-        const double x = core_->nonbasic[j] ? core_->value[j] : core_->x[core_->position[j]];
+        const double x =
+            core_->basis.nonbasic(j) ? core_->basis.value(j) : core_->values.x(core_->basis.position(j));
         activity[k] += block.entries.value[e] * x * column_scale(j);
       }
-      core_->x[first + k] = -activity[k] * row_scale(first + static_cast<int>(k));
+      core_->values.set_x(first + static_cast<int>(k), -activity[k] * row_scale(first + static_cast<int>(k)));
     }
   }
   settle_edit(was_ready);
@@ -88,29 +89,29 @@ void Relaxation::replace(int entering, int position, double step, int leaving_mo
   }
   rule.accept(position, row_, the_dual().norms());
   rule.update({position, column_, tau_}, the_dual().norms());
-  const double theta = core.d[entering] / pivot;
+  const double theta = core.values.d(entering) / pivot;
   alpha_.clear();
   core.price(row_, alpha_);
-  for (int j = 0; j < core.n; ++j) {
-    if (core.nonbasic[j] && alpha_.array[j] != 0) core.d[j] -= theta * alpha_.array[j];
+  for (int j = 0; j < core.n(); ++j) {
+    if (core.basis.nonbasic(j) && alpha_.array[j] != 0) core.values.add_dual(j, -theta * alpha_.array[j]);
   }
-  for (int i = 0; i < core.m; ++i) {
-    if (core.nonbasic[core.n + i]) core.d[core.n + i] -= theta * row_.array[i];
+  for (int i = 0; i < core.m(); ++i) {
+    if (core.basis.nonbasic(core.n() + i)) core.values.add_dual(core.n() + i, -theta * row_.array[i]);
   }
-  core.d[entering] = 0;
-  core.d[core.head[position]] = -theta;
-  const double value = core.value[entering] + step;
-  for (int p = 0; p < core.m; ++p) core.x[p] -= step * column_.array[p];
+  core.values.set_dual(entering, 0);
+  core.values.set_dual(core.basis.head(position), -theta);
+  const double value = core.basis.value(entering) + step;
+  core.values.move_along(column_.array, step);
   core.change_basis(entering, position, leaving_move);
-  core.x[position] = value;
-  if (!core.factor.update(column_, row_, position) || core.factor.wants_rebuild()) {
-    core.has_factor = false;
+  core.values.set_x(position, value);
+  if (!core.update_factor(column_, row_, position) || core.factor.wants_rebuild()) {
+    core.drop_factor();
     ensure_factor();
   }
 }
 
 void Relaxation::load_column(int variable) {
-  core_->load_column(variable, column_);
+  core_->model.load_column(variable, column_);
   column_.want_pack = true;
   core_->ftran(column_, core_->column_density);
   column_.want_pack = false;
@@ -118,27 +119,28 @@ void Relaxation::load_column(int variable) {
 
 void Relaxation::resize_work() {
   for (SparseVector* v : {&column_, &row_, &tau_}) {
-    if (v->dimension() != core_->m) v->resize(core_->m);
+    if (v->dimension() != core_->m()) v->resize(core_->m());
   }
-  if (alpha_.dimension() != core_->n) alpha_.resize(core_->n);
+  if (alpha_.dimension() != core_->n()) alpha_.resize(core_->n());
 }
 
 /* The logical of a row that is to go enters; its row binds no more, so the step is the primal's. The basic
  * logicals of rows that go as well block nothing. */
 void Relaxation::pivot_in(int row) {
   Core& core = *core_;
-  const int entering = core.n + row;
+  const int entering = core.n() + row;
   load_column(entering);
-  const double direction = core.d[entering] < 0 ? 1.0 : -1.0;
+  const double direction = core.values.d(entering) < 0 ? 1.0 : -1.0;
   PrimalRatioTest ratio_test;
   ratio_test.resize(core);
-  const PrimalPick pick = ratio_test.feasible(core, column_, direction, 0.5 * core.primal_tolerance);
+  const PrimalPick pick = ratio_test.feasible(core, column_, direction, 0.5 * core.primal_tolerance());
   int position = pick.position;
   double step = direction * pick.step;
   if (position < 0) {  // nothing blocks: the largest pivot, where the logical stands
     double largest = 0;
-    for (int p = 0; p < core.m; ++p) {
-      if (core.x_lower[p] == -kInf && core.x_upper[p] == kInf && core.head[p] >= core.n) continue;
+    for (int p = 0; p < core.m(); ++p) {
+      if (core.values.x_lower(p) == -kInf && core.values.x_upper(p) == kInf && core.basis.head(p) >= core.n())
+        continue;
       if (std::fabs(column_.array[p]) > largest) {
         largest = std::fabs(column_.array[p]);
         position = p;
@@ -153,7 +155,7 @@ void Relaxation::pivot_in(int row) {
 /* A basic column that is to go leaves for 0; the dual ratio test keeps the reduced costs feasible. */
 void Relaxation::pivot_out(int column) {
   Core& core = *core_;
-  const int position = core.position[column];
+  const int position = core.basis.position(column);
   row_.clear();
   row_.set_unit(position);
   core.btran(row_, core.row_ep_density);
@@ -161,42 +163,37 @@ void Relaxation::pivot_out(int column) {
   core.price(row_, alpha_);
   DualRatioTest ratio_test;
   ratio_test.prepare(core);
-  const double delta = core.x[position] != 0 ? core.x[position] : 1.0;
+  const double delta = core.values.x(position) != 0 ? core.values.x(position) : 1.0;
   ratio_test.load(core, row_, alpha_, delta);
   int entering = ratio_test.choose(core, delta).variable;
   if (entering < 0) {  // no dual feasible pivot: the largest one
     double largest = 0;
     const auto look = [&](int j, double alpha) {
-      if (!core.nonbasic[j] || std::fabs(alpha) <= largest) return;
+      if (!core.basis.nonbasic(j) || std::fabs(alpha) <= largest) return;
       largest = std::fabs(alpha);
       entering = j;
     };
-    for (int i = 0; i < core.m; ++i) look(core.n + i, row_.array[i]);
-    for (int j = 0; j < core.n; ++j) look(j, alpha_.array[j]);
+    for (int i = 0; i < core.m(); ++i) look(core.n() + i, row_.array[i]);
+    for (int j = 0; j < core.n(); ++j) look(j, alpha_.array[j]);
   }
   if (entering < 0) return;
   load_column(entering);
-  const double step = core.x[position] / column_.array[position];
+  const double step = core.values.x(position) / column_.array[position];
   replace(entering, position, step, 0);
 }
 
 /* Makes the basis one that can lose these rows and columns. True when pivots were needed. */
 bool Relaxation::pivot_for(const ModelEdit& change) {
   Core& core = *core_;
-  const auto tight = [&](int i) { return core.nonbasic[core.n + i] != 0; };
-  const auto basic = [&](int j) { return core.nonbasic[j] == 0; };
+  const auto tight = [&](int i) { return core.basis.nonbasic(core.n() + i) != 0; };
+  const auto basic = [&](int j) { return core.basis.nonbasic(j) == 0; };
   const bool rows = std::any_of(change.deleted_rows.begin(), change.deleted_rows.end(), tight);
   const bool columns = std::any_of(change.deleted_columns.begin(), change.deleted_columns.end(), basic);
   if (!rows && !columns) return false;
   if (!ready()) return false;
   resize_work();
   for (const int i : change.deleted_rows) {
-    const int j = core.n + i;
-    core.lower[j] = core.work_lower[j] = -kInf;
-    core.upper[j] = core.work_upper[j] = kInf;
-    if (core.nonbasic[j]) continue;
-    core.x_lower[core.position[j]] = -kInf;
-    core.x_upper[core.position[j]] = kInf;
+    core.force_bounds(core.n() + i, -kInf, kInf);
   }
   for (const int i : change.deleted_rows) {
     if (tight(i)) pivot_in(i);
@@ -224,8 +221,8 @@ bool Relaxation::edit(ModelEdit change) {
 void Relaxation::delete_rows(std::span<const int> rows) {
   ModelEdit change;
   change.deleted_rows = rows;
-  change.columns.rows = core_->m - static_cast<int>(rows.size());
-  change.rows.rows = core_->n;
+  change.columns.rows = core_->m() - static_cast<int>(rows.size());
+  change.rows.rows = core_->n();
   const bool in_step = ready();
   const bool pivots = pivot_for(change);
   if (!Solver::edit(std::move(change))) return;
@@ -236,8 +233,8 @@ void Relaxation::delete_rows(std::span<const int> rows) {
 void Relaxation::delete_columns(std::span<const int> columns) {
   ModelEdit change;
   change.deleted_columns = columns;
-  change.columns.rows = core_->m;
-  change.rows.rows = core_->n - static_cast<int>(columns.size());
+  change.columns.rows = core_->m();
+  change.rows.rows = core_->n() - static_cast<int>(columns.size());
   const bool in_step = ready();
   pivot_for(change);
   if (!Solver::edit(std::move(change))) return;

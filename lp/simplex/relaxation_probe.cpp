@@ -24,27 +24,24 @@ BranchBound Relaxation::probe(Control& control, int column, double bound, Side s
   if (!wrong_.view().empty()) return probe_by_checkpoint(control, branch, limits);
   result = {Outcome::optimal, objective_, 0};
   const double scale = column_scale(column);
-  if (core.nonbasic[column]) {
-    const double at = core.value[column] * scale;
+  if (core.basis.nonbasic(column)) {
+    const double at = core.basis.value(column) * scale;
     if (branch.lower <= at && at <= branch.upper) return result;
     return probe_by_checkpoint(control, branch, limits);
   }
   if (core.factor.wants_rebuild()) {
-    core.has_factor = false;
+    core.drop_factor();
     if (!ensure_factor()) return {};
     recompute();
   }
   set_limits(limits);
   const Counters counters = core.counters;
-  const double old_lower = core.lower[column];
-  const double old_upper = core.upper[column];
-  const int p = core.position[column];
+  const double old_lower = core.model.lower(column);
+  const double old_upper = core.model.upper(column);
+  const int p = core.basis.position(column);
   Dual& dual = the_dual();
   const auto set = [&](double lower, double upper) {
-    core.lower[column] = core.work_lower[column] = lower;
-    core.upper[column] = core.work_upper[column] = upper;
-    core.x_lower[p] = lower;
-    core.x_upper[p] = upper;
+    core.force_bounds(column, lower, upper);
     dual.touch(p);
   };
   dual.record();
@@ -82,7 +79,6 @@ BranchBound Relaxation::probe_by_checkpoint(Control& control, const BoundChange&
 
 std::shared_ptr<const Relaxation::Checkpoint> Relaxation::save() {
   if (!ready()) return nullptr;
-  const Core& core = *core_;
   auto saved = std::make_shared<Checkpoint>();
   saved->edits = edits_;
   saved->user_cost = user_.lp.cost;
@@ -90,17 +86,8 @@ std::shared_ptr<const Relaxation::Checkpoint> Relaxation::save() {
   saved->user_upper = user_.lp.upper;
   saved->user_row_lower = user_.lp.row_lower;
   saved->user_row_upper = user_.lp.row_upper;
-  saved->cost = core.cost;
-  saved->lower = core.lower;
-  saved->upper = core.upper;
-  saved->value = core.value;
-  saved->d = core.d;
-  saved->x = core.x;
-  saved->nonbasic = core.nonbasic;
-  saved->move = core.move;
-  saved->head = core.head;
+  saved->core = core_->save();
   saved->weights = the_dual().norms().view();
-  saved->factor = core.factor.save();
   saved->offset = user_.lp.offset;
   saved->objective = objective_;
   saved->outcome = outcome_;
@@ -109,7 +96,6 @@ std::shared_ptr<const Relaxation::Checkpoint> Relaxation::save() {
 
 bool Relaxation::restore(const Checkpoint& saved) {
   if (saved.edits != edits_) return false;
-  Core& core = *core_;
   changed();
   answer_.withdraw();
   reoptimization_.forget();
@@ -119,27 +105,7 @@ bool Relaxation::restore(const Checkpoint& saved) {
   user_.lp.row_lower = saved.user_row_lower;
   user_.lp.row_upper = saved.user_row_upper;
   Solver::change_offset(saved.offset);
-  core.cost = saved.cost;
-  core.lower = saved.lower;
-  core.upper = saved.upper;
-  core.value = saved.value;
-  core.d = saved.d;
-  core.x = saved.x;
-  core.nonbasic = saved.nonbasic;
-  core.move = saved.move;
-  core.head = saved.head;
-  core.work_lower = saved.lower;
-  core.work_upper = saved.upper;
-  core.use_original_costs();
-  core.bounds_perturbed = false;
-  core.factor.restore(*saved.factor);
-  core.has_factor = true;
-  core.find_positions();
-  for (int p = 0; p < core.m; ++p) {
-    core.x_lower[p] = core.lower[core.head[p]];
-    core.x_upper[p] = core.upper[core.head[p]];
-  }
-  sync_rows();
+  core_->restore(saved.core);
   the_dual().norms().set(saved.weights);
   keep_norms_ = has_basis_ = true;
   start_near();
@@ -148,32 +114,19 @@ bool Relaxation::restore(const Checkpoint& saved) {
   return true;
 }
 
-/* The row copy's active columns follow the statuses. */
-void Relaxation::sync_rows() {
-  Core& core = *core_;
-  if (core.rows_are_stale) return;
-  for (int j = 0; j < core.n; ++j) {
-    if (core.nonbasic[j] && !core.is_fixed(j)) {
-      core.rows.activate(j);
-    } else {
-      core.rows.deactivate(j);
-    }
-  }
-}
-
 // ---- the basis as data ----
 
 Basis Relaxation::basis() {
   const Core& core = *core_;
   Basis basis;
-  basis.columns.resize(static_cast<size_t>(core.n));
-  basis.rows.resize(static_cast<size_t>(core.m));
-  for (int j = 0; j < core.n; ++j) basis.columns[j] = core.status(j);
-  for (int i = 0; i < core.m; ++i) basis.rows[i] = activity_status(core.status(core.n + i));
+  basis.columns.resize(static_cast<size_t>(core.n()));
+  basis.rows.resize(static_cast<size_t>(core.m()));
+  for (int j = 0; j < core.n(); ++j) basis.columns[j] = core.status(j);
+  for (int i = 0; i < core.m(); ++i) basis.rows[i] = activity_status(core.status(core.n() + i));
   if (keep_norms_) {
-    basis.dual_weights.assign(static_cast<size_t>(core.total), 1.0);
+    basis.dual_weights.assign(static_cast<size_t>(core.total()), 1.0);
     const std::vector<double>& weights = dual_norms();
-    for (int p = 0; p < core.m; ++p) basis.dual_weights[core.head[p]] = weights[p];
+    for (int p = 0; p < core.m(); ++p) basis.dual_weights[core.basis.head(p)] = weights[p];
   }
   return basis;
 }
@@ -195,9 +148,9 @@ void Relaxation::set_options(const Options& options) {
 
 void Relaxation::set_basis(const Basis& basis) {
   set_basis(basis.columns, basis.rows);
-  if (basis.dual_weights.size() != static_cast<size_t>(core_->total)) return;
-  std::vector<double> weights(static_cast<size_t>(core_->m));
-  for (int p = 0; p < core_->m; ++p) weights[p] = basis.dual_weights[core_->head[p]];
+  if (basis.dual_weights.size() != static_cast<size_t>(core_->total())) return;
+  std::vector<double> weights(static_cast<size_t>(core_->m()));
+  for (int p = 0; p < core_->m(); ++p) weights[p] = basis.dual_weights[core_->basis.head(p)];
   the_dual().norms().set(std::move(weights));
   keep_norms_ = true;
 }
@@ -209,13 +162,13 @@ void Relaxation::tableau_row(int position, SparseEntries& weights, SparseEntries
   weights.clear();
   columns.clear();
   core.ensure_rows();
-  if (row_.dimension() != core.m) row_.resize(core.m);
-  if (alpha_.dimension() != core.n) alpha_.resize(core.n);
+  if (row_.dimension() != core.m()) row_.resize(core.m());
+  if (alpha_.dimension() != core.n()) alpha_.resize(core.n());
   row_.clear();
   row_.set_unit(position);
   core.factor.btran(row_, core.row_ep_density.value());
-  const int basic = core.head[position];
-  const double unit = basic < core.n ? column_scale(basic) : 1.0 / row_scale(basic - core.n);
+  const int basic = core.basis.head(position);
+  const double unit = basic < core.n() ? column_scale(basic) : 1.0 / row_scale(basic - core.n());
   alpha_.clear();
   const auto add_row = [&](int i) {
     const double rho = row_.array[i];
@@ -226,17 +179,13 @@ void Relaxation::tableau_row(int position, SparseEntries& weights, SparseEntries
     const auto value = core.rows.row_value(i);
     for (size_t k = 0; k < index.size(); ++k) {
       const int j = index[k];
-      if (!core.nonbasic[j]) continue;
+      if (!core.basis.nonbasic(j)) continue;
       if (alpha_.array[j] == 0) alpha_.index[alpha_.count++] = j;
       const double sum = alpha_.array[j] + rho * value[k];
       alpha_.array[j] = sum == 0 ? kZero : sum;
     }
   };
-  if (row_.count >= 0) {
-    for (int k = 0; k < row_.count; ++k) add_row(row_.index[k]);
-  } else {
-    for (int i = 0; i < core.m; ++i) add_row(i);
-  }
+  for_listed(row_, add_row);
   for (int k = 0; k < alpha_.count; ++k) {
     const int j = alpha_.index[k];
     if (std::fabs(alpha_.array[j]) < kTiny) continue;

@@ -5,7 +5,7 @@
  * answer that this touches, and at no others: those that are not touched have been found good before. So a
  * solve that finds the optimum unmoved costs what the changes touch, and takes no memory.
  *
- * - Reads and writes: the core's x, x_lower, x_upper, d and work_cost; the answer's vectors, in the user's
+ * - Reads and writes: the core's x, x_lower, x_upper, d and working costs; the answer's vectors, in the user's
  *   space, by sums that carry their errors.
  * - Trust: an entry passes only within kStrict in the engine's scaled space and within the tolerance in the
  *   user's; the sums of the user's model must agree with the engine's values. Whatever fails is left to a

@@ -56,14 +56,14 @@ void Relaxation::start_requested_pivots() {
 bool Relaxation::pivot_rows_in(std::span<const int> rows) {
   start_requested_pivots();
   Core& core = *core_;
-  std::vector<char> wanted(static_cast<size_t>(core.total), 0);
-  for (const int i : rows) wanted[core.n + i] = 1;
-  std::vector<char> may_leave(static_cast<size_t>(core.m));
+  std::vector<char> wanted(static_cast<size_t>(core.total()), 0);
+  for (const int i : rows) wanted[core.n() + i] = 1;
+  std::vector<char> may_leave(static_cast<size_t>(core.m()));
   for (const int i : rows) {
-    const int entering = core.n + i;
-    if (!core.nonbasic[entering]) continue;
+    const int entering = core.n() + i;
+    if (!core.basis.nonbasic(entering)) continue;
     load_column(entering);
-    for (int p = 0; p < core.m; ++p) may_leave[p] = static_cast<char>(!wanted[core.head[p]]);
+    for (int p = 0; p < core.m(); ++p) may_leave[p] = static_cast<char>(!wanted[core.basis.head(p)]);
     const int p = best_position(column_, may_leave);
     if (p >= 0 && !change_basis_only(entering, p)) return false;
   }
@@ -74,8 +74,8 @@ bool Relaxation::pivot_columns_out(std::span<const int> columns) {
   start_requested_pivots();
   Core& core = *core_;
   for (const int column : columns) {
-    if (core.nonbasic[column]) continue;
-    const int position = core.position[column];
+    if (core.basis.nonbasic(column)) continue;
+    const int position = core.basis.position(column);
     row_.clear();
     row_.set_unit(position);
     core.btran(row_, core.row_ep_density);
@@ -83,14 +83,14 @@ bool Relaxation::pivot_columns_out(std::span<const int> columns) {
     core.price(row_, alpha_);
     int entering = -1;
     double size = kLeastPivot;
-    for (int i = 0; i < core.m; ++i) {  // slacks first: they keep the factor sparse
-      if (core.nonbasic[core.n + i] && std::fabs(row_.array[i]) > size) {
+    for (int i = 0; i < core.m(); ++i) {  // slacks first: they keep the factor sparse
+      if (core.basis.nonbasic(core.n() + i) && std::fabs(row_.array[i]) > size) {
         size = std::fabs(row_.array[i]);
-        entering = core.n + i;
+        entering = core.n() + i;
       }
     }
-    for (int j = 0; j < core.n; ++j) {
-      if (core.nonbasic[j] && !core.is_fixed(j) && std::fabs(alpha_.array[j]) > kSlackBonus * size) {
+    for (int j = 0; j < core.n(); ++j) {
+      if (core.basis.nonbasic(j) && !core.is_fixed(j) && std::fabs(alpha_.array[j]) > kSlackBonus * size) {
         size = std::fabs(alpha_.array[j]) / kSlackBonus;
         entering = j;
       }

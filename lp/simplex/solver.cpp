@@ -126,7 +126,7 @@ Statistics Solver::statistics() const {
 
 void Solver::change_offset(double offset) {
   user_.lp.offset = offset;
-  core_->offset = offset;
+  core_->model.set_offset(offset);
 }
 
 void Solver::set_options(const Options& options) {
@@ -136,7 +136,7 @@ void Solver::set_options(const Options& options) {
 
 void Solver::set_basis(const std::vector<BasisStatus>& columns, const std::vector<BasisStatus>& rows) {
   std::vector<BasisStatus> status(columns);
-  status.reserve(static_cast<size_t>(core_->total));
+  status.reserve(static_cast<size_t>(core_->total()));
   for (BasisStatus at : rows) status.push_back(activity_status(at));
   reoptimization_.forget();
   core_->use_original_bounds();
@@ -146,11 +146,11 @@ void Solver::set_basis(const std::vector<BasisStatus>& columns, const std::vecto
 }
 
 void Solver::set_dual_norms(const std::vector<double>& norms, const std::vector<int>& head) {
-  if (norms.size() != head.size() || static_cast<int>(norms.size()) != core_->m) return;
-  std::vector<double> by_variable(static_cast<size_t>(core_->total), 1.0);
+  if (norms.size() != head.size() || static_cast<int>(norms.size()) != core_->m()) return;
+  std::vector<double> by_variable(static_cast<size_t>(core_->total()), 1.0);
   for (size_t p = 0; p < head.size(); ++p) by_variable[head[p]] = norms[p];
-  std::vector<double> weights(static_cast<size_t>(core_->m));
-  for (int p = 0; p < core_->m; ++p) weights[p] = by_variable[core_->head[p]];
+  std::vector<double> weights(static_cast<size_t>(core_->m()));
+  for (int p = 0; p < core_->m(); ++p) weights[p] = by_variable[core_->basis.head(p)];
   the_dual().norms().set(std::move(weights));
   keep_norms_ = true;
 }
@@ -169,20 +169,13 @@ void Solver::forget_basis() {
 void Solver::reset_nonbasic_value(int j) {
   constexpr double kNoCost = 1e-9;
   Core& core = *core_;
-  const auto is_free = [&] {
-    return core.nonbasic[j] && core.work_lower[j] == -kInf && core.work_upper[j] == kInf;
-  };
-  core.free_nonbasic -= is_free();
-  core.work_lower[j] = core.lower[j];
-  core.work_upper[j] = core.upper[j];
-  core.free_nonbasic += is_free();
-  if (!core.nonbasic[j]) return;
-  int prefer = core.move[j];
+  if (!core.basis.nonbasic(j)) return;
+  int prefer = core.basis.move(j);
   if (prefer == 0 && reoptimization_.holds()) {
-    const double v = core.value[j];
-    prefer = std::fabs(core.d[j]) > kNoCost                                 ? (core.d[j] > 0 ? 1 : -1)
-             : std::fabs(v - core.lower[j]) <= std::fabs(v - core.upper[j]) ? 1
-                                                                            : -1;
+    const double v = core.basis.value(j);
+    prefer = std::fabs(core.values.d(j)) > kNoCost ? (core.values.d(j) > 0 ? 1 : -1)
+             : std::fabs(v - core.model.lower(j)) <= std::fabs(v - core.model.upper(j)) ? 1
+                                                                                        : -1;
   }
   core.place_nonbasic(j, prefer);
 }
@@ -192,75 +185,57 @@ void Solver::change_bounds(int j, double low, double high) {
   user_.lp.lower[j] = low;
   user_.lp.upper[j] = high;
   const double c = column_scale(j);
-  const bool was_fixed = core_->is_fixed(j);
-  core_->lower[j] = low / c;
-  core_->upper[j] = high / c;
+  core_->change_bounds(j, low / c, high / c);
   reset_nonbasic_value(j);
-  if (core_->nonbasic[j] && was_fixed != core_->is_fixed(j) && !core_->rows_are_stale) {
-    if (was_fixed) {
-      core_->rows.activate(j);
-    } else {
-      core_->rows.deactivate(j);
-    }
-  }
 }
 
 void Solver::change_row_bounds(int i, double low, double high) {
-  reoptimization_.note(core_->n + i);
+  reoptimization_.note(core_->n() + i);
   user_.lp.row_lower[i] = low;
   user_.lp.row_upper[i] = high;
   const double r = row_scale(i);
-  core_->lower[core_->n + i] = -high * r;
-  core_->upper[core_->n + i] = -low * r;
-  reset_nonbasic_value(core_->n + i);
+  core_->change_bounds(core_->n() + i, -high * r, -low * r);
+  reset_nonbasic_value(core_->n() + i);
 }
 
 void Solver::change_cost(int j, double c) {
   reoptimization_.note(j);
   user_.lp.cost[j] = c;
-  core_->cost[j] = c * column_scale(j);
+  core_->model.set_cost(j, c * column_scale(j));
 }
 
 /* A factorization permutes the positions of the basis: what is known by position moves along. */
 bool Solver::ensure_factor() {
   Core& core = *core_;
-  if (core.has_factor) return true;
+  if (core.has_factor()) return true;
   if (keep_norms_) the_dual().norms().save(core);
-  for (int p = 0; p < core.m; ++p) core.value[core.head[p]] = core.x[p];  // unused of basic variables
   core.ensure_rows();
-  const FactorState state = core.refactor();
+  const FactorState state = core.refactor_with_values();
   if (state != FactorState::good) {
     reoptimization_.forget();
     keep_norms_ = false;
     return state != FactorState::singular;
   }
   if (keep_norms_) the_dual().norms().restore(core);
-  for (int p = 0; p < core.m; ++p) {
-    const int j = core.head[p];
-    core.x[p] = core.value[j];
-    core.x_lower[p] = core.work_lower[j];
-    core.x_upper[p] = core.work_upper[j];
-  }
   return true;
 }
 
 bool Solver::factor_basis() {
-  if (reoptimization_.is_at_rest() && core_->has_factor) return true;
+  if (reoptimization_.is_at_rest() && core_->has_factor()) return true;
   reoptimization_.forget();
   core_->ensure_rows();
   core_->use_original_bounds();
   core_->use_original_costs();
-  core_->repairs = 0;
-  if (!ensure_factor() || core_->repairs > 0) return false;
+  core_->forget_repairs();
+  if (!ensure_factor() || core_->repairs() > 0) return false;
   core_->compute_primal();
   return true;
 }
 
 void Solver::prepare() {
   core_->options = options_;
-  core_->primal_tolerance = options_.primal_tolerance * kInnerShare;
-  core_->dual_tolerance = options_.dual_tolerance * kInnerShare;
-  core_->repairs = 0;
+  core_->set_tolerances(options_.primal_tolerance * kInnerShare, options_.dual_tolerance * kInnerShare);
+  core_->forget_repairs();
   answer_.withdraw();
 }
 
@@ -268,17 +243,15 @@ void Solver::prepare() {
  */
 bool Solver::bounds_cross() {
   Core& core = *core_;
-  for (int j = 0; j < core.total; ++j) {
-    if (core.lower[j] <= core.upper[j]) continue;
-    const double scale = j < core.n ? column_scale(j) : 1.0 / row_scale(j - core.n);
-    const double gap = (core.lower[j] - core.upper[j]) * scale;
+  for (int j = 0; j < core.total(); ++j) {
+    if (core.model.lower(j) <= core.model.upper(j)) continue;
+    const double scale = j < core.n() ? column_scale(j) : 1.0 / row_scale(j - core.n());
+    const double gap = (core.model.lower(j) - core.model.upper(j)) * scale;
     if (!(gap <= options_.primal_tolerance)) {
       answer_.farkas_gap = gap;
       return true;
     }
-    core.lower[j] = core.upper[j];
-    core.ensure_rows();
-    if (j < core.n && core.nonbasic[j]) core.rows.deactivate(j);
+    core.close_bounds(j);
   }
   return false;
 }
@@ -297,7 +270,7 @@ Reoptimization::State Solver::recheck() {
 
 Reoptimization::State Solver::standing() {
   if (reoptimization_.holds() && reoptimization_.is_due()) return recheck();
-  if (!core_->has_factor && reoptimization_.needs_factor()) ensure_factor();
+  if (!core_->has_factor() && reoptimization_.needs_factor()) ensure_factor();
   return reoptimization_.refresh(options_);
 }
 
@@ -334,7 +307,7 @@ Outcome Solver::solve(Method method) {
   if (bounds_cross()) {
     extract();
     answer_.method = method;
-    answer_.farkas.assign(static_cast<size_t>(core_->m), 0.0);
+    answer_.farkas.assign(static_cast<size_t>(core_->m()), 0.0);
     answer_.outcome = Outcome::infeasible;
     return answer_.outcome;
   }
@@ -377,16 +350,20 @@ Outcome Solver::run_to_tolerance(Method method) {
     if (!answer_.unscaled_infeasible) return outcome;
     if (round == kTightenings) return excess <= best.excess ? outcome : restore_best_basis(best);
     if (excess < best.excess) best = {answer_.column_status, answer_.row_status, excess};
-    const double primal_goal = core_->primal_tolerance / (3 * primal_excess);
-    while (primal_excess > 1 && core_->primal_tolerance > std::max(kTightest, primal_goal)) {
-      core_->primal_tolerance = tighten_feasibility(core_->primal_tolerance);
-    }
-    const double dual_goal = core_->dual_tolerance / (3 * dual_excess);
-    while (dual_excess > 1 && core_->dual_tolerance > std::max(kTightest, dual_goal)) {
-      core_->dual_tolerance = tighten_optimality(core_->dual_tolerance);
-    }
-    core_->has_factor = false;  // a fresh factor for the last digits
+    tighten_tolerances(primal_excess, dual_excess);
+    core_->drop_factor();  // a fresh factor for the last digits
   }
+}
+
+/* To what should bring violations that exceed the user's tolerances so many times within them. */
+void Solver::tighten_tolerances(double primal_excess, double dual_excess) {
+  double primal = core_->primal_tolerance();
+  double dual = core_->dual_tolerance();
+  const double primal_goal = primal / (3 * primal_excess);
+  while (primal_excess > 1 && primal > std::max(kTightest, primal_goal)) primal = tighten_feasibility(primal);
+  const double dual_goal = dual / (3 * dual_excess);
+  while (dual_excess > 1 && dual > std::max(kTightest, dual_goal)) dual = tighten_optimality(dual);
+  core_->set_tolerances(primal, dual);
 }
 
 /* Back to an optimal basis that misses the user's tolerances. */
@@ -401,11 +378,11 @@ Outcome Solver::restore_best_basis(const BestBasis& basis) {
 
 bool Solver::start_by_sifting() {
   const bool wanted = options_.sifting == Sifting::always ||
-                      (options_.sifting == Sifting::when_it_pays && sifting_pays(core_->m, core_->n));
-  if (has_basis_ || !wanted || core_->m == 0 || core_->n == 0) return false;
+                      (options_.sifting == Sifting::when_it_pays && sifting_pays(core_->m(), core_->n()));
+  if (has_basis_ || !wanted || core_->m() == 0 || core_->n() == 0) return false;
   LpData lp = user_.lp;
   lp.matrix.start.assign(1, 0);
-  for (int j = 0; j < core_->n; ++j) {
+  for (int j = 0; j < core_->n(); ++j) {
     each_entry(j, [&](int i, double a) {
       lp.matrix.index.push_back(i);
       lp.matrix.value.push_back(a);
@@ -448,12 +425,13 @@ bool Solver::already_optimal() {
  * False: the usual way. */
 bool Solver::run_dual_near(Outcome& outcome) {
   Core& core = *core_;
-  if (!std::exchange(in_step_, false) || !core.has_factor || !keep_norms_) return false;
+  if (!std::exchange(in_step_, false) || !core.has_factor() || !keep_norms_) return false;
   if (core.dual_infeasibility().count > 0) return false;
   Dual& dual = the_dual();
   dual.start_near();
   outcome = dual.reoptimize(options_.iteration_limit - core.counters.iterations, core.objective());
-  if (outcome == Outcome::numerical_failure || outcome == Outcome::singular || !core.has_factor) return false;
+  if (outcome == Outcome::numerical_failure || outcome == Outcome::singular || !core.has_factor())
+    return false;
   if (outcome == Outcome::infeasible) return verify_infeasible(dual.farkas());
   if (outcome != Outcome::optimal) return true;
   core.use_original_costs();

@@ -125,6 +125,7 @@ class Solver {
     double excess = 1e300;
   };
   Outcome run_to_tolerance(Method method);
+  void tighten_tolerances(double primal_excess, double dual_excess);
   Outcome restore_best_basis(const BestBasis& basis);
   Outcome run(Method method);
   bool already_optimal();

@@ -10,8 +10,8 @@ namespace tovik::lp::simplex {
 
 void Solver::extract() {
   Core& core = *core_;
-  const int n = core.n;
-  const int m = core.m;
+  const int n = core.n();
+  const int m = core.m();
   answer_is_new_ = true;
   reoptimization_.forget();
   answer_.x.assign(static_cast<size_t>(n), 0.0);
@@ -32,14 +32,15 @@ void Solver::extract() {
   answer_.row_status.resize(static_cast<size_t>(m));
   for (int j = 0; j < n; ++j) {
     answer_.column_status[j] = core.status(j);
-    if (core.nonbasic[j]) answer_.x[j] = user_.nonbasic_value(j);
+    if (core.basis.nonbasic(j)) answer_.x[j] = user_.nonbasic_value(j);
   }
   for (int p = 0; p < m; ++p) {
-    if (core.head[p] < n) answer_.x[core.head[p]] = core.x[p] * column_scale(core.head[p]);
+    if (core.basis.head(p) < n)
+      answer_.x[core.basis.head(p)] = core.values.x(p) * column_scale(core.basis.head(p));
   }
   for (int i = 0; i < m; ++i) {
     answer_.row_status[i] = activity_status(core.status(n + i));
-    answer_.y[i] = -core.d[n + i] * row_scale(i);
+    answer_.y[i] = -core.values.d(n + i) * row_scale(i);
   }
   sums_.compute(answer_.x, answer_.y);
   for (int i = 0; i < m; ++i) answer_.activity[i] = sums_.activity(i);
@@ -53,7 +54,7 @@ void Solver::extract() {
 
 /* y'A x over the columns' box must miss y'r over the rows' box. */
 bool Solver::verify_infeasible(const std::vector<double>& scaled_row) {
-  if (scaled_row.size() != static_cast<size_t>(core_->m)) return false;
+  if (scaled_row.size() != static_cast<size_t>(core_->m())) return false;
   std::vector<double> y(scaled_row.size());
   for (size_t i = 0; i < y.size(); ++i) y[i] = scaled_row[i] * row_scale(static_cast<int>(i));
   verify::FarkasProof proof;
@@ -69,13 +70,13 @@ bool Solver::verify_ray() {
   const int q = the_primal().ray_variable();
   if (q < 0) return false;
   Core& core = *core_;
-  std::vector<double> ray(static_cast<size_t>(core.n), 0.0);
+  std::vector<double> ray(static_cast<size_t>(core.n()), 0.0);
   const double direction = the_primal().ray_direction();
-  if (q < core.n) ray[q] = direction * column_scale(q);
+  if (q < core.n()) ray[q] = direction * column_scale(q);
   const SparseVector& column = the_primal().ray_column();
-  for (int p = 0; p < core.m; ++p) {
-    const int j = core.head[p];
-    if (j < core.n && column.array[p] != 0) ray[j] -= direction * column.array[p] * column_scale(j);
+  for (int p = 0; p < core.m(); ++p) {
+    const int j = core.basis.head(p);
+    if (j < core.n() && column.array[p] != 0) ray[j] -= direction * column.array[p] * column_scale(j);
   }
   const auto each = [this](int j, auto f) { each_entry(j, f); };
   if (!verify::check_ray(user_.lp, each, ray)) return false;

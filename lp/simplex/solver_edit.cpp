@@ -82,13 +82,13 @@ void edit_vectors(const ModelEdit& change, LpData& lp) {
 bool Solver::edit(ModelEdit change) {
   Core& core = *core_;
   const bool allowed = std::all_of(change.deleted_columns.begin(), change.deleted_columns.end(),
-                                   [&](int j) { return core.nonbasic[j] != 0; }) &&
+                                   [&](int j) { return core.basis.nonbasic(j) != 0; }) &&
                        std::none_of(change.deleted_rows.begin(), change.deleted_rows.end(),
-                                    [&](int i) { return core.nonbasic[core.n + i] != 0; });
+                                    [&](int i) { return core.basis.nonbasic(core.n() + i) != 0; });
   if (!allowed) return false;
   reoptimization_.prepare_edit(change);
-  answer_is_new_ = answer_is_new_ || !are_last(change.deleted_columns, core.n) ||
-                   !are_last(change.deleted_rows, core.m) || !reoptimization_.columns().empty() ||
+  answer_is_new_ = answer_is_new_ || !are_last(change.deleted_columns, core.n()) ||
+                   !are_last(change.deleted_rows, core.m()) || !reoptimization_.columns().empty() ||
                    !reoptimization_.rows().empty();
   if (keep_norms_) {
     if (dual_ != nullptr) carried_norms_ = dual_->norms().view();

@@ -40,8 +40,10 @@ struct UserSpace {
   }
   /* The value of a nonbasic column: the bound itself where it stands at one. */
   double nonbasic_value(int j) const {
-    const double v = core->value[j];
-    return v == core->lower[j] ? lp.lower[j] : v == core->upper[j] ? lp.upper[j] : v * column_scale(j);
+    const double v = core->basis.value(j);
+    return v == core->model.lower(j)   ? lp.lower[j]
+           : v == core->model.upper(j) ? lp.upper[j]
+                                       : v * column_scale(j);
   }
   std::int64_t column_length(int j) const { return core->matrix().start[j + 1] - core->matrix().start[j]; }
 };

@@ -64,21 +64,24 @@ struct TableCore {
 
   /* Statuses at random; what is singular is mended with logicals. */
   void random_basis(Random& random) {
-    std::vector<tovik::lp::BasisStatus> status(static_cast<size_t>(core.total));
+    std::vector<tovik::lp::BasisStatus> status(static_cast<size_t>(core.total()));
     for (auto& s : status) s = static_cast<tovik::lp::BasisStatus>(random.pick(0, 3));
     core.set_basis(status);
     core.refactor();
   }
   /* Entry i of the column of variable j in [A I]. */
   double entry(int i, int j) const {
-    return j < core.n ? lp.a[static_cast<size_t>(i)][static_cast<size_t>(j)] : j - core.n == i ? 1.0 : 0.0;
+    return j < core.n()        ? lp.a[static_cast<size_t>(i)][static_cast<size_t>(j)]
+           : j - core.n() == i ? 1.0
+                               : 0.0;
   }
   /* The inverse of the basis by elimination on the table: row p of the result belongs to position p. */
   std::vector<std::vector<double>> basis_inverse() const {
-    const auto m = static_cast<size_t>(core.m);
+    const auto m = static_cast<size_t>(core.m());
     std::vector<std::vector<double>> work(m, std::vector<double>(2 * m));
     for (size_t i = 0; i < m; ++i) {
-      for (size_t p = 0; p < m; ++p) work[i][p] = entry(static_cast<int>(i), core.head[p]);
+      for (size_t p = 0; p < m; ++p)
+        work[i][p] = entry(static_cast<int>(i), core.basis.head(static_cast<int>(p)));
       work[i][m + i] = 1;
     }
     for (size_t p = 0; p < m; ++p) {

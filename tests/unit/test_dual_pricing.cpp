@@ -19,11 +19,10 @@ constexpr double kListedShare = 0.99;  // of the best score that a choice from t
 class Rows {
  public:
   Rows(Random& random, int rows) : random_(random), table_(support::DenseLp(rows, 1)) {
-    core().x_lower.assign(core().x.size(), 0.0);
-    core().x_upper.assign(core().x.size(), 10.0);
-    for (double& x : core().x) x = value();
-    for (size_t p = 0; p < core().x.size(); ++p) weight_.push_back(random.uniform(0.5, 50));
-    banned_.resize(core().x.size());
+    for (int p = 0; p < rows; ++p) core().values.set_bounds(p, 0.0, 10.0);
+    for (int p = 0; p < rows; ++p) core().values.set_x(p, value());
+    for (int p = 0; p < rows; ++p) weight_.push_back(random.uniform(0.5, 50));
+    banned_.resize(static_cast<size_t>(rows));
     pricing_.resize(rows);
     rebuild(false);
   }
@@ -37,20 +36,20 @@ class Rows {
   /* As an iteration does it: values and weights of some rows move, and pricing is told row by row. */
   void move_some() {
     for (int k = random_.pick(1, 30); k > 0; --k) {
-      const int p = random_.below(core().m);
-      core().x[p] = value();
+      const int p = random_.below(core().m());
+      core().values.set_x(p, value());
       weight_[p] = random_.uniform(0.5, 50);
       pricing_.set(p, squared(p), weight_[p]);
     }
   }
   void move_all() {
-    for (double& x : core().x) {
-      if (random_.chance(0.2)) x = value();
+    for (int p = 0; p < core().m(); ++p) {
+      if (random_.chance(0.2)) core().values.set_x(p, value());
     }
     pricing_.set_all(core(), weight_);
   }
   void repair(int p) {
-    core().x[p] = 5;
+    core().values.set_x(p, 5);
     pricing_.set(p, squared(p), weight_[p]);
   }
   void ban(int p) {
@@ -63,7 +62,7 @@ class Rows {
   int choose(double share) {
     ++choices_;
     double best = 0;
-    for (int p = 0; p < core().m; ++p) best = std::max(best, score(p));
+    for (int p = 0; p < core().m(); ++p) best = std::max(best, score(p));
     const int chosen = pricing_.choose(core(), weight_);
     EXPECT_EQ(chosen >= 0, best > 0);
     EXPECT_TRUE(chosen < 0 || score(chosen) >= share * best * (1 - 1e-14)) << score(chosen) << " of " << best;
@@ -73,8 +72,8 @@ class Rows {
  private:
   double value() { return random_.chance(0.4) ? random_.uniform(0, 10) : random_.uniform(-20, 30); }
   double squared(int p) {
-    const double miss = std::max(-core().x[p], core().x[p] - 10);
-    return miss > core().primal_tolerance ? miss * miss : 0;
+    const double miss = std::max(-core().values.x(p), core().values.x(p) - 10);
+    return miss > core().primal_tolerance() ? miss * miss : 0;
   }
   double score(int p) { return banned_[p] ? 0 : squared(p) / weight_[p]; }
 
@@ -95,7 +94,7 @@ void run(Random& random, Rows& rows, int steps, double share) {
     if (random.chance(0.02)) rows.move_all();
     if (random.chance(0.02)) rows.rebuild(random.chance(0.5));
   }
-  int left = rows.core().m + 1;
+  int left = rows.core().m() + 1;
   for (int p = rows.choose(share); p >= 0 && left > 0; p = rows.choose(share), --left)
     random.chance(0.5) ? rows.ban(p) : rows.repair(p);
   EXPECT_GT(left, 0);
@@ -116,7 +115,7 @@ TEST(DualPricing, ListedChoiceIsAsGoodAsTheBestRow) {
     TRACE_RANDOM(random, round);
     Rows rows(random, random.pick(900, 2500));
     run(random, rows, 600, kListedShare);
-    EXPECT_LT(rows.core().counters.rows_scanned, rows.choices() * rows.core().m / 2);
+    EXPECT_LT(rows.core().counters.rows_scanned, rows.choices() * rows.core().m() / 2);
   }
 }
 

@@ -23,46 +23,46 @@ class Row {
  public:
   enum class Bounds { any, boxed };
   Row(Random& random, Bounds bounds) : random_(random), table_(model(random, bounds)) {
-    std::vector<BasisStatus> status(static_cast<size_t>(core().total));
+    std::vector<BasisStatus> status(static_cast<size_t>(core().total()));
     for (BasisStatus& s : status) s = static_cast<BasisStatus>(random.pick(0, 3));
     core().set_basis(status);
-    alpha_.resize(static_cast<size_t>(core().total));
-    rho_.resize(core().m);
-    row_.resize(core().n);
-    for (int j = 0; j < core().total; ++j) {
-      core().d[j] = core().nonbasic[j] ? feasible_dual(j) : 0;
+    alpha_.resize(static_cast<size_t>(core().total()));
+    rho_.resize(core().m());
+    row_.resize(core().n());
+    for (int j = 0; j < core().total(); ++j) {
+      core().values.set_dual(j, core().basis.nonbasic(j) ? feasible_dual(j) : 0);
       if (random.chance(0.6)) continue;
       const double a = (random.chance(0.5) ? 1 : -1) *
                        (random.chance(0.1)
                             ? 1e-12
                             : random.uniform(bounds == Bounds::boxed ? kSmallestPivot : 0.01, kLargestPivot));
-      if (j >= core().n) {
-        rho_.array[j - core().n] = a;
-        rho_.index[rho_.count++] = j - core().n;
-      } else if (core().nonbasic[j] && !core().is_fixed(j)) {
+      if (j >= core().n()) {
+        rho_.array[j - core().n()] = a;
+        rho_.index[rho_.count++] = j - core().n();
+      } else if (core().basis.nonbasic(j) && !core().is_fixed(j)) {
         row_.array[j] = a;
         row_.index[row_.count++] = j;
       }
     }
-    for (int j = 0; j < core().total; ++j) {
-      const double a = j < core().n ? row_.array[j] : rho_.array[j - core().n];
+    for (int j = 0; j < core().total(); ++j) {
+      const double a = j < core().n() ? row_.array[j] : rho_.array[j - core().n()];
       if (movable(j)) alpha_[j] = a;
     }
     if (random.chance(0.2)) row_.count = -1;
     if (random.chance(0.2)) rho_.count = -1;
     delta_ = (random.chance(0.5) ? 1 : -1) * std::ldexp(random.uniform(0.5, 1), random.pick(-5, 8));
-    before_ = core().d;
+    before_ = core().values.d();
   }
 
   Core& core() { return table_.core; }
-  bool movable(int j) { return core().nonbasic[j] && !core().is_fixed(j); }
-  double range(int j) { return core().work_upper[j] - core().work_lower[j]; }
+  bool movable(int j) { return core().basis.nonbasic(j) && !core().is_fixed(j); }
+  double range(int j) { return core().work.upper(j) - core().work.lower(j); }
   double alpha(int j) const { return alpha_[j]; }
   double delta() const { return delta_; }
   double dual_before(int j) const { return before_[j]; }
 
   DualRatioTest::Pick choose() {
-    core().count_free();
+    core().basis.count_free(core().work);
     test_.prepare(core());
     test_.load(core(), rho_, row_, delta_);
     return test_.choose(core(), delta_);
@@ -76,16 +76,16 @@ class Row {
   bool is_candidate(int j) {
     if (!movable(j)) return false;
     const double a = delta_ < 0 ? -alpha_[j] : alpha_[j];
-    return core().is_free(j) ? std::fabs(a) > 1e-9 : a * core().move[j] > 1e-9;
+    return core().model.is_free(j) ? std::fabs(a) > 1e-9 : a * core().basis.move(j) > 1e-9;
   }
   /* Growth of the dual objective by a step: delta a unit of it, less what columns lose that stand at the
    * worse of their two bounds. */
   double gain(double theta) {
     double sum = theta * delta_;
-    for (int j = 0; j < core().total; ++j) {
+    for (int j = 0; j < core().total(); ++j) {
       if (!movable(j)) continue;
       const double d = before_[j] - theta * alpha_[j];
-      sum += std::min(0.0, core().move[j] * d) * range(j);
+      sum += std::min(0.0, core().basis.move(j) * d) * range(j);
     }
     return sum;
   }
@@ -93,14 +93,14 @@ class Row {
    * of all columns together. */
   double gain_tolerance() {
     double ranges = 0;
-    for (int j = 0; j < core().total; ++j) ranges += core().nonbasic[j] ? range(j) : 0;
-    return core().dual_tolerance * (1 + ranges * 2 * kLargestPivot / kSmallestPivot) + kRounding;
+    for (int j = 0; j < core().total(); ++j) ranges += core().basis.nonbasic(j) ? range(j) : 0;
+    return core().dual_tolerance() * (1 + ranges * 2 * kLargestPivot / kSmallestPivot) + kRounding;
   }
   /* By how much the dual of j is infeasible after the step. */
   double violation_after(int j, double theta) {
     const double d = before_[j] - theta * alpha_[j];
-    if (core().is_free(j)) return std::fabs(d);
-    return -d * (flipped(j) ? -core().move[j] : core().move[j]);
+    if (core().model.is_free(j)) return std::fabs(d);
+    return -d * (flipped(j) ? -core().basis.move(j) : core().basis.move(j));
   }
 
  private:
@@ -116,12 +116,12 @@ class Row {
   }
   /* Zero, within the tolerance on the wrong side, or of any size; of free columns zero or nearly. */
   double feasible_dual(int j) {
-    const double noise = random_.uniform(-1, 1) * core().dual_tolerance;
-    if (core().is_free(j)) return random_.chance(0.5) ? 0 : noise;
+    const double noise = random_.uniform(-1, 1) * core().dual_tolerance();
+    if (core().model.is_free(j)) return random_.chance(0.5) ? 0 : noise;
     if (core().is_fixed(j)) return random_.uniform(-5, 5);
     if (random_.chance(0.2)) return 0;
     if (random_.chance(0.2)) return noise;
-    return core().move[j] * random_.uniform(0, 5);
+    return core().basis.move(j) * random_.uniform(0, 5);
   }
 
   Random& random_;
@@ -138,7 +138,7 @@ TEST(DualRatioTest, StepsLeaveTheDualsFeasible) {
   for (int round = 0; round < 4000; ++round) {
     TRACE_RANDOM(random, round);
     Row row(random, random.chance(0.5) ? Row::Bounds::any : Row::Bounds::boxed);
-    const int total = row.core().total;
+    const int total = row.core().total();
     const DualRatioTest::Pick pick = row.choose();
     bool any = false;
     for (int j = 0; j < total; ++j) any = any || row.is_candidate(j);
@@ -146,11 +146,11 @@ TEST(DualRatioTest, StepsLeaveTheDualsFeasible) {
     if (!any) continue;
     ++picks;
     with_flips += !row.flips().empty();
-    free_columns += row.core().is_free(pick.variable);
+    free_columns += row.core().model.is_free(pick.variable);
     EXPECT_TRUE(row.is_candidate(pick.variable));
     EXPECT_EQ(pick.alpha, row.alpha(pick.variable));
     EXPECT_GE(pick.theta * row.delta(), 0) << "the dual objective falls";
-    const double tolerance = row.core().dual_tolerance;
+    const double tolerance = row.core().dual_tolerance();
     // The pick's own dual becomes 0; one that was infeasible within the tolerance is shifted there.
     const double rest = row.dual_before(pick.variable) - pick.theta * pick.alpha;
     EXPECT_LE(std::fabs(rest), pick.theta == 0 ? tolerance : kRounding);
@@ -182,7 +182,7 @@ TEST(DualRatioTest, FlipsEndWhereTheSlopeDoes) {
     }
     EXPECT_GE(slope, -kRounding * std::fabs(row.delta()));
     const double reached = row.gain(pick.theta);
-    for (int j = 0; j < row.core().total; ++j) {
+    for (int j = 0; j < row.core().total(); ++j) {
       if (!row.is_candidate(j)) continue;
       const double other = row.dual_before(j) / row.alpha(j);
       EXPECT_GE(reached, row.gain(other) - row.gain_tolerance()) << "the break point of variable " << j;

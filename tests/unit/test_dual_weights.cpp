@@ -38,7 +38,7 @@ void expect_close(const std::vector<double>& found, const std::vector<double>& w
 class Pivots {
  public:
   explicit Pivots(TableCore& table) : table_(table) {
-    for (SparseVector* v : {&rho_, &column_, &tau_}) v->resize(table.core.m);
+    for (SparseVector* v : {&rho_, &column_, &tau_}) v->resize(table.core.m());
   }
 
   /* A column that may enter at p with a pivot of some size; -1 when there is none. */
@@ -49,9 +49,9 @@ class Pivots {
     rho_.want_pack = true;
     core.btran(rho_, density_);
     rho_.want_pack = false;
-    for (int k = 0, q = random.below(core.total); k < core.total; ++k, q = (q + 1) % core.total) {
-      if (!core.nonbasic[q]) continue;
-      core.load_column(q, column_);
+    for (int k = 0, q = random.below(core.total()); k < core.total(); ++k, q = (q + 1) % core.total()) {
+      if (!core.basis.nonbasic(q)) continue;
+      core.model.load_column(q, column_);
       column_.want_pack = true;
       core.ftran(column_, density_);
       column_.want_pack = false;
@@ -93,11 +93,11 @@ TEST(DualSteepestEdge, UpdatedAreRecomputedOverAnyPivots) {
     const DualRule& rule = dual_rule(Pricing::steepest_edge);
     DualWeights weights;
     SparseVector work;
-    work.resize(core.m);
+    work.resize(core.m());
     rule.start(core, false, weights, work);
     expect_close(weights.view(), weights_by_elimination(table), 1e-8);
     for (int step = 0; step < 30; ++step) {
-      const int p = random.below(core.m);
+      const int p = random.below(core.m());
       const int q = pivots.load(p, random);
       if (q < 0) continue;
       EXPECT_TRUE(rule.accept(p, pivots.rho(), weights)) << "step " << step;
@@ -123,16 +123,18 @@ TEST(DualWeights, WeightsGoWithTheirVariables) {
     TableCore table(support::scattered_lp(random, random.pick(2, 25), random.pick(2, 40)));
     Core& core = table.core;
     table.random_basis(random);
-    std::vector<double> of_variable(static_cast<size_t>(core.total)), weights;
+    std::vector<double> of_variable(static_cast<size_t>(core.total())), weights;
     for (double& w : of_variable) w = random.uniform(1, 100);
-    for (const int j : core.head) weights.push_back(of_variable[j]);
+    for (const int j : core.basis.head()) weights.push_back(of_variable[j]);
     DualWeights kept;
     kept.set(weights);
     kept.save(core);
-    std::shuffle(core.head.begin(), core.head.end(), random.engine());
+    std::vector<int> head = core.basis.head();
+    std::shuffle(head.begin(), head.end(), random.engine());
+    for (int p = 0; p < core.m(); ++p) core.basis.set_basic(p, head[static_cast<size_t>(p)]);
     core.refactor();
     kept.restore(core);
-    for (int p = 0; p < core.m; ++p) EXPECT_EQ(kept.view()[p], of_variable[core.head[p]]);
+    for (int p = 0; p < core.m(); ++p) EXPECT_EQ(kept.view()[p], of_variable[core.basis.head(p)]);
   }
 }
 
@@ -198,8 +200,9 @@ TEST(DualRule, StartsAsThePricingAsks) {
   Core& core = table.core;
   table.random_basis(random);
   SparseVector work;
-  work.resize(core.m);
-  const std::vector<double> ones(static_cast<size_t>(core.m), 1.0), carried(static_cast<size_t>(core.m), 2.0);
+  work.resize(core.m());
+  const std::vector<double> ones(static_cast<size_t>(core.m()), 1.0),
+      carried(static_cast<size_t>(core.m()), 2.0);
   const std::vector<double> norms = weights_by_elimination(table);
   ASSERT_NE(*std::max_element(norms.begin(), norms.end()), 1.0);
   for (const Pricing pricing : {Pricing::automatic, Pricing::steepest_edge, Pricing::steepest_edge_unit,

@@ -23,26 +23,26 @@ struct State {
   bool shifted;
 
   explicit State(const Relaxation& engine)
-      : x(engine.core().x),
-        x_lower(engine.core().x_lower),
-        x_upper(engine.core().x_upper),
-        value(engine.core().value),
-        d(engine.core().d),
-        cost(engine.core().work_cost),
-        lower(engine.core().work_lower),
-        upper(engine.core().work_upper),
+      : x(engine.core().values.x()),
+        x_lower(engine.core().values.x_lower()),
+        x_upper(engine.core().values.x_upper()),
+        value(engine.core().basis.value()),
+        d(engine.core().values.d()),
+        cost(engine.core().work.cost()),
+        lower(engine.core().work.lower()),
+        upper(engine.core().work.upper()),
         weights(engine.dual_norms()),
-        nonbasic(engine.core().nonbasic),
-        move(engine.core().move),
-        head(engine.core().head),
+        nonbasic(engine.core().basis.nonbasic()),
+        move(engine.core().basis.move()),
+        head(engine.core().basis.head()),
         objective(engine.objective()),
         next_random(EngineRandom(engine.core().random).real()),
-        shifted(engine.core().costs_shifted) {
+        shifted(engine.core().work.costs_shifted()) {
     const Counters& c = engine.counters();
     counts = {c.iterations,
               c.factorizations,
               c.shifts,
-              engine.core().free_nonbasic,
+              engine.core().basis.free_nonbasic(),
               engine.core().rows.active_entries(),
               engine.core().factor.updates()};
     for (size_t p = 0; p < head.size(); ++p) {
@@ -143,30 +143,30 @@ TEST(PivotUndo, ShiftsAndTheRandomStreamAreTakenBack) {
     table.random_basis(random);
     Core& core = table.core;
     DualWeights weights;
-    weights.reset(core.m);
+    weights.reset(core.m());
     DualPricing pricing;
-    pricing.resize(core.m);
+    pricing.resize(core.m());
     core.compute_primal();
     core.compute_dual();
     pricing.rebuild_listed(core);
     const bool shifted_before = random.chance(0.5);
-    if (shifted_before) core.shift_cost(0, core.d[0] + 1);
-    const std::vector<double> cost = core.work_cost, d = core.d;
-    const std::vector<int> shifted = core.shifted;
+    if (shifted_before) core.shift_cost(0, core.values.d(0) + 1);
+    const std::vector<double> cost = core.work.cost(), d = core.values.d();
+    const std::vector<int> shifted = core.work.shifted();
     const double next = EngineRandom(core.random).real();
     PivotUndo undo;
     undo.start(core);
     for (int k = 0; k < 10; ++k) {
-      const int j = random.below(core.total);
+      const int j = random.below(core.total());
       undo.save_dual(core, j);
       core.shift_cost(j, random.pick(-3, 3));
       core.random.real();
     }
     undo.undo(core, weights, pricing);
-    EXPECT_EQ(core.work_cost, cost);
-    EXPECT_EQ(core.d, d);
-    EXPECT_EQ(core.shifted, shifted);
-    EXPECT_EQ(core.costs_shifted, shifted_before);
+    EXPECT_EQ(core.work.cost(), cost);
+    EXPECT_EQ(core.values.d(), d);
+    EXPECT_EQ(core.work.shifted(), shifted);
+    EXPECT_EQ(core.work.costs_shifted(), shifted_before);
     EXPECT_EQ(EngineRandom(core.random).real(), next);
     EXPECT_FALSE(undo.active());
   }

@@ -27,8 +27,8 @@ LpData random_lp(Random& random) {
 }
 
 std::vector<double> point(const Core& core) {
-  std::vector<double> x(core.value);
-  for (int p = 0; p < core.m; ++p) x[core.head[p]] = core.x[p];
+  std::vector<double> x(core.basis.value());
+  for (int p = 0; p < core.m(); ++p) x[core.basis.head(p)] = core.values.x(p);
   return x;
 }
 
@@ -36,12 +36,12 @@ std::vector<double> point(const Core& core) {
  * where x stands. */
 void expect_optimal(const Core& core) {
   const std::vector<double> x = point(core);
-  std::vector<double> rows(static_cast<size_t>(core.m), 0.0);
-  for (int j = 0; j < core.total; ++j) {
-    EXPECT_GE(x[j], core.lower[j] - kTol);
-    EXPECT_LE(x[j], core.upper[j] + kTol);
-    if (j >= core.n) {
-      rows[j - core.n] += x[j];
+  std::vector<double> rows(static_cast<size_t>(core.m()), 0.0);
+  for (int j = 0; j < core.total(); ++j) {
+    EXPECT_GE(x[j], core.model.lower(j) - kTol);
+    EXPECT_LE(x[j], core.model.upper(j) + kTol);
+    if (j >= core.n()) {
+      rows[j - core.n()] += x[j];
     } else {
       for (int k = core.matrix().start[j]; k < core.matrix().start[j + 1]; ++k) {
         rows[core.matrix().index[k]] += core.matrix().value[k] * x[j];
@@ -49,48 +49,49 @@ void expect_optimal(const Core& core) {
     }
   }
   for (double r : rows) EXPECT_NEAR(r, 0, kTol);
-  std::vector<double> y(static_cast<size_t>(core.m));  // d of a logical is -y
-  for (int i = 0; i < core.m; ++i) y[i] = -core.d[core.n + i];
-  for (int j = 0; j < core.total; ++j) {
-    const double d = core.cost[j] - core.column_dot(j, y);
-    if (x[j] > core.lower[j] + kTol) {
+  std::vector<double> y(static_cast<size_t>(core.m()));  // d of a logical is -y
+  for (int i = 0; i < core.m(); ++i) y[i] = -core.values.d(core.n() + i);
+  for (int j = 0; j < core.total(); ++j) {
+    const double d = core.model.cost(j) - core.model.column_dot(j, y);
+    if (x[j] > core.model.lower(j) + kTol) {
       EXPECT_LE(d, kTol) << "column " << j;
     }
-    if (x[j] < core.upper[j] - kTol) {
+    if (x[j] < core.model.upper(j) - kTol) {
       EXPECT_GE(d, -kTol) << "column " << j;
     }
   }
-  EXPECT_EQ(core.work_cost, core.cost);
-  EXPECT_EQ(core.work_lower, core.lower);
-  EXPECT_EQ(core.work_upper, core.upper);
+  EXPECT_EQ(core.work.cost(), core.model.cost());
+  EXPECT_EQ(core.work.lower(), core.model.lower());
+  EXPECT_EQ(core.work.upper(), core.model.upper());
 }
 
 void expect_infeasible(const Core& core, const std::vector<double>& y) {
   double largest = 0;
-  for (int j = 0; j < core.total; ++j) {
-    const double z = core.column_dot(j, y);
+  for (int j = 0; j < core.total(); ++j) {
+    const double z = core.model.column_dot(j, y);
     if (std::fabs(z) < 1e-9) continue;
-    largest += z * (z > 0 ? core.upper[j] : core.lower[j]);
+    largest += z * (z > 0 ? core.model.upper(j) : core.model.lower(j));
   }
   EXPECT_LT(largest, 0);
 }
 
 void expect_unbounded(const Core& core, const Primal& primal) {
-  std::vector<double> ray(static_cast<size_t>(core.total), 0.0);
+  std::vector<double> ray(static_cast<size_t>(core.total()), 0.0);
   ray[primal.ray_variable()] = primal.ray_direction();
-  for (int p = 0; p < core.m; ++p) ray[core.head[p]] = -primal.ray_direction() * primal.ray_column().array[p];
-  std::vector<double> rows(static_cast<size_t>(core.m), 0.0);
+  for (int p = 0; p < core.m(); ++p)
+    ray[core.basis.head(p)] = -primal.ray_direction() * primal.ray_column().array[p];
+  std::vector<double> rows(static_cast<size_t>(core.m()), 0.0);
   double slope = 0;
-  for (int j = 0; j < core.total; ++j) {
-    slope += core.cost[j] * ray[j];
+  for (int j = 0; j < core.total(); ++j) {
+    slope += core.model.cost(j) * ray[j];
     if (ray[j] > 1e-9) {
-      EXPECT_EQ(core.upper[j], kInf);
+      EXPECT_EQ(core.model.upper(j), kInf);
     }
     if (ray[j] < -1e-9) {
-      EXPECT_EQ(core.lower[j], -kInf);
+      EXPECT_EQ(core.model.lower(j), -kInf);
     }
-    if (j >= core.n) {
-      rows[j - core.n] += ray[j];
+    if (j >= core.n()) {
+      rows[j - core.n()] += ray[j];
       continue;
     }
     for (int k = core.matrix().start[j]; k < core.matrix().start[j + 1]; ++k) {
@@ -115,7 +116,7 @@ Answer solve_and_check(const LpData& lp, const Options& options, Start start, Ra
   if (start == Start::slack) {
     core.set_logical_basis();
   } else {
-    std::vector<BasisStatus> status(static_cast<size_t>(core.total));
+    std::vector<BasisStatus> status(static_cast<size_t>(core.total()));
     for (BasisStatus& s : status) s = static_cast<BasisStatus>(random.pick(0, 3));
     core.set_basis(status);
   }
@@ -247,7 +248,7 @@ TEST(Primal, RestartsFromItsOwnBasis) {
   ASSERT_EQ(primal.solve(100000), Outcome::optimal);
   EXPECT_EQ(core.counters.iterations, first);
   EXPECT_EQ(core.counters.factorizations, built);
-  for (int j = 0; j < 30; ++j) core.cost[j] += random.pick(-3, 3);
+  for (int j = 0; j < 30; ++j) core.model.set_cost(j, core.model.cost(j) + random.pick(-3, 3));
   ASSERT_EQ(primal.solve(100000), Outcome::optimal);
   expect_optimal(core);
   EXPECT_LT(core.counters.iterations - first, first / 2);
@@ -265,8 +266,8 @@ TEST(Primal, StopsAtItsLimitsWithConsistentState) {
     core.set_logical_basis();
     Primal primal(core);
     EXPECT_EQ(primal.solve(budget), expected);
-    EXPECT_EQ(core.work_cost, core.cost);
-    EXPECT_EQ(core.work_lower, core.lower);
+    EXPECT_EQ(core.work.cost(), core.model.cost());
+    EXPECT_EQ(core.work.lower(), core.model.lower());
     control.allowed = 1000000;
     core.options = {};
     EXPECT_EQ(primal.solve(100000), Outcome::optimal);

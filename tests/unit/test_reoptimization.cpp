@@ -150,7 +150,7 @@ TEST(Reoptimization, FindsWhatAWholeLookAtTheBasisFinds) {
       for (int j = 0; j < lp.columns(); ++j) {
         const double scaled = answer.d[j] * solver.column_scale(j);
         if (answer.column_status[j] != BasisStatus::basic) {
-          EXPECT_NEAR(solver.core().d[j], scaled, 1e-9 * (1 + std::fabs(scaled)))
+          EXPECT_NEAR(solver.core().values.d(j), scaled, 1e-9 * (1 + std::fabs(scaled)))
               << "the engine's own, column " << j;
         }
       }

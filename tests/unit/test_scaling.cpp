@@ -129,23 +129,23 @@ TEST(Scaling, EngineAndUserSeeTheSameModel) {
     options.scaling = random.pick(-1, 1);
     const Solver solver(lp.data(), options, control, nullptr);
     const Core& core = solver.core();
-    std::vector<double> unit(static_cast<size_t>(core.m), 0.0);
-    for (int j = 0; j < core.n; ++j) {
+    std::vector<double> unit(static_cast<size_t>(core.m()), 0.0);
+    for (int j = 0; j < core.n(); ++j) {
       std::vector<double> column(unit.size(), 0.0);
       solver.each_entry(j, [&](int i, double a) { column[i] = a; });
-      for (int i = 0; i < core.m; ++i) {
+      for (int i = 0; i < core.m(); ++i) {
         EXPECT_EQ(column[i], lp.a[i][j]);
         unit[i] = 1;
-        EXPECT_EQ(core.column_dot(j, unit), lp.a[i][j] * solver.row_scale(i) * solver.column_scale(j));
+        EXPECT_EQ(core.model.column_dot(j, unit), lp.a[i][j] * solver.row_scale(i) * solver.column_scale(j));
         unit[i] = 0;
       }
-      EXPECT_EQ(core.lower[j] * solver.column_scale(j), lp.lower[j]);
-      EXPECT_EQ(core.upper[j] * solver.column_scale(j), lp.upper[j]);
-      EXPECT_EQ(core.cost[j] / solver.column_scale(j), lp.cost[j]);
+      EXPECT_EQ(core.model.lower(j) * solver.column_scale(j), lp.lower[j]);
+      EXPECT_EQ(core.model.upper(j) * solver.column_scale(j), lp.upper[j]);
+      EXPECT_EQ(core.model.cost(j) / solver.column_scale(j), lp.cost[j]);
     }
-    for (int i = 0; i < core.m; ++i) {
-      EXPECT_EQ(-core.upper[core.n + i] / solver.row_scale(i), lp.row_lower[i]);
-      EXPECT_EQ(-core.lower[core.n + i] / solver.row_scale(i), lp.row_upper[i]);
+    for (int i = 0; i < core.m(); ++i) {
+      EXPECT_EQ(-core.model.upper(core.n() + i) / solver.row_scale(i), lp.row_lower[i]);
+      EXPECT_EQ(-core.model.lower(core.n() + i) / solver.row_scale(i), lp.row_upper[i]);
     }
   }
 }
