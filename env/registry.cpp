@@ -2,6 +2,7 @@
 
 #include <array>
 #include <atomic>
+#include <cstddef>
 #include <cstdint>
 #include <mutex>
 #include <unordered_map>
@@ -30,33 +31,33 @@ Registry& registry() {
 
 struct Remembered {
   const void* handle;
-  HandleKind kind;
   std::uint64_t removals;  // count at the look-up; 0 matches none
 };
 
 constexpr int kPlaceBits = 5;
-constinit thread_local std::array<Remembered, 1u << kPlaceBits> remembered{};
+constexpr std::size_t kKinds = static_cast<std::size_t>(HandleKind::channel) + 1;
+/* By kind: an environment never takes the place of its problem, with which it comes in every call. */
+constinit thread_local std::array<std::array<Remembered, 1u << kPlaceBits>, kKinds> remembered{};
 
 /* The upper bits of a product with a large odd number depend on all bits of the handle. */
-Remembered& place_of(const void* handle) {
+Remembered& place_of(const void* handle, HandleKind kind) {
   const std::uint64_t bits = reinterpret_cast<std::uintptr_t>(handle);
-  return remembered[(bits * 0x9e3779b97f4a7c15u) >> (64 - kPlaceBits)];
+  return remembered[static_cast<std::size_t>(kind)][(bits * 0x9e3779b97f4a7c15u) >> (64 - kPlaceBits)];
 }
 
 }  // namespace
 
 bool is_live(const void* handle, HandleKind kind) noexcept {
   if (handle == nullptr) return false;
-  Remembered& place = place_of(handle);
-  if (place.handle == handle && place.kind == kind &&
-      place.removals == removals.load(std::memory_order_acquire)) {
+  Remembered& place = place_of(handle, kind);
+  if (place.handle == handle && place.removals == removals.load(std::memory_order_acquire)) {
     return true;
   }
   Registry& all = registry();
   std::lock_guard guard(all.mutex);
   const auto found = all.live.find(handle);
   if (found == all.live.end() || found->second != kind) return false;
-  place = {handle, kind, removals.load(std::memory_order_relaxed)};
+  place = {handle, removals.load(std::memory_order_relaxed)};
   return true;
 }
 
