@@ -205,8 +205,9 @@ Status run_simplex(Environment& env, Problem& problem, const Algorithm& algorith
   if (env.callbacks.lp != nullptr) warm.solver.invalidate();  // it is called by the algorithms
   const Outcome outcome = warm.solver.solve(algorithm.method);
   warm.solver.detach();
-  statistics = {continuation.before.presolve, warm.solver.statistics()};
-  statistics.simplex.work.add(continuation.before.simplex.work);
+  statistics.presolve = continuation.before.presolve;
+  statistics.simplex = warm.solver.statistics();
+  if (statistics.presolve) statistics.simplex.work.add(continuation.before.simplex.work);
   if (outcome == Outcome::singular) return Status(TVK_ERROR_BASIS_SINGULAR);
   const int status = status_code(outcome, warm.solver.answer().unscaled_infeasible);
   store_answer(problem, warm.solver);
