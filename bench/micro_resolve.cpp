@@ -1,4 +1,4 @@
-/* Re-solves of one problem: a change, then the optimizer, 10,000 times each (add_cut 200 times), on a small,
+/* Re-solves of one problem: a change, then the optimizer, 10,000 times each (add_cut and presolved 200 times), on a small,
  * a medium and a large model. What changes (candidates are taken in turn, so that it is not always the same
  * corner of the model):
  *   bound         the far bound of a nonbasic column: nothing moves
@@ -11,6 +11,7 @@
  *   delete_row    a row with a basic slack goes and comes back as the last one
  *   column        a nonbasic column goes and comes back as the last one
  *   bound_pivots  a bound that cuts the optimum off, then back: a few pivots each
+ *   presolved     a cost of a column that presolve kept, a little, while the problem stays presolved
  *
  * All but add_cut and bound_pivots need no pivot: candidates are tried out before the clock starts.
  * Counters: microseconds a solve, pivots a solve.
@@ -58,6 +59,19 @@ class Session {
   Session& operator=(const Session&) = delete;
 
   bool ready() const { return ready_; }
+  /* By rules that look at no costs: so costs may change. */
+  bool presolve() {
+    return TVKsetintparam(env_, TVK_PARAM_REDUCE, 1) == 0 && TVKpresolve(env_, lp_, 0) == 0 && solve() == 0;
+  }
+  bool is_presolved() {
+    int fate = 0;
+    return TVKgetprestat(env_, lp_, &fate, nullptr, nullptr, nullptr, nullptr) == 0 && fate == 1;
+  }
+  std::vector<int> fates_of_columns() {
+    std::vector<int> fates(columns(), -1);
+    TVKgetprestat(env_, lp_, nullptr, fates.data(), nullptr, nullptr, nullptr);
+    return fates;
+  }
   std::size_t rows() const { return static_cast<std::size_t>(TVKgetnumrows(env_, lp_)); }
   std::size_t columns() const { return static_cast<std::size_t>(TVKgetnumcols(env_, lp_)); }
   int solve() { return TVKdualopt(env_, lp_) != 0 || TVKgetstat(env_, lp_) != TVK_STATUS_OPTIMAL; }
@@ -286,6 +300,28 @@ void enter(const std::string& name, Run run, int solves = kSolves) {
   benchmark::RegisterBenchmark(name.c_str(), run)->Unit(benchmark::kMillisecond)->Iterations(solves);
 }
 
+/* Costs of columns that presolve kept go up and down while its record stays. */
+void presolved(benchmark::State& state, const std::string& model) {
+  Session s(model);
+  if (!s.ready() || !s.presolve() || !s.is_presolved()) return state.SkipWithError("model missing or gone");
+  const std::vector<int> fates = s.fates_of_columns();
+  const std::vector<int> candidates = s.choose(s.columns(), [&](int j) { return fates[j] >= 0; });
+  if (candidates.empty()) return state.SkipWithError("no candidates");
+  std::size_t at = 0;
+  bool on = true;
+  std::int64_t pivots = 0;
+  for (auto _ : state) {
+    const int j = candidates[at];
+    s.set_cost(j, s.cost_[j] + (on ? step(s.cost_[j]) : 0));
+    if (s.solve() != 0) return state.SkipWithError("not optimal");
+    pivots += s.pivots();
+    if (!on) at = (at + 1) % candidates.size();
+    on = !on;
+  }
+  if (!s.is_presolved()) return state.SkipWithError("presolve did not take a change over");
+  report(state, state.iterations(), pivots);
+}
+
 const bool entered = [] {
   for (const char* model : {"netlib/afiro", "netlib/25fv47", "kennington/ken-11"}) {
     const std::string name = std::string(model) + "/";
@@ -296,6 +332,8 @@ const bool entered = [] {
     enter(
         name + "add_cut", [=](benchmark::State& state) { add_row(state, model, true); }, kFewSolves);
     enter(name + "delete_row", [=](benchmark::State& state) { come_and_go(state, model, true); });
+    enter(
+        name + "presolved", [=](benchmark::State& state) { presolved(state, model); }, kFewSolves);
     enter(name + "column", [=](benchmark::State& state) { come_and_go(state, model, false); });
   }
   return true;
