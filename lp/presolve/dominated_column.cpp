@@ -118,7 +118,7 @@ bool use_dual_bounds(Workspace& ws) {
 }
 
 void undo_row_made_equation(const RowMadeEquation& record, Undo& undo) {
-  BasisStatus& at = undo.point.row[record.row];
+  BasisStatus& at = undo.point.row_status[record.row];
   if (at != BasisStatus::basic) at = record.side;
 }
 

@@ -109,16 +109,16 @@ bool substitute_doubleton(Workspace& ws, int i) {
 void undo_doubleton(const Doubleton& record, Undo& undo) {
   const int i = record.row, j = record.leaves, k = record.stays;
   const double a = record.a, b = record.b;
-  Point& p = undo.point;
+  Answer& p = undo.point;
   CleanSum rest(undo.cost(record.cost));
   undo.each_entry(record.entries, j, [&](int r, double value) { rest.subtract(value * p.y[r]); });
   p.y[i] = rest.value() / a;
   p.x[j] = (record.beta - b * p.x[k]) / a;
   p.d[j] = 0;
-  p.column[j] = BasisStatus::basic;
-  BasisStatus at = p.column[k];
+  p.column_status[j] = BasisStatus::basic;
+  BasisStatus at = p.column_status[k];
   if (record.collapsed && at != BasisStatus::basic)
-    p.column[k] = at = Undo::own_side(at, p.d[k], record.tighter_lower, record.tighter_upper);
+    p.column_status[k] = at = Undo::own_side(at, p.d[k], record.tighter_lower, record.tighter_upper);
   if ((at == BasisStatus::lower && record.tighter_lower) ||
       (at == BasisStatus::upper && record.tighter_upper)) {
     CleanSum y(p.y[i]);
@@ -127,11 +127,11 @@ void undo_doubleton(const Doubleton& record, Undo& undo) {
     p.d[j] = -(a / b) * p.d[k];
     p.d[k] = 0;
     p.x[j] = at == BasisStatus::lower ? record.at_lower : record.at_upper;
-    p.column[j] =
+    p.column_status[j] =
         ((a > 0) == (b > 0)) == (at == BasisStatus::lower) ? BasisStatus::upper : BasisStatus::lower;
-    p.column[k] = BasisStatus::basic;
+    p.column_status[k] = BasisStatus::basic;
   }
-  p.row[i] = Undo::side(BasisStatus::lower, p.y[i]);
+  p.row_status[i] = Undo::side(BasisStatus::lower, p.y[i]);
 }
 
 bool form_of_doubleton(const Doubleton& record, LinearForm& form) {

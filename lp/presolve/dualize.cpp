@@ -85,30 +85,30 @@ void add_excess(const LpData& primal, DualForm& dual) {
 }
 
 /* Status and value of column j. */
-void place_column(const LpData& primal, const DualForm& dual, const Point& solution, int j, Point& point) {
+void place_column(const LpData& primal, const DualForm& dual, const Answer& solution, int j, Answer& point) {
   const int row = dual.row_of[j], excess = dual.excess_of[j];
   const bool high = at_upper(primal, dual, j);
   const bool free = primal.lower[j] == -kInf && primal.upper[j] == kInf;
   const BasisStatus resting = free ? BasisStatus::free : high ? BasisStatus::upper : BasisStatus::lower;
-  if (row < 0 || solution.row[row] == BasisStatus::basic) {
-    point.column[j] = resting;
+  if (row < 0 || solution.row_status[row] == BasisStatus::basic) {
+    point.column_status[j] = resting;
     point.x[j] = dual.reference[j];
-  } else if (excess >= 0 && solution.column[excess] == BasisStatus::basic) {
-    point.column[j] = high ? BasisStatus::lower : BasisStatus::upper;
+  } else if (excess >= 0 && solution.column_status[excess] == BasisStatus::basic) {
+    point.column_status[j] = high ? BasisStatus::lower : BasisStatus::upper;
     point.x[j] = high ? primal.lower[j] : primal.upper[j];
   } else {
-    point.column[j] = BasisStatus::basic;
+    point.column_status[j] = BasisStatus::basic;
     point.x[j] = dual.reference[j] - solution.y[row];
   }
 }
 
-void place_row(const LpData& primal, const DualForm& dual, const Point& solution, int i, Point& point) {
+void place_row(const LpData& primal, const DualForm& dual, const Answer& solution, int i, Answer& point) {
   const int low = dual.low_of[i], high = dual.high_of[i];
-  const bool low_basic = low >= 0 && solution.column[low] == BasisStatus::basic;
-  const bool high_basic = high >= 0 && solution.column[high] == BasisStatus::basic;
-  point.row[i] = low_basic ? BasisStatus::lower : high_basic ? BasisStatus::upper : BasisStatus::basic;
+  const bool low_basic = low >= 0 && solution.column_status[low] == BasisStatus::basic;
+  const bool high_basic = high >= 0 && solution.column_status[high] == BasisStatus::basic;
+  point.row_status[i] = low_basic ? BasisStatus::lower : high_basic ? BasisStatus::upper : BasisStatus::basic;
   if (low_basic && primal.row_lower[i] == primal.row_upper[i])
-    point.row[i] = Undo::side(BasisStatus::lower, point.y[i]);
+    point.row_status[i] = Undo::side(BasisStatus::lower, point.y[i]);
 }
 
 }  // namespace
@@ -141,23 +141,23 @@ std::vector<double> row_multipliers(const DualForm& dual, const std::vector<doub
   return y;
 }
 
-Point undualize(const LpData& primal, const DualForm& dual, const Point& solution) {
-  Point point;
+Answer undualize(const LpData& primal, const DualForm& dual, const Answer& solution) {
+  Answer point;
   const auto n = static_cast<size_t>(primal.num_columns());
   const auto m = static_cast<size_t>(primal.num_rows());
   point.x.resize(n);
   point.d.resize(n);
-  point.column.resize(n);
+  point.column_status.resize(n);
   point.y = row_multipliers(dual, solution.x);
-  point.row.resize(m);
+  point.row_status.resize(m);
   for (int i = 0; i < primal.num_rows(); ++i) place_row(primal, dual, solution, i, point);
   for (int j = 0; j < primal.num_columns(); ++j) {
     place_column(primal, dual, solution, j, point);
     double d = primal.cost[j];
     for (int k = primal.matrix.start[j]; k < primal.matrix.start[j + 1]; ++k)
       d -= primal.matrix.value[k] * point.y[primal.matrix.index[k]];
-    point.d[j] = point.column[j] == BasisStatus::basic ? 0 : d;
-    if (primal.lower[j] == primal.upper[j]) point.column[j] = Undo::side(point.column[j], d);
+    point.d[j] = point.column_status[j] == BasisStatus::basic ? 0 : d;
+    if (primal.lower[j] == primal.upper[j]) point.column_status[j] = Undo::side(point.column_status[j], d);
   }
   return point;
 }

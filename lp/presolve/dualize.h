@@ -33,8 +33,8 @@ struct DualForm {
 
 DualForm dualize(const LpData& primal);
 
-/* The primal point from an optimal basic solution of the dual form. */
-Point undualize(const LpData& primal, const DualForm& dual, const Point& solution);
+/* The primal point (x, d, y, statuses) from an optimal basic solution of the dual form. */
+Answer undualize(const LpData& primal, const DualForm& dual, const Answer& solution);
 
 /* Row multipliers of the primal from a vector over the dual form's columns: of a ray, which proves the primal
  * infeasible. */

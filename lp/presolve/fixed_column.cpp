@@ -105,12 +105,13 @@ bool fix_by_signs(Workspace& ws, int j) {
 
 void undo_fixed_column(const FixedColumn& record, Undo& undo) {
   const int j = record.column;
-  Point& p = undo.point;
+  Answer& p = undo.point;
   CleanSum d(undo.cost(record.cost));
   undo.each_entry(record.entries, j, [&](int i, double a) { d.subtract(a * p.y[i]); });
   p.x[j] = record.value;
   p.d[j] = d.value();
-  p.column[j] = record.equal_bounds || undo.homogeneous ? Undo::side(record.status, p.d[j]) : record.status;
+  p.column_status[j] =
+      record.equal_bounds || undo.homogeneous ? Undo::side(record.status, p.d[j]) : record.status;
 }
 
 bool form_of_fixed_column(const FixedColumn& record, LinearForm& form) {

@@ -30,13 +30,13 @@ Entries select(const Workspace& ws, const std::vector<int>& index, const std::ve
 
 /* Reduced costs after the row took the dual y; where the bounds are equal the sign says where the column
  * stands. */
-void move_reduced_costs(const View& entries, double y, bool by_sign, Point& p) {
+void move_reduced_costs(const View& entries, double y, bool by_sign, Answer& p) {
   for (int k = 0; k < entries.length; ++k) {
     const int j = entries.index[k];
     CleanSum d(p.d[j]);
     d.subtract(entries.value[k] * y);
     p.d[j] = d.value();
-    if (by_sign) p.column[j] = Undo::side(p.column[j], p.d[j]);
+    if (by_sign) p.column_status[j] = Undo::side(p.column_status[j], p.d[j]);
   }
 }
 
@@ -75,7 +75,7 @@ bool remove_forcing_row(Workspace& ws, int i) {
 void undo_forcing_row(const ForcingRow& record, Undo& undo) {
   const int i = record.row;
   const View& moving = record.moving;
-  Point& p = undo.point;
+  Answer& p = undo.point;
   double worst = 0;
   int entering = -1;
   for (int k = 0; k < moving.length; ++k) {
@@ -87,13 +87,13 @@ void undo_forcing_row(const ForcingRow& record, Undo& undo) {
   }
   p.y[i] = worst;
   if (entering < 0) {
-    p.row[i] = BasisStatus::basic;
+    p.row_status[i] = BasisStatus::basic;
     return;
   }
-  p.row[i] = record.at_lower ? BasisStatus::lower : BasisStatus::upper;
+  p.row_status[i] = record.at_lower ? BasisStatus::lower : BasisStatus::upper;
   move_reduced_costs(moving, worst, undo.homogeneous, p);
   move_reduced_costs(record.frozen, worst, true, p);
-  p.column[entering] = BasisStatus::basic;
+  p.column_status[entering] = BasisStatus::basic;
   p.d[entering] = 0;
 }
 

@@ -70,7 +70,7 @@ void undo_free_column(const FreeColumn& record, Undo& undo) {
   const View& row = record.row_entries;
   double x = record.beta, pivot = 0;
   CleanSum y(undo.cost(record.cost));
-  Point& p = undo.point;
+  Answer& p = undo.point;
   for (int k = 0; k < row.length; ++k) {
     if (row.index[k] == s) {
       pivot = row.value[k];
@@ -81,9 +81,9 @@ void undo_free_column(const FreeColumn& record, Undo& undo) {
   undo.each_entry(record.entries, s, [&](int r, double a) { y.subtract(a * p.y[r]); });
   p.x[s] = x / pivot;
   p.d[s] = 0;
-  p.column[s] = BasisStatus::basic;
+  p.column_status[s] = BasisStatus::basic;
   p.y[i] = y.value() / pivot;
-  p.row[i] = Undo::side(BasisStatus::lower, p.y[i]);
+  p.row_status[i] = Undo::side(BasisStatus::lower, p.y[i]);
 }
 
 bool form_of_free_column(const FreeColumn& record, LinearForm& form) {

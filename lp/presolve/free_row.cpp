@@ -58,7 +58,7 @@ void drop_free_rows(Workspace& ws) {
 }
 
 void undo_free_row(const FreeRow& record, Undo& undo) {
-  undo.point.row[record.row] = BasisStatus::basic;
+  undo.point.row_status[record.row] = BasisStatus::basic;
   undo.point.y[record.row] = 0;
 }
 

@@ -133,11 +133,11 @@ void undo_parallel_columns(const ParallelColumns& record, Undo& undo) {
   const double g = record.ratio;
   const double lower_j = record.kept_lower, upper_j = record.kept_upper;
   const double lower_k = record.gone_lower, upper_k = record.gone_upper;
-  Point& p = undo.point;
+  Answer& p = undo.point;
   p.d[k] = g * p.d[j];
-  if (p.column[j] != BasisStatus::basic) {
-    const bool low = p.column[j] == BasisStatus::lower, low_k = low == (g > 0);
-    p.column[k] = low_k ? BasisStatus::lower : BasisStatus::upper;
+  if (p.column_status[j] != BasisStatus::basic) {
+    const bool low = p.column_status[j] == BasisStatus::lower, low_k = low == (g > 0);
+    p.column_status[k] = low_k ? BasisStatus::lower : BasisStatus::upper;
     p.x[j] = low ? lower_j : upper_j;
     p.x[k] = low_k ? lower_k : upper_k;
     return;
@@ -151,8 +151,8 @@ void undo_parallel_columns(const ParallelColumns& record, Undo& undo) {
     best = miss;
     p.x[j] = xj;
     p.x[k] = xk;
-    p.column[j] = at_j;
-    p.column[k] = at_k;
+    p.column_status[j] = at_j;
+    p.column_status[k] = at_k;
   };
   attempt(lower_j, (z - lower_j) / g, BasisStatus::lower, BasisStatus::basic);
   attempt(upper_j, (z - upper_j) / g, BasisStatus::upper, BasisStatus::basic);

@@ -145,18 +145,18 @@ bool merge_parallel_rows(Workspace& ws) {
 /* A row that is nonbasic at a side of the other one passes its dual on to it. */
 void undo_parallel_rows(const ParallelRows& record, Undo& undo) {
   const auto& [i, k, tighter_lower, tighter_upper, collapsed, g] = record;
-  Point& p = undo.point;
-  BasisStatus at = p.row[i];
+  Answer& p = undo.point;
+  BasisStatus at = p.row_status[i];
   if (collapsed && at != BasisStatus::basic)
-    p.row[i] = at = Undo::own_side(at, p.y[i], tighter_lower, tighter_upper);
+    p.row_status[i] = at = Undo::own_side(at, p.y[i], tighter_lower, tighter_upper);
   if ((at == BasisStatus::lower && tighter_lower) || (at == BasisStatus::upper && tighter_upper)) {
     p.y[k] = p.y[i] / g;
-    p.row[k] = (at == BasisStatus::lower) == (g > 0) ? BasisStatus::lower : BasisStatus::upper;
+    p.row_status[k] = (at == BasisStatus::lower) == (g > 0) ? BasisStatus::lower : BasisStatus::upper;
     p.y[i] = 0;
-    p.row[i] = BasisStatus::basic;
+    p.row_status[i] = BasisStatus::basic;
   } else {
     p.y[k] = 0;
-    p.row[k] = BasisStatus::basic;
+    p.row_status[k] = BasisStatus::basic;
   }
 }
 

@@ -11,25 +11,25 @@ namespace tovik::lp::presolve {
 namespace {
 
 /* A point of the original's size with the reduced one's values in their places. */
-Point scatter(const LpData& original, const Reduction& reduction, const Point& reduced) {
+Answer scatter(const LpData& original, const Reduction& reduction, const Answer& reduced) {
   const auto columns = static_cast<size_t>(original.num_columns());
   const auto rows = static_cast<size_t>(original.num_rows());
-  Point point;
+  Answer point;
   point.x.assign(columns, 0.0);
   point.d.assign(columns, 0.0);
-  point.column.assign(columns, BasisStatus::free);
+  point.column_status.assign(columns, BasisStatus::free);
   point.y.assign(rows, 0.0);
-  point.row.assign(rows, BasisStatus::basic);
+  point.row_status.assign(rows, BasisStatus::basic);
   for (size_t k = 0; k < reduction.column_map.size(); ++k) {
     const int j = reduction.column_map[k];
     point.x[j] = reduced.x[k];
     point.d[j] = reduced.d[k];
-    point.column[j] = reduced.column[k];
+    point.column_status[j] = reduced.column_status[k];
   }
   for (size_t k = 0; k < reduction.row_map.size(); ++k) {
     const int i = reduction.row_map[k];
     point.y[i] = reduced.y[k];
-    point.row[i] = reduced.row[k];
+    point.row_status[i] = reduced.row_status[k];
   }
   return point;
 }
@@ -66,8 +66,8 @@ Reduction presolve(const LpData& original, const Settings& settings, Control& co
   return result;
 }
 
-Point postsolve(const LpData& original, const Reduction& reduction, const Point& reduced) {
-  Point point = scatter(original, reduction, reduced);
+Answer postsolve(const LpData& original, const Reduction& reduction, const Answer& reduced) {
+  Answer point = scatter(original, reduction, reduced);
   Undo undo{original, point};
   undo_all(reduction.stack, undo);
   return point;
@@ -85,14 +85,14 @@ std::vector<double> infeasibility_proof(const LpData& original, const Reduction&
 std::vector<double> postsolve_proof(const LpData& original, const Reduction& reduction,
                                     const std::vector<double>& multipliers) {
   const LpData& lp = reduction.lp;
-  Point reduced;
+  Answer reduced;
   reduced.x.assign(lp.cost.size(), 0.0);
   reduced.d.assign(lp.cost.size(), 0.0);
-  reduced.column.assign(lp.cost.size(), BasisStatus::lower);
+  reduced.column_status.assign(lp.cost.size(), BasisStatus::lower);
   reduced.y = multipliers;
-  reduced.row.assign(lp.row_lower.size(), BasisStatus::basic);
+  reduced.row_status.assign(lp.row_lower.size(), BasisStatus::basic);
   for (size_t k = 0; k < reduced.y.size(); ++k) {
-    if (reduced.y[k] != 0) reduced.row[k] = reduced.y[k] > 0 ? BasisStatus::lower : BasisStatus::upper;
+    if (reduced.y[k] != 0) reduced.row_status[k] = reduced.y[k] > 0 ? BasisStatus::lower : BasisStatus::upper;
   }
   const Matrix& matrix = lp.matrix;
   for (int j = 0; j < matrix.columns; ++j) {
@@ -100,9 +100,9 @@ std::vector<double> postsolve_proof(const LpData& original, const Reduction& red
     for (int k = matrix.start[j]; k < matrix.start[j + 1]; ++k)
       d.subtract(matrix.value[k] * reduced.y[matrix.index[k]]);
     reduced.d[j] = d.value();
-    reduced.column[j] = Undo::side(BasisStatus::lower, reduced.d[j]);
+    reduced.column_status[j] = Undo::side(BasisStatus::lower, reduced.d[j]);
   }
-  Point point = scatter(original, reduction, reduced);
+  Answer point = scatter(original, reduction, reduced);
   Undo undo{original, point, true};
   undo_all(reduction.stack, undo);
   return std::move(point.y);

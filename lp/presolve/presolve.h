@@ -34,9 +34,9 @@ struct Reduction {
 Reduction presolve(const LpData& original, const Settings& settings, Control& control,
                    const std::vector<char>& protected_columns, bool display);
 
-/* A primal-dual point of the reduced problem, with statuses, brought to the original. Vectors by reduced row
- * and column. */
-Point postsolve(const LpData& original, const Reduction& reduction, const Point& reduced);
+/* A point of the reduced problem brought to the original: x, d, y and statuses go in and come out, and nothing else
+ * of an answer. */
+Answer postsolve(const LpData& original, const Reduction& reduction, const Answer& reduced);
 
 /* Row multipliers of the original problem that prove it infeasible, from the status's: to be checked. Empty
  * when the status has none. */

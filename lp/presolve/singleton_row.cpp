@@ -89,18 +89,18 @@ bool remove_singleton_row(Workspace& ws, int i) {
 /* A column that stands at a bound that the row gave it becomes basic, and the row stands at its side. */
 void undo_singleton_row(const SingletonRow& record, Undo& undo) {
   const auto& [i, j, tighter_lower, tighter_upper, collapsed, a] = record;
-  Point& p = undo.point;
-  BasisStatus at = p.column[j];
+  Answer& p = undo.point;
+  BasisStatus at = p.column_status[j];
   if (collapsed && at != BasisStatus::basic)
-    p.column[j] = at = Undo::own_side(at, p.d[j], tighter_lower, tighter_upper);
+    p.column_status[j] = at = Undo::own_side(at, p.d[j], tighter_lower, tighter_upper);
   if ((at == BasisStatus::lower && tighter_lower) || (at == BasisStatus::upper && tighter_upper)) {
     p.y[i] = p.d[j] / a;
     p.d[j] = 0;
-    p.row[i] = (at == BasisStatus::lower) == (a > 0) ? BasisStatus::lower : BasisStatus::upper;
-    p.column[j] = BasisStatus::basic;
+    p.row_status[i] = (at == BasisStatus::lower) == (a > 0) ? BasisStatus::lower : BasisStatus::upper;
+    p.column_status[j] = BasisStatus::basic;
   } else {
     p.y[i] = 0;
-    p.row[i] = BasisStatus::basic;
+    p.row_status[i] = BasisStatus::basic;
   }
 }
 

@@ -122,21 +122,21 @@ bool remove_slack_column(Workspace& ws, int s) {
 /* The row's dual gains the price of the slack, whose bounds were the row's sides. */
 void undo_slack_in_equation(const SlackInEquation& record, Undo& undo) {
   const auto& [i, s, side, a, beta, price, lower, upper, rest] = record;
-  Point& p = undo.point;
+  Answer& p = undo.point;
   const double y = p.y[i];
   p.y[i] = y + undo.cost(price);
   p.d[s] = -a * y;
-  if (p.row[i] == BasisStatus::basic) {
+  if (p.row_status[i] == BasisStatus::basic) {
     double x = beta;
     for (int k = 0; k < rest.length; ++k) x -= rest.value[k] * p.x[rest.index[k]];
     p.x[s] = x / a;
-    p.column[s] = BasisStatus::basic;
+    p.column_status[s] = BasisStatus::basic;
   } else {
-    const bool up = (p.row[i] == BasisStatus::lower) == (a > 0);
+    const bool up = (p.row_status[i] == BasisStatus::lower) == (a > 0);
     p.x[s] = up ? upper : lower;
-    p.column[s] = up ? BasisStatus::upper : BasisStatus::lower;
+    p.column_status[s] = up ? BasisStatus::upper : BasisStatus::lower;
   }
-  p.row[i] = side == BasisStatus::free ? Undo::side(BasisStatus::lower, p.y[i]) : side;
+  p.row_status[i] = side == BasisStatus::free ? Undo::side(BasisStatus::lower, p.y[i]) : side;
 }
 
 void duals_of_slack_in_equation(const SlackInEquation& record, std::vector<double>& y) {
@@ -159,14 +159,14 @@ void undo_slack_in_row(const SlackInRow& record, Undo& undo) {
   const double a = record.entry, row_lower = record.row_lower, row_upper = record.row_upper;
   const double lower = record.lower, upper = record.upper;
   const View& rest = record.rest;
-  Point& p = undo.point;
+  Answer& p = undo.point;
   p.d[s] = -a * p.y[i];
   const auto stand = [&](BasisStatus at) {
-    p.column[s] = at;
+    p.column_status[s] = at;
     p.x[s] = at == BasisStatus::lower ? lower : upper;
   };
-  if (p.row[i] != BasisStatus::basic) {
-    stand((p.row[i] == BasisStatus::lower) == (a > 0) ? BasisStatus::upper : BasisStatus::lower);
+  if (p.row_status[i] != BasisStatus::basic) {
+    stand((p.row_status[i] == BasisStatus::lower) == (a > 0) ? BasisStatus::upper : BasisStatus::lower);
     return;
   }
   double activity = 0;
@@ -176,7 +176,7 @@ void undo_slack_in_row(const SlackInRow& record, Undo& undo) {
     const double reached = activity + a * bound;
     if (std::isfinite(bound) && reached >= row_lower && reached <= row_upper) return stand(at);
   }
-  p.column[s] = BasisStatus::basic;
+  p.column_status[s] = BasisStatus::basic;
   double least = kInf;
   for (const BasisStatus at : {BasisStatus::lower, BasisStatus::upper}) {
     const double x = ((at == BasisStatus::lower ? row_lower : row_upper) - activity) / a;
@@ -184,7 +184,7 @@ void undo_slack_in_row(const SlackInRow& record, Undo& undo) {
     if (!std::isfinite(x) || miss >= least) continue;
     least = miss;
     p.x[s] = x;
-    p.row[i] = at;
+    p.row_status[i] = at;
   }
 }
 

@@ -6,23 +6,20 @@
  * when basic or free. Every undo that brings back k rows makes exactly k rows or columns basic, so a basis
  * stays a basis. An undo looks at statuses, then at signs, then at values, never at tolerances. The
  * transformations follow Andersen and Andersen (1995) and Gondzio (1997) for primal and dual values; the
- * statuses are derived from the same tables. */
+ * statuses are derived from the same tables.
+ *
+ * A point is the part of an Answer that undo knows: x, d, y and the statuses; in the space of the original, where what
+ * is not restored yet is zero. */
 #pragma once
 
 #include <cmath>
 #include <vector>
 
+#include "lp/base/answer.h"
 #include "lp/base/lp_data.h"
 #include "lp/presolve/record.h"
 
 namespace tovik::lp::presolve {
-
-/* A primal-dual point with statuses, in the space of the original; what is not restored yet is zero. */
-struct Point {
-  std::vector<double> x, d;              // columns
-  std::vector<double> y;                 // rows
-  std::vector<BasisStatus> column, row;  // a row's status is that of its activity
-};
 
 /* A sum that is zero when only the rounding of its terms is left: the sign of a dual decides where a column
  * stands, and in a proof of infeasibility a free column needs exactly zero. */
@@ -42,7 +39,7 @@ class CleanSum {
 
 struct Undo {
   const LpData& original;
-  Point& point;
+  Answer& point;
   /* Costs count as zero: for certificates of infeasibility. */
   bool homogeneous = false;
 

@@ -68,8 +68,8 @@ void undo_zero_cost_column(const ZeroCostColumn& record, Undo& undo) {
   const int j = record.column;
   const bool up = record.up;
   double x = record.bound;
-  Point& p = undo.point;
-  p.column[j] = std::isinf(x) ? BasisStatus::free : up ? BasisStatus::lower : BasisStatus::upper;
+  Answer& p = undo.point;
+  p.column_status[j] = std::isinf(x) ? BasisStatus::free : up ? BasisStatus::lower : BasisStatus::upper;
   int tight = -1;  // the row that holds the column
   BasisStatus side = BasisStatus::basic;
   for (int k = 0; k < record.entries.length; ++k) {
@@ -81,7 +81,7 @@ void undo_zero_cost_column(const ZeroCostColumn& record, Undo& undo) {
       if (row.index[n] != j) rest -= row.value[n] * p.x[row.index[n]];
     }
     p.y[i] = 0;
-    p.row[i] = BasisStatus::basic;
+    p.row_status[i] = BasisStatus::basic;
     const double needed = rest / a;
     if (std::isinf(needed) || (up ? needed <= x : needed >= x)) continue;
     x = needed;
@@ -89,8 +89,8 @@ void undo_zero_cost_column(const ZeroCostColumn& record, Undo& undo) {
     side = lower_side(a, up) ? BasisStatus::lower : BasisStatus::upper;
   }
   if (tight >= 0) {
-    p.row[tight] = side;
-    p.column[j] = BasisStatus::basic;
+    p.row_status[tight] = side;
+    p.column_status[j] = BasisStatus::basic;
   }
   p.x[j] = std::isinf(x) ? 0 : x;
   p.d[j] = 0;

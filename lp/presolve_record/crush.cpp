@@ -21,13 +21,13 @@ std::vector<double> copy(const double* values, size_t count) {
 }
 
 /* A reduced point whose columns all count as lying between their bounds and whose rows as not binding. */
-presolve::Point loose_point(const LpData& reduced) {
-  presolve::Point point;
+Answer loose_point(const LpData& reduced) {
+  Answer point;
   point.x.assign(reduced.cost.size(), 0.0);
   point.d.assign(reduced.cost.size(), 0.0);
   point.y.assign(reduced.row_lower.size(), 0.0);
-  point.column.assign(reduced.cost.size(), BasisStatus::basic);
-  point.row.assign(reduced.row_lower.size(), BasisStatus::basic);
+  point.column_status.assign(reduced.cost.size(), BasisStatus::basic);
+  point.row_status.assign(reduced.row_lower.size(), BasisStatus::basic);
   return point;
 }
 
@@ -63,7 +63,7 @@ std::vector<double> crush_pi(const Presolved& presolved, const double* pi) {
 }
 
 std::vector<double> uncrush_x(const Presolved& presolved, const double* x) {
-  presolve::Point point = loose_point(presolved.reduction.lp);
+  Answer point = loose_point(presolved.reduction.lp);
   point.x = copy(x, point.x.size());
   return presolve::postsolve(presolved.original, presolved.reduction, point).x;
 }
@@ -71,16 +71,16 @@ std::vector<double> uncrush_x(const Presolved& presolved, const double* x) {
 /* Where the duals are not zero their signs tell which bounds and sides hold them. */
 std::vector<double> uncrush_pi(const Presolved& presolved, const double* pi) {
   const LpData& lp = presolved.reduction.lp;
-  presolve::Point point = loose_point(lp);
+  Answer point = loose_point(lp);
   point.y = times(presolved.sign, copy(pi, point.y.size()));
   for (size_t i = 0; i < point.y.size(); ++i)
-    point.row[i] = presolve::Undo::side(BasisStatus::basic, point.y[i]);
+    point.row_status[i] = presolve::Undo::side(BasisStatus::basic, point.y[i]);
   for (int j = 0; j < lp.num_columns(); ++j) {
     presolve::CleanSum d(lp.cost[j]);
     for (int k = lp.matrix.start[j]; k < lp.matrix.start[j + 1]; ++k)
       d.subtract(lp.matrix.value[k] * point.y[lp.matrix.index[k]]);
     point.d[j] = d.value();
-    point.column[j] = presolve::Undo::side(BasisStatus::basic, point.d[j]);
+    point.column_status[j] = presolve::Undo::side(BasisStatus::basic, point.d[j]);
   }
   return times(presolved.sign, presolve::postsolve(presolved.original, presolved.reduction, point).y);
 }

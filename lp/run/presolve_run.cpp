@@ -31,11 +31,6 @@ Outcome outcome_of(Stop stop) {
   }
 }
 
-presolve::Point point_of(Answer answer) {
-  return {std::move(answer.x), std::move(answer.d), std::move(answer.y), std::move(answer.column_status),
-          std::move(answer.row_status)};
-}
-
 /* One run: the pieces in the order in which they are done. */
 class PresolvedRun {
  public:
@@ -169,12 +164,13 @@ class PresolvedRun {
     const Outcome outcome = optimizer->optimize(context);
     continuation_.before.simplex = optimizer->statistics();
     continuation_.before.presolve->dual_form = true;
-    Answer dual = optimizer->release_answer();
+    const Answer dual = optimizer->release_answer();
     answer_ = Answer{};
     answer_.method = algorithm_.method;
     switch (outcome) {
       case Outcome::optimal:
-        take_point(presolve::undualize(reduced, form, point_of(std::move(dual))));
+        answer_ = presolve::undualize(reduced, form, dual);
+        answer_.method = algorithm_.method;
         return outcome;
       case Outcome::unbounded:
         answer_.farkas = presolve::row_multipliers(form, dual.ray);
@@ -185,14 +181,6 @@ class PresolvedRun {
         take_slack_basis(reduced);
         return outcome;
     }
-  }
-
-  void take_point(presolve::Point point) {
-    answer_.x = std::move(point.x);
-    answer_.d = std::move(point.d);
-    answer_.y = std::move(point.y);
-    answer_.column_status = std::move(point.column);
-    answer_.row_status = std::move(point.row);
   }
 
   void take_slack_basis(const LpData& lp) {
@@ -222,7 +210,7 @@ class PresolvedRun {
   void postsolve_answer() {
     const Method moved = answer_.method;
     const LpData& lp = record_->original;
-    answer_ = complete_point(lp, presolve::postsolve(lp, record_->reduction, point_of(std::move(answer_))));
+    answer_ = complete_point(lp, presolve::postsolve(lp, record_->reduction, answer_));
     answer_.method = moved;
     answer_.primal_feasible = answer_.violation.primal() <= options_.primal_tolerance;
     answer_.dual_feasible = answer_.violation.dual <= options_.dual_tolerance;
@@ -250,14 +238,14 @@ class PresolvedRun {
   /* The point of an infeasible problem: all rows basic, columns at their bounds. */
   Status store_infeasible() {
     const LpData& lp = record_->original;
-    presolve::Point point;
+    Answer point;
     point.x.assign(lp.cost.size(), 0.0);
     point.y.assign(lp.row_lower.size(), 0.0);
-    point.row.assign(lp.row_lower.size(), BasisStatus::basic);
+    point.row_status.assign(lp.row_lower.size(), BasisStatus::basic);
     for (int j = 0; j < lp.num_columns(); ++j)
-      point.column.push_back(lp.lower[j] > -kInf  ? BasisStatus::lower
-                             : lp.upper[j] < kInf ? BasisStatus::upper
-                                                  : BasisStatus::free);
+      point.column_status.push_back(lp.lower[j] > -kInf  ? BasisStatus::lower
+                                    : lp.upper[j] < kInf ? BasisStatus::upper
+                                                         : BasisStatus::free);
     answer_ = complete_point(lp, std::move(point));
     answer_.method = algorithm_.method;
     answer_.farkas = record_->proof.multipliers;

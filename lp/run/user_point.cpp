@@ -22,14 +22,14 @@ void settle_fixed(BasisStatus& at, BasisStatus settled, double lower, double upp
 
 }  // namespace
 
-Answer complete_point(const LpData& lp, presolve::Point point) {
+Answer complete_point(const LpData& lp, Answer point) {
   Answer answer;
   const auto rows = static_cast<size_t>(lp.num_rows());
   const auto columns = static_cast<size_t>(lp.num_columns());
   answer.x = std::move(point.x);
   answer.y = std::move(point.y);
-  answer.column_status = std::move(point.column);
-  answer.row_status = std::move(point.row);
+  answer.column_status = std::move(point.column_status);
+  answer.row_status = std::move(point.row_status);
   for (size_t i = 0; i < rows; ++i)
     settle_fixed(answer.row_status[i], BasisStatus::upper, lp.row_lower[i], lp.row_upper[i]);
   for (size_t j = 0; j < columns; ++j) {

@@ -3,15 +3,15 @@
  */
 #pragma once
 
+#include "lp/base/answer.h"
 #include "lp/base/lp_data.h"
-#include "lp/presolve/undo.h"
-#include "lp/simplex/solver.h"
+#include "lp/simplex/types.h"
 
 namespace tovik::lp::run {
 
-/* The point with its nonbasic columns put exactly on their bounds and activities, reduced costs, objective
+/* x, y and statuses of the point, with the nonbasic columns put exactly on their bounds and activities, reduced costs, objective
  * and violations computed anew with compensated sums. */
-Answer complete_point(const LpData& lp, presolve::Point point);
+Answer complete_point(const LpData& lp, Answer point);
 
 /* Whether the answer is an optimal basic solution within the tolerances: as many basics as rows, nonbasics
  * where their statuses say, bounds and signs kept. Does not look at the basis matrix. */

@@ -65,7 +65,7 @@ class WorkingSet {
   void weed();
   void join(int j);
   double resting_value(int j) const {
-    const BasisStatus at = result_.column_status[j];
+    const BasisStatus at = result_.basis.columns[j];
     return at == BasisStatus::lower ? lp_.lower[j] : at == BasisStatus::upper ? lp_.upper[j] : 0.0;
   }
   void move_resting(int j, double sign);
@@ -109,7 +109,7 @@ SiftingResult WorkingSet::run() {
   }
   // A basic column that stands for a miss is the row's logical in all but name.
   for (size_t k = 0; k < miss_status_.size(); ++k) {
-    if (miss_status_[k] == BasisStatus::basic) result_.row_status[k / 2] = BasisStatus::basic;
+    if (miss_status_[k] == BasisStatus::basic) result_.basis.rows[k / 2] = BasisStatus::basic;
   }
   result_.ticks = control_.ticks();
   return std::move(result_);
@@ -134,13 +134,13 @@ void WorkingSet::rest_all() {
   rest_.assign(m, 0.0);
   misses_.assign(m, 0);
   miss_status_.assign(2 * m, BasisStatus::lower);
-  result_.row_status.assign(m, BasisStatus::basic);
-  result_.column_status.resize(n);
+  result_.basis.rows.assign(m, BasisStatus::basic);
+  result_.basis.columns.resize(n);
   for (int j = 0; j < lp_.num_columns(); ++j) {
     double square = 0;
     each_entry(j, [&](int, double a) { square += a * a; });
     norm_[j] = std::sqrt(std::max(square, 1e-20));
-    result_.column_status[j] = lp_.lower[j] != -kInf  ? BasisStatus::lower
+    result_.basis.columns[j] = lp_.lower[j] != -kInf  ? BasisStatus::lower
                                : lp_.upper[j] != kInf ? BasisStatus::upper
                                                       : BasisStatus::free;
     move_resting(j, 1.0);
@@ -167,7 +167,7 @@ void WorkingSet::first_columns() {
   std::sort(ranking.begin(), ranking.end());
   std::vector<int> count(rest_.size(), 0);
   for (const auto& [score, j] : ranking) {
-    bool wanted = result_.column_status[j] == BasisStatus::free;
+    bool wanted = result_.basis.columns[j] == BasisStatus::free;
     each_entry(j, [&](int i, double) { wanted |= count[i] < kStartPerRow; });
     if (!wanted) continue;
     each_entry(j, [&](int i, double) { ++count[i]; });
@@ -190,7 +190,7 @@ LpData WorkingSet::working_problem(std::vector<BasisStatus>& statuses) const {
   };
   for (const int j : working_) {
     each_entry(j, put);
-    add(lp_.cost[j], lp_.lower[j], lp_.upper[j], result_.column_status[j]);
+    add(lp_.cost[j], lp_.lower[j], lp_.upper[j], result_.basis.columns[j]);
   }
   for (int i = 0; i < lp_.num_rows(); ++i) {
     put(i, 1.0);
@@ -208,7 +208,7 @@ LpData WorkingSet::working_problem(std::vector<BasisStatus>& statuses) const {
 Outcome WorkingSet::solve(Method method) {
   std::vector<BasisStatus> statuses;
   Solver solver(working_problem(statuses), options_, control_, nullptr);
-  if (result_.rounds > 0) solver.set_basis(statuses, result_.row_status);
+  if (result_.rounds > 0) solver.set_basis(statuses, result_.basis.rows);
   const Outcome outcome = solver.solve(method);
   const std::int64_t moved = solver.core().counters.iterations;
   result_.iterations += moved;
@@ -216,13 +216,13 @@ Outcome WorkingSet::solve(Method method) {
   if (outcome != Outcome::optimal) return outcome;
   Answer answer = solver.release_answer();
   const size_t columns = working_.size();
-  for (size_t k = 0; k < columns; ++k) result_.column_status[working_[k]] = answer.column_status[k];
+  for (size_t k = 0; k < columns; ++k) result_.basis.columns[working_[k]] = answer.column_status[k];
   for (size_t k = 0; k < miss_status_.size(); ++k) miss_status_[k] = answer.column_status[columns + k];
   for (size_t i = 0; i < misses_.size(); ++i) {
     const double most = std::max(answer.x[columns + 2 * i], answer.x[columns + 2 * i + 1]);
     misses_[i] = most > options_.primal_tolerance;
   }
-  result_.row_status = std::move(answer.row_status);
+  result_.basis.rows = std::move(answer.row_status);
   y_ = std::move(answer.y);
   d_ = std::move(answer.d);
   return outcome;
@@ -234,7 +234,7 @@ bool WorkingSet::bring_in() {
   for (int j = 0; j < lp_.num_columns(); ++j) {
     if (is_working_[j] || lp_.lower[j] == lp_.upper[j]) continue;
     const double d = reduced_cost(j);
-    const double gain = result_.column_status[j] == BasisStatus::lower ? -d : d;
+    const double gain = result_.basis.columns[j] == BasisStatus::lower ? -d : d;
     if (gain > options_.dual_tolerance) found.emplace_back(-gain / norm_[j], j);
   }
   control_.add_work(lp_.matrix.index.size());
@@ -268,7 +268,7 @@ void WorkingSet::weed() {
   Ranking ranking;
   for (size_t k = 0; k < working_.size(); ++k) {
     const int j = working_[k];
-    const BasisStatus at = result_.column_status[j];
+    const BasisStatus at = result_.basis.columns[j];
     ranking.emplace_back(
         at == BasisStatus::basic || at == BasisStatus::free ? -1.0 : std::fabs(d_[k]) / norm_[j], j);
   }

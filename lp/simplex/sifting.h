@@ -9,8 +9,8 @@
 #pragma once
 
 #include <cstdint>
-#include <vector>
 
+#include "lp/base/basis.h"
 #include "lp/base/control.h"
 #include "lp/base/lp_data.h"
 #include "lp/simplex/types.h"
@@ -18,8 +18,8 @@
 namespace tovik::lp::simplex {
 
 struct SiftingResult {
-  bool usable = false;  // the statuses are a basis worth starting from
-  std::vector<BasisStatus> column_status, row_status;
+  bool usable = false;  // the basis is worth starting from
+  Basis basis;
   int rounds = 0;
   std::int64_t iterations = 0;  // of the working problems
   std::int64_t ticks = 0;       // as reported to the control

@@ -341,15 +341,15 @@ Outcome Solver::run_to_tolerance(Method method) {
           outcome == Outcome::iteration_limit && core_->counters.iterations < options_.iteration_limit;
       const bool astray =
           out_of_budget || outcome == Outcome::numerical_failure || outcome == Outcome::singular;
-      return round > 0 && astray ? restore_best_basis(best) : outcome;
+      return round > 0 && astray ? restore_best_basis(best.basis) : outcome;
     }
     const double primal_excess = answer_.violation.primal() / options_.primal_tolerance;
     const double dual_excess = answer_.violation.dual / options_.dual_tolerance;
     const double excess = std::max(primal_excess, dual_excess);
     answer_.unscaled_infeasible = excess > 1;
     if (!answer_.unscaled_infeasible) return outcome;
-    if (round == kTightenings) return excess <= best.excess ? outcome : restore_best_basis(best);
-    if (excess < best.excess) best = {answer_.column_status, answer_.row_status, excess};
+    if (round == kTightenings) return excess <= best.excess ? outcome : restore_best_basis(best.basis);
+    if (excess < best.excess) best = {{answer_.column_status, answer_.row_status, {}}, excess};
     tighten_tolerances(primal_excess, dual_excess);
     core_->drop_factor();  // a fresh factor for the last digits
   }
@@ -367,7 +367,7 @@ void Solver::tighten_tolerances(double primal_excess, double dual_excess) {
 }
 
 /* Back to an optimal basis that misses the user's tolerances. */
-Outcome Solver::restore_best_basis(const BestBasis& basis) {
+Outcome Solver::restore_best_basis(const Basis& basis) {
   set_basis(basis.columns, basis.rows);
   values_are_fresh_ = false;
   extract();
@@ -395,7 +395,7 @@ bool Solver::start_by_sifting() {
   core_->counters.sifting_rounds += found.rounds;
   sifting_ticks_ += found.ticks;
   if (!found.usable) return false;
-  set_basis(found.column_status, found.row_status);
+  set_basis(found.basis.columns, found.basis.rows);
   return true;
 }
 

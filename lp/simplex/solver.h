@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "lp/base/answer.h"
+#include "lp/base/basis.h"
 #include "lp/simplex/activities.h"
 #include "lp/simplex/core.h"
 #include "lp/simplex/dual.h"
@@ -121,12 +122,12 @@ class Solver {
   Reoptimization::State recheck();
   /* An optimal basis and by how many times it misses the user's tolerances. */
   struct BestBasis {
-    std::vector<BasisStatus> columns, rows;
+    Basis basis;
     double excess = 1e300;
   };
   Outcome run_to_tolerance(Method method);
   void tighten_tolerances(double primal_excess, double dual_excess);
-  Outcome restore_best_basis(const BestBasis& basis);
+  Outcome restore_best_basis(const Basis& basis);
   Outcome run(Method method);
   bool already_optimal();
   bool start_by_sifting();

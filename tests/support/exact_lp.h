@@ -15,10 +15,10 @@
 
 namespace support {
 
+using tovik::lp::Answer;
 using tovik::lp::BasisStatus;
 using tovik::lp::kInf;
 using tovik::lp::LpData;
-using tovik::lp::presolve::Point;
 
 class ExactLp {
  public:
@@ -97,9 +97,9 @@ class ExactLp {
   }
 
   /* What is wrong with a primal-dual basic solution; empty when it is optimal and its statuses define it. */
-  std::string fault(const Point& p, Rational* objective_value) const {
-    std::vector<BasisStatus> at(p.column);
-    at.insert(at.end(), p.row.begin(), p.row.end());
+  std::string fault(const Answer& p, Rational* objective_value) const {
+    std::vector<BasisStatus> at(p.column_status);
+    at.insert(at.end(), p.row_status.begin(), p.row_status.end());
     int basics = 0;
     for (const BasisStatus a : at) basics += a == BasisStatus::basic;
     if (basics != m_) return "wrong number of basics: " + std::to_string(basics);

@@ -22,7 +22,7 @@ using tovik::lp::simplex::Solver;
 
 /* Largest violation of the point, relative to the terms that it is a sum of; the sign of duals and the
  * statuses count, and the number of basics: one that is wrong makes it infinite. */
-inline double worst_violation(const LpData& lp, const Point& p) {
+inline double worst_violation(const LpData& lp, const Answer& p) {
   double worst = 0;
   long basics = 0;
   const auto look = [&](double value, double dual, double low, double high, double value_size,
@@ -48,10 +48,11 @@ inline double worst_violation(const LpData& lp, const Point& p) {
       d -= in_column, terms += std::fabs(in_column);
     }
     worst = std::max(worst, std::fabs(d - p.d[j]) / terms);
-    look(p.x[j], d, lp.lower[j], lp.upper[j], 1 + std::fabs(p.x[j]), terms, p.column[j]);
+    look(p.x[j], d, lp.lower[j], lp.upper[j], 1 + std::fabs(p.x[j]), terms, p.column_status[j]);
   }
   for (int i = 0; i < lp.num_rows(); ++i)
-    look(activity[i], p.y[i], lp.row_lower[i], lp.row_upper[i], size[i], 1 + std::fabs(p.y[i]), p.row[i]);
+    look(activity[i], p.y[i], lp.row_lower[i], lp.row_upper[i], size[i], 1 + std::fabs(p.y[i]),
+         p.row_status[i]);
   return basics == lp.num_rows() ? worst : kInf;
 }
 
@@ -135,14 +136,13 @@ class Pipeline {
     const double difference =
         std::fabs(answer.objective - plain_.objective) / (1 + std::fabs(plain_.objective));
     if (difference > kObjective) note(difference > kWrong, "objective off by " + std::to_string(difference));
-    const Point point =
-        postsolve(lp_, reduction_, {answer.x, answer.d, answer.y, answer.column_status, answer.row_status});
+    const Answer point = postsolve(lp_, reduction_, answer);
     result_.violation = worst_violation(lp_, point);
     if (!(result_.violation <= kDoubt))
       note(!(result_.violation <= kWrong), "violation " + std::to_string(result_.violation));
     QuietControl control;
     Solver again(lp_, limited(), control, nullptr);
-    again.set_basis(point.column, point.row);
+    again.set_basis(point.column_status, point.row_status);
     const Outcome outcome = again.solve(method_);
     result_.iterations = again.core().counters.iterations;
     if (outcome != Outcome::optimal)

@@ -91,8 +91,8 @@ inline tovik::lp::presolve::LinearForm some_form(const LpData& lp) {
 
 /* Crush against postsolve: points and duals return, and a form has the same value on both sides.
  */
-inline std::string crush_fault(const LpData& lp, const Reduction& r, const Point& reduced,
-                               const Point& undone) {
+inline std::string crush_fault(const LpData& lp, const Reduction& r, const Answer& reduced,
+                               const Answer& undone) {
   namespace presolve = tovik::lp::presolve;
   const auto differs = [](double a, double b) { return std::fabs(a - b) > 1e-9 * (1 + std::fabs(a)); };
   const std::vector<double> x = presolve::crush_point(r, undone.x), y = presolve::crush_duals(r, undone.y);
@@ -201,14 +201,14 @@ class PresolveProof {
     const int found = reduced->each_optimal_basis([&](const auto& at, const auto& value, const auto& dual) {
       if (!fault.empty() || (sparsified && has_basic_equation(r.lp, at))) return;
       ++tally.bases;
-      Point point;
-      point.column.assign(at.begin(), at.begin() + columns);
-      point.row.assign(at.begin() + columns, at.end());
+      Answer point;
+      point.column_status.assign(at.begin(), at.begin() + columns);
+      point.row_status.assign(at.begin() + columns, at.end());
       for (int k = 0; k < static_cast<int>(at.size()); ++k) {
         if (k < columns) point.x.push_back(value[k].real());
         (k < columns ? point.d : point.y).push_back(dual[k].real());
       }
-      const Point undone = tovik::lp::presolve::postsolve(lp, r, point);
+      const Answer undone = tovik::lp::presolve::postsolve(lp, r, point);
       fault = original.fault(undone, &best);
       if (fault.empty()) fault = crush_fault(lp, r, point, undone);
       if (fault.empty() && !(best == reduced->objective(value)))

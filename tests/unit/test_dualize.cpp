@@ -12,7 +12,6 @@
 
 using namespace tovik::lp;
 using presolve::DualForm;
-using presolve::Point;
 using tovik::lp::BasisStatus;
 using tovik::lp::Method;
 using tovik::lp::Outcome;
@@ -60,10 +59,6 @@ class Maker {
   std::mt19937 random_;
 };
 
-Point point_of(const Answer& answer) {
-  return {answer.x, answer.d, answer.y, answer.column_status, answer.row_status};
-}
-
 /* The largest value of y'Ax over the box of x minus the least of y'(sides): negative when y proves that there
  * is no feasible point. */
 double slack_of_proof(const LpData& lp, const std::vector<double>& y) {
@@ -100,15 +95,16 @@ TEST(Dualize, OptimalBasisOfTheDualIsOptimalForThePrimal) {
     if (outcome != Outcome::optimal) continue;
     ++optimal;
     EXPECT_NEAR(solver.answer().objective, -direct.answer().objective, 1e-6);
-    const Point point = presolve::undualize(lp, dual, point_of(solver.answer()));
+    const Answer point = presolve::undualize(lp, dual, solver.answer());
     simplex::Solver check(lp, options, control, nullptr);
-    check.set_basis(point.column, point.row);
+    check.set_basis(point.column_status, point.row_status);
     ASSERT_EQ(check.solve(Method::dual), Outcome::optimal);
     EXPECT_EQ(check.core().counters.iterations, 0);
     for (int j = 0; j < lp.num_columns(); ++j) {
       EXPECT_NEAR(point.x[j], check.answer().x[j], 1e-6);
       EXPECT_NEAR(point.d[j], check.answer().d[j], 1e-6);
-      EXPECT_EQ(point.column[j] == BasisStatus::basic, check.answer().column_status[j] == BasisStatus::basic);
+      EXPECT_EQ(point.column_status[j] == BasisStatus::basic,
+                check.answer().column_status[j] == BasisStatus::basic);
     }
     for (int i = 0; i < lp.num_rows(); ++i) EXPECT_NEAR(point.y[i], check.answer().y[i], 1e-6);
   }

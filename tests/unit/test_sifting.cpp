@@ -53,7 +53,7 @@ struct Solved {
 Solved solve(const LpData& lp, const simplex::SiftingResult* start) {
   support::QuietControl control;
   simplex::Solver solver(lp, simplex::Options{}, control, nullptr);
-  if (start != nullptr) solver.set_basis(start->column_status, start->row_status);
+  if (start != nullptr) solver.set_basis(start->basis.columns, start->basis.rows);
   const Outcome outcome = solver.solve(start != nullptr ? Method::primal : Method::dual);
   return {outcome, solver.answer().objective, solver.core().counters.iterations};
 }
