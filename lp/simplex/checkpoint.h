@@ -14,7 +14,7 @@ class Relaxation::Checkpoint {
  public:
   std::int64_t edits = 0;
   std::vector<double> user_cost, user_lower, user_upper, user_row_lower, user_row_upper;
-  std::vector<double> weights;  // of the dual
+  DualWeights weights;
   Core::Saved core;
   double offset = 0, objective = 0;
   Outcome outcome = Outcome::numerical_failure;

@@ -283,19 +283,21 @@ FactorState Core::factor_basis(FactorReason reason) {
   if (deficiency == 0) return FactorState::good;
   ++counters.singular_bases;
   counters.columns_replaced += deficiency;
-  if (repairs_ >= options.singular_limit) return FactorState::singular;
-  ++repairs_;
-  threshold_ = raised(threshold_);
-  log("Repairing basis singularity.\n");
-  replace_dependent();
-  return FactorState::repaired;
+  const bool allowed = repairs_ < options.singular_limit;
+  if (allowed) {
+    ++repairs_;
+    threshold_ = raised(threshold_);
+    log("Repairing basis singularity.\n");
+  }
+  replace_dependent(allowed ? observer : nullptr);
+  return allowed ? FactorState::repaired : FactorState::singular;
 }
 
 /* The factor has put logicals in the place of dependent basic variables: the statuses follow. */
-void Core::replace_dependent() {
+void Core::replace_dependent(Observer* watcher) {
   for (const factor::Exchange& e : factor.exchanges()) {
     const int out = e.removed;
-    if (observer != nullptr) observer->removed_by_singularity(*this, out);
+    if (watcher != nullptr) watcher->removed_by_singularity(*this, out);
     basis.make_nonbasic(out);
     place_nonbasic(out, 0);
     if (out < n() && !is_fixed(out)) rows.activate(out);

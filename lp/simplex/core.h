@@ -171,8 +171,8 @@ class Core {
   // ---- factor ----
   bool has_factor() const { return has_factor_; }  // factor belongs to head
   void drop_factor() { has_factor_ = false; }
-  /* Factors head. Singular bases are mended with logicals (the removed variables become nonbasic) while
-   * allowed. */
+  /* Factors head. Singular bases are mended with logicals (the removed variables become nonbasic): `repaired`
+   * as often as options allow, then `singular`. The factor is that of the mended basis in any case. */
   FactorState refactor(FactorReason reason = FactorReason::start);
   /* The same, and x moves along where no basic variable was replaced. */
   FactorState refactor_with_values();
@@ -233,7 +233,7 @@ class Core {
  private:
   void price(const SparseVector& rho, bool list_always, SparseVector& alpha);
   FactorState factor_basis(FactorReason reason);
-  void replace_dependent();
+  void replace_dependent(Observer* watcher);
   void tell_factor_the_sizes();
   void sync_rows();
   void keep_active(int j) {  // in the row copy, where it is not to be made anew

@@ -8,6 +8,7 @@ namespace tovik::lp::simplex {
 class DualDantzig : public DualRule {
  public:
   const char* name() const override { return nullptr; }
+  WeightKind kind() const override { return WeightKind::unit; }
   bool update(const DualPivot& /*pivot*/, DualWeights& /*weights*/) const override { return false; }
 };
 

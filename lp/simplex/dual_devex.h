@@ -12,6 +12,7 @@ class DualDevex : public DualRule {
   static constexpr double kReset = 1e7;  // weights this far from the reference say nothing any more
 
   const char* name() const override { return "devex"; }
+  WeightKind kind() const override { return WeightKind::reference; }
   bool update(const DualPivot& pivot, DualWeights& weights) const override;
 };
 

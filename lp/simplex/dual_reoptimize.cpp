@@ -25,7 +25,8 @@ void Dual::start_near() {
   phase1_ = false;
   drop_implied_bounds();
   rule_ = &dual_rule(core_.options.dual_pricing);
-  if (!norms_.fits(core_.m())) norms_.reset(core_.m());
+  if (!norms_.fits(core_.m()) || norms_.kind() != rule_->kind()) norms_.reset(core_.m());
+  norms_.set_kind(rule_->kind());
   core_.basis.count_free(core_.work);
   ratio_test_.prepare(core_);
   pricing_rule_.resize(core_.m());

@@ -18,6 +18,7 @@ class DualSteepestEdge : public DualRule {
 
   explicit DualSteepestEdge(Start start) : start_(start) {}
   const char* name() const override { return "steepest-edge"; }
+  WeightKind kind() const override { return WeightKind::norms; }
   bool needs_tau() const override { return true; }
   void start(Core& core, bool carried, DualWeights& weights, SparseVector& work) const override;
   bool accept(int p, const SparseVector& rho, DualWeights& weights) const override;

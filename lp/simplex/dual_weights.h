@@ -12,6 +12,7 @@
  * - Cost: a virtual call or two a pivot, none by entry. Errors: bad_alloc passes through. */
 #pragma once
 
+#include <span>
 #include <utility>
 #include <vector>
 
@@ -19,10 +20,21 @@
 
 namespace tovik::lp::simplex {
 
+/* What weights mean; those of one kind are of no use to a rule of another. */
+enum class WeightKind { norms, reference, unit };
+
 class DualWeights {
  public:
   void reset(int rows) { weight_.assign(static_cast<size_t>(rows), 1.0); }
-  void set(std::vector<double> weights) { weight_ = std::move(weights); }
+  void set(std::vector<double> weights, WeightKind kind = WeightKind::norms) {
+    weight_ = std::move(weights);
+    kind_ = kind;
+  }
+  WeightKind kind() const { return kind_; }
+  void set_kind(WeightKind kind) { kind_ = kind; }
+  /* Rows come or go: the logicals of deleted rows stood in these positions; those of new rows come last. */
+  void erase(std::span<const int> positions) { erase_indices(weight_, positions); }
+  void append(double weight) { weight_.push_back(weight); }
   void save(const Core& core);
   void restore(const Core& core);
   double* data() { return weight_.data(); }
@@ -32,6 +44,7 @@ class DualWeights {
 
  private:
   std::vector<double> weight_;
+  WeightKind kind_ = WeightKind::norms;
   std::vector<double> by_variable_;  // total, filled between save and restore
 };
 
@@ -47,6 +60,7 @@ class DualRule {
   virtual ~DualRule() = default;
   /* As the log prints it; null: the log does not speak of this rule. */
   virtual const char* name() const = 0;
+  virtual WeightKind kind() const = 0;
   /* Whether update() reads tau, which costs the iteration a solve. */
   virtual bool needs_tau() const { return false; }
   /* Weights for the core's factored basis; `carried`: those at hand are this basis's. work: of m, left clear. */

@@ -187,8 +187,7 @@ Outcome Primal::finish(Outcome outcome) {
   return outcome;
 }
 
-// ---- rebuild
-// --------------------------------------------------------------------------------------------------------
+// ---- rebuild ----
 
 bool Primal::rebuild() {
   bool refactor = wanted_ == Rebuild::refactor || !core_.has_factor();
@@ -258,8 +257,7 @@ void Primal::set_phase1_costs() {
   for (int p = 0; p < core_.m(); ++p) core_.work.set_phase1_cost(core_.basis.head(p), violation_[p]);
 }
 
-// ---- limits and stalls
-// ----------------------------------------------------------------------------------------------
+// ---- limits and stalls ----
 
 bool Primal::check_limits() {
   const std::int64_t iterations = core_.counters.iterations;

@@ -224,9 +224,7 @@ bool Relaxation::clean_up(Outcome& outcome, std::int64_t iterations_left) {
 
 /* By the rounds of the Solver, from the basis at hand. */
 Outcome Relaxation::resolve_anew(const Limits& limits) {
-  near_ = false;
-  changed();
-  pending_.clear();
+  leave();
   const Options kept = options_;
   options_ = without_sifting(kept);
   options_.objective_upper = limits.cutoff;

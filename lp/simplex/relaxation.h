@@ -176,7 +176,6 @@ class Relaxation : public Solver {
   void start_requested_pivots();
   void load_column(int variable);
   void resize_work();
-  std::vector<double> weights_of(const Matrix& rows);
 
   PendingChanges pending_;
   std::vector<int> crossing_;  // variables whose bounds cross, as last looked at

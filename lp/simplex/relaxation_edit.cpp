@@ -8,28 +8,6 @@
 
 namespace tovik::lp::simplex {
 
-/* Squared lengths of a_B' B^-1 for the new rows, their own scale factors left out. */
-std::vector<double> Relaxation::weights_of(const Matrix& rows) {
-  Core& core = *core_;
-  std::vector<double> lengths(static_cast<size_t>(rows.columns), 0.0);
-  if (row_.dimension() != core.m()) row_.resize(core.m());
-  for (int i = 0; i < rows.columns; ++i) {
-    row_.clear();
-    for (int k = rows.start[i]; k < rows.start[i + 1]; ++k) {
-      const int j = rows.index[k];
-      if (core.basis.nonbasic(j)) continue;
-      const int p = core.basis.position(j);
-      if (row_.array[p] == 0) row_.index[row_.count++] = p;
-      row_.array[p] += rows.value[k] * column_scale(j);
-    }
-    if (row_.count == 0) continue;
-    core.btran(row_, core.row_ep_density);
-    lengths[i] = row_.norm2();
-  }
-  row_.clear();
-  return lengths;
-}
-
 /* After rows have come or gone: the factor of the new basis, with the values carried over or computed anew.
  */
 void Relaxation::settle_edit(bool in_step) {
@@ -43,7 +21,6 @@ void Relaxation::settle_edit(bool in_step) {
 
 void Relaxation::add_rows(const RowBlock& block) {
   const bool was_ready = ready();
-  const std::vector<double> lengths = was_ready ? weights_of(block.entries) : std::vector<double>{};
   const int first = core_->m();
   ModelEdit change;
   change.rows = block.entries;
@@ -52,22 +29,15 @@ void Relaxation::add_rows(const RowBlock& block) {
   change.row_upper = block.upper;
   change.columns.rows = core_->m() + change.new_rows();
   Solver::edit(std::move(change));
-  if (was_ready) {
-    for (size_t k = 0; k < lengths.size(); ++k) {
-      const int i = first + static_cast<int>(k);
-      const double r = row_scale(i);
-      carried_norms_[first + k] = 1.0 + r * r * lengths[k];
+  for (int k = 0; k < block.entries.columns && was_ready; ++k) {
+    double activity = 0;
+    for (int e = block.entries.start[k]; e < block.entries.start[k + 1]; ++e) {
+      const int j = block.entries.index[e];
+      const double x =
+          core_->basis.nonbasic(j) ? core_->basis.value(j) : core_->values.x(core_->basis.position(j));
+      activity += block.entries.value[e] * x * column_scale(j);
     }
-    std::vector<double> activity(lengths.size(), 0.0);
-    for (size_t k = 0; k < lengths.size(); ++k) {
-      for (int e = block.entries.start[k]; e < block.entries.start[k + 1]; ++e) {
-        const int j = block.entries.index[e];
-        const double x =
-            core_->basis.nonbasic(j) ? core_->basis.value(j) : core_->values.x(core_->basis.position(j));
-        activity[k] += block.entries.value[e] * x * column_scale(j);
-      }
-      core_->values.set_x(first + static_cast<int>(k), -activity[k] * row_scale(first + static_cast<int>(k)));
-    }
+    core_->values.set_x(first + k, -activity * row_scale(first + k));
   }
   settle_edit(was_ready);
 }
@@ -206,14 +176,13 @@ bool Relaxation::pivot_for(const ModelEdit& change) {
 
 bool Relaxation::edit(ModelEdit change) {
   const bool pivots = pivot_for(change);
-  near_ = false;
+  leave();
   if (pivots) {
     reoptimization_.forget();
     answer_is_new_ = true;
   }
   if (!Solver::edit(std::move(change))) return false;
   ++edits_;
-  changed();
   pending_.resize();
   return true;
 }
@@ -243,9 +212,7 @@ void Relaxation::delete_columns(std::span<const int> columns) {
 }
 
 Outcome Relaxation::solve(Method method) {
-  near_ = false;
-  changed();
-  pending_.clear();
+  leave();
   return Solver::solve(method);
 }
 

@@ -87,7 +87,7 @@ std::shared_ptr<const Relaxation::Checkpoint> Relaxation::save() {
   saved->user_row_lower = user_.lp.row_lower;
   saved->user_row_upper = user_.lp.row_upper;
   saved->core = core_->save();
-  saved->weights = the_dual().norms().view();
+  saved->weights = the_dual().norms();
   saved->offset = user_.lp.offset;
   saved->objective = objective_;
   saved->outcome = outcome_;
@@ -106,7 +106,7 @@ bool Relaxation::restore(const Checkpoint& saved) {
   user_.lp.row_upper = saved.user_row_upper;
   Solver::change_offset(saved.offset);
   core_->restore(saved.core);
-  the_dual().norms().set(saved.weights);
+  the_dual().norms() = saved.weights;
   keep_norms_ = has_basis_ = true;
   start_near();
   objective_ = saved.objective;
@@ -151,7 +151,7 @@ void Relaxation::set_basis(const Basis& basis) {
   if (basis.dual_weights.size() != static_cast<size_t>(core_->total())) return;
   std::vector<double> weights(static_cast<size_t>(core_->m()));
   for (int p = 0; p < core_->m(); ++p) weights[p] = basis.dual_weights[core_->basis.head(p)];
-  the_dual().norms().set(std::move(weights));
+  the_dual().norms().set(std::move(weights), dual_rule(options_.dual_pricing).kind());
   keep_norms_ = true;
 }
 

@@ -44,9 +44,7 @@ bool Relaxation::change_basis_only(int entering, int position) {
 }
 
 void Relaxation::start_requested_pivots() {
-  near_ = false;
-  changed();
-  pending_.clear();
+  leave();
   reoptimization_.forget();
   keep_norms_ = false;
   core_->ensure_rows();

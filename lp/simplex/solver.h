@@ -81,7 +81,7 @@ class Solver {
   void btran(SparseVector& v) const { core_->factor.btran(v, 1.0); }
   /* Where has_dual_norms(). */
   const std::vector<double>& dual_norms() const {
-    return dual_ != nullptr ? dual_->norms().view() : carried_norms_;
+    return dual_ != nullptr ? dual_->norms().view() : carried_norms_.view();
   }
   const Counters& counters() const { return core_->counters; }
   /* From here on counts are of a new optimization, or go on from these. */
@@ -138,6 +138,7 @@ class Solver {
   Outcome run_primal();
   bool verify_infeasible(const std::vector<double>& scaled_row);
   bool verify_ray();
+  std::vector<double> new_row_lengths(const ModelEdit& change);
   void prepare();
   bool bounds_cross();
 
@@ -148,7 +149,7 @@ class Solver {
   std::unique_ptr<Primal> primal_;
   bool has_basis_ = false;
   bool keep_norms_ = false;
-  std::vector<double> carried_norms_;  // for the dual that is not yet made
+  DualWeights carried_norms_;  // for the dual that is not yet made
   Answer answer_;
   Activities sums_;
   Reoptimization reoptimization_;

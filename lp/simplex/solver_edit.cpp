@@ -1,6 +1,7 @@
 /* Rows and columns that go and come between two solves. */
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 
 #include "lp/simplex/solver.h"
 
@@ -79,6 +80,33 @@ void edit_vectors(const ModelEdit& change, LpData& lp) {
 
 }  // namespace
 
+/* Squared lengths of a_B' B^-1 for the new rows, their own scale factors left out: the weight of a new logical is
+ * 1 + r^2 times that. */
+std::vector<double> Solver::new_row_lengths(const ModelEdit& change) {
+  Core& core = *core_;
+  std::vector<double> lengths(static_cast<size_t>(change.new_rows()), 0.0);
+  if (lengths.empty()) return lengths;
+  std::vector<int> kept(static_cast<size_t>(core.n()));  // number before of each old column that stays
+  std::iota(kept.begin(), kept.end(), 0);
+  erase_indices(kept, change.deleted_columns);
+  SparseVector row;
+  row.resize(core.m());
+  for (int i = 0; i < change.new_rows(); ++i) {
+    row.clear();
+    for (int k = change.rows.start[i]; k < change.rows.start[i + 1]; ++k) {
+      const int j = kept[change.rows.index[k]];
+      if (core.basis.nonbasic(j)) continue;
+      const int p = core.basis.position(j);
+      if (row.array[p] == 0) row.index[row.count++] = p;
+      row.array[p] += change.rows.value[k] * column_scale(j);
+    }
+    if (row.count == 0) continue;
+    core.btran(row, core.row_ep_density);
+    lengths[i] = row.norm2();
+  }
+  return lengths;
+}
+
 bool Solver::edit(ModelEdit change) {
   Core& core = *core_;
   const bool allowed = std::all_of(change.deleted_columns.begin(), change.deleted_columns.end(),
@@ -90,10 +118,11 @@ bool Solver::edit(ModelEdit change) {
   answer_is_new_ = answer_is_new_ || !are_last(change.deleted_columns, core.n()) ||
                    !are_last(change.deleted_rows, core.m()) || !reoptimization_.columns().empty() ||
                    !reoptimization_.rows().empty();
+  std::vector<double> lengths(static_cast<size_t>(change.new_rows()), 0.0);
   if (keep_norms_) {
-    if (dual_ != nullptr) carried_norms_ = dual_->norms().view();
-    erase_indices(carried_norms_, core.positions_of_logicals(change.deleted_rows));
-    carried_norms_.resize(carried_norms_.size() + static_cast<size_t>(change.new_rows()), 1.0);
+    if (dual_ != nullptr) carried_norms_ = dual_->norms();
+    if (core.has_factor() && carried_norms_.kind() == WeightKind::norms) lengths = new_row_lengths(change);
+    carried_norms_.erase(core.positions_of_logicals(change.deleted_rows));
   }
   edit_vectors(change, user_.lp);
   if (user_.scaling.active()) {
@@ -103,6 +132,10 @@ bool Solver::edit(ModelEdit change) {
     scale(change, user_.scaling);
   }
   core.edit(change);
+  for (int k = 0; k < change.new_rows() && keep_norms_; ++k) {
+    const double r = row_scale(core.m() - change.new_rows() + k);
+    carried_norms_.append(1.0 + r * r * lengths[k]);
+  }
   dual_.reset();
   primal_.reset();
   reoptimization_.edit(change);

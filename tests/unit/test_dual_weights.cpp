@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "lp/simplex/dual.h"
 #include "lp/simplex/dual_devex.h"
 #include "lp/simplex/dual_steepest_edge.h"
 #include "support/scattered_lps.h"
@@ -221,6 +222,33 @@ TEST(DualRule, StartsAsThePricingAsks) {
     rule.start(core, false, weights, work);
     expect_close(weights.view(), pricing == Pricing::steepest_edge ? norms : ones, 1e-8);
   }
+}
+
+/* A change of the pricing between two solves: edge norms are no devex weights, nor the other way round. */
+TEST(DualRule, WeightsOfAnotherKindBeginAnew) {
+  int changed = 0;
+  for (int round = 0; round < 60; ++round) {
+    Random random(static_cast<unsigned>(round));
+    TRACE_RANDOM(random, round);
+    TableCore table(support::scattered_lp(random, 12, 24));
+    Core& core = table.core;
+    table.random_basis(random);
+    core.options.dual_pricing = round % 2 == 0 ? Pricing::devex : Pricing::dantzig;
+    Dual dual(core);
+    Dual::Settings settings;
+    dual.solve(settings, kUnlimited);
+    if (!core.has_factor()) continue;
+    const std::vector<double> before = dual.norms().view();
+    core.options.dual_pricing = Pricing::steepest_edge;
+    settings.keep_norms = true;
+    dual.solve(settings, 0);
+    const std::vector<double> norms = weights_by_elimination(table);
+    expect_close(dual.norms().view(), norms, 1e-6);
+    changed += before != dual.norms().view();
+    dual.solve(settings, 0);  // of the same kind they are kept
+    expect_close(dual.norms().view(), norms, 1e-6);
+  }
+  EXPECT_GT(changed, 30);
 }
 
 }  // namespace
