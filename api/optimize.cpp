@@ -40,8 +40,10 @@ int TVKlpopt(ConstEnvHandle env, ProbHandle lp) {
   return with_problem(env, lp, [&](Environment& e, Problem& p) -> Status {
     if (const Status status = lp::run::check_continuous(p); !status.ok()) return status;
     const api::OptimizerFrame frame(e);
-    int method = lp::run::resolve_method(e, p, true);
-    if (method == method_code::kConcurrent) method = lp::run::resolve_method(e, p, false);
+    int method = method_code::kAutomatic;
+    Status status = lp::run::resolve_method(e, p, true, &method);
+    if (method == method_code::kConcurrent) status = lp::run::resolve_method(e, p, false, &method);
+    if (!status.ok()) return status;
     // The dual simplex stands in for network and barrier. Sifting comes before either: options_of() sees to it.
     return optimize(e, p, {method == method_code::kPrimal ? Method::primal : Method::dual});
   });

@@ -49,8 +49,10 @@ bool apply_costs(Presolved& record, const model::Model& model, std::span<const i
 
 bool apply_bounds(Presolved& record, const model::Model& model, std::span<const int> columns) {
   std::vector<NewRange> bounds;
-  for (const int j : columns)
+  for (const int j : columns) {
+    if (std::isnan(model.lower()[j]) || std::isnan(model.upper()[j])) return false;
     bounds.push_back({j, stored_lower(model.lower()[j]), stored_upper(model.upper()[j])});
+  }
   if (!presolve::change_bounds(record.reduction, record.original, bounds)) return false;
   record_values(record, Edit::Dimension::columns, columns);
   if (record.reduced == nullptr) return true;
@@ -86,8 +88,8 @@ bool find_new_rows(const Presolved& record, const model::Model& model, presolve:
   for (int i = record.original.num_rows(); i < model.num_rows(); ++i) {
     if (model.sense()[i] == 'R') return false;
     const model::RowView row = model.row(i);
-    if (!std::all_of(row.value, row.value + row.count, [](double v) { return std::isfinite(v); }))
-      return false;
+    const auto finite = [](double value) { return std::isfinite(value); };
+    if (std::isnan(model.rhs()[i]) || !std::all_of(row.value, row.value + row.count, finite)) return false;
     Matrix& rows = added.rows;
     rows.index.insert(rows.index.end(), row.index, row.index + row.count);
     rows.value.insert(rows.value.end(), row.value, row.value + row.count);

@@ -17,7 +17,11 @@ Status BasisView::open(Environment& env, Problem& problem) {
     return Status(TVK_ERROR_BASIS_SINGULAR);
   EngineGuard guard(problem);
   EngineControl control(env, problem, CalledFrom::simplex);
-  warm_ = &warm_simplex(env, problem, control, nullptr);
+  const Status status = warm_simplex(env, problem, control, nullptr, &warm_);
+  if (!status.ok()) {
+    guard.commit();
+    return status;
+  }
   install_basis(problem, *warm_);
   const simplex::Solver& solver = warm_->solver;
   core_ = &solver.core();

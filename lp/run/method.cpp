@@ -50,23 +50,29 @@ Status most_infeasible_basic(Environment& env, Problem& problem, int* index) {
   return {};
 }
 
-int resolve_method(Environment& env, Problem& problem, bool allow_concurrent) {
+Status resolve_method(Environment& env, Problem& problem, bool allow_concurrent, int* resolved) {
   const int method = env.settings.integer(TVK_PARAM_LPMETHOD);
+  *resolved = method;
   if (method != method_code::kAutomatic && !(method == method_code::kConcurrent && !allow_concurrent))
-    return method;
+    return {};
   int threads = env.settings.integer(TVK_PARAM_THREADS);
   if (threads == 0) threads = std::max(1, thread_limit());
-  if (threads >= 2 && env.settings.integer(TVK_PARAM_MEMORYEMPHASIS) == 0 && allow_concurrent)
-    return method_code::kConcurrent;
-  if (env.settings.integer(TVK_PARAM_ADVIND) != 0 && problem.start.has_statuses()) {
-    const PrimalFeasibility known = start_feasibility(env, problem);
-    if (known != PrimalFeasibility::unknown)
-      return known == PrimalFeasibility::feasible ? method_code::kPrimal : method_code::kDual;
+  if (threads >= 2 && env.settings.integer(TVK_PARAM_MEMORYEMPHASIS) == 0 && allow_concurrent) {
+    *resolved = method_code::kConcurrent;
+    return {};
+  }
+  *resolved = method_code::kDual;
+  if (env.settings.integer(TVK_PARAM_ADVIND) == 0 || !problem.start.has_statuses()) return {};
+  PrimalFeasibility start = PrimalFeasibility::unknown;
+  if (const Status status = start_feasibility(env, problem, &start); !status.ok()) return status;
+  if (start == PrimalFeasibility::unknown) {
     int worst = 0;
     const Status status = most_infeasible_basic(env, problem, &worst);
-    if (status.ok() && worst == kNone) return method_code::kPrimal;
+    if (status.is_reported()) return status;
+    if (status.ok() && worst == kNone) start = PrimalFeasibility::feasible;
   }
-  return method_code::kDual;
+  if (start == PrimalFeasibility::feasible) *resolved = method_code::kPrimal;
+  return {};
 }
 
 }  // namespace tovik::lp::run

@@ -186,12 +186,16 @@ void store_answer(Problem& problem, simplex::Solver& solver) {
 
 Status run_simplex(Environment& env, Problem& problem, const Algorithm& algorithm,
                    const Continuation& continuation) {
-  if (const Status finite = check_data(env, problem); !finite.ok()) return finite;
   OptimizationStatistics& statistics = statistics_of(problem);
   EngineGuard guard(problem);
   EngineControl control(env, problem, CalledFrom::simplex);
   IterationLog log(env, problem, env.settings.integer(TVK_PARAM_SIMDISPLAY));
-  WarmSimplex& warm = warm_simplex(env, problem, control, &log);
+  WarmSimplex* engine = nullptr;
+  if (const Status status = warm_simplex(env, problem, control, &log, &engine); !status.ok()) {
+    guard.commit();
+    return status;
+  }
+  WarmSimplex& warm = *engine;
   warm.solver.set_options(options_of(env, algorithm));
   if (continuation.from_basis) {
     install_basis(problem, warm);
@@ -199,7 +203,6 @@ Status run_simplex(Environment& env, Problem& problem, const Algorithm& algorith
     install_start(env, problem, warm);
   }
   warm.start_installed = false;  // until this run has ended in order
-  warm.data_checked = true;
   set_objective_limits(env, problem, warm.solver);
   warm.solver.set_counters(continuation.before.simplex.counters);
   if (env.callbacks.lp != nullptr) warm.solver.invalidate();  // it is called by the algorithms

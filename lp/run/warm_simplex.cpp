@@ -95,9 +95,41 @@ BasisStatus column_at(int status) {
   }
 }
 
+/* Are the values and entries that the journal names numbers? */
+bool changes_are_numbers(const model::Model& model, const Journal& journal) {
+  const auto all = [](const double* values, int count) {
+    return std::all_of(values, values + count, [](double v) { return std::isfinite(v); });
+  };
+  const auto column = [&](int j) {
+    return std::isfinite(model.objective()[j]) && !std::isnan(model.lower()[j]) &&
+           !std::isnan(model.upper()[j]);
+  };
+  const auto row = [&](int i) { return std::isfinite(model.range()[i]) && !std::isnan(model.rhs()[i]); };
+  const auto columns = journal.columns().touched();
+  const auto rows = journal.rows().touched();
+  if (!std::all_of(columns.begin(), columns.end(), column) || !std::all_of(rows.begin(), rows.end(), row))
+    return false;
+  for (int j = model.num_columns() - journal.columns().added(); j < model.num_columns(); ++j) {
+    if (!column(j) || !all(model.column(j).value, model.column(j).count)) return false;
+  }
+  for (int i = model.num_rows() - journal.rows().added(); i < model.num_rows(); ++i) {
+    if (!row(i) || !all(model.row(i).value, model.row(i).count)) return false;
+  }
+  return true;
+}
+
+/* 1225 or 1233; an engine's data are numbers, so no more is looked at than has changed since. */
+Status check_data(Environment& env, const Problem& problem) {
+  const bool known = problem.simplex != nullptr && !problem.journal.values_lost();
+  if (known && changes_are_numbers(*problem.model, problem.journal)) return {};
+  return check_finite(env, *problem.model, problem.simplex == nullptr || problem.journal.structure_changed());
+}
+
 }  // namespace
 
-WarmSimplex& warm_simplex(Environment& env, Problem& problem, Control& control, simplex::Observer* observer) {
+Status warm_simplex(Environment& env, Problem& problem, Control& control, simplex::Observer* observer,
+                    WarmSimplex** engine) {
+  if (const Status finite = check_data(env, problem); !finite.ok()) return finite;
   const simplex::Options options = engine_options(env);
   auto* warm = static_cast<WarmSimplex*>(problem.simplex.get());
   if (warm != nullptr &&
@@ -114,8 +146,8 @@ WarmSimplex& warm_simplex(Environment& env, Problem& problem, Control& control, 
     problem.journal.start(problem.rows(), problem.columns());
     warm = static_cast<WarmSimplex*>(problem.simplex.get());
   }
-  warm->data_checked = false;  // as far as is known here
-  return *warm;
+  *engine = warm;
+  return {};
 }
 
 void install_start(Environment& env, Problem& problem, WarmSimplex& warm) {
@@ -169,65 +201,36 @@ WarmSimplex* synchronized_simplex(Problem& problem) {
   return warm != nullptr && warm->start_installed && !problem.journal.structure_changed() ? warm : nullptr;
 }
 
-namespace {
-
-/* Are the values and entries that the journal names numbers? */
-bool changes_are_numbers(const model::Model& model, const Journal& journal) {
-  const auto all = [](const double* values, int count) {
-    return std::all_of(values, values + count, [](double v) { return std::isfinite(v); });
-  };
-  const auto column = [&](int j) {
-    return std::isfinite(model.objective()[j]) && !std::isnan(model.lower()[j]) &&
-           !std::isnan(model.upper()[j]);
-  };
-  const auto row = [&](int i) { return std::isfinite(model.range()[i]) && !std::isnan(model.rhs()[i]); };
-  const auto columns = journal.columns().touched();
-  const auto rows = journal.rows().touched();
-  if (!std::all_of(columns.begin(), columns.end(), column) || !std::all_of(rows.begin(), rows.end(), row))
-    return false;
-  for (int j = model.num_columns() - journal.columns().added(); j < model.num_columns(); ++j) {
-    if (!column(j) || !all(model.column(j).value, model.column(j).count)) return false;
-  }
-  for (int i = model.num_rows() - journal.rows().added(); i < model.num_rows(); ++i) {
-    if (!row(i) || !all(model.row(i).value, model.row(i).count)) return false;
-  }
-  return true;
-}
-
-}  // namespace
-
-Status check_data(Environment& env, Problem& problem) {
-  const auto* warm = static_cast<const WarmSimplex*>(problem.simplex.get());
-  const bool known = warm != nullptr && warm->data_checked && !problem.journal.values_lost();
-  if (known && changes_are_numbers(*problem.model, problem.journal)) return {};
-  return check_finite(env, *problem.model, warm == nullptr || problem.journal.structure_changed());
-}
-
-PrimalFeasibility start_feasibility(Environment& env, Problem& problem) {
+Status start_feasibility(Environment& env, Problem& problem, PrimalFeasibility* start) {
+  *start = PrimalFeasibility::unknown;
   auto* warm = static_cast<WarmSimplex*>(problem.simplex.get());
-  if (warm == nullptr || !warm->start_installed || !warm->data_checked || problem.journal.structure_lost() ||
-      !check_data(env, problem).ok() || engine_options(env).scaling != warm->solver.options().scaling) {
-    return PrimalFeasibility::unknown;
+  if (warm == nullptr || !warm->start_installed || problem.journal.structure_lost() ||
+      engine_options(env).scaling != warm->solver.options().scaling) {
+    return {};
   }
+  if (const Status finite = check_data(env, problem); !finite.ok()) return finite;
   EngineGuard guard(problem);
-  if (!synchronize_structure(problem, *warm)) return PrimalFeasibility::unknown;
+  if (!synchronize_structure(problem, *warm)) return {};
   warm->solver.set_options(engine_options(env));
   synchronize_model_values(problem, *warm);
   if (!problem.start.balanced) {  // the engine has pivoted for what was deleted
     const bool feasible = warm->solver.is_primal_feasible();
     guard.commit();
-    return feasible ? PrimalFeasibility::feasible : PrimalFeasibility::infeasible;
+    *start = feasible ? PrimalFeasibility::feasible : PrimalFeasibility::infeasible;
+    return {};
   }
   const simplex::Reoptimization::State state = warm->solver.standing();
   guard.commit();
   switch (state) {
     case simplex::Reoptimization::State::optimal:
     case simplex::Reoptimization::State::primal_feasible:
-      return PrimalFeasibility::feasible;
+      *start = PrimalFeasibility::feasible;
+      return {};
     case simplex::Reoptimization::State::primal_infeasible:
-      return PrimalFeasibility::infeasible;
+      *start = PrimalFeasibility::infeasible;
+      return {};
     default:
-      return PrimalFeasibility::unknown;
+      return {};
   }
 }
 

@@ -19,7 +19,6 @@ class WarmSimplex : public Derived {
   bool follows_structure() const override { return start_installed; }
   simplex::Relaxation solver;
   bool start_installed = false;  // problem.start holds the basis that the engine stands on
-  bool data_checked = false;     // the engine's data are numbers
   bool norms_current = true;     // no rows or columns have come or gone since the last optimization
 };
 
@@ -40,9 +39,11 @@ class EngineGuard {
   bool committed_ = false;
 };
 
-/* The engine of a problem, made or brought up to date with the model. Its basis is not looked at: see
- * install_start() and install_basis(). */
-WarmSimplex& warm_simplex(Environment& env, Problem& problem, Control& control, simplex::Observer* observer);
+/* The engine of a problem, made or brought up to date with the model: the only door to it, so no engine ever
+ * holds data that are not numbers (1225 or 1233; no more is looked at than has changed, and the engine stays
+ * as it was). Its basis is not looked at: see install_start() and install_basis(). */
+Status warm_simplex(Environment& env, Problem& problem, Control& control, simplex::Observer* observer,
+                    WarmSimplex** engine);
 /* As TVK_PARAM_ADVIND says: the starting basis, or the slack basis. */
 void install_start(Environment& env, Problem& problem, WarmSimplex& warm);
 /* The starting basis, which the problem must hold, where the engine does not stand on it. */
@@ -56,11 +57,9 @@ void release_engine(Problem& problem);
 /* The engine if there is one that is up to date with a solved problem, else null. */
 WarmSimplex* synchronized_simplex(Problem& problem);
 
-/* 1225 or 1233 for data that no optimizer can work with; looks at no more than what has changed. */
-Status check_data(Environment& env, Problem& problem);
-
-/* Whether the starting basis is primal feasible, where the engine can tell by looking at the changes. */
+/* Whether the starting basis is primal feasible, where the engine can tell by looking at the changes. 1225 or
+ * 1233 as warm_simplex(). */
 enum class PrimalFeasibility { unknown, feasible, infeasible };
-PrimalFeasibility start_feasibility(Environment& env, Problem& problem);
+Status start_feasibility(Environment& env, Problem& problem, PrimalFeasibility* start);
 
 }  // namespace tovik::lp::run
