@@ -10,19 +10,14 @@ using namespace tovik;
 
 namespace {
 
-/* The channel behind a handle, or null for a handle that is not live. */
-Channel* live_channel(ChannelHandle channel) {
-  return is_live(channel, HandleKind::channel) ? from_handle(channel) : nullptr;
-}
-
 /* worker: Status(Channel&) */
 template <class Worker>
 int with_channel(ConstEnvHandle env, ChannelHandle handle, Worker&& worker,
                  CallbackContext context = CallbackContext::refused) {
   return with_environment(
       env,
-      [&](Environment&) -> Status {
-        Channel* channel = live_channel(handle);
+      [&](Environment& e) -> Status {
+        Channel* channel = find_channel(e, handle);
         return channel != nullptr ? worker(*channel) : TVK_ERROR_NO_CHANNEL;
       },
       context);
@@ -33,7 +28,7 @@ int with_channel(ConstEnvHandle env, ChannelHandle handle, Worker&& worker,
 ChannelHandle TVKaddchannel(EnvHandle env) {
   Channel* channel = nullptr;
   with_environment(env, [&](Environment& e) -> Status {
-    e.channels.push_back(std::make_unique<Channel>());
+    e.channels.push_back(std::make_unique<Channel>(e));
     channel = e.channels.back().get();
     return 0;
   });
@@ -88,13 +83,13 @@ int TVKmsg(ChannelHandle channel, const char* format, ...) {
   if (format == nullptr) return 0;
   std::va_list arguments;
   va_start(arguments, format);
-  const int length = message_list(live_channel(channel), format, arguments);
+  const int length = message_list(from_handle(channel), format, arguments);
   va_end(arguments);
   return length;
 }
 
 int TVKmsgstr(ChannelHandle channel, const char* text) {
-  return text != nullptr ? message(live_channel(channel), "%s", text) : 0;
+  return text != nullptr ? message(from_handle(channel), "%s", text) : 0;
 }
 
 int TVKgetchannels(ConstEnvHandle env, ChannelHandle* results_p, ChannelHandle* warning_p,

@@ -1,7 +1,7 @@
 /* Models on channels. */
 #include "fileio/display/display.h"
+#include "env/channels.h"
 #include "env/entry.h"
-#include "env/handles.h"
 
 using namespace tovik;
 using namespace tovik::fileio;
@@ -13,10 +13,11 @@ namespace {
 template <class Make>
 int display(ConstEnvHandle env, ConstProbHandle lp, ChannelHandle channel, Make&& make) {
   return with_problem(env, lp, [&](Environment& environment, Problem& problem) -> Status {
-    if (!is_live(channel, HandleKind::channel)) return TVK_ERROR_NO_CHANNEL;
+    Channel* const to = find_channel(environment, channel);
+    if (to == nullptr) return TVK_ERROR_NO_CHANNEL;
     std::string text;
     if (const Status status = make(environment, problem, text); !status.ok()) return status;
-    from_handle(channel)->write(text.c_str());
+    to->write(text.c_str());
     return {};
   });
 }

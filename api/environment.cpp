@@ -41,7 +41,7 @@ int TVKcloseTOVIK(EnvHandle* env_p) {
   std::unique_ptr<Environment> closing;
   const auto close = [&](Environment& env) -> Status {
     if (env.parent != nullptr) return TVK_ERROR_CLOSE_CHILD;
-    if (Status status = may_be_freed(env); !status.ok()) return status;
+    if (Status status = may_be_freed(env, 1); !status.ok()) return status;
     closing.reset(&env);
     return 0;
   };

@@ -1,7 +1,7 @@
 /* The frame that every optimizer runs in: limits and the profiling callback. */
 #pragma once
 
-#include "env/environment.h"
+#include "env/handles.h"
 #include "include/tovik.h"
 #include "param/hidden.h"
 
@@ -34,7 +34,7 @@ class Profile {
  private:
   void call(int code) noexcept {
     if (env_.callbacks.profile == nullptr) return;
-    env_.callbacks.profile(reinterpret_cast<ConstEnvHandle>(&env_), code, env_.callbacks.profile_handle);
+    env_.callbacks.profile(to_handle(&env_), code, env_.callbacks.profile_handle);
   }
   Environment& env_;
   int end_;

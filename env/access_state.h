@@ -8,8 +8,9 @@
 namespace tovik {
 
 struct AccessState {
-  bool changing = false;        // a routine that may change the record
-  std::atomic<int> reading{0};  // routines that read it, on any thread
+  bool changing = false;         // a routine that may change the record
+  std::atomic<int> reading{0};   // routines that read it, on any thread
+  AccessState* owner = nullptr;  // of the record that this one goes with: who reads the one reads the other
 
   bool busy() const { return changing || reading.load(std::memory_order_relaxed) > 0; }
 };
@@ -29,12 +30,16 @@ class WriteAccess {
 /* Marks a record while a routine reads it. */
 class ReadAccess {
  public:
-  explicit ReadAccess(AccessState& use) : use_(use) { use_.reading.fetch_add(1, std::memory_order_relaxed); }
-  ~ReadAccess() { use_.reading.fetch_sub(1, std::memory_order_relaxed); }
+  explicit ReadAccess(AccessState& use) : use_(use) { add(1); }
+  ~ReadAccess() { add(-1); }
   ReadAccess(const ReadAccess&) = delete;
   ReadAccess& operator=(const ReadAccess&) = delete;
 
  private:
+  void add(int count) {
+    for (AccessState* use = &use_; use != nullptr; use = use->owner)
+      use->reading.fetch_add(count, std::memory_order_relaxed);
+  }
   AccessState& use_;
 };
 

@@ -22,7 +22,8 @@ void deliver(const Destination& destination, const char* text) noexcept {
 
 }  // namespace
 
-Channel::Channel() : list_(std::make_shared<List>()), live_(this, HandleKind::channel) {}
+Channel::Channel(const Environment& environment)
+    : environment_(environment), list_(std::make_shared<List>()), live_(this, HandleKind::channel) {}
 
 Channel::~Channel() {
   list_->destinations.clear();
@@ -113,6 +114,13 @@ void Channel::write(const char* text) noexcept {
     deliver(destination, text);
   }
   --list->deliveries;
+}
+
+void Channel::write_to_files(const char* text) noexcept {
+  const auto& all = list_->destinations;
+  for (auto d = all.rbegin(); d != all.rend(); ++d) {
+    if (d->kind != Destination::Kind::function) deliver(*d, text);
+  }
 }
 
 bool Channel::empty() const {

@@ -31,9 +31,11 @@ struct Destination {
   FILE* current_file() const { return kind == Kind::file_slot ? *file_slot : file; }
 };
 
+struct Environment;
+
 class Channel {
  public:
-  Channel();
+  explicit Channel(const Environment& environment);
   ~Channel();
   Channel(const Channel&) = delete;
   Channel& operator=(const Channel&) = delete;
@@ -50,8 +52,11 @@ class Channel {
   void disconnect() noexcept;  // flushes the files, then empties the list
   void flush() noexcept;
   void write(const char* text) noexcept;  // delivers to every destination
+  void write_to_files(const char* text) noexcept;
   bool empty() const;
   bool delivering() const;  // a message is on its way: called from a destination function
+  const Environment& environment() const { return environment_; }
+  void* handle() const { return live_.value(); }
 
  private:
   struct List {
@@ -63,7 +68,8 @@ class Channel {
   template <class Matches>
   bool remove_newest(Matches matches);
 
-  std::shared_ptr<List> list_;  // shared with the deliveries that are on their way
+  const Environment& environment_;  // that it belongs to
+  std::shared_ptr<List> list_;      // shared with the deliveries that are on their way
   LiveHandle live_;
 };
 

@@ -3,9 +3,15 @@
 #include <algorithm>
 #include <array>
 
+#include "env/handles.h"
 #include "include/tovik.h"
 
 namespace tovik {
+
+Channel* find_channel(const Environment& env, ChannelHandle handle) noexcept {
+  Channel* const channel = from_handle(handle);
+  return channel != nullptr && &channel->environment().master() == &env.master() ? channel : nullptr;
+}
 
 Status delete_channel(Environment& env, const Channel* channel) {
   const auto is_it = [channel](const auto& owned) { return owned.get() == channel; };

@@ -7,6 +7,9 @@
 
 namespace tovik {
 
+/* The channel behind a handle where it belongs to the environment, its parent or another child of it, else null. */
+Channel* find_channel(const Environment& env, ChannelHandle handle) noexcept;
+
 /* The pointer is only compared with those of the environment, standard channels included.
  * TVK_ERROR_NO_CHANNEL for none of them. */
 Status delete_channel(Environment& env, const Channel* channel);

@@ -1,14 +1,9 @@
 #include "env/entry.h"
 
 #include "env/handles.h"
-#include "env/registry.h"
 
 namespace tovik {
 namespace {
-
-const Environment* master_of(const Environment& env) {
-  return env.parent != nullptr ? env.parent : &env;
-}
 
 bool refused_by_callback(const Environment& env, CallbackContext context) {
   return env.in_callback != 0 && context == CallbackContext::refused;
@@ -16,14 +11,14 @@ bool refused_by_callback(const Environment& env, CallbackContext context) {
 
 /* The checks of a handle that stands for a record of an environment. */
 template <class Handle, class Record>
-int check_record(ConstEnvHandle env, Handle handle, HandleKind kind, Environment** env_out,
-                 Record** record_out, CallbackContext context) noexcept {
-  if (!is_live(env, HandleKind::environment)) return TVK_ERROR_NO_ENVIRONMENT;
+int check_record(ConstEnvHandle env, Handle handle, Environment** env_out, Record** record_out,
+                 CallbackContext context) noexcept {
   *env_out = from_handle(env);
+  if (*env_out == nullptr) return TVK_ERROR_NO_ENVIRONMENT;
   if (handle != nullptr) {
-    if (!is_live(handle, kind)) return TVK_ERROR_NO_PROBLEM;
     *record_out = from_handle(handle);
-    if (master_of(*(*record_out)->env) != master_of(**env_out)) return TVK_ERROR_NOT_MEMBER;
+    if (*record_out == nullptr) return TVK_ERROR_NO_PROBLEM;
+    if (&(*record_out)->env->master() != &(*env_out)->master()) return TVK_ERROR_NOT_MEMBER;
   }
   if (refused_by_callback(**env_out, context)) return TVK_ERROR_IN_INFO_CALLBACK;
   return handle == nullptr ? TVK_ERROR_NO_PROBLEM : 0;
@@ -32,19 +27,19 @@ int check_record(ConstEnvHandle env, Handle handle, HandleKind kind, Environment
 }  // namespace
 
 int check_handles(ConstEnvHandle env, Environment** env_out, CallbackContext context) noexcept {
-  if (!is_live(env, HandleKind::environment)) return TVK_ERROR_NO_ENVIRONMENT;
   *env_out = from_handle(env);
+  if (*env_out == nullptr) return TVK_ERROR_NO_ENVIRONMENT;
   return refused_by_callback(**env_out, context) ? TVK_ERROR_IN_INFO_CALLBACK : 0;
 }
 
 int check_handles(ConstEnvHandle env, ConstProbHandle lp, Environment** env_out, Problem** problem_out,
                   CallbackContext context) noexcept {
-  return check_record(env, lp, HandleKind::problem, env_out, problem_out, context);
+  return check_record(env, lp, env_out, problem_out, context);
 }
 
 int check_handles(ConstEnvHandle env, ConstNetProbHandle net, Environment** env_out,
                   NetworkProblem** network_out, CallbackContext context) noexcept {
-  return check_record(env, net, HandleKind::network, env_out, network_out, context);
+  return check_record(env, net, env_out, network_out, context);
 }
 
 }  // namespace tovik

@@ -41,6 +41,7 @@ int with_environment(ConstEnvHandle handle, Worker&& worker,
   if (int code = check_handles(handle, &env, context); code != 0) {
     return env != nullptr ? report(*env, code) : code;
   }
+  const Entrance entrance(*env);
   return report(*env, guarded([&] { return worker(*env); }));
 }
 
@@ -53,6 +54,7 @@ int with_record(ConstEnvHandle env_handle, Handle handle, Worker&& worker, Callb
   if (int code = check_handles(env_handle, handle, &env, &record, context); code != 0) {
     return env != nullptr ? report(*env, code) : code;
   }
+  const Entrance entrance(*env);
   return report(*env, guarded([&] { return worker(*env, *record); }));
 }
 

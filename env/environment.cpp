@@ -12,7 +12,7 @@ namespace tovik {
 
 Environment::Environment() : live(this, HandleKind::environment) {
   for (Channel** slot : {&error_channel, &warning_channel, &results_channel, &log_channel}) {
-    channels.push_back(std::make_unique<Channel>());
+    channels.push_back(std::make_unique<Channel>(*this));
     *slot = channels.back().get();
   }
 }
@@ -30,11 +30,12 @@ bool Environment::in_use() const {
   const auto used = [](const auto& record) { return record->use.busy(); };
   return std::any_of(problems.begin(), problems.end(), used) ||
          std::any_of(networks.begin(), networks.end(), used) ||
-         std::any_of(children.begin(), children.end(), [](const auto& child) { return child->in_use(); });
+         std::any_of(children.begin(), children.end(),
+                     [](const auto& child) { return child->entered.load() > 0 || child->in_use(); });
 }
 
-Status may_be_freed(const Environment& env) {
-  const bool busy = env.in_callback != 0 || !env.limits.empty() || env.delivering() || env.in_use();
+Status may_be_freed(const Environment& env, int callers) {
+  const bool busy = env.in_callback != 0 || env.entered.load() > callers || env.delivering() || env.in_use();
   return busy ? TVK_ERROR_IN_INFO_CALLBACK : 0;
 }
 
@@ -42,7 +43,7 @@ Status free_child(Environment& parent, const Environment* child) {
   const auto is_child = [child](const auto& owned) { return owned.get() == child; };
   const auto found = std::find_if(parent.children.begin(), parent.children.end(), is_child);
   if (found == parent.children.end()) return TVK_ERROR_NO_ENVIRONMENT;
-  if (Status status = may_be_freed(**found); !status.ok()) return status;
+  if (Status status = may_be_freed(**found, 0); !status.ok()) return status;
   parent.children.erase(found);
   return 0;
 }

@@ -5,6 +5,7 @@
  * workers of a parallel optimizer that share their master's state. */
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <cstdio>
 #include <memory>
@@ -59,8 +60,9 @@ struct Environment {
   std::vector<std::unique_ptr<NetworkProblem>> networks;
   std::vector<std::unique_ptr<Environment>> children;
   Environment* parent = nullptr;
-  int thread_number = 0;  // of a child: 1 and up
-  int in_callback = 0;    // an informational callback is running
+  int thread_number = 0;        // of a child: 1 and up
+  int in_callback = 0;          // an informational callback is running
+  std::atomic<int> entered{0};  // exported routines at work in it; its one thread counts, others read
   int size_limits[3] = {2100000000, 2100000000, 2100000000};
   std::recursive_mutex lock;
   WorkCounter own_work;
@@ -73,13 +75,31 @@ struct Environment {
 
   void add_work(std::uint64_t count) { work->add(count); }
   bool delivering() const;  // called from a destination function of one of the channels, children's included
-  bool in_use() const;      // a routine works on one of the problems or networks, children's included
+  bool in_use() const;      // a routine works on one of the problems or networks, or in a child
+  /* The one that was opened: this one, or a child's parent. */
+  const Environment& master() const { return parent != nullptr ? *parent : *this; }
 };
 
-/* 1804 while a routine works in it: the caller is then inside a callback or a message function. */
-Status may_be_freed(const Environment& env);
+/* 1804 while a routine other than the `callers` works in it: the one that wants to free it is then called from a
+ * callback or a message function. */
+Status may_be_freed(const Environment& env, int callers);
 /* Frees a child; the pointer is only compared with those of the parent. 1002 for no child of it. */
 Status free_child(Environment& parent, const Environment* child);
+
+/* Marks an environment while an exported routine works in it. */
+class Entrance {
+ public:
+  explicit Entrance(Environment& env) : entered_(env.entered) { add(1); }
+  ~Entrance() { add(-1); }
+  Entrance(const Entrance&) = delete;
+  Entrance& operator=(const Entrance&) = delete;
+
+ private:
+  void add(int count) {
+    entered_.store(entered_.load(std::memory_order_relaxed) + count, std::memory_order_relaxed);
+  }
+  std::atomic<int>& entered_;
+};
 
 /* Work done while it lives does not count. */
 class UncountedWork {

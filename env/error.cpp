@@ -32,8 +32,13 @@ const char* printed_text(const Environment& env, int code) {
 }
 
 void print(Environment& env, const TextBuffer& line) {
+  if (env.error_channel == nullptr) return;
   const UncountedWork uncounted(env);
-  if (env.error_channel != nullptr) env.error_channel->write(line.text());
+  if (env.error_channel->delivering()) {
+    env.error_channel->write_to_files(line.text());
+  } else {
+    env.error_channel->write(line.text());
+  }
 }
 
 }  // namespace

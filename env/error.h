@@ -1,6 +1,7 @@
 /* The result value of every worker, and the reporter that turns it into the caller's int.
  * A Status is a code and the note whether its line has been printed already, so that each failure is reported
- * once. Internal codes (9000-9009) must never leave the component that makes them. */
+ * once. A failure within a delivery on the error channel goes to the files of the channel alone: a destination
+ * function that fails itself would be called without end. Internal codes (9000-9009) must never leave the component that makes them. */
 #pragma once
 
 namespace tovik {

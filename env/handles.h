@@ -1,5 +1,4 @@
-/* The pointers that callers hold and the records behind them. Only for handles that the registry knows to be
- * live. */
+/* The handles that callers hold and the records behind them. */
 #pragma once
 
 #include "env/environment.h"
@@ -8,31 +7,31 @@
 
 namespace tovik {
 
-inline EnvHandle to_handle(Environment* env) {
-  return reinterpret_cast<EnvHandle>(env);
+inline EnvHandle to_handle(const Environment* env) {
+  return env != nullptr ? static_cast<EnvHandle>(env->live.value()) : nullptr;
 }
-inline ProbHandle to_handle(Problem* problem) {
-  return reinterpret_cast<ProbHandle>(problem);
+inline ProbHandle to_handle(const Problem* problem) {
+  return problem != nullptr ? static_cast<ProbHandle>(problem->live.value()) : nullptr;
 }
-inline NetProbHandle to_handle(NetworkProblem* network) {
-  return reinterpret_cast<NetProbHandle>(network);
+inline NetProbHandle to_handle(const NetworkProblem* network) {
+  return network != nullptr ? static_cast<NetProbHandle>(network->live.value()) : nullptr;
 }
-inline ChannelHandle to_handle(Channel* channel) {
-  return reinterpret_cast<ChannelHandle>(channel);
+inline ChannelHandle to_handle(const Channel* channel) {
+  return channel != nullptr ? static_cast<ChannelHandle>(channel->handle()) : nullptr;
 }
 
-/* A read-only handle is the caller's promise, not a different record. */
+/* Null for a handle that is not live. A read-only handle is the caller's promise, not a different record. */
 inline Environment* from_handle(ConstEnvHandle env) {
-  return reinterpret_cast<Environment*>(const_cast<EnvHandle>(env));
+  return static_cast<Environment*>(find_record(env, HandleKind::environment));
 }
 inline Problem* from_handle(ConstProbHandle lp) {
-  return reinterpret_cast<Problem*>(const_cast<ProbHandle>(lp));
+  return static_cast<Problem*>(find_record(lp, HandleKind::problem));
 }
 inline NetworkProblem* from_handle(ConstNetProbHandle net) {
-  return reinterpret_cast<NetworkProblem*>(const_cast<NetProbHandle>(net));
+  return static_cast<NetworkProblem*>(find_record(net, HandleKind::network));
 }
 inline Channel* from_handle(ChannelHandle channel) {
-  return reinterpret_cast<Channel*>(channel);
+  return static_cast<Channel*>(find_record(channel, HandleKind::channel));
 }
 
 }  // namespace tovik

@@ -46,11 +46,12 @@ typedef struct TVKchannel *ChannelHandle;
  *     TVKcloseTOVIK(&env);
  *
  * Each routine checks its handles first, without following pointers that it does not know, so that a null, freed or
- * foreign handle yields a code and never a crash: 1002 no such environment, 1009 no such problem, 1806 a problem of
- * another environment, 1804 a call from inside the info callback that is not allowed there, or one from a callback or
+ * foreign handle yields a code and never a crash, however many objects have come since: no handle is given out twice in
+ * the life of a process. 1002 no such environment, 1009 no such problem, 1806 a problem of another environment, 1804 a call from inside the info callback that is not allowed there, or one from a callback or
  * message function that would change, optimize or free a problem that a routine is working on right then.
  * Then it checks its arguments. A failed routine changes nothing and writes one line to the environment's error channel:
- * "TOVIK Error %5d: ", the text of the code, a period and a newline. */
+ * "TOVIK Error %5d: ", the text of the code, a period and a newline. What fails while such a line is being delivered,
+ * in a message function, gives its code, and its line goes to the files of the channel alone. */
 
 /* Size in bytes of a buffer that holds any text of TVKgeterrorstring or TVKgetstatstring. */
 #define TVK_TEXT_BUFFER_SIZE 256
@@ -386,8 +387,8 @@ TVK_API EnvHandle TVKopenTOVIK(int *status_p);
 
 /* Closes the environment `*env_p` with all that is left in it (problems, channels, child environments; their handles
  * become invalid) and sets `*env_p` to null. Files attached to channels are flushed, not closed.
- * Errors: 1004 env_p null; 1002; 1804 from inside a callback of a running optimizer or from a message function that
- * is being served by one of the environment's channels; 1021 for a child environment, which stays usable. */
+ * Errors: 1004 env_p null; 1002; 1804 from inside a callback or message function of a routine that is at work in it or
+ * in what belongs to it; 1021 for a child environment, which stays usable. */
 TVK_API int TVKcloseTOVIK(EnvHandle *env_p);
 
 /* Creates a child environment for a parallel worker: parameters and callbacks are copied from `env`, the random
@@ -466,7 +467,8 @@ TVK_API char *TVKgetstatstring(ConstEnvHandle env, int statind, char *buffer);
  * parameter TVK_PARAM_SCRIND to 1 (standard output for results, warning and error). A message reaches the destination
  * that was added last first; destinations may be added and removed while one is delivered: a removed one is not
  * reached any more, an added one first by the next message. Messages of any length are delivered whole and carry their
- * own newlines. The library flushes files but never closes them. */
+ * own newlines. The library flushes files but never closes them. Routines that take an environment too know the channels
+ * of that environment, of its parent and of its parent's other children; any other one is no channel (1051). */
 
 /* Creates a channel without destinations; null after an error (1001). */
 TVK_API ChannelHandle TVKaddchannel(EnvHandle env);
@@ -1648,7 +1650,7 @@ TVK_API int TVKfreepresolve(ConstEnvHandle env, ProbHandle lp);
 
 /* *redlp_p: the reduced problem, with the names of the rows and columns that were kept; null when there is none (no
  * TVKpresolve, or everything was removed). It belongs to lp: it may be queried, written and cloned, but changing, optimizing
- * or freeing it is refused (1804, 1009). Error: 1004. */
+ * or freeing it is refused (1804, 1009); while it is read, lp cannot be changed or freed either. Error: 1004. */
 TVK_API int TVKgetredlp(ConstEnvHandle env, ConstProbHandle lp, ConstProbHandle *redlp_p);
 
 /* What became of rows and columns: an index >= 0 in the reduced problem, or one of */

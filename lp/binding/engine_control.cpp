@@ -1,6 +1,7 @@
 #include "lp/binding/engine_control.h"
 
 #include "env/channel.h"
+#include "env/handles.h"
 
 namespace tovik::lp::run {
 
@@ -35,8 +36,8 @@ Stop EngineControl::poll_clock() {
 
 Stop EngineControl::iteration_callback() {
   if (env_.callbacks.lp == nullptr) return Stop::none;
-  auto* const env = reinterpret_cast<ConstEnvHandle>(&env_);
-  return env_.callbacks.lp(env, &problem_, static_cast<int>(called_from_), env_.callbacks.lp_handle) != 0
+  return env_.callbacks.lp(to_handle(&env_), &problem_, static_cast<int>(called_from_),
+                           env_.callbacks.lp_handle) != 0
              ? Stop::user_abort
              : Stop::none;
 }

@@ -49,7 +49,7 @@ model::ModelData data_of(const model::Model& original, const Presolved& presolve
 
 }  // namespace
 
-Status reduced_problem(Environment& env, const Problem& problem, Presolved& presolved, Problem** reduced) {
+Status reduced_problem(Environment& env, Problem& problem, Presolved& presolved, Problem** reduced) {
   *reduced = nullptr;
   if (presolved.all_removed()) return {};
   if (presolved.reduced == nullptr) {
@@ -57,6 +57,7 @@ Status reduced_problem(Environment& env, const Problem& problem, Presolved& pres
     made->name = problem.name;
     if (const Status s = model::load(env, *made, data_of(*problem.model, presolved)); !s.ok()) return s;
     made->use.changing = true;
+    made->use.owner = &problem.use;
     presolved.reduced = std::move(made);
   }
   *reduced = presolved.reduced.get();

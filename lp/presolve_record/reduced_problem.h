@@ -9,6 +9,6 @@
 namespace tovik::lp::run {
 
 /* Made when first asked for; null when presolve removed everything. */
-Status reduced_problem(Environment& env, const Problem& problem, Presolved& presolved, Problem** reduced);
+Status reduced_problem(Environment& env, Problem& problem, Presolved& presolved, Problem** reduced);
 
 }  // namespace tovik::lp::run

@@ -153,9 +153,8 @@ TEST_F(Changes, InsideTheInfoCallbackOnlyHarmlessRoutinesWork) {
   EXPECT_STREQ(TVKversion(env_), "12.2.0.0");
   EXPECT_EQ(TVKgettime(env_, x), 0);
   env.in_callback = 0;
-  env.limits.push(0, 1e75, 0, 1e75);  // as a running optimizer does
+  const Entrance optimizer(env);  // as every routine does
   EXPECT_EQ(TVKcloseTOVIK(&handle), 1804);
-  env.limits.pop();
 }
 
 TEST(Limits, InnerFramesNeverOutliveOuterOnes) {
