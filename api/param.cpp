@@ -1,4 +1,7 @@
 /* The exported parameter routines. */
+#include <algorithm>
+#include <climits>
+#include <cstdint>
 #include <cstring>
 
 #include "env/entry.h"
@@ -164,7 +167,7 @@ int TVKgetchgparam(ConstEnvHandle env, int* count_p, int* numbers, int space, in
     ChangedList list{numbers, space};
     const Status status = list_changed(e, list);
     *count_p = list.stored;
-    *surplus_p = space - list.found;
+    *surplus_p = static_cast<int>(std::max<std::int64_t>(std::int64_t{space} - list.found, -INT_MAX));
     return status;
   });
 }

@@ -11,6 +11,7 @@
 #include "lp/presolve_record/presolved.h"
 #include "lp/presolve_record/reduced_problem.h"
 #include "lp/run/method.h"
+#include "model/routines/check.h"
 #include "model/routines/protected_columns.h"
 #include "model/routines/surplus.h"
 #include "model/store/model.h"
@@ -48,7 +49,7 @@ void copy_out(const std::vector<int>& values, int* out) {
 }
 
 Status check_form(Environment& env, int count, const int* index, const double* value, int columns) {
-  if (count < 0) return Status(TVK_ERROR_BAD_ARGUMENT);
+  if (const Status s = model::check_count({count}); !s.ok()) return s;
   if (missing(index, static_cast<size_t>(count)) || missing(value, static_cast<size_t>(count)))
     return Status(TVK_ERROR_NULL_POINTER);
   for (int k = 0; k < count; ++k) {

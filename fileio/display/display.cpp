@@ -157,7 +157,7 @@ Status display_types(Environment& env, const model::Model& model, char type, con
     if (!s.ok()) return s;
   }
   std::vector<int> columns;
-  for (int j = selection.begin; j <= selection.end && j < names.size(); ++j) {
+  for (int j = selection.begin; names.size() > 0 && j <= selection.end; ++j) {
     if (lp_format::type_of(model, j) == type && selected(selection, names[j])) columns.push_back(j);
   }
   display.items().column_list(columns);

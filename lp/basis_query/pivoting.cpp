@@ -10,6 +10,7 @@
 #include "lp/binding/engine_control.h"
 #include "lp/run/basis_view.h"
 #include "lp/run/simplex_run.h"
+#include "model/routines/check.h"
 #include "model/store/model.h"
 
 namespace tovik::lp::run {
@@ -29,7 +30,7 @@ void adopt(Problem& problem, BasisView& view) {
 }  // namespace
 
 Status pivot_in(Environment& env, Problem& problem, const int* rows, int count) {
-  if (count < 0) return Status(TVK_ERROR_BAD_ARGUMENT);
+  if (const Status s = model::check_count({count}); !s.ok()) return s;
   if (count > 0 && rows == nullptr) return Status(TVK_ERROR_NULL_POINTER);
   for (int k = 0; k < count; ++k) {
     if (rows[k] < 0 || rows[k] >= problem.model->num_rows()) return fail(env, TVK_ERROR_ROW_INDEX_RANGE, k);
@@ -48,7 +49,7 @@ Status pivot_in(Environment& env, Problem& problem, const int* rows, int count) 
 }
 
 Status pivot_out(Environment& env, Problem& problem, const int* columns, int count) {
-  if (count < 0) return Status(TVK_ERROR_BAD_ARGUMENT);
+  if (const Status s = model::check_count({count}); !s.ok()) return s;
   if (count > 0 && columns == nullptr) return Status(TVK_ERROR_NULL_POINTER);
   for (int k = 0; k < count; ++k) {
     if (columns[k] < 0 || columns[k] >= problem.model->num_columns())
@@ -70,7 +71,8 @@ Status pivot_out(Environment& env, Problem& problem, const int* columns, int cou
 }
 
 Status strong_branch(Environment& env, Problem& problem, const Branching& request) {
-  if (request.count < 0 || request.iteration_limit < 0) return Status(TVK_ERROR_BAD_ARGUMENT);
+  if (const Status s = model::check_count({request.count}); !s.ok()) return s;
+  if (request.iteration_limit < 0) return Status(TVK_ERROR_BAD_ARGUMENT);
   if (request.count == 0) return {};
   if (request.columns == nullptr || request.down == nullptr || request.up == nullptr)
     return Status(TVK_ERROR_NULL_POINTER);

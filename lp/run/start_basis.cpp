@@ -60,7 +60,9 @@ Status get_base(Problem& problem, int* column_status, int* row_status) {
   return {};
 }
 
-Status copy_dual_norms(Problem& problem, const double* norms, const int* head, int length) {
+namespace {
+
+Status check_norms(const Problem& problem, const double* norms, const int* head, int length) {
   if (length < 0 || length > problem.model->num_rows()) return Status(TVK_ERROR_BAD_ARGUMENT);
   if (length > 0 && (norms == nullptr || head == nullptr)) return Status(TVK_ERROR_NULL_POINTER);
   for (int k = 0; k < length; ++k) {
@@ -68,6 +70,13 @@ Status copy_dual_norms(Problem& problem, const double* norms, const int* head, i
       return Status(TVK_ERROR_INDEX_RANGE);
     if (!(norms[k] > 0)) return Status(TVK_ERROR_BAD_ARGUMENT);
   }
+  return {};
+}
+
+}  // namespace
+
+Status copy_dual_norms(Problem& problem, const double* norms, const int* head, int length) {
+  if (const Status s = check_norms(problem, norms, head, length); !s.ok()) return s;
   Norms copy = problem.norms;
   copy.dual.assign(norms, norms + length);
   copy.head.assign(head, head + length);
@@ -117,11 +126,17 @@ Status copy_start_with_norms(Environment& env, Problem& problem, const int* colu
     if (row_status[i] == TVK_BASIC) head.push_back(-i - 1);
   }
   if (static_cast<int>(head.size()) != problem.model->num_rows()) return Status(TVK_ERROR_BAD_ARGUMENT);
+  const int length = static_cast<int>(head.size());
+  if (const Status s = check_norms(problem, norms, head.data(), length); !s.ok()) return s;
+  Norms fresh;
+  fresh.dual.assign(norms, norms + length);
+  fresh.head = std::move(head);
   StartArrays arrays;
   arrays.column_status = column_status;
   arrays.row_status = row_status;
   if (const Status status = copy_start(env, problem, arrays); !status.ok()) return status;
-  return copy_dual_norms(problem, norms, head.data(), static_cast<int>(head.size()));
+  problem.norms = std::move(fresh);
+  return {};
 }
 
 }  // namespace tovik::lp::run

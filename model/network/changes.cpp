@@ -60,7 +60,7 @@ Status delete_set(int count, int* delstat, Delete&& delete_marked) {
 
 Status copy_network(Environment& env, NetworkProblem& problem, int sense, const NewNodes& nodes,
                     const NewArcs& arcs) {
-  if (nodes.count < 0 || arcs.count < 0) return TVK_ERROR_BAD_ARGUMENT;
+  if (Status s = check_count({nodes.count, arcs.count}); !s.ok()) return s;
   if (lacks_ends(arcs)) return TVK_ERROR_NULL_POINTER;
   if (Status s = check_size(env, nodes.count, arcs.count); !s.ok()) return s;
   if (checking(env)) {
@@ -79,7 +79,7 @@ Status copy_network(Environment& env, NetworkProblem& problem, int sense, const 
 
 Status add_nodes(Environment& env, NetworkProblem& problem, const NewNodes& nodes) {
   Network& network = *problem.network;
-  if (nodes.count < 0) return TVK_ERROR_BAD_ARGUMENT;
+  if (Status s = check_count({nodes.count}); !s.ok()) return s;
   if (nodes.count == 0) return {};
   const std::int64_t total = std::int64_t{network.num_nodes()} + nodes.count;
   if (Status s = check_size(env, total, network.num_arcs()); !s.ok()) return s;
@@ -92,7 +92,7 @@ Status add_nodes(Environment& env, NetworkProblem& problem, const NewNodes& node
 
 Status add_arcs(Environment& env, NetworkProblem& problem, const NewArcs& arcs) {
   Network& network = *problem.network;
-  if (arcs.count < 0) return TVK_ERROR_BAD_ARGUMENT;
+  if (Status s = check_count({arcs.count}); !s.ok()) return s;
   if (arcs.count == 0) return {};
   if (lacks_ends(arcs)) return TVK_ERROR_NULL_POINTER;
   const std::int64_t total = std::int64_t{network.num_arcs()} + arcs.count;
@@ -161,7 +161,7 @@ Status change_arc_bounds(Environment& env, NetworkProblem& problem, const BoundC
 
 Status change_arc_ends(Environment& env, NetworkProblem& problem, const EndChanges& changes) {
   Network& network = *problem.network;
-  if (changes.count < 0) return TVK_ERROR_BAD_ARGUMENT;
+  if (Status s = check_count({changes.count}); !s.ok()) return s;
   if (changes.count == 0) return {};
   if (changes.indices == nullptr || changes.tail == nullptr || changes.head == nullptr)
     return TVK_ERROR_NULL_POINTER;

@@ -100,6 +100,12 @@ bool checking(const Environment& env) {
   return env.settings.integer(TVK_PARAM_DATACHECK) == 1;
 }
 
+Status check_count(std::initializer_list<int> counts) {
+  const auto [least, most] = std::minmax(counts);
+  if (least < 0) return TVK_ERROR_BAD_ARGUMENT;
+  return most > kLastPosition ? Status(TVK_ERROR_SIZE_LIMITS_TOO_LARGE) : Status();
+}
+
 Status check_objective_sense(int sense) {
   return sense == 1 || sense == -1 ? Status() : Status(TVK_ERROR_BAD_ARGUMENT);
 }

@@ -5,6 +5,8 @@
  * protect the library's own memory have "safe" in their name and always run. */
 #pragma once
 
+#include <initializer_list>
+
 #include "env/error.h"
 
 namespace tovik {
@@ -14,6 +16,10 @@ struct Environment;
 namespace tovik::model {
 
 bool checking(const Environment& env);
+
+/* Counts that a caller passes: 1003 below 0, 1012 above what a problem can hold of anything. Every routine asks before
+ * it looks at an array. */
+Status check_count(std::initializer_list<int> counts);
 
 Status check_objective_sense(int sense);
 Status check_numbers(Environment& env, int count, const double* values);

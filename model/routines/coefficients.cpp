@@ -136,7 +136,7 @@ Status change_coefficient(Environment& env, Problem& problem, int i, int j, doub
 
 Status change_coefficients(Environment& env, Problem& problem, const CoefficientList& list) {
   if (Status s = check_modifiable(problem); !s.ok()) return s;
-  if (list.count < 0) return TVK_ERROR_BAD_ARGUMENT;
+  if (Status s = check_count({list.count}); !s.ok()) return s;
   if (list.count == 0) return {};
   if (list.rows == nullptr || list.columns == nullptr || list.values == nullptr)
     return TVK_ERROR_NULL_POINTER;

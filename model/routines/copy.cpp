@@ -75,13 +75,13 @@ bool lacks_required(const CopyArguments& a) {
 
 Status copy_model(Environment& env, Problem& problem, const CopyArguments& a) {
   if (Status s = check_modifiable(problem); !s.ok()) return s;
-  if (a.columns < 0 || a.rows < 0) return TVK_ERROR_BAD_ARGUMENT;
+  if (Status s = check_count({a.columns, a.rows}); !s.ok()) return s;
+  const auto& limits = env.size_limits;
+  if (a.rows > limits[0] || a.columns > limits[1]) return TVK_ERROR_SIZE_LIMITS_TOO_LARGE;
   if (lacks_required(a)) return TVK_ERROR_NULL_POINTER;
   const Status content = checking(env) ? check_content(env, a) : check_safe(env, {'r', a.rows}, matrix_of(a));
   if (!content.ok()) return content;
-  const auto& limits = env.size_limits;
-  if (a.rows > limits[0] || a.columns > limits[1] || count_entries(a) > limits[2])
-    return TVK_ERROR_SIZE_LIMITS_TOO_LARGE;
+  if (count_entries(a) > limits[2]) return TVK_ERROR_SIZE_LIMITS_TOO_LARGE;
   return load(env, problem, collect(a));
 }
 

@@ -12,7 +12,7 @@ VectorView vector_of(const PackedMatrix& m, int k) {
 }
 
 Status check_arrays(const PackedMatrix& m) {
-  if (m.vectors < 0 || m.entries < 0) return TVK_ERROR_BAD_ARGUMENT;
+  if (Status s = check_count({m.vectors, m.entries}); !s.ok()) return s;
   const bool lacks = m.begin == nullptr || m.index == nullptr || m.value == nullptr;
   return m.vectors > 0 && m.entries > 0 && lacks ? Status(TVK_ERROR_NULL_POINTER) : Status();
 }

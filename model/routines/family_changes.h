@@ -17,7 +17,7 @@ VectorView vector_of(const PackedMatrix& matrix, int k);
 inline const char* name_of(const char* const* names, int k) {
   return names == nullptr ? nullptr : names[k];
 }
-/* 1003 for a negative count, 1004 when entries lack an array. */
+/* As check_count(), then 1004 when entries lack an array. */
 Status check_arrays(const PackedMatrix& matrix);
 /* The full check while data are checked, else what keeps memory safe. */
 Status check_columns_matrix(Environment& env, const Problem& problem, const PackedMatrix& matrix);

@@ -87,7 +87,7 @@ NewColumns with_types(const Problem& problem, NewColumns columns, std::vector<ch
 
 Status add_rows(Environment& env, Problem& problem, const NewColumns& columns, const NewRows& new_rows) {
   if (Status s = check_modifiable(problem); !s.ok()) return s;
-  if (columns.count < 0 || new_rows.count < 0 || new_rows.entries < 0) return TVK_ERROR_BAD_ARGUMENT;
+  if (Status s = check_count({columns.count, new_rows.count, new_rows.entries}); !s.ok()) return s;
   if (new_rows.count == 0) return {};
   if (lacks_entries(new_rows)) return TVK_ERROR_NULL_POINTER;
   const NewRows rows = without_idle_arrays(new_rows);
@@ -115,16 +115,17 @@ Status add_rows(Environment& env, Problem& problem, const NewColumns& columns, c
 
 Status add_columns(Environment& env, Problem& problem, const NewColumns& new_columns) {
   if (Status s = check_modifiable(problem); !s.ok()) return s;
-  if (new_columns.count < 0 || new_columns.entries < 0) return TVK_ERROR_BAD_ARGUMENT;
+  if (Status s = check_count({new_columns.count, new_columns.entries}); !s.ok()) return s;
   if (new_columns.count == 0) return {};
   if (lacks_entries(new_columns)) return TVK_ERROR_NULL_POINTER;
   const NewColumns columns = without_idle_arrays(new_columns);
   Model& model = *problem.model;
+  if (Status s = check_size(env, model, {0, columns.count, 0}); !s.ok()) return s;
   const int row_bound = model.num_rows();
   const Status content = checking(env) ? check_column_content(env, columns, row_bound)
                                        : check_safe(env, {'r', row_bound}, matrix_of(columns));
   if (!content.ok()) return content;
-  if (Status s = check_size(env, model, {0, columns.count, count_entries(columns)}); !s.ok()) return s;
+  if (Status s = check_size(env, model, {0, 0, count_entries(columns)}); !s.ok()) return s;
   reserve_start(problem, 0, columns.count);
   std::vector<char> letters;
   model.add_columns(with_types(problem, columns, letters));

@@ -45,7 +45,7 @@ Status check_list(Environment& env, const Problem& problem, const StartList& lis
 Status copy_order(Environment& env, Problem& problem, const OrderList& list) {
   if (Status s = check_modifiable(problem); !s.ok()) return s;
   if (Status s = check_mixed_integer(problem); !s.ok()) return s;
-  if (list.count < 0) return TVK_ERROR_BAD_ARGUMENT;
+  if (Status s = check_count({list.count}); !s.ok()) return s;
   if (list.count > 0 && list.columns == nullptr) return TVK_ERROR_NULL_POINTER;
   if (checking(env)) {
     if (Status s = check_order(env, list); !s.ok()) return s;
@@ -68,6 +68,7 @@ Status add_starts(Environment& env, Problem& problem, const StartList& list) {
   if (Status s = check_arrays(matrix_of(list)); !s.ok() || list.count == 0) return s;
   if (Status s = check_list(env, problem, list); !s.ok()) return s;
   MipStarts& starts = problem.model->change_families().starts;
+  if (Status s = check_entries(env, starts.size(), list.count); !s.ok()) return s;
   if (Status s = check_entries(env, starts.entries(), list.entries); !s.ok()) return s;
   const MipStarts::Extent before = starts.extent();
   try {

@@ -9,7 +9,7 @@
 namespace tovik::model {
 
 Status check_renames(Environment& env, const NameChanges& changes, IndexRule rule) {
-  if (changes.count < 0) return TVK_ERROR_BAD_ARGUMENT;
+  if (Status s = check_count({changes.count}); !s.ok()) return s;
   if (changes.count == 0) return {};
   if (changes.indices == nullptr || changes.names == nullptr) return TVK_ERROR_NULL_POINTER;
   if (Status s = check_names(env, changes.count, changes.names); !s.ok()) return s;

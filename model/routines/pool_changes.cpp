@@ -40,6 +40,7 @@ Status add_pool_rows(Environment& env, Problem& problem, Pool pool, const NewRow
   if (Status s = check_arrays(matrix); !s.ok() || rows.count == 0) return s;
   if (Status s = check_rows(env, problem, rows, matrix); !s.ok()) return s;
   RowPool& to = change_rows(problem, pool);
+  if (Status s = check_entries(env, to.size(), rows.count); !s.ok()) return s;
   if (Status s = check_entries(env, to.entries(), rows.entries); !s.ok()) return s;
   MixedInteger with_types(problem);
   const RowPool::Extent before = to.extent();

@@ -9,7 +9,7 @@
 namespace tovik::model {
 
 Status copy_protected(Environment& env, Problem& problem, int count, const int* columns) {
-  if (count < 0) return TVK_ERROR_BAD_ARGUMENT;
+  if (Status s = check_count({count}); !s.ok()) return s;
   if (count > 0 && columns == nullptr) return TVK_ERROR_NULL_POINTER;
   const Status checked = check_safe_indices(env, {'c', problem.model->num_columns()}, count, columns);
   if (!checked.ok()) return checked;

@@ -146,7 +146,7 @@ Status add_quadratic_row(Environment& env, Problem& problem, const QuadraticRowA
   const int begin = 0;
   const PackedMatrix linear{1, a.entries, &begin, a.index, a.value};
   if (Status s = check_arrays(linear); !s.ok()) return s;
-  if (a.terms < 0) return TVK_ERROR_BAD_ARGUMENT;
+  if (Status s = check_count({a.terms}); !s.ok()) return s;
   if (a.terms > 0 && (a.column == nullptr || a.other == nullptr || a.product == nullptr))
     return TVK_ERROR_NULL_POINTER;
   if (a.sense != 'L' && a.sense != 'G') return TVK_ERROR_CUT_SENSE;

@@ -36,7 +36,7 @@ Status check_weights(const SetList& list) {
 
 Status check_list(Environment& env, const Problem& problem, const SetList& list) {
   if (Status s = check_modifiable(problem); !s.ok()) return s;
-  if (list.count < 0 || list.entries < 0) return TVK_ERROR_BAD_ARGUMENT;
+  if (Status s = check_count({list.count, list.entries}); !s.ok()) return s;
   if (list.type == nullptr || list.begin == nullptr) return TVK_ERROR_NULL_POINTER;
   const bool members = list.count > 0 && list.entries > list.begin[0];
   if (members && (list.column == nullptr || list.weight == nullptr)) return TVK_ERROR_NULL_POINTER;
@@ -69,6 +69,7 @@ Status copy_sets(Environment& env, Problem& problem, const SetList& list) {
 Status add_sets(Environment& env, Problem& problem, const SetList& list) {
   if (Status s = check_list(env, problem, list); !s.ok() || list.count == 0) return s;
   Sets& sets = problem.model->change_families().sets;
+  if (Status s = check_entries(env, sets.size(), list.count); !s.ok()) return s;
   if (Status s = check_entries(env, sets.entries(), list.entries); !s.ok()) return s;
   MixedInteger with_types(problem);
   const Sets::Extent before = sets.extent();

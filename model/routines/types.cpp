@@ -25,7 +25,7 @@ Status copy_types(Environment& env, Problem& problem, const char* types) {
 
 Status change_types(Environment& env, Problem& problem, int count, const int* columns, const char* types) {
   if (Status s = check_modifiable(problem); !s.ok()) return s;
-  if (count < 0) return TVK_ERROR_BAD_ARGUMENT;
+  if (Status s = check_count({count}); !s.ok()) return s;
   if (count == 0) return {};
   if (columns == nullptr || types == nullptr) return TVK_ERROR_NULL_POINTER;
   if (checking(env)) {

@@ -42,7 +42,7 @@ void change_upper(Environment& env, Model& model, int j, double bound, BoundRule
 }  // namespace
 
 Status check_changes(Environment& env, const ValueChanges& changes, IndexRule rule) {
-  if (changes.count < 0) return TVK_ERROR_BAD_ARGUMENT;
+  if (Status s = check_count({changes.count}); !s.ok()) return s;
   if (changes.count == 0) return {};
   if (changes.indices == nullptr || changes.values == nullptr) return TVK_ERROR_NULL_POINTER;
   if (checking(env)) {
@@ -52,7 +52,7 @@ Status check_changes(Environment& env, const ValueChanges& changes, IndexRule ru
 }
 
 Status check_changes(Environment& env, const BoundChanges& changes, IndexRule rule) {
-  if (changes.count < 0) return TVK_ERROR_BAD_ARGUMENT;
+  if (Status s = check_count({changes.count}); !s.ok()) return s;
   if (changes.count == 0) return {};
   if (changes.indices == nullptr || changes.which == nullptr || changes.bounds == nullptr)
     return TVK_ERROR_NULL_POINTER;
@@ -153,7 +153,7 @@ Status change_objective(Environment& env, Problem& problem, const ValueChanges& 
 
 Status change_senses(Environment& env, Problem& problem, int count, const int* rows, const char* senses) {
   if (Status s = check_modifiable(problem); !s.ok()) return s;
-  if (count < 0) return TVK_ERROR_BAD_ARGUMENT;
+  if (Status s = check_count({count}); !s.ok()) return s;
   if (count == 0) return {};
   if (rows == nullptr || senses == nullptr) return TVK_ERROR_NULL_POINTER;
   if (checking(env)) {
