@@ -19,6 +19,8 @@ if(CCACHE_PROGRAM)
 endif()
 find_package(Threads REQUIRED)
 find_package(EXPAT REQUIRED)
+find_package(ZLIB REQUIRED)
+find_package(BZip2 REQUIRED)
 
 # Everything is compiled and linked alike, third-party headers apart, so that sanitizers see the whole program.
 if(TOVIK_SANITIZE)

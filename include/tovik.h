@@ -920,7 +920,8 @@ TVK_API int TVKsetdefaults(EnvHandle env);
  * position) and what would be read outside the arrays (1200, 1227, 1228) are checked in any case.
  *
  * Routines that modify return 1023 for a problem of a fixed type, 1003 for a negative count, 1004 for a null pointer
- * that is required, 1012 when the model would exceed 2100000000 rows, columns or entries, and 1001 without memory. What
+ * that is required, 1012 for a count above 2100000000 (before anything is read) and when the model would exceed that many
+ * rows, columns or entries, and 1001 without memory. What
  * a change discards stands at "problem objects": nearly all make the solution unavailable. Added rows and columns join a
  * starting basis (slack basic; column non-basic). Deletions that leave it a basis keep it; after others the next
  * optimization starts from what is left, with a pivot for each tight row or basic column, and until then there is no
@@ -1345,9 +1346,12 @@ TVK_API int TVKNETgetprobname(ConstEnvHandle env, ConstNetProbHandle net, char *
 
 /* Reads a model file into an existing problem, whose data it replaces.
  *
- * filename  the file; it becomes the problem's name. A name that ends in .gz or .bz2 (either case) or .Z is read through
- *           the program gzip or bzip2, which must be on the search path; no shell sees the name. A process that ignores
- *           SIGCHLD, or waits for every child, takes the result of these programs away: the file then counts as broken.
+ * filename  the file; it becomes the problem's name. Compression is told by the first bytes, whatever the name: gzip and
+ *           bzip2 are decoded by the library itself, xz, zstd and the old compress through the programs xz, zstd and gzip
+ *           where they are on the search path (a process that ignores SIGCHLD, or waits for every child, takes their result
+ *           away: the file then counts as broken). A name that ends in .gz or .bz2 (either case) or .Z must be compressed.
+ *           All readers open files like this. 1423 follows a line on the warning channel that tells the cause. Waiting for
+ *           a pipe or a terminal, and reading what never ends, stop with 1423 when the flag of TVKsetterminate is set.
  * filetype  "LP", "MPS", "SAV" or "NET" (or "MIN"; either case; what follows these letters is ignored), or NULL to let the
  *           name's extension (.lp, .mps, .qps, .sav, .net, .min) decide and, where it tells nothing, the file's first
  *           bytes: '*', 'N' or 'n' mean MPS; a blank, a line feed, a backslash, 'M' or 'm' mean LP; the signature behind a
@@ -1395,7 +1399,7 @@ TVK_API int TVKreadcopystdin(ConstEnvHandle env, ProbHandle lp);
 
 /* Writes the problem to a model file.
  *
- * filename  the file. A name that ends in .gz or .bz2 (either case) or .Z is written through the program gzip or bzip2.
+ * filename  the file. A name that ends in .gz (either case) or .Z is compressed as gzip does, one in .bz2 as bzip2 does.
  *           The new file replaces an old one only when all of it is on the disk; otherwise the old one stays. Only where
  *           no new file can take its place (in a folder that is not the user's own) the old one is overwritten. Names of
  *           open streams (/dev/stdout, /dev/fd/3) write to where these stand.

@@ -29,7 +29,7 @@ Status read_named_file(Environment& env, const model::Model& model, const OpenRe
   if (!has_names(model)) return TVK_ERROR_NO_NAMES;
   ChannelLog log(env);
   const ReadFailure failure = read(*source, log);
-  if (!source->finish()) return fail(env, TVK_ERROR_OPEN_FOR_READING, request.name);
+  if (const Status s = close_source(env, *source, bool(failure), request.name); !s.ok()) return s;
   return failure ? report_failure(env, failure) : Status();
 }
 

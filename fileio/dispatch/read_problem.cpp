@@ -61,10 +61,9 @@ Status guess_format(Environment& env, const char* name, Format& format) {
   char byte = '\0';
   if (source->read(&byte, 1) == 1) {
     format = byte == '\n' && has_sav_signature(*source) ? Format::sav : format_of_first_byte(byte);
-  } else if (!source->finish()) {
-    return fail(env, TVK_ERROR_OPEN_FOR_READING, name);
+    return {};
   }
-  return {};
+  return close_source(env, *source, false, name);
 }
 
 Status choose_format(Environment& env, const char* name, const char* type, Format& format) {
@@ -101,8 +100,7 @@ Status read_file(Environment& env, const char* name, Format format, FileModel& m
   const ReadOptions options = options_of(env.settings);
   const ReadFailure failure =
       format == Format::lp ? read_lp(*source, options, log, model) : read_mps(*source, options, log, model);
-  // A file that did not arrive whole is no file: what the reader made of its beginning tells nothing.
-  if (!source->finish()) return fail(env, TVK_ERROR_OPEN_FOR_READING, name);
+  if (const Status s = close_source(env, *source, bool(failure), name); !s.ok()) return s;
   return failure ? report_failure(env, failure) : Status{};
 }
 

@@ -34,7 +34,8 @@ bool Field::is_keyword(std::string_view upper_case) const {
 
 bool scan_fixed(const Record& record, Record& fixed) {
   const std::size_t length = static_cast<std::size_t>(record.end - record.begin);
-  if (std::memchr(record.begin, '\t', length) != nullptr) return false;
+  for (const char stranger : {'\t', '\0'})
+    if (std::memchr(record.begin, stranger, length) != nullptr) return false;
   fixed.begin = record.begin;
   fixed.end = record.end;
   fixed.line = record.line;

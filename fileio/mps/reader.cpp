@@ -106,6 +106,7 @@ class Reader {
   bool header(const Record& record);
   bool data(const Record& record);
   bool enter(const SectionWord& word, const Record& record);
+  bool problem_name(const Record& record);
   bool leave();
   bool check_place(const SectionWord& word, int line);
   bool unrecognized(int line);
@@ -271,9 +272,7 @@ bool Reader::enter(const SectionWord& word, const Record& record) {
   word_seen_ = false;
   switch (section_) {
     case Section::name:
-      if (!again && record.count > 1)
-        context_.model.problem_name.assign(rest_of_line(record, record.field[1].text).view());
-      return true;
+      return again || record.count == 1 || problem_name(record);
     case Section::objsense:
     case Section::objname:
     case Section::refrow:
@@ -296,6 +295,13 @@ bool Reader::enter(const SectionWord& word, const Record& record) {
     default:
       return true;
   }
+}
+
+bool Reader::problem_name(const Record& record) {
+  const std::string_view name = rest_of_line(record, record.field[1].text).view();
+  if (name.find('\0') != std::string_view::npos) return context_.fail(TVK_ERROR_BAD_CHARACTER, record.line);
+  context_.model.problem_name.assign(name);
+  return true;
 }
 
 /* Completes the section that ends. */

@@ -6,18 +6,13 @@ namespace tovik::fileio::mps {
 
 /* The lowest byte is 0, which no name of up to eight bytes can have. */
 std::uint64_t RowIndex::key_of_long(const Field& name) {
-  constexpr std::uint64_t kMultiplier = 0x9E3779B97F4A7C15u;
-  std::uint64_t h = name.length * kMultiplier;
+  std::uint64_t h = name.length;
   const char* p = name.text;
   std::uint32_t left = name.length;
   for (; left >= 8; left -= 8, p += 8) {
-    h = (h ^ detail::load_word(p)) * kMultiplier;
-    h ^= h >> 29;
+    h = model::mix_hash(h, detail::load_word(p));
   }
-  if (left > 0) {
-    h = (h ^ detail::low_bytes(detail::load_word(p), left)) * kMultiplier;
-    h ^= h >> 29;
-  }
+  if (left > 0) h = model::mix_hash(h, detail::low_bytes(detail::load_word(p), left));
   return (h << 8) | (std::uint64_t{1} << 63);
 }
 

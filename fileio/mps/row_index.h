@@ -13,6 +13,7 @@
 
 #include "fileio/mps/fields.h"
 #include "fileio/record/name_table.h"
+#include "model/base/name_hash.h"
 
 namespace tovik::fileio::mps {
 
@@ -58,8 +59,7 @@ class RowIndex {
 
   static std::uint64_t key_of_long(const Field& name);
   std::size_t bucket_of(std::uint64_t key) const {
-    key ^= key >> 32;
-    return static_cast<std::size_t>((key * 0x9E3779B97F4A7C15u) >> shift_);
+    return static_cast<std::size_t>(model::mix_hash(0, key) >> shift_);
   }
   Found find(std::uint64_t key, std::string_view name) {
     for (std::size_t i = bucket_of(key);; i = (i + 1) & (buckets_.size() - 1)) {

@@ -20,8 +20,7 @@ Status read_data(Environment& env, const char* name, model::NetworkData& data) {
   if (const Status status = open_for_reading(env, request, source); !status.ok()) return status;
   ChannelLog log(env);
   const ReadFailure failure = read_network(*source, {}, log, data);
-  // A file that did not arrive whole is no file: what the reader made of its beginning tells nothing.
-  if (!source->finish()) return fail(env, TVK_ERROR_OPEN_FOR_READING, name);
+  if (const Status s = close_source(env, *source, bool(failure), name); !s.ok()) return s;
   if (failure) return report_failure(env, failure);
   env.add_work(data.supply.size() + data.tail.size());
   return {};

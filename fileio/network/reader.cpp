@@ -30,8 +30,6 @@ class NetworkReader {
     while (lines_.next() && line()) {
     }
     if (!failure_) finish();
-    while (lines_.next()) {  // a source that was not read to its end cannot tell whether it is whole
-    }
     return failure_;
   }
 

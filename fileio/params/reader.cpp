@@ -243,7 +243,7 @@ Status read_parameter_file(Environment& env, const char* name) {
   if (const Status status = open_for_reading(env, request, source); !status.ok()) return status;
   Reader reader(env, name, *source);
   const Status status = reader.run();
-  if (!source->finish()) return fail(env, TVK_ERROR_OPEN_FOR_READING, name);
+  if (const Status s = close_source(env, *source, !status.ok(), name); !s.ok()) return s;
   return status.ok() ? reader.apply() : status;
 }
 

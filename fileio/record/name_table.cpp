@@ -5,6 +5,8 @@
 #include <cstring>
 #include <utility>
 
+#include "model/base/name_hash.h"
+
 namespace tovik::fileio {
 namespace {
 
@@ -37,21 +39,17 @@ std::uint64_t load(const char* p, std::size_t n) {
 
 NameTable::NameTable() : begin_(1, 0), slots_(64) {}
 
-/* Multiply-and-fold over eight-byte words; names are short, so one to three rounds. */
+/* Eight bytes at a time; names are short, so one to three rounds. */
 NameTable::Key NameTable::key_of(std::string_view name) {
-  constexpr std::uint64_t kMultiplier = 0x9e3779b97f4a7c15ULL;
   const char* p = name.data();
   std::size_t left = name.size();
   const std::uint64_t word = left == 0 ? 0 : load(p, left);
-  std::uint64_t h = (word ^ (name.size() * kMultiplier)) * kMultiplier;
+  std::uint64_t h = model::mix_hash(name.size(), word);
   while (left > 8) {
     left -= 8;
     p += 8;
-    h ^= h >> 32;
-    h = (h ^ load(p, left)) * kMultiplier;
+    h = model::mix_hash(h, load(p, left));
   }
-  h ^= h >> 32;
-  h *= kMultiplier;
   return {word, static_cast<std::uint32_t>(h >> 32 & ~1ULL) | static_cast<std::uint32_t>(name.size() <= 8)};
 }
 

@@ -20,8 +20,7 @@ Status read_file(Environment& env, const OpenRequest& request, SavFile& file) {
   std::unique_ptr<ByteSource> source;
   if (const Status status = open_for_reading(env, request, source); !status.ok()) return status;
   const int code = read_sav(*source, file);
-  // Of a file that could not be read to its end the contents tell nothing.
-  if (!source->finish()) return fail(env, TVK_ERROR_OPEN_FOR_READING, request.name);
+  if (const Status s = close_source(env, *source, code != 0, request.name); !s.ok()) return s;
   if (code == TVK_ERROR_NOT_SAV_FILE || code == TVK_ERROR_FILE_FORMAT) return fail(env, code, request.name);
   return code;
 }

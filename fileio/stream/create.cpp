@@ -14,6 +14,7 @@
 #include <system_error>
 
 #include "env/environment.h"
+#include "fileio/stream/codec.h"
 #include "fileio/stream/output.h"
 #include "fileio/stream/process.h"
 #include "fileio/stream/stream.h"
@@ -80,9 +81,10 @@ class Target {
   bool commit() {
     if (temporary_.empty()) return file_.close();
     if (!synchronize(file_.get())) return false;
+    const std::string folder_name = folder_of(name_);  // nothing may fail once the new file is there
     if (::rename(temporary_.c_str(), name_.c_str()) != 0) return wants_overwriting(errno) && overwrite();
     temporary_.clear();
-    const Descriptor folder = open_descriptor(folder_of(name_).c_str(), O_RDONLY | O_DIRECTORY);
+    const Descriptor folder = open_descriptor(folder_name.c_str(), O_RDONLY | O_DIRECTORY);
     if (folder.valid()) synchronize(folder.get());
     return file_.close();
   }
@@ -138,14 +140,14 @@ std::string end_of_links(std::string name) {
 Target open_beside(const std::string& target, const struct stat* old) {
   int failure = EEXIST;
   for (int attempt = 0; attempt < 100 && failure == EEXIST; ++attempt) {
-    std::string temporary = temporary_name(target);
+    std::string temporary = temporary_name(target), name = target;  // nothing may fail once the file is there
     Descriptor file = open_descriptor(temporary.c_str(), O_RDWR | O_CREAT | O_EXCL);
     if (!file.valid()) {
       failure = errno;
       continue;
     }
     if (old != nullptr) inherit(file.get(), *old);
-    return Target(std::move(file), std::move(temporary), target);
+    return Target(std::move(file), std::move(temporary), std::move(name));
   }
   if (old == nullptr || !wants_overwriting(failure)) return {};
   return Target(open_descriptor(target.c_str(), O_WRONLY | O_TRUNC));
@@ -181,25 +183,39 @@ class FileSink final : public ByteSink {
   bool fine_ = true;
 };
 
-/* A compressor between the writer and the file. */
-class ChildSink final : public ByteSink {
+/* An encoder between the writer and the file. */
+class EncodedSink final : public ByteSink {
  public:
-  ChildSink(Target target, Child child, Descriptor pipe)
-      : target_(std::move(target)), child_(std::move(child)), pipe_(std::move(pipe)) {}
+  EncodedSink(Target target, Codec codec)
+      : target_(std::move(target)),
+        block_(std::make_unique_for_overwrite<char[]>(kBlock)),
+        encoder_(make_encoder(codec)) {}
   bool write(const char* bytes, std::size_t count) override {
-    fine_ = fine_ && write_all(pipe_.get(), bytes, count);
+    std::string_view input(bytes, count);
+    while (fine_ && !input.empty()) encode(input, false);
     return fine_;
   }
   bool commit() override {
-    pipe_.close();
-    fine_ = child_.wait() && fine_;
+    std::string_view nothing;
+    while (fine_ && !encode(nothing, true)) {
+    }
     return fine_ && target_.commit();
   }
 
  private:
+  static constexpr std::size_t kBlock = std::size_t{1} << 16;
+  bool encode(std::string_view& input, bool last) {
+    char* output = block_.get();
+    std::size_t room = kBlock;
+    const bool ended = encoder_->step(input, output, room, last);
+    const std::size_t count = kBlock - room;
+    fine_ = count == 0 || write_all(target_.descriptor(), block_.get(), count);
+    return ended;
+  }
+
   Target target_;
-  Child child_;  // waited for when its pipe is closed
-  Descriptor pipe_;
+  std::unique_ptr<char[]> block_;
+  std::unique_ptr<Encoder> encoder_;
   bool fine_ = true;
 };
 
@@ -214,14 +230,8 @@ Status create_file(Environment& env, const char* name, std::unique_ptr<ByteSink>
     sink = std::make_unique<FileSink>(std::move(target));
     return {};
   }
-  Pipe pipe = make_pipe();
-  Child child;
-  if (pipe.valid()) {
-    child = Child({compression == Compression::bzip2 ? "bzip2" : "gzip", "-c"}, pipe.reading.get(),
-                  target.descriptor());
-  }
-  if (!child.started()) return fail(env, TVK_ERROR_OPEN_FOR_WRITING, name);
-  sink = std::make_unique<ChildSink>(std::move(target), std::move(child), std::move(pipe.writing));
+  const Codec codec = compression == Compression::bzip2 ? Codec::bzip2 : Codec::gzip;
+  sink = std::make_unique<EncodedSink>(std::move(target), codec);
   return {};
 }
 

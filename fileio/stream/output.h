@@ -10,8 +10,7 @@
  * (EACCES, EPERM, EROFS, EBUSY) the old one is overwritten. Pipes, devices and what stands for an open
  * descriptor (/dev/stdout, /dev/fd/3) are written as they are.
  *
- * A compressed name is written through "gzip -c" or "bzip2 -c", started with an argument vector and never
- * through a shell. */
+ * A name that says so is compressed in the process (codec.h). */
 #pragma once
 
 #include <cstddef>

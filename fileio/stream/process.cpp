@@ -7,9 +7,8 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdlib>
 #include <ctime>
-
-extern char** environ;
 
 namespace tovik::fileio {
 namespace {
@@ -39,8 +38,12 @@ class SpawnSetup {
   }
   /* -1 when the program cannot be started. */
   pid_t start(char* const* arguments) const {
+    const char* const folders = std::getenv("PATH");
+    std::string path = std::string("PATH=") + (folders != nullptr ? folders : "/usr/bin:/bin");
+    char* environment[] = {path.data(), nullptr};
     pid_t child = -1;
-    return posix_spawnp(&child, arguments[0], &actions_, &attributes_, arguments, environ) == 0 ? child : -1;
+    const int code = posix_spawnp(&child, arguments[0], &actions_, &attributes_, arguments, environment);
+    return code == 0 ? child : -1;
   }
 
  private:

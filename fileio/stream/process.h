@@ -1,8 +1,8 @@
-/* File descriptors that close themselves, whole writes, and compressors as child processes.
+/* File descriptors that close themselves, whole writes, and programs that decode as child processes.
  *
  * A child is started from the search path with an argument vector, never through a shell, with standard error
- * on the null device and the default reaction to a closed pipe, whatever the calling program chose for
- * itself. */
+ * on the null device, the search path alone as its environment (others change what such programs do) and the default
+ * reaction to a closed pipe, whatever the calling program chose for itself. */
 #pragma once
 
 #include <sys/types.h>

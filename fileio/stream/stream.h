@@ -4,10 +4,11 @@
  *   LineReader   cuts a source into lines without copying them, in a buffer of fixed size; memory does not
  *                grow with the file.
  *
- * A compressed name is read through "gzip -cd -- NAME" or "bzip2 -cd -- NAME", started with an argument
- * vector and never through a shell. What a compressor delivered counts only when finish() says that it ended
- * well, so a reader must build its result aside and drop it when finish() is false: half a file is never
- * loaded. */
+ * Compression is told by the first bytes of a file, whatever its name: gzip and bzip2 are decoded in the process, xz, zstd
+ * and the old compress through the programs xz, zstd and gzip, which read the file on standard input and are never started
+ * through a shell. A file whose name promises compression must be compressed. What was decoded counts only when finish()
+ * says that the file ended well, so a reader must build its result aside and drop it when finish() is false: half a file
+ * is never loaded. After an error of its own a reader asks failed() and leaves the rest unread. */
 #pragma once
 
 #include <cstddef>
@@ -33,9 +34,11 @@ class ByteSource {
   virtual ~ByteSource() = default;
   /* Reads up to `capacity` bytes (at least 1 asked); 0 at the end of the data and after a failure. */
   virtual std::size_t read(char* buffer, std::size_t capacity) = 0;
-  /* Call once, after the last read: true when all of the file arrived. A source that was not read to its end
-   * may answer either way. */
+  /* Call once, after the last read: true when all of the file arrived. What is left of a compressed file is read and
+   * checked. */
   virtual bool finish() = 0;
+  /* Something went wrong so far. */
+  virtual bool failed() const { return false; }
   /* How many bytes are still to come, as far as known beforehand; 0 when it is not. A hint for first
    * capacities, never a promise. */
   virtual std::size_t expected_size() const { return 0; }
@@ -60,8 +63,11 @@ struct OpenRequest {
 };
 
 /* Opens a file for reading. Prints its own errors: 1421 for a null or empty name, 1423 with the name (and
- * once more with the name that the default extension made), 1001. */
+ * once more with the name that the default extension made) behind a warning that tells why, 1001. */
 Status open_for_reading(Environment& env, const OpenRequest& request, std::unique_ptr<ByteSource>& source);
+/* When a reader is through: 1423, behind a warning, for a file that did not arrive whole, of which the contents tell nothing.
+ * What is behind an error of the reader's own is not read. */
+Status close_source(Environment& env, ByteSource& source, bool reader_failed, const char* name);
 
 /* The lines of a source, in place.
  *

@@ -125,7 +125,7 @@ Status read_solution_file(Environment& env, const Problem& problem, const Soluti
   } else {
     failure = read_start_text(*source, *problem.model, log, solutions.emplace_back());
   }
-  if (!source->finish()) return fail(env, TVK_ERROR_OPEN_FOR_READING, file.name);
+  if (const Status s = close_source(env, *source, bool(failure), file.name); !s.ok()) return s;
   return failure ? report_failure(env, failure) : Status();
 }
 

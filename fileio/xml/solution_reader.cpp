@@ -16,6 +16,7 @@ namespace tovik::fileio {
 namespace {
 
 constexpr std::size_t kBlock = 560;
+constexpr int kDeepest = 100;  // elements within each other; a sound file has four, and each one takes memory
 
 /* Two-byte characters of UTF-8 as the single bytes that they stand for. */
 std::string folded(const char* text) {
@@ -82,10 +83,17 @@ class Parser {
     if (parser.out_of_memory_ || parser.failure_) XML_StopParser(parser.parser_.get(), XML_FALSE);
   }
   static void XMLCALL on_start(void* self, const XML_Char* name, const XML_Char** attributes) {
-    guarded(self, [&](Parser& parser) { parser.start(name, attributes); });
+    guarded(self, [&](Parser& parser) {
+      if (++parser.depth_ > kDeepest)
+        parser.failure_ = ReadFailure::at(TVK_ERROR_XML_PARSE, parser.line(), "elements nested too deep");
+      if (!parser.failure_) parser.start(name, attributes);
+    });
   }
   static void XMLCALL on_end(void* self, const XML_Char* name) {
-    guarded(self, [&](Parser& parser) { parser.end(name); });
+    guarded(self, [&](Parser& parser) {
+      --parser.depth_;
+      parser.end(name);
+    });
   }
   static void XMLCALL on_declaration(void* self, const XML_Char*, const XML_Char* encoding, int) {
     if (encoding == nullptr) return;
@@ -107,7 +115,7 @@ class Parser {
   double number(const char* text, double absent);
   int line() const { return static_cast<int>(XML_GetCurrentLineNumber(parser_.get())); }
   std::string text(const char* bytes) const { return latin1_ ? folded(bytes) : std::string(bytes); }
-  bool counts() const { return depth_in_solution_ > 0 && (reading_.several || found_ == reading_.which + 1); }
+  bool counts() const { return depth_in_solution_ > 0 && (reading_.several || found_ - 1 == reading_.which); }
   template <class... Arguments>
   void warn(const char* format, Arguments... arguments) {
     if (warnings_.admit()) log_.warn(format, arguments...);
@@ -122,7 +130,7 @@ class Parser {
   bool out_of_memory_ = false;
   bool latin1_ = false;
   int found_ = 0;
-  int depth_in_solution_ = 0;
+  int depth_ = 0, depth_in_solution_ = 0;
   Part part_ = Part::none;
   std::vector<char> met_columns_, met_rows_;
   WarningLimit warnings_;

@@ -5,18 +5,11 @@
 #include <cstdio>
 #include <utility>
 
+#include "model/base/name_hash.h"
+
 namespace tovik::model {
 
 namespace {
-
-/* FNV-1a with a final mix, so that the low bits depend on every byte. */
-std::size_t hash(std::string_view text) {
-  std::uint64_t h = 0xcbf29ce484222325ULL;
-  for (const char c : text) h = (h ^ static_cast<unsigned char>(c)) * 0x100000001b3ULL;
-  h ^= h >> 32;
-  h *= 0x9e3779b97f4a7c15ULL;
-  return static_cast<std::size_t>(h ^ (h >> 29));
-}
 
 struct MadeUp {
   char text[24];
@@ -29,7 +22,7 @@ int NameTable::find(std::string_view name) const {
   if (empty()) return -1;
   if (slots_.empty()) build_index();
   const std::size_t mask = slots_.size() - 1;
-  for (std::size_t s = hash(name) & mask; slots_[s] != kFree; s = (s + 1) & mask) {
+  for (std::size_t s = hash_of(name) & mask; slots_[s] != kFree; s = (s + 1) & mask) {
     if (slots_[s] >= 0 && view(slots_[s]) == name) return slots_[s];
   }
   return -1;
@@ -186,7 +179,7 @@ void NameTable::build_index() const {
 void NameTable::insert(int position) const {
   const std::string_view text = view(position);
   const std::size_t mask = slots_.size() - 1;
-  std::size_t s = hash(text) & mask;
+  std::size_t s = hash_of(text) & mask;
   for (; slots_[s] != kFree; s = (s + 1) & mask) {
     if (slots_[s] >= 0 && view(slots_[s]) == text) {
       slots_[s] = std::min(slots_[s], position);
@@ -219,7 +212,7 @@ void NameTable::erase_if_indexed(int position) noexcept {
   }
   const std::string_view text = view(position);
   const std::size_t mask = slots_.size() - 1;
-  for (std::size_t s = hash(text) & mask; slots_[s] != kFree; s = (s + 1) & mask) {
+  for (std::size_t s = hash_of(text) & mask; slots_[s] != kFree; s = (s + 1) & mask) {
     if (slots_[s] == position) {
       slots_[s] = kErased;
       return;
