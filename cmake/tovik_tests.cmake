@@ -65,6 +65,20 @@ if(TARGET tovik_program AND TARGET example_production)
     --program $<TARGET_FILE:tovik_program> --example $<TARGET_FILE:example_production> ${example_models})
 endif()
 
+# Random calls of everything that is exported, from a table made of the header: a short run here, a long one with sanitizers
+# in .ci/run.
+set(random_calls_table ${CMAKE_CURRENT_BINARY_DIR}/random_calls_table.cpp)
+add_custom_command(OUTPUT ${random_calls_table}
+  COMMAND Python3::Interpreter ${CMAKE_CURRENT_SOURCE_DIR}/fuzz/make_random_calls.py
+    ${CMAKE_CURRENT_SOURCE_DIR}/include/tovik.h ${random_calls_table}
+  DEPENDS fuzz/make_random_calls.py include/tovik.h)
+add_executable(random_calls fuzz/random_calls.cpp fuzz/random_caller.cpp ${random_calls_table})
+target_include_directories(random_calls PRIVATE ${CMAKE_CURRENT_SOURCE_DIR})
+target_link_libraries(random_calls PRIVATE tovik)
+tovik_warnings(random_calls)
+add_test(NAME fuzz.random_calls COMMAND random_calls --seconds 3 --seed 1)
+set_tests_properties(fuzz.random_calls PROPERTIES LABELS fuzz TIMEOUT 120)
+
 # House rules.
 set(ci ${CMAKE_CURRENT_SOURCE_DIR}/.ci)
 add_test(NAME house.exports COMMAND Python3::Interpreter ${ci}/check_exports.py $<TARGET_FILE:tovik>)

@@ -76,7 +76,7 @@ TEST_F(Reporter, ReportingIsNoWork) {
 
 TEST_F(Reporter, AnIndirectFileIsSkippedWhileItsSlotIsNull) {
   FILE* slot = nullptr;
-  Channel channel;
+  Channel channel(*env_);
   ASSERT_EQ(channel.add_file_slot(&slot), 0);
   channel.write("lost");
   slot = std::tmpfile();

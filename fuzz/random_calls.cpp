@@ -1,0 +1,75 @@
+/* The program: calls until the time is over, and a word about the last calls when it dies. */
+#include "fuzz/random_calls.h"
+
+#include <fcntl.h>
+#include <signal.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+
+using tovik::fuzz::Caller;
+using tovik::fuzz::the_caller;
+
+extern "C" void __sanitizer_set_death_callback(void (*)()) __attribute__((weak));
+
+namespace {
+
+constexpr unsigned kLongestCall = 60;  // seconds
+std::uint64_t seed = 1;
+
+void print_trace() {
+  std::fprintf(stderr, "random_calls --seed %llu, the last calls:\n%s", static_cast<unsigned long long>(seed),
+               the_caller != nullptr ? the_caller->trace().c_str() : "");
+}
+
+extern "C" void on_alarm(int) {
+  std::fprintf(stderr, "A call does not end.\n");
+  print_trace();
+  std::abort();
+}
+
+}  // namespace
+
+int main(int count, char** arguments) {
+  double seconds = 10;
+  std::uint64_t calls = ~std::uint64_t{0};
+  for (int k = 1; k + 1 < count; k += 2) {
+    const std::string option = arguments[k];
+    if (option == "--seconds") seconds = std::atof(arguments[k + 1]);
+    if (option == "--seed") seed = std::strtoull(arguments[k + 1], nullptr, 10);
+    if (option == "--calls") calls = std::strtoull(arguments[k + 1], nullptr, 10);
+  }
+  if (__sanitizer_set_death_callback != nullptr) __sanitizer_set_death_callback(print_trace);
+  signal(SIGALRM, on_alarm);
+  const int null = open("/dev/null", O_RDWR);
+  dup2(null, STDIN_FILENO);
+  dup2(null, STDOUT_FILENO);
+  std::string folder = std::filesystem::temp_directory_path() / "tovik-calls-XXXXXX";
+  if (mkdtemp(folder.data()) == nullptr) return 2;
+  const auto begin = std::chrono::steady_clock::now();
+  const auto elapsed = [&] {
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+  };
+  std::uint64_t done = 0;
+  bool holds = true;
+  {
+    Caller caller(seed, folder);
+    for (; holds && done < calls && (done % 16 != 0 || elapsed() < seconds); ++done) {
+      alarm(kLongestCall);
+      holds = caller.step();
+    }
+    alarm(0);
+    if (!holds) {
+      std::fprintf(stderr, "A call that failed has changed its problem.\n");
+      print_trace();
+    }
+    the_caller = nullptr;
+  }
+  std::filesystem::remove_all(folder);
+  std::fprintf(stderr, "%llu calls, seed %llu\n", static_cast<unsigned long long>(done),
+               static_cast<unsigned long long>(seed));
+  return holds ? 0 : 1;
+}

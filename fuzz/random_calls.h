@@ -1,0 +1,166 @@
+/* Random calls of everything that the library exports: valid, half-valid and senseless arguments, arrays of exactly the
+ * size that the contract asks for, stale and foreign handles, and calls from inside message functions and callbacks.
+ * Meant for the address and undefined-behaviour sanitizers, which judge; what is checked here besides is that a routine
+ * that fails leaves the problem as it was, told by restart files before and after.
+ *
+ *   random_calls [--seconds S] [--seed N] [--calls N]
+ *
+ * A seed gives the same calls again. The last calls are printed when the process dies, or hangs in one. */
+#pragma once
+
+#include <tovik.h>
+
+#include <climits>
+#include <cstdint>
+#include <cstdlib>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace tovik::fuzz {
+
+class Caller;
+struct RandomCall {
+  const char* name;
+  void (*call)(Caller&);
+};
+const std::vector<RandomCall>& random_calls();
+
+class Caller {
+ public:
+  using LpFunction = int (*)(ConstEnvHandle, void*, int, void*);
+  using ProfileFunction = void (*)(ConstEnvHandle, int, void*);
+  using MessageFunction = void (*)(void*, const char*);
+  static constexpr std::size_t kText = TVK_STR_PARAM_MAX;
+
+  Caller(std::uint64_t seed, std::string folder);
+  ~Caller();
+  Caller(const Caller&) = delete;
+  Caller& operator=(const Caller&) = delete;
+
+  /* One call; false when it broke a promise. */
+  bool step();
+  /* From inside a callback: now and then some calls more. */
+  int nested();
+  std::string trace() const;
+
+  /* ---- arguments ---- */
+  EnvHandle environment();
+  ProbHandle problem();
+  ProbHandle changing_problem();  // remembered: the one that the call may change
+  ProbHandle freed_problem();
+  NetProbHandle network();
+  ChannelHandle channel();
+  template <class T>
+  T* or_null(T* pointer) {
+    return chance(4) ? nullptr : pointer;
+  }
+  int integer(const std::string& name, int items);
+  int begin_of(int items);
+  int end_of(int items);
+  double real();
+  const char* text(const std::string& name);
+  char* plain_text() { return zero_terminated("text"); }
+  const char* letters(const std::string& name, std::size_t count);
+  const int* ints(const std::string& name, std::size_t count, int bound);
+  const int* ints(const std::string& name, std::size_t count, std::size_t bound) {
+    return ints(name, count, static_cast<int>(bound));
+  }
+  const double* reals(std::size_t count) { return changing_reals(count); }
+  double* changing_reals(std::size_t count);
+  int* marks(std::size_t count);
+  char** names(std::size_t count);
+  template <class T>
+  T* out(std::size_t count) {
+    return chance(4) ? nullptr : array<T>(count);
+  }
+  template <class T>
+  T* out(int count) {
+    return out<T>(static_cast<std::size_t>(count));
+  }
+  FILE* file() { return chance(20) ? nullptr : file_; }
+  void* anything() { return chance(50) ? nullptr : this; }
+  volatile int* terminate_flag();
+  LpFunction lp_function();
+  ProfileFunction profile_function();
+  MessageFunction message_function();
+
+  /* ---- sizes ---- */
+  std::size_t size(int count) const {
+    return count > 0 && count < 1000000 ? static_cast<std::size_t>(count) : 0;
+  }
+  std::size_t extent(int begin, int end) const {
+    return begin >= 0 && begin <= end && end < 100000 ? static_cast<std::size_t>(end - begin + 1) : 0;
+  }
+  /* Where a matrix with beginnings and counts ends: behind its last vector. */
+  std::size_t counted_end(const int* begin, const int* count, int vectors) const;
+  int small(const char*) { return below(3); }
+  int columns(), rows(), nodes(), arcs(), sets(), indicators(), user_cuts(), lazy_constraints(), starts(),
+      quadratic_rows();
+  int reduced_columns(), reduced_rows();
+
+  /* ---- results ---- */
+  void returned(int code) { code_ = code; }
+  void made(EnvHandle env) { remember(environments_, env, 6); }
+  void made(ConstEnvHandle, EnvHandle child) { remember(environments_, child, 6); }
+  void made(ConstEnvHandle env, ProbHandle lp);
+  void made(ConstEnvHandle env, NetProbHandle net);
+  void made(ConstEnvHandle, ChannelHandle channel) { remember(channels_, channel, 8); }
+  void borrowed(ConstEnvHandle env, const ConstProbHandle* lp);
+
+ private:
+  template <class Handle>
+  struct Owned {
+    ConstEnvHandle env;
+    Handle handle;
+  };
+  int below(int n) { return n <= 1 ? 0 : static_cast<int>(engine_() % static_cast<unsigned>(n)); }
+  bool chance(int percent) { return below(100) < percent; }
+  template <class T>
+  T* array(std::size_t count) {
+    void* const memory = std::malloc(count * sizeof(T));
+    arrays_.push_back(memory);
+    return static_cast<T*>(memory);
+  }
+  char* zero_terminated(const std::string& text);
+  template <class Handle>
+  void remember(std::vector<Handle>& pool, Handle handle, std::size_t most) {
+    if (handle == Handle{}) return;
+    if (pool.size() < most) {
+      pool.push_back(handle);
+    } else {
+      pool[engine_() % pool.size()] = handle;
+    }
+  }
+  /* A handle of the pool, alive or not, or a senseless one. */
+  template <class Handle>
+  Handle senseless();
+  int extreme();
+  int count_of(int (*count)(ConstEnvHandle, ConstProbHandle));
+  void open_environment();
+  void refill();
+  std::string snapshot();
+  bool leaves_problem(const std::string& before);
+
+  std::mt19937 engine_;
+  std::string folder_;
+  FILE* file_ = nullptr;
+  std::vector<void*> arrays_;
+  std::vector<EnvHandle> environments_;
+  std::vector<Owned<ProbHandle>> problems_;
+  std::vector<Owned<NetProbHandle>> networks_;
+  std::vector<ChannelHandle> channels_;
+  std::vector<int> parameters_;
+  std::vector<std::string> trace_;
+  Owned<ProbHandle> lp_{};  // of the call that is being drawn
+  Owned<NetProbHandle> net_{};
+  EnvHandle env_ = nullptr;
+  volatile int flag_ = 0;
+  int code_ = 0, depth_ = 0, deliveries_ = 0;
+  std::uint64_t calls_ = 0, nested_calls_ = 0;
+  bool changes_ = false, quiet_ = false;
+};
+
+extern Caller* the_caller;
+
+}  // namespace tovik::fuzz
