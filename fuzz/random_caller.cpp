@@ -104,6 +104,7 @@ bool Caller::step() {
   const std::uint64_t nested_before = nested_calls_;
   code_ = 0;
   call.call(*this);
+  succeeded_ += code_ == 0;
   if (compares && changes_ && code_ > 0 && nested_calls_ == nested_before && !is_optimizer(call.name))
     holds = leaves_problem(before);
   for (void* memory : arrays_) std::free(memory);
@@ -283,7 +284,7 @@ const char* Caller::text(const std::string& name) {
   };
   if (name == "format") return zero_terminated(pick({"%d %g %s\n", "text\n", "%5d", ""}));
   if (name == "filename") {
-    if (chance(5)) return zero_terminated(pick({"", "/", "/dev/null", "/nowhere/file.lp", "/dev/full"}));
+    if (chance(5)) return zero_terminated(pick({"", "/", "/dev/null", "/nowhere/file.lp"}));
     const std::string base = pick({"a", "b", "c"});
     return zero_terminated(folder_ + '/' + base +
                            pick({".lp", ".mps", ".sav", ".net", ".bas", ".vec", ".sol", ".mst", ".ord",

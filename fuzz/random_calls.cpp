@@ -53,7 +53,7 @@ int main(int count, char** arguments) {
   const auto elapsed = [&] {
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
   };
-  std::uint64_t done = 0;
+  std::uint64_t done = 0, succeeded = 0;
   bool holds = true;
   {
     Caller caller(seed, folder);
@@ -62,14 +62,16 @@ int main(int count, char** arguments) {
       holds = caller.step();
     }
     alarm(0);
+    succeeded = caller.succeeded();
     if (!holds) {
       std::fprintf(stderr, "A call that failed has changed its problem.\n");
       print_trace();
     }
-    the_caller = nullptr;
   }
+  the_caller = nullptr;
   std::filesystem::remove_all(folder);
-  std::fprintf(stderr, "%llu calls, seed %llu\n", static_cast<unsigned long long>(done),
+  std::fprintf(stderr, "%llu calls and what they called, %llu of them without an error, seed %llu\n",
+               static_cast<unsigned long long>(done), static_cast<unsigned long long>(succeeded),
                static_cast<unsigned long long>(seed));
   return holds ? 0 : 1;
 }

@@ -43,6 +43,7 @@ class Caller {
   /* From inside a callback: now and then some calls more. */
   int nested();
   std::string trace() const;
+  std::uint64_t succeeded() const { return succeeded_; }
 
   /* ---- arguments ---- */
   EnvHandle environment();
@@ -157,7 +158,7 @@ class Caller {
   EnvHandle env_ = nullptr;
   volatile int flag_ = 0;
   int code_ = 0, depth_ = 0, deliveries_ = 0;
-  std::uint64_t calls_ = 0, nested_calls_ = 0;
+  std::uint64_t calls_ = 0, nested_calls_ = 0, succeeded_ = 0;
   bool changes_ = false, quiet_ = false;
 };
 

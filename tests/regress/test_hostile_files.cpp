@@ -30,16 +30,16 @@ TEST_F(HostileFiles, WhatIsBehindAnErrorIsNotDecompressed) {
   std::string noise;
   for (unsigned k = 0, x = 1; k < 400000; ++k)
     noise += static_cast<char>('a' + (x = x * 1103515245 + 12345) % 26);
-  for (const char* program : {"gzip", "bzip2"}) {
+  for (const char* program : {"gzip", "bzip2 -1"}) {
     put("whole.lp", "no problem at all\n" + noise);
     put("bad.net", "q\n" + noise);
     for (const char* name : {"whole.lp", "bad.net"}) {
-      run(program + " -c "s + name + " > packed && head -c 200000 packed > short." + name);
+      run(program + " -c "s + name + " > packed && head -c 100000 packed > short." + name);
     }
     EXPECT_EQ(read_file("short.whole.lp", "lp"), 1436) << program << errors();
     EXPECT_EQ(read_file("short.bad.net", "net"), 1537) << program << errors();
     put("good.lp", kModel + ("\\" + noise));
-    run(program + " -c good.lp > packed && head -c 200000 packed > short.good.lp"s);
+    run(program + " -c good.lp > packed && head -c 100000 packed > short.good.lp"s);
     EXPECT_EQ(read_file("short.good.lp", "lp"), 1423) << "what is behind a sound model must be whole";
   }
 }
@@ -92,8 +92,9 @@ TEST_F(HostileFiles, DeeplyNestedElementsAreRefused) {
 /* A name with a zero byte was cut by every text around it, and SAV files with it could not be read. */
 TEST_F(HostileFiles, NamesWithZeroBytesAreRefused) {
   const std::string sound =
-      "NAME          model\nROWS\n N  obj\n L  row 1\nCOLUMNS\n    col 1     obj              1.0   row 1   "
-      "         1.0\nRHS\n    rhs       row 1            4.0\nENDATA\n";
+      "NAME          model\nROWS\n N  obj\n L  row 1\n"
+      "COLUMNS\n    col 1     obj       1.0            row 1     1.0\nRHS\n    rhs       row 1     "
+      "4.0\nENDATA\n";
   ASSERT_EQ(read_text("sound.mps", sound), 0) << errors();
   for (const char* word : {"row 1", "col 1", "model"}) {
     std::string text = sound;
