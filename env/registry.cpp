@@ -28,9 +28,10 @@ constexpr std::uint64_t kLastGeneration = (std::uint64_t{1} << (63 - kGeneration
 static_assert(sizeof(void*) == sizeof(std::uint64_t));
 
 /* Places never move: they lie in blocks, each twice as long as the one before. They are never freed either: an
- * application may close its environments from a destructor of its own at exit. */
-constexpr int kFirstBlockBits = 6;
-constinit std::array<std::atomic<HandlePlace*>, kPlaceBits - kFirstBlockBits + 1> blocks{};
+ * application may close its environments from a destructor of its own at exit. Few need more than the first block. */
+constexpr int kFirstBlockBits = 10;
+constinit std::array<HandlePlace, 1u << kFirstBlockBits> first_block{};
+constinit std::array<std::atomic<HandlePlace*>, kPlaceBits - kFirstBlockBits + 1> blocks{first_block.data()};
 
 constinit std::mutex mutex;  // guards what follows, and all changes
 constinit HandlePlace* free_places = nullptr;

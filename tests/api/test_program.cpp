@@ -320,7 +320,9 @@ TEST_F(Program, ConvertsModels) {
   EXPECT_EQ(unknown.err, "b.xyz: TOVIK Error  1424: Invalid filetype.\n");
   const Result missing = run({"convert", "none.lp", "b.lp"});
   EXPECT_EQ(missing.exit, 7);
-  EXPECT_EQ(missing.err, "none.lp: TOVIK Error  1423: Could not open file 'none.lp' for reading.\n");
+  EXPECT_EQ(missing.err,
+            "none.lp: Warning:  'none.lp' is not read: there is no such file.\n"
+            "none.lp: TOVIK Error  1423: Could not open file 'none.lp' for reading.\n");
   EXPECT_EQ(run({"convert", "a.lp"}).exit, 2);
 }
 

@@ -233,10 +233,6 @@ TEST_F(Write, FilesThatCannotBeWritten) {
   EXPECT_EQ(write("circle.lp"), 1422);
   EXPECT_TRUE(fs::remove(path("circle.lp")));
   EXPECT_EQ(TVKwriteprob(env_, lp_, "/dev/fd/9999", "LP"), 1422);
-  const std::string search = std::getenv("PATH");
-  setenv("PATH", "/nowhere", 1);
-  EXPECT_EQ(write("a.lp.gz"), 1422);
-  setenv("PATH", search.c_str(), 1);
   const int zero = 0;
   const double not_a_number = std::nan(""), two = 2;
   const std::function<int(const double*)> changes[] = {

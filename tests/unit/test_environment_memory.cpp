@@ -106,6 +106,8 @@ TEST(Memory, WorkInsideAnEnvironment) {
   EXPECT_GT(exhaust([&] { return (other = TVKcloneprob(env, lp, &status)) == nullptr ? status : 0; },
                     [&] { TVKfreeprob(env, &other); }),
             2);
+  ASSERT_NE(child = TVKparenv(env, &status), nullptr);  // the list of children keeps its room
+  ASSERT_EQ(TVKfreeparenv(env, &child), 0);
   EXPECT_GT(exhaust([&] { return (child = TVKparenv(env, &status)) == nullptr ? status : 0; },
                     [&] { TVKfreeparenv(env, &child); }),
             10);
