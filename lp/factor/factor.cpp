@@ -68,8 +68,6 @@ struct Factor::Impl {
   Stats stats;
   std::vector<int> head;
   std::int64_t overhead = 0;
-  std::int64_t build_work = 0, update_work = 0;  // ticks
-  std::int64_t builds = 0, updates = 0, refused_updates = 0;
   std::int64_t extra_work_at_build = 0;
   RebuildRule rule;
   RebuildRule rule_at_record;
@@ -92,10 +90,10 @@ int Factor::Impl::build(std::vector<int>& basis) {
   const int deficiency = builder.build(basis, settings, lu);
   head = basis;
   solver.resize();
-  extra_work_at_build = solver.counts().extra_work;
+  extra_work_at_build = solver.counts().update_solve_ticks;
   rule = {builder.work(), lu.l_columns.used + lu.u_columns.used, 0.0, false};
-  build_work += builder.work();
-  ++builds;
+  solver.counts().build_ticks += builder.work();
+  ++solver.counts().builds;
   stats.bump = builder.bump();
   stats.basis_nonzeros = builder.basis_nonzeros();
   stats.l_nonzeros = lu.l_columns.used;
@@ -106,9 +104,10 @@ int Factor::Impl::build(std::vector<int>& basis) {
 
 bool Factor::Impl::update(const SparseVector& column, const SparseVector& row, int r) {
   if (lu.updates >= lu.update_limit) return false;
-  update_work += static_cast<std::int64_t>(3 * column.packed_index.size() + 2 * row.packed_index.size());
+  solver.counts().update_ticks +=
+      static_cast<std::int64_t>(3 * column.packed_index.size() + 2 * row.packed_index.size());
   if (!replace_column(column, row, r, solver.workspace().x, lu)) return false;
-  const double extra = static_cast<double>(solver.counts().extra_work - extra_work_at_build);
+  const double extra = static_cast<double>(solver.counts().update_solve_ticks - extra_work_at_build);
   const double average = (static_cast<double>(rule.build_work + overhead) + extra) / lu.updates;
   if (lu.updates == 1 || average < rule.least_average) {
     rule.least_average = average;
@@ -215,7 +214,8 @@ void Factor::btran(SparseVector& v, double expected_density) {
 
 bool Factor::update(const SparseVector& column, const SparseVector& row, int r) {
   const bool done = impl_->update(column, row, r);
-  ++(done ? impl_->updates : impl_->refused_updates);
+  Counts& counts = impl_->solver.counts();
+  ++(done ? counts.updates : counts.refused_updates);
   return done;
 }
 
@@ -224,7 +224,8 @@ int Factor::updates() const {
 }
 
 std::int64_t Factor::work() const {
-  return impl_->build_work + impl_->solver.counts().work + impl_->update_work;
+  const Counts& counts = impl_->solver.counts();
+  return counts.build_ticks + counts.solve_ticks + counts.update_ticks;
 }
 
 bool Factor::wants_rebuild() const {
@@ -239,7 +240,7 @@ std::shared_ptr<const Factor::Saved> Factor::save() const {
   saved->lu.copy(impl_->lu);
   saved->head = impl_->head;
   saved->rule = impl_->rule;
-  saved->extra_work = impl_->solver.counts().extra_work - impl_->extra_work_at_build;
+  saved->extra_work = impl_->solver.counts().update_solve_ticks - impl_->extra_work_at_build;
   return saved;
 }
 
@@ -247,7 +248,7 @@ void Factor::restore(const Saved& saved) {
   impl_->lu.copy(saved.lu);
   impl_->head = saved.head;
   impl_->rule = saved.rule;
-  impl_->extra_work_at_build = impl_->solver.counts().extra_work - saved.extra_work;
+  impl_->extra_work_at_build = impl_->solver.counts().update_solve_ticks - saved.extra_work;
   impl_->solver.resize();
 }
 
@@ -267,33 +268,8 @@ const Stats& Factor::stats() const {
   return impl_->stats;
 }
 
-Counts Factor::counts() const {
-  const SolveCounts& solves = impl_->solver.counts();
-  Counts counts;
-  counts.builds = impl_->builds;
-  counts.updates = impl_->updates;
-  counts.refused_updates = impl_->refused_updates;
-  counts.sparse_sweeps = solves.sparse_sweeps;
-  counts.plain_sweeps = solves.plain_sweeps;
-  counts.switched_sweeps = solves.switched_sweeps;
-  counts.joint_solves = solves.joint_solves;
-  counts.build_ticks = impl_->build_work;
-  counts.solve_ticks = solves.work;
-  counts.update_ticks = impl_->update_work;
-  return counts;
-}
-
-void Counts::add(const Counts& other, std::int64_t sign) {
-  builds += sign * other.builds;
-  updates += sign * other.updates;
-  refused_updates += sign * other.refused_updates;
-  sparse_sweeps += sign * other.sparse_sweeps;
-  plain_sweeps += sign * other.plain_sweeps;
-  switched_sweeps += sign * other.switched_sweeps;
-  joint_solves += sign * other.joint_solves;
-  build_ticks += sign * other.build_ticks;
-  solve_ticks += sign * other.solve_ticks;
-  update_ticks += sign * other.update_ticks;
+const Counts& Factor::counts() const {
+  return impl_->solver.counts();
 }
 
 void Factor::force_mode(SolveMode mode) {

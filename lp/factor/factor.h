@@ -48,9 +48,30 @@ struct Counts {
                switched_sweeps = 0;  // switched: from sparse to plain half-way
   std::int64_t joint_solves = 0;
   std::int64_t build_ticks = 0, solve_ticks = 0, update_ticks = 0;
+  std::int64_t update_solve_ticks = 0;  // share of solve_ticks caused by updates since the build
 
-  /* Adds `sign` times each count of the other. */
-  void add(const Counts& other, std::int64_t sign = 1);
+  void add(const Counts& other) {
+    each(other, [](std::int64_t& sum, std::int64_t count) { sum += count; });
+  }
+  void subtract(const Counts& other) {
+    each(other, [](std::int64_t& rest, std::int64_t count) { rest -= count; });
+  }
+
+ private:
+  template <class Combine>
+  void each(const Counts& other, Combine combine) {
+    combine(builds, other.builds);
+    combine(updates, other.updates);
+    combine(refused_updates, other.refused_updates);
+    combine(sparse_sweeps, other.sparse_sweeps);
+    combine(plain_sweeps, other.plain_sweeps);
+    combine(switched_sweeps, other.switched_sweeps);
+    combine(joint_solves, other.joint_solves);
+    combine(build_ticks, other.build_ticks);
+    combine(solve_ticks, other.solve_ticks);
+    combine(update_ticks, other.update_ticks);
+    combine(update_solve_ticks, other.update_solve_ticks);
+  }
 };
 
 /* How triangular solves run: chosen by density, or always one way (for tests). */
@@ -113,7 +134,7 @@ class Factor {
   std::int64_t work() const;   // ticks so far: entries touched in builds, solves and updates
   bool wants_rebuild() const;  // update file or memory has grown past what pays
   const Stats& stats() const;
-  Counts counts() const;
+  const Counts& counts() const;
 
  private:
   struct Impl;

@@ -129,7 +129,7 @@ void store(const double* x, const std::vector<int>& slot_of, int lanes, SparseVe
 }  // namespace
 
 template <int kLanes>
-void JointSolver::solve(std::span<SparseVector* const> vectors, SolveCounts& counts) {
+void JointSolver::solve(std::span<SparseVector* const> vectors, Counts& counts) {
   const size_t wanted = static_cast<size_t>(kLanes) * (lu_.rows + lu_.update_limit);
   if (x_.size() < wanted) x_.assign(wanted, 0.0);
   auto* const x = reinterpret_cast<Lanes<kLanes>*>(x_.data());
@@ -147,12 +147,12 @@ void JointSolver::solve(std::span<SparseVector* const> vectors, SolveCounts& cou
   std::fill_n(x_.begin(), static_cast<size_t>(kLanes) * lu_.slots(), 0.0);
   const auto lanes = static_cast<std::int64_t>(vectors.size());
   const std::int64_t eta_entries = lu_.etas.file.used + lu_.updates;
-  counts.work += lanes * (touched + eta_entries + lu_.rows);
-  counts.extra_work += lanes * eta_entries;
+  counts.solve_ticks += lanes * (touched + eta_entries + lu_.rows);
+  counts.update_solve_ticks += lanes * eta_entries;
   counts.joint_solves += lanes;
 }
 
-void JointSolver::ftran(std::span<SparseVector* const> vectors, SolveCounts& counts) {
+void JointSolver::ftran(std::span<SparseVector* const> vectors, Counts& counts) {
   if (vectors.size() <= 2) {
     solve<2>(vectors, counts);
   } else {

@@ -23,11 +23,11 @@ class JointSolver {
   explicit JointSolver(const Lu& lu) : lu_(lu) {}
   /* Overwrites each of `vectors` (kMost at most) with its solution; packs the spike of those that ask for it.
    */
-  void ftran(std::span<SparseVector* const> vectors, SolveCounts& counts);
+  void ftran(std::span<SparseVector* const> vectors, Counts& counts);
 
  private:
   template <int kLanes>
-  void solve(std::span<SparseVector* const> vectors, SolveCounts& counts);
+  void solve(std::span<SparseVector* const> vectors, Counts& counts);
 
   const Lu& lu_;
   std::vector<double> x_;  // by slot, kLanes values each

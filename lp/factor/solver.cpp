@@ -127,7 +127,7 @@ void Solver::sweep(const Lines& lines, int first, int end, bool plain) {
     visited += std::abs(last - from) / 4;
   }
   work_.count = found;
-  counts_.work += touched + 2 * visited;
+  counts_.solve_ticks += touched + 2 * visited;
   ++(started_plain ? counts_.plain_sweeps : plain ? counts_.switched_sweeps : counts_.sparse_sweeps);
 }
 
@@ -143,10 +143,10 @@ void Solver::load(SparseVector& v, const std::vector<int>& slot_of) {
   };
   if (v.count < 0) {
     for (int i = 0; i < lu_.rows; ++i) take(i);
-    counts_.work += lu_.rows / 2;
+    counts_.solve_ticks += lu_.rows / 2;
   } else {
     for (int k = 0; k < v.count; ++k) take(v.index[k]);
-    counts_.work += v.count;
+    counts_.solve_ticks += v.count;
   }
   work_.count = count;
 }
@@ -172,7 +172,7 @@ void Solver::store(SparseVector& v, const std::vector<int>& slot_of) {
     }
   }
   v.count = count;
-  counts_.work += work_.count;
+  counts_.solve_ticks += work_.count;
   work_.count = 0;
 }
 
@@ -204,8 +204,8 @@ void Solver::ftran_etas_by_rows() {
     x[lu_.rows + update] = value;
     work_.list[work_.count++] = lu_.rows + update;
   }
-  counts_.work += etas.file.used + lu_.updates;
-  counts_.extra_work += etas.file.used + lu_.updates;
+  counts_.solve_ticks += etas.file.used + lu_.updates;
+  counts_.update_solve_ticks += etas.file.used + lu_.updates;
 }
 
 /* Passes each nonzero on through the chain of its entries; slots of updates are visited in order. */
@@ -241,8 +241,8 @@ void Solver::ftran_etas_by_columns() {
     }
   }
   work_.count = kept;
-  counts_.work += touched;
-  counts_.extra_work += touched;
+  counts_.solve_ticks += touched;
+  counts_.update_solve_ticks += touched;
 }
 
 void Solver::ftran_etas() {
@@ -281,8 +281,8 @@ void Solver::btran_etas() {
     if (work_.list[k] < lu_.rows) work_.list[kept++] = work_.list[k];
   }
   work_.count = kept;
-  counts_.work += touched;
-  counts_.extra_work += touched;
+  counts_.solve_ticks += touched;
+  counts_.update_solve_ticks += touched;
 }
 
 void Solver::ftran(SparseVector& v, double expected_density) {

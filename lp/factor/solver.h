@@ -17,12 +17,6 @@
 
 namespace tovik::lp::factor {
 
-struct SolveCounts {
-  std::int64_t work = 0;        // entries and slots touched
-  std::int64_t extra_work = 0;  // share of it caused by updates since the build
-  std::int64_t sparse_sweeps = 0, plain_sweeps = 0, switched_sweeps = 0, joint_solves = 0;  // as in Counts
-};
-
 class Solver {
  public:
   explicit Solver(const Lu& lu) : lu_(lu) {}
@@ -33,8 +27,9 @@ class Solver {
   void btran(SparseVector& v, double expected_density);
 
   Workspace& workspace() { return work_; }
-  const SolveCounts& counts() const { return counts_; }
-  SolveCounts& counts() { return counts_; }
+  /* Of the whole factor; those of solves are counted here. */
+  const Counts& counts() const { return counts_; }
+  Counts& counts() { return counts_; }
 
  private:
   void load(SparseVector& v, const std::vector<int>& slot_of);
@@ -50,7 +45,7 @@ class Solver {
 
   const Lu& lu_;
   Workspace work_;
-  SolveCounts counts_;
+  Counts counts_;
   SolveMode forced_ = SolveMode::automatic;
 };
 

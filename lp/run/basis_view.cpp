@@ -4,6 +4,7 @@
 
 #include "include/tovik.h"
 #include "lp/binding/engine_control.h"
+#include "lp/binding/engine_options.h"
 #include "model/store/model.h"
 
 namespace tovik::lp::run {
@@ -17,7 +18,7 @@ Status BasisView::open(Environment& env, Problem& problem) {
     return Status(TVK_ERROR_BASIS_SINGULAR);
   EngineGuard guard(problem);
   EngineControl control(env, problem, CalledFrom::simplex);
-  const Status status = warm_simplex(env, problem, control, nullptr, &warm_);
+  const Status status = warm_simplex(env, problem, {engine_options(env), control}, &warm_);
   if (!status.ok()) {
     guard.commit();
     return status;

@@ -45,11 +45,11 @@ class PresolvedRun {
   Status run() {
     if (record_ == nullptr && !make_record()) return solve_original();
     const presolve::Reduction& reduction = record_->reduction;
-    continuation_.before.presolve = statistics_of(*record_);
+    before_.presolve = statistics_of(*record_);
     if (record_->conclusion == Conclusion::infeasible) return store_infeasible();
     if (!reduction.changed && reduction.stop == Stop::none) {
       own_record_.reset();
-      return run_simplex(env_, problem_, algorithm_, continuation_);
+      return run_simplex(env_, problem_, algorithm_, {.before = &before_});
     }
     const Outcome outcome = solve_reduced();
     switch (outcome) {
@@ -108,7 +108,7 @@ class PresolvedRun {
     } else {
       optimizer->evaluate_start();
     }
-    continuation_.before.simplex = optimizer->statistics();
+    before_.simplex = optimizer->statistics();
     if (keeps_optimizer(outcome)) {
       record_->optimizer_changes.start(reduction.row_map.size(), reduction.column_map.size());
       answer_ = optimizer->answer();
@@ -162,8 +162,8 @@ class PresolvedRun {
     const RunContext context{env_, problem_, algorithm, control, nullptr};
     const std::unique_ptr<Optimizer> optimizer = make_optimizer(form.lp, context);
     const Outcome outcome = optimizer->optimize(context);
-    continuation_.before.simplex = optimizer->statistics();
-    continuation_.before.presolve->dual_form = true;
+    before_.simplex = optimizer->statistics();
+    before_.presolve->dual_form = true;
     const Answer dual = optimizer->release_answer();
     answer_ = Answer{};
     answer_.method = algorithm_.method;
@@ -229,9 +229,9 @@ class PresolvedRun {
   /* The answer stands; the problem's own engine is made when something asks for it. */
   Status finish(int status) {
     forget_earlier_basis();
-    store_answer(problem_, answer_, continuation_.before.simplex.counters);
+    store_answer(problem_, answer_, before_.simplex.counters);
     problem_.status = status;
-    statistics_ = continuation_.before;
+    statistics_ = before_;
     return {};
   }
 
@@ -258,9 +258,8 @@ class PresolvedRun {
     forget_earlier_basis();
     optimizer_.reset();  // the next basis to start from will not be where it stands
     own_record_.reset();
-    store_answer(problem_, answer_, continuation_.before.simplex.counters);
-    continuation_.from_basis = true;
-    return run_simplex(env_, problem_, {method, algorithm_.sift}, continuation_);
+    store_answer(problem_, answer_, before_.simplex.counters);
+    return run_simplex(env_, problem_, {method, algorithm_.sift}, {.from_basis = true, .before = &before_});
   }
 
   /* Presolve did not help: it is gone with what it left. */
@@ -268,7 +267,7 @@ class PresolvedRun {
     optimizer_.reset();
     own_record_.reset();
     problem_.presolve.reset();
-    return run_simplex(env_, problem_, algorithm_, continuation_);
+    return run_simplex(env_, problem_, algorithm_, {.before = &before_});
   }
 
   /* Stored norms and the problem's own engine belong to the basis before. */
@@ -282,7 +281,7 @@ class PresolvedRun {
   const Algorithm algorithm_;
   const simplex::Options options_;
   OptimizationStatistics& statistics_;  // the problem's, stored when all is done
-  Continuation continuation_;
+  OptimizationStatistics before_;       // of presolve and the reduced problem
   std::unique_ptr<Presolved> own_record_;
   Presolved* record_;                     // the one that the problem keeps, or own_record_
   std::unique_ptr<Optimizer> optimizer_;  // to be kept with the record

@@ -69,7 +69,7 @@ Outcome SimplexOptimizer::optimize(const RunContext& context) {
   engine_.set_control(context.control, context.observer);
   engine_.set_options(options_of(context.env, context.algorithm));
   set_objective_limits(context.env, context.problem, engine_);
-  engine_.set_counters({});
+  engine_.begin_count();
   if (context.env.callbacks.lp != nullptr) engine_.invalidate();  // it is called by the algorithms
   const Outcome outcome = engine_.solve(context.algorithm.method);
   engine_.detach();

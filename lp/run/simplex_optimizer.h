@@ -19,7 +19,11 @@ class SimplexOptimizer final : public Optimizer {
   void evaluate_start() override { engine_.extract(); }
   const Answer& answer() const override { return engine_.answer(); }
   Answer release_answer() override { return engine_.release_answer(); }
-  simplex::Statistics statistics() const override { return engine_.statistics(); }
+  simplex::Statistics statistics() const override {
+    simplex::Statistics counted;
+    engine_.write_statistics(counted);
+    return counted;
+  }
 
  private:
   simplex::Relaxation engine_;

@@ -184,6 +184,22 @@ void store_answer(Problem& problem, simplex::Solver& solver) {
   solver.answer_taken();
 }
 
+namespace {
+
+/* Those of the engine, and of what was done before it. */
+void write_statistics(const simplex::Solver& solver, const OptimizationStatistics* before,
+                      OptimizationStatistics& statistics) {
+  solver.write_statistics(statistics.simplex);
+  if (before == nullptr) {
+    statistics.presolve.reset();
+  } else {
+    statistics.presolve = before->presolve;
+    statistics.simplex.work.add(before->simplex.work);
+  }
+}
+
+}  // namespace
+
 Status run_simplex(Environment& env, Problem& problem, const Algorithm& algorithm,
                    const Continuation& continuation) {
   OptimizationStatistics& statistics = statistics_of(problem);
@@ -191,12 +207,12 @@ Status run_simplex(Environment& env, Problem& problem, const Algorithm& algorith
   EngineControl control(env, problem, CalledFrom::simplex);
   IterationLog log(env, problem, env.settings.integer(TVK_PARAM_SIMDISPLAY));
   WarmSimplex* engine = nullptr;
-  if (const Status status = warm_simplex(env, problem, control, &log, &engine); !status.ok()) {
+  if (const Status status = warm_simplex(env, problem, {options_of(env, algorithm), control, &log}, &engine);
+      !status.ok()) {
     guard.commit();
     return status;
   }
   WarmSimplex& warm = *engine;
-  warm.solver.set_options(options_of(env, algorithm));
   if (continuation.from_basis) {
     install_basis(problem, warm);
   } else {
@@ -204,13 +220,15 @@ Status run_simplex(Environment& env, Problem& problem, const Algorithm& algorith
   }
   warm.start_installed = false;  // until this run has ended in order
   set_objective_limits(env, problem, warm.solver);
-  warm.solver.set_counters(continuation.before.simplex.counters);
+  if (continuation.before != nullptr) {
+    warm.solver.continue_count(continuation.before->simplex.counters);
+  } else {
+    warm.solver.begin_count();
+  }
   if (env.callbacks.lp != nullptr) warm.solver.invalidate();  // it is called by the algorithms
   const Outcome outcome = warm.solver.solve(algorithm.method);
   warm.solver.detach();
-  statistics.presolve = continuation.before.presolve;
-  statistics.simplex = warm.solver.statistics();
-  if (statistics.presolve) statistics.simplex.work.add(continuation.before.simplex.work);
+  write_statistics(warm.solver, continuation.before, statistics);
   if (outcome == Outcome::singular) return Status(TVK_ERROR_BASIS_SINGULAR);
   const int status = status_code(outcome, warm.solver.answer().unscaled_infeasible);
   store_answer(problem, warm.solver);

@@ -10,8 +10,8 @@ namespace tovik::lp::run {
 
 /* Where a run begins. */
 struct Continuation {
-  bool from_basis = false;        // at the problem's starting basis, whatever TVK_PARAM_ADVIND says
-  OptimizationStatistics before;  // what was done before in the same optimization
+  bool from_basis = false;  // at the problem's starting basis, whatever TVK_PARAM_ADVIND says
+  const OptimizationStatistics* before = nullptr;  // of what was done before in the same optimization
 };
 
 /* Runs dual or primal simplex; leaves status, solution arrays and starting basis in the problem. */

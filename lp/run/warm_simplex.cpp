@@ -127,22 +127,21 @@ Status check_data(Environment& env, const Problem& problem) {
 
 }  // namespace
 
-Status warm_simplex(Environment& env, Problem& problem, Control& control, simplex::Observer* observer,
-                    WarmSimplex** engine) {
+Status warm_simplex(Environment& env, Problem& problem, const EngineSetup& setup, WarmSimplex** engine) {
   if (const Status finite = check_data(env, problem); !finite.ok()) return finite;
-  const simplex::Options options = engine_options(env);
   auto* warm = static_cast<WarmSimplex*>(problem.simplex.get());
   if (warm != nullptr &&
-      (warm->solver.options().scaling != options.scaling || !synchronize_structure(problem, *warm))) {
+      (warm->solver.options().scaling != setup.options.scaling || !synchronize_structure(problem, *warm))) {
     problem.simplex.reset();
     warm = nullptr;
   }
   if (warm != nullptr) {
-    warm->solver.set_control(control, observer);
-    warm->solver.set_options(options);
+    warm->solver.set_control(setup.control, setup.observer);
+    warm->solver.set_options(setup.options);
     synchronize_model_values(problem, *warm);
   } else {
-    problem.simplex = std::make_unique<WarmSimplex>(build_lp(*problem.model), options, control, observer);
+    problem.simplex =
+        std::make_unique<WarmSimplex>(build_lp(*problem.model), setup.options, setup.control, setup.observer);
     problem.journal.start(problem.rows(), problem.columns());
     warm = static_cast<WarmSimplex*>(problem.simplex.get());
   }

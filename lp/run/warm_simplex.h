@@ -39,11 +39,17 @@ class EngineGuard {
   bool committed_ = false;
 };
 
+/* What an engine works with in one call. */
+struct EngineSetup {
+  const simplex::Options& options;
+  Control& control;
+  simplex::Observer* observer = nullptr;
+};
+
 /* The engine of a problem, made or brought up to date with the model: the only door to it, so no engine ever
  * holds data that are not numbers (1225 or 1233; no more is looked at than has changed, and the engine stays
  * as it was). Its basis is not looked at: see install_start() and install_basis(). */
-Status warm_simplex(Environment& env, Problem& problem, Control& control, simplex::Observer* observer,
-                    WarmSimplex** engine);
+Status warm_simplex(Environment& env, Problem& problem, const EngineSetup& setup, WarmSimplex** engine);
 /* As TVK_PARAM_ADVIND says: the starting basis, or the slack basis. */
 void install_start(Environment& env, Problem& problem, WarmSimplex& warm);
 /* The starting basis, which the problem must hold, where the engine does not stand on it. */

@@ -97,8 +97,13 @@ void Solver::set_objective_limits(double lower, double upper) {
   options_.objective_upper = upper;
 }
 
-void Solver::set_counters(const Counters& counters) {
-  core_->counters = counters;
+void Solver::begin_count() {
+  core_->counters = {};
+  work_before_ = work_so_far();
+}
+
+void Solver::continue_count(const Counters& before) {
+  core_->counters = before;
   work_before_ = work_so_far();
 }
 
@@ -106,16 +111,15 @@ Work Solver::work_so_far() const {
   return {core_->factor.counts(), core_->work_done, sifting_ticks_};
 }
 
-Statistics Solver::statistics() const {
+void Solver::write_statistics(Statistics& out) const {
   const Core& core = *core_;
-  Statistics found;
-  found.counters = core.counters;
-  found.work = work_so_far();
-  found.work.add(work_before_, -1);
-  found.factor = core.factor.stats();
-  found.densities = {core.column_density.value(), core.row_ep_density.value(), core.row_ap_density.value(),
-                     core.dse_density.value(), core.flip_density.value()};
-  return found;
+  out.counters = core.counters;
+  Work work = work_so_far();
+  work.subtract(work_before_);
+  out.work = work;
+  out.factor = core.factor.stats();
+  out.densities = {core.column_density.value(), core.row_ep_density.value(), core.row_ap_density.value(),
+                   core.dse_density.value(), core.flip_density.value()};
 }
 
 void Solver::change_offset(double offset) {

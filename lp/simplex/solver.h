@@ -84,10 +84,11 @@ class Solver {
     return dual_ != nullptr ? dual_->norms().view() : carried_norms_.view();
   }
   const Counters& counters() const { return core_->counters; }
-  /* From here on counts are of a new optimization, or go on from these. */
-  void set_counters(const Counters& counters);
-  /* Since set_counters(). */
-  Statistics statistics() const;
+  /* From here on counts are of a new optimization, or go on from those of another engine. */
+  void begin_count();
+  void continue_count(const Counters& before);
+  /* What has been counted since: in place, for it is done after each optimization. */
+  void write_statistics(Statistics& out) const;
   void invalidate() { reoptimization_.forget(); }  // the next solve must run its algorithm
 
   const UserSpace& user() const { return user_; }
@@ -158,7 +159,7 @@ class Solver {
   bool in_step_ = false;           // the start of this solve: values and duals have followed the changes
   bool known_infeasible_ = false;  // the start of this solve, by the look at the changes
   std::int64_t sifting_ticks_ = 0;
-  Work work_before_;  // until set_counters()
+  Work work_before_;  // when the count began
 };
 
 }  // namespace tovik::lp::simplex

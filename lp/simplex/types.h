@@ -61,7 +61,7 @@ struct AlgorithmCounters {
   std::int64_t weight_resets = 0;       // pricing weights begun anew
 };
 
-/* Of one optimization; of a search since set_counters(). */
+/* Of one optimization; of a search since begin_count(). */
 struct Counters {
   std::int64_t iterations = 0;  // of all algorithms, those on sifting's working problems too
   AlgorithmCounters dual, primal;
