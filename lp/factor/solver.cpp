@@ -45,6 +45,74 @@ double dot(const int* index, const double* value, int length, const double* x) {
   return (sum0 + sum1) + (sum2 + sum3);
 }
 
+/* One pass through a triangle. The list is of slots with a value: those outside first, then those visited. */
+template <bool kUp, class Lines>
+struct Sweep {
+  static constexpr int kStep = kUp ? 1 : -1;
+
+  const Lines& lines;
+  double* x;
+  int* list;
+  std::int64_t touched = 0;
+  int found = 0;
+  int visited = 0;
+
+  /* Slots that the triangle does not have stay listed; the others are to be visited. */
+  void pass_outside(Workspace& work, int first, int end, bool plain) {
+    for (int k = 0; k < work.count; ++k) {
+      const int slot = list[k];
+      if (slot < first || slot >= end) {
+        list[found++] = slot;
+      } else if (!plain) {
+        work.pending.insert(slot);
+      }
+    }
+  }
+
+  /* The slot's value is final, and its line carries it to others, each of which `reach` is told. False when there
+   * was none to speak of. */
+  template <class Reach>
+  bool eliminate(int slot, Reach reach) {
+    const auto& line = lines.line[slot];
+    const double value = Lines::scaled(line, x[slot]);
+    if (std::fabs(value) < kTiny) {
+      x[slot] = 0.0;
+      return false;
+    }
+    x[slot] = value;
+    list[found++] = slot;
+    const int stop = line.start + line.length;
+    for (int k = line.start; k < stop; ++k) {
+      const int target = lines.index[k];
+      x[target] -= lines.value[k] * value;
+      reach(target);
+    }
+    touched += line.length;
+    return true;
+  }
+
+  /* Sparse, until none is pending. True when there were more than pay: `slot` is then where to go on plain. */
+  bool visit_pending(SlotSet& pending, int limit, int& slot) {
+    for (;; slot += kStep) {
+      slot = kUp ? pending.take_first(slot) : pending.take_last(slot);
+      if (slot < 0) return false;
+      ++visited;
+      if (!eliminate(slot, [&](int target) { pending.insert(target); }) || visited <= limit) continue;
+      pending.clear();
+      slot += kStep;
+      return true;
+    }
+  }
+
+  /* Plain. */
+  void visit_all(int slot, int last) {
+    visited += std::abs(last - slot) / 4;
+    for (; slot != last; slot += kStep) {
+      if (x[slot] != 0.0) eliminate(slot, [](int) {});
+    }
+  }
+};
+
 }  // namespace
 
 void Solver::resize() {
@@ -61,73 +129,17 @@ bool Solver::start_plain(double expected_density) const {
  * through. */
 template <bool kUp, class Lines>
 void Solver::sweep(const Lines& lines, int first, int end, bool plain) {
-  double* x = work_.x.data();
-  int* list = work_.list.data();
-  std::int64_t touched = 0;
-  int found = 0;
-  int visited = 0;
-  for (int k = 0; k < work_.count; ++k) {
-    const int slot = list[k];
-    if (slot < first || slot >= end) {
-      list[found++] = slot;
-    } else if (!plain) {
-      work_.pending.insert(slot);
-    }
-  }
-  constexpr int step = kUp ? 1 : -1;
+  Sweep<kUp, Lines> sweep{lines, work_.x.data(), work_.list.data()};
+  sweep.pass_outside(work_, first, end, plain);
   const bool started_plain = plain;
   int slot = kUp ? first : end - 1;
   if (!plain) {
     const double share = forced_ == SolveMode::sparse ? 1.0 : kPlainSwitch;
-    const int limit = static_cast<int>(share * lu_.rows) + 1;
-    for (;; slot += step) {
-      slot = kUp ? work_.pending.take_first(slot) : work_.pending.take_last(slot);
-      if (slot < 0) break;
-      ++visited;
-      const auto& line = lines.line[slot];
-      const double value = Lines::scaled(line, x[slot]);
-      if (std::fabs(value) < kTiny) {
-        x[slot] = 0.0;
-        continue;
-      }
-      x[slot] = value;
-      list[found++] = slot;
-      const int stop = line.start + line.length;
-      for (int k = line.start; k < stop; ++k) {
-        const int target = lines.index[k];
-        x[target] -= lines.value[k] * value;
-        work_.pending.insert(target);
-      }
-      touched += line.length;
-      if (visited > limit) {
-        work_.pending.clear();
-        slot += step;
-        plain = true;
-        break;
-      }
-    }
+    plain = sweep.visit_pending(work_.pending, static_cast<int>(share * lu_.rows) + 1, slot);
   }
-  if (plain) {
-    const int last = kUp ? end : first - 1;
-    const int from = slot;
-    for (; slot != last; slot += step) {
-      if (x[slot] == 0.0) continue;
-      const auto& line = lines.line[slot];
-      const double value = Lines::scaled(line, x[slot]);
-      if (std::fabs(value) < kTiny) {
-        x[slot] = 0.0;
-        continue;
-      }
-      x[slot] = value;
-      list[found++] = slot;
-      const int stop = line.start + line.length;
-      for (int k = line.start; k < stop; ++k) x[lines.index[k]] -= lines.value[k] * value;
-      touched += line.length;
-    }
-    visited += std::abs(last - from) / 4;
-  }
-  work_.count = found;
-  counts_.solve_ticks += touched + 2 * visited;
+  if (plain) sweep.visit_all(slot, kUp ? end : first - 1);
+  work_.count = sweep.found;
+  counts_.solve_ticks += sweep.touched + 2 * sweep.visited;
   ++(started_plain ? counts_.plain_sweeps : plain ? counts_.switched_sweeps : counts_.sparse_sweeps);
 }
 

@@ -50,83 +50,128 @@ struct Activities {
   }
 };
 
+/* The search for bounds: sweeps over the columns that lack one. */
+class Search {
+ public:
+  Search(const Core& core, ImpliedBounds& result)
+      : core_(core),
+        matrix_(core.matrix()),
+        lower_(result.lower),
+        upper_(result.upper),
+        found_(result.found),
+        activity_(core.m()),
+        made_lower_(static_cast<size_t>(core.n()), 0),
+        made_upper_(made_lower_) {
+    for (int j = 0; j < core.n(); ++j) {
+      for (int k = matrix_.start[j]; k < matrix_.start[j + 1]; ++k)
+        activity_.add(matrix_.index[k], matrix_.value[k], lower_[j], upper_[j]);
+    }
+  }
+
+  /* Whether a bound was found or moved. */
+  bool sweep() {
+    bool changed = false;
+    for (int j = 0; j < core_.n(); ++j) {
+      if (lower_[j] != -kInf && upper_[j] != kInf && !made_lower_[j] && !made_upper_[j]) continue;
+      const Interval implied = implied_by_rows(j);
+      if (improves_upper(j, implied)) {
+        move(j, implied.high, true);
+        changed = true;
+      }
+      if (improves_lower(j, implied)) {
+        move(j, implied.low, false);
+        changed = true;
+      }
+    }
+    return changed;
+  }
+
+  /* Keeps the bounds that were made away from the implied values. */
+  void loosen() {
+    for (int j = 0; j < core_.n(); ++j) {
+      if (made_upper_[j]) upper_[j] += kLoosen * (1.0 + std::fabs(upper_[j]));
+      if (made_lower_[j]) lower_[j] -= kLoosen * (1.0 + std::fabs(lower_[j]));
+    }
+  }
+
+ private:
+  struct Interval {
+    double low = -kInf, high = kInf;
+
+    /* x <= bound where the entry is positive, else x >= bound. */
+    void cut(bool from_above, double bound) {
+      if (from_above) {
+        high = std::min(high, bound);
+      } else {
+        low = std::max(low, bound);
+      }
+    }
+  };
+
+  /* Each row: a x_j <= its upper side - (smallest activity of the others), a x_j >= its lower side - (largest of
+   * the others). */
+  Interval implied_by_rows(int j) const {
+    Interval implied;
+    for (int k = matrix_.start[j]; k < matrix_.start[j + 1]; ++k) {
+      const int i = matrix_.index[k];
+      const double a = matrix_.value[k];
+      if (std::fabs(a) < kSmallEntry) continue;
+      const double row_lower = -core_.model.upper(core_.n() + i);
+      const double row_upper = -core_.model.lower(core_.n() + i);
+      const double own_low = a > 0 ? lower_[j] : upper_[j];
+      const double own_high = a > 0 ? upper_[j] : lower_[j];
+      const bool own_low_infinite = std::isinf(own_low);
+      const bool own_high_infinite = std::isinf(own_high);
+      if (row_upper < kInf && activity_.low_infinite[i] == (own_low_infinite ? 1 : 0)) {
+        const double rest = activity_.low[i] - (own_low_infinite ? 0.0 : a * own_low);
+        implied.cut(a > 0, (row_upper - rest) / a);
+      }
+      if (row_lower > -kInf && activity_.high_infinite[i] == (own_high_infinite ? 1 : 0)) {
+        const double rest = activity_.high[i] - (own_high_infinite ? 0.0 : a * own_high);
+        implied.cut(a < 0, (row_lower - rest) / a);
+      }
+    }
+    return implied;
+  }
+
+  /* A bound that was given stays; one that was made moves when it gains enough. */
+  bool improves_upper(int j, const Interval& implied) const {
+    const double upper = upper_[j], high = implied.high;
+    return (upper == kInf || (made_upper_[j] && high < upper - kBetter * (1.0 + std::fabs(upper)))) &&
+           std::fabs(high) < kLargest && high > std::max(lower_[j], implied.low);
+  }
+  bool improves_lower(int j, const Interval& implied) const {
+    const double lower = lower_[j], low = implied.low;
+    return (lower == -kInf || (made_lower_[j] && low > lower + kBetter * (1.0 + std::fabs(lower)))) &&
+           std::fabs(low) < kLargest && low < std::min(upper_[j], implied.high);
+  }
+
+  void move(int j, double bound, bool is_upper) {
+    double& old = is_upper ? upper_[j] : lower_[j];
+    for (int k = matrix_.start[j]; k < matrix_.start[j + 1]; ++k)
+      activity_.change(matrix_.index[k], matrix_.value[k], old, bound, is_upper);
+    if (std::isinf(old)) ++found_;
+    old = bound;
+    (is_upper ? made_upper_ : made_lower_)[j] = 1;
+  }
+
+  const Core& core_;
+  const Matrix& matrix_;
+  std::vector<double>& lower_;
+  std::vector<double>& upper_;
+  int& found_;
+  Activities activity_;
+  std::vector<char> made_lower_, made_upper_;
+};
+
 }  // namespace
 
 ImpliedBounds imply_bounds(const Core& core) {
   ImpliedBounds result{core.model.lower(), core.model.upper(), 0};
-  const Matrix& matrix = core.matrix();
-  std::vector<double>& lower = result.lower;
-  std::vector<double>& upper = result.upper;
-  Activities activity(core.m());
-  for (int j = 0; j < core.n(); ++j) {
-    for (int k = matrix.start[j]; k < matrix.start[j + 1]; ++k)
-      activity.add(matrix.index[k], matrix.value[k], lower[j], upper[j]);
-  }
-  std::vector<char> made_lower(static_cast<size_t>(core.n()), 0), made_upper(made_lower);
-  int changes = 0;
-  const auto move = [&](int j, double bound, bool is_upper) {
-    double& old = is_upper ? upper[j] : lower[j];
-    for (int k = matrix.start[j]; k < matrix.start[j + 1]; ++k) {
-      activity.change(matrix.index[k], matrix.value[k], old, bound, is_upper);
-    }
-    if (std::isinf(old)) ++result.found;
-    old = bound;
-    ++changes;
-  };
-  for (int sweep = 0; sweep < kSweeps; ++sweep) {
-    changes = 0;
-    for (int j = 0; j < core.n(); ++j) {
-      if (lower[j] != -kInf && upper[j] != kInf && !made_lower[j] && !made_upper[j]) continue;
-      double high = kInf;
-      double low = -kInf;
-      for (int k = matrix.start[j]; k < matrix.start[j + 1]; ++k) {
-        const int i = matrix.index[k];
-        const double a = matrix.value[k];
-        if (std::fabs(a) < kSmallEntry) continue;
-        const double row_lower = -core.model.upper(core.n() + i);
-        const double row_upper = -core.model.lower(core.n() + i);
-        // a x_j <= row_upper - (smallest activity of the others), a x_j >= row_lower - (largest of the
-        // others)
-        const double own_low = a > 0 ? lower[j] : upper[j];
-        const double own_high = a > 0 ? upper[j] : lower[j];
-        const bool own_low_infinite = std::isinf(own_low);
-        const bool own_high_infinite = std::isinf(own_high);
-        if (row_upper < kInf && activity.low_infinite[i] == (own_low_infinite ? 1 : 0)) {
-          const double rest = activity.low[i] - (own_low_infinite ? 0.0 : a * own_low);
-          const double bound = (row_upper - rest) / a;
-          if (a > 0) {
-            high = std::min(high, bound);
-          } else {
-            low = std::max(low, bound);
-          }
-        }
-        if (row_lower > -kInf && activity.high_infinite[i] == (own_high_infinite ? 1 : 0)) {
-          const double rest = activity.high[i] - (own_high_infinite ? 0.0 : a * own_high);
-          const double bound = (row_lower - rest) / a;
-          if (a > 0) {
-            low = std::max(low, bound);
-          } else {
-            high = std::min(high, bound);
-          }
-        }
-      }
-      if ((upper[j] == kInf || (made_upper[j] && high < upper[j] - kBetter * (1.0 + std::fabs(upper[j])))) &&
-          std::fabs(high) < kLargest && high > std::max(lower[j], low)) {
-        move(j, high, true);
-        made_upper[j] = 1;
-      }
-      if ((lower[j] == -kInf || (made_lower[j] && low > lower[j] + kBetter * (1.0 + std::fabs(lower[j])))) &&
-          std::fabs(low) < kLargest && low < std::min(upper[j], high)) {
-        move(j, low, false);
-        made_lower[j] = 1;
-      }
-    }
-    if (changes == 0) break;
-  }
-  for (int j = 0; j < core.n(); ++j) {
-    if (made_upper[j]) upper[j] += kLoosen * (1.0 + std::fabs(upper[j]));
-    if (made_lower[j]) lower[j] -= kLoosen * (1.0 + std::fabs(lower[j]));
-  }
+  Search search(core, result);
+  int sweeps = 0;
+  while (sweeps < kSweeps && search.sweep()) ++sweeps;
+  search.loosen();
   return result;
 }
 
