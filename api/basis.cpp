@@ -1,6 +1,7 @@
 /* The exported routines around a basis: statuses, norms, factor, tableau, rays, sensitivity, quality,
  * user-requested pivots. */
 #include <algorithm>
+#include <cmath>
 
 #include "api/optimizer_frame.h"
 #include "env/entry.h"
@@ -35,6 +36,30 @@ void put(double* array, int k, double value) {
 
 void copy_out(const std::vector<double>& values, double* out) {
   std::copy(values.begin(), values.end(), out);
+}
+
+constexpr double kNoRate = 1e-9;  // a dual value or reduced cost that is rounding noise
+
+/* Within its range one datum moves the objective in proportion: at the rate of the value that it is a cost of,
+ * of the row's dual, or of the reduced cost that holds the column at this bound. */
+Interval objective_range(const Problem& problem, Sensitivity& sensitivity, int what, int at) {
+  const Solution& solution = *problem.solution;
+  const auto k = static_cast<std::size_t>(at);
+  const auto range = [&](Interval ends, double now, double rate) {
+    const auto value = [&](double end) {
+      if (end == now || std::fabs(now) >= TVK_INFBOUND) return solution.objective;  // no bound holds there
+      if (std::fabs(end) >= TVK_INFBOUND && std::fabs(rate) <= kNoRate) return solution.objective;
+      if (std::fabs(end) >= TVK_INFBOUND) return std::copysign(TVK_INFBOUND, (end - now) * rate);
+      return solution.objective + rate * (end - now);
+    };
+    return Interval{value(ends.lower), value(ends.upper)};
+  };
+  if (what == TVK_SENS_OBJ) return range(sensitivity.cost(at), problem.model->objective()[k], solution.x[k]);
+  if (what == TVK_SENS_RHS) return range(sensitivity.rhs(at), problem.model->rhs()[k], solution.pi[k]);
+  const bool holds_lower = solution.dj[k] * problem.model->objective_sense() > 0;
+  if (what == TVK_SENS_LB)
+    return range(sensitivity.lower_bound(at), problem.model->lower()[k], holds_lower ? solution.dj[k] : 0);
+  return range(sensitivity.upper_bound(at), problem.model->upper()[k], holds_lower ? 0 : solution.dj[k]);
 }
 
 }  // namespace
@@ -228,6 +253,20 @@ int TVKgetboundsens(ConstEnvHandle env, ConstProbHandle lp, int begin, int end, 
                                put(ublower, k, high.lower);
                                put(ubupper, k, high.upper);
                              });
+  });
+}
+
+int TVKgetsensobjval(ConstEnvHandle env, ConstProbHandle lp, int what, int begin, int end, double* lower,
+                     double* upper) {
+  return with_problem(env, lp, [&](Environment& e, Problem& p) -> Status {
+    if (lower == nullptr && upper == nullptr) return Status(TVK_ERROR_NULL_POINTER);
+    if (what < TVK_SENS_OBJ || what > TVK_SENS_UB) return Status(TVK_ERROR_BAD_ARGUMENT);
+    const int count = what == TVK_SENS_RHS ? p.model->num_rows() : p.model->num_columns();
+    return sensitivity_range(e, p, "TVKgetsensobjval", begin, end, count, [&](Sensitivity& s, int at, int k) {
+      const Interval values = objective_range(p, s, what, at);
+      put(lower, k, values.lower);
+      put(upper, k, values.upper);
+    });
   });
 }
 

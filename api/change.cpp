@@ -5,7 +5,7 @@ using namespace tovik;
 
 int TVKaddrows(ConstEnvHandle env, ProbHandle lp, int ccnt, int rcnt, int nzcnt, const double* rhs,
                const char* sense, const int* rmatbeg, const int* rmatind, const double* rmatval,
-               char** colname, char** rowname) {
+               TVKnames colname, TVKnames rowname) {
   return with_problem(env, lp, [&](Environment& e, Problem& p) {
     const model::NewColumns columns{.count = ccnt, .names = colname};
     return model::add_rows(e, p, columns,
@@ -22,7 +22,7 @@ int TVKaddrows(ConstEnvHandle env, ProbHandle lp, int ccnt, int rcnt, int nzcnt,
 
 int TVKaddcols(ConstEnvHandle env, ProbHandle lp, int ccnt, int nzcnt, const double* obj, const int* cmatbeg,
                const int* cmatind, const double* cmatval, const double* lb, const double* ub,
-               char** colname) {
+               TVKnames colname) {
   return with_problem(env, lp, [&](Environment& e, Problem& p) {
     return model::add_columns(e, p,
                               {.count = ccnt,
@@ -38,7 +38,7 @@ int TVKaddcols(ConstEnvHandle env, ProbHandle lp, int ccnt, int nzcnt, const dou
 }
 
 int TVKnewrows(ConstEnvHandle env, ProbHandle lp, int rcnt, const double* rhs, const char* sense,
-               const double* rngval, char** rowname) {
+               const double* rngval, TVKnames rowname) {
   return with_problem(env, lp, [&](Environment& e, Problem& p) {
     return model::add_rows(e, p, {},
                            {.count = rcnt, .rhs = rhs, .sense = sense, .range = rngval, .names = rowname});
@@ -46,7 +46,7 @@ int TVKnewrows(ConstEnvHandle env, ProbHandle lp, int rcnt, const double* rhs, c
 }
 
 int TVKnewcols(ConstEnvHandle env, ProbHandle lp, int ccnt, const double* obj, const double* lb,
-               const double* ub, const char* ctype, char** colname) {
+               const double* ub, const char* ctype, TVKnames colname) {
   return with_problem(env, lp, [&](Environment& e, Problem& p) {
     return model::add_columns(
         e, p, {.count = ccnt, .objective = obj, .lower = lb, .upper = ub, .types = ctype, .names = colname});

@@ -13,7 +13,7 @@ int TVKcopylp(ConstEnvHandle env, ProbHandle lp, int numcols, int numrows, int o
 int TVKcopylpwnames(ConstEnvHandle env, ProbHandle lp, int numcols, int numrows, int objsense,
                     const double* obj, const double* rhs, const char* sense, const int* matbeg,
                     const int* matcnt, const int* matind, const double* matval, const double* lb,
-                    const double* ub, const double* rngval, char** colname, char** rowname) {
+                    const double* ub, const double* rngval, TVKnames colname, TVKnames rowname) {
   return with_problem(env, lp, [&](Environment& e, Problem& p) {
     return model::copy_model(e, p,
                              {.columns = numcols,

@@ -53,7 +53,7 @@ int clear(ConstEnvHandle env, ProbHandle lp, Pool pool) {
 
 int TVKaddusercuts(ConstEnvHandle env, ProbHandle lp, int rcnt, int nzcnt, const double* rhs,
                    const char* sense, const int* rmatbeg, const int* rmatind, const double* rmatval,
-                   char** rowname) {
+                   TVKnames rowname) {
   return add(env, lp, Pool::user_cuts,
              {.count = rcnt,
               .rhs = rhs,
@@ -67,7 +67,7 @@ int TVKaddusercuts(ConstEnvHandle env, ProbHandle lp, int rcnt, int nzcnt, const
 
 int TVKaddlazyconstraints(ConstEnvHandle env, ProbHandle lp, int rcnt, int nzcnt, const double* rhs,
                           const char* sense, const int* rmatbeg, const int* rmatind, const double* rmatval,
-                          char** rowname) {
+                          TVKnames rowname) {
   return add(env, lp, Pool::lazy_constraints,
              {.count = rcnt,
               .rhs = rhs,

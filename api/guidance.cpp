@@ -22,7 +22,7 @@ int TVKgetorder(ConstEnvHandle env, ConstProbHandle lp, int* cnt_p, int* indices
 
 int TVKaddmipstarts(ConstEnvHandle env, ProbHandle lp, int mcnt, int nzcnt, const int* beg,
                     const int* varindices, const double* values, const int* effortlevel,
-                    char** mipstartname) {
+                    TVKnames mipstartname) {
   return with_problem(env, lp, [&](Environment& e, Problem& p) {
     return model::add_starts(e, p, {mcnt, nzcnt, beg, varindices, values, effortlevel, mipstartname});
   });

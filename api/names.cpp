@@ -17,19 +17,19 @@ int TVKchgname(ConstEnvHandle env, ProbHandle lp, int key, int ij, const char* n
                       [&](Environment&, Problem& p) { return model::change_name(p, key, ij, newname); });
 }
 
-int TVKchgnames(ConstEnvHandle env, ProbHandle lp, int key, int cnt, const int* indices, char** newname) {
+int TVKchgnames(ConstEnvHandle env, ProbHandle lp, int key, int cnt, const int* indices, TVKnames newname) {
   return with_problem(env, lp, [&](Environment& e, Problem& p) {
     return model::change_names(e, p, key, {cnt, indices, newname});
   });
 }
 
-int TVKchgcolname(ConstEnvHandle env, ProbHandle lp, int cnt, const int* indices, char** newname) {
+int TVKchgcolname(ConstEnvHandle env, ProbHandle lp, int cnt, const int* indices, TVKnames newname) {
   return with_problem(env, lp, [&](Environment& e, Problem& p) {
     return model::change_column_names(e, p, {cnt, indices, newname});
   });
 }
 
-int TVKchgrowname(ConstEnvHandle env, ProbHandle lp, int cnt, const int* indices, char** newname) {
+int TVKchgrowname(ConstEnvHandle env, ProbHandle lp, int cnt, const int* indices, TVKnames newname) {
   return with_problem(env, lp, [&](Environment& e, Problem& p) {
     return model::change_row_names(e, p, {cnt, indices, newname});
   });

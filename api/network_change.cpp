@@ -5,22 +5,22 @@
 using namespace tovik;
 
 int TVKNETcopynet(ConstEnvHandle env, NetProbHandle net, int objsense, int numnodes, const double* supply,
-                  char** nodename, int numarcs, const int* tail, const int* head, const double* obj,
-                  const double* lb, const double* ub, char** arcname) {
+                  TVKnames nodename, int numarcs, const int* tail, const int* head, const double* obj,
+                  const double* lb, const double* ub, TVKnames arcname) {
   return with_network(env, net, [&](Environment& e, NetworkProblem& p) {
     return model::copy_network(e, p, objsense, {numnodes, supply, nodename},
                                {numarcs, tail, head, obj, lb, ub, arcname});
   });
 }
 
-int TVKNETaddnodes(ConstEnvHandle env, NetProbHandle net, int ncnt, const double* supply, char** nodename) {
+int TVKNETaddnodes(ConstEnvHandle env, NetProbHandle net, int ncnt, const double* supply, TVKnames nodename) {
   return with_network(env, net, [&](Environment& e, NetworkProblem& p) {
     return model::add_nodes(e, p, {ncnt, supply, nodename});
   });
 }
 
 int TVKNETaddarcs(ConstEnvHandle env, NetProbHandle net, int acnt, const int* tail, const int* head,
-                  const double* obj, const double* lb, const double* ub, char** arcname) {
+                  const double* obj, const double* lb, const double* ub, TVKnames arcname) {
   return with_network(env, net, [&](Environment& e, NetworkProblem& p) {
     return model::add_arcs(e, p, {acnt, tail, head, obj, lb, ub, arcname});
   });
@@ -80,13 +80,13 @@ int TVKNETchgobjsen(ConstEnvHandle env, NetProbHandle net, int objsense) {
   });
 }
 
-int TVKNETchgnodename(ConstEnvHandle env, NetProbHandle net, int cnt, const int* indices, char** newname) {
+int TVKNETchgnodename(ConstEnvHandle env, NetProbHandle net, int cnt, const int* indices, TVKnames newname) {
   return with_network(env, net, [&](Environment& e, NetworkProblem& p) {
     return model::change_node_names(e, p, {cnt, indices, newname});
   });
 }
 
-int TVKNETchgarcname(ConstEnvHandle env, NetProbHandle net, int cnt, const int* indices, char** newname) {
+int TVKNETchgarcname(ConstEnvHandle env, NetProbHandle net, int cnt, const int* indices, TVKnames newname) {
   return with_network(env, net, [&](Environment& e, NetworkProblem& p) {
     return model::change_arc_names(e, p, {cnt, indices, newname});
   });

@@ -5,14 +5,14 @@
 using namespace tovik;
 
 int TVKcopysos(ConstEnvHandle env, ProbHandle lp, int numsos, int numsosnz, const char* sostype,
-               const int* sosbeg, const int* sosind, const double* soswt, char** sosname) {
+               const int* sosbeg, const int* sosind, const double* soswt, TVKnames sosname) {
   return with_problem(env, lp, [&](Environment& e, Problem& p) {
     return model::copy_sets(e, p, {numsos, numsosnz, sostype, sosbeg, sosind, soswt, sosname});
   });
 }
 
 int TVKaddsos(ConstEnvHandle env, ProbHandle lp, int numsos, int numsosnz, const char* sostype,
-              const int* sosbeg, const int* sosind, const double* soswt, char** sosname) {
+              const int* sosbeg, const int* sosind, const double* soswt, TVKnames sosname) {
   return with_problem(env, lp, [&](Environment& e, Problem& p) {
     return model::add_sets(e, p, {numsos, numsosnz, sostype, sosbeg, sosind, soswt, sosname});
   });

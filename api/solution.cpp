@@ -74,6 +74,17 @@ int TVKgetstatistics(ConstEnvHandle env, ConstProbHandle lp, char* buffer, int s
   });
 }
 
+int TVKgetticks(ConstEnvHandle env, ConstProbHandle lp, double* ticks_p) {
+  return with_problem(env, lp, [&](Environment&, Problem& problem) -> Status {
+    if (ticks_p == nullptr) return TVK_ERROR_NULL_POINTER;
+    update_solution(problem);
+    const lp::run::OptimizationStatistics* statistics = lp::run::kept_statistics(problem);
+    if (problem.solution == nullptr || statistics == nullptr) return TVK_ERROR_NO_SOLUTION;
+    *ticks_p = static_cast<double>(lp::run::total_ticks(*statistics));
+    return {};
+  });
+}
+
 int TVKgetstat(ConstEnvHandle env, ConstProbHandle lp) {
   int stat = 0;
   with_problem(env, lp, [&](Environment&, Problem& problem) -> Status {

@@ -93,6 +93,12 @@ void read_model_file(const Model& model, const std::string& file) {
   environment.check(TVKreadcopyprob(environment.handle(), model.handle(), input.path().c_str(), nullptr));
 }
 
+void refuse_dropped_text(const Model::ReadWarnings& warnings, bool lenient) {
+  if (warnings.dropped == 0 || lenient) return;
+  throw DroppedText("text of the file is not in the model: " + warnings.warnings.front() +
+                    " Correct the file; --lenient takes what was understood.");
+}
+
 void Input::remove_temporary_file() {
   if (const char* path = temporary_path) unlink(path);
 }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <memory>
+#include <stdexcept>
 #include <string>
 
 #include "cli/library.h"
@@ -28,7 +29,14 @@ class Input {
   std::unique_ptr<TemporaryFile> temporary_;
 };
 
+/* The reader ignored text of the file: the model is not what somebody wrote. */
+struct DroppedText : std::runtime_error {
+  using std::runtime_error::runtime_error;
+};
+
 /* Reads a model file, "-" is standard input. LibraryError, std::system_error. */
 void read_model_file(const Model& model, const std::string& file);
+/* DroppedText where the last reading ignored text and nobody asked to be `lenient`. */
+void refuse_dropped_text(const Model::ReadWarnings& warnings, bool lenient);
 
 }  // namespace tovik::cli

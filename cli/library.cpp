@@ -1,6 +1,8 @@
 #include "cli/library.h"
 
+#include <algorithm>
 #include <array>
+#include <string_view>
 
 namespace tovik::cli {
 
@@ -78,6 +80,31 @@ void Model::relax() {
   if (relaxed == TVK_PROBTYPE_MIQP) relaxed = TVK_PROBTYPE_QP;
   if (relaxed == TVK_PROBTYPE_MIQCP) relaxed = TVK_PROBTYPE_QCP;
   environment_.check(TVKchgprobtype(environment_.handle(), handle_, relaxed));
+}
+
+Model::ReadWarnings Model::read_warnings() const {
+  ReadWarnings found;
+  const EnvHandle env = environment_.handle();
+  environment_.check(TVKgetreadwarnings(env, handle_, nullptr, &found.dropped, nullptr, 0, nullptr));
+  int surplus = 0;
+  TVKgetreadwarnings(env, handle_, nullptr, nullptr, nullptr, 0, &surplus);
+  std::string text(static_cast<std::size_t>(-surplus), '\0');
+  environment_.check(TVKgetreadwarnings(env, handle_, nullptr, nullptr, text.data(), -surplus, &surplus));
+  text.pop_back();  // the terminating zero
+  constexpr std::string_view kNote = "Note:  ";
+  for (std::size_t begin = 0; begin < text.size();) {
+    const std::size_t end = std::min(text.find('\n', begin), text.size());
+    const std::string line = text.substr(begin, end - begin);
+    begin = end + 1;
+    if (line.starts_with(kNote)) {
+      found.notes.push_back(line.substr(kNote.size()));
+    } else if (line.starts_with(' ') && !found.warnings.empty()) {
+      found.warnings.back() += line.substr(std::min(line.find_first_not_of(' '), line.size()) - 1);
+    } else {
+      found.warnings.push_back(line);
+    }
+  }
+  return found;
 }
 
 std::string Model::statistics() const {

@@ -54,6 +54,13 @@ class Model {
   /* Becomes its continuous relaxation; what is quadratic stays so. */
   void relax();
 
+  /* What the reader of the file said, by line; `dropped` of the warnings tell of text that is missing in the model. */
+  struct ReadWarnings {
+    int dropped = 0;
+    std::vector<std::string> warnings, notes;
+  };
+  ReadWarnings read_warnings() const;
+
   /* What the last optimization has counted: JSON. Empty before the first one. */
   std::string statistics() const;
 

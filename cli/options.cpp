@@ -94,6 +94,11 @@ void add_parameter_options(CLI::App& app, Options& options) {
                 });
 }
 
+void add_lenient(CLI::App& app, Options& options) {
+  app.add_flag("--lenient", options.lenient,
+               "Take a file of which text was ignored; otherwise it is refused, exit status 7");
+}
+
 const char kSolveFooter[] =
     "Each model is read (LP or MPS format, .gz and .bz2 too; - reads standard input), optimized, and "
     "checked.\n"
@@ -116,6 +121,7 @@ void describe_solve(CLI::App& app, Options& options) {
   app.add_option("models", options.models)->required()->type_name("MODEL");
   add_parameter_options(app, options);
   app.add_flag("--relax", options.relax, "Ignore integrality: solve the continuous relaxation");
+  add_lenient(app, options);
   app.add_flag("-q,--quiet", options.quiet, "No log; with --json nothing but the object and errors");
   app.add_flag_callback(
       "-v,--verbose",
@@ -165,6 +171,7 @@ void describe_convert(CLI::App& app, Options& options) {
       ".lp, .mps or .sav; .rlp and .rmp are LP and MPS with the names x1, c1 ...; each may end in .gz or "
       ".bz2.");
   app.add_option("models", options.models)->required()->expected(2)->type_name("IN OUT");
+  add_lenient(app, options);
   add_parameter_options(app, options);
 }
 

@@ -35,6 +35,7 @@ struct Options {
   bool json = false;
   bool statistics = false;  // what the optimization has counted
   bool exit_zero = false;
+  bool lenient = false;             // a model from which text of its file is missing counts
   int pick = 1;                     // of `verify`: which solution of the file, from 1
   bool zeros = false;               // columns without a value are 0
   std::optional<double> tolerance;  // in place of the parameters

@@ -58,10 +58,11 @@ struct Outcome {
   std::string method;
   std::optional<double> read_seconds, presolve_seconds, solve_seconds;
   double peak_memory_mb = 0;
-  std::string statistics;            // JSON; empty where nobody asked or nothing was optimized
-  bool has_values = false;           // the library holds values, feasible or not
-  std::vector<std::string> written;  // files, in order
-  std::string error;                 // text of the first error, empty without one
+  std::string statistics;             // JSON; empty where nobody asked or nothing was optimized
+  bool has_values = false;            // the library holds values, feasible or not
+  std::vector<std::string> warnings;  // of the reader of the file
+  std::vector<std::string> written;   // files, in order
+  std::string error;                  // text of the first error, empty without one
   ExitStatus exit_status = ExitStatus::solved;
 };
 

@@ -106,6 +106,7 @@ void invalidate(Problem& problem, Change change) noexcept {
     problem.journal.lose_structure();
   }
   discard(problem, rule, false);
+  if (change == Change::whole_problem) problem.read_report = ReadReport{};
 }
 
 void invalidate(Problem& problem, Change change, std::initializer_list<Edit> edits) noexcept {

@@ -12,6 +12,7 @@
 #include "env/access_state.h"
 #include "env/environment.h"
 #include "env/journal.h"
+#include "env/read_report.h"
 #include "env/registry.h"
 #include "env/solution.h"
 
@@ -80,6 +81,7 @@ struct Problem {
   bool presolve_up_to_date = false;     // it applied the change that is just being made
   std::vector<int> protected_columns;   // that presolve must keep: ascending, each once
   std::unique_ptr<Derived> statistics;  // counters of the last optimization
+  ReadReport read_report;               // of the file that the model was read from
   std::unique_ptr<Derived> mip;
   std::unique_ptr<Problem> working;  // nested problem solved in this one's place
   std::unique_ptr<Problem> derived;  // second nested problem

@@ -48,7 +48,7 @@ COUNTED = {
 
 # Arrays of one entry for each item of the problem; the first rule that fits.
 SIZED = [
-    (r"TVKgetstatistics|TVKget(prob|obj)name|TVKNETgetprobname", "buffer", "space"),
+    (r"TVKgetstatistics|TVKgetreadwarnings|TVKget(prob|obj)name|TVKNETgetprobname", "buffer", "space"),
     (r"", "buffer|default_text", "TEXT"), (r"TVKgetparamname", "name", "TEXT"),
     (r"crushform", "pind|pval", "reduced_columns"), (r"uncrushform", "ind|val", "columns"),
     (r"TVKcrushx|TVKuncrushx", "prex", "reduced_columns"), (r"crushpi", "prepi", "reduced_rows"),
@@ -139,7 +139,7 @@ class Routine:
             return f'c.text("{parameter}")'
         if kind == "char **" and parameter == "name":
             return "c.out<char*>(c.extent(begin, end))"
-        if kind == "char **":
+        if kind in ("char **", "TVKnames"):
             return f"c.names({self.size(parameter, False)})"
         if kind == "const int *":
             size = self.size(parameter, False)

@@ -27,6 +27,14 @@ typedef struct TVKnetproblem *NetProbHandle;
 typedef const struct TVKnetproblem *ConstNetProbHandle;
 typedef struct TVKchannel *ChannelHandle;
 
+/* Arrays of names that routines read and leave as they are: in C++ an array of const char* fits as well as one of char*.
+ * C knows no such conversion, and there cast an array of constant strings: (char **)names. */
+#ifdef __cplusplus
+typedef const char *const *TVKnames;
+#else
+typedef char **TVKnames;
+#endif
+
 /* ---- Constants -------------------------------------------------------------------------------------------------- */
 #define TVK_INFBOUND 1e20
 #define TVK_MIN 1
@@ -671,6 +679,10 @@ TVK_API int TVKgetcrossdexchcnt(ConstEnvHandle env, ConstProbHandle lp);
  *     TVKgetstatistics(env, lp, text, -surplus, &surplus); */
 TVK_API int TVKgetstatistics(ConstEnvHandle env, ConstProbHandle lp, char *buffer, int space, int *surplus_p);
 
+/* Deterministic work of the last optimization in ticks: the sum of the member `ticks` above. The same for the same problem,
+ * parameters and start on every machine; roughly what the tick limit counts. Errors: 1217, 1004. */
+TVK_API int TVKgetticks(ConstEnvHandle env, ConstProbHandle lp, double *ticks_p);
+
 /* ==== Section: parameters ==== */
 
 /* Parameter numbers. Numbers of parameters and codes of errors are two different things that share digits. */
@@ -945,7 +957,7 @@ TVK_API int TVKcopylp(ConstEnvHandle env, ProbHandle lp, int numcols, int numrow
 TVK_API int TVKcopylpwnames(ConstEnvHandle env, ProbHandle lp, int numcols, int numrows, int objsense,
                             const double *obj, const double *rhs, const char *sense, const int *matbeg,
                             const int *matcnt, const int *matind, const double *matval, const double *lb,
-                            const double *ub, const double *rngval, char **colname, char **rowname);
+                            const double *ub, const double *rngval, TVKnames colname, TVKnames rowname);
 
 /* ---- Adding and deleting ---- */
 
@@ -954,18 +966,18 @@ TVK_API int TVKcopylpwnames(ConstEnvHandle env, ProbHandle lp, int numcols, int 
  * rcnt 0 nothing is added, no columns either. */
 TVK_API int TVKaddrows(ConstEnvHandle env, ProbHandle lp, int ccnt, int rcnt, int nzcnt, const double *rhs,
                        const char *sense, const int *rmatbeg, const int *rmatind, const double *rmatval,
-                       char **colname, char **rowname);
+                       TVKnames colname, TVKnames rowname);
 
 /* Appends ccnt columns. The matrix is by columns with indices of existing rows in cmatind; its three arrays may be null
  * when nzcnt is 0. */
 TVK_API int TVKaddcols(ConstEnvHandle env, ProbHandle lp, int ccnt, int nzcnt, const double *obj, const int *cmatbeg,
-                       const int *cmatind, const double *cmatval, const double *lb, const double *ub, char **colname);
+                       const int *cmatind, const double *cmatval, const double *lb, const double *ub, TVKnames colname);
 
 /* Appends rows or columns without matrix entries. Columns with ctype make the problem a mixed-integer one. */
 TVK_API int TVKnewrows(ConstEnvHandle env, ProbHandle lp, int rcnt, const double *rhs, const char *sense,
-                       const double *rngval, char **rowname);
+                       const double *rngval, TVKnames rowname);
 TVK_API int TVKnewcols(ConstEnvHandle env, ProbHandle lp, int ccnt, const double *obj, const double *lb,
-                       const double *ub, const char *ctype, char **colname);
+                       const double *ub, const char *ctype, TVKnames colname);
 
 /* Deletes rows (columns) begin..end; later ones move down. begin > end deletes nothing. Errors: 1205/1206 and 1200. */
 TVK_API int TVKdelrows(ConstEnvHandle env, ProbHandle lp, int begin, int end);
@@ -1024,10 +1036,10 @@ TVK_API int TVKchgctype(ConstEnvHandle env, ProbHandle lp, int cnt, const int *i
 TVK_API int TVKchgname(ConstEnvHandle env, ProbHandle lp, int key, int ij, const char *newname);
 /* Names cnt items of a kind at once, all or none: the keys of TVKchgname without 'b'. Errors: 1003 another key, 1224 a null
  * name; 1201, 1203 or (other kinds) 1200 an index outside. */
-TVK_API int TVKchgnames(ConstEnvHandle env, ProbHandle lp, int key, int cnt, const int *indices, char **newname);
+TVK_API int TVKchgnames(ConstEnvHandle env, ProbHandle lp, int key, int cnt, const int *indices, TVKnames newname);
 /* Name cnt columns (rows). When the model had no names, the others get generated ones. Error: 1224 a null name. */
-TVK_API int TVKchgcolname(ConstEnvHandle env, ProbHandle lp, int cnt, const int *indices, char **newname);
-TVK_API int TVKchgrowname(ConstEnvHandle env, ProbHandle lp, int cnt, const int *indices, char **newname);
+TVK_API int TVKchgcolname(ConstEnvHandle env, ProbHandle lp, int cnt, const int *indices, TVKnames newname);
+TVK_API int TVKchgrowname(ConstEnvHandle env, ProbHandle lp, int cnt, const int *indices, TVKnames newname);
 /* Removes the names of columns, rows, sets, indicator constraints, cuts, lazy and quadratic constraints. */
 TVK_API int TVKdelnames(ConstEnvHandle env, ProbHandle lp);
 TVK_API int TVKchgprobname(ConstEnvHandle env, ProbHandle lp, const char *probname);
@@ -1100,9 +1112,9 @@ TVK_API int TVKgetobjname(ConstEnvHandle env, ConstProbHandle lp, char *buffer, 
  * a column twice in a set, 3010 a weight twice in a set; else the last weight of a column counts, and equal weights leave
  * the order to the positions. */
 TVK_API int TVKcopysos(ConstEnvHandle env, ProbHandle lp, int numsos, int numsosnz, const char *sostype,
-                       const int *sosbeg, const int *sosind, const double *soswt, char **sosname);
+                       const int *sosbeg, const int *sosind, const double *soswt, TVKnames sosname);
 TVK_API int TVKaddsos(ConstEnvHandle env, ProbHandle lp, int numsos, int numsosnz, const char *sostype,
-                      const int *sosbeg, const int *sosind, const double *soswt, char **sosname);
+                      const int *sosbeg, const int *sosind, const double *soswt, TVKnames sosname);
 /* Delete sets begin..end, or those whose entry of delstat is exactly 1 (as TVKdelsetcols). Error: 3015 no sets. */
 TVK_API int TVKdelsos(ConstEnvHandle env, ProbHandle lp, int begin, int end);
 TVK_API int TVKdelsetsos(ConstEnvHandle env, ProbHandle lp, int *delstat);
@@ -1148,10 +1160,10 @@ TVK_API int TVKEgetindconstrindex(ConstEnvHandle env, ConstProbHandle lp, const 
 
 /* Append rcnt rows as TVKaddrows does; the senses are 'L', 'G' and 'E' ('R' is 1215 under TVK_PARAM_DATACHECK, else 'E'). */
 TVK_API int TVKaddusercuts(ConstEnvHandle env, ProbHandle lp, int rcnt, int nzcnt, const double *rhs, const char *sense,
-                           const int *rmatbeg, const int *rmatind, const double *rmatval, char **rowname);
+                           const int *rmatbeg, const int *rmatind, const double *rmatval, TVKnames rowname);
 TVK_API int TVKaddlazyconstraints(ConstEnvHandle env, ProbHandle lp, int rcnt, int nzcnt, const double *rhs,
                                   const char *sense, const int *rmatbeg, const int *rmatind, const double *rmatval,
-                                  char **rowname);
+                                  TVKnames rowname);
 /* Delete those from begin to end, or all. */
 TVK_API int TVKdelusercuts(ConstEnvHandle env, ProbHandle lp, int begin, int end);
 TVK_API int TVKdellazyconstraints(ConstEnvHandle env, ProbHandle lp, int begin, int end);
@@ -1199,7 +1211,7 @@ TVK_API int TVKgetorder(ConstEnvHandle env, ConstProbHandle lp, int *cnt_p, int 
  * last one up to nzcnt - 1. effortlevel (null: 0) and mipstartname may be null. With TVK_PARAM_DATACHECK 1: 1003 an effort
  * level outside -1..4. */
 TVK_API int TVKaddmipstarts(ConstEnvHandle env, ProbHandle lp, int mcnt, int nzcnt, const int *beg,
-                            const int *varindices, const double *values, const int *effortlevel, char **mipstartname);
+                            const int *varindices, const double *values, const int *effortlevel, TVKnames mipstartname);
 /* Changes the starts in mipstartindices: each gets the given values, its other values stay; effortlevel null keeps the
  * levels. Errors: 3020 no starts, 1200 an index outside. */
 TVK_API int TVKchgmipstarts(ConstEnvHandle env, ProbHandle lp, int mcnt, const int *mipstartindices, int nzcnt,
@@ -1284,8 +1296,8 @@ TVK_API int TVKNETfreeprob(ConstEnvHandle env, NetProbHandle *net_p);
  * numarcs arcs. supply and obj may be null (0), lb (0), ub (1e20) and the names too. Errors: 1003 a negative count, or
  * under DATACHECK another objsense than 1 and -1; 1004 tail or head null. */
 TVK_API int TVKNETcopynet(ConstEnvHandle env, NetProbHandle net, int objsense, int numnodes, const double *supply,
-                          char **nodename, int numarcs, const int *tail, const int *head, const double *obj,
-                          const double *lb, const double *ub, char **arcname);
+                          TVKnames nodename, int numarcs, const int *tail, const int *head, const double *obj,
+                          const double *lb, const double *ub, TVKnames arcname);
 
 /* Replaces the model of `lp` by that of the network: a continuous problem with one column for each arc (its cost, bounds
  * and name; +1 in the row of its tail and -1 in that of its head, a loop has no entries) and one row for each node
@@ -1294,9 +1306,9 @@ TVK_API int TVKNETcopynet(ConstEnvHandle env, NetProbHandle net, int objsense, i
 TVK_API int TVKcopynettolp(ConstEnvHandle env, ProbHandle lp, ConstNetProbHandle net);
 
 /* Append nodes, or arcs between present nodes. Null arrays as in TVKNETcopynet. */
-TVK_API int TVKNETaddnodes(ConstEnvHandle env, NetProbHandle net, int ncnt, const double *supply, char **nodename);
+TVK_API int TVKNETaddnodes(ConstEnvHandle env, NetProbHandle net, int ncnt, const double *supply, TVKnames nodename);
 TVK_API int TVKNETaddarcs(ConstEnvHandle env, NetProbHandle net, int acnt, const int *tail, const int *head,
-                          const double *obj, const double *lb, const double *ub, char **arcname);
+                          const double *obj, const double *lb, const double *ub, TVKnames arcname);
 
 /* Delete nodes or arcs begin..end, or those whose entry of delstat is 1, as TVKdelrows and TVKdelsetrows do. The arcs of a
  * deleted node go with it; the remaining ones keep their order. */
@@ -1314,8 +1326,8 @@ TVK_API int TVKNETchgbds(ConstEnvHandle env, NetProbHandle net, int cnt, const i
 TVK_API int TVKNETchgarcends(ConstEnvHandle env, NetProbHandle net, int cnt, const int *indices, const int *tail,
                              const int *head);
 TVK_API int TVKNETchgobjsen(ConstEnvHandle env, NetProbHandle net, int objsense);
-TVK_API int TVKNETchgnodename(ConstEnvHandle env, NetProbHandle net, int cnt, const int *indices, char **newname);
-TVK_API int TVKNETchgarcname(ConstEnvHandle env, NetProbHandle net, int cnt, const int *indices, char **newname);
+TVK_API int TVKNETchgnodename(ConstEnvHandle env, NetProbHandle net, int cnt, const int *indices, TVKnames newname);
+TVK_API int TVKNETchgarcname(ConstEnvHandle env, NetProbHandle net, int cnt, const int *indices, TVKnames newname);
 TVK_API int TVKNETdelnames(ConstEnvHandle env, NetProbHandle net);
 TVK_API int TVKNETchgprobname(ConstEnvHandle env, NetProbHandle net, const char *probname);
 
@@ -1378,6 +1390,21 @@ TVK_API int TVKNETgetprobname(ConstEnvHandle env, ConstNetProbHandle net, char *
  *     status = TVKreadcopyprob(env, lp, "diet.lp.gz", NULL);
  */
 TVK_API int TVKreadcopyprob(ConstEnvHandle env, ProbHandle lp, const char *filename, const char *filetype);
+
+/* What the last successful TVKreadcopyprob or TVKreadcopystdin had to say about the model that it brought: *warnings_p, how
+ * many warnings it gave; *dropped_p, how many of them tell that text of the file is missing in the model (characters after
+ * a right-hand side, a constraint without an end), so that solving it would answer another question; either may be null.
+ * buffer: their lines, as the warning channel had them, and behind "Note:" what may mean something else to other programs;
+ * terminating zero included; `space` and `*surplus_p` as in TVKgetprobname, all three 0 where only the numbers are asked
+ * for. Beyond 64 KB lines are counted, not kept. All is 0 and empty before the first reading and after any other routine
+ * that brings a whole model. Errors: 1004, 1207.
+ *
+ *     int dropped;
+ *     status = TVKreadcopyprob(env, lp, "diet.lp", NULL);
+ *     if (status == 0) status = TVKgetreadwarnings(env, lp, NULL, &dropped, NULL, 0, NULL);
+ *     if (status == 0 && dropped > 0) puts("diet.lp does not say what it means"); */
+TVK_API int TVKgetreadwarnings(ConstEnvHandle env, ConstProbHandle lp, int *warnings_p, int *dropped_p, char *buffer,
+                               int space, int *surplus_p);
 
 /* Reads a problem in LP format that a person types on standard input into an existing problem, whose data it replaces.
  * The problem's name becomes "<stdin>".
@@ -1770,6 +1797,15 @@ TVK_API int TVKgetobjsens(ConstEnvHandle env, ConstProbHandle lp, int begin, int
 TVK_API int TVKgetrhssens(ConstEnvHandle env, ConstProbHandle lp, int begin, int end, double *lower, double *upper);
 TVK_API int TVKgetboundsens(ConstEnvHandle env, ConstProbHandle lp, int begin, int end, double *lblower, double *lbupper,
                             double *ublower, double *ubupper);
+
+/* The objective value at the two ends of those ranges: `what` tells of which datum, begin..end of which columns or rows.
+ * Between the ends it is proportional; at an infinite end that the objective follows it is +-1e20. Errors as above; 1003 what. */
+#define TVK_SENS_OBJ 1 /* ranges of TVKgetobjsens */
+#define TVK_SENS_RHS 2 /* of TVKgetrhssens */
+#define TVK_SENS_LB 3  /* of TVKgetboundsens: lblower and lbupper */
+#define TVK_SENS_UB 4  /* ublower and ubupper */
+TVK_API int TVKgetsensobjval(ConstEnvHandle env, ConstProbHandle lp, int what, int begin, int end, double *lower,
+                             double *upper);
 
 /* ---- Quality of the solution, recomputed in the model's own units ---- */
 #define TVK_QUALITY_MAX_PRIMAL_INFEAS 1   /* bound and row violations */

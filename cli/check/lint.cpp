@@ -13,8 +13,23 @@ namespace tovik::cli {
 
 namespace {
 
+constexpr Kind kDropped = {"text-ignored", Severity::error, "text of the file is not in the model",
+                           "the model says something else than its file: correct the line"};
+constexpr Kind kReadWarning = {"read-warning", Severity::warning, "what the reader warned of",
+                               "make the file say what is meant"};
+constexpr Kind kReadNote = {"reads-otherwise", Severity::note, "what other programs may read otherwise",
+                            "state the bounds: a PL record for none, an UP record for 1"};
+
+void reading(const Model& model, Findings& findings) {
+  const Model::ReadWarnings said = model.read_warnings();
+  const Kind& kind = said.dropped > 0 ? kDropped : kReadWarning;
+  for (const std::string& line : said.warnings) findings.add(kind, 0, [&] { return line; });
+  for (const std::string& line : said.notes) findings.add(kReadNote, 0, [&] { return line; });
+}
+
 Findings examine(const Model& model, int most) {
   Findings findings(most);
+  reading(model, findings);
   const LintModel data(model);
   for (const auto check : {lint_columns, lint_rows, lint_families, lint_parallel, lint_ranges, lint_big_m,
                            lint_fractions, lint_names})

@@ -64,6 +64,7 @@ ExitStatus convert(const Environment& environment, const Options& options) {
     const Model model(environment, from);
     console.set_label(from == "-" ? "standard input" : from);
     read_model_file(model, from);
+    refuse_dropped_text(model.read_warnings(), options.lenient);
     if (from == "-") environment.check(TVKchgprobname(environment.handle(), model.handle(), "stdin"));
     reading = false;
     console.set_label(to);
@@ -71,6 +72,9 @@ ExitStatus convert(const Environment& environment, const Options& options) {
     return ExitStatus::solved;
   } catch (const LibraryError& error) {
     return reading ? exit_status_of_read_error(error.code) : exit_status_of_write_error(error.code);
+  } catch (const DroppedText& error) {
+    console.print_error(error.what());
+    return ExitStatus::bad_input;
   } catch (const std::system_error& error) {
     console.print_error(error.what());
     return ExitStatus::bad_input;

@@ -9,6 +9,9 @@ namespace tovik::cli {
 
 namespace {
 
+constexpr int kSchema =
+    1;  // of the JSON object; a key that is added leaves it, one that changes its meaning does not
+
 /* "rows 1.2e-09 (R17)": an amount and the name of its place. */
 template <class NameOf>
 std::string worst(const char* what, const LargestViolation& largest, NameOf name_of) {
@@ -109,6 +112,7 @@ std::string statistics_block(const Outcome& outcome) {
 std::string json_line(const Outcome& outcome, bool with_statistics) {
   const auto& found = outcome.violations;
   Json object;
+  object["schema"] = kSchema;
   object["file"] = outcome.file;
   object["rows"] = number(outcome.rows);
   object["cols"] = number(outcome.columns);
@@ -134,6 +138,7 @@ std::string json_line(const Outcome& outcome, bool with_statistics) {
   object["presolve_seconds"] = number(outcome.presolve_seconds);
   object["solve_seconds"] = number(outcome.solve_seconds);
   object["peak_memory_mb"] = number(std::optional(outcome.peak_memory_mb));
+  object["warnings"] = outcome.warnings;
   object["error"] = text(outcome.error);
   if (with_statistics)
     object["statistics"] = outcome.statistics.empty() ? Json(nullptr) : Json::parse(outcome.statistics);

@@ -53,6 +53,9 @@ void read_model(const SolveContext& context, Model& model, const std::string& fi
     const Signals::ExitOnFirstSignal guard(context.signals);
     read_model_file(model, file);
   }
+  const Model::ReadWarnings said = model.read_warnings();
+  outcome.warnings = said.warnings;
+  refuse_dropped_text(said, context.options.lenient);
   context.console.set_label("");
   if (context.options.relax) model.relax();
   outcome.read_seconds = watch.seconds();
@@ -149,6 +152,10 @@ Outcome solve_file(const SolveContext& context, const std::string& file,
     outcome.exit_status = exit_status_of(stage, error.code);
     if (stage == Stage::solving && error.code == TVK_ERROR_NOT_FOR_MIP)
       context.console.print_error("tovik: --relax solves the continuous relaxation");
+  } catch (const DroppedText& error) {
+    outcome.error = error.what();
+    outcome.exit_status = ExitStatus::bad_input;
+    context.console.print_error(outcome.error);
   } catch (const std::system_error& error) {
     outcome.error = error.what();
     outcome.exit_status = ExitStatus::bad_input;

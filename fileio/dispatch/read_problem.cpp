@@ -13,6 +13,7 @@
 #include "fileio/network/file.h"
 #include "fileio/record/channel_log.h"
 #include "fileio/record/file_families.h"
+#include "fileio/record/recording_log.h"
 #include "fileio/sav/saved_problem.h"
 #include "include/tovik.h"
 #include "model/store/load.h"
@@ -24,8 +25,10 @@ namespace {
 /* A reader's lines for entry from standard input; prompts go to the results channel. */
 class ChannelDialogue final : public DialogueLog {
  public:
-  explicit ChannelDialogue(Environment& env) : env_(env), log_(env) {}
+  ChannelDialogue(Environment& env, ReadReport& report)
+      : env_(env), channels_(env), log_(channels_, report) {}
   void warning(std::string_view text) override { log_.warning(text); }
+  void dropped(std::string_view text) override { log_.dropped(text); }
   void result(std::string_view text) override { log_.result(text); }
   void prompt(std::string_view text) override {
     log_.result(text);
@@ -36,7 +39,8 @@ class ChannelDialogue final : public DialogueLog {
 
  private:
   Environment& env_;
-  ChannelLog log_;
+  ChannelLog channels_;
+  RecordingLog log_;
   Status status_;
 };
 
@@ -90,13 +94,14 @@ ReadOptions options_of(const Settings& settings) {
   return options;
 }
 
-Status read_file(Environment& env, const char* name, Format format, FileModel& model) {
+Status read_file(Environment& env, const char* name, Format format, FileModel& model, ReadReport& report) {
   OpenRequest request;
   request.name = name;
   request.default_extension = format == Format::lp ? ".lp" : ".mps";
   std::unique_ptr<ByteSource> source;
   if (const Status status = open_for_reading(env, request, source); !status.ok()) return status;
-  ChannelLog log(env);
+  ChannelLog channels(env);
+  RecordingLog log(channels, report);
   const ReadOptions options = options_of(env.settings);
   const ReadFailure failure =
       format == Format::lp ? read_lp(*source, options, log, model) : read_mps(*source, options, log, model);
@@ -112,9 +117,12 @@ model::ModelData model_data(FileModel&& file, const char* name) {
   return data;
 }
 
-Status load_file(Environment& env, Problem& problem, FileModel&& model, const char* name) {
+Status load_file(Environment& env, Problem& problem, FileModel&& model, const char* name,
+                 ReadReport&& report) {
   env.add_work(model.index.size() + model.rhs.size() + model.objective.size());
-  return model::load(env, problem, model_data(std::move(model), name));
+  const Status status = model::load(env, problem, model_data(std::move(model), name));
+  if (status.ok()) problem.read_report = std::move(report);
+  return status;
 }
 
 }  // namespace
@@ -160,15 +168,17 @@ Status read_problem(Environment& env, Problem& problem, const char* name, const 
   if (format == Format::sav) return read_saved_problem(env, problem, name);
   if (format == Format::network) return read_network_problem(env, problem, name);
   FileModel model;
-  if (const Status status = read_file(env, name, format, model); !status.ok()) return status;
-  return load_file(env, problem, std::move(model), name);
+  ReadReport report;
+  if (const Status status = read_file(env, name, format, model, report); !status.ok()) return status;
+  return load_file(env, problem, std::move(model), name, std::move(report));
 }
 
 Status read_problem_from_stdin(Environment& env, Problem& problem) {
   FileModel model;
-  ChannelDialogue dialogue(env);
+  ReadReport report;
+  ChannelDialogue dialogue(env, report);
   if (!read_lp_dialogue(stdin, options_of(env.settings), dialogue, model)) return dialogue.status();
-  return load_file(env, problem, std::move(model), "<stdin>");
+  return load_file(env, problem, std::move(model), "<stdin>", std::move(report));
 }
 
 }  // namespace tovik::fileio

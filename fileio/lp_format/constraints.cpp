@@ -83,7 +83,7 @@ ConstraintReader::Outcome ConstraintReader::read_row(Row& row, bool label_allowe
 }
 
 bool ConstraintReader::discard() {
-  messages_.log().warn("Warning, line %d: Unfinished constraint is discarded.\n", scanner_.line());
+  messages_.log().warn_dropped("Warning, line %d: Unfinished constraint is discarded.\n", scanner_.line());
   return true;
 }
 
@@ -100,7 +100,8 @@ bool ConstraintReader::find_arrow(Arrow& arrow) {
 }
 
 bool ConstraintReader::ignore_rest_of_line() {
-  messages_.log().warn("Warning, line %d: Characters after RHS value are ignored.\n", scanner_.line());
+  messages_.log().warn_dropped("Warning, line %d: Characters after RHS value are ignored.\n",
+                               scanner_.line());
   scanner_.take_line();
   return true;
 }

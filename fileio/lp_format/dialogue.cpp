@@ -95,6 +95,9 @@ class NewWarnings final : public ReaderLog {
   void warning(std::string_view text) override {
     if (!lines_.repeating()) log_.warning(text);
   }
+  void dropped(std::string_view text) override {
+    if (!lines_.repeating()) log_.dropped(text);
+  }
   void result(std::string_view text) override {
     if (!lines_.repeating()) log_.result(text);
   }

@@ -93,7 +93,7 @@ bool Reader::read_objective(int sense) {
   rules.place = Place::objective;
   if (expressions_.read(rules, objective_) == ExpressionReader::Stop::failed) return false;
   if (expressions_.is_dangling()) {
-    messages_.log().warn("Warning, line %d: Objective ended unexpectedly.\n", scanner_.line());
+    messages_.log().warn_dropped("Warning, line %d: Objective ended unexpectedly.\n", scanner_.line());
   }
   const bool empty = expressions_.label().empty() && objective_.columns.empty() &&
                      objective_.quadratic.empty() && objective_.constant == 0;

@@ -232,6 +232,7 @@ bool BoundSection::apply(const Bound& bound, int line) {
 }
 
 void BoundSection::close() {
+  note_unbounded_integers();
   for (std::size_t j = 0; j < given_.size(); ++j) {
     if (given_[j] == 0) continue;
     if (given_[j] != (kLower | kUpper)) finalize(j);
@@ -272,6 +273,21 @@ void BoundSection::finalize(std::size_t j) {
           "          '%s' in bound '%s'\n",
           name, set);
   }
+}
+
+/* Integer columns of markers without any bound: here they have no upper one, elsewhere it is 1. */
+void BoundSection::note_unbounded_integers() {
+  WarningLimit cap;
+  const std::vector<char>& types = context_.model.types;
+  for (std::size_t j = 0; j < types.size(); ++j) {
+    if (types[j] != 'I' || (!given_.empty() && given_[j] != 0) || !cap.admit()) continue;
+    context_.log.note("Note:  Integer column '" +
+                      std::string(context_.model.columns.name(static_cast<int>(j))) +
+                      "' has no bounds in the file; other programs read an upper bound of 1.\n");
+  }
+  if (cap.suppressed() > 0)
+    context_.log.note("Note:  ... and " + std::to_string(cap.suppressed()) +
+                      " more integer columns without bounds.\n");
 }
 
 void BoundSection::check_integrality(std::size_t j) {

@@ -49,6 +49,7 @@ class BoundSection {
     return context_.model.types.empty() ? 'C' : context_.model.types[column];
   }
   void finalize(std::size_t column);
+  void note_unbounded_integers();
   void check_integrality(std::size_t column);
 
   Context& context_;

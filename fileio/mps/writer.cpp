@@ -322,7 +322,8 @@ void Writer::write_bounds() {
 }
 
 /* Where a record tells the upper bound, one tells the lower bound too unless it is 0 and stays so: readers
- * move a lower bound that is not stated. A binary column with bounds of its own counts as one between 0 and 1
+ * move a lower bound that is not stated. An integer column without bounds says so, because other readers take it for
+ * one between 0 and 1. A binary column with bounds of its own counts as one between 0 and 1
  * unless it is fixed; a fixed one is written as a fixed integer column. */
 void Writer::write_bounds_of(int j) {
   const auto at = static_cast<std::size_t>(j);
@@ -345,7 +346,10 @@ void Writer::write_bounds_of(int j) {
   } else if (lower != 0 || upper <= 0) {
     bound("LO", j, lower);
   }
-  if (!(upper >= kInfinity)) bound("UP", j, upper);
+  if (!(upper >= kInfinity))
+    bound("UP", j, upper);
+  else if (type == 'I' && lower == 0)
+    bound("PL", j);
 }
 
 void Writer::write_sets() {

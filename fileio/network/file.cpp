@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "fileio/record/channel_log.h"
+#include "fileio/record/recording_log.h"
 #include "fileio/record/writer_names.h"
 #include "fileio/stream/write_file.h"
 #include "include/tovik.h"
@@ -12,13 +13,14 @@
 namespace tovik::fileio {
 namespace {
 
-Status read_data(Environment& env, const char* name, model::NetworkData& data) {
+Status read_data(Environment& env, const char* name, model::NetworkData& data, ReadReport& report) {
   OpenRequest request;
   request.name = name;
   request.default_extension = ".net";
   std::unique_ptr<ByteSource> source;
   if (const Status status = open_for_reading(env, request, source); !status.ok()) return status;
-  ChannelLog log(env);
+  ChannelLog channels(env);
+  RecordingLog log(channels, report);
   const ReadFailure failure = read_network(*source, {}, log, data);
   if (const Status s = close_source(env, *source, bool(failure), name); !s.ok()) return s;
   if (failure) return report_failure(env, failure);
@@ -38,7 +40,8 @@ model::NameBlock numbered_names(char letter, int count) {
 
 Status read_network_file(Environment& env, NetworkProblem& problem, const char* name) {
   model::NetworkData data;
-  if (const Status status = read_data(env, name, data); !status.ok()) return status;
+  ReadReport report;
+  if (const Status status = read_data(env, name, data, report); !status.ok()) return status;
   std::string title = std::move(data.problem_name);
   if (title.empty()) title = name;
   problem.network = std::make_unique<model::Network>(std::move(data));
@@ -48,12 +51,15 @@ Status read_network_file(Environment& env, NetworkProblem& problem, const char* 
 
 Status read_network_problem(Environment& env, Problem& problem, const char* name) {
   model::NetworkData data;
-  if (const Status status = read_data(env, name, data); !status.ok()) return status;
+  ReadReport report;
+  if (const Status status = read_data(env, name, data, report); !status.ok()) return status;
   model::ModelData lp = model::lp_of(model::Network(std::move(data)));
   lp.problem_name = name;
   if (lp.row_names.empty()) lp.row_names = numbered_names('n', static_cast<int>(lp.rhs.size()));
   if (lp.column_names.empty()) lp.column_names = numbered_names('a', static_cast<int>(lp.objective.size()));
-  return model::load(env, problem, std::move(lp));
+  const Status status = model::load(env, problem, std::move(lp));
+  if (status.ok()) problem.read_report = std::move(report);
+  return status;
 }
 
 Status write_network_file(Environment& env, const NetworkProblem& problem, const char* name) {

@@ -26,6 +26,14 @@ void ReaderLog::warn(const char* format, ...) {
   warning(text);
 }
 
+void ReaderLog::warn_dropped(const char* format, ...) {
+  std::va_list arguments;
+  va_start(arguments, format);
+  const std::string text = format_text(format, arguments);
+  va_end(arguments);
+  dropped(text);
+}
+
 void ReaderLog::print(const char* format, ...) {
   std::va_list arguments;
   va_start(arguments, format);

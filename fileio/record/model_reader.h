@@ -54,8 +54,13 @@ class ReaderLog {
   virtual ~ReaderLog() = default;
   virtual void warning(std::string_view text) = 0;  // the warning channel
   virtual void result(std::string_view text) = 0;   // the results channel
+  /* A warning after which text of the file is missing in the model: what is solved is not what was written. */
+  virtual void dropped(std::string_view text) { warning(text); }
+  /* What is no fault but may mean something else to other programs: no channel is told. */
+  virtual void note(std::string_view) {}
   /* Formats by the printf rules, whatever the length. */
   void warn(const char* format, ...) __attribute__((format(printf, 2, 3)));
+  void warn_dropped(const char* format, ...) __attribute__((format(printf, 2, 3)));
   void print(const char* format, ...) __attribute__((format(printf, 2, 3)));
 };
 

@@ -174,6 +174,13 @@ void write_ticks(JsonWriter& out, const OptimizationStatistics& statistics) {
 
 }  // namespace
 
+std::int64_t total_ticks(const OptimizationStatistics& statistics) {
+  const simplex::Work& work = statistics.simplex.work;
+  const std::int64_t presolve = statistics.presolve ? statistics.presolve->counts.ticks : 0;
+  return presolve + work.sifting_ticks + work.factor.build_ticks + work.factor.solve_ticks +
+         work.factor.update_ticks + work.other_ticks;
+}
+
 OptimizationStatistics& statistics_of(Problem& problem) {
   if (problem.statistics == nullptr) problem.statistics = std::make_unique<KeptStatistics>();
   return static_cast<KeptStatistics*>(problem.statistics.get())->value;

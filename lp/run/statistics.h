@@ -43,6 +43,9 @@ const OptimizationStatistics* kept_statistics(const Problem& problem);
 
 PresolveStatistics statistics_of(const Presolved& record);
 
+/* All kinds of work together. */
+std::int64_t total_ticks(const OptimizationStatistics& statistics);
+
 /* One JSON object on one line; TVKgetstatistics in tovik.h has its members. */
 std::string json_text(const OptimizationStatistics& statistics);
 

@@ -107,6 +107,53 @@ TEST_F(BasisRoutines, SensitivityRangesEndWhereTheBasisDoes) {
   });
 }
 
+/* At the end of a range the model with that datum has the optimum that was foretold. */
+TEST_F(BasisRoutines, ObjectiveAtTheEndsOfRangesIsThatOfTheChangedModel) {
+  int ends = 0;
+  for_optimal_models(100, [&](const Lp& model, ProbHandle lp) {
+    std::vector<double> low(16), high(16), ulow(16), uhigh(16), at_low(16), at_high(16);
+    const auto expect_at = [&](double end, double foretold, auto change) {
+      if (std::fabs(end) > 1e6) return;
+      int status = 0;
+      ProbHandle copy = TVKcloneprob(env_, lp, &status);
+      ASSERT_EQ(status, 0);
+      ASSERT_EQ(change(copy, end), 0);
+      ASSERT_EQ(TVKlpopt(env_, copy), 0);
+      double value = 0;
+      if (TVKgetstat(env_, copy) == 1) {
+        ASSERT_EQ(TVKgetobjval(env_, copy, &value), 0);
+        EXPECT_NEAR(value, foretold, 1e-6 * (1 + std::fabs(value)));
+        ++ends;
+      }
+      EXPECT_EQ(TVKfreeprob(env_, &copy), 0);
+    };
+    const auto check = [&](int what, int count, auto& from, auto& to, auto change) {
+      ASSERT_EQ(TVKgetsensobjval(env_, lp, what, 0, count - 1, at_low.data(), at_high.data()), 0);
+      for (int k = 0; k < count; ++k) {
+        const auto changed = [&](ProbHandle copy, double v) { return change(copy, k, v); };
+        expect_at(from[k], at_low[k], changed);
+        expect_at(to[k], at_high[k], changed);
+      }
+    };
+    ASSERT_EQ(TVKgetobjsens(env_, lp, 0, model.columns - 1, low.data(), high.data()), 0);
+    check(TVK_SENS_OBJ, model.columns, low, high,
+          [&](ProbHandle copy, int j, double v) { return TVKchgobj(env_, copy, 1, &j, &v); });
+    ASSERT_EQ(TVKgetrhssens(env_, lp, 0, model.rows - 1, low.data(), high.data()), 0);
+    check(TVK_SENS_RHS, model.rows, low, high,
+          [&](ProbHandle copy, int i, double v) { return TVKchgrhs(env_, copy, 1, &i, &v); });
+    ASSERT_EQ(
+        TVKgetboundsens(env_, lp, 0, model.columns - 1, low.data(), high.data(), ulow.data(), uhigh.data()),
+        0);
+    check(TVK_SENS_LB, model.columns, low, high,
+          [&](ProbHandle copy, int j, double v) { return TVKchgbds(env_, copy, 1, &j, "L", &v); });
+    check(TVK_SENS_UB, model.columns, ulow, uhigh,
+          [&](ProbHandle copy, int j, double v) { return TVKchgbds(env_, copy, 1, &j, "U", &v); });
+    EXPECT_EQ(TVKgetsensobjval(env_, lp, 5, 0, 0, at_low.data(), nullptr), TVK_ERROR_BAD_ARGUMENT);
+    EXPECT_EQ(TVKgetsensobjval(env_, lp, 1, 0, 0, nullptr, nullptr), TVK_ERROR_NULL_POINTER);
+  });
+  EXPECT_GT(ends, 200);
+}
+
 TEST_F(BasisRoutines, SolvesWithTheBasisMatrix) {
   for_optimal_models(300, [&](const Lp& model, ProbHandle lp) {
     const int m = model.rows, n = model.columns;

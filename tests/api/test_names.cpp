@@ -13,7 +13,7 @@ class Names : public support::WithModel {
     return TVKgetcolindex(env_, lp_, name, &index) == 0 ? index : -1;
   }
   void add_column(const char* name) {
-    char* names[] = {const_cast<char*>(name)};
+    const char* const names[] = {name};
     ASSERT_EQ(TVKnewcols(env_, lp_, 1, nullptr, nullptr, nullptr, nullptr, name == nullptr ? nullptr : names),
               0);
   }

@@ -49,7 +49,8 @@ TEST_F(Program, JsonHoldsExactlyThePromisedKeys) {
   const Json object = result.json();
   Words keys;
   for (const auto& item : object.items()) keys.push_back(item.key());
-  EXPECT_EQ(keys, (Words{"file",
+  EXPECT_EQ(keys, (Words{"schema",
+                         "file",
                          "rows",
                          "cols",
                          "nonzeros",
@@ -72,7 +73,10 @@ TEST_F(Program, JsonHoldsExactlyThePromisedKeys) {
                          "presolve_seconds",
                          "solve_seconds",
                          "peak_memory_mb",
+                         "warnings",
                          "error"}));
+  EXPECT_EQ(object["schema"], 1);
+  EXPECT_EQ(object["warnings"], Json::array());
   EXPECT_EQ(object["file"], "model.lp");
   EXPECT_EQ(object["rows"], 2);
   EXPECT_EQ(object["cols"], 2);
@@ -130,6 +134,40 @@ TEST_F(Program, ErrorsOfFilesCarryTheName) {
   EXPECT_EQ(result.exit, 7);
   EXPECT_EQ(result.err.rfind("bad.lp: ", 0), 0u) << result.err;
   EXPECT_EQ(run({"-"}, "").exit, 7) << "empty standard input";
+}
+
+TEST_F(Program, ModelOfWhichTextWasIgnoredIsRefused) {
+  write("model.lp", "Minimize\n c: x + y\nSubject To\n a: x >= 1.5 y\n b: y >= 2 + 3\nEnd\n");
+  const Result refused = run({"model.lp", "--json"});
+  EXPECT_EQ(refused.exit, 7);
+  EXPECT_TRUE(refused.json()["status"].is_null());
+  EXPECT_TRUE(contains(refused.json()["error"], "line 4")) << refused.out;
+  EXPECT_TRUE(contains(refused.err, "model.lp: text of the file")) << refused.err;
+  const Result lenient = run({"model.lp", "--json", "--lenient"});
+  EXPECT_EQ(lenient.exit, 0) << lenient.err;
+  ASSERT_EQ(lenient.json()["warnings"].size(), 2u) << lenient.out;
+  EXPECT_TRUE(contains(lenient.json()["warnings"][1], "line 5"));
+  EXPECT_EQ(run({"convert", "model.lp", "out.mps"}).exit, 7);
+  EXPECT_FALSE(fs::exists(folder_ / "out.mps"));
+  EXPECT_EQ(run({"convert", "model.lp", "out.mps", "--lenient"}).exit, 0);
+  EXPECT_EQ(run({"check", "model.lp"}).exit, 9);
+  write("end.lp", "Minimize\n c: x\nSubject To\n a: x >= 1\n");  // a warning after which nothing is missing
+  const Result end = run({"end.lp", "--json"});
+  EXPECT_EQ(end.exit, 0) << end.err;
+  EXPECT_EQ(end.json()["warnings"].size(), 1u);
+}
+
+TEST_F(Program, IntegerColumnsWithoutBoundsAreSaidAndNamed) {
+  write("model.lp", "Maximize\n c: x\nSubject To\n a: x + y <= 3.5\nGenerals\n x\nEnd\n");
+  ASSERT_EQ(run({"convert", "model.lp", "said.mps"}).exit, 0);
+  const std::string said = contents(folder_ / "said.mps");
+  EXPECT_TRUE(contains(said, " PL bnd  x")) << said;
+  EXPECT_FALSE(contains(run({"check", "said.mps"}).out, "no bounds in the file"));
+  const std::size_t at = said.find("BOUNDS");
+  write("silent.mps", said.substr(0, at) + "ENDATA\n");
+  const Result silent = run({"check", "silent.mps"});
+  EXPECT_TRUE(contains(silent.out, "Integer column 'x' has no bounds in the file")) << silent.out;
+  EXPECT_EQ(silent.exit, 0);
 }
 
 TEST_F(Program, UnknownParameterNamesTheNearestAndSolvesNothing) {

@@ -57,6 +57,10 @@ class Statistics : public support::WithSolves {
     EXPECT_EQ(iterations(dual) + iterations(primal) + sifting, TVKgetitcnt(env_, lp));
     EXPECT_EQ(dual["phase1_iterations"].get<int>() + primal["phase1_iterations"].get<int>(),
               TVKgetphase1cnt(env_, lp));
+    double all = 0, kinds = 0;
+    ASSERT_EQ(TVKgetticks(env_, lp, &all), 0);
+    for (const auto& kind : s["ticks"]) kinds += kind.get<double>();
+    EXPECT_EQ(all, kinds);
     const Json& made = simplex["factorizations"];
     int reasons = 0;
     for (const char* reason : {"start", "growth", "update", "pivot", "check", "accuracy"})

@@ -239,7 +239,7 @@ class Twins {
     mirror_.sets.push_back({name, std::string(" ") + type, -1, s.terms, {}});
   }
   using AddRows = int (*)(ConstEnvHandle, ProbHandle, int, int, const double*, const char*, const int*,
-                          const int*, const double*, char**);
+                          const int*, const double*, TVKnames);
   void add_pool(std::vector<Item>& family, AddRows add) {
     const Sparse a = sparse(), b = sparse();
     std::vector<int> index = a.index;
