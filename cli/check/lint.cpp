@@ -15,7 +15,7 @@ namespace {
 
 constexpr Kind kDropped = {"text-ignored", Severity::error, "text of the file is not in the model",
                            "the model says something else than its file: correct the line"};
-constexpr Kind kReadWarning = {"read-warning", Severity::warning, "what the reader warned of",
+constexpr Kind kReadWarning = {"read-warning", Severity::note, "what the reader warned of",
                                "make the file say what is meant"};
 constexpr Kind kReadNote = {"reads-otherwise", Severity::note, "what other programs may read otherwise",
                             "state the bounds: a PL record for none, an UP record for 1"};
