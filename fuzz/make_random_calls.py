@@ -189,7 +189,7 @@ class Routine:
             names.append(parameter)
         handles = {"ConstEnvHandle": "c.environment()", "EnvHandle": "c.environment()",
                    "ConstProbHandle": "c.problem()", "ProbHandle": "c.changing_problem()"}
-        owners = {"env_p": "c.environment()", "child_p": "c.environment()", "lp_p": "c.freed_problem()", "net_p": "c.network()",
+        owners = {"env_p": "c.closed_environment()", "child_p": "c.closed_environment()", "lp_p": "c.freed_problem()", "net_p": "c.network()",
                   "channel_p": "c.channel()"}
         for parameter, kind in declared.items():
             if kind in handles:

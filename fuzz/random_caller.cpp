@@ -67,14 +67,86 @@ void Caller::refill() {
   for (EnvHandle env : environments_) {
     if (TVKversion(env) == nullptr) continue;
     if (chance(30)) TVKsetdefaults(env);
-    TVKsetintparam(env, TVK_PARAM_ITLIM, 2000);
-    TVKsetdblparam(env, TVK_PARAM_TILIM, 2);
   }
   for (const auto& [env, lp] : problems_) {
     ProbHandle large = lp;
     if (TVKgetnumcols(env, lp) > 40 || TVKgetnumrows(env, lp) > 40) TVKfreeprob(env, &large);
   }
+  const auto gone = [](const auto& owned) { return TVKgetnumcols(owned.env, owned.handle) == 0; };
+  if (problems_.size() > 8) std::erase_if(problems_, gone);
+  if (environments_.size() > 4)
+    std::erase_if(environments_, [this](EnvHandle env) { return TVKversion(env) == nullptr && chance(50); });
+  for (EnvHandle env : environments_) {
+    if (TVKversion(env) != nullptr && chance(40)) populate(env);
+  }
   quiet_ = false;
+}
+
+/* Whatever the parameters have become: what runs without a limit may run for ever. */
+void Caller::limit_runs() {
+  const bool quiet = std::exchange(quiet_, true);
+  for (EnvHandle env : environments_) {
+    TVKsetintparam(env, TVK_PARAM_ITLIM, 2000);
+    TVKsetdblparam(env, TVK_PARAM_TILIM, 2);
+  }
+  quiet_ = quiet;
+}
+
+/* A sound problem with something of everything, solved or presolved or neither, and files of it. */
+void Caller::populate(EnvHandle env) {
+  constexpr int kRows = 5, kColumns = 6;
+  int status = 0;
+  ProbHandle lp = TVKcreateprob(env, &status, "sound");
+  if (lp == nullptr) return;
+  std::vector<double> cost, upper(kColumns, 9.0), rhs;
+  std::vector<int> row, column;
+  std::vector<double> value;
+  for (int j = 0; j < kColumns; ++j) cost.push_back(below(9) - 2);
+  for (int i = 0; i < kRows; ++i) rhs.push_back(10 + below(20));
+  TVKnewcols(env, lp, kColumns, cost.data(), nullptr, upper.data(), nullptr, nullptr);
+  TVKnewrows(env, lp, kRows, rhs.data(), chance(50) ? "LLGEL" : "LLLLL", nullptr, nullptr);
+  for (int i = 0; i < kRows; ++i) {
+    for (int j = 0; j < kColumns; ++j) {
+      if (!chance(60)) continue;
+      row.push_back(i), column.push_back(j), value.push_back(1 + below(4));
+    }
+  }
+  if (row.size() > 2)
+    TVKchgcoeflist(env, lp, static_cast<int>(row.size()), row.data(), column.data(), value.data());
+  const int first = 0, second = 1;
+  if (chance(70)) {
+    const char *x1 = "x1", *c1 = "c1";
+    TVKchgcolname(env, lp, 1, &first, const_cast<char**>(&x1));
+    TVKchgrowname(env, lp, 1, &first, const_cast<char**>(&c1));
+  }
+  if (chance(40)) {
+    const int members[] = {0, 1, 2};
+    const double weights[] = {1, 2, 3};
+    TVKcopyctype(env, lp, "CIBCIC");
+    TVKaddsos(env, lp, 1, 3, "1", &first, members, weights, nullptr);
+    TVKaddusercuts(env, lp, 1, 2, rhs.data(), "L", &first, members, weights, nullptr);
+    TVKaddmipstarts(env, lp, 1, 3, &first, members, weights, nullptr, nullptr);
+    TVKcopyorder(env, lp, 1, &second, &second, nullptr);
+    TVKEaddindconstr(env, lp, 2, 0, 2, 4, 'L', members, weights, nullptr);
+  } else if (chance(70)) {
+    if (chance(60)) TVKlpopt(env, lp);
+    if (chance(50)) TVKpresolve(env, lp, 0);
+  }
+  if (chance(10))
+    TVKaddqconstr(env, lp, 1, 1, 3, 'L', &first, rhs.data(), &first, &second, rhs.data(), nullptr);
+  for (const char* name : {"a.lp", "a.mps", "a.sav", "b.lp.gz"})
+    TVKwriteprob(env, lp, (folder_ + '/' + name).c_str(), nullptr);
+  TVKmbasewrite(env, lp, (folder_ + "/a.bas").c_str());
+  TVKsolwrite(env, lp, (folder_ + "/a.sol").c_str());
+  TVKwriterestart(env, lp, (folder_ + "/a.restart").c_str());
+  TVKwritemipstarts(env, lp, (folder_ + "/a.mst").c_str(), 0, 0);
+  made(env, lp);
+  NetProbHandle net = TVKNETcreateprob(env, &status, "sound");
+  const int tail[] = {0, 1, 0}, head[] = {1, 2, 2};
+  const double supply[] = {2, 0, -2};
+  TVKNETaddnodes(env, net, 3, supply, nullptr);
+  TVKNETaddarcs(env, net, 3, tail, head, cost.data(), nullptr, nullptr, nullptr);
+  made(env, net);
 }
 
 bool Caller::step() {
@@ -84,6 +156,7 @@ bool Caller::step() {
   const std::vector<void*> outer = std::exchange(arrays_, {});
   const auto lp = lp_;
   const auto net = net_;
+  EnvHandle const env = env_;
   lp_ = {}, net_ = {}, env_ = nullptr;
   changes_ = false;
   trace_.push_back(std::string(static_cast<std::size_t>(2 * depth_), ' ') + call.name);
@@ -103,6 +176,7 @@ bool Caller::step() {
   }
   const std::uint64_t nested_before = nested_calls_;
   code_ = 0;
+  if (is_optimizer(call.name)) limit_runs();
   call.call(*this);
   succeeded_ += code_ == 0;
   if (compares && changes_ && code_ > 0 && nested_calls_ == nested_before && !is_optimizer(call.name))
@@ -111,6 +185,7 @@ bool Caller::step() {
   arrays_ = outer;
   lp_ = lp;
   net_ = net;
+  env_ = env;
   return holds;
 }
 
@@ -164,17 +239,28 @@ Handle Caller::senseless() {
 
 EnvHandle Caller::environment() {
   if (chance(2)) return env_ = senseless<EnvHandle>();
-  return env_ = environments_[engine_() % environments_.size()];
+  env_ = environments_[engine_() % environments_.size()];
+  for (int k = 0; k < 8 && TVKversion(env_) == nullptr && chance(90); ++k)
+    env_ = environments_[engine_() % environments_.size()];
+  return env_;
+}
+
+EnvHandle Caller::closed_environment() {
+  const EnvHandle env = environment();
+  return chance(85) ? nullptr : env;
 }
 
 /* One of the environment that the call works in, most times. */
 ProbHandle Caller::problem() {
-  if (chance(2)) return senseless<ProbHandle>();
+  lp_ = {env_, senseless<ProbHandle>()};
+  if (chance(2)) return lp_.handle;
+  const bool quiet = std::exchange(quiet_, true);
   std::vector<Owned<ProbHandle>> own;
   for (const auto& lp : problems_) {
-    if (lp.env == env_ || chance(3)) own.push_back(lp);
+    if (TVKgetprobtype(env_, lp.handle) >= 0 || chance(2)) own.push_back(lp);
   }
-  if (own.empty()) return nullptr;
+  quiet_ = quiet;
+  if (own.empty()) return lp_.handle;
   lp_ = own[engine_() % own.size()];
   return lp_.handle;
 }
@@ -189,9 +275,14 @@ ProbHandle Caller::freed_problem() {
 }
 
 NetProbHandle Caller::network() {
-  if (chance(3)) return senseless<NetProbHandle>();
-  if (networks_.empty()) return nullptr;
-  net_ = networks_[engine_() % networks_.size()];
+  net_ = {env_, senseless<NetProbHandle>()};
+  if (chance(3)) return net_.handle;
+  const bool quiet = std::exchange(quiet_, true);
+  for (int k = 0; k < 8 && !networks_.empty(); ++k) {
+    net_ = networks_[engine_() % networks_.size()];
+    if (TVKNETgetobjsen(env_, net_.handle) != 0) break;
+  }
+  quiet_ = quiet;
   return net_.handle;
 }
 
@@ -238,9 +329,18 @@ int Caller::extreme() {
 }
 
 int Caller::integer(const std::string& name, int items) {
+  if (name.find("space") != std::string::npos)  // room that is promised must be there
+    return chance(4) ? std::min(extreme(), -1) : below(40);
   if (chance(4)) return extreme();
   const auto is = [&](const char* other) { return name == other; };
-  if (is("number")) return parameters_[engine_() % parameters_.size()];
+  if (is("number")) {
+    int type = 0;
+    const int wanted = 1 + below(3);
+    int number = parameters_[engine_() % parameters_.size()];
+    for (int k = 0; k < 20 && TVKgetparamtype(env_, number, &type) == 0 && type != wanted; ++k)
+      number = parameters_[engine_() % parameters_.size()];
+    return number;
+  }
   if (is("key")) return "crbsiulqmx"[below(10)];
   if (is("sense") || is("ctype")) return "LGERCBIN"[below(8)];
   if (is("objsense")) return below(2) * 2 - 1;
@@ -251,7 +351,6 @@ int Caller::integer(const std::string& name, int items) {
   if (is("i") || is("j") || is("ij") || is("which") || is("position") || is("indvar"))
     return below(items + 2) - 1;
   if (is("itlim")) return below(50);
-  if (name.find("space") != std::string::npos) return below(40);
   return below(5);
 }
 
@@ -380,7 +479,7 @@ std::size_t Caller::counted_end(const int* begin, const int* count, int vectors)
 
 int Caller::count_of(int (*count)(ConstEnvHandle, ConstProbHandle)) {
   const bool quiet = std::exchange(quiet_, true);
-  const int number = lp_.handle != nullptr ? count(lp_.env, lp_.handle) : 0;
+  const int number = lp_.handle != nullptr ? count(env_, lp_.handle) : 0;
   quiet_ = quiet;
   return number;
 }
@@ -425,13 +524,13 @@ int Caller::reduced_rows() {
 
 int Caller::nodes() {
   const bool quiet = std::exchange(quiet_, true);
-  const int number = net_.handle != nullptr ? TVKNETgetnumnodes(net_.env, net_.handle) : 0;
+  const int number = net_.handle != nullptr ? TVKNETgetnumnodes(env_, net_.handle) : 0;
   quiet_ = quiet;
   return number;
 }
 int Caller::arcs() {
   const bool quiet = std::exchange(quiet_, true);
-  const int number = net_.handle != nullptr ? TVKNETgetnumarcs(net_.env, net_.handle) : 0;
+  const int number = net_.handle != nullptr ? TVKNETgetnumarcs(env_, net_.handle) : 0;
   quiet_ = quiet;
   return number;
 }
@@ -443,7 +542,7 @@ std::string Caller::snapshot() {
   const bool quiet = std::exchange(quiet_, true);
   const std::string name = folder_ + "/snapshot";
   std::string bytes;
-  if (TVKwriterestart(lp_.env, lp_.handle, name.c_str()) == 0) {
+  if (TVKwriterestart(env_, lp_.handle, name.c_str()) == 0) {
     std::ostringstream text;
     text << std::ifstream(name, std::ios::binary).rdbuf();
     bytes = text.str();

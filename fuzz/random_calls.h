@@ -47,6 +47,7 @@ class Caller {
 
   /* ---- arguments ---- */
   EnvHandle environment();
+  EnvHandle closed_environment();  // null most times
   ProbHandle problem();
   ProbHandle changing_problem();  // remembered: the one that the call may change
   ProbHandle freed_problem();
@@ -140,6 +141,8 @@ class Caller {
   int count_of(int (*count)(ConstEnvHandle, ConstProbHandle));
   void open_environment();
   void refill();
+  void limit_runs();
+  void populate(EnvHandle env);
   std::string snapshot();
   bool leaves_problem(const std::string& before);
 
