@@ -137,7 +137,8 @@ void DualRatioTest::select_reachable(const Core& core, double delta) {
       }
     }
     left = kept;
-    if (slope < 0 || left == 0) return;
+    // What an infinite step does not reach is not a number: numbers of the data near the end of their range bring it.
+    if (slope < 0 || left == 0 || std::isinf(reach)) return;
     reach *= 10;
   }
 }
@@ -148,6 +149,7 @@ DualRatioTest::Pick DualRatioTest::choose(Core& core, double delta) {
   if (found_ == 0) return pick;
   select_reachable(core, delta);
   const size_t selected = candidates_.size();
+  if (selected == 0) return pick;
   std::sort(candidates_.begin(), candidates_.end(), [](const Candidate& a, const Candidate& b) {
     return a.ratio != b.ratio ? a.ratio < b.ratio : a.variable < b.variable;
   });
