@@ -165,6 +165,22 @@ TEST(DualRatioTest, StepsLeaveTheDualsFeasible) {
   EXPECT_GT(free_columns, 100);
 }
 
+/* No step reaches a dual that is no number, and the search for one ended never. */
+TEST(DualRatioTest, EndsWhereDualsAreNoNumbers) {
+  Random random(343);
+  for (int round = 0; round < 200; ++round) {
+    TRACE_RANDOM(random, round);
+    Row row(random, Row::Bounds::any);
+    for (int j = 0; j < row.core().total(); ++j) {
+      if (row.is_candidate(j) && random.chance(0.7)) row.core().values.set_dual(j, std::nan(""));
+    }
+    const DualRatioTest::Pick pick = row.choose();
+    if (pick.variable >= 0) {
+      EXPECT_TRUE(row.is_candidate(pick.variable));
+    }
+  }
+}
+
 /* What flips uses up the slope of the dual objective and not more, and no other break point is worth more.
  * All pivots are good ones here: a small one may end the step before. */
 TEST(DualRatioTest, FlipsEndWhereTheSlopeDoes) {
