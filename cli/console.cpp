@@ -4,8 +4,12 @@
 
 namespace tovik::cli {
 
-Console::Console(const Environment& environment, FILE* stream, Verbosity verbosity)
-    : environment_(environment), stream_(stream), verbosity_(verbosity) {
+Console::Console(const Environment& environment, FILE* stream, Verbosity verbosity, bool patient)
+    : environment_(environment),
+      stream_(stream),
+      verbosity_(verbosity),
+      patient_(patient),
+      model_begin_(std::chrono::steady_clock::now()) {
   std::setvbuf(stream, nullptr, _IOLBF, 1 << 16);  // whoever reads a pipe sees progress at once
   EnvHandle env = environment.handle();
   environment.check(TVKgetchannels(env, &results_, &warning_, &error_, nullptr));
@@ -29,7 +33,14 @@ bool Console::open_log(const std::string& name) {
   return true;
 }
 
+void Console::log(const std::string& text) {
+  logging_ = true;
+  TVKmsgstr(results_, text.c_str());
+  logging_ = false;
+}
+
 void Console::print(const std::string& text) {
+  held_.clear();
   printing_ = true;
   TVKmsgstr(results_, text.c_str());
   printing_ = false;
@@ -43,16 +54,31 @@ void Console::begin_model(const std::string& label) {
   label_ = label;
   first_error_.clear();
   presolve_seconds_.reset();
+  held_.clear();
+  model_begin_ = std::chrono::steady_clock::now();
 }
 
 void Console::on_result(void* self, const char* text) {
   auto& console = *static_cast<Console*>(self);
   double seconds = 0;
   if (std::sscanf(text, "Presolve time = %lf sec.", &seconds) == 1) console.presolve_seconds_ = seconds;
+  const bool own = console.printing_ || console.logging_;
+  if (console.verbosity_ == Verbosity::full && !own) return console.show_library_text(text);
   if (console.verbosity_ == Verbosity::full ||
       (console.verbosity_ == Verbosity::results && console.printing_)) {
     std::fputs(text, console.stream_);
   }
+}
+
+void Console::show_library_text(const char* text) {
+  constexpr std::chrono::milliseconds kBlink{200};
+  if (patient_ && std::chrono::steady_clock::now() - model_begin_ < kBlink) {
+    held_ += text;
+    return;
+  }
+  std::fputs(held_.c_str(), stream_);
+  held_.clear();
+  std::fputs(text, stream_);
 }
 
 void Console::on_problem(void* self, const char* text) {

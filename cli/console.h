@@ -6,6 +6,7 @@
  * environment's channels and must be destroyed before the environment. */
 #pragma once
 
+#include <chrono>
 #include <cstdio>
 #include <memory>
 #include <optional>
@@ -20,7 +21,9 @@ enum class Verbosity { full, results, none };
 
 class Console {
  public:
-  Console(const Environment& environment, FILE* stream, Verbosity verbosity);
+  /* `patient`: what the library says in the first fifth of a second is shown when the model takes longer, and
+   * never when it does not. */
+  Console(const Environment& environment, FILE* stream, Verbosity verbosity, bool patient = false);
   ~Console();
   Console(const Console&) = delete;
   Console& operator=(const Console&) = delete;
@@ -28,7 +31,7 @@ class Console {
   /* All four channels also into this file from now on. False when it cannot be opened. */
   bool open_log(const std::string& name);
   /* The program's own lines: of the log, and of the results, which a quiet console still shows. */
-  void log(const std::string& text) { TVKmsgstr(results_, text.c_str()); }
+  void log(const std::string& text);
   void print(const std::string& text);
   /* The program's own error line, in the log file too. */
   void print_error(const std::string& text);
@@ -57,6 +60,7 @@ class Console {
   static void on_problem(void* self, const char* text);
   static void on_error(void* self, const char* text);
   void write_problem(const char* text);
+  void show_library_text(const char* text);
 
   struct Close {
     void operator()(FILE* file) const { std::fclose(file); }
@@ -68,7 +72,10 @@ class Console {
   std::unique_ptr<FILE, Close> log_;
   std::string label_, first_error_;
   std::optional<double> presolve_seconds_;
-  bool printing_ = false;
+  bool printing_ = false, logging_ = false;
+  bool patient_;      // lines of the library wait
+  std::string held_;  // ... here
+  std::chrono::steady_clock::time_point model_begin_;
   bool at_line_start_ = true;
   int silenced_ = 0;
 };

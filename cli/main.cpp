@@ -1,4 +1,6 @@
 /* The program `tovik`: verbs, the run over several models, and the exit status. */
+#include <unistd.h>
+
 #include <cstdio>
 #include <exception>
 #include <mutex>
@@ -15,6 +17,7 @@
 #include "cli/solve/report.h"
 #include "cli/solve/solve.h"
 #include "cli/verify/run.h"
+#include "cli/version.h"
 
 namespace tovik::cli {
 
@@ -50,6 +53,7 @@ class Run {
   ExitStatus one(const std::string& file) {
     set_current(file);
     const auto show = [this](const Model& model, const Outcome& outcome) {
+      if (options_.quiet && options_.models.size() > 1) console_.print("\nModel       " + outcome.file);
       console_.print(closing_block(model, outcome));
       const bool asked = options_.print_values || (model.columns() <= kFewColumns && !options_.quiet);
       if (outcome.feasible && asked) console_.print(value_table(model, outcome, options_.print_values));
@@ -95,7 +99,7 @@ Verbosity verbosity_of(const Options& options) {
 }
 
 ExitStatus solve_all(const Environment& environment, const Parameters& parameters, const Options& options) {
-  Console console(environment, options.json ? stderr : stdout, verbosity_of(options));
+  Console console(environment, options.json ? stderr : stdout, verbosity_of(options), !options.verbose);
   if (!options.log_file.empty() && !console.open_log(options.log_file)) {
     std::fprintf(stderr, "tovik: cannot write %s\n", options.log_file.c_str());
     return ExitStatus::usage;
@@ -106,9 +110,13 @@ ExitStatus solve_all(const Environment& environment, const Parameters& parameter
 }
 
 ExitStatus list_parameters(const Parameters& parameters, const Options& options) {
-  const std::string table = parameters.table(options.pattern);
+  const std::string table = parameters.table(options.pattern, options.all);
   if (table.empty()) {
-    std::fprintf(stderr, "tovik: no parameter matches %s\n", options.pattern.c_str());
+    const bool hidden = !parameters.table(options.pattern, true).empty();
+    std::fprintf(stderr,
+                 hidden ? "tovik: parameters that match %s have no effect in this version; --all shows them\n"
+                        : "tovik: no parameter matches %s\n",
+                 options.pattern.c_str());
     return ExitStatus::usage;
   }
   std::fputs(table.c_str(), stdout);
@@ -122,13 +130,40 @@ bool read_parameters(const Environment& environment, const std::string& file) {
   return TVKreadcopyparam(environment.handle(), file.c_str()) == 0;
 }
 
+/* Opening the library may say which parameter file it reads, on standard output, which with --json is not its. */
+class OutputToErrors {
+ public:
+  explicit OutputToErrors(bool wanted) {
+    if (!wanted) return;
+    std::fflush(stdout);
+    kept_ = dup(STDOUT_FILENO);
+    if (kept_ >= 0) dup2(STDERR_FILENO, STDOUT_FILENO);
+  }
+  ~OutputToErrors() {
+    if (kept_ < 0) return;
+    std::fflush(stdout);
+    dup2(kept_, STDOUT_FILENO);
+    close(kept_);
+  }
+  OutputToErrors(const OutputToErrors&) = delete;
+  OutputToErrors& operator=(const OutputToErrors&) = delete;
+
+ private:
+  int kept_ = -1;
+};
+
+Environment open_environment(bool json) {
+  const OutputToErrors redirected(json);
+  return Environment();
+}
+
 ExitStatus run(int argc, const char* const* argv) {
   const auto parsed = parse_options(argc, argv);
   if (const auto* done = std::get_if<ExitStatus>(&parsed)) return *done;
   const Options& options = std::get<Options>(parsed);
-  const Environment environment;
+  const Environment environment = open_environment(options.json);
   if (options.verb == Verb::version) {
-    std::printf("TOVIK %s\n", environment.version().c_str());
+    std::printf("TOVIK %s\ncommit %s\nlicence Apache-2.0\n", environment.version().c_str(), kCommit);
     return ExitStatus::solved;
   }
   const Parameters parameters(environment);

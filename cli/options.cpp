@@ -2,8 +2,10 @@
 
 #include <CLI/CLI.hpp>
 #include <cstdio>
+#include <filesystem>
 #include <map>
 
+#include "cli/text.h"
 #include "tovik.h"
 
 namespace tovik::cli {
@@ -37,7 +39,10 @@ const std::vector<Shorthand>& shorthands() {
   static const std::vector<Shorthand> table = {
       {"-t,--time-limit", "--time-limit", "Seconds (wall clock) that solving may take", {"TILIM"}},
       {"--ticks", "--ticks", "Limit on deterministic work, in ticks", {kTickLimit}},
-      {"--threads", "--threads", "Most threads to use, 0: as many as there are processors", {"THREADS"}},
+      {"--threads",
+       "--threads",
+       "Most threads to use; 0, or more than there are: as many as there are processors",
+       {"THREADS"}},
       {"--gap", "--gap", "Relative gap at which a mixed-integer search may end", {"EPGAP"}},
       {"--seed", "--seed", "Seed of the random numbers", {kRandomSeed}},
   };
@@ -84,7 +89,8 @@ void add_parameter_options(CLI::App& app, Options& options) {
                       options.assignments.push_back({shorthand.origin, name, value});
                   });
   }
-  add_assigning(app, "--method", "NAME", "auto, primal, dual, network, barrier, sifting or concurrent",
+  add_assigning(app, "--method", "NAME",
+                "auto, primal, dual or sifting; network and barrier run the dual, concurrent is auto",
                 [&options](const std::string& name) {
                   const auto method = methods().find(CLI::detail::to_lower(name));
                   if (method == methods().end())
@@ -103,7 +109,12 @@ const char kSolveFooter[] =
     "Each model is read (LP or MPS format, .gz and .bz2 too; - reads standard input), optimized, and "
     "checked.\n"
     "\n"
-    "Other verbs: tovik params [PATTERN]   list the parameters: value, default, range, meaning\n"
+    "Examples:    tovik plan.mps.gz -t 60 --solution plan.sol\n"
+    "             tovik *.lp --json -q\n"
+    "             tovik plan.lp --set EPRHS=1e-9 --method dual\n"
+    "\n"
+    "Other verbs: tovik help VERB          the options of one of these\n"
+    "             tovik params [PATTERN]   list the parameters: value, default, range, meaning\n"
     "             tovik convert IN OUT     write a model in the format that the name OUT tells\n"
     "             tovik display MODEL      sizes; with a PATTERN what fits it\n"
     "             tovik check MODEL ...    what looks wrong in a model, by name\n"
@@ -126,6 +137,7 @@ void describe_solve(CLI::App& app, Options& options) {
   app.add_flag_callback(
       "-v,--verbose",
       [&options] {
+        options.verbose = true;
         for (const char* name : {"SIMDISPLAY", "BARDISPLAY", "SIFTDISPLAY"})
           options.assignments.push_back({"-v", name, "2"});
       },
@@ -160,6 +172,7 @@ void describe_params(CLI::App& app, Options& options) {
       "of a name. Values are those that a solve with the same options would use; changed ones are marked "
       "with *.");
   app.add_option("pattern", options.pattern)->type_name("PATTERN");
+  app.add_flag("--all", options.all, "Parameters too that have no effect in this version");
   add_parameter_options(app, options);
 }
 
@@ -172,7 +185,7 @@ void describe_convert(CLI::App& app, Options& options) {
       ".bz2.");
   app.add_option("models", options.models)->required()->expected(2)->type_name("IN OUT");
   add_lenient(app, options);
-  add_parameter_options(app, options);
+  add_setting_options(app, options);
 }
 
 void describe_display(CLI::App& app, Options& options) {
@@ -182,7 +195,7 @@ void describe_display(CLI::App& app, Options& options) {
       "'x?', shows the\nrows, constraints, sets and bounds whose names fit. Exit status: 0, or 7 for a file "
       "that is missing or malformed.");
   app.add_option("models", options.models)->required()->expected(1, 2)->type_name("MODEL [PATTERN]");
-  add_parameter_options(app, options);
+  add_setting_options(app, options);
 }
 
 void describe_verify(CLI::App& app, Options& options) {
@@ -243,16 +256,78 @@ void describe(CLI::App& app, Options& options) {
   }
 }
 
+constexpr std::pair<const char*, Verb> kVerbs[] = {{"solve", Verb::solve},     {"params", Verb::params},
+                                                   {"convert", Verb::convert}, {"verify", Verb::verify},
+                                                   {"check", Verb::check},     {"display", Verb::display}};
+
 Verb verb_of(const std::string& word) {
-  const std::pair<const char*, Verb> verbs[] = {{"params", Verb::params},
-                                                {"convert", Verb::convert},
-                                                {"verify", Verb::verify},
-                                                {"check", Verb::check},
-                                                {"display", Verb::display}};
-  for (const auto& [name, verb] : verbs) {
+  for (const auto& [name, verb] : kVerbs) {
     if (word == name) return verb;
   }
   return Verb::solve;
+}
+
+/* " check", what stands behind `tovik help` for a verb. */
+std::string verb_suffix(Verb verb) {
+  for (const auto& [name, which] : kVerbs) {
+    if (which == verb && verb != Verb::solve) return std::string(" ") + name;
+  }
+  return "";
+}
+
+constexpr std::size_t kNear = 2;  // edits that a slip of the fingers makes
+
+std::string nearest_verb(const std::string& word) {
+  std::string nearest;
+  std::size_t least = kNear + 1;
+  for (const auto& [name, verb] : kVerbs) {
+    const std::size_t distance = edit_distance(word, name);
+    if (distance < least) nearest = name, least = distance;
+  }
+  return nearest;
+}
+
+/* `help VERB` becomes `VERB --help`. False, said on standard error, for a verb that does not exist. */
+bool take_help(std::vector<std::string>& words, Options& options) {
+  const std::string word = words.size() > 1 ? words[1] : "solve";
+  options.verb = verb_of(word);
+  words.assign(1, "--help");
+  if (word == "solve" || options.verb != Verb::solve) return true;
+  const std::string nearest = nearest_verb(word);
+  std::fprintf(stderr, "tovik: no verb is called '%s'%s\n", word.c_str(),
+               nearest.empty() ? "" : ("; did you mean " + nearest + "?").c_str());
+  return false;
+}
+
+/* A first word that is nearly a verb, and no file. */
+bool mistyped_verb(const std::vector<std::string>& words, const Options& options) {
+  if (words.empty() || options.verb != Verb::solve || words.front().find_first_of("./-") != std::string::npos)
+    return false;
+  const std::string nearest = nearest_verb(words.front());
+  if (nearest.empty() || nearest == words.front() || std::filesystem::exists(words.front())) return false;
+  std::fprintf(stderr, "tovik: '%s' is no file; did you mean tovik %s?\n", words.front().c_str(),
+               nearest.c_str());
+  return true;
+}
+
+/* For each option that does not exist the ones it nearly is: "--threds: did you mean --threads?" */
+std::string near_options(const CLI::App& app, const std::vector<std::string>& words) {
+  std::string text;
+  for (const std::string& word : words) {
+    if (!word.starts_with("--")) continue;
+    const std::string typed =
+        word.substr(2, word.find('=') == std::string::npos ? word.npos : word.find('=') - 2);
+    std::string nearest;
+    std::size_t least = kNear + 1;
+    for (const CLI::Option* option : app.get_options()) {
+      for (const std::string& name : option->get_lnames()) {
+        const std::size_t distance = edit_distance(typed, name);
+        if (distance < least) nearest = name, least = distance;
+      }
+    }
+    if (!nearest.empty() && least > 0) text += "--" + typed + ": did you mean --" + nearest + "?\n";
+  }
+  return text;
 }
 
 /* Each of these files belongs to one model. */
@@ -273,6 +348,9 @@ std::variant<Options, ExitStatus> parse_options(int argc, const char* const* arg
     options.verb = verb_of(words.front());
     words.erase(words.begin());
   }
+  const bool help = !words.empty() && words.front() == "help" && options.verb == Verb::solve;
+  if (help && !take_help(words, options)) return ExitStatus::usage;
+  if (!help && mistyped_verb(words, options)) return ExitStatus::usage;
   CLI::App app;
   describe(app, options);
   const bool nothing_said = words.empty() && options.verb != Verb::params;
@@ -287,7 +365,8 @@ std::variant<Options, ExitStatus> parse_options(int argc, const char* const* arg
     std::fputs(app.help().c_str(), stdout);
     return nothing_said ? ExitStatus::usage : ExitStatus::solved;
   } catch (const CLI::ParseError& error) {
-    std::fprintf(stderr, "tovik: %s\nRun tovik --help for the options.\n", error.what());
+    std::fprintf(stderr, "tovik: %s\n%sRun tovik help%s for the options.\n", error.what(),
+                 near_options(app, words).c_str(), verb_suffix(options.verb).c_str());
     return ExitStatus::usage;
   }
   if (options.verb == Verb::solve && options.models.size() > 1 && names_one_model_file(options)) {

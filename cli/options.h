@@ -31,6 +31,8 @@ struct Options {
   std::string log_file;
   bool relax = false;
   bool quiet = false;
+  bool verbose = false;
+  bool all = false;  // of `params`: those without effect too
   bool print_values = false;
   bool json = false;
   bool statistics = false;  // what the optimization has counted

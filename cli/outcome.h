@@ -45,6 +45,30 @@ struct Violations {
   double dual() const { return dual_row.amount > dual_column.amount ? dual_row.amount : dual_column.amount; }
 };
 
+/* A row or a bound of a proof of infeasibility: "name >= limit", and the multiplier that it has there. */
+struct ProofPart {
+  std::string name;
+  char side;  // '<', '>', '='
+  double limit, weight;
+};
+/* Rows and bounds that no point satisfies together; empty where there is none. */
+struct Proof {
+  double gap = 0;
+  std::vector<ProofPart> rows, bounds;
+  bool empty() const { return rows.empty() && bounds.empty(); }
+};
+/* A column of a direction along which the objective improves for ever. */
+struct Movement {
+  std::string name;
+  double rate;
+};
+
+struct Value {
+  std::string name;
+  double value;
+  std::optional<double> dual;  // reduced cost of a column, dual value of a row
+};
+
 struct Outcome {
   std::string file;
   std::optional<int> rows, columns, nonzeros, problem_type;
@@ -54,7 +78,12 @@ struct Outcome {
   std::optional<double> objective, best_bound, gap;
   std::optional<Violations> violations;  // of the values, where there are any
   std::optional<int> simplex_iterations, barrier_iterations, nodes;
-  std::optional<int> threads;
+  std::optional<double> ticks;  // deterministic work
+  std::optional<int> threads;   // that ran
+  Proof proof;                  // of an infeasible model
+  std::vector<Movement> ray;    // of an unbounded one
+  bool so_far = false;          // a limit came before feasibility: the violations are those of the last point
+  std::vector<Value> column_values, row_values;  // for JSON, where they are asked for
   std::string method;
   std::optional<double> read_seconds, presolve_seconds, solve_seconds;
   double peak_memory_mb = 0;

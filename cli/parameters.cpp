@@ -5,7 +5,8 @@
 #include <cctype>
 #include <charconv>
 #include <cmath>
-#include <numeric>
+
+#include "cli/text.h"
 
 namespace tovik::cli {
 
@@ -13,6 +14,7 @@ namespace {
 
 constexpr int kFirstNumber = 1001, kLastNumber = 5999;
 constexpr char kPrefix[] = "TVK_PARAM_";
+constexpr char kWithoutEffect[] = "Stored, without effect";  // how such a parameter's description begins
 constexpr std::size_t kSuggestions = 3;
 
 std::string upper(std::string text) {
@@ -36,24 +38,6 @@ bool parse(const std::string& text, Number& value) {
 std::string shortest(double value) {
   std::array<char, 32> buffer{};
   return {buffer.data(), std::to_chars(buffer.data(), buffer.data() + buffer.size(), value).ptr};
-}
-
-/* Edits (insert, delete, replace, swap neighbours) that turn one word into the other. */
-std::size_t edit_distance(const std::string& a, const std::string& b) {
-  std::vector<std::size_t> before(b.size() + 1), row(b.size() + 1), next(b.size() + 1);
-  std::iota(row.begin(), row.end(), std::size_t{0});
-  for (std::size_t i = 1; i <= a.size(); ++i) {
-    next[0] = i;
-    for (std::size_t j = 1; j <= b.size(); ++j) {
-      const bool same = a[i - 1] == b[j - 1];
-      next[j] = std::min({next[j - 1] + 1, row[j] + 1, row[j - 1] + (same ? 0 : 1)});
-      if (i > 1 && j > 1 && a[i - 1] == b[j - 2] && a[i - 2] == b[j - 1])
-        next[j] = std::min(next[j], before[j - 2] + 1);
-    }
-    before.swap(row);
-    row.swap(next);
-  }
-  return row[b.size()];
 }
 
 /* Shell-like match of a whole name; both in upper case. */
@@ -107,6 +91,7 @@ void Parameters::apply(const Assignment& assignment) const {
     case TVK_PARAMTYPE_INT:
       if (!parse(assignment.value, integer))
         throw ParameterError(what + ": needs a whole number within " + texts(entry).range);
+      if (assignment.origin == "--threads") integer = std::min(integer, TVKEgetmaxthreads(env));
       code = TVKsetintparam(env, entry.number, integer);
       break;
     case TVK_PARAMTYPE_DOUBLE:
@@ -185,7 +170,7 @@ std::string Parameters::changed() const {
   return line;
 }
 
-std::string Parameters::table(const std::string& pattern) const {
+std::string Parameters::table(const std::string& pattern, bool with_unused) const {
   const std::string wanted = without_prefix(upper(pattern));
   const bool wildcard = wanted.find_first_of("*?") != std::string::npos;
   std::vector<std::array<std::string, 5>> rows = {{"name", "value", "default", "range", "meaning"}};
@@ -193,7 +178,7 @@ std::string Parameters::table(const std::string& pattern) const {
     const bool listed =
         wildcard ? matches(entry.name.c_str(), wanted.c_str())
                  : entry.name.find(wanted) != std::string::npos || has_word(upper(entry.meaning), wanted);
-    if (!listed) continue;
+    if (!listed || (!with_unused && entry.meaning.starts_with(kWithoutEffect))) continue;
     const Texts text = texts(entry);
     rows.push_back({entry.name, text.value + (text.value == text.standard ? "" : "*"), text.standard,
                     text.range, entry.meaning});

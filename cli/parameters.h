@@ -24,8 +24,9 @@ class Parameters {
   void apply(const Assignment& assignment) const;
   /* "TILIM=60 THREADS=2": the named parameters that differ from their defaults; "" when none does. */
   std::string changed() const;
-  /* Lines of name, value, default, range and meaning; "" when nothing matches. */
-  std::string table(const std::string& pattern) const;
+  /* Lines of name, value, default, range and meaning; "" when nothing matches. `with_unused`: of parameters too that
+   * this version stores and nothing reads. */
+  std::string table(const std::string& pattern, bool with_unused) const;
 
  private:
   struct Entry {

@@ -44,6 +44,7 @@ endif()
 # Installed tree: library, header, CMake package `tovik`, pkg-config module `tovik`.
 set(tovik_package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/tovik)
 install(TARGETS ${tovik_installed} EXPORT tovikTargets)
+install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(FILES include/tovik.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(EXPORT tovikTargets NAMESPACE tovik:: DESTINATION ${tovik_package_dir})
 configure_package_config_file(cmake/tovikConfig.cmake.in ${CMAKE_CURRENT_BINARY_DIR}/tovikConfig.cmake

@@ -58,23 +58,6 @@ void types_and_bounds(const LintModel& m, int j, Findings& findings) {
   if (size >= kHugeInteger && size < kNearlyInfinite) findings.add(kHugeBounds, size, text);
 }
 
-/* Columns that constraints beside the matrix mention. */
-std::vector<char> mentioned_elsewhere(const LintModel& m) {
-  std::vector<char> mentioned(static_cast<std::size_t>(m.columns));
-  const auto all = [&](const std::vector<int>& columns) {
-    for (const int j : columns) mentioned[static_cast<std::size_t>(j)] = 1;
-  };
-  for (const ExtraRow& row : lazy_constraints(m.model)) all(row.index);
-  for (const OrderedSet& set : ordered_sets(m.model)) all(set.index);
-  for (const IndicatorRow& row : indicators(m.model)) all(row.index), all({row.column});
-  for (const QuadraticRow& row : quadratic_rows(m.model)) all(row.index), all(row.first), all(row.second);
-  const Vectors objective = quadratic_objective(m.model);
-  for (int j = 0; j < objective.count(); ++j) {
-    if (objective[j].size() > 0) all({j});
-  }
-  return mentioned;
-}
-
 void empty_column(const LintModel& m, int j, Findings& findings) {
   const double slope = m.direction * m.cost[static_cast<std::size_t>(j)];
   const bool drives = slope < 0 ? std::isinf(m.upper(j)) : slope > 0 && std::isinf(m.lower(j));

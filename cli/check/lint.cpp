@@ -32,7 +32,7 @@ Findings examine(const Model& model, int most) {
   reading(model, findings);
   const LintModel data(model);
   for (const auto check : {lint_columns, lint_rows, lint_families, lint_parallel, lint_ranges, lint_big_m,
-                           lint_fractions, lint_names})
+                           lint_fractions, lint_names, lint_propagation})
     check(data, findings);
   return findings;
 }

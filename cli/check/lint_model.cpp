@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "cli/text.h"
+
 namespace tovik::cli {
 
 namespace {
@@ -27,6 +29,28 @@ Vectors transposed(const Vectors& rows, int columns) {
 }
 
 }  // namespace
+
+std::vector<char> mentioned_elsewhere(const LintModel& m) {
+  std::vector<char> mentioned(static_cast<std::size_t>(m.columns));
+  const auto all = [&](const std::vector<int>& columns) {
+    for (const int j : columns) mentioned[static_cast<std::size_t>(j)] = 1;
+  };
+  for (const ExtraRow& row : lazy_constraints(m.model)) all(row.index);
+  for (const OrderedSet& set : ordered_sets(m.model)) all(set.index);
+  for (const IndicatorRow& row : indicators(m.model)) all(row.index), all({row.column});
+  for (const QuadraticRow& row : quadratic_rows(m.model)) all(row.index), all(row.first), all(row.second);
+  const Vectors objective = quadratic_objective(m.model);
+  for (int j = 0; j < objective.count(); ++j) {
+    if (objective[j].size() > 0) all({j});
+  }
+  return mentioned;
+}
+
+std::string limits_text(double lower, double upper) {
+  if (lower == upper) return format("= %.10g", lower);
+  if (std::isinf(lower)) return format("<= %.10g", upper);
+  return std::isinf(upper) ? format(">= %.10g", lower) : format("in [%.10g, %.10g]", lower, upper);
+}
 
 LintModel::LintModel(const Model& source)
     : model(source),

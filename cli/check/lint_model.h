@@ -31,6 +31,12 @@ struct LintModel {
   bool binary(int j) const { return integer(j) && lower(j) == 0 && upper(j) == 1; }
 };
 
+/* "= 4", "<= 4", ">= 4" or "in [1, 4]". */
+std::string limits_text(double lower, double upper);
+
+/* 1 for each column that a constraint beside the matrix, a set or the quadratic objective mentions. */
+std::vector<char> mentioned_elsewhere(const LintModel& m);
+
 /* The least and largest value that a row's terms can add up to within the bounds; infinite terms are counted,
  * so that one term can be taken out again. */
 class ActivityBounds {
@@ -58,5 +64,7 @@ void lint_parallel(const LintModel& model,
 void lint_fractions(const LintModel& model, Findings& findings);  // 0.333333 in integer equations
 void lint_families(const LintModel& model, Findings& findings);   // sets and indicators
 void lint_names(const LintModel& model, Findings& findings);
+/* Last, and only where nothing else is wrong: bounds implied by several rows. */
+void lint_propagation(const LintModel& model, Findings& findings);
 
 }  // namespace tovik::cli

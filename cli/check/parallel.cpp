@@ -111,8 +111,12 @@ void parallel_rows(const LintModel& m, Findings& findings) {
     upper = std::min(upper, m.row.upper[at]);
     const double gap = lower - upper;
     const bool crossed = gap > kFeasibility * std::max(1.0, std::abs(upper));
-    findings.add(crossed ? kContradiction : kRows, crossed ? gap : 0,
-                 [&] { return m.row_name(other) + format(" = %.10g * ", factor) + m.row_name(first); });
+    findings.add(crossed ? kContradiction : kRows, crossed ? gap : 0, [&] {
+      const std::string text = m.row_name(other) + format(" = %.10g * ", factor) + m.row_name(first);
+      return crossed ? text + ": " + m.row_name(other) + " " + limits_text(m.row.lower[to], m.row.upper[to]) +
+                           ", " + m.row_name(first) + " " + limits_text(m.row.lower[at], m.row.upper[at])
+                     : text;
+    });
   };
   const auto near = [&](int first, int other) {
     findings.add(kNearlyParallel, 0, [&] { return m.row_name(other) + " and " + m.row_name(first); });
@@ -121,9 +125,11 @@ void parallel_rows(const LintModel& m, Findings& findings) {
 }
 
 void duplicate_columns(const LintModel& m, Findings& findings) {
+  const std::vector<char> elsewhere = mentioned_elsewhere(m);  // they differ in more than the matrix
   const auto same = [&](int first, int other) {
     const double factor = m.by_column[other].value[0] / m.by_column[first].value[0];
     const auto at = static_cast<std::size_t>(first), to = static_cast<std::size_t>(other);
+    if (elsewhere[at] != 0 || elsewhere[to] != 0) return;
     if (factor != 1 || m.cost[at] != m.cost[to] || m.type[at] != m.type[to]) return;
     findings.add(kColumns, 0, [&] { return m.column_name(other) + " and " + m.column_name(first); });
   };

@@ -23,12 +23,6 @@ constexpr Kind kRedundant = {"redundant-row", Severity::note, "rows that the bou
 constexpr Kind kFree = {"free-row", Severity::note, "rows without a limit", "they only report a value"};
 constexpr Kind kEmpty = {"empty-row", Severity::note, "rows without columns", "did they lose their columns?"};
 
-std::string limits(double lower, double upper) {
-  if (lower == upper) return format("= %.10g", lower);
-  if (std::isinf(lower)) return format("<= %.10g", upper);
-  return std::isinf(upper) ? format(">= %.10g", lower) : format("in [%.10g, %.10g]", lower, upper);
-}
-
 void examine(const LintModel& m, int i, Findings& findings) {
   const double lower = m.row.lower[static_cast<std::size_t>(i)],
                upper = m.row.upper[static_cast<std::size_t>(i)];
@@ -38,7 +32,8 @@ void examine(const LintModel& m, int i, Findings& findings) {
     activity.add(entries.value[e], m.lower(entries.index[e]), m.upper(entries.index[e]));
   const double least = activity.least(), largest = activity.largest(), rounding = activity.rounding();
   const auto text = [&] {
-    return m.row_name(i) + format(": activity in [%.10g, %.10g], ", least, largest) + limits(lower, upper);
+    return m.row_name(i) + format(": activity in [%.10g, %.10g], ", least, largest) +
+           limits_text(lower, upper);
   };
   const auto above = [&](double a, double b) {
     return a - b > kFeasibility * std::max(1.0, std::abs(b)) + rounding;
@@ -46,7 +41,7 @@ void examine(const LintModel& m, int i, Findings& findings) {
   const bool impossible = above(least, upper) || above(lower, largest);
   if (entries.size() == 0)
     return findings.add(impossible ? kEmptyInfeasible : kEmpty, 0,
-                        [&] { return m.row_name(i) + ": 0 " + limits(lower, upper); });
+                        [&] { return m.row_name(i) + ": 0 " + limits_text(lower, upper); });
   if (impossible) return findings.add(kInfeasible, std::max(least - upper, lower - largest), text);
   if (std::isinf(lower) && std::isinf(upper)) return findings.add(kFree, 0, [&] { return m.row_name(i); });
   if (least == largest) return;  // all columns are fixed

@@ -4,6 +4,7 @@
 #include <system_error>
 
 #include "cli/input.h"
+#include "cli/solve/lp_names.h"
 
 namespace tovik::cli {
 
@@ -69,6 +70,8 @@ ExitStatus convert(const Environment& environment, const Options& options) {
     reading = false;
     console.set_label(to);
     environment.check(TVKwriteprob(environment.handle(), model.handle(), to.c_str(), nullptr));
+    const std::string changed = is_lp_file(to) ? names_not_in_lp(model) : "";
+    if (!changed.empty()) console.print_error("names that an LP file cannot hold were changed: " + changed);
     return ExitStatus::solved;
   } catch (const LibraryError& error) {
     return reading ? exit_status_of_read_error(error.code) : exit_status_of_write_error(error.code);

@@ -1,5 +1,6 @@
 #include "cli/solve/report.h"
 
+#include <algorithm>
 #include <cmath>
 #include <nlohmann/json.hpp>
 
@@ -19,6 +20,13 @@ std::string worst(const char* what, const LargestViolation& largest, NameOf name
   return largest.index < 0 ? text : text + " (" + name_of(largest.index) + ")";
 }
 
+/* The point at which a limit came. */
+std::string so_far_line(const Model& model, const Violations& violations) {
+  return "Violated    " + worst("rows", violations.row, [&model](int i) { return model.row_name(i); }) +
+         ", " + worst("bounds", violations.bound, [&model](int j) { return model.column_name(j); }) +
+         " at the last point\n";
+}
+
 std::string checked_line(const Model& model, const Violations& violations) {
   const auto row = [&model](int i) { return model.row_name(i); };
   const auto column = [&model](int j) { return model.column_name(j); };
@@ -36,12 +44,45 @@ std::string checked_line(const Model& model, const Violations& violations) {
   return line + "\n";
 }
 
+constexpr std::size_t kFewParts = 10;  // of a proof or a ray, unless all values are to be printed
+
+/* "<= 4" for a side and its limit. */
+std::string side_text(const ProofPart& part) {
+  return (part.side == '=' ? std::string("= ") : std::string(1, part.side) + "= ") +
+         format("%.12g", part.limit);
+}
+
+/* The first few of a list, a line each, and how many more there are. */
+template <class Part, class Text>
+std::string few(const std::vector<Part>& parts, const char* what, Text text_of) {
+  std::string lines;
+  for (std::size_t k = 0; k < std::min(parts.size(), kFewParts); ++k)
+    lines += "            " + std::string(what) + " " + text_of(parts[k]) + "\n";
+  if (parts.size() > kFewParts)
+    lines += format("            and %zu %ss more (all with --json)\n", parts.size() - kFewParts, what);
+  return lines;
+}
+
+std::string proof_text(const Proof& proof) {
+  const auto part = [](const ProofPart& p) { return p.name + " " + side_text(p); };
+  return "Proof       " + counted(static_cast<long>(proof.rows.size()), "row") + " and " +
+         counted(static_cast<long>(proof.bounds.size()), "bound") + " contradict each other:\n" +
+         few(proof.rows, "row", part) + few(proof.bounds, "bound", part);
+}
+
+std::string ray_text(const std::vector<Movement>& ray) {
+  return "Ray         " + counted(static_cast<long>(ray.size()), "column") +
+         " can move without end, the objective improving:\n" +
+         few(ray, "column", [](const Movement& m) { return m.name + format(" by %+.6g", m.rate); });
+}
+
 std::string work_line(const Outcome& outcome) {
   std::string line = format("Work        %.2f s", outcome.solve_seconds.value_or(0));
   if (outcome.nodes) line += ", " + counted(*outcome.nodes, "node");
   if (outcome.simplex_iterations) line += ", " + counted(*outcome.simplex_iterations, "iteration");
   if (outcome.barrier_iterations.value_or(0) > 0)
     line += ", " + counted(*outcome.barrier_iterations, "barrier iteration");
+  if (outcome.ticks) line += format(", %.0f ticks", *outcome.ticks);
   if (!outcome.method.empty()) line += ", " + outcome.method;
   if (outcome.threads) line += ", " + counted(*outcome.threads, "thread");
   return line + format(", %.0f MB\n", outcome.peak_memory_mb);
@@ -57,6 +98,33 @@ Json number(const std::optional<int>& value) {
 }
 Json text(const std::string& value) {
   return value.empty() ? Json(nullptr) : Json(value);
+}
+
+Json parts_json(const std::vector<ProofPart>& parts) {
+  Json all = Json::array();
+  for (const ProofPart& part : parts) {
+    const std::string sense = part.side == '=' ? "=" : std::string(1, part.side) + "=";
+    all.push_back(
+        {{"name", part.name}, {"sense", sense}, {"limit", part.limit}, {"multiplier", part.weight}});
+  }
+  return all;
+}
+
+Json proof_json(const Proof& proof) {
+  return {{"gap", proof.gap}, {"rows", parts_json(proof.rows)}, {"bounds", parts_json(proof.bounds)}};
+}
+
+Json ray_json(const std::vector<Movement>& ray) {
+  Json all = Json::array();
+  for (const Movement& movement : ray) all.push_back({{"name", movement.name}, {"rate", movement.rate}});
+  return all;
+}
+
+Json values_json(const std::vector<Value>& values, const char* value_key, const char* dual_key) {
+  Json all = Json::array();
+  for (const Value& value : values)
+    all.push_back({{"name", value.name}, {value_key, value.value}, {dual_key, number(value.dual)}});
+  return all;
 }
 
 }  // namespace
@@ -75,7 +143,14 @@ std::string closing_block(const Model& model, const Outcome& outcome) {
   if (outcome.best_bound && model.mixed_integer()) {
     block += format("Bound       %.12g, gap %.2g %%\n", *outcome.best_bound, 100 * outcome.gap.value_or(NAN));
   }
-  if (outcome.violations) block += checked_line(model, *outcome.violations);
+  if (outcome.best_bound && outcome.so_far)
+    block += format("Bound       %.12g so far\n", *outcome.best_bound);
+  if (outcome.so_far) block += so_far_line(model, *outcome.violations);
+  if (outcome.violations && !outcome.so_far) block += checked_line(model, *outcome.violations);
+  if (!outcome.proof.empty()) block += proof_text(outcome.proof);
+  if (!outcome.ray.empty()) block += ray_text(outcome.ray);
+  if (outcome.exit_status == ExitStatus::infeasible_or_unbounded)
+    block += "Advice      --set PREIND=0 tells which of the two\n";
   block += work_line(outcome);
   for (const std::string& file : outcome.written) block += "Written     " + file + "\n";
   return block;
@@ -131,7 +206,7 @@ std::string json_line(const Outcome& outcome, bool with_statistics) {
   object["simplex_iterations"] = number(outcome.simplex_iterations);
   object["barrier_iterations"] = number(outcome.barrier_iterations);
   object["nodes"] = number(outcome.nodes);
-  object["ticks"] = nullptr;
+  object["ticks"] = number(outcome.ticks);
   object["threads"] = number(outcome.threads);
   object["method"] = text(outcome.method);
   object["read_seconds"] = number(outcome.read_seconds);
@@ -139,6 +214,12 @@ std::string json_line(const Outcome& outcome, bool with_statistics) {
   object["solve_seconds"] = number(outcome.solve_seconds);
   object["peak_memory_mb"] = number(std::optional(outcome.peak_memory_mb));
   object["warnings"] = outcome.warnings;
+  if (!outcome.proof.empty()) object["proof"] = proof_json(outcome.proof);
+  if (!outcome.ray.empty()) object["ray"] = ray_json(outcome.ray);
+  if (!outcome.column_values.empty())
+    object["column_values"] = values_json(outcome.column_values, "value", "reduced_cost");
+  if (!outcome.row_values.empty())
+    object["row_values"] = values_json(outcome.row_values, "activity", "dual_value");
   object["error"] = text(outcome.error);
   if (with_statistics)
     object["statistics"] = outcome.statistics.empty() ? Json(nullptr) : Json::parse(outcome.statistics);

@@ -6,6 +6,7 @@
 #include <system_error>
 
 #include "cli/input.h"
+#include "cli/solve/evidence.h"
 #include "cli/solve/files.h"
 #include "cli/solve/report.h"
 #include "cli/solve/violations.h"
@@ -23,6 +24,8 @@ class Stopwatch {
  private:
   std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
 };
+
+constexpr int kOptimizerThreads = 1;  // every optimizer of this version runs on the thread that calls it
 
 const char* method_name(int method) {
   switch (method) {
@@ -66,13 +69,26 @@ void read_model(const SolveContext& context, Model& model, const std::string& fi
 }
 
 void optimize(const SolveContext& context, Model& model, Outcome& outcome) {
-  const int threads = context.environment.integer_parameter(TVK_PARAM_THREADS);
-  outcome.threads = threads > 0 ? threads : TVKEgetmaxthreads(context.environment.handle());
+  outcome.threads = kOptimizerThreads;
   const Stopwatch watch;
   const int code = TVKlpopt(context.environment.handle(), model.handle());
   outcome.solve_seconds = watch.seconds();
   outcome.presolve_seconds = context.console.presolve_seconds();
   context.environment.check(code);
+}
+
+/* What there is to say without a feasible point: why there is none, or how far the last one was. */
+void collect_evidence(const SolveContext& context, const Model& model, bool dual_feasible, Outcome& outcome) {
+  ConstEnvHandle env = context.environment.handle();
+  if (outcome.exit_status == ExitStatus::infeasible)
+    outcome.proof = proof_of_infeasibility(model, context.console);
+  const bool stopped = outcome.exit_status == ExitStatus::limit_without_solution ||
+                       outcome.exit_status == ExitStatus::interrupted;
+  if (!stopped || !outcome.has_values || model.mixed_integer()) return;
+  outcome.so_far = true;
+  outcome.violations = check_solution(model, {});
+  double bound = 0;
+  if (dual_feasible && TVKgetobjval(env, model.handle(), &bound) == 0) outcome.best_bound = bound;
 }
 
 /* What the library holds after the optimization. */
@@ -89,7 +105,10 @@ void collect(const SolveContext& context, const Model& model, Outcome& outcome) 
   outcome.has_values = type != 0;
   outcome.feasible = type != 0 && (primal_feasible != 0 || is_optimal(*outcome.status));
   outcome.exit_status = exit_status_of(*outcome.status, outcome.feasible);
-  if (!outcome.feasible) return;
+  double ticks = 0;
+  if (TVKgetticks(env, model.handle(), &ticks) == 0) outcome.ticks = ticks;
+  if (outcome.exit_status == ExitStatus::unbounded) outcome.ray = ray_of(model, context.console);
+  if (!outcome.feasible) return collect_evidence(context, model, dual_feasible != 0, outcome);
 
   double objective = 0;
   context.environment.check(TVKgetobjval(env, model.handle(), &objective));
@@ -103,6 +122,26 @@ void collect(const SolveContext& context, const Model& model, Outcome& outcome) 
   const bool has_duals = !mixed_integer && (type == 1 || type == 2);
   outcome.violations = check_solution(model, {objective, optimal && has_duals, mixed_integer});
   if (outcome.violations->failed) outcome.exit_status = ExitStatus::numerical_failure;
+}
+
+/* Values for the JSON object, which is made when the model is gone. */
+std::vector<Value> values(const std::vector<std::string>& names, const std::vector<double>& value,
+                          const std::vector<double>& dual) {
+  std::vector<Value> all;
+  for (std::size_t k = 0; k < names.size(); ++k)
+    all.push_back({names[k], value[k], dual.empty() ? std::nullopt : std::optional(dual[k])});
+  return all;
+}
+
+void collect_values(const SolveContext& context, const Model& model, Outcome& outcome) {
+  if (!outcome.feasible || !context.options.json || !context.options.print_values) return;
+  const bool duals = outcome.violations && outcome.violations->has_duals;
+  const int columns = model.columns(), rows = model.rows();
+  const std::vector<double> none;
+  outcome.column_values = values(model.column_names(), model.all<double>(TVKgetx, columns),
+                                 duals ? model.all<double>(TVKgetdj, columns) : none);
+  outcome.row_values = values(model.row_names(), model.all<double>(TVKgetax, rows),
+                              duals ? model.all<double>(TVKgetpi, rows) : none);
 }
 
 enum class Stage { reading, solving, writing };
@@ -143,6 +182,7 @@ Outcome solve_file(const SolveContext& context, const std::string& file,
     stage = Stage::solving;
     optimize(context, *model, outcome);
     collect(context, *model, outcome);
+    collect_values(context, *model, outcome);
     if (context.options.statistics) outcome.statistics = model->statistics();
     write_what_was_found(context, *model, outcome);
     outcome.peak_memory_mb = peak_memory_mb();

@@ -89,6 +89,7 @@ class Reader {
   bool next_line();
   Status read_header();
   Status read_setting();
+  Status tell_line(Status status);
   Status find_entry(std::string_view word, const param::Entry*& entry);
   Status read_integer(std::string_view text, Setting& setting);
   Status read_real(std::string_view text, Setting& setting);
@@ -99,6 +100,7 @@ class Reader {
   const char* name_;
   LineReader lines_;
   std::string_view text_;  // of the line, without comment and blanks in front
+  std::string_view word_;  // the parameter of the line
   bool overlong_ = false;
   Environment trial_;  // holds the settings so far
   std::vector<Setting> settings_;
@@ -123,7 +125,7 @@ Status Reader::run() {
   lines_.skip_rest_of_line();
   while (next_line()) {
     if (overlong_) return fail_at_line(TVK_ERROR_LINE_TOO_FEW_ENTRIES);
-    if (const Status status = read_setting(); !status.ok()) return status;
+    if (const Status status = read_setting(); !status.ok()) return tell_line(status);
     lines_.skip_rest_of_line();
   }
   return {};
@@ -158,9 +160,28 @@ Status Reader::find_entry(std::string_view word, const param::Entry*& entry) {
   return entry != nullptr ? Status() : Status(TVK_ERROR_PARAMETER_NAME);
 }
 
+/* Codes whose text has no line get one on the warning channel. */
+Status Reader::tell_line(Status status) {
+  switch (status.code()) {
+    case TVK_ERROR_PARAMETER_NUMBER:
+    case TVK_ERROR_PARAMETER_NAME:
+    case TVK_ERROR_PARAMETER_TOO_SMALL:
+    case TVK_ERROR_PARAMETER_TOO_BIG:
+    case TVK_ERROR_STRING_TOO_LONG:
+    case TVK_ERROR_BAD_ARGUMENT:
+      message(env_.warning_channel, "Warning, line %d: '%.255s' is not set.\n", lines_.number(),
+              std::string(word_).c_str());
+      break;
+    default:
+      break;
+  }
+  return status;
+}
+
 Status Reader::read_setting() {
   const param::Entry* entry = nullptr;
-  if (const Status status = find_entry(take_word(text_), entry); !status.ok()) return status;
+  word_ = take_word(text_);
+  if (const Status status = find_entry(word_, entry); !status.ok()) return status;
   Setting setting;
   setting.entry = entry;
   Status status;

@@ -136,6 +136,166 @@ TEST_F(Program, ErrorsOfFilesCarryTheName) {
   EXPECT_EQ(run({"-"}, "").exit, 7) << "empty standard input";
 }
 
+TEST_F(Program, InfeasibilityIsProvenByName) {
+  write("rows.lp", kInfeasible);
+  const Result rows = run({"rows.lp"});
+  EXPECT_TRUE(contains(rows.out, "2 rows and 0 bounds contradict each other")) << rows.out;
+  EXPECT_TRUE(contains(rows.out, "row a <= 1\n") && contains(rows.out, "row b >= 2\n")) << rows.out;
+  write("bounds.lp",
+        "Minimize\n c: x\nSubject To\n a: x + 2 y + z >= 9\n b: x + w >= 1\nBounds\n x <= 1\n y <= 2\n z <= "
+        "3\nEnd\n");
+  const Json proof = run({"bounds.lp", "--json"}).json()["proof"];
+  ASSERT_EQ(proof["rows"].size(), 1u) << proof;
+  EXPECT_EQ(proof["rows"][0]["name"], "a");
+  EXPECT_EQ(proof["rows"][0]["sense"], ">=");
+  EXPECT_EQ(proof["rows"][0]["limit"], 9);
+  double reach = 0;  // what the bounds let the row be, by the multipliers of the proof
+  for (const Json& bound : proof["bounds"]) {
+    EXPECT_EQ(bound["sense"], "<=");
+    reach += bound["multiplier"].get<double>() * bound["limit"].get<double>();
+  }
+  EXPECT_EQ(proof["bounds"].size(), 3u);
+  const double demand = 9 * proof["rows"][0]["multiplier"].get<double>();
+  EXPECT_NEAR(demand - reach, proof["gap"].get<double>(), 1e-9);
+  EXPECT_GT(demand, reach);
+}
+
+TEST_F(Program, UnboundedModelsShowTheirRay) {
+  write("model.lp", kUnbounded);
+  const Result result = run({"model.lp", "--set", "preind=0"});
+  EXPECT_TRUE(contains(result.out, "can move without end")) << result.out;
+  const Json ray = run({"model.lp", "--set", "preind=0", "--json"}).json()["ray"];
+  double x = 0, y = 0;
+  for (const Json& column : ray) (column["name"] == "x" ? x : y) = column["rate"].get<double>();
+  EXPECT_GT(x + y, 0) << ray;
+  EXPECT_LE(x - y, 1e-12) << ray;
+}
+
+TEST_F(Program, LimitsBeforeFeasibilityTellHowFarItIs) {
+  std::string model = "Minimize\n c: x1\nSubject To\n";
+  for (int i = 1; i <= 12; ++i)
+    model += " r" + std::to_string(i) + ": x" + std::to_string(i) + " + 0.5 x" + std::to_string(i + 1) +
+             " >= " + std::to_string(10 + i) + "\n";
+  write("model.lp", model + "End\n");
+  const Words limit = {"--set", "preind=0", "--set", "itlim=1", "--method", "dual"};
+  Words words = {"model.lp"};
+  words.insert(words.end(), limit.begin(), limit.end());
+  const Result text = run(words);
+  EXPECT_EQ(text.exit, 4) << text.out;
+  EXPECT_TRUE(contains(text.out, "Violated    rows")) << text.out;
+  words.emplace_back("--json");
+  const Json object = run(words).json();
+  EXPECT_GT(object["primal_infeasibility"].get<double>(), 1) << object;
+  EXPECT_TRUE(object["objective"].is_null());
+}
+
+TEST_F(Program, JsonCarriesValuesOnlyWithPrint) {
+  write("model.lp", kOptimal);
+  EXPECT_FALSE(run({"model.lp", "--json"}).json().contains("column_values"));
+  const Json object = run({"model.lp", "--json", "-p", "-q"}).json();
+  ASSERT_EQ(object["column_values"].size(), 2u) << object;
+  EXPECT_EQ(object["column_values"][0]["name"], "x");
+  EXPECT_NEAR(object["column_values"][0]["value"].get<double>(), 3, 1e-9);
+  const auto dual = [&](int row) { return object["row_values"][row]["dual_value"].get<double>(); };
+  EXPECT_NEAR(object["column_values"][0]["reduced_cost"].get<double>(), 3 - dual(0) - dual(1), 1e-9);
+  EXPECT_NEAR(object["column_values"][1]["reduced_cost"].get<double>(), 2 - dual(0) - 3 * dual(1), 1e-9);
+  EXPECT_EQ(object["row_values"][1]["name"], "metal");
+  EXPECT_NEAR(object["row_values"][1]["activity"].get<double>(), 6, 1e-9);
+  EXPECT_TRUE(object["ticks"].is_number());
+  EXPECT_TRUE(contains(run({"model.lp"}).out, " ticks"));
+}
+
+TEST_F(Program, QuietRunsOverSeveralModelsNameEach) {
+  write("one.lp", kOptimal);
+  write("two.lp", kInfeasible);
+  const Result two = run({"one.lp", "two.lp", "-q"});
+  EXPECT_TRUE(contains(two.out, "Model       one.lp\nStatus")) << two.out;
+  EXPECT_TRUE(contains(two.out, "Model       two.lp\nStatus")) << two.out;
+  EXPECT_FALSE(contains(run({"one.lp", "-q"}).out, "Model"));
+}
+
+TEST_F(Program, ModelsOfABlinkShowNoPhases) {
+  write("model.lp", kOptimal);
+  EXPECT_FALSE(contains(run({"model.lp"}).out, "Presolve")) << "in no time";
+  EXPECT_TRUE(contains(run({"model.lp", "-v"}).out, "Presolve"));
+  run({"model.lp", "--log", "log"});
+  EXPECT_TRUE(contains(contents(folder_ / "log"), "Presolve"));
+}
+
+TEST_F(Program, LineOfTheOverrideFileLeavesJsonAlone) {
+  write("model.lp", kOptimal);
+  write("over.prm", "TOVIK Parameter File Version 12.2.0.0\nTVK_PARAM_TILIM 50\n");
+  setenv("MERU_TOVIK_PARAMETER_FILE", "over.prm", 1);
+  const Result json = run({"model.lp", "--json", "-q"}), text = run({"model.lp", "-q"});
+  unsetenv("MERU_TOVIK_PARAMETER_FILE");
+  EXPECT_EQ(json.json()["status"], 1) << json.out;
+  EXPECT_TRUE(contains(json.err, "over.prm")) << json.err;
+  EXPECT_TRUE(contains(text.out, "over.prm")) << text.out;
+}
+
+TEST_F(Program, ErrorsOfParameterFilesTellLineAndName) {
+  write("model.lp", kOptimal);
+  for (const char* setting : {"TVK_PARAM_NOSUCH 4", "TVK_PARAM_TILIM -4", "TVK_PARAM_ADVIND 99"}) {
+    write("p.prm",
+          std::string("TOVIK Parameter File Version 12.2.0.0\nTVK_PARAM_ITLIM 5\n") + setting + "\n");
+    const Result result = run({"model.lp", "--params", "p.prm"});
+    EXPECT_EQ(result.exit, 7);
+    const std::string name(setting, std::string_view(setting).find(' '));
+    EXPECT_TRUE(contains(result.err, "line 3: '" + name + "'")) << result.err;
+  }
+}
+
+TEST_F(Program, HelpKnowsVerbsAndNearNames) {
+  EXPECT_EQ(run({"help", "check"}).out, run({"check", "--help"}).out);
+  EXPECT_EQ(run({"help"}).out, run({"--help"}).out);
+  EXPECT_FALSE(contains(run({"help", "convert"}).out, "--time-limit"));
+  const struct {
+    Words words;
+    const char* near;
+  } slips[] = {{{"help", "chek"}, "check"},
+               {{"verfiy", "m.lp", "m.sol"}, "tovik verify"},
+               {{"m.lp", "--threds", "2"}, "--threads"},
+               {{"check", "m.lp", "--strct"}, "--strict"}};
+  for (const auto& slip : slips) {
+    const Result result = run(slip.words);
+    EXPECT_EQ(result.exit, 2) << slip.near;
+    EXPECT_TRUE(contains(result.err, std::string("did you mean ") + slip.near)) << result.err;
+  }
+  EXPECT_EQ(run({"m.lp", "--threads", "99"}).exit, 7) << "as many as there are; the model is missing";
+  const std::string version = run({"--version"}).out;
+  EXPECT_TRUE(contains(version, "\ncommit ") && contains(version, "\nlicence Apache-2.0")) << version;
+}
+
+/* What is installed beside the program knows every option that it has. */
+TEST_F(Program, ManualPageAndCompletionsKnowEveryOption) {
+  const fs::path share = fs::path(TOVIK_SOURCE_DIR) / "cli/share";
+  std::string manual = contents(share / "tovik.1");
+  std::erase(manual, '\\');
+  const std::string bash = contents(share / "tovik.bash"), zsh = contents(share / "_tovik");
+  const std::string fish = contents(share / "tovik.fish");
+  for (const char* verb : {"solve", "convert", "display", "check", "verify", "params"}) {
+    EXPECT_TRUE(contains(manual, verb));
+    const auto line_of = [&](const std::string& text, const std::string& head) {
+      const std::size_t begin = text.find(head);
+      return begin == std::string::npos ? "" : text.substr(begin, text.find('\n', begin) - begin) + " ";
+    };
+    const std::string of_bash = line_of(bash, std::string("    ") + verb + ") options="),
+                      of_zsh = line_of(zsh, std::string("  (") + verb + ") options=");
+    const std::string help = run({"help", verb}).out;
+    int options = 0;
+    for (std::size_t at = help.find("--"); at != std::string::npos; at = help.find("--", at + 2)) {
+      if (at < 2 || (help[at - 1] != ',' && help.compare(at - 3, 3, "\n  ") != 0)) continue;
+      const std::string option = help.substr(at, help.find_first_of(" \n:", at) - at);
+      ++options;
+      EXPECT_TRUE(contains(manual, "fB" + option + "fR")) << option;
+      EXPECT_TRUE(contains(of_bash, option)) << verb << ' ' << option;
+      EXPECT_TRUE(contains(of_zsh, option)) << verb << ' ' << option;
+      EXPECT_TRUE(contains(fish, "-l " + option.substr(2) + "\n") || option == "--method") << option;
+    }
+    EXPECT_GE(options, 3) << verb;
+  }
+}
+
 TEST_F(Program, ModelOfWhichTextWasIgnoredIsRefused) {
   write("model.lp", "Minimize\n c: x + y\nSubject To\n a: x >= 1.5 y\n b: y >= 2 + 3\nEnd\n");
   const Result refused = run({"model.lp", "--json"});
@@ -214,9 +374,13 @@ TEST_F(Program, LaterSettingsWinAndAnyCaseWillDo) {
   EXPECT_TRUE(contains(run({"params", "TILIM", "-t", "5", "--set", "TILIM=6"}).out, "6*"));
   EXPECT_TRUE(contains(run({"params", "TILIM", "--set", "TILIM=6", "-t", "5"}).out, "5*"));
   EXPECT_TRUE(contains(run({"params", "lpmethod", "--method", "Dual"}).out, "2*"));
-  const Result all = run({"params"});
+  const Result all = run({"params", "--all"});
   EXPECT_EQ(std::count(all.out.begin(), all.out.end(), '\n'), 154) << "a head and every named parameter";
-  EXPECT_TRUE(contains(run({"params", "BAR*LIM"}).out, "BARITLIM"));
+  EXPECT_TRUE(contains(run({"params", "BAR*LIM", "--all"}).out, "BARITLIM"));
+  const Result hidden = run({"params", "BAR*LIM"});
+  EXPECT_EQ(hidden.exit, 2);
+  EXPECT_TRUE(contains(hidden.err, "--all")) << hidden.err;
+  EXPECT_FALSE(contains(run({"params"}).out, "without effect"));
 }
 
 TEST_F(Program, ReadsStandardInputPlainAndCompressed) {

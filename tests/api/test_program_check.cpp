@@ -50,7 +50,11 @@ TEST_F(Check, FindsErrorsByName) {
        "a: activity in [0, 7], >= 9\n"},
       {"min x\nst\n a: 0 x >= 1\n b: x + y >= 2\nend\n", "empty-infeasible-row", "a: 0 >= 1\n"},
       {"min x\nst\n a: x + 2 y >= 4\n b: -2 x - 4 y >= 1 \nbounds\n x free\nend\n", "contradictory-rows",
-       "b = -2 * a\n"},
+       "b = -2 * a: b >= 1, a >= 4\n"},
+      {"min x\nst\n a: x - y >= 1\n b: y - x >= 1\n c: x + y + z >= 0\nbounds\n x <= 5\n y <= 5\nend\n",
+       "contradictory-rows", "b = -1 * a: b >= 1, a >= 1\n"},
+      {"min x\nst\n a: x + y <= 3\n b: x - z >= 2\n c: z + y + w >= 4\n d: w <= 1\nend\n",
+       "implied-infeasible", "y: >= 2 by row c, <= 1 by row a\n"},
       {"min x\nst\n a: b = 1 -> x >= 2\n c: b + x <= 9\nbounds\n b <= 2\ngenerals\n b\nend\n",
        "indicator-not-binary", "a: b is of type I with bounds [0, 2]\n"},
       {"min x\nst\n a: x + y + z >= 2\nbounds\n x >= 1\n y >= 1\nsos\n s: S1:: x:1 y:2 z:3\nend\n",
@@ -125,10 +129,6 @@ TEST_F(Check, NotesWhatIsHarmless) {
     EXPECT_EQ(items(object, fault.kind), fault.items) << object;
     EXPECT_EQ(object["notes"], 1) << object;
   }
-  const Json names = check(
-      "NAME t\nROWS\n N c\n L 1st\n L r\nCOLUMNS\n x c 1 1st 1\n x r 2\n e2 1st 1\nENDATA\n", 0, {}, "m.mps");
-  EXPECT_EQ(items(names, "names-not-in-lp"),
-            "1 of 2 rows, the first is 1st\n1 of 2 columns, the first is e2\n");
 }
 
 /* Only a program, and the binary files that it writes, can give two columns one name. */
