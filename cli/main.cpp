@@ -99,6 +99,10 @@ Verbosity verbosity_of(const Options& options) {
 }
 
 ExitStatus solve_all(const Environment& environment, const Parameters& parameters, const Options& options) {
+  if (const std::string obstacle = unwritable_target(options); !obstacle.empty()) {
+    std::fprintf(stderr, "tovik: cannot write %s\n", obstacle.c_str());
+    return ExitStatus::usage;
+  }
   Console console(environment, options.json ? stderr : stdout, verbosity_of(options), !options.verbose);
   if (!options.log_file.empty() && !console.open_log(options.log_file)) {
     std::fprintf(stderr, "tovik: cannot write %s\n", options.log_file.c_str());

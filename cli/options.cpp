@@ -182,7 +182,8 @@ void describe_convert(CLI::App& app, Options& options) {
       "Reads the model IN (- reads standard input; .lp, .mps, .sav, .net) and writes it to OUT, whose name "
       "tells the format:\n"
       ".lp, .mps or .sav; .rlp and .rmp are LP and MPS with the names x1, c1 ...; each may end in .gz or "
-      ".bz2.");
+      ".bz2.\n"
+      "- writes an LP file to standard output.");
   app.add_option("models", options.models)->required()->expected(2)->type_name("IN OUT");
   add_lenient(app, options);
   add_setting_options(app, options);

@@ -1,5 +1,9 @@
 #include "cli/solve/files.h"
 
+#include <unistd.h>
+
+#include <cerrno>
+#include <filesystem>
 #include <functional>
 #include <system_error>
 
@@ -17,7 +21,26 @@ void with_label(const SolveContext& context, const std::string& file, const std:
   context.console.set_label("");
 }
 
+/* The reason why a file cannot be written, 0 without one. */
+int write_obstacle(const std::string& file) {
+  namespace fs = std::filesystem;
+  std::error_code error;
+  if (fs::is_directory(file, error)) return EISDIR;
+  if (access(file.c_str(), F_OK) == 0) return access(file.c_str(), W_OK) == 0 ? 0 : errno;
+  const fs::path folder = fs::path(file).parent_path();
+  return access(folder.empty() ? "." : folder.c_str(), W_OK | X_OK) == 0 ? 0 : errno;
+}
+
 }  // namespace
+
+std::string unwritable_target(const Options& options) {
+  for (const std::string* file : {&options.solution_file, &options.new_basis_file, &options.model_file}) {
+    if (file->empty()) continue;
+    if (const int why = write_obstacle(*file); why != 0)
+      return *file + ": " + std::generic_category().message(why);
+  }
+  return "";
+}
 
 void read_starts(const SolveContext& context, const Model& model) {
   const Options& options = context.options;
@@ -68,9 +91,11 @@ ExitStatus convert(const Environment& environment, const Options& options) {
     refuse_dropped_text(model.read_warnings(), options.lenient);
     if (from == "-") environment.check(TVKchgprobname(environment.handle(), model.handle(), "stdin"));
     reading = false;
-    console.set_label(to);
-    environment.check(TVKwriteprob(environment.handle(), model.handle(), to.c_str(), nullptr));
-    const std::string changed = is_lp_file(to) ? names_not_in_lp(model) : "";
+    const bool to_output = to == "-";  // which has no name to tell the format: LP
+    console.set_label(to_output ? "standard output" : to);
+    environment.check(TVKwriteprob(environment.handle(), model.handle(),
+                                   to_output ? "/dev/stdout" : to.c_str(), to_output ? "LP" : nullptr));
+    const std::string changed = to_output || is_lp_file(to) ? names_not_in_lp(model) : "";
     if (!changed.empty()) console.print_error("names that an LP file cannot hold were changed: " + changed);
     return ExitStatus::solved;
   } catch (const LibraryError& error) {

@@ -6,6 +6,10 @@
 
 namespace tovik::cli {
 
+/* Why the first of the files that are to be written cannot be, "FILE: No such file or directory"; "" when nothing speaks
+ * against it. Asked before the solve: an answer that is nowhere written is lost. */
+std::string unwritable_target(const Options& options);
+
 /* The starting basis and the MIP start. */
 void read_starts(const SolveContext& context, const Model& model);
 

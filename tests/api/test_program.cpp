@@ -205,6 +205,25 @@ TEST_F(Program, JsonCarriesValuesOnlyWithPrint) {
   EXPECT_TRUE(contains(run({"model.lp"}).out, " ticks"));
 }
 
+TEST_F(Program, TargetsThatCannotBeWrittenAreToldBeforeTheSolve) {
+  write("model.lp", kOptimal);
+  for (const char* option : {"--solution", "--write-basis", "--write-model"}) {
+    const Result result = run({"model.lp", option, "absent/out.lp"});
+    EXPECT_EQ(result.exit, 2);
+    EXPECT_EQ(result.out, "") << "nothing was solved";
+    EXPECT_TRUE(contains(result.err, "absent/out.lp: No such file")) << result.err;
+  }
+  EXPECT_TRUE(contains(run({"model.lp", "--solution", "tmp"}).err, "Is a directory"));
+}
+
+TEST_F(Program, ConvertWritesToStandardOutput) {
+  write("model.lp", kOptimal);
+  const Result result = run({"convert", "model.lp", "-"});
+  ASSERT_EQ(result.exit, 0) << result.err;
+  write("again.lp", result.out);
+  EXPECT_NEAR(run({"again.lp", "--json"}).json()["objective"].get<double>(), 11, 1e-9) << result.out;
+}
+
 TEST_F(Program, QuietRunsOverSeveralModelsNameEach) {
   write("one.lp", kOptimal);
   write("two.lp", kInfeasible);
@@ -543,8 +562,9 @@ TEST_F(Program, FilesToStartFromAndToWrite) {
   const Result wrong = run({"a.lp", "--basis", "wrong.bas"});
   EXPECT_EQ(wrong.exit, 7);
   EXPECT_EQ(wrong.err, "wrong.bas: TOVIK Error  1551: Line 2: Unrecognized basis indicator 'ZZ'.\n");
-  const Result nowhere = run({"a.lp", "--solution", "none/a.sol"});
-  EXPECT_EQ(nowhere.exit, 2);
+  const Result nowhere =
+      run({"a.lp", "--solution", "/dev/full"});  // what shows only when it is written hides no answer
+  EXPECT_EQ(nowhere.exit, 2) << nowhere.err;
   EXPECT_NE(nowhere.out.find("Objective   7\n"), std::string::npos);
   EXPECT_EQ(run({"a.lp", "b.mps", "--solution", "c.sol"}).exit, 2);
   EXPECT_FALSE(fs::exists(folder_ / "c.sol"));
