@@ -579,7 +579,8 @@ TVK_API int TVKgetprobtype(ConstEnvHandle env, ConstProbHandle lp);
 
 /* Changes the problem type: frees what the new type cannot hold and keeps the rest. Mixed-integer data (column types, sets,
  * indicator constraints, cuts, lazy constraints, priority order, MIP starts) belong to 1, 7 and 11, which begin with types
- * of 'C'; a quadratic objective to 5, 7, 10, 11; quadratic constraints to 10 and 11. Each change discards the solution and
+ * of 'C'; a quadratic objective to 5, 7, 10, 11; quadratic constraints to 10 and 11. Columns of type 'S' and 'N', which may be
+ * 0 whatever their bounds, become continuous ones whose bounds admit 0. Each change discards the solution and
  * the basis; asking for the present type changes nothing. While TVK_PARAM_DATACHECK is 1 a line on the warning channel
  * tells which data are freed. Errors: 3, 8 and 13 need a mixed-integer problem of the matching kind with a solution:
  * 1024, 1029, 9019; 1022 for any other number. */

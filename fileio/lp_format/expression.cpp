@@ -58,7 +58,13 @@ ExpressionReader::Step ExpressionReader::read_next(bool first) {
     if (rules_.place == Place::objective) {
       return fail(ReadFailure::at(TVK_ERROR_LINE_SENSE_IN_OBJECTIVE, scanner_.line()));
     }
-    if (first) return fail(ReadFailure::at(TVK_ERROR_LINE_EXPECTED_IDENTIFIER_FIRST, scanner_.line()));
+    const bool row_without_terms = first && labelled_ && rules_.place == Place::constraint;
+    if (first && !row_without_terms) {
+      return fail(ReadFailure::at(TVK_ERROR_LINE_EXPECTED_IDENTIFIER_FIRST, scanner_.line()));
+    }
+    if (row_without_terms)
+      messages_.log().warn("Warning, line %d: Constraint '%s' has no terms.\n", scanner_.line(),
+                           label_.c_str());
     return stop(Stop::at_sense);
   } else if (!first) {
     if (rules_.may_end_at_line && scanner_.at_line_begin()) return stop(Stop::at_new_line);

@@ -29,6 +29,7 @@ struct Answer {
   std::vector<double> ray;                             // unbounded: columns
   std::vector<double> farkas;  // infeasible: y by row with max over the box of y'Ax < min of y'(row bounds)
   double farkas_gap = 0;       // by which the certificate holds
+  double farkas_margin = 0;    // by how much all sides and bounds may give way before it does not
   Violation violation;         // as last measured at all entries
 
   /* Takes back what the last solve claimed; values and statuses stay where they are. */
@@ -37,7 +38,7 @@ struct Answer {
     has_values = primal_feasible = dual_feasible = unscaled_infeasible = false;
     ray.clear();
     farkas.clear();
-    farkas_gap = 0;
+    farkas_gap = farkas_margin = 0;
   }
 };
 

@@ -17,4 +17,10 @@ enum class Outcome {
   numerical_failure  // numerically stuck: no claim can be verified
 };
 
+/* The run was cut short; it says nothing of the LP. */
+inline bool is_limit(Outcome outcome) {
+  return outcome == Outcome::iteration_limit || outcome == Outcome::time_limit ||
+         outcome == Outcome::tick_limit || outcome == Outcome::user_abort;
+}
+
 }  // namespace tovik::lp

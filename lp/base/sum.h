@@ -30,6 +30,11 @@ class CompensatedSum {
     error_ += a * d.low;
   }
   double value() const { return sum_ + error_; }
+  /* What value() leaves out: together they are the sum but for the rounding of the errors' own sum. */
+  double rest() const {
+    const double v = value();
+    return (sum_ - v) + error_;
+  }
 
  private:
   double sum_ = 0;

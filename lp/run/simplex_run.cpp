@@ -1,5 +1,6 @@
 #include "lp/run/simplex_run.h"
 
+#include <memory>
 #include <span>
 #include <utility>
 
@@ -8,6 +9,7 @@
 #include "lp/binding/engine_control.h"
 #include "lp/run/iteration_log.h"
 #include "lp/run/simplex_optimizer.h"
+#include "lp/run/unsettled.h"
 #include "lp/run/warm_simplex.h"
 #include "model/store/model.h"
 
@@ -227,11 +229,20 @@ Status run_simplex(Environment& env, Problem& problem, const Algorithm& algorith
   }
   if (env.callbacks.lp != nullptr) warm.solver.invalidate();  // it is called by the algorithms
   const Outcome outcome = warm.solver.solve(algorithm.method);
+  const std::unique_ptr<const SettledRun> settled = settle_run(warm.solver, outcome, control);
   warm.solver.detach();
   write_statistics(warm.solver, continuation.before, statistics);
-  if (outcome == Outcome::singular) return Status(TVK_ERROR_BASIS_SINGULAR);
-  const int status = status_code(outcome, warm.solver.answer().unscaled_infeasible);
-  store_answer(problem, warm.solver);
+  if (settled != nullptr) statistics.simplex.counters.iterations += settled->iterations;
+  const Outcome ended = settled != nullptr ? settled->outcome : outcome;
+  if (ended == Outcome::singular) return Status(TVK_ERROR_BASIS_SINGULAR);
+  const bool replaced = settled != nullptr && settled->replaces;
+  const Answer& answer = replaced ? settled->answer : warm.solver.answer();
+  const int status = status_code(ended, answer.unscaled_infeasible);
+  if (replaced) {
+    store_answer(problem, answer, statistics.simplex.counters);
+  } else {
+    store_answer(problem, warm.solver);
+  }
   problem.status = status;
   warm.start_installed = true;
   warm.norms_current = true;

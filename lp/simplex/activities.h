@@ -32,7 +32,12 @@ class Activities {
   void edit(const ModelEdit& change, const std::vector<double>& x, const std::vector<double>& y);
 
   double activity(int i) const { return activity_[i].value(); }
-  double dual_sum(int j) const { return dual_sum_[j].value(); }
+  /* cost - A_j'y, rounded once: the terms may be far larger than what they leave. */
+  double reduced_cost(int j) const {
+    CompensatedSum sum = dual_sum_[j];
+    sum.add(-space_.lp.cost[j]);
+    return 0 - sum.value();
+  }
   double objective() const { return objective_.value() + space_.lp.offset; }
 
   MarkedList& rows() { return rows_; }

@@ -128,7 +128,7 @@ void Reoptimization::edit(const ModelEdit& change) {
 
 /* A new column comes from 0 to the bound that its reduced cost asks for. */
 void Reoptimization::enter_column(int j) {
-  const double d = user_.lp.cost[j] - sums_.dual_sum(j);
+  const double d = sums_.reduced_cost(j);
   if (d != 0) core_.place_nonbasic(j, d > 0 ? 1 : -1);
   is_touched_[j] = 1;
   touched_.push_back({j, 0.0, 0.0});
@@ -204,7 +204,7 @@ void Reoptimization::move_values() {
 void Reoptimization::judge_column(int j, Findings& found) {
   const double scale = user_.column_scale(j);
   const double x = answer_.x[j];
-  const double d = user_.lp.cost[j] - sums_.dual_sum(j);
+  const double d = sums_.reduced_cost(j);
   const BasisStatus status = core_.status(j);
   answer_.d[j] = d;
   answer_.column_status[j] = status;

@@ -99,6 +99,9 @@ class Solver {
     user_.each_entry(j, f);
   }
 
+  /* The model as the user stated it, entries and all. */
+  LpData user_copy() const;
+
   /* Change of data without loss of the basis; the next solve goes on from it. */
   void change_bounds(int j, double lower, double upper);
   void change_row_bounds(int i, double lower, double upper);
@@ -135,6 +138,8 @@ class Solver {
   Work work_so_far() const;
   void reset_nonbasic_value(int j);
   Outcome run_dual();
+  std::int64_t patience() const;
+  Outcome stalled(Outcome outcome) const;
   bool run_dual_near(Outcome& outcome);
   Outcome run_primal();
   bool verify_infeasible(const std::vector<double>& scaled_row);

@@ -44,7 +44,7 @@ void Solver::extract() {
   }
   sums_.compute(answer_.x, answer_.y);
   for (int i = 0; i < m; ++i) answer_.activity[i] = sums_.activity(i);
-  for (int j = 0; j < n; ++j) answer_.d[j] = user_.lp.cost[j] - sums_.dual_sum(j);
+  for (int j = 0; j < n; ++j) answer_.d[j] = sums_.reduced_cost(j);
   answer_.objective = sums_.objective();
   answer_.violation = verify::measure_violation(user_.lp, answer_);
   answer_.has_values = true;
@@ -62,6 +62,7 @@ bool Solver::verify_infeasible(const std::vector<double>& scaled_row) {
   if (!verify::check_farkas(user_.lp, each, std::move(y), proof)) return false;
   answer_.farkas = std::move(proof.multipliers);
   answer_.farkas_gap = proof.gap;
+  answer_.farkas_margin = proof.margin;
   return true;
 }
 

@@ -12,7 +12,7 @@ namespace {
 
 constexpr double kTightest = 1e-10;  // no tolerance of the engine is tightened below this
 constexpr int kTightenings = 4;
-constexpr int kRounds = 12;  // dual/primal alternations before giving up
+constexpr int kRounds = 4;  // dual/primal alternations before giving up
 
 }  // namespace
 
@@ -160,10 +160,7 @@ Outcome Solver::restore_best_basis(const Basis& basis) {
   return answer_.outcome;
 }
 
-bool Solver::start_by_sifting() {
-  const bool wanted = options_.sifting == Sifting::always ||
-                      (options_.sifting == Sifting::when_it_pays && sifting_pays(core_->m(), core_->n()));
-  if (has_basis_ || !wanted || core_->m() == 0 || core_->n() == 0) return false;
+LpData Solver::user_copy() const {
   LpData lp = user_.lp;
   lp.matrix.start.assign(1, 0);
   for (int j = 0; j < core_->n(); ++j) {
@@ -173,7 +170,14 @@ bool Solver::start_by_sifting() {
     });
     lp.matrix.start.push_back(static_cast<int>(lp.matrix.index.size()));
   }
-  const SiftingResult found = sift(lp, options_, *core_->control);
+  return lp;
+}
+
+bool Solver::start_by_sifting() {
+  const bool wanted = options_.sifting == Sifting::always ||
+                      (options_.sifting == Sifting::when_it_pays && sifting_pays(core_->m(), core_->n()));
+  if (has_basis_ || !wanted || core_->m() == 0 || core_->n() == 0) return false;
+  const SiftingResult found = sift(user_copy(), options_, *core_->control);
   core_->counters.iterations += found.iterations;
   core_->counters.sifting_iterations += found.iterations;
   core_->counters.sifting_rounds += found.rounds;
@@ -227,6 +231,20 @@ bool Solver::run_dual_near(Outcome& outcome) {
   return true;
 }
 
+/* Iterations after which an algorithm that has not ended is taken to cycle. */
+std::int64_t Solver::patience() const {
+  constexpr std::int64_t kLeast = 20000;
+  constexpr std::int64_t kByLine = 50;  // for each row and column
+  return kLeast + kByLine * core_->total();
+}
+
+/* An algorithm that has spent its budget, not the caller's limit, has failed. */
+Outcome Solver::stalled(Outcome outcome) const {
+  const bool by_budget =
+      outcome == Outcome::iteration_limit && core_->counters.iterations < core_->options.iteration_limit;
+  return by_budget ? Outcome::numerical_failure : outcome;
+}
+
 Outcome Solver::run_dual() {
   answer_.method = Method::dual;
   Outcome near;
@@ -237,10 +255,10 @@ Outcome Solver::run_dual() {
   Outcome last = Outcome::numerical_failure;
   for (int round = 0; round < kRounds; ++round) {
     settings.keep_norms = keep_norms_;
-    settings.perturb = round < 3;
+    settings.perturb = round < kRounds / 2;
     settings.warm = has_basis_ && round == 0;
     answer_.method = Method::dual;
-    last = the_dual().solve(settings, kUnlimited);
+    last = stalled(the_dual().solve(settings, patience()));
     keep_norms_ = true;
     if (last == Outcome::infeasible && verify_infeasible(the_dual().farkas())) return last;
     if (last == Outcome::optimal && core_->dual_infeasibility().count == 0) {
@@ -254,16 +272,14 @@ Outcome Solver::run_dual() {
     // Clean up by the primal; a budget keeps it from wandering while the dual could do better.
     const bool cleaning = last == Outcome::optimal && round + 2 < kRounds;
     const std::int64_t budget =
-        cleaning ? std::max<std::int64_t>(1000, core_->counters.iterations / 10) : kUnlimited;
+        cleaning ? std::max<std::int64_t>(1000, core_->counters.iterations / 10) : patience();
     answer_.method = Method::primal;
     keep_norms_ = false;
-    last = the_primal().solve(budget);
+    last = stalled(the_primal().solve(budget));
     if (last == Outcome::infeasible && verify_infeasible(the_primal().infeasibility_duals())) return last;
     if (last == Outcome::unbounded && verify_ray()) return last;
-    const bool budget_spent =
-        last == Outcome::iteration_limit && core_->counters.iterations < core_->options.iteration_limit;
-    if (!budget_spent && last != Outcome::numerical_failure && last != Outcome::infeasible &&
-        last != Outcome::unbounded && last != Outcome::singular) {
+    if (last != Outcome::numerical_failure && last != Outcome::infeasible && last != Outcome::unbounded &&
+        last != Outcome::singular) {
       return last;
     }
     if (cleaning) continue;  // the budget ran out: the dual goes on from here
@@ -278,7 +294,7 @@ Outcome Solver::run_primal() {
   for (int round = 0; round < kRounds; ++round) {
     answer_.method = Method::primal;
     keep_norms_ = false;
-    last = the_primal().solve(kUnlimited);
+    last = stalled(the_primal().solve(patience()));
     if (last == Outcome::infeasible && verify_infeasible(the_primal().infeasibility_duals())) return last;
     if (last == Outcome::unbounded && verify_ray()) return last;
     if (last != Outcome::numerical_failure && last != Outcome::infeasible && last != Outcome::unbounded &&
@@ -288,7 +304,7 @@ Outcome Solver::run_primal() {
     core_->raise_threshold();
     Dual::Settings settings;
     answer_.method = Method::dual;
-    last = the_dual().solve(settings, kUnlimited);
+    last = stalled(the_dual().solve(settings, patience()));
     if (last == Outcome::infeasible && verify_infeasible(the_dual().farkas())) return last;
     if (last == Outcome::optimal && core_->dual_infeasibility().count == 0) return last;
     if (last == Outcome::iteration_limit || last == Outcome::time_limit || last == Outcome::tick_limit ||

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <span>
 #include <utility>
 
 #include "model/store/model.h"
@@ -39,9 +40,21 @@ int refusal(int type) {
   }
 }
 
+/* A semi-continuous column may be 0 whatever its bounds: so may it without its type. */
+void admit_zero(Model& model) noexcept {
+  const std::span<const char> types = model.column_types();  // empty for continuous problems
+  for (int j = 0; j < static_cast<int>(types.size()); ++j) {
+    const char type = types[static_cast<std::size_t>(j)];
+    if (type != 'S' && type != 'N') continue;
+    if (model.lower()[static_cast<std::size_t>(j)] > 0) model.set_lower(j, 0);
+    if (model.upper()[static_cast<std::size_t>(j)] < 0) model.set_upper(j, 0);
+  }
+}
+
 void free_data(Model& model, unsigned kinds) noexcept {
   Families& families = model.change_families();
   if ((kinds & kMixedIntegerData) != 0) {
+    admit_zero(model);
     model.set_column_types({});
     families.clear_mixed_integer();
   }

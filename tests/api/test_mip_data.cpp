@@ -105,6 +105,25 @@ TEST_F(MipData, DeletesByRangeAndMarksAndTheRestKeepsItsNames) {
   EXPECT_EQ(TVKchgname(env_, lp_, 'z', 0, "x"), 1003);
 }
 
+/* Semi-continuous columns may be 0; integer ones keep their bounds. */
+TEST_F(MipData, ARelaxationAdmitsTheZeroOfSemiContinuousColumns) {
+  const int columns[] = {0, 1, 2};
+  const char sides[] = "LL", upper_sides[] = "UU";
+  const double low[] = {2, 3}, high[] = {8, 9};
+  ASSERT_EQ(TVKchgbds(env_, lp_, 2, columns, upper_sides, high), 0);
+  ASSERT_EQ(TVKchgbds(env_, lp_, 2, columns, sides, low), 0);
+  const double below[] = {-5, -1};
+  const int third[] = {2, 2};
+  ASSERT_EQ(TVKchgbds(env_, lp_, 2, third, "LU", below), 0);
+  ASSERT_EQ(TVKchgctype(env_, lp_, 3, columns, "SIN"), 0);
+  ASSERT_EQ(TVKchgprobtype(env_, lp_, 0), 0);
+  double lb[3], ub[3];
+  ASSERT_EQ(TVKgetlb(env_, lp_, lb, 0, 2), 0);
+  ASSERT_EQ(TVKgetub(env_, lp_, ub, 0, 2), 0);
+  EXPECT_EQ(std::vector<double>(lb, lb + 3), (std::vector<double>{0, 3, -5}));
+  EXPECT_EQ(std::vector<double>(ub, ub + 3), (std::vector<double>{8, 9, 0}));
+}
+
 TEST_F(MipData, TypeChangesFreeWhatDoesNotBelong) {
   check_data();
   fill();

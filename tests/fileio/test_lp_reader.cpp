@@ -169,6 +169,19 @@ TEST_F(LpReader, BrokenFilesGiveTheirCodeAndLeaveTheProblemAlone) {
   EXPECT_GT(check_broken_files(TOVIK_SOURCE_DIR "/tests/fileio/corpus/lp", "lp"), 40);
 }
 
+/* As other programs write rows whose terms have gone. */
+TEST_F(LpReader, LabelledRowsMayHaveNoTerms) {
+  ASSERT_EQ(read("min x\nst\n a: = +0\n b: x + y >= 2\n c: <= 5\nend\n"), 0);
+  EXPECT_EQ(warnings(),
+            "Warning, line 3: Constraint 'a' has no terms.\nWarning, line 5: Constraint 'c' has no terms.\n");
+  EXPECT_EQ(TVKgetnumrows(env_, lp_), 3);
+  EXPECT_EQ(TVKgetnumnz(env_, lp_), 2);
+  double rhs[3];
+  ASSERT_EQ(TVKgetrhs(env_, lp_, rhs, 0, 2), 0);
+  EXPECT_EQ(rhs[0], 0);
+  EXPECT_EQ(rhs[2], 5);
+}
+
 struct LineCase {
   const char* text;
   const char* line;

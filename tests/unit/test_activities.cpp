@@ -57,12 +57,12 @@ class Fixture {
       near(sums->activity(static_cast<int>(i)), sum, size);
     }
     for (size_t j = 0; j < x.size(); ++j) {
-      long double sum = 0, size = 0;
+      long double d = lp.cost[j], size = std::fabs(lp.cost[j]);
       for (size_t i = 0; i < y.size(); ++i) {
-        sum += static_cast<long double>(lp.a[i][j]) * y[i];
+        d -= static_cast<long double>(lp.a[i][j]) * y[i];
         size += std::fabs(lp.a[i][j] * y[i]);
       }
-      near(sums->dual_sum(static_cast<int>(j)), sum, size);
+      near(sums->reduced_cost(static_cast<int>(j)), d, size);
       objective += static_cast<long double>(lp.cost[j]) * x[j];
       objective_size += std::fabs(lp.cost[j] * x[j]);
     }

@@ -240,16 +240,50 @@ TEST(Verify, MultipliersOfRoundingSizeNeedNoBound) {
   EXPECT_TRUE(proves(lp, {1, 1}, proof));
 }
 
-TEST(Verify, GapsOfRoundingSizeProveNothing) {
+TEST(Verify, GapsAreJudgedByTheirOwnRounding) {
   FarkasProof proof;
   support::DenseLp lp(1, 1);
   lp.a = {{1}};
   lp.upper[0] = 1e10;
   lp.row_upper[0] = kInf;
   lp.row_lower[0] = 1e10 + 1;
-  EXPECT_FALSE(proves(lp, {1}, proof));
-  lp.row_lower[0] = 1e10 + 100;
   EXPECT_TRUE(proves(lp, {1}, proof));
+  EXPECT_EQ(proof.gap, 1);
+  EXPECT_EQ(proof.margin, 0.5);  // side and bound may give way by that much each
+  lp.row_lower[0] = 1e10;
+  EXPECT_FALSE(proves(lp, {1}, proof));
+}
+
+/* A column without bounds whose entry of the combination is rounding noise may yet close a small gap. */
+TEST(Verify, NoiseAtValuesOfTheModelsSizeClosesSmallGaps) {
+  FarkasProof proof;
+  support::DenseLp lp(2, 2);
+  lp.a = {{1, 1}, {0, -1 + 1e-10}};
+  lp.lower = {0, -kInf};
+  lp.upper = {1e10, kInf};
+  lp.row_lower = {1e10 + 1, 0};
+  lp.row_upper = {kInf, 0};
+  EXPECT_FALSE(proves(lp, {1, 1}, proof));
+  lp.row_lower[0] = 1e10 + 100;
+  EXPECT_TRUE(proves(lp, {1, 1}, proof));
+}
+
+/* A direction whose slope, or whose one entry, is within the error of its digits is none. */
+TEST(Verify, RaysMustStandOutOfTheirError) {
+  support::DenseLp lp(1, 2);
+  lp.a = {{1, -1}};
+  lp.cost = {-1, 1 - 1e-12};
+  lp.lower = {0, 0};
+  lp.upper = {kInf, kInf};
+  lp.row_lower = {-kInf};
+  lp.row_upper = {0};
+  const LpData data = lp.data();
+  const auto is_ray = [&](Multipliers ray) { return check_ray(data, entries_of(data.matrix), ray); };
+  EXPECT_FALSE(is_ray({{1, 1}, {}, 0}));
+  EXPECT_TRUE(is_ray({{1, 1}, {0, 0}, 0}));
+  EXPECT_TRUE(is_ray({{1, 1}, {0, 0}, 1e-15}));
+  EXPECT_FALSE(is_ray({{1, 1}, {0, 0}, 1e-11}));
+  EXPECT_FALSE(is_ray({{1e-20, 1e-20}, {0, 0}, 1e-15}));
 }
 
 TEST(Verify, NoProofFromNothing) {

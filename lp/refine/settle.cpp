@@ -1,0 +1,249 @@
+#include "lp/refine/settle.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <utility>
+
+#include "lp/refine/forms.h"
+#include "lp/refine/optimum.h"
+#include "lp/refine/quadruple.h"
+#include "lp/verify/certificates.h"
+#include "lp/verify/point.h"
+
+namespace tovik::lp::refine {
+namespace {
+
+constexpr double kShare = 0.25;             // of the tolerances: what a point is refined to
+constexpr double kSharp = 1e-15;            // what an optimum's violations are refined to where they matter
+constexpr Goal kProof{1e-20, 1e-20, true};  // for what has to prove something
+constexpr double kQuadrupleError = 1e-28;   // of a direction's entries, against the largest
+constexpr double kDirectionError =
+    1e-15;                             // that a direction or multipliers refined in double precision may have
+constexpr double kProofError = 1e-18;  // of multipliers, against the largest; what it may do is counted
+constexpr double kFarAway = 1e30;      // values that are no point to start from
+
+verify::Multipliers multipliers(const std::vector<Extended>& v) {
+  verify::Multipliers result;
+  for (const Extended& entry : v) {
+    result.high.push_back(entry.value());
+    result.low.push_back(entry.low());
+  }
+  return result;
+}
+
+double largest(const std::vector<Extended>& v) {
+  double result = 0;
+  for (const Extended& entry : v) result = std::max(result, std::fabs(entry.value()));
+  return result;
+}
+
+/* An engine that met trouble in an LP of ours says nothing of the user's. */
+Outcome trouble(Outcome outcome) {
+  return is_limit(outcome) ? outcome : Outcome::numerical_failure;
+}
+
+class Settlement {
+ public:
+  Settlement(const LpData& lp, const simplex::Options& options, Control& control, Answer& answer)
+      : lp_(lp),
+        options_(options),
+        control_(control),
+        answer_(answer),
+        form_(lp),
+        goal_{kShare * options.primal_tolerance, kShare * options.dual_tolerance, false} {}
+
+  Settled run() {
+    Outcome outcome = from_engine();
+    if (outcome != Outcome::optimal && !is_limit(outcome)) outcome = from_forms();
+    if (outcome == Outcome::numerical_failure && affordable(lp_.num_rows(), form_.lp().num_columns()))
+      outcome = by_quadruple();
+    return {outcome, iterations_};
+  }
+
+  Settled sharpen() {
+    goal_.primal = kSharp;
+    Outcome outcome = from_engine();
+    if (outcome == Outcome::numerical_failure && affordable(lp_.num_rows(), form_.lp().num_columns()))
+      outcome = by_quadruple();
+    return {outcome, iterations_};
+  }
+
+ private:
+  Refined refine(const LpData& lp, const Goal& goal, Iterate& at) {
+    simplex::Options options = options_;
+    options.iteration_limit -= std::min(options.iteration_limit, iterations_);
+    const Refined result = refine_optimum(lp, options, control_, goal, at);
+    iterations_ += result.iterations;
+    return result;
+  }
+
+  Outcome from_engine() {
+    const auto is_far = [](double v) { return !(std::fabs(v) < kFarAway); };
+    if (answer_.column_status.empty() || !answer_.has_values || std::ranges::any_of(answer_.x, is_far) ||
+        std::ranges::any_of(answer_.y, is_far) || std::ranges::any_of(answer_.activity, is_far)) {
+      return Outcome::numerical_failure;
+    }
+    Iterate at{form_.point(answer_.x, answer_.activity),
+               {answer_.y.begin(), answer_.y.end()},
+               form_.basis({answer_.column_status, answer_.row_status, {}})};
+    const Refined found = refine(form_.lp(), goal_, at);
+    return found.outcome == Outcome::optimal ? take_optimum(at) : found.outcome;
+  }
+
+  Outcome from_forms() {
+    Outcome outcome = find_feasible();
+    if (outcome == Outcome::optimal) outcome = find_ray();
+    return outcome == Outcome::optimal ? from_both_sides() : outcome;
+  }
+
+  /* optimal: feasible_ is one, and between_ the LP that has it. */
+  Outcome find_feasible() {
+    feasible_ = form_.elastic_start();
+    const Refined found = refine(form_.elastic(), kProof, feasible_);
+    if (found.outcome != Outcome::optimal) return trouble(found.outcome);
+    double missed = 0;
+    for (int i = 0; i < lp_.num_rows(); ++i) missed = std::max(missed, std::fabs(form_.missed(feasible_, i)));
+    if (missed > options_.primal_tolerance)
+      return take_proof(feasible_.y, kProofError) ? Outcome::infeasible : Outcome::numerical_failure;
+    between_ = form_.allow_misses(feasible_);
+    return Outcome::optimal;
+  }
+
+  /* optimal: there is no ray, and feasible_ has multipliers that are feasible for the dual. */
+  Outcome find_ray() {
+    Iterate at = form_.recession_start();
+    const Refined found = refine(form_.recession(), kProof, at);
+    if (found.outcome != Outcome::optimal) return trouble(found.outcome);
+    if (take_ray(at.x, std::min(found.accuracy.primal, kDirectionError))) return Outcome::unbounded;
+    feasible_.y = at.y;
+    return Outcome::optimal;
+  }
+
+  Outcome from_both_sides() {
+    Goal wanted = goal_;
+    wanted.primal_first = true;
+    Iterate at = feasible_;
+    const Refined found = refine(between_, wanted, at);
+    return found.outcome == Outcome::optimal ? take_optimum(at) : trouble(found.outcome);
+  }
+
+  Outcome by_quadruple() {
+    QuadrupleResult found = solve_quadruple(form_.lp(), options_.primal_tolerance,
+                                            options_.iteration_limit - iterations_, control_);
+    iterations_ += found.iterations;
+    if (found.outcome == Outcome::infeasible)
+      return take_proof(found.iterate.y, kProofError * largest(found.iterate.y)) ? found.outcome
+                                                                                 : Outcome::numerical_failure;
+    if (found.outcome == Outcome::optimal) {
+      return take_optimum(found.iterate) == Outcome::optimal || take_huge_optimum(found.iterate)
+                 ? Outcome::optimal
+                 : Outcome::numerical_failure;
+    }
+    if (found.outcome != Outcome::unbounded) return trouble(found.outcome);
+    feasible_ = std::move(found.iterate);
+    return take_ray(found.ray, kQuadrupleError * largest(found.ray)) ? found.outcome
+                                                                     : Outcome::numerical_failure;
+  }
+
+  bool take_proof(const std::vector<Extended>& y, double error) {
+    verify::Multipliers digits = multipliers(y);
+    digits.error = error;
+    verify::FarkasProof proof;
+    if (!verify::check_farkas(lp_, verify::entries_of(lp_.matrix), std::move(digits), proof)) return false;
+    answer_.withdraw();
+    answer_.farkas = std::move(proof.multipliers);
+    answer_.farkas_gap = proof.gap;
+    answer_.farkas_margin = proof.margin;
+    answer_.has_values = !answer_.x.empty();
+    return true;
+  }
+
+  /* With the point in feasible_. */
+  bool take_ray(std::vector<Extended> direction, double error) {
+    direction.resize(lp_.cost.size());
+    verify::Multipliers ray = multipliers(direction);
+    ray.error = error;
+    if (!verify::check_ray(lp_, verify::entries_of(lp_.matrix), ray)) return false;
+    take_point(feasible_);
+    answer_.primal_feasible = true;
+    answer_.ray = std::move(ray.high);
+    return true;
+  }
+
+  /* Where the iterate, but for misses that were let pass, keeps the tolerances. */
+  Outcome take_optimum(Iterate& at) {
+    at.x.resize(form_.lp().cost.size());
+    at.basis.columns.resize(at.x.size());
+    Residuals residuals;
+    const Accuracy accuracy = measure(form_.lp(), at, residuals);
+    if (accuracy.primal > options_.primal_tolerance || accuracy.dual > options_.dual_tolerance)
+      return Outcome::numerical_failure;
+    take_point(at);
+    answer_.primal_feasible = answer_.dual_feasible = true;
+    return Outcome::optimal;
+  }
+
+  /* Of values so large that many digits do not reach an absolute tolerance. */
+  bool take_huge_optimum(const Iterate& at) {
+    constexpr double kDigits = 1e-20;
+    Residuals residuals;
+    const Accuracy accuracy = measure(form_.lp(), at, residuals);
+    if (accuracy.primal > std::max(options_.primal_tolerance, kDigits * largest(at.x)) ||
+        accuracy.dual > std::max(options_.dual_tolerance, kDigits * largest(at.y))) {
+      return false;
+    }
+    take_point(at);
+    answer_.unscaled_infeasible = true;
+    return true;
+  }
+
+  /* Rounded to doubles; each value as exact as it can be alone. */
+  void take_point(const Iterate& at) {
+    const Basis basis = form_.original_basis(at.basis);
+    answer_.withdraw();
+    answer_.x = rounded(at.x);
+    answer_.x.resize(lp_.cost.size());
+    answer_.y = rounded(at.y);
+    answer_.column_status = basis.columns;
+    answer_.row_status = basis.rows;
+    answer_.activity = verify::activities(lp_.num_rows(), verify::entries_of(lp_.matrix), answer_.x);
+    answer_.d.clear();
+    for (int j = 0; j < lp_.num_columns(); ++j) {
+      CompensatedSum sum;
+      sum.add(lp_.cost[j]);
+      for (int k = lp_.matrix.start[j]; k < lp_.matrix.start[j + 1]; ++k)
+        at.y[lp_.matrix.index[k]].add_to(sum, -lp_.matrix.value[k]);
+      answer_.d.push_back(sum.value());
+    }
+    answer_.objective = verify::objective(lp_, answer_.x);
+    answer_.violation = verify::measure_violation(lp_, answer_);
+    answer_.has_values = true;
+  }
+
+  const LpData& lp_;
+  const simplex::Options options_;
+  Control& control_;
+  Answer& answer_;
+  const EquationForm form_;
+  Goal goal_;  // of optima
+  Iterate feasible_;
+  LpData between_;
+  std::int64_t iterations_ = 0;
+};
+
+}  // namespace
+
+Settled settle(const LpData& lp, const simplex::Options& options, Control& control, Answer& answer) {
+  const Settled settled = Settlement(lp, options, control, answer).run();
+  answer.outcome = settled.outcome;
+  return settled;
+}
+
+Settled sharpen(const LpData& lp, const simplex::Options& options, Control& control, Answer& answer) {
+  const Settled settled = Settlement(lp, options, control, answer).sharpen();
+  if (settled.outcome == Outcome::optimal) answer.outcome = settled.outcome;
+  return settled;
+}
+
+}  // namespace tovik::lp::refine

@@ -1,0 +1,39 @@
+/* What is true of an LP whose engine could not tell: the last resort behind every claim.
+ *
+ * 1. From the engine's point and basis, LP iterative refinement (optimum.h).
+ * 2. Where that finds no optimum: the elastic form. It ends with a proof that no point is feasible, or with a feasible
+ *    point (within the tolerance: the sides that it misses give way by as much).
+ * 3. The recession form. It ends with a ray, or with multipliers that are feasible for the dual.
+ * 4. From that point and those multipliers, between which an optimum must lie: refinement again.
+ * 5. Where double precision fails in all of these and the LP is small: a simplex in quadruple precision.
+ *
+ * Every claim is verified on the LP's own data with twice the digits. Cost: a few solves of LPs of that size, up to
+ * twice the columns and two more a row; for engines that failed, so that others pay nothing. */
+#pragma once
+
+#include <cstdint>
+
+#include "lp/base/answer.h"
+#include "lp/base/control.h"
+#include "lp/base/lp_data.h"
+#include "lp/simplex/types.h"
+
+namespace tovik::lp::refine {
+
+struct Settled {
+  Outcome outcome = Outcome::numerical_failure;
+  std::int64_t iterations = 0;
+};
+
+/* lp: minimization form, user's space, no crossed bounds. options: tolerances and the iterations that are left.
+ * answer: the engine's. Where the outcome is optimal, infeasible or unbounded it becomes the settled one, with values
+ * rounded to doubles from ones that keep the tolerances; else it stays as it is but for its outcome, which is a limit's
+ * or numerical_failure. */
+Settled settle(const LpData& lp, const simplex::Options& options, Control& control, Answer& answer);
+
+/* An optimum that keeps the tolerances, refined from its basis until it is as good as exact: in ill-conditioned LPs a
+ * violation of a share of the tolerance can be worth any amount. Where the outcome is not optimal neither it nor the
+ * answer says anything of the LP. */
+Settled sharpen(const LpData& lp, const simplex::Options& options, Control& control, Answer& answer);
+
+}  // namespace tovik::lp::refine
