@@ -18,6 +18,21 @@
 extern "C" {
 #endif
 
+/* Where to look for what:
+ *   begin and end         TVKopenTOVIK, TVKcloseTOVIK, TVKcreateprob, TVKcloneprob, TVKfreeprob
+ *   a model, at once      TVKreadcopyprob, TVKcopylp, TVKcopylpwnames; TVKgetreadwarnings
+ *   ... and in pieces     TVKnewcols, TVKnewrows, TVKaddcols, TVKaddrows, TVKchgcoef, TVKchgbds, TVKchgobj, TVKchgrhs
+ *   integers and more     TVKcopyctype, TVKaddsos, TVKEaddindconstr, TVKaddlazyconstraints, TVKaddusercuts, TVKaddmipstarts
+ *   solve                 TVKlpopt, TVKdualopt, TVKprimopt, TVKsiftopt; TVKpresolve
+ *   the answer            TVKgetstat, TVKsolution, TVKgetobjval, TVKgetx, TVKgetpi, TVKgetdj, TVKgetslack, TVKsolninfo
+ *   why there is none     TVKgetfarkas, TVKgetray, TVKgetquality, TVKgetrowinfeas, TVKgetcolinfeas
+ *   what if               TVKgetobjsens, TVKgetrhssens, TVKgetboundsens, TVKgetsensobjval
+ *   start and stop        TVKcopybase, TVKgetbase, TVKreadcopybase; TVKsetterminate, TVKsetlpcallbackfunc
+ *   settings              TVKsetintparam, TVKsetdblparam, TVKsetstrparam, TVKreadcopyparam, TVKgetchgparam
+ *   files                 TVKwriteprob, TVKsolwrite, TVKreadsolution, TVKmbasewrite, TVKwriterestart
+ *   messages              TVKgeterrorstring, TVKgetstatstring, TVKgetchannels, TVKaddfuncdest, TVKsetlogfile
+ *   work done             TVKgetitcnt, TVKgetticks, TVKgetstatistics */
+
 /* ---- Handles ---------------------------------------------------------------------------------------------------- */
 typedef struct TVKenvironment *EnvHandle;
 typedef const struct TVKenvironment *ConstEnvHandle;
@@ -316,7 +331,21 @@ enum TVKerrorcode {
   TVK_ERROR_TEAM_ROOT_TASK = 9035,
   TVK_ERROR_TEAM_SIGNALS_BLOCKED = 9036
 };
-/* Solution statuses: what the last optimization found out. Codes from 101 are those of mixed-integer problems. */
+/* Solution statuses: what the last optimization found out. Codes from 101 are those of mixed-integer problems.
+ *
+ * A continuous linear problem can end with these, and then has
+ *   1   optimal: values, duals, basis
+ *   2   unbounded: TVKgetray; values and objective where a feasible point was met (TVKsolninfo tells)
+ *   3   infeasible: TVKgetfarkas; no values. 4 presolve knows only that it is 2 or 3: switch TVK_PARAM_PREIND off and repeat
+ *   5   optimal in the scaled problem, with violations beyond the tolerances in the caller's units (TVKgetquality): as 1
+ *   6   no claim could be confirmed: the last point and basis, feasible or not
+ *   10, 11, 900, 13   a limit of iterations, seconds or ticks, or the callback or flag of TVKsetterminate: the last point and
+ *       basis, from which the next optimization goes on; TVKsolninfo tells whether it is primal or dual feasible
+ *   12, 21, 22   a limit of the objective value was passed: as 10
+ * and with 0 before the first optimization and after a change. 14 to 19 and 120 to 126 come of relaxations of infeasible
+ * problems, 20 of problems whose optimal points reach to infinity, 23 and 127 of feasibility that was asked for alone, 30 to 39
+ * of the conflict refiner, 101 to 119 and 131 to 134 of a mixed-integer search (with NO_SOLUTION where it has no point), 128 to
+ * 130 of filling the solution pool. */
 enum TVKstatuscode {
   TVK_STATUS_NONE = 0,
   TVK_STATUS_OPTIMAL = 1,
@@ -596,6 +625,9 @@ TVK_API int TVKcleanup(ConstEnvHandle env, ProbHandle lp, double eps);
 TVK_API int TVKunscaleprob(ConstEnvHandle env, ProbHandle lp);
 
 /* ---- Solution query ----
+ * Which status each needs: TVKgetx, slack, ax, objval and the infeasibilities any with a point (1, 2, 5, 6, 10 to 13, 21, 22, 900;
+ * 1217 else), TVKgetpi and dj the same where the point comes with duals (1232 else), TVKgetobjsens and its kin 1 or 5 with a
+ * basis, TVKgetray 2, TVKgetfarkas 3.
  * All routines check in this order: handles; a null array that is required (1004); the range begin..end, inclusive,
  * of the rows or columns (a line 1205 and/or 1206, then 1200); 1017 dual values of a mixed-integer problem; 1217 no
  * solution; 1232 no dual values; 3023 a mixed-integer solution whose values are not available.
@@ -722,7 +754,7 @@ TVK_API int TVKgetticks(ConstEnvHandle env, ConstProbHandle lp, double *ticks_p)
 #define TVK_PARAM_TILIM                  1039
 #define TVK_PARAM_PREDUAL                1044
 #define TVK_PARAM_PREPASS                1052
-#define TVK_PARAM_DATACHECK              1056
+#define TVK_PARAM_DATACHECK              1056 /* 0 by default: contents of arrays are not looked at; 1 while developing */
 #define TVK_PARAM_REDUCE                 1057
 #define TVK_PARAM_PRELINEAR              1058
 #define TVK_PARAM_LPMETHOD               1062
@@ -1553,8 +1585,9 @@ TVK_API int TVKEwriteparam(EnvHandle env, const char *filename);
 /* Reads such a file: every parameter gets the file's value, or its default where the file does not name it. The file may be
  * compressed, and .prm may be left out of its name. '#' begins a comment. On every error the parameters are as before.
  * Errors: 1421, 1423; with the line: 1434 not a number, 1660 incomplete line, 1661 no header; and those of the setters
- * (1013, 1014, 1015, 1026, 1028, 1807).
+ * (1013, 1014, 1015, 1026, 1028, 1807), behind a line on the warning channel with line and name.
  *
+ *     TOVIK Parameter File Version 12.2.0.0
  *     TVK_PARAM_TILIM   60      # seconds
  *     TVK_PARAM_WORKDIR "/var/tmp"
  */
