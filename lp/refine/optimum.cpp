@@ -18,9 +18,9 @@ constexpr double kLittle = 0.25;  // a round that leaves more of the error than 
 constexpr int kPatience = 3;      // rounds in a row that do little
 
 /* The power of two next to 1 / error, where the goal needs that many digits. */
-double magnification(double error, double before, double goal) {
+double magnification(double error, double most_by_growth, double goal) {
   const double enough = std::exp2(std::ceil(std::log2(kEngineTolerance / goal)) + kSpareBits);
-  const double most = std::min({kLargest, before * kMostGrowth, std::max(1.0, enough)});
+  const double most = std::min({kLargest, most_by_growth, std::max(1.0, enough)});
   if (!(error > 0)) return most;
   return std::min(most, std::exp2(std::floor(-std::log2(error))));
 }
@@ -44,7 +44,8 @@ class Refinement {
     Refined result;
     Accuracy reached = measure(lp_, at_, left_);
     for (int round = 0; round < kMostRounds; ++round) {
-      const Outcome outcome = correct(reached, round == 0 && goal_.primal_first);
+      Outcome outcome = correct(reached, round == 0 && goal_.primal_first, kMostGrowth);
+      if (round > 0 && outcome == Outcome::numerical_failure) outcome = correct_by_little(reached);
       result.iterations = solver_.counters().iterations;
       if (outcome != Outcome::optimal) {  // a limit ends it all; other trouble leaves what was reached
         if (round == 0 || is_limit(outcome)) result.outcome = outcome;
@@ -76,9 +77,11 @@ class Refinement {
   double excess(const Accuracy& a) const { return std::max(a.primal / goal_.primal, a.dual / goal_.dual); }
 
   /* One LP of corrections, solved and added. */
-  Outcome correct(const Accuracy& error, bool by_primal) {
-    primal_scale_ = magnification(error.primal, primal_scale_, goal_.primal);
-    dual_scale_ = magnification(error.dual, dual_scale_, goal_.dual);
+  Outcome correct(const Accuracy& error, bool by_primal, double growth) {
+    primal_scale_before_ = primal_scale_;
+    dual_scale_before_ = dual_scale_;
+    primal_scale_ = magnification(error.primal, primal_scale_ * growth, goal_.primal);
+    dual_scale_ = magnification(error.dual, dual_scale_ * growth, goal_.dual);
     for (int j = 0; j < lp_.num_columns(); ++j) {
       solver_.change_bounds(j, at_.x[j].room_to(lp_.lower[j]) * primal_scale_,
                             at_.x[j].room_to(lp_.upper[j]) * primal_scale_);
@@ -93,6 +96,15 @@ class Refinement {
     if (outcome != Outcome::optimal) return out_of_budget(outcome) ? Outcome::numerical_failure : outcome;
     add(solver_.answer());
     return outcome;
+  }
+
+  /* The same by the primal, with a few digits of a correction at a time: where an engine failed. */
+  Outcome correct_by_little(const Accuracy& error) {
+    constexpr double kGrowth = 0x1p10;
+    primal_scale_ = primal_scale_before_;
+    dual_scale_ = dual_scale_before_;
+    solver_.set_basis(at_.basis.columns, at_.basis.rows);
+    return correct(error, true, kGrowth);
   }
 
   /* Columns at a bound stand at it exactly. */
@@ -132,6 +144,7 @@ class Refinement {
   const simplex::Options options_;
   Residuals left_;
   double primal_scale_ = 1, dual_scale_ = 1;
+  double primal_scale_before_ = 1, dual_scale_before_ = 1;  // of the round before
   std::int64_t budget_end_ = 0;
   simplex::Solver solver_;
 };

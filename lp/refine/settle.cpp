@@ -21,7 +21,8 @@ constexpr double kQuadrupleError = 1e-28;   // of a direction's entries, against
 constexpr double kDirectionError =
     1e-15;                             // that a direction or multipliers refined in double precision may have
 constexpr double kProofError = 1e-18;  // of multipliers, against the largest; what it may do is counted
-constexpr double kFarAway = 1e30;      // values that are no point to start from
+constexpr double kLooseProofError = 1e-9;  // where an engine went no further
+constexpr double kFarAway = 1e30;          // values that are no point to start from
 
 verify::Multipliers multipliers(const std::vector<Extended>& v) {
   verify::Multipliers result;
@@ -105,7 +106,9 @@ class Settlement {
     double missed = 0;
     for (int i = 0; i < lp_.num_rows(); ++i) missed = std::max(missed, std::fabs(form_.missed(feasible_, i)));
     if (missed > options_.primal_tolerance)
-      return take_proof(feasible_.y, kProofError) ? Outcome::infeasible : Outcome::numerical_failure;
+      return take_proof(feasible_.y, std::clamp(found.accuracy.dual, kProofError, kLooseProofError))
+                 ? Outcome::infeasible
+                 : Outcome::numerical_failure;
     between_ = form_.allow_misses(feasible_);
     return Outcome::optimal;
   }

@@ -40,7 +40,7 @@ struct Multipliers {
  *
  * The gap is judged against its own rounding error and against what columns without a bound, whose entry of y'A is
  * rounding noise, contribute at values as large as the largest bound or side of the LP; a gap that is no small share
- * of its largest term needs no such look. */
+ * of its largest term needs no such look where the multipliers are doubles. */
 template <class EachEntry>
 double farkas_gap(const LpData& lp, EachEntry each_entry, Multipliers& y, double& margin) {
   constexpr double kRounding = 0x1p-90;  // of the terms, of sums with twice the digits
@@ -48,8 +48,9 @@ double farkas_gap(const LpData& lp, EachEntry each_entry, Multipliers& y, double
   double magnitude = 0;  // of the largest term
   double terms_of_gap = 0;
   double largest_bound = 1;
-  double weights = 0;  // of the sides and bounds in the gap
-  double noise = 0;    // sum of |z_j| over the columns whose z_j is taken for 0
+  double weights = 0;                // of the sides and bounds in the gap
+  bool is_relative = y.low.empty();  // all noise is small against its terms
+  double noise = 0;                  // sum of |z_j| over the columns whose z_j is taken for 0
   const auto add = [&](double w, double w_low, double bound) {
     gap.add_product(w, bound);
     if (w_low != 0) gap.add_product(w_low, bound);
@@ -64,7 +65,8 @@ double farkas_gap(const LpData& lp, EachEntry each_entry, Multipliers& y, double
     const double bound = y.high[i] > 0 ? lp.row_lower[i] : lp.row_upper[i];
     if (!std::isinf(bound)) {
       add(y.high[i], low(i), bound);
-    } else if (std::fabs(y.high[i]) <= (y.low.empty() ? kNegligible : kNegligible * kNegligible)) {
+    } else if (std::fabs(y.high[i]) <=
+               (y.low.empty() ? kNegligible : std::max(kNegligible * kNegligible, y.error))) {
       y.high[i] = 0;
       if (!y.low.empty()) y.low[i] = 0;
     } else {
@@ -73,27 +75,29 @@ double farkas_gap(const LpData& lp, EachEntry each_entry, Multipliers& y, double
   }
   for (int j = 0; j < lp.num_columns(); ++j) {
     CompensatedSum sum;
-    double negligible = 0;
+    double relative = 0, absolute = 0;  // what of z may be noise
     each_entry(j, [&](int i, double a) {
       if (y.high[i] == 0) return;
       sum.add_product(a, y.high[i]);
       if (low(i) != 0) sum.add_product(a, low(i));
-      negligible += std::fabs(a) * (kNegligible * std::fabs(y.high[i]) + y.error);
+      relative += kNegligible * std::fabs(a * y.high[i]);
+      absolute += std::max(kNoMultiplier, y.error) * std::fabs(a);
     });
     const double z = sum.value();
     if (z == 0) continue;
     const double bound = z > 0 ? lp.upper[j] : lp.lower[j];
     if (!std::isinf(bound)) {
       add(-z, -sum.rest(), bound);
-    } else if (std::fabs(z) > negligible) {
+    } else if (std::fabs(z) > relative + absolute) {
       return 0;
     } else {
       noise += std::fabs(z);
+      is_relative = is_relative && std::fabs(z) <= relative;
     }
   }
   const double v = gap.value();
   margin = weights > 0 ? v / weights : 0;
-  if (v > kNegligible * magnitude) return v;
+  if (is_relative && v > kNegligible * magnitude) return v;
   return v > kRounding * terms_of_gap + 2 * noise * largest_bound ? v : 0;
 }
 
