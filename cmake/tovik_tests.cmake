@@ -35,7 +35,7 @@ if(TARGET tovik_program)
   target_include_directories(tovik_wrong_values PRIVATE include)
   target_link_libraries(tovik_wrong_values PRIVATE ${CMAKE_DL_LIBS})
 endif()
-foreach(test test_api_program test_api_program_check test_api_program_verify)
+foreach(test test_api_program test_api_program_check test_api_program_usage test_api_program_verify)
   target_link_libraries(${test} PRIVATE nlohmann_json::nlohmann_json)
   if(TARGET tovik_program)
     add_dependencies(${test} tovik_program tovik_wrong_values)
@@ -72,7 +72,7 @@ add_custom_command(OUTPUT ${random_calls_table}
   COMMAND Python3::Interpreter ${CMAKE_CURRENT_SOURCE_DIR}/fuzz/make_random_calls.py
     ${CMAKE_CURRENT_SOURCE_DIR}/include/tovik.h ${random_calls_table}
   DEPENDS fuzz/make_random_calls.py include/tovik.h)
-add_executable(random_calls fuzz/random_calls.cpp fuzz/random_caller.cpp ${random_calls_table})
+add_executable(random_calls fuzz/random_calls.cpp fuzz/random_caller.cpp fuzz/random_arguments.cpp ${random_calls_table})
 target_include_directories(random_calls PRIVATE ${CMAKE_CURRENT_SOURCE_DIR})
 target_link_libraries(random_calls PRIVATE tovik)
 tovik_warnings(random_calls)

@@ -17,12 +17,13 @@ namespace {
 constexpr double kShare = 0.25;             // of the tolerances: what a point is refined to
 constexpr double kSharp = 1e-15;            // what an optimum's violations are refined to where they matter
 constexpr Goal kProof{1e-20, 1e-20, true};  // for what has to prove something
-constexpr double kQuadrupleError = 1e-28;   // of a direction's entries, against the largest
-constexpr double kDirectionError =
-    1e-15;                             // that a direction or multipliers refined in double precision may have
-constexpr double kProofError = 1e-18;  // of multipliers, against the largest; what it may do is counted
-constexpr double kLooseProofError = 1e-9;  // where an engine went no further
-constexpr double kFarAway = 1e30;          // values that are no point to start from
+constexpr double kFarAway = 1e30;           // values that are no point to start from
+/* What entries may be off by, against the largest. What it may do to a proof is counted. */
+constexpr double kQuadrupleError = 1e-28;  // directions in quadruple precision
+constexpr double kDirectionError = 1e-15;  // refined directions, at most
+constexpr double kProofError = 1e-18;      // multipliers
+constexpr double kLooseProofError = 1e-9;  // refined multipliers, at most: an engine may have gone no further
+constexpr double kHugeError = 1e-20;       // residuals of optima whose values no absolute tolerance fits
 
 verify::Multipliers multipliers(const std::vector<Extended>& v) {
   verify::Multipliers result;
@@ -57,16 +58,15 @@ class Settlement {
   Settled run() {
     Outcome outcome = from_engine();
     if (outcome != Outcome::optimal && !is_limit(outcome)) outcome = from_forms();
-    if (outcome == Outcome::numerical_failure && affordable(lp_.num_rows(), form_.lp().num_columns()))
-      outcome = by_quadruple();
+    if (outcome == Outcome::numerical_failure) outcome = by_quadruple();
     return {outcome, iterations_};
   }
 
   Settled sharpen() {
     goal_.primal = kSharp;
     Outcome outcome = from_engine();
-    if (outcome == Outcome::numerical_failure && affordable(lp_.num_rows(), form_.lp().num_columns()))
-      outcome = by_quadruple();
+    if (outcome == Outcome::numerical_failure) outcome = by_quadruple();
+    if (answer_.unscaled_infeasible) outcome = Outcome::numerical_failure;  // worse than what was there
     return {outcome, iterations_};
   }
 
@@ -132,17 +132,14 @@ class Settlement {
   }
 
   Outcome by_quadruple() {
+    if (!affordable(lp_.num_rows(), form_.lp().num_columns())) return Outcome::numerical_failure;
     QuadrupleResult found = solve_quadruple(form_.lp(), options_.primal_tolerance,
                                             options_.iteration_limit - iterations_, control_);
     iterations_ += found.iterations;
     if (found.outcome == Outcome::infeasible)
       return take_proof(found.iterate.y, kProofError * largest(found.iterate.y)) ? found.outcome
                                                                                  : Outcome::numerical_failure;
-    if (found.outcome == Outcome::optimal) {
-      return take_optimum(found.iterate) == Outcome::optimal || take_huge_optimum(found.iterate)
-                 ? Outcome::optimal
-                 : Outcome::numerical_failure;
-    }
+    if (found.outcome == Outcome::optimal) return take_optimum(found.iterate, kHugeError);
     if (found.outcome != Outcome::unbounded) return trouble(found.outcome);
     feasible_ = std::move(found.iterate);
     return take_ray(found.ray, kQuadrupleError * largest(found.ray)) ? found.outcome
@@ -174,31 +171,24 @@ class Settlement {
     return true;
   }
 
-  /* Where the iterate, but for misses that were let pass, keeps the tolerances. */
-  Outcome take_optimum(Iterate& at) {
+  /* Where the iterate, but for misses that were let pass, keeps the tolerances; or, with `share`, where it is that exact
+   * against its largest value, and then it is told that the tolerances are not kept. */
+  Outcome take_optimum(Iterate& at, double share = 0) {
     at.x.resize(form_.lp().cost.size());
     at.basis.columns.resize(at.x.size());
     Residuals residuals;
     const Accuracy accuracy = measure(form_.lp(), at, residuals);
-    if (accuracy.primal > options_.primal_tolerance || accuracy.dual > options_.dual_tolerance)
+    const bool primal = accuracy.primal <= options_.primal_tolerance;
+    const bool dual = accuracy.dual <= options_.dual_tolerance;
+    if ((!primal && !(accuracy.primal <= share * largest(at.x))) ||
+        (!dual && !(accuracy.dual <= share * largest(at.y)))) {
       return Outcome::numerical_failure;
-    take_point(at);
-    answer_.primal_feasible = answer_.dual_feasible = true;
-    return Outcome::optimal;
-  }
-
-  /* Of values so large that many digits do not reach an absolute tolerance. */
-  bool take_huge_optimum(const Iterate& at) {
-    constexpr double kDigits = 1e-20;
-    Residuals residuals;
-    const Accuracy accuracy = measure(form_.lp(), at, residuals);
-    if (accuracy.primal > std::max(options_.primal_tolerance, kDigits * largest(at.x)) ||
-        accuracy.dual > std::max(options_.dual_tolerance, kDigits * largest(at.y))) {
-      return false;
     }
     take_point(at);
-    answer_.unscaled_infeasible = true;
-    return true;
+    answer_.primal_feasible = primal;
+    answer_.dual_feasible = dual;
+    answer_.unscaled_infeasible = !primal || !dual;
+    return Outcome::optimal;
   }
 
   /* Rounded to doubles; each value as exact as it can be alone. */

@@ -174,6 +174,7 @@ class Relaxation : public Solver {
   void replace(int entering, int position, double step, int leaving_move);
   bool change_basis_only(int entering, int position);
   void start_requested_pivots();
+  void load_inverse_row(int position);  // into row_
   void load_column(int variable);
   void resize_work();
 

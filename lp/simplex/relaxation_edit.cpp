@@ -46,11 +46,7 @@ void Relaxation::add_rows(const RowBlock& block) {
  * holds B^-1 a_entering, ready for the factor's update; the step is the entering variable's. */
 void Relaxation::replace(int entering, int position, double step, int leaving_move) {
   Core& core = *core_;
-  row_.clear();
-  row_.set_unit(position);
-  row_.want_pack = true;
-  core.btran(row_, core.row_ep_density);
-  row_.want_pack = false;
+  load_inverse_row(position);
   const double pivot = column_.array[position];
   const DualRule& rule = the_dual().rule();
   if (rule.needs_tau()) {
@@ -78,6 +74,14 @@ void Relaxation::replace(int entering, int position, double step, int leaving_mo
     core.drop_factor();
     ensure_factor();
   }
+}
+
+void Relaxation::load_inverse_row(int position) {
+  row_.clear();
+  row_.set_unit(position);
+  row_.want_pack = true;
+  core_->btran(row_, core_->row_ep_density);
+  row_.want_pack = false;
 }
 
 void Relaxation::load_column(int variable) {

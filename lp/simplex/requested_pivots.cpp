@@ -33,11 +33,7 @@ int best_position(const SparseVector& column, const std::vector<char>& may_leave
  * basis. */
 bool Relaxation::change_basis_only(int entering, int position) {
   Core& core = *core_;
-  row_.clear();
-  row_.set_unit(position);
-  row_.want_pack = true;
-  core.btran(row_, core.row_ep_density);
-  row_.want_pack = false;
+  load_inverse_row(position);
   core.change_basis(entering, position, 0);
   if (core.factor.update(column_, row_, position) && !core.factor.wants_rebuild()) return true;
   return core.refactor() != FactorState::singular;

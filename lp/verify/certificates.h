@@ -28,7 +28,8 @@ struct FarkasProof {
   double margin = 0;
 };
 
-/* Multipliers by row, or a direction by column, with digits beyond those of a double where they are known (`low`, else empty). */
+/* Multipliers by row, or a direction by column, with digits beyond those of a double where they are known (`low`, else
+ * empty). */
 struct Multipliers {
   std::vector<double> high, low;
   double error = 0;  // of each entry that is not 0

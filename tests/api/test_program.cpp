@@ -1,4 +1,5 @@
-/* The program `tovik` as its users meet it: exit status, standard output, standard error, files. */
+/* The program `tovik` as its users meet it: exit status, standard output, standard error, files. How it is called is
+ * tested in test_program_usage.cpp. */
 #include <signal.h>
 
 #include <algorithm>
@@ -241,80 +242,6 @@ TEST_F(Program, ModelsOfABlinkShowNoPhases) {
   EXPECT_TRUE(contains(contents(folder_ / "log"), "Presolve"));
 }
 
-TEST_F(Program, LineOfTheOverrideFileLeavesJsonAlone) {
-  write("model.lp", kOptimal);
-  write("over.prm", "TOVIK Parameter File Version 12.2.0.0\nTVK_PARAM_TILIM 50\n");
-  setenv("MERU_TOVIK_PARAMETER_FILE", "over.prm", 1);
-  const Result json = run({"model.lp", "--json", "-q"}), text = run({"model.lp", "-q"});
-  unsetenv("MERU_TOVIK_PARAMETER_FILE");
-  EXPECT_EQ(json.json()["status"], 1) << json.out;
-  EXPECT_TRUE(contains(json.err, "over.prm")) << json.err;
-  EXPECT_TRUE(contains(text.out, "over.prm")) << text.out;
-}
-
-TEST_F(Program, ErrorsOfParameterFilesTellLineAndName) {
-  write("model.lp", kOptimal);
-  for (const char* setting : {"TVK_PARAM_NOSUCH 4", "TVK_PARAM_TILIM -4", "TVK_PARAM_ADVIND 99"}) {
-    write("p.prm",
-          std::string("TOVIK Parameter File Version 12.2.0.0\nTVK_PARAM_ITLIM 5\n") + setting + "\n");
-    const Result result = run({"model.lp", "--params", "p.prm"});
-    EXPECT_EQ(result.exit, 7);
-    const std::string name(setting, std::string_view(setting).find(' '));
-    EXPECT_TRUE(contains(result.err, "line 3: '" + name + "'")) << result.err;
-  }
-}
-
-TEST_F(Program, HelpKnowsVerbsAndNearNames) {
-  EXPECT_EQ(run({"help", "check"}).out, run({"check", "--help"}).out);
-  EXPECT_EQ(run({"help"}).out, run({"--help"}).out);
-  EXPECT_FALSE(contains(run({"help", "convert"}).out, "--time-limit"));
-  const struct {
-    Words words;
-    const char* near;
-  } slips[] = {{{"help", "chek"}, "check"},
-               {{"verfiy", "m.lp", "m.sol"}, "tovik verify"},
-               {{"m.lp", "--threds", "2"}, "--threads"},
-               {{"check", "m.lp", "--strct"}, "--strict"}};
-  for (const auto& slip : slips) {
-    const Result result = run(slip.words);
-    EXPECT_EQ(result.exit, 2) << slip.near;
-    EXPECT_TRUE(contains(result.err, std::string("did you mean ") + slip.near)) << result.err;
-  }
-  EXPECT_EQ(run({"m.lp", "--threads", "99"}).exit, 7) << "as many as there are; the model is missing";
-  const std::string version = run({"--version"}).out;
-  EXPECT_TRUE(contains(version, "\ncommit ") && contains(version, "\nlicence Apache-2.0")) << version;
-}
-
-/* What is installed beside the program knows every option that it has. */
-TEST_F(Program, ManualPageAndCompletionsKnowEveryOption) {
-  const fs::path share = fs::path(TOVIK_SOURCE_DIR) / "cli/share";
-  std::string manual = contents(share / "tovik.1");
-  std::erase(manual, '\\');
-  const std::string bash = contents(share / "tovik.bash"), zsh = contents(share / "_tovik");
-  const std::string fish = contents(share / "tovik.fish");
-  for (const char* verb : {"solve", "convert", "display", "check", "verify", "params"}) {
-    EXPECT_TRUE(contains(manual, verb));
-    const auto line_of = [&](const std::string& text, const std::string& head) {
-      const std::size_t begin = text.find(head);
-      return begin == std::string::npos ? "" : text.substr(begin, text.find('\n', begin) - begin) + " ";
-    };
-    const std::string of_bash = line_of(bash, std::string("    ") + verb + ") options="),
-                      of_zsh = line_of(zsh, std::string("  (") + verb + ") options=");
-    const std::string help = run({"help", verb}).out;
-    int options = 0;
-    for (std::size_t at = help.find("--"); at != std::string::npos; at = help.find("--", at + 2)) {
-      if (at < 2 || (help[at - 1] != ',' && help.compare(at - 3, 3, "\n  ") != 0)) continue;
-      const std::string option = help.substr(at, help.find_first_of(" \n:", at) - at);
-      ++options;
-      EXPECT_TRUE(contains(manual, "fB" + option + "fR")) << option;
-      EXPECT_TRUE(contains(of_bash, option)) << verb << ' ' << option;
-      EXPECT_TRUE(contains(of_zsh, option)) << verb << ' ' << option;
-      EXPECT_TRUE(contains(fish, "-l " + option.substr(2) + "\n") || option == "--method") << option;
-    }
-    EXPECT_GE(options, 3) << verb;
-  }
-}
-
 TEST_F(Program, ModelOfWhichTextWasIgnoredIsRefused) {
   write("model.lp", "Minimize\n c: x + y\nSubject To\n a: x >= 1.5 y\n b: y >= 2 + 3\nEnd\n");
   const Result refused = run({"model.lp", "--json"});
@@ -347,59 +274,6 @@ TEST_F(Program, IntegerColumnsWithoutBoundsAreSaidAndNamed) {
   const Result silent = run({"check", "silent.mps"});
   EXPECT_TRUE(contains(silent.out, "Integer column 'x' has no bounds in the file")) << silent.out;
   EXPECT_EQ(silent.exit, 0);
-}
-
-TEST_F(Program, UnknownParameterNamesTheNearestAndSolvesNothing) {
-  write("model.lp", kOptimal);
-  const Result result = run({"model.lp", "--json", "--set", "tilm=3"});
-  EXPECT_EQ(result.exit, 2);
-  EXPECT_EQ(result.out, "");
-  for (const char* name : {"tilm", " TILIM", " ITLIM"}) EXPECT_TRUE(contains(result.err, name)) << result.err;
-}
-
-TEST_F(Program, RefusesWrongUsage) {
-  write("model.lp", kOptimal);
-  const Words wrong[] = {{},
-                         {"--set", "ITLIM=3"},
-                         {"model.lp", "--set", "ITLIM"},
-                         {"model.lp", "--set", "ITLIM=many"},
-                         {"model.lp", "--set", "ITLIM=-1"},
-                         {"model.lp", "--set", "ITLIM=1.5"},
-                         {"model.lp", "--set", "SCRIND=1"},
-                         {"model.lp", "--set", "1011=1"},
-                         {"model.lp", "--gap", "2"},
-                         {"model.lp", "--method", "magic"},
-                         {"model.lp", "--log", "absent/log"},
-                         {"model.lp", "--frobnicate"},
-                         {"params", "no-such-thing"}};
-  for (const Words& words : wrong) {
-    const Result result = run(words);
-    EXPECT_EQ(result.exit, 2) << Json(words);
-    EXPECT_EQ(result.out.empty(), !words.empty()) << result.out;  // only the bare name prints the help
-  }
-  for (const char* verb : {"solve", "convert", "display", "check", "verify"}) {
-    const Result result = run({verb});
-    EXPECT_EQ(result.exit, 2) << verb << ": a script whose list of files is empty must not pass";
-    EXPECT_TRUE(contains(result.out, "Usage:")) << verb;
-  }
-}
-
-TEST_F(Program, LaterSettingsWinAndAnyCaseWillDo) {
-  const Result result = run(
-      {"params", "itlim", "--set", "tvk_param_ItLim=7", "--set", "ITLIM=9", "-t", "5", "--set", "TILIM=6"});
-  ASSERT_EQ(result.exit, 0) << result.err;
-  EXPECT_TRUE(contains(result.out, "9*")) << result.out;
-  EXPECT_FALSE(contains(result.out, "7*")) << result.out;
-  EXPECT_TRUE(contains(run({"params", "TILIM", "-t", "5", "--set", "TILIM=6"}).out, "6*"));
-  EXPECT_TRUE(contains(run({"params", "TILIM", "--set", "TILIM=6", "-t", "5"}).out, "5*"));
-  EXPECT_TRUE(contains(run({"params", "lpmethod", "--method", "Dual"}).out, "2*"));
-  const Result all = run({"params", "--all"});
-  EXPECT_EQ(std::count(all.out.begin(), all.out.end(), '\n'), 154) << "a head and every named parameter";
-  EXPECT_TRUE(contains(run({"params", "BAR*LIM", "--all"}).out, "BARITLIM"));
-  const Result hidden = run({"params", "BAR*LIM"});
-  EXPECT_EQ(hidden.exit, 2);
-  EXPECT_TRUE(contains(hidden.err, "--all")) << hidden.err;
-  EXPECT_FALSE(contains(run({"params"}).out, "without effect"));
 }
 
 TEST_F(Program, ReadsStandardInputPlainAndCompressed) {
@@ -568,24 +442,6 @@ TEST_F(Program, FilesToStartFromAndToWrite) {
   EXPECT_NE(nowhere.out.find("Objective   7\n"), std::string::npos);
   EXPECT_EQ(run({"a.lp", "b.mps", "--solution", "c.sol"}).exit, 2);
   EXPECT_FALSE(fs::exists(folder_ / "c.sol"));
-}
-
-TEST_F(Program, ParameterFileComesBeforeTheCommandLine) {
-  write("p.prm", "TOVIK Parameter File Version 12.2.0.0\nTVK_PARAM_ITLIM 5\nTVK_PARAM_EPOPT 1e-7\n");
-  const Result both = run({"params", "--set", "itlim=9", "--params", "p.prm"});
-  EXPECT_EQ(both.exit, 0) << both.err;
-  std::istringstream lines(both.out);
-  std::string iterations, optimality;
-  for (std::string line; std::getline(lines, line);) {
-    if (line.starts_with("ITLIM ")) iterations = line;
-    if (line.starts_with("EPOPT ")) optimality = line;
-  }
-  EXPECT_NE(iterations.find(" 9* "), std::string::npos) << iterations;
-  EXPECT_NE(optimality.find("1e-07"), std::string::npos) << optimality;
-  write("q.prm", "no header\n");
-  const Result wrong = run({"params", "--params", "q.prm"});
-  EXPECT_EQ(wrong.exit, 7);
-  EXPECT_EQ(wrong.err, "q.prm: TOVIK Error  1661: Line 1:  Missing or invalid header.\n");
 }
 
 }  // namespace

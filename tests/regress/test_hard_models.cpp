@@ -64,7 +64,9 @@ INSTANTIATE_TEST_SUITE_P(
                          // integer data of 1e7 to 2e11, where rounding exceeds the tolerance
                          Hard{"stall_1.mps.bz2", TVK_STATUS_OPTIMAL, 1.716e12, 1e3},
                          Hard{"stall_2.mps", TVK_STATUS_OPTIMAL, -1.1e9, 1},
-                         Hard{"stall_3.mps", TVK_STATUS_OPTIMAL, 1.716e12, 1e3}),
+                         Hard{"stall_3.mps", TVK_STATUS_OPTIMAL, 1.716e12, 1e3},
+                         // the relaxation of semi-continuous columns contains zero
+                         Hard{"semicontinuous_2.mps", TVK_STATUS_OPTIMAL, 0, 1e-9}),
                      testing::Values(0, 1, 2), testing::Values(0, 1)));
 
 }  // namespace

@@ -162,7 +162,6 @@ TEST(Refine, AMissWithinTheToleranceIsNone) {
 }
 
 TEST(Refine, LimitsAreTold) {
-  Random random(17);
   support::QuietControl control;
   simplex::Options options;
   options.iteration_limit = 0;
