@@ -20,7 +20,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             failure.code == TVK_ERROR_LINE_NUMBER_CONVERSION);
     require(solutions.size() <= static_cast<std::size_t>(found) && (several || solutions.size() <= 1));
     for (const SolutionFile& solution : solutions) {
-      require(solution.x.size() == 6 && solution.effort >= 0 && solution.effort <= 4);
+      require(solution.x.size() == (several ? 0 : 6) && solution.effort >= 0 && solution.effort <= 4);
+      require(solution.values.index.size() == solution.values.value.size());
+      require(several != solution.values.index.empty());
       for (const int status : solution.column_status) require(status >= -1 && status <= 3);
     }
   }

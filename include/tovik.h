@@ -1655,7 +1655,7 @@ TVK_API int TVKreadsolution(ConstEnvHandle env, ConstProbHandle lp, const char *
 /* Writes MIP starts begin..end. Errors: 3020 there are none; 1205/1206 and 1200. */
 TVK_API int TVKwritemipstarts(ConstEnvHandle env, ConstProbHandle lp, const char *filename, int begin, int end);
 
-/* Adds the first MIP start of a file, or all of them. Errors: 3003 not a mixed-integer problem. */
+/* Adds the first MIP start of a file, or all of them. Errors: 3003 not a mixed-integer problem, 1012 too many values. */
 TVK_API int TVKreadcopymipstart(ConstEnvHandle env, ProbHandle lp, const char *filename);
 TVK_API int TVKreadcopymipstarts(ConstEnvHandle env, ProbHandle lp, const char *filename);
 

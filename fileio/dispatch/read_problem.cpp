@@ -44,42 +44,32 @@ class ChannelDialogue final : public DialogueLog {
   Status status_;
 };
 
-/* A SAV file begins with a line feed, its signature and five bytes more. */
-bool has_sav_signature(ByteSource& source) {
-  char bytes[10];
-  std::size_t size = 0;
-  while (size < sizeof bytes) {
-    const std::size_t count = source.read(bytes + size, sizeof bytes - size);
-    if (count == 0) return false;
-    size += count;
-  }
-  return std::string_view(bytes, sizeof bytes).starts_with(kSavSignature);
+/* By the first bytes of a file whose name does not tell. A SAV file begins with a line feed, its signature and five bytes
+ * more. */
+Format guess_format(PeekSource& source) {
+  constexpr std::size_t kSavStart = 11;
+  const std::string_view first = source.look(1);
+  if (first.empty()) return Format::unknown;
+  if (first[0] != '\n') return format_of_first_byte(first[0]);
+  const std::string_view start = source.look(kSavStart).substr(1);
+  return start.size() == kSavStart - 1 && start.starts_with(kSavSignature) ? Format::sav : Format::lp;
 }
 
-/* Reads the first bytes of a file whose name does not tell its format. */
-Status guess_format(Environment& env, const char* name, Format& format) {
-  OpenRequest request;
-  request.name = name;
-  std::unique_ptr<ByteSource> source;
-  if (const Status status = open_for_reading(env, request, source); !status.ok()) return status;
-  char byte = '\0';
-  if (source->read(&byte, 1) == 1) {
-    format = byte == '\n' && has_sav_signature(*source) ? Format::sav : format_of_first_byte(byte);
-    return {};
+/* The default extension of a format; none where neither name nor type tells what it is. */
+const char* extension_of(Format format) {
+  switch (format) {
+    case Format::unknown:
+      return nullptr;
+    case Format::lp:
+      return ".lp";
+    case Format::mps:
+      return ".mps";
+    case Format::sav:
+      return ".sav";
+    case Format::network:
+      return ".net";
   }
-  return close_source(env, *source, false, name);
-}
-
-Status choose_format(Environment& env, const char* name, const char* type, Format& format) {
-  if (type != nullptr) {
-    format = format_of_type(type);
-  } else {
-    format = format_of_name(name);
-    if (format == Format::unknown) {
-      if (const Status status = guess_format(env, name, format); !status.ok()) return status;
-    }
-  }
-  return format != Format::unknown ? Status{} : Status(TVK_ERROR_FILE_TYPE);
+  return nullptr;
 }
 
 ReadOptions options_of(const Settings& settings) {
@@ -94,18 +84,14 @@ ReadOptions options_of(const Settings& settings) {
   return options;
 }
 
-Status read_file(Environment& env, const char* name, Format format, FileModel& model, ReadReport& report) {
-  OpenRequest request;
-  request.name = name;
-  request.default_extension = format == Format::lp ? ".lp" : ".mps";
-  std::unique_ptr<ByteSource> source;
-  if (const Status status = open_for_reading(env, request, source); !status.ok()) return status;
+Status read_text(Environment& env, ByteSource& source, const char* name, Format format, FileModel& model,
+                 ReadReport& report) {
   ChannelLog channels(env);
   RecordingLog log(channels, report);
   const ReadOptions options = options_of(env.settings);
   const ReadFailure failure =
-      format == Format::lp ? read_lp(*source, options, log, model) : read_mps(*source, options, log, model);
-  if (const Status s = close_source(env, *source, bool(failure), name); !s.ok()) return s;
+      format == Format::lp ? read_lp(source, options, log, model) : read_mps(source, options, log, model);
+  if (const Status s = close_source(env, source, bool(failure), name); !s.ok()) return s;
   return failure ? report_failure(env, failure) : Status{};
 }
 
@@ -163,13 +149,22 @@ Format format_of_first_byte(char byte) {
 }
 
 Status read_problem(Environment& env, Problem& problem, const char* name, const char* type) {
-  Format format = Format::unknown;
-  if (const Status status = choose_format(env, name, type, format); !status.ok()) return status;
-  if (format == Format::sav) return read_saved_problem(env, problem, name);
-  if (format == Format::network) return read_network_problem(env, problem, name);
+  Format format = type != nullptr ? format_of_type(type) : format_of_name(name);
+  if (type != nullptr && format == Format::unknown) return TVK_ERROR_FILE_TYPE;
+  std::unique_ptr<ByteSource> opened;
+  if (const Status s = open_for_reading(env, {name, extension_of(format)}, opened); !s.ok()) return s;
+  PeekSource source(std::move(opened));
+  if (format == Format::unknown) {
+    format = guess_format(source);
+    const bool empty = source.look(1).empty();
+    if (const Status s = empty ? close_source(env, source, false, name) : Status(); !s.ok()) return s;
+    if (format == Format::unknown) return TVK_ERROR_FILE_TYPE;
+  }
+  if (format == Format::sav) return read_saved_problem(env, problem, source, name);
+  if (format == Format::network) return read_network_problem(env, problem, source, name);
   FileModel model;
   ReadReport report;
-  if (const Status status = read_file(env, name, format, model, report); !status.ok()) return status;
+  if (const Status s = read_text(env, source, name, format, model, report); !s.ok()) return s;
   return load_file(env, problem, std::move(model), name, std::move(report));
 }
 

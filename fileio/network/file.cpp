@@ -13,16 +13,12 @@
 namespace tovik::fileio {
 namespace {
 
-Status read_data(Environment& env, const char* name, model::NetworkData& data, ReadReport& report) {
-  OpenRequest request;
-  request.name = name;
-  request.default_extension = ".net";
-  std::unique_ptr<ByteSource> source;
-  if (const Status status = open_for_reading(env, request, source); !status.ok()) return status;
+Status read_data(Environment& env, ByteSource& source, const char* name, model::NetworkData& data,
+                 ReadReport& report) {
   ChannelLog channels(env);
   RecordingLog log(channels, report);
-  const ReadFailure failure = read_network(*source, {}, log, data);
-  if (const Status s = close_source(env, *source, bool(failure), name); !s.ok()) return s;
+  const ReadFailure failure = read_network(source, {}, log, data);
+  if (const Status s = close_source(env, source, bool(failure), name); !s.ok()) return s;
   if (failure) return report_failure(env, failure);
   env.add_work(data.supply.size() + data.tail.size());
   return {};
@@ -39,9 +35,11 @@ model::NameBlock numbered_names(char letter, int count) {
 }  // namespace
 
 Status read_network_file(Environment& env, NetworkProblem& problem, const char* name) {
+  std::unique_ptr<ByteSource> source;
+  if (const Status status = open_for_reading(env, {name, ".net"}, source); !status.ok()) return status;
   model::NetworkData data;
   ReadReport report;
-  if (const Status status = read_data(env, name, data, report); !status.ok()) return status;
+  if (const Status status = read_data(env, *source, name, data, report); !status.ok()) return status;
   std::string title = std::move(data.problem_name);
   if (title.empty()) title = name;
   problem.network = std::make_unique<model::Network>(std::move(data));
@@ -49,10 +47,10 @@ Status read_network_file(Environment& env, NetworkProblem& problem, const char* 
   return {};
 }
 
-Status read_network_problem(Environment& env, Problem& problem, const char* name) {
+Status read_network_problem(Environment& env, Problem& problem, ByteSource& source, const char* name) {
   model::NetworkData data;
   ReadReport report;
-  if (const Status status = read_data(env, name, data, report); !status.ok()) return status;
+  if (const Status status = read_data(env, source, name, data, report); !status.ok()) return status;
   model::ModelData lp = model::lp_of(model::Network(std::move(data)));
   lp.problem_name = name;
   if (lp.row_names.empty()) lp.row_names = numbered_names('n', static_cast<int>(lp.rhs.size()));

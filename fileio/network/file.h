@@ -48,9 +48,9 @@ int write_network(const model::Network& network, std::string_view problem_name, 
 
 /* Replaces the network by that of the file, and its name by the one in the file or else the file's own. */
 Status read_network_file(Environment& env, NetworkProblem& problem, const char* name);
-/* Replaces the model of `problem` by that of the network in the file (model/network/linear_model.h); without
+/* Replaces the model of `problem` by that of the network in an opened file (model/network/linear_model.h); without
  * names in the file, rows are called n1 ... and columns a1 .... The file name becomes the problem's name. */
-Status read_network_problem(Environment& env, Problem& problem, const char* name);
+Status read_network_problem(Environment& env, Problem& problem, ByteSource& source, const char* name);
 Status write_network_file(Environment& env, const NetworkProblem& problem, const char* name);
 
 }  // namespace tovik::fileio

@@ -1,5 +1,7 @@
 #include "fileio/network/notes.h"
 
+#include <algorithm>
+#include <numeric>
 #include <utility>
 
 #include "model/base/names.h"
@@ -25,9 +27,27 @@ char unescaped(char letter) {
 }  // namespace
 
 void CommentNames::add(int item, std::string_view name) {
+  if (!in_order_ && items_.size() >= drop_at_) drop_replaced();
   if (static_cast<std::size_t>(item) != items_.size()) in_order_ = false;
   names_.add(name);
   items_.push_back(item);
+}
+
+void CommentNames::drop_replaced() {
+  std::vector<std::size_t> order(items_.size());
+  std::iota(order.begin(), order.end(), std::size_t{0});
+  std::ranges::stable_sort(order, {}, [this](std::size_t k) { return items_[k]; });
+  std::vector<int> items;
+  model::NameBlock names;
+  for (std::size_t k = 0; k < order.size(); ++k) {
+    const int item = items_[order[k]];
+    if (k + 1 < order.size() && items_[order[k + 1]] == item) continue;
+    names.add(names_.name(order[k]));
+    items.push_back(item);
+  }
+  items_ = std::move(items);
+  names_ = std::move(names);
+  drop_at_ = 2 * std::max(items_.size(), kFirstDrop);
 }
 
 model::NameBlock CommentNames::collect(int count) {

@@ -12,7 +12,8 @@ namespace tovik::fileio {
 
 inline constexpr std::string_view kNoteStart = "c @";
 
-/* Names of nodes or arcs as they come, in whatever order. */
+/* Names of nodes or arcs as they come, in whatever order. Memory is bounded by the items that have one: names of an item
+ * that was named again later are dropped now and then. */
 class CommentNames {
  public:
   explicit CommentNames(char letter) : letter_(letter) {}
@@ -23,10 +24,14 @@ class CommentNames {
   model::NameBlock collect(int count);
 
  private:
+  void drop_replaced();
+
+  static constexpr std::size_t kFirstDrop = std::size_t{1} << 16;
   char letter_;
   std::vector<int> items_;
   model::NameBlock names_;
   bool in_order_ = true;  // item k is the k-th to be named
+  std::size_t drop_at_ = kFirstDrop;
 };
 
 /* Writes a name and a line feed; the bytes that would break the line as \n, \r and \\. */

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <limits>
+#include <numeric>
 #include <string>
 #include <utility>
 
@@ -19,6 +20,9 @@ constexpr std::int64_t kSilentNodes = 1000000;
 /* First capacity of the arcs: what the problem line says, as far as a file of that size can hold it. */
 constexpr std::size_t kShortestArc = 12;  // bytes, "a 1 2 0 1 0\n"
 constexpr std::size_t kFirstArcs = std::size_t{1} << 16;
+
+/* Records of nodes in no order, after which they are looked through for the first time. */
+constexpr std::size_t kFirstLook = std::size_t{1} << 16;
 
 /* One file. Each function for a line returns false after a failure. */
 class NetworkReader {
@@ -42,6 +46,7 @@ class NetworkReader {
   bool line();
   bool problem_line(NetworkFields& fields);
   bool node_line(NetworkFields& fields);
+  bool check_nodes_come_once();
   bool arc_line(NetworkFields& fields);
   void note(std::string_view text);
   void finish();
@@ -59,6 +64,9 @@ class NetworkReader {
     log_.warn("Line %d:  %s\n", line, reason.c_str());
     return fail(ReadFailure::plain(TVK_ERROR_NETWORK_FILE_INCONSISTENT));
   }
+  bool comes_twice(const NodeRecord& record) {
+    return inconsistent(record.line, "Node " + std::to_string(record.node + 1) + " comes twice.");
+  }
   std::string_view noted_name(std::string_view text);
 
   std::size_t expected_size_;
@@ -69,6 +77,8 @@ class NetworkReader {
   bool has_problem_line_ = false, maximize_ = false;
   int nodes_ = 0, arcs_ = 0;  // of the problem line
   std::vector<NodeRecord> node_records_;
+  bool nodes_ascend_ = true;
+  std::size_t look_at_ = kFirstLook;  // so many records: does a node come twice among them?
   CommentNames node_names_{'n'}, arc_names_{'a'};
   std::string text_;  // of the last note
   WarningLimit cut_names_;
@@ -144,8 +154,24 @@ bool NetworkReader::node_line(NetworkFields& fields) {
   if (!has_problem_line_) return fail(ReadFailure::plain(TVK_ERROR_NOT_MIN_COST_FLOW));
   NodeRecord record{0, lines_.number(), 0};
   if (!node(fields, record.node) || !accept(fields.number(record.supply)) || !ended(fields)) return false;
+  if (!node_records_.empty() && record.node <= node_records_.back().node) nodes_ascend_ = false;
+  if (!nodes_ascend_ && node_records_.size() >= look_at_) {
+    look_at_ = 2 * node_records_.size();
+    if (!check_nodes_come_once()) return false;
+  }
   node_records_.push_back(record);
   return true;
+}
+
+bool NetworkReader::check_nodes_come_once() {
+  std::vector<std::size_t> order(node_records_.size());
+  std::iota(order.begin(), order.end(), std::size_t{0});
+  std::ranges::stable_sort(order, {}, [this](std::size_t k) { return node_records_[k].node; });
+  std::size_t first = order.size();
+  for (std::size_t k = 1; k < order.size(); ++k) {
+    if (node_records_[order[k]].node == node_records_[order[k - 1]].node) first = std::min(first, order[k]);
+  }
+  return first == order.size() || comes_twice(node_records_[first]);
 }
 
 bool NetworkReader::arc_line(NetworkFields& fields) {
@@ -190,7 +216,10 @@ void NetworkReader::note(std::string_view text) {
     int number = 0;
     const char* const end = rest.data() + rest.size();
     const auto parsed = std::from_chars(rest.data(), end, number);
-    if (parsed.ec != std::errc() || number < 1 || (parsed.ptr != end && *parsed.ptr != ' ')) return;
+    if (parsed.ec != std::errc() || number < 1 || number > kMaxEntries ||
+        (parsed.ptr != end && *parsed.ptr != ' '))
+      return;
+    if (has_problem_line_ && number > nodes_) return;
     rest.remove_prefix(std::min(static_cast<std::size_t>(parsed.ptr - rest.data()) + 1, rest.size()));
     node_names_.add(number - 1, noted_name(rest));
   } else if (kind == "problem") {
@@ -206,7 +235,7 @@ void NetworkReader::set_supplies() {
   for (const NodeRecord& record : node_records_) {
     const auto node = static_cast<std::size_t>(record.node);
     if (met[node] != 0) {
-      inconsistent(record.line, "Node " + std::to_string(record.node + 1) + " comes twice.");
+      comes_twice(record);
       return;
     }
     met[node] = 1;

@@ -89,6 +89,7 @@ class Reader {
   bool next_line();
   Status read_header();
   Status read_setting();
+  void keep(Setting&& setting);
   Status tell_line(Status status);
   Status find_entry(std::string_view word, const param::Entry*& entry);
   Status read_integer(std::string_view text, Setting& setting);
@@ -198,8 +199,15 @@ Status Reader::read_setting() {
       status = read_text(text_, setting);
       break;
   }
-  if (status.ok()) settings_.push_back(std::move(setting));
+  if (status.ok()) keep(std::move(setting));
   return status;
+}
+
+/* The last one counts: what a file may say of a parameter has no end. */
+void Reader::keep(Setting&& setting) {
+  const auto same = std::ranges::find(settings_, setting.entry, &Setting::entry);
+  if (same != settings_.end()) settings_.erase(same);
+  settings_.push_back(std::move(setting));
 }
 
 Status Reader::read_integer(std::string_view text, Setting& setting) {

@@ -8,6 +8,7 @@
 #pragma once
 
 #include <cstdint>
+#include <limits>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -67,7 +68,10 @@ class ReaderLog {
 /* Counts the warnings of one kind: the first 20 may be printed. */
 class WarningLimit {
  public:
-  bool admit() { return ++seen_ <= kMaxWarningsOfAKind; }
+  bool admit() {
+    if (seen_ != std::numeric_limits<int>::max()) ++seen_;  // stays there
+    return seen_ <= kMaxWarningsOfAKind;
+  }
   int suppressed() const { return seen_ > kMaxWarningsOfAKind ? seen_ - kMaxWarningsOfAKind : 0; }
 
  private:

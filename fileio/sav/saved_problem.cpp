@@ -16,12 +16,10 @@
 namespace tovik::fileio {
 namespace {
 
-Status read_file(Environment& env, const OpenRequest& request, SavFile& file) {
-  std::unique_ptr<ByteSource> source;
-  if (const Status status = open_for_reading(env, request, source); !status.ok()) return status;
-  const int code = read_sav(*source, file);
-  if (const Status s = close_source(env, *source, code != 0, request.name); !s.ok()) return s;
-  if (code == TVK_ERROR_NOT_SAV_FILE || code == TVK_ERROR_FILE_FORMAT) return fail(env, code, request.name);
+Status read_file(Environment& env, ByteSource& source, const char* name, SavFile& file) {
+  const int code = read_sav(source, file);
+  if (const Status s = close_source(env, source, code != 0, name); !s.ok()) return s;
+  if (code == TVK_ERROR_NOT_SAV_FILE || code == TVK_ERROR_FILE_FORMAT) return fail(env, code, name);
   return code;
 }
 
@@ -139,9 +137,9 @@ Status write_file(Environment& env, const Problem& problem, const SavStateView& 
 
 }  // namespace
 
-Status read_saved_problem(Environment& env, Problem& problem, const char* name) {
+Status read_saved_problem(Environment& env, Problem& problem, ByteSource& source, const char* name) {
   SavFile file;
-  if (const Status status = read_file(env, {name, ".sav"}, file); !status.ok()) return status;
+  if (const Status status = read_file(env, source, name, file); !status.ok()) return status;
   const bool with_basis = has_basis(file.state), known = statuses_are_known(file.state);
   Loading loading;
   if (with_basis && known) take_basis(file.state, loading.start);
@@ -161,8 +159,10 @@ Status write_saved_problem(Environment& env, const Problem& problem, const char*
 }
 
 Status read_restart(Environment& env, Problem& problem, const char* name) {
+  std::unique_ptr<ByteSource> source;
+  if (const Status status = open_for_reading(env, {name, ".xxx"}, source); !status.ok()) return status;
   SavFile file;
-  if (const Status status = read_file(env, {name, ".xxx"}, file); !status.ok()) return status;
+  if (const Status status = read_file(env, *source, name, file); !status.ok()) return status;
   SavState& state = file.state;
   if (!statuses_are_known(state)) return fail(env, TVK_ERROR_FILE_FORMAT, name);
   Loading loading;

@@ -9,10 +9,10 @@
 
 namespace tovik::fileio {
 
-/* Reads a SAV file; its name becomes the problem's, its basis the starting basis, with a warning that tells
- * so. Codes: 1421, 1423, 1560, 1561, 1563, and those of the load and, while TVK_PARAM_DATACHECK is 1, of the
+/* Reads an opened SAV file; its name becomes the problem's, its basis the starting basis, with a warning that tells
+ * so. Codes: 1423, 1560, 1561, 1563, and those of the load and, while TVK_PARAM_DATACHECK is 1, of the
  * checks of contents; the problem is then as before. */
-Status read_saved_problem(Environment& env, Problem& problem, const char* name);
+Status read_saved_problem(Environment& env, Problem& problem, ByteSource& source, const char* name);
 
 /* Codes: 1421, 1422, 1562; the old file is then as before. */
 Status write_saved_problem(Environment& env, const Problem& problem, const char* name);

@@ -1,4 +1,4 @@
-/* Bytes of memory, and lines of any source. */
+/* Bytes of memory, a look at first bytes, and lines of any source. */
 #include <algorithm>
 #include <cstring>
 #include <limits>
@@ -11,6 +11,26 @@ std::size_t MemorySource::read(char* buffer, std::size_t capacity) {
   const std::size_t count = std::min(capacity, rest_.size());
   if (count != 0) std::memcpy(buffer, rest_.data(), count);
   rest_.remove_prefix(count);
+  return count;
+}
+
+std::string_view PeekSource::look(std::size_t count) {
+  std::size_t size = seen_.size();
+  if (size < count) seen_.resize(count);
+  while (size < count) {
+    const std::size_t more = source_->read(seen_.data() + size, count - size);
+    if (more == 0) break;
+    size += more;
+  }
+  seen_.resize(size);
+  return {seen_.data(), std::min(size, count)};
+}
+
+std::size_t PeekSource::read(char* buffer, std::size_t capacity) {
+  if (delivered_ == seen_.size()) return source_->read(buffer, capacity);
+  const std::size_t count = std::min(capacity, seen_.size() - delivered_);
+  std::memcpy(buffer, seen_.data() + delivered_, count);
+  delivered_ += count;
   return count;
 }
 

@@ -14,6 +14,8 @@
 #include <cstddef>
 #include <memory>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "env/error.h"
 
@@ -54,6 +56,23 @@ class MemorySource final : public ByteSource {
 
  private:
   std::string_view rest_;
+};
+
+/* A source whose first bytes can be looked at before they are read: what a pipe has given it does not give again. */
+class PeekSource final : public ByteSource {
+ public:
+  explicit PeekSource(std::unique_ptr<ByteSource> source) : source_(std::move(source)) {}
+  /* The first `count` bytes, fewer where the data ends or fails before. Before the first read. */
+  std::string_view look(std::size_t count);
+  std::size_t read(char* buffer, std::size_t capacity) override;
+  bool finish() override { return source_->finish(); }
+  bool failed() const override { return source_->failed(); }
+  std::size_t expected_size() const override { return source_->expected_size(); }
+
+ private:
+  std::unique_ptr<ByteSource> source_;
+  std::vector<char> seen_;
+  std::size_t delivered_ = 0;  // of those
 };
 
 struct OpenRequest {

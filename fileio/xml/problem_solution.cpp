@@ -35,15 +35,18 @@ Status add_starts(Environment& env, Problem& problem, const std::vector<Solution
   std::vector<double> values;
   std::vector<const char*> names;
   for (const SolutionFile& solution : solutions) {
-    if (std::ranges::all_of(solution.x, [](double value) { return value == kNoValue; })) continue;
-    begin.push_back(static_cast<int>(columns.size()));
-    efforts.push_back(solution.effort);
-    names.push_back(solution.name.empty() ? nullptr : solution.name.c_str());
+    const std::size_t before = columns.size();
+    columns.insert(columns.end(), solution.values.index.begin(), solution.values.index.end());
+    values.insert(values.end(), solution.values.value.begin(), solution.values.value.end());
     for (std::size_t j = 0; j < solution.x.size(); ++j) {
       if (solution.x[j] == kNoValue) continue;
       columns.push_back(static_cast<int>(j));
       values.push_back(solution.x[j]);
     }
+    if (columns.size() == before) continue;
+    begin.push_back(static_cast<int>(before));
+    efforts.push_back(solution.effort);
+    names.push_back(solution.name.empty() ? nullptr : solution.name.c_str());
   }
   if (begin.empty()) {
     message(env.warning_channel, "Warning: no MIP start values read, no MIP start loaded.\n");
@@ -110,22 +113,21 @@ Status write_start_file(Environment& env, const Problem& problem, const char* na
 
 Status read_solution_file(Environment& env, const Problem& problem, const SolutionSource& file,
                           const SolutionReading& reading, std::vector<SolutionFile>& solutions, int& found) {
-  std::unique_ptr<ByteSource> source;
-  if (const Status status = open_for_reading(env, {file.name, file.extension}, source); !status.ok())
+  std::unique_ptr<ByteSource> opened;
+  if (const Status status = open_for_reading(env, {file.name, file.extension}, opened); !status.ok())
     return status;
-  const bool xml = looks_like_xml(*source);
-  if (const Status status = open_for_reading(env, {file.name, file.extension}, source); !status.ok())
-    return status;
+  PeekSource source(std::move(opened));
+  const bool xml = looks_like_xml(source);
   if (!xml && problem.columns() > 0 && problem.model->column_names().empty()) return TVK_ERROR_NO_NAMES;
   ChannelLog log(env);
   ReadFailure failure;
   found = 1;
   if (xml) {
-    failure = read_solutions(*source, *problem.model, reading, log, solutions, found);
+    failure = read_solutions(source, *problem.model, reading, log, solutions, found);
   } else {
-    failure = read_start_text(*source, *problem.model, log, solutions.emplace_back());
+    failure = read_start_text(source, *problem.model, log, solutions.emplace_back());
   }
-  if (const Status s = close_source(env, *source, bool(failure), file.name); !s.ok()) return s;
+  if (const Status s = close_source(env, source, bool(failure), file.name); !s.ok()) return s;
   return failure ? report_failure(env, failure) : Status();
 }
 

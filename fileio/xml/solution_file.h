@@ -46,25 +46,27 @@ struct SolutionFile {
   int status = 0;                      // solution status that the header states
   int unknown = 0;                     // elements that name no column (row) of the model
   /* One per column (row): kNoValue and -1 where the file says nothing. Those of rows are empty when the file
-   * has no rows. */
+   * has no rows. Where several solutions are read each has `values`, and these are empty. */
   std::vector<double> x, dj, slack, pi;
   std::vector<int> column_status, row_status;
+  SparseTerms values;  // of the columns that have one, by index
 };
 
 struct SolutionReading {
   bool rows = false;     // constraints count too
-  bool several = false;  // all solutions, not just one
+  bool several = false;  // the values of all solutions that have one, not all of just one
   int which = 0;         // that one, from 0
 };
 
-/* 1425, 1434. `found` is the number of solutions in the file. */
+/* 1425, 1434, 1012 more values than kMaxEntries. `found` is the number of solutions in the file. Memory is bounded by the
+ * model for one solution and by the values for several, whatever else the file holds. */
 ReadFailure read_solutions(ByteSource& source, const model::Model& model, const SolutionReading& reading,
                            ReaderLog& log, std::vector<SolutionFile>& solutions, int& found);
 /* MIP starts as text: "NAME start", records "column value", ENDATA. */
 ReadFailure read_start_text(ByteSource& source, const model::Model& model, ReaderLog& log,
                             SolutionFile& solution);
 
-/* '<' comes before any white space. */
-bool looks_like_xml(ByteSource& source);
+/* '<' comes before any white space, and within the length that a line of text may have. */
+bool looks_like_xml(PeekSource& source);
 
 }  // namespace tovik::fileio

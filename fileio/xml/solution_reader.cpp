@@ -10,12 +10,14 @@
 #include "fileio/basis/card_file.h"
 #include "fileio/stream/number.h"
 #include "fileio/xml/solution_file.h"
+#include "fileio/xml/xml_memory.h"
 #include "include/tovik.h"
 
 namespace tovik::fileio {
 namespace {
 
-constexpr std::size_t kBlock = 560;
+constexpr std::size_t kBlock = std::size_t{1} << 16;
+constexpr std::size_t kFirstLook = std::size_t{1} << 16;
 constexpr int kDeepest = 100;  // elements within each other; a sound file has four, and each one takes memory
 
 /* Two-byte characters of UTF-8 as the single bytes that they stand for. */
@@ -43,11 +45,7 @@ class Parser {
  public:
   Parser(const model::Model& model, const SolutionReading& reading, ReaderLog& log,
          std::vector<SolutionFile>& solutions)
-      : model_(model),
-        reading_(reading),
-        log_(log),
-        solutions_(solutions),
-        parser_(XML_ParserCreate(nullptr)) {
+      : model_(model), reading_(reading), log_(log), solutions_(solutions), parser_(memory_.make_parser()) {
     if (!parser_) throw std::bad_alloc();
     XML_SetUserData(parser_.get(), this);
     XML_SetElementHandler(parser_.get(), on_start, on_end);
@@ -59,9 +57,6 @@ class Parser {
 
  private:
   enum class Part { none, rows, columns };
-  struct Free {
-    void operator()(XML_ParserStruct* parser) const { XML_ParserFree(parser); }
-  };
   struct Identity {
     const char* name = nullptr;
     const char* index = nullptr;
@@ -106,6 +101,7 @@ class Parser {
   void start(std::string_view name, const XML_Char** attributes);
   void end(std::string_view name);
   void begin_solution();
+  void keep_values();
   void header(const XML_Char** attributes);
   Identity identity(const XML_Char** attributes) const;
   void variable(const Identity& element);
@@ -125,7 +121,8 @@ class Parser {
   const SolutionReading& reading_;
   ReaderLog& log_;
   std::vector<SolutionFile>& solutions_;
-  std::unique_ptr<XML_ParserStruct, Free> parser_;
+  XmlMemory memory_;
+  XmlParser parser_;
   ReadFailure failure_;
   bool out_of_memory_ = false;
   bool latin1_ = false;
@@ -133,21 +130,25 @@ class Parser {
   int depth_ = 0, depth_in_solution_ = 0;
   Part part_ = Part::none;
   std::vector<char> met_columns_, met_rows_;
+  std::vector<double> spare_;  // where several solutions are read: a vector without values for the next one
+  std::vector<int> columns_of_one_;  // met in the current solution
+  std::int64_t kept_ = 0;            // what all solutions take, in values
   WarningLimit warnings_;
 };
 
 ReadFailure Parser::run(ByteSource& source) {
-  char block[kBlock];
+  const auto block = std::make_unique_for_overwrite<char[]>(kBlock);
   for (bool last = false; !last;) {
     std::size_t size = 0;
     while (size < kBlock) {
-      const std::size_t count = source.read(block + size, kBlock - size);
+      const std::size_t count = source.read(block.get() + size, kBlock - size);
       if (count == 0) break;
       size += count;
     }
     last = size < kBlock;
-    if (XML_Parse(parser_.get(), block, static_cast<int>(size), last ? 1 : 0) == XML_STATUS_OK) continue;
+    if (memory_.parse(parser_.get(), block.get(), size, last) == XML_STATUS_OK) continue;
     const XML_Error error = XML_GetErrorCode(parser_.get());
+    if (memory_.exceeded()) return ReadFailure::at(TVK_ERROR_XML_PARSE, line(), "elements too large");
     if (out_of_memory_ || error == XML_ERROR_NO_MEMORY) throw std::bad_alloc();
     if (failure_) return failure_;
     return ReadFailure::at(TVK_ERROR_XML_PARSE, line(), XML_ErrorString(error));
@@ -173,7 +174,7 @@ void Parser::start(std::string_view name, const XML_Char** attributes) {
 }
 
 void Parser::end(std::string_view name) {
-  if (depth_in_solution_ > 0) --depth_in_solution_;
+  if (depth_in_solution_ > 0 && --depth_in_solution_ == 0 && reading_.several) keep_values();
   if (name == "linearConstraints" || name == "variables") part_ = Part::none;
 }
 
@@ -181,8 +182,12 @@ void Parser::begin_solution() {
   solutions_.emplace_back();
   SolutionFile& solution = solutions_.back();
   const auto columns = static_cast<std::size_t>(model_.num_columns());
-  solution.x.assign(columns, kNoValue);
-  met_columns_.assign(columns, 0);
+  if (spare_.size() == columns) {
+    solution.x.swap(spare_);
+  } else {
+    solution.x.assign(columns, kNoValue);
+    met_columns_.assign(columns, 0);
+  }
   if (!reading_.rows) return;
   const auto rows = static_cast<std::size_t>(model_.num_rows());
   solution.dj.assign(columns, kNoValue);
@@ -191,6 +196,26 @@ void Parser::begin_solution() {
   solution.pi.assign(rows, kNoValue);
   solution.row_status.assign(rows, -1);
   met_rows_.assign(rows, 0);
+}
+
+/* What a solution takes is in proportion to what the file says of it. */
+void Parser::keep_values() {
+  constexpr std::int64_t kOfEach = 32;  // a solution without its values
+  SolutionFile& solution = solutions_.back();
+  std::ranges::sort(columns_of_one_);
+  for (const int j : columns_of_one_) {
+    const auto at = static_cast<std::size_t>(j);
+    met_columns_[at] = 0;
+    const double value = std::exchange(solution.x[at], kNoValue);
+    if (value == kNoValue) continue;
+    solution.values.index.push_back(j);
+    solution.values.value.push_back(value);
+  }
+  columns_of_one_.clear();
+  spare_ = std::exchange(solution.x, {});
+  kept_ += kOfEach + static_cast<std::int64_t>(solution.values.index.size());
+  if (solution.values.index.empty()) solutions_.pop_back();
+  if (kept_ > kMaxEntries) failure_ = ReadFailure::plain(TVK_ERROR_SIZE_LIMITS_TOO_LARGE);
 }
 
 /* A number of the header that readers can do without: NaN when it is none. */
@@ -272,7 +297,10 @@ int Parser::resolve(const Identity& element, const model::NameTable& names, int 
 
 void Parser::note_met(std::vector<char>& met, int k, const Identity& element, bool column) {
   char& seen = met[static_cast<std::size_t>(k)];
-  if (std::exchange(seen, char{1}) == 0) return;
+  if (std::exchange(seen, char{1}) == 0) {
+    if (column && reading_.several) columns_of_one_.push_back(k);
+    return;
+  }
   if (!column) {
     warn("Warning, line %d: repeated entry for index %d.\n", line(), k);
   } else if (element.name != nullptr && !model_.column_names().empty()) {
@@ -337,16 +365,11 @@ ReadFailure read_start_text(ByteSource& source, const model::Model& model, Reade
   return cards.failure();
 }
 
-bool looks_like_xml(ByteSource& source) {
-  char block[kBlock];
-  for (;;) {
-    const std::size_t count = source.read(block, sizeof block);
-    if (count == 0) return false;
-    for (std::size_t k = 0; k < count; ++k) {
-      if (block[k] == '<') return true;
-      if (block[k] == ' ' || (block[k] >= '\t' && block[k] <= '\r')) return false;
-    }
-  }
+bool looks_like_xml(PeekSource& source) {
+  const std::string_view first = source.look(kFirstLook);
+  const auto decides =
+      std::ranges::find_if(first, [](char c) { return c == '<' || c == ' ' || (c >= '\t' && c <= '\r'); });
+  return decides != first.end() && *decides == '<';
 }
 
 }  // namespace tovik::fileio
