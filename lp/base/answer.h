@@ -30,6 +30,7 @@ struct Answer {
   std::vector<double> farkas;  // infeasible: y by row with max over the box of y'Ax < min of y'(row bounds)
   double farkas_gap = 0;       // by which the certificate holds
   double farkas_margin = 0;    // by how much all sides and bounds may give way before it does not
+  bool farkas_clean = true;    // it leaves no noise in columns without a bound
   Violation violation;         // as last measured at all entries
 
   /* Takes back what the last solve claimed; values and statuses stay where they are. */
@@ -39,6 +40,7 @@ struct Answer {
     ray.clear();
     farkas.clear();
     farkas_gap = farkas_margin = 0;
+    farkas_clean = true;
   }
 };
 

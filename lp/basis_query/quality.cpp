@@ -68,7 +68,7 @@ void primal_infeasibility(const Data& data, Gather& gather) {
 /* Wrong sign of a dual value of a variable standing at v between its bounds, for a minimization. */
 double wrong_dual(double d, double v, double low, double high) {
   constexpr double kReach = 1e-6;
-  return verify::wrong_sign(d, verify::status_at(v, low, high, kReach), low == high);
+  return verify::wrong_sign(d, verify::status_at(v, low, high, kReach), verify::is_fixed(low, high));
 }
 
 void dual_infeasibility(const Data& data, Gather& gather) {

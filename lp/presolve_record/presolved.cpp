@@ -47,7 +47,7 @@ Conclusion conclude(Presolved& record, double tolerance) {
     const bool proven =
         own_bounds_cross(record, tolerance, record.proof) ||
         proves_infeasible(record.original, presolve::infeasibility_proof(record.original, reduction),
-                          record.proof);
+                          tolerance, record.proof);
     return proven ? Conclusion::infeasible : Conclusion::reduced;
   }
   return any_point_is_feasible(reduction.lp) ? Conclusion::unbounded : Conclusion::undecided;
@@ -126,9 +126,11 @@ Presolved* kept_record(const Problem& problem) {
   return static_cast<Presolved*>(problem.presolve.get());
 }
 
-bool proves_infeasible(const LpData& original, std::vector<double> multipliers, verify::FarkasProof& proof) {
+bool proves_infeasible(const LpData& original, std::vector<double> multipliers, double tolerance,
+                       verify::FarkasProof& proof) {
   if (multipliers.empty()) return false;
-  return verify::check_farkas(original, verify::entries_of(original.matrix), std::move(multipliers), proof);
+  return verify::check_farkas(original, verify::entries_of(original.matrix), std::move(multipliers), proof) &&
+         proof.clean && proof.margin > tolerance;
 }
 
 }  // namespace tovik::lp::run

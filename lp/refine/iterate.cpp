@@ -25,8 +25,8 @@ Accuracy measure(const LpData& lp, const Iterate& iterate, Residuals& residuals)
     const double d = residuals.reduced_costs[j] = dual.value();
     worst.primal =
         std::max({worst.primal, iterate.x[j].room_to(lp.lower[j]), -iterate.x[j].room_to(lp.upper[j])});
-    worst.dual =
-        std::max(worst.dual, verify::wrong_sign(d, iterate.basis.columns[j], lp.lower[j] == lp.upper[j]));
+    worst.dual = std::max(worst.dual, verify::wrong_sign(d, iterate.basis.columns[j],
+                                                         verify::is_fixed(lp.lower[j], lp.upper[j])));
   }
   for (std::size_t i = 0; i < rows.size(); ++i) {
     residuals.rows[i] = rows[i].value();

@@ -45,6 +45,10 @@ Outcome trouble(Outcome outcome) {
   return is_limit(outcome) ? outcome : Outcome::numerical_failure;
 }
 
+bool is_conclusive(Outcome outcome) {
+  return outcome == Outcome::optimal || outcome == Outcome::infeasible || outcome == Outcome::unbounded;
+}
+
 class Settlement {
  public:
   Settlement(const LpData& lp, const simplex::Options& options, Control& control, Answer& answer)
@@ -58,8 +62,16 @@ class Settlement {
   Settled run() {
     Outcome outcome = from_engine();
     if (outcome != Outcome::optimal && !is_limit(outcome)) outcome = from_forms();
-    if (outcome == Outcome::numerical_failure) outcome = by_quadruple();
-    return {outcome, iterations_};
+    return {by_quadruple_where_better(outcome), iterations_};
+  }
+
+  /* As run(), for proofs only. */
+  Settled prove() {
+    const Answer before = answer_;
+    Outcome outcome = by_quadruple_where_better(find_feasible());
+    if (outcome == Outcome::infeasible && !is_noisy_) return {outcome, iterations_};
+    answer_ = before;
+    return {is_limit(outcome) ? outcome : Outcome::numerical_failure, iterations_};
   }
 
   Settled sharpen() {
@@ -131,6 +143,17 @@ class Settlement {
     return found.outcome == Outcome::optimal ? take_optimum(at) : trouble(found.outcome);
   }
 
+  /* Where there is no claim or its proof carries noise. */
+  Outcome by_quadruple_where_better(Outcome outcome) {
+    if (outcome == Outcome::numerical_failure) return by_quadruple();
+    if (!is_noisy_) return outcome;
+    Answer noisy = answer_;
+    const Outcome found = by_quadruple();
+    if (is_conclusive(found)) return found;
+    answer_ = std::move(noisy);
+    return outcome;
+  }
+
   Outcome by_quadruple() {
     if (!affordable(lp_.num_rows(), form_.lp().num_columns())) return Outcome::numerical_failure;
     QuadrupleResult found = solve_quadruple(form_.lp(), options_.primal_tolerance,
@@ -155,6 +178,8 @@ class Settlement {
     answer_.farkas = std::move(proof.multipliers);
     answer_.farkas_gap = proof.gap;
     answer_.farkas_margin = proof.margin;
+    answer_.farkas_clean = proof.clean;
+    is_noisy_ = !proof.clean;
     answer_.has_values = !answer_.x.empty();
     return true;
   }
@@ -162,9 +187,14 @@ class Settlement {
   /* With the point in feasible_. */
   bool take_ray(std::vector<Extended> direction, double error) {
     direction.resize(lp_.cost.size());
-    verify::Multipliers ray = multipliers(direction);
-    ray.error = error;
-    if (!verify::check_ray(lp_, verify::entries_of(lp_.matrix), ray)) return false;
+    verify::Multipliers ray;
+    const auto holds = [&](double allowed) {
+      ray = multipliers(direction);
+      ray.error = allowed;
+      return verify::check_ray(lp_, verify::entries_of(lp_.matrix), ray);
+    };
+    is_noisy_ = !holds(kQuadrupleError * largest(direction));
+    if (is_noisy_ && !holds(error)) return false;
     take_point(feasible_);
     answer_.primal_feasible = true;
     answer_.ray = std::move(ray.high);
@@ -184,6 +214,7 @@ class Settlement {
         (!dual && !(accuracy.dual <= share * largest(at.y)))) {
       return Outcome::numerical_failure;
     }
+    is_noisy_ = false;
     take_point(at);
     answer_.primal_feasible = primal;
     answer_.dual_feasible = dual;
@@ -222,19 +253,71 @@ class Settlement {
   Goal goal_;  // of optima
   Iterate feasible_;
   LpData between_;
+  bool is_noisy_ =
+      false;  // the claim: its sums are off by more than their rounding, if by nothing that matters
   std::int64_t iterations_ = 0;
 };
+
+/* Bounds that cross within the tolerance are one, as engines take them: a column's upper bound, a row's lower side. */
+LpData close_bounds(LpData lp, double tolerance) {
+  for (std::size_t j = 0; j < lp.lower.size(); ++j)
+    if (lp.lower[j] > lp.upper[j] && lp.lower[j] - lp.upper[j] <= tolerance) lp.lower[j] = lp.upper[j];
+  for (std::size_t i = 0; i < lp.row_lower.size(); ++i)
+    if (lp.row_lower[i] > lp.row_upper[i] && lp.row_lower[i] - lp.row_upper[i] <= tolerance)
+      lp.row_upper[i] = lp.row_lower[i];
+  return lp;
+}
+
+/* All sides and bounds give way by a share of the tolerance. */
+LpData widened(LpData lp, double by) {
+  for (std::vector<double>* const v : {&lp.lower, &lp.row_lower})
+    for (double& bound : *v) bound -= by;
+  for (std::vector<double>* const v : {&lp.upper, &lp.row_upper})
+    for (double& bound : *v) bound += by;
+  return lp;
+}
+
+/* Where a proof leaves room for points within the tolerance: what is true of the LP that contains them. It stands
+ * where its point is one of them. */
+void admit_points_within_tolerance(const LpData& lp, simplex::Options options, Control& control,
+                                   Settled& settled, Answer& answer) {
+  constexpr double kMostOfIt = 0.5;
+  const LpData wider = widened(lp, kMostOfIt * options.primal_tolerance);
+  options.iteration_limit -= std::min(options.iteration_limit, settled.iterations);
+  options.primal_tolerance *= 1 - kMostOfIt;
+  Answer found;
+  const Settled again = Settlement(wider, options, control, found).run();
+  settled.iterations += again.iterations;
+  if (again.outcome != Outcome::optimal && again.outcome != Outcome::unbounded) return;
+  if (found.unscaled_infeasible) return;
+  found.violation = verify::measure_violation(lp, found);
+  if (found.violation.primal() > options.primal_tolerance / (1 - kMostOfIt)) return;
+  found.outcome = settled.outcome = again.outcome;
+  answer = std::move(found);
+}
 
 }  // namespace
 
 Settled settle(const LpData& lp, const simplex::Options& options, Control& control, Answer& answer) {
-  const Settled settled = Settlement(lp, options, control, answer).run();
+  const LpData closed = close_bounds(lp, options.primal_tolerance);
+  Settled settled = Settlement(closed, options, control, answer).run();
   answer.outcome = settled.outcome;
+  if (settled.outcome == Outcome::infeasible && answer.farkas_margin <= options.primal_tolerance)
+    admit_points_within_tolerance(lp, options, control, settled, answer);
+  return settled;
+}
+
+Settled prove_infeasible(const LpData& lp, const simplex::Options& options, Control& control,
+                         Answer& answer) {
+  const LpData closed = close_bounds(lp, options.primal_tolerance);
+  const Settled settled = Settlement(closed, options, control, answer).prove();
+  if (settled.outcome == Outcome::infeasible) answer.outcome = settled.outcome;
   return settled;
 }
 
 Settled sharpen(const LpData& lp, const simplex::Options& options, Control& control, Answer& answer) {
-  const Settled settled = Settlement(lp, options, control, answer).sharpen();
+  const LpData closed = close_bounds(lp, options.primal_tolerance);
+  const Settled settled = Settlement(closed, options, control, answer).sharpen();
   if (settled.outcome == Outcome::optimal) answer.outcome = settled.outcome;
   return settled;
 }

@@ -56,7 +56,7 @@ class PresolvedRun {
       case Outcome::infeasible:
         return proves_infeasible(record_->original,
                                  presolve::postsolve_proof(record_->original, reduction, answer_.farkas),
-                                 record_->proof)
+                                 options_.primal_tolerance, record_->proof)
                    ? store_infeasible()
                    : solve_original();
       case Outcome::unbounded:

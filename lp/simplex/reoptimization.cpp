@@ -218,7 +218,7 @@ void Reoptimization::judge_column(int j, Findings& found) {
     return;
   }
   core_.values.set_dual(j, d * scale);
-  const double wrong = wrong_sign(d, status, user_.lp.lower[j] == user_.lp.upper[j]);
+  const double wrong = wrong_sign(d, status, verify::is_fixed(user_.lp.lower[j], user_.lp.upper[j]));
   found.dual = std::max(found.dual, wrong * scale);
   found.user_dual = std::max(found.user_dual, wrong);
 }
@@ -241,7 +241,7 @@ void Reoptimization::judge_row(int i, Findings& found) {
     return;
   }
   found.residual = std::max(found.residual, std::fabs(scaled + core_.basis.value(j)));
-  const bool fixed = user_.lp.row_lower[i] == user_.lp.row_upper[i];
+  const bool fixed = verify::is_fixed(user_.lp.row_lower[i], user_.lp.row_upper[i]);
   found.dual = std::max(found.dual, wrong_sign(core_.values.d(j), status, fixed));
   found.user_dual = std::max(found.user_dual, wrong_sign(answer_.y[i], answer_.row_status[i], fixed));
 }

@@ -63,6 +63,7 @@ bool Solver::verify_infeasible(const std::vector<double>& scaled_row) {
   answer_.farkas = std::move(proof.multipliers);
   answer_.farkas_gap = proof.gap;
   answer_.farkas_margin = proof.margin;
+  answer_.farkas_clean = proof.clean;
   return true;
 }
 

@@ -20,6 +20,11 @@ inline double outside(double value, double low, double high) {
   return std::max(positive_part(low - value), positive_part(value - high));
 }
 
+/* Bounds that leave a value no choice: equal, or crossed by a tolerance that makes them so. */
+inline bool is_fixed(double low, double high) {
+  return low >= high;
+}
+
 /* The part of a reduced cost, of a minimization, that has the wrong sign where its variable stands; a fixed
  * nonbasic variable may have any. For a row: its dual, and the status of its activity. */
 inline double wrong_sign(double d, BasisStatus status, bool fixed) {

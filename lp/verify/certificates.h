@@ -26,6 +26,9 @@ struct FarkasProof {
   /* By how much all sides and bounds together may give way before it does not: less than a tolerance means that points
    * within the tolerance are not excluded. */
   double margin = 0;
+  /* The combination of the rows is 0 in columns without a bound, but for the rounding of its terms; else but for noise
+   * that the gap outweighs. */
+  bool clean = true;
 };
 
 /* Multipliers by row, or a direction by column, with digits beyond those of a double where they are known (`low`, else
@@ -37,21 +40,21 @@ struct Multipliers {
 
 /* By how much y proves that no x within its bounds meets the rows: the least value that the rows demand of y'Ax less
  * the largest that the box allows. 0 when it is no proof. Multipliers of rounding size that would need an infinite
- * bound are set to zero.
+ * bound are set to zero. Fills margin and `clean` of the proof.
  *
  * The gap is judged against its own rounding error and against what columns without a bound, whose entry of y'A is
  * rounding noise, contribute at values as large as the largest bound or side of the LP; a gap that is no small share
  * of its largest term needs no such look where the multipliers are doubles. */
 template <class EachEntry>
-double farkas_gap(const LpData& lp, EachEntry each_entry, Multipliers& y, double& margin) {
+double farkas_gap(const LpData& lp, EachEntry each_entry, Multipliers& y, FarkasProof& proof) {
   constexpr double kRounding = 0x1p-90;  // of the terms, of sums with twice the digits
   CompensatedSum gap;
   double magnitude = 0;  // of the largest term
   double terms_of_gap = 0;
   double largest_bound = 1;
-  double weights = 0;                // of the sides and bounds in the gap
-  bool is_relative = y.low.empty();  // all noise is small against its terms
-  double noise = 0;                  // sum of |z_j| over the columns whose z_j is taken for 0
+  double weights = 0;  // of the sides and bounds in the gap
+  double noise = 0;    // sum of |z_j| over the columns whose z_j is taken for 0
+  proof.clean = true;
   const auto add = [&](double w, double w_low, double bound) {
     gap.add_product(w, bound);
     if (w_low != 0) gap.add_product(w_low, bound);
@@ -93,12 +96,12 @@ double farkas_gap(const LpData& lp, EachEntry each_entry, Multipliers& y, double
       return 0;
     } else {
       noise += std::fabs(z);
-      is_relative = is_relative && std::fabs(z) <= relative;
+      proof.clean = proof.clean && std::fabs(z) <= relative;
     }
   }
   const double v = gap.value();
-  margin = weights > 0 ? v / weights : 0;
-  if (is_relative && v > kNegligible * magnitude) return v;
+  proof.margin = weights > 0 ? v / weights : 0;
+  if (proof.clean && y.low.empty() && v > kNegligible * magnitude) return v;
   return v > kRounding * terms_of_gap + 2 * noise * largest_bound ? v : 0;
 }
 
@@ -120,7 +123,7 @@ bool check_farkas(const LpData& lp, EachEntry each_entry, Multipliers y, FarkasP
     Multipliers candidate = y;
     for (double& v : candidate.high) v *= side;
     for (double& v : candidate.low) v *= side;
-    const double gap = farkas_gap(lp, each_entry, candidate, proof.margin);
+    const double gap = farkas_gap(lp, each_entry, candidate, proof);
     if (!(gap > 0)) continue;
     proof.gap = gap / (scale * largest);
     proof.multipliers = std::move(candidate.high);

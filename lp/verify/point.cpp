@@ -27,7 +27,7 @@ Violation measure_violation(const LpData& lp, const Point& point, double reach) 
     if (point.d.empty()) continue;
     const BasisStatus at =
         point.column_status.empty() ? status_at(point.x[j], low, high, reach) : point.column_status[j];
-    note(wrong_sign(point.d[j], at, low == high), j, v.dual, v.worst_dual);
+    note(wrong_sign(point.d[j], at, is_fixed(low, high)), j, v.dual, v.worst_dual);
   }
   for (int i = 0; i < lp.num_rows(); ++i) {
     const double low = lp.row_lower[i], high = lp.row_upper[i];
@@ -35,7 +35,7 @@ Violation measure_violation(const LpData& lp, const Point& point, double reach) 
     if (point.y.empty()) continue;
     const BasisStatus at =
         point.row_status.empty() ? status_at(point.activity[i], low, high, reach) : point.row_status[i];
-    note(wrong_sign(point.y[i], at, low == high), lp.num_columns() + i, v.dual, v.worst_dual);
+    note(wrong_sign(point.y[i], at, is_fixed(low, high)), lp.num_columns() + i, v.dual, v.worst_dual);
   }
   return v;
 }

@@ -10,6 +10,8 @@
 #include "lp/refine/quadruple.h"
 #include "lp/refine/settle.h"
 #include "lp/simplex/solver.h"
+#include "lp/verify/certificates.h"
+#include "lp/verify/point.h"
 #include "tests/support/dense_lp.h"
 #include "tests/support/quiet_control.h"
 #include "tests/support/random.h"
@@ -159,6 +161,57 @@ TEST(Refine, AMissWithinTheToleranceIsNone) {
       EXPECT_NEAR(answer.objective, 1, 2e-6) << miss;
     }
   }
+}
+
+/* Bounds that cross by less than the tolerance are one bound; by more they are not for settle() to judge. */
+TEST(Refine, CrossedBoundsWithinTheToleranceAreOne) {
+  Random random(17);
+  support::QuietControl control;
+  int optimal = 0;
+  for (int round = 0; round < 300; ++round) {
+    LpData lp = random_lp(random);
+    for (int j = 0; j < lp.num_columns(); ++j)
+      if (lp.upper[j] < kInf && random.pick(0, 1) == 0) lp.lower[j] = lp.upper[j];
+    const Answer found = solve(lp);
+    if (!is_conclusive(found.outcome)) continue;
+    for (int j = 0; j < lp.num_columns(); ++j)
+      if (lp.lower[j] == lp.upper[j]) lp.lower[j] += random.pick(1, 9) * 1e-8;
+    Answer answer;
+    const Settled settled = settle(lp, simplex::Options{}, control, answer);
+    EXPECT_TRUE(agree(settled.outcome, found.outcome)) << round;
+    if (settled.outcome != Outcome::optimal) continue;
+    EXPECT_LE(verify::measure_violation(lp, answer).primal(), 1e-6) << round;
+    ++optimal;
+  }
+  EXPECT_GT(optimal, 30);
+}
+
+TEST(Refine, ProofsAreCleanAndOnlyOfWhatIsInfeasible) {
+  Random random(19);
+  support::QuietControl control;
+  int proven = 0, refused = 0;
+  for (int round = 0; round < 300; ++round) {
+    const LpData lp = random_lp(random);
+    const Answer found = solve(lp);
+    if (!is_conclusive(found.outcome)) continue;
+    Answer answer = found;
+    const Settled settled = prove_infeasible(lp, simplex::Options{}, control, answer);
+    if (settled.outcome == Outcome::infeasible) {
+      EXPECT_NE(found.outcome, Outcome::optimal) << round;
+      verify::FarkasProof proof;
+      ASSERT_TRUE(verify::check_farkas(lp, verify::entries_of(lp.matrix), answer.farkas, proof)) << round;
+      EXPECT_TRUE(proof.clean && answer.farkas_clean) << round;
+      ++proven;
+    } else {
+      EXPECT_NE(found.outcome, Outcome::infeasible) << round;
+      EXPECT_EQ(answer.outcome, found.outcome) << round;
+      EXPECT_EQ(answer.x, found.x) << round;
+      EXPECT_EQ(answer.ray, found.ray) << round;
+      ++refused;
+    }
+  }
+  EXPECT_GT(proven, 30);
+  EXPECT_GT(refused, 30);
 }
 
 TEST(Refine, LimitsAreTold) {

@@ -182,6 +182,22 @@ TEST(Verify, StatusesAndDualsMayBeMissing) {
   EXPECT_EQ(status_at(1.5, 1, 2, 1e-6), BasisStatus::basic);
 }
 
+/* Bounds that cross, as far as a tolerance lets them, leave no choice: any dual will do, and one of them is missed. */
+TEST(Verify, CrossedBoundsAreFixed) {
+  support::DenseLp dense(1, 1);
+  dense.a[0] = {1};
+  dense.lower[0] = 1 + 1e-7, dense.upper[0] = 1;
+  dense.row_lower[0] = 2 + 1e-7, dense.row_upper[0] = 2;
+  const LpData lp = dense.data();
+  const std::vector<double> x{1}, activity{2}, dual{-3};
+  for (const BasisStatus at : {BasisStatus::lower, BasisStatus::upper}) {
+    const std::vector<BasisStatus> status{at};
+    const Violation found = measure_violation(lp, Point{x, activity, dual, dual, status, status});
+    EXPECT_EQ(found.dual, 0);
+    EXPECT_NEAR(found.primal(), 1e-7, 1e-15);
+  }
+}
+
 TEST(Verify, WhatIsNoNumberViolatesEverything) {
   support::DenseLp dense(1, 2);
   dense.a[0] = {1, 1};
@@ -266,6 +282,21 @@ TEST(Verify, NoiseAtValuesOfTheModelsSizeClosesSmallGaps) {
   EXPECT_FALSE(proves(lp, {1, 1}, proof));
   lp.row_lower[0] = 1e10 + 100;
   EXPECT_TRUE(proves(lp, {1, 1}, proof));
+}
+
+/* Small multipliers that should cancel, and leave more than the rounding of their own terms. */
+TEST(Verify, NoiseOfSmallMultipliersIsTold) {
+  FarkasProof proof;
+  support::DenseLp lp(3, 2);
+  lp.a = {{1, 0}, {0, 1}, {0, -1}};
+  lp.upper[0] = 0.5;
+  lp.lower[1] = -kInf;
+  lp.row_lower[0] = 2, lp.row_upper[0] = kInf;
+  ASSERT_TRUE(proves(lp, {1, 1e-12, 1e-12}, proof));
+  EXPECT_TRUE(proof.clean);
+  ASSERT_TRUE(proves(lp, {1, 1e-12, 0.95e-12}, proof));
+  EXPECT_FALSE(proof.clean);
+  EXPECT_FALSE(proves(lp, {1, 1e-12, 0.5e-12}, proof));
 }
 
 /* A direction whose slope, or whose one entry, is within the error of its digits is none. */
