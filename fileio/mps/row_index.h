@@ -74,7 +74,7 @@ class RowIndex {
   }
   void insert(std::uint64_t key, std::int32_t id);
 
-  const NameTable& rows_;
+  const NameTable& rows_;  // their making has drawn the key of the hash
   const NameTable& free_rows_;
   std::vector<Bucket> buckets_;
   unsigned shift_ = 0;

@@ -37,7 +37,9 @@ std::uint64_t load(const char* p, std::size_t n) {
 
 }  // namespace
 
-NameTable::NameTable() : begin_(1, 0), slots_(64) {}
+NameTable::NameTable() : begin_(1, 0), slots_(64) {
+  model::ensure_hash_key();
+}
 
 /* Eight bytes at a time; names are short, so one to three rounds. */
 NameTable::Key NameTable::key_of(std::string_view name) {

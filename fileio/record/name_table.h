@@ -31,7 +31,7 @@ class NameTable {
     std::uint64_t word;  // the first eight bytes, zero behind the end
     std::uint32_t hash;  // its lowest bit is set for names of up to eight bytes, which `word` holds whole
   };
-  static Key key_of(std::string_view name);
+  static Key key_of(std::string_view name);  // while there is a table
   void prefetch(const Key& key) const { __builtin_prefetch(&slots_[key.hash / 2 & (slots_.size() - 1)], 1); }
   /* The id of the name and whether it is new. */
   struct Interned {

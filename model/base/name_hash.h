@@ -18,20 +18,23 @@ struct HashKey {
 extern constinit HashKey hash_key;
 void draw_hash_key() noexcept;
 
-/* One word into a hash: the upper half of the product folded onto the lower one. */
-inline std::uint64_t mix_hash(std::uint64_t h, std::uint64_t word) {
-  std::uint64_t multiplier = hash_key.multiplier.load(std::memory_order_acquire);
-  if (multiplier == 0) [[unlikely]] {
+/* Makes sure that the numbers are there; cheap after the first time. */
+inline void ensure_hash_key() {
+  if (hash_key.multiplier.load(std::memory_order_acquire) == 0) [[unlikely]]
     draw_hash_key();
-    multiplier = hash_key.multiplier.load(std::memory_order_acquire);
-  }
+}
+
+/* One word into a hash: the upper half of the product folded onto the lower one. Behind ensure_hash_key(): here, in the
+ * innermost loops of readers, nobody asks. */
+inline std::uint64_t mix_hash(std::uint64_t h, std::uint64_t word) {
   __extension__ using Product = unsigned __int128;
-  const Product product =
-      static_cast<Product>(h ^ word ^ hash_key.addend.load(std::memory_order_relaxed)) * multiplier;
+  const Product product = static_cast<Product>(h ^ word ^ hash_key.addend.load(std::memory_order_relaxed)) *
+                          hash_key.multiplier.load(std::memory_order_relaxed);
   return static_cast<std::uint64_t>(product >> 64) ^ static_cast<std::uint64_t>(product);
 }
 
 inline std::uint64_t hash_of(std::string_view name) {
+  ensure_hash_key();
   const char* p = name.data();
   std::size_t left = name.size();
   std::uint64_t h = left, word = 0;
