@@ -45,13 +45,15 @@ class Refinement {
     Accuracy reached = measure(lp_, at_, left_);
     for (int round = 0; round < kMostRounds; ++round) {
       Outcome outcome = correct(reached, round == 0 && goal_.primal_first, kMostGrowth);
-      if (round > 0 && outcome == Outcome::numerical_failure) outcome = correct_by_little(reached);
+      // The corrections so far are feasible: whatever else an engine claims is by digits that it does not have.
+      if (round > 0 && outcome != Outcome::optimal && !is_limit(outcome))
+        outcome = correct_by_little(reached);
       result.iterations = solver_.counters().iterations;
       if (outcome != Outcome::optimal) {  // a limit ends it all; other trouble leaves what was reached
         if (round == 0 || is_limit(outcome)) result.outcome = outcome;
         break;
       }
-      const double before = excess(reached);
+      const Accuracy last = reached;
       reached = measure(lp_, at_, left_);
       if (excess(reached) < excess(result.accuracy) || round == 0) {
         result.accuracy = reached;
@@ -59,7 +61,8 @@ class Refinement {
         best_ = at_;
       }
       if (excess(reached) <= 1) break;
-      little = excess(reached) > kLittle * before && round > 0 ? little + 1 : 0;
+      if (reached.primal == last.primal && reached.dual == last.dual) break;  // and so would the next
+      little = excess(reached) > kLittle * excess(last) && round > 0 ? little + 1 : 0;
       if (little == kPatience) break;
     }
     if (result.outcome == Outcome::optimal) at_ = best_;

@@ -61,6 +61,8 @@ INSTANTIATE_TEST_SUITE_P(
                          Hard{"wide_unbounded_408.mps", TVK_STATUS_UNBOUNDED},
                          Hard{"wide_unbounded_601.mps", TVK_STATUS_UNBOUNDED},
                          Hard{"wide_unbounded_757.mps", TVK_STATUS_UNBOUNDED},
+                         // dependent rows whose sides agree but for rounding, which exceeds the tolerance
+                         Hard{"dependent_rows.mps.bz2", TVK_STATUS_OPTIMAL, 2.1027993e9, 2e3},
                          // integer data of 1e7 to 2e11, where rounding exceeds the tolerance
                          Hard{"stall_1.mps.bz2", TVK_STATUS_OPTIMAL, 1.716e12, 1e3},
                          Hard{"stall_2.mps", TVK_STATUS_OPTIMAL, -1.1e9, 1},
