@@ -54,11 +54,12 @@ class PresolvedRun {
     const Outcome outcome = solve_reduced();
     switch (outcome) {
       case Outcome::infeasible:
-        return proves_infeasible(record_->original,
-                                 presolve::postsolve_proof(record_->original, reduction, answer_.farkas),
-                                 options_.primal_tolerance, record_->proof)
-                   ? store_infeasible()
-                   : solve_original();
+        if (proves_infeasible(record_->original,
+                              presolve::postsolve_proof(record_->original, reduction, answer_.farkas),
+                              options_.primal_tolerance, record_->proof))
+          return store_infeasible();
+        if (answer_.column_status.empty()) return solve_original();
+        [[fallthrough]];  // rounding on the way back has spoiled the proof: its basis is near one
       case Outcome::unbounded:
         postsolve_answer();
         return clean_up(Method::primal);

@@ -12,6 +12,7 @@ constexpr double kAttraction = 1e-7;   // largest tolerance of dual_infeasibilit
 constexpr double kTightest = 1e-9;     // least one: sharpens an optimum, completes a proof of infeasibility
 constexpr int kSharpenSteps = 100;     // iterations that sharpening may take, besides a share of those before
 constexpr double kSharpenShare = 0.05;
+constexpr int kSpoilers = 200;               // columns that may enter to complete a proof of infeasibility
 constexpr int kFalls = 40;                   // returns from the second phase to the first before giving up
 constexpr std::int64_t kStuckLeast = 20000;  // iterations without measured progress before giving up
 constexpr std::int64_t kStuckShare = 3;      // ... or this many times the variables
@@ -50,6 +51,8 @@ Outcome Primal::solve(std::int64_t iteration_budget) {
   marked_phase1_ = true;
   marked_value_ = kInf;
   falls_ = 0;
+  spoiler_ = {};
+  spoilers_ = 0;
   phase1_ = true;
   costs_are_phase1_ = false;
   accept_small_ = false;
@@ -122,7 +125,10 @@ bool Primal::settle_optimum(Outcome& outcome) {
     outcome = Outcome::optimal;
     return !tighten_dual_tolerance();
   }
-  if (prove_infeasible()) {
+  spoiler_ = {};
+  const bool is_proof = prove_infeasible();
+  if (spoiler_.variable >= 0 && ++spoilers_ <= kSpoilers) return false;
+  if (is_proof || spoiler_.variable >= 0) {
     outcome = Outcome::infeasible;
     return true;
   }

@@ -27,6 +27,7 @@
 #include "lp/simplex/primal_bounds.h"
 #include "lp/simplex/primal_pricing.h"
 #include "lp/simplex/primal_ratio_test.h"
+#include "lp/verify/certificates.h"
 
 namespace tovik::lp::simplex {
 
@@ -77,6 +78,14 @@ class Primal {
   bool end_tightening();
   bool settle_optimum(Outcome& outcome);  // false: go on
   bool prove_infeasible();
+  /* A column that keeps multipliers from proving infeasibility, by its entry of y'[A I]. */
+  struct Spoiler {
+    int variable = -1;
+    double entry = 0;
+  };
+  Spoiler find_spoiler(const verify::Multipliers& y) const;
+  bool enter_spoiler();
+  void load_entering();  // column_, column_largest_
   bool prove_unbounded();
   double residual() const;
 
@@ -90,6 +99,8 @@ class Primal {
   std::vector<double> row_alpha_;
   std::vector<signed char> violation_;  // by position: first-phase cost of its basic variable
   std::vector<double> farkas_;
+  Spoiler spoiler_;   // to enter next
+  int spoilers_ = 0;  // that have entered in this solve
   int entering_ = -1;
   double direction_ = 0;
   double column_largest_ = 0;

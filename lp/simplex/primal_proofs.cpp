@@ -1,12 +1,15 @@
 /* What the primal simplex checks against the model's own data before it claims anything. */
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
+#include "lp/simplex/basis_refinement.h"
 #include "lp/simplex/primal.h"
 
 namespace tovik::lp::simplex {
 namespace {
 constexpr double kNegligible = 1e-9;  // entries of a ray or of a combined row that may meet an infinite bound
+constexpr double kNoDigit = 1e-18;    // the same of refined multipliers
 constexpr double kMargin = 1e-9;      // rounding allowed for in a sum, relative to its terms
 }  // namespace
 
@@ -34,7 +37,7 @@ double Primal::residual() const {
 }
 
 /* y = B^-T c of the first phase combines the rows A x + s = 0 to sum_j z_j x_j = 0; proven when that sum is
- * negative over the whole box. */
+ * negative over the whole box. Where a column without a bound spoils that, however little, it is told in spoiler_. */
 bool Primal::prove_infeasible() {
   changes_.clear();
   int count = 0;
@@ -58,7 +61,56 @@ bool Primal::prove_infeasible() {
     size += std::fabs(z * bound);
   }
   core_.charge(static_cast<std::int64_t>(core_.matrix().index.size()));
-  return largest < -kMargin * size && largest < 0;
+  if (!(largest < -kMargin * size)) return false;
+  spoiler_ = find_spoiler({farkas_, {}, 0});
+  if (spoiler_.variable < 0) return true;
+  verify::Multipliers refined = refine_multipliers(core_, farkas_);
+  spoiler_ = find_spoiler(refined);
+  farkas_ = std::move(refined.high);
+  if (spoiler_.variable >= 0 && !core_.basis.nonbasic(spoiler_.variable)) spoiler_ = {};
+  return spoiler_.variable < 0;
+}
+
+/* The column without a bound whose entry of y'[A I] is the largest that is no rounding noise. */
+Primal::Spoiler Primal::find_spoiler(const verify::Multipliers& y) const {
+  const bool has_low = !y.low.empty();
+  const Matrix& a = core_.matrix();
+  double longest = 0;
+  for (const double v : y.high) longest = std::max(longest, std::fabs(v));
+  const double relative = has_low ? kNoDigit : kNegligible;
+  const double absolute = has_low ? std::max(kNoDigit * longest, y.error) : 0;
+  Spoiler worst;
+  for (int j = 0; j < core_.total(); ++j) {
+    if (core_.model.lower(j) != -kInf && core_.model.upper(j) != kInf) continue;
+    CompensatedSum sum;
+    double noise = 0;
+    const auto add = [&](int i, double entry) {
+      sum.add_product(entry, y.high[i]);
+      if (has_low) sum.add_product(entry, y.low[i]);
+      noise += std::fabs(entry) * (relative * std::fabs(y.high[i]) + absolute);
+    };
+    if (j >= core_.n()) {
+      add(j - core_.n(), 1.0);
+    } else {
+      for (int k = a.start[j]; k < a.start[j + 1]; ++k) add(a.index[k], a.value[k]);
+    }
+    const double z = sum.value();
+    const double bound = z > 0 ? core_.model.upper(j) : core_.model.lower(j);
+    if (std::isinf(bound) && std::fabs(z) > noise && std::fabs(z) > std::fabs(worst.entry)) worst = {j, z};
+  }
+  core_.charge(static_cast<std::int64_t>(a.index.size()));
+  return worst;
+}
+
+/* The first phase goes on with the column that keeps its optimum from being a proof, although its reduced cost is below
+ * the tolerance. */
+bool Primal::enter_spoiler() {
+  const Spoiler q = std::exchange(spoiler_, {});
+  entering_ = q.variable;
+  direction_ = q.entry > 0 ? 1.0 : -1.0;
+  load_entering();
+  core_.values.set_dual(q.variable, -q.entry);
+  return true;
 }
 
 /* The ray: x_q moves by direction_, x_B by -direction_ * column_. */

@@ -48,22 +48,25 @@ void Primal::reject_pivot(int q) {
   pricing_.ban(q);
 }
 
+void Primal::load_entering() {
+  core_.model.load_column(entering_, column_);
+  column_.want_pack = true;
+  core_.ftran(column_, core_.column_density);
+  column_.want_pack = false;
+  column_largest_ = 0;
+  for_nonzeros(column_,
+               [&](int p) { column_largest_ = std::max(column_largest_, std::fabs(column_.array[p])); });
+}
+
 bool Primal::choose_column() {
+  if (spoiler_.variable >= 0) return enter_spoiler();
   for (int wrong = 0;;) {
     const int q = pricing_.choose(core_);
     entering_ = q;
     if (q < 0) return false;
-    core_.model.load_column(q, column_);
-    column_.want_pack = true;
-    core_.ftran(column_, core_.column_density);
-    column_.want_pack = false;
+    load_entering();
     double d = core_.work.cost(q);
-    column_largest_ = 0;
-    for_nonzeros(column_, [&](int p) {
-      const double a = column_.array[p];
-      d -= core_.work.cost(core_.basis.head(p)) * a;
-      column_largest_ = std::max(column_largest_, std::fabs(a));
-    });
+    for_nonzeros(column_, [&](int p) { d -= core_.work.cost(core_.basis.head(p)) * column_.array[p]; });
     const double gap = std::fabs(core_.values.d(q) - d);
     core_.values.set_dual(q, d);
     const bool improving = core_.basis.move(q) > 0   ? d < -optimality_tolerance_

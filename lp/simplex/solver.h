@@ -142,6 +142,12 @@ class Solver {
   Outcome stalled(Outcome outcome) const;
   bool run_dual_near(Outcome& outcome);
   Outcome run_primal();
+  void take_core_values();
+  double row_residual(int i) const;
+  double basic_residual(int p) const;
+  double residual_excess() const;
+  void refine_values();
+  void correct_values_and_duals();
   bool verify_infeasible(const std::vector<double>& scaled_row);
   bool verify_ray();
   std::vector<double> new_row_lengths(const ModelEdit& change);

@@ -233,7 +233,7 @@ bool Solver::run_dual_near(Outcome& outcome) {
 
 /* Iterations after which an algorithm that has not ended is taken to cycle. */
 std::int64_t Solver::patience() const {
-  constexpr std::int64_t kLeast = 20000;
+  constexpr std::int64_t kLeast = 2000;
   constexpr std::int64_t kByLine = 50;  // for each row and column
   return kLeast + kByLine * core_->total();
 }
