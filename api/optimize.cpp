@@ -6,6 +6,7 @@
 #include "lp/run/method.h"
 #include "lp/run/presolve_run.h"
 #include "lp/run/simplex_run.h"
+#include "lp/run/statistics.h"
 
 using namespace tovik;
 using lp::Method;
@@ -14,8 +15,11 @@ namespace {
 
 Status optimize(Environment& env, Problem& problem, const lp::run::Algorithm& algorithm) {
   const api::Profile profile(env, 2);
-  return lp::run::wants_presolve(env, problem) ? lp::run::run_presolved(env, problem, algorithm)
-                                               : lp::run::run_simplex(env, problem, algorithm);
+  const Status status = lp::run::wants_presolve(env, problem)
+                            ? lp::run::run_presolved(env, problem, algorithm)
+                            : lp::run::run_simplex(env, problem, algorithm);
+  lp::run::note_threads(problem, env.limits.top()->threads.count());
+  return status;
 }
 
 int run(ConstEnvHandle env, ProbHandle lp, Method method) {

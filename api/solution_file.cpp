@@ -13,11 +13,12 @@ using namespace tovik::fileio;
 
 namespace {
 
-Status write_solution(Environment& env, Problem& problem, const char* name) {
+Status write_solution(Environment& env, Problem& problem, const char* name, bool all_digits) {
   if (api::is_no_file_name(name)) return TVK_ERROR_NO_FILE_NAME;
   update_solution(problem);
   SolutionReport report;
   if (const Status status = describe_solution(env, problem, report); !status.ok()) return status;
+  report.all_digits = all_digits;
   report.quality = lp::run::quality_report(env, problem, {report.type != 3, report.type == 1});
   return write_solution_file(env, problem, report, name);
 }
@@ -71,7 +72,13 @@ Status query_solution(Environment& env, const Problem& problem, const char* name
 }  // namespace
 
 int TVKsolwrite(ConstEnvHandle env, ConstProbHandle lp, const char* filename) {
-  return with_problem(env, lp, [&](Environment& e, Problem& p) { return write_solution(e, p, filename); });
+  return with_problem(env, lp,
+                      [&](Environment& e, Problem& p) { return write_solution(e, p, filename, false); });
+}
+
+int TVKsolwriteexact(ConstEnvHandle env, ConstProbHandle lp, const char* filename) {
+  return with_problem(env, lp,
+                      [&](Environment& e, Problem& p) { return write_solution(e, p, filename, true); });
 }
 
 int TVKwritemipstarts(ConstEnvHandle env, ConstProbHandle lp, const char* filename, int begin, int end) {

@@ -1,8 +1,21 @@
 #include "cli/console.h"
 
 #include <cstring>
+#include <string_view>
 
 namespace tovik::cli {
+
+namespace {
+
+/* Lines of the short iteration log, in whose place the program has progress lines. */
+bool tells_of_iterations(const std::string_view text) {
+  for (const char* head : {"\nIteration log", "Iteration: ", "Elapsed time = "}) {
+    if (text.starts_with(head)) return true;
+  }
+  return false;
+}
+
+}  // namespace
 
 Console::Console(const Environment& environment, FILE* stream, Verbosity verbosity, bool patient)
     : environment_(environment),
@@ -46,6 +59,11 @@ void Console::print(const std::string& text) {
   printing_ = false;
 }
 
+void Console::progress(const std::string& text) {
+  if (verbosity_ == Verbosity::full) show_held();
+  log(text);
+}
+
 void Console::print_error(const std::string& text) {
   TVKmsgstr(error_, (text + "\n").c_str());
 }
@@ -72,13 +90,18 @@ void Console::on_result(void* self, const char* text) {
 
 void Console::show_library_text(const char* text) {
   constexpr std::chrono::milliseconds kBlink{200};
+  if (patient_ && tells_of_iterations(text)) return;
   if (patient_ && std::chrono::steady_clock::now() - model_begin_ < kBlink) {
     held_ += text;
     return;
   }
+  show_held();
+  std::fputs(text, stream_);
+}
+
+void Console::show_held() {
   std::fputs(held_.c_str(), stream_);
   held_.clear();
-  std::fputs(text, stream_);
 }
 
 void Console::on_problem(void* self, const char* text) {

@@ -22,7 +22,7 @@ enum class Verbosity { full, results, none };
 class Console {
  public:
   /* `patient`: what the library says in the first fifth of a second is shown when the model takes longer, and
-   * never when it does not. */
+   * never when it does not; its lines of single iterations are for the log file. */
   Console(const Environment& environment, FILE* stream, Verbosity verbosity, bool patient = false);
   ~Console();
   Console(const Console&) = delete;
@@ -33,6 +33,8 @@ class Console {
   /* The program's own lines: of the log, and of the results, which a quiet console still shows. */
   void log(const std::string& text);
   void print(const std::string& text);
+  /* A line of the log while a model is solved: what waited is shown before it. */
+  void progress(const std::string& text);
   /* The program's own error line, in the log file too. */
   void print_error(const std::string& text);
 
@@ -61,6 +63,7 @@ class Console {
   static void on_error(void* self, const char* text);
   void write_problem(const char* text);
   void show_library_text(const char* text);
+  void show_held();
 
   struct Close {
     void operator()(FILE* file) const { std::fclose(file); }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <nlohmann/json.hpp>
 #include <string_view>
 
 namespace tovik::cli {
@@ -115,6 +116,12 @@ std::string Model::statistics() const {
   environment_.check(TVKgetstatistics(environment_.handle(), handle_, text.data(), -surplus, &surplus));
   text.pop_back();  // the terminating zero
   return text;
+}
+
+std::optional<int> Model::threads() const {
+  const std::string text = statistics();
+  if (text.empty()) return {};
+  return nlohmann::json::parse(text).at("threads").get<int>();
 }
 
 std::vector<std::string> Model::names(NameQuery query, const char* word, int begin, int end) const {

@@ -5,6 +5,7 @@
  *   to its error channel, which the console shows unless it is silenced. */
 #pragma once
 
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -63,6 +64,8 @@ class Model {
 
   /* What the last optimization has counted: JSON. Empty before the first one. */
   std::string statistics() const;
+  /* How many threads have worked for it; nothing before the first one. */
+  std::optional<int> threads() const;
 
   /* A range query over all rows or all columns. */
   template <class Value, class Query>

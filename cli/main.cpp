@@ -103,7 +103,8 @@ ExitStatus solve_all(const Environment& environment, const Parameters& parameter
     std::fprintf(stderr, "tovik: cannot write %s\n", obstacle.c_str());
     return ExitStatus::usage;
   }
-  Console console(environment, options.json ? stderr : stdout, verbosity_of(options), !options.verbose);
+  const bool output_taken = options.json || writes_to_output(options);
+  Console console(environment, output_taken ? stderr : stdout, verbosity_of(options), !options.verbose);
   if (!options.log_file.empty() && !console.open_log(options.log_file)) {
     std::fprintf(stderr, "tovik: cannot write %s\n", options.log_file.c_str());
     return ExitStatus::usage;

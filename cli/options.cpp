@@ -41,7 +41,7 @@ const std::vector<Shorthand>& shorthands() {
       {"--ticks", "--ticks", "Limit on deterministic work, in ticks", {kTickLimit}},
       {"--threads",
        "--threads",
-       "Most threads to use; 0, or more than there are: as many as there are processors",
+       "Most threads to use; 0, or more than there are: all processors (in this version one works)",
        {"THREADS"}},
       {"--gap", "--gap", "Relative gap at which a mixed-integer search may end", {"EPGAP"}},
       {"--seed", "--seed", "Seed of the random numbers", {kRandomSeed}},
@@ -106,8 +106,9 @@ void add_lenient(CLI::App& app, Options& options) {
 }
 
 const char kSolveFooter[] =
-    "Each model is read (LP or MPS format, .gz and .bz2 too; - reads standard input), optimized, and "
-    "checked.\n"
+    "Each model is read (LP, MPS, SAV or network format, compressed too; - reads standard input), optimized, "
+    "and\n"
+    "checked. This version solves linear models, and of mixed-integer ones the relaxation (--relax).\n"
     "\n"
     "Examples:    tovik plan.mps.gz -t 60 --solution plan.sol\n"
     "             tovik *.lp --json -q\n"
@@ -148,7 +149,10 @@ void describe_solve(CLI::App& app, Options& options) {
   };
   add_file("--basis", options.basis_file, "Start from the basis in this file");
   add_file("--start", options.start_file, "Start the mixed-integer search from this MIP start");
-  add_file("--solution", options.solution_file, "Write the solution to this file (XML)");
+  add_file("--solution", options.solution_file,
+           "Write the solution to this file (XML); - is standard output, and the log goes to standard error");
+  app.add_flag("--exact", options.exact,
+               "The solution file with up to 17 digits, which read back as the same numbers");
   add_file("--write-basis", options.new_basis_file, "Write the last basis to this file");
   add_file("--write-model", options.model_file, "Write the model as it is solved (.lp, .mps, .sav, .gz ...)");
   app.add_option("--log", options.log_file, "Write the log to this file as well")->type_name("FILE");
@@ -293,7 +297,7 @@ bool take_help(std::vector<std::string>& words, Options& options) {
   const std::string word = words.size() > 1 ? words[1] : "solve";
   options.verb = verb_of(word);
   words.assign(1, "--help");
-  if (word == "solve" || options.verb != Verb::solve) return true;
+  if (word == "solve" || word == "help" || options.verb != Verb::solve) return true;
   const std::string nearest = nearest_verb(word);
   std::fprintf(stderr, "tovik: no verb is called '%s'%s\n", word.c_str(),
                nearest.empty() ? "" : ("; did you mean " + nearest + "?").c_str());

@@ -23,6 +23,9 @@ namespace tovik {
 
 struct Problem;
 struct NetworkProblem;
+namespace lp::run {
+class CallbackFrame;
+}
 
 inline constexpr char kVersion[] = "12.2.0.0";
 
@@ -69,6 +72,7 @@ struct Environment {
   WorkCounter* work = &own_work;  // the counter in force
   LimitFrames limits;
   Callbacks callbacks;
+  lp::run::CallbackFrame* callback_frame = nullptr;  // of the LP callback that is running
   FILE* log_file = nullptr;
   bool ready = false;  // opened completely
   LiveHandle live;     // last: a handle is live while the record is whole

@@ -27,7 +27,7 @@ extern "C" {
  *   the answer            TVKgetstat, TVKsolution, TVKgetobjval, TVKgetx, TVKgetpi, TVKgetdj, TVKgetslack, TVKsolninfo
  *   why there is none     TVKgetfarkas, TVKgetray, TVKgetquality, TVKgetrowinfeas, TVKgetcolinfeas
  *   what if               TVKgetobjsens, TVKgetrhssens, TVKgetboundsens, TVKgetsensobjval
- *   start and stop        TVKcopybase, TVKgetbase, TVKreadcopybase; TVKsetterminate, TVKsetlpcallbackfunc
+ *   start and stop        TVKcopybase, TVKgetbase, TVKreadcopybase; TVKsetterminate, TVKsetlpcallbackfunc, TVKgetcallbackinfo
  *   settings              TVKsetintparam, TVKsetdblparam, TVKsetstrparam, TVKreadcopyparam, TVKgetchgparam
  *   files                 TVKwriteprob, TVKsolwrite, TVKreadsolution, TVKmbasewrite, TVKwriterestart
  *   messages              TVKgeterrorstring, TVKgetstatstring, TVKgetchannels, TVKaddfuncdest, TVKsetlogfile
@@ -70,8 +70,9 @@ typedef char **TVKnames;
  *
  * Each routine checks its handles first, without following pointers that it does not know, so that a null, freed or
  * foreign handle yields a code and never a crash, however many objects have come since: no handle is given out twice in
- * the life of a process. 1002 no such environment, 1009 no such problem, 1806 a problem of another environment, 1804 a call from inside the info callback that is not allowed there, or one from a callback or
- * message function that would change, optimize or free a problem that a routine is working on right then.
+ * the life of a process. 1002 no such environment, 1009 no such problem, 1806 a problem of another environment, 1804 a call
+ * from inside the info callback that is not allowed there, or one from a callback or message function that would change,
+ * optimize or free a problem that a routine is working on right then.
  * Then it checks its arguments. A failed routine changes nothing and writes one line to the environment's error channel:
  * "TOVIK Error %5d: ", the text of the code, a period and a newline. What fails while such a line is being delivered,
  * in a message function, gives its code, and its line goes to the files of the channel alone. */
@@ -467,15 +468,45 @@ TVK_API void TVKEgeneric_unlock(void *lock);
 
 /* Registers the function that the continuous optimizers call while they run (null: none): `wherefrom` is 1 on each
  * simplex iteration and 7 during presolve, `handle` is the pointer given here. A result other than 0 stops the
- * optimization, which then ends with status TVK_STATUS_USER_ABORT. `cbdata` is opaque. The function may ask the
- * problem that is being optimized for what it holds; changing, optimizing or freeing it gives 1804, and so does what
- * needs a factored basis. */
+ * optimization, which then ends with status TVK_STATUS_USER_ABORT. `cbdata` is opaque, for TVKgetcallbackinfo. The
+ * function may ask the problem that is being optimized for what it holds; changing, optimizing or freeing it gives 1804,
+ * and so does what needs a factored basis. */
 TVK_API int TVKsetlpcallbackfunc(EnvHandle env,
                                  int (*func)(ConstEnvHandle env, void *cbdata, int wherefrom, void *handle),
                                  void *handle);
 /* Reads it back; either address may be null. */
 TVK_API int TVKgetlpcallbackfunc(ConstEnvHandle env, int (**func_p)(ConstEnvHandle, void *, int, void *),
                                  void **handle_p);
+
+/* Items of TVKgetcallbackinfo, ints but where it says double. Numbers that the method does not have at that time are 1e20:
+ * in the first phase of the dual simplex objective and primal infeasibility, in the first phase of the primal simplex dual
+ * infeasibility. While sifting all are those of the working problem. */
+#define TVK_CALLBACK_INFO_OBJECTIVE 1        /* double: of the point, or the bound that the dual simplex has reached */
+#define TVK_CALLBACK_INFO_PRIMAL_INFEAS 2    /* double: sum of bound and row violations, scaled and presolved */
+#define TVK_CALLBACK_INFO_DUAL_INFEAS 3      /* double: sum of reduced costs of the wrong sign, likewise */
+#define TVK_CALLBACK_INFO_PHASE 4            /* 1 or 2; 0 where a claim is made sure of by auxiliary problems */
+#define TVK_CALLBACK_INFO_METHOD 5           /* 1 primal, 2 dual simplex */
+#define TVK_CALLBACK_INFO_ITERATIONS 6       /* of the simplex that is running */
+#define TVK_CALLBACK_INFO_ROWS_REMOVED 13    /* by presolve so far, substitutions included */
+#define TVK_CALLBACK_INFO_COLUMNS_REMOVED 14
+#define TVK_CALLBACK_INFO_SUBSTITUTIONS 15
+#define TVK_CALLBACK_INFO_BOUNDS_IMPROVED 16
+#define TVK_CALLBACK_INFO_SECONDS 17         /* double: since the optimization began, by TVK_PARAM_CLOCKTYPE */
+#define TVK_CALLBACK_INFO_TICKS 19           /* double: deterministic work since then */
+
+/* For the LP callback while it runs, with its own `env`, `cbdata` and `wherefrom`: stores the item `whichinfo` in *result_p,
+ * an int or a double. 1 to 6 are known in context 1, 13 to 16 in context 7, 17 and 19 in both. The infeasibilities cost a
+ * pass over rows and columns at the first item of a call: ask now and then, not at each iteration. Errors: 1003 wherefrom is
+ * not in 1..113 or does not have the item; 1006 cbdata is not that of a callback that is running in this context; 1004.
+ *
+ *     int progress(ConstEnvHandle env, void *cbdata, int wherefrom, void *handle) {
+ *       double infeasibility, seconds;
+ *       if (wherefrom == 1 && TVKgetcallbackinfo(env, cbdata, wherefrom, TVK_CALLBACK_INFO_PRIMAL_INFEAS, &infeasibility) == 0
+ *           && TVKgetcallbackinfo(env, cbdata, wherefrom, TVK_CALLBACK_INFO_SECONDS, &seconds) == 0)
+ *         printf("%.1f s: infeasibility %g\n", seconds, infeasibility);
+ *       return 0;                                         anything else stops the optimization
+ *     } */
+TVK_API int TVKgetcallbackinfo(ConstEnvHandle env, void *cbdata, int wherefrom, int whichinfo, void *result_p);
 
 /* Registers the function that is called around optimizations (null: none): with code 2 when a continuous optimizer
  * starts and 3 when it ends, with 0 before and 1 after branch-and-cut. For its calls the same holds. */
@@ -703,6 +734,7 @@ TVK_API int TVKgetcrossdexchcnt(ConstEnvHandle env, ConstProbHandle lp);
  *           (plain_sweeps) or in one way after the other (switched_sweeps), and joint_solves, vectors solved for several at once
  * ticks     deterministic work by kind: presolve, sifting, factor_builds, factor_solves, factor_updates, and simplex, all the
  *           rest. Sifting's working problems are counted under sifting alone
+ * threads   how many threads have worked
  *
  * Errors: 1217 before the first optimization; 1207 space too small; 1004.
  *
@@ -718,165 +750,168 @@ TVK_API int TVKgetticks(ConstEnvHandle env, ConstProbHandle lp, double *ticks_p)
 
 /* ==== Section: parameters ==== */
 
-/* Parameter numbers. Numbers of parameters and codes of errors are two different things that share digits. */
+/* Parameter numbers, each with its type, default and range. What a parameter does: TVKgetparamdesc, or `tovik params --all`;
+ * "stored only" has no effect in this version. Thread counts go up to what the machine has. Contents of arrays are looked at
+ * while TVK_PARAM_DATACHECK is 1, which it is not by default: set it while developing. Numbers of parameters and codes of
+ * errors are two different things that share digits. */
 /* General, linear programs, presolve, simplex, reading limits, threads, tuning: 1001-1127 */
-#define TVK_PARAM_ADVIND                 1001
-#define TVK_PARAM_AGGFILL                1002
-#define TVK_PARAM_AGGIND                 1003
-#define TVK_PARAM_CFILEMUL               1005
-#define TVK_PARAM_CLOCKTYPE              1006
-#define TVK_PARAM_CRAIND                 1007
-#define TVK_PARAM_DEPIND                 1008
-#define TVK_PARAM_DPRIIND                1009
-#define TVK_PARAM_PRICELIM               1010
-#define TVK_PARAM_EPMRK                  1013
-#define TVK_PARAM_EPOPT                  1014
-#define TVK_PARAM_EPPER                  1015
-#define TVK_PARAM_EPRHS                  1016
-#define TVK_PARAM_SIMDISPLAY             1019
-#define TVK_PARAM_ITLIM                  1020
-#define TVK_PARAM_ROWREADLIM             1021
-#define TVK_PARAM_NETFIND                1022
-#define TVK_PARAM_COLREADLIM             1023
-#define TVK_PARAM_NZREADLIM              1024
-#define TVK_PARAM_OBJLLIM                1025
-#define TVK_PARAM_OBJULIM                1026
-#define TVK_PARAM_PERIND                 1027
-#define TVK_PARAM_PERLIM                 1028
-#define TVK_PARAM_PPRIIND                1029
-#define TVK_PARAM_PREIND                 1030
-#define TVK_PARAM_REINV                  1031
-#define TVK_PARAM_RFILEMUL               1033
-#define TVK_PARAM_SCAIND                 1034
-#define TVK_PARAM_SCRIND                 1035
-#define TVK_PARAM_SINGLIM                1037
-#define TVK_PARAM_SINGTOL                1038
-#define TVK_PARAM_TILIM                  1039
-#define TVK_PARAM_PREDUAL                1044
-#define TVK_PARAM_PREPASS                1052
-#define TVK_PARAM_DATACHECK              1056 /* 0 by default: contents of arrays are not looked at; 1 while developing */
-#define TVK_PARAM_REDUCE                 1057
-#define TVK_PARAM_PRELINEAR              1058
-#define TVK_PARAM_LPMETHOD               1062
-#define TVK_PARAM_QPMETHOD               1063
-#define TVK_PARAM_WORKDIR                1064
-#define TVK_PARAM_WORKMEM                1065
-#define TVK_PARAM_THREADS                1067
-#define TVK_PARAM_CONFLICTDISPLAY        1074
-#define TVK_PARAM_SIFTDISPLAY            1076
-#define TVK_PARAM_SIFTALG                1077
-#define TVK_PARAM_SIFTITLIM              1078
-#define TVK_PARAM_MPSLONGNUM             1081
-#define TVK_PARAM_MEMORYEMPHASIS         1082
-#define TVK_PARAM_NUMERICALEMPHASIS      1083
-#define TVK_PARAM_FEASOPTMODE            1084
-#define TVK_PARAM_PARALLELMODE           1109
-#define TVK_PARAM_TUNINGMEASURE          1110
-#define TVK_PARAM_TUNINGREPEAT           1111
-#define TVK_PARAM_TUNINGTILIM            1112
-#define TVK_PARAM_TUNINGDISPLAY          1113
-#define TVK_PARAM_WRITELEVEL             1114
-#define TVK_PARAM_PERFVAR_RUNS           1121
-#define TVK_PARAM_PERFVAR_DISPLAY        1122
-#define TVK_PARAM_PERFVAR_MEASURE        1123
+#define TVK_PARAM_ADVIND                 1001 /* int 1, 0 to 2 */
+#define TVK_PARAM_AGGFILL                1002 /* int 10, 0 to 2100000000 */
+#define TVK_PARAM_AGGIND                 1003 /* int -1, -1 to 2100000000 */
+#define TVK_PARAM_CFILEMUL               1005 /* double 3, 1.1 to 1e75; stored only */
+#define TVK_PARAM_CLOCKTYPE              1006 /* int 2, 0 to 2 */
+#define TVK_PARAM_CRAIND                 1007 /* int 1, -1 to 1; stored only */
+#define TVK_PARAM_DEPIND                 1008 /* int -1, -1 to 3 */
+#define TVK_PARAM_DPRIIND                1009 /* int 0, 0 to 5 */
+#define TVK_PARAM_PRICELIM               1010 /* int 0, 0 to 2100000000 */
+#define TVK_PARAM_EPMRK                  1013 /* double 0.01, 1e-4 to 0.99999 */
+#define TVK_PARAM_EPOPT                  1014 /* double 1e-6, 1e-9 to 0.1 */
+#define TVK_PARAM_EPPER                  1015 /* double 1e-6, 1e-8 to 1e75 */
+#define TVK_PARAM_EPRHS                  1016 /* double 1e-6, 1e-9 to 0.1 */
+#define TVK_PARAM_SIMDISPLAY             1019 /* int 1, 0 to 2 */
+#define TVK_PARAM_ITLIM                  1020 /* int 2100000000, 0 to 2100000000 */
+#define TVK_PARAM_ROWREADLIM             1021 /* int 30000, 0 to 524999999; stored only */
+#define TVK_PARAM_NETFIND                1022 /* int 2, 1 to 3; stored only */
+#define TVK_PARAM_COLREADLIM             1023 /* int 60000, 0 to 524999999; stored only */
+#define TVK_PARAM_NZREADLIM              1024 /* int 250000, 0 to 524999999; stored only */
+#define TVK_PARAM_OBJLLIM                1025 /* double -1e75, any */
+#define TVK_PARAM_OBJULIM                1026 /* double 1e75, any */
+#define TVK_PARAM_PERIND                 1027 /* int 0, 0 to 1 */
+#define TVK_PARAM_PERLIM                 1028 /* int 0, 0 to 2100000000 */
+#define TVK_PARAM_PPRIIND                1029 /* int 0, -1 to 4 */
+#define TVK_PARAM_PREIND                 1030 /* int 1, 0 to 1 */
+#define TVK_PARAM_REINV                  1031 /* int 0, 0 to 10000 */
+#define TVK_PARAM_RFILEMUL               1033 /* double 3, 1.1 to 1e75; stored only */
+#define TVK_PARAM_SCAIND                 1034 /* int 0, -1 to 1 */
+#define TVK_PARAM_SCRIND                 1035 /* int 0, 0 to 1 */
+#define TVK_PARAM_SINGLIM                1037 /* int 10, 0 to 2100000000 */
+#define TVK_PARAM_SINGTOL                1038 /* double 1e-13, 1e-10 to 0.9; stored only */
+#define TVK_PARAM_TILIM                  1039 /* double 1e75, 0 to 1e75 */
+#define TVK_PARAM_PREDUAL                1044 /* int 0, -1 to 1 */
+#define TVK_PARAM_PREPASS                1052 /* int -1, -1 to 2100000000 */
+#define TVK_PARAM_DATACHECK              1056 /* int 0, 0 to 1 */
+#define TVK_PARAM_REDUCE                 1057 /* int 3, 0 to 3 */
+#define TVK_PARAM_PRELINEAR              1058 /* int 1, 0 to 1 */
+#define TVK_PARAM_LPMETHOD               1062 /* int 0, 0 to 6 */
+#define TVK_PARAM_QPMETHOD               1063 /* int 0, 0 to 6; stored only */
+#define TVK_PARAM_WORKDIR                1064 /* string "."; stored only */
+#define TVK_PARAM_WORKMEM                1065 /* double 128, 0 to 1e75; stored only */
+#define TVK_PARAM_THREADS                1067 /* int 0, from 0; stored only */
+#define TVK_PARAM_CONFLICTDISPLAY        1074 /* int 1, 0 to 2; stored only */
+#define TVK_PARAM_SIFTDISPLAY            1076 /* int 1, 0 to 2; stored only */
+#define TVK_PARAM_SIFTALG                1077 /* int 0, 0 to 4; stored only */
+#define TVK_PARAM_SIFTITLIM              1078 /* int 2100000000, 0 to 2100000000; stored only */
+#define TVK_PARAM_MPSLONGNUM             1081 /* int 1, 0 to 1 */
+#define TVK_PARAM_MEMORYEMPHASIS         1082 /* int 0, 0 to 1 */
+#define TVK_PARAM_NUMERICALEMPHASIS      1083 /* int 0, 0 to 1; stored only */
+#define TVK_PARAM_FEASOPTMODE            1084 /* int 0, 0 to 5; stored only */
+#define TVK_PARAM_PARALLELMODE           1109 /* int 0, -1 to 1; stored only */
+#define TVK_PARAM_TUNINGMEASURE          1110 /* int 1, 1 to 2; stored only */
+#define TVK_PARAM_TUNINGREPEAT           1111 /* int 1, 1 to 2100000000; stored only */
+#define TVK_PARAM_TUNINGTILIM            1112 /* double 10000, 1 to 1e75; stored only */
+#define TVK_PARAM_TUNINGDISPLAY          1113 /* int 1, 0 to 3; stored only */
+#define TVK_PARAM_WRITELEVEL             1114 /* int 0, 0 to 4 */
+#define TVK_PARAM_PERFVAR_RUNS           1121 /* int 10, 2 to 2100000000; stored only */
+#define TVK_PARAM_PERFVAR_DISPLAY        1122 /* int 1, 0 to 2; stored only */
+#define TVK_PARAM_PERFVAR_MEASURE        1123 /* int 0, 0 to 1; stored only */
 /* Mixed-integer optimizer: 2000-2139 */
-#define TVK_PARAM_BRDIR                  2001
-#define TVK_PARAM_BTTOL                  2002
-#define TVK_PARAM_CLIQUES                2003
-#define TVK_PARAM_COEREDIND              2004
-#define TVK_PARAM_COVERS                 2005
-#define TVK_PARAM_CUTLO                  2006
-#define TVK_PARAM_CUTUP                  2007
-#define TVK_PARAM_EPAGAP                 2008
-#define TVK_PARAM_EPGAP                  2009
-#define TVK_PARAM_EPINT                  2010
-#define TVK_PARAM_MIPDISPLAY             2012
-#define TVK_PARAM_MIPINTERVAL            2013
-#define TVK_PARAM_INTSOLLIM              2015
-#define TVK_PARAM_NODEFILEIND            2016
-#define TVK_PARAM_NODELIM                2017
-#define TVK_PARAM_NODESEL                2018
-#define TVK_PARAM_OBJDIF                 2019
-#define TVK_PARAM_MIPORDIND              2020
-#define TVK_PARAM_RELOBJDIF              2022
-#define TVK_PARAM_STARTALG               2025
-#define TVK_PARAM_SUBALG                 2026
-#define TVK_PARAM_TRELIM                 2027
-#define TVK_PARAM_VARSEL                 2028
-#define TVK_PARAM_BNDSTRENIND            2029
-#define TVK_PARAM_HEURFREQ               2031
-#define TVK_PARAM_MIPORDTYPE             2032
-#define TVK_PARAM_CUTSFACTOR             2033
-#define TVK_PARAM_RELAXPREIND            2034
-#define TVK_PARAM_PRESLVND               2037
-#define TVK_PARAM_BBINTERVAL             2039
-#define TVK_PARAM_FLOWCOVERS             2040
-#define TVK_PARAM_IMPLBD                 2041
-#define TVK_PARAM_PROBE                  2042
-#define TVK_PARAM_GUBCOVERS              2044
-#define TVK_PARAM_STRONGCANDLIM          2045
-#define TVK_PARAM_STRONGITLIM            2046
-#define TVK_PARAM_FRACCAND               2048
-#define TVK_PARAM_FRACCUTS               2049
-#define TVK_PARAM_FRACPASS               2050
-#define TVK_PARAM_FLOWPATHS              2051
-#define TVK_PARAM_MIRCUTS                2052
-#define TVK_PARAM_DISJCUTS               2053
-#define TVK_PARAM_AGGCUTLIM              2054
-#define TVK_PARAM_MIPCBREDLP             2055
-#define TVK_PARAM_CUTPASS                2056
-#define TVK_PARAM_MIPEMPHASIS            2058
-#define TVK_PARAM_SYMMETRY               2059
-#define TVK_PARAM_DIVETYPE               2060
-#define TVK_PARAM_RINSHEUR               2061
-#define TVK_PARAM_SUBMIPNODELIM          2062
-#define TVK_PARAM_LBHEUR                 2063
-#define TVK_PARAM_REPEATPRESOLVE         2064
-#define TVK_PARAM_PROBETIME              2065
-#define TVK_PARAM_POLISHTIME             2066
-#define TVK_PARAM_REPAIRTRIES            2067
-#define TVK_PARAM_EPRELAX                2073
-#define TVK_PARAM_FPHEUR                 2098
-#define TVK_PARAM_EACHCUTLIM             2102
-#define TVK_PARAM_SOLNPOOLCAPACITY       2103
-#define TVK_PARAM_SOLNPOOLREPLACE        2104
-#define TVK_PARAM_SOLNPOOLGAP            2105
-#define TVK_PARAM_SOLNPOOLAGAP           2106
-#define TVK_PARAM_SOLNPOOLINTENSITY      2107
-#define TVK_PARAM_POPULATELIM            2108
-#define TVK_PARAM_MIPSEARCH              2109
-#define TVK_PARAM_MIQCPSTRAT             2110
-#define TVK_PARAM_ZEROHALFCUTS           2111
-#define TVK_PARAM_POLISHAFTEREPAGAP      2126
-#define TVK_PARAM_POLISHAFTEREPGAP       2127
-#define TVK_PARAM_POLISHAFTERNODE        2128
-#define TVK_PARAM_POLISHAFTERINTSOL      2129
-#define TVK_PARAM_POLISHAFTERTIME        2130
-#define TVK_PARAM_MCFCUTS                2134
-#define TVK_PARAM_MIPKAPPASTATS          2137
-#define TVK_PARAM_AUXROOTTHREADS         2139
+#define TVK_PARAM_BRDIR                  2001 /* int 0, -1 to 1; stored only */
+#define TVK_PARAM_BTTOL                  2002 /* double 0.9999, 0 to 1; stored only */
+#define TVK_PARAM_CLIQUES                2003 /* int 0, -1 to 3; stored only */
+#define TVK_PARAM_COEREDIND              2004 /* int 2, 0 to 2; stored only */
+#define TVK_PARAM_COVERS                 2005 /* int 0, -1 to 3; stored only */
+#define TVK_PARAM_CUTLO                  2006 /* double -1e75, any; stored only */
+#define TVK_PARAM_CUTUP                  2007 /* double 1e75, any; stored only */
+#define TVK_PARAM_EPAGAP                 2008 /* double 1e-6, 0 to 1e20; stored only */
+#define TVK_PARAM_EPGAP                  2009 /* double 1e-4, 0 to 1; stored only */
+#define TVK_PARAM_EPINT                  2010 /* double 1e-5, 0 to 0.5; stored only */
+#define TVK_PARAM_MIPDISPLAY             2012 /* int 2, 0 to 5; stored only */
+#define TVK_PARAM_MIPINTERVAL            2013 /* int 0, -2100000000 to 2100000000; stored only */
+#define TVK_PARAM_INTSOLLIM              2015 /* int 2100000000, 1 to 2100000000; stored only */
+#define TVK_PARAM_NODEFILEIND            2016 /* int 1, 0 to 3; stored only */
+#define TVK_PARAM_NODELIM                2017 /* int 2100000000, 0 to 2100000000; stored only */
+#define TVK_PARAM_NODESEL                2018 /* int 1, 0 to 3; stored only */
+#define TVK_PARAM_OBJDIF                 2019 /* double 0, any; stored only */
+#define TVK_PARAM_MIPORDIND              2020 /* int 1, 0 to 1; stored only */
+#define TVK_PARAM_RELOBJDIF              2022 /* double 0, 0 to 1; stored only */
+#define TVK_PARAM_STARTALG               2025 /* int 0, 0 to 6; stored only */
+#define TVK_PARAM_SUBALG                 2026 /* int 0, 0 to 5; stored only */
+#define TVK_PARAM_TRELIM                 2027 /* double 1e75, 0 to 1e75; stored only */
+#define TVK_PARAM_VARSEL                 2028 /* int 0, -1 to 4; stored only */
+#define TVK_PARAM_BNDSTRENIND            2029 /* int -1, -1 to 1; stored only */
+#define TVK_PARAM_HEURFREQ               2031 /* int 0, -1 to 2100000000; stored only */
+#define TVK_PARAM_MIPORDTYPE             2032 /* int 0, 0 to 3; stored only */
+#define TVK_PARAM_CUTSFACTOR             2033 /* double 4, 0 to 1e75; stored only */
+#define TVK_PARAM_RELAXPREIND            2034 /* int -1, -1 to 1; stored only */
+#define TVK_PARAM_PRESLVND               2037 /* int 0, -1 to 2; stored only */
+#define TVK_PARAM_BBINTERVAL             2039 /* int 7, 0 to 2100000000; stored only */
+#define TVK_PARAM_FLOWCOVERS             2040 /* int 0, -1 to 2; stored only */
+#define TVK_PARAM_IMPLBD                 2041 /* int 0, -1 to 2; stored only */
+#define TVK_PARAM_PROBE                  2042 /* int 0, -1 to 3; stored only */
+#define TVK_PARAM_GUBCOVERS              2044 /* int 0, -1 to 2; stored only */
+#define TVK_PARAM_STRONGCANDLIM          2045 /* int 10, 1 to 2100000000; stored only */
+#define TVK_PARAM_STRONGITLIM            2046 /* int 0, 0 to 2100000000; stored only */
+#define TVK_PARAM_FRACCAND               2048 /* int 200, 1 to 2100000000; stored only */
+#define TVK_PARAM_FRACCUTS               2049 /* int 0, -1 to 2; stored only */
+#define TVK_PARAM_FRACPASS               2050 /* int 0, 0 to 2100000000; stored only */
+#define TVK_PARAM_FLOWPATHS              2051 /* int 0, -1 to 2; stored only */
+#define TVK_PARAM_MIRCUTS                2052 /* int 0, -1 to 2; stored only */
+#define TVK_PARAM_DISJCUTS               2053 /* int 0, -1 to 3; stored only */
+#define TVK_PARAM_AGGCUTLIM              2054 /* int 3, 0 to 2100000000; stored only */
+#define TVK_PARAM_MIPCBREDLP             2055 /* int 1, 0 to 1; stored only */
+#define TVK_PARAM_CUTPASS                2056 /* int 0, -1 to 2100000000; stored only */
+#define TVK_PARAM_MIPEMPHASIS            2058 /* int 0, 0 to 4; stored only */
+#define TVK_PARAM_SYMMETRY               2059 /* int -1, -1 to 5; stored only */
+#define TVK_PARAM_DIVETYPE               2060 /* int 0, 0 to 3; stored only */
+#define TVK_PARAM_RINSHEUR               2061 /* int 0, -1 to 2100000000; stored only */
+#define TVK_PARAM_SUBMIPNODELIM          2062 /* int 500, 1 to 2100000000; stored only */
+#define TVK_PARAM_LBHEUR                 2063 /* int 0, 0 to 1; stored only */
+#define TVK_PARAM_REPEATPRESOLVE         2064 /* int -1, -1 to 3; stored only */
+#define TVK_PARAM_PROBETIME              2065 /* double 1e75, 0 to 1e75; stored only */
+#define TVK_PARAM_POLISHTIME             2066 /* double 0, 0 to 1e75; stored only */
+#define TVK_PARAM_REPAIRTRIES            2067 /* int 0, -1 to 2100000000; stored only */
+#define TVK_PARAM_EPRELAX                2073 /* double 1e-6, 0 to 1e20; stored only */
+#define TVK_PARAM_FPHEUR                 2098 /* int 0, -1 to 2; stored only */
+#define TVK_PARAM_EACHCUTLIM             2102 /* int 2100000000, 0 to 2100000000; stored only */
+#define TVK_PARAM_SOLNPOOLCAPACITY       2103 /* int 2100000000, 0 to 2100000000; stored only */
+#define TVK_PARAM_SOLNPOOLREPLACE        2104 /* int 0, 0 to 2; stored only */
+#define TVK_PARAM_SOLNPOOLGAP            2105 /* double 1e75, 0 to 1e75; stored only */
+#define TVK_PARAM_SOLNPOOLAGAP           2106 /* double 1e75, 0 to 1e75; stored only */
+#define TVK_PARAM_SOLNPOOLINTENSITY      2107 /* int 0, 0 to 4; stored only */
+#define TVK_PARAM_POPULATELIM            2108 /* int 20, 1 to 2100000000; stored only */
+#define TVK_PARAM_MIPSEARCH              2109 /* int 0, 0 to 2; stored only */
+#define TVK_PARAM_MIQCPSTRAT             2110 /* int 0, 0 to 2; stored only */
+#define TVK_PARAM_ZEROHALFCUTS           2111 /* int 0, -1 to 2; stored only */
+#define TVK_PARAM_POLISHAFTEREPAGAP      2126 /* double 0, 0 to 1e20; stored only */
+#define TVK_PARAM_POLISHAFTEREPGAP       2127 /* double 0, 0 to 1; stored only */
+#define TVK_PARAM_POLISHAFTERNODE        2128 /* int 2100000000, 0 to 2100000000; stored only */
+#define TVK_PARAM_POLISHAFTERINTSOL      2129 /* int 2100000000, 1 to 2100000000; stored only */
+#define TVK_PARAM_POLISHAFTERTIME        2130 /* double 1e75, 0 to 1e75; stored only */
+#define TVK_PARAM_MCFCUTS                2134 /* int 0, -1 to 2; stored only */
+#define TVK_PARAM_MIPKAPPASTATS          2137 /* int 0, -1 to 2; stored only */
+#define TVK_PARAM_AUXROOTTHREADS         2139 /* int 0, from -1; stored only */
 /* Barrier optimizer: 3001-3034 */
-#define TVK_PARAM_BAREPCOMP              3002
-#define TVK_PARAM_BARGROWTH              3003
-#define TVK_PARAM_BAROBJRNG              3004
-#define TVK_PARAM_BARALG                 3007
-#define TVK_PARAM_BARCOLNZ               3009
-#define TVK_PARAM_BARDISPLAY             3010
-#define TVK_PARAM_BARITLIM               3012
-#define TVK_PARAM_BARMAXCOR              3013
-#define TVK_PARAM_BARORDER               3014
-#define TVK_PARAM_BARSTARTALG            3017
-#define TVK_PARAM_BARCROSSALG            3018
-#define TVK_PARAM_BARQCPEPCOMP           3020
+#define TVK_PARAM_BAREPCOMP              3002 /* double 1e-8, 1e-12 to 1e75; stored only */
+#define TVK_PARAM_BARGROWTH              3003 /* double 1e12, 1 to 1e75; stored only */
+#define TVK_PARAM_BAROBJRNG              3004 /* double 1e20, 0 to 1e75; stored only */
+#define TVK_PARAM_BARALG                 3007 /* int 0, 0 to 3; stored only */
+#define TVK_PARAM_BARCOLNZ               3009 /* int 0, 0 to 2100000000; stored only */
+#define TVK_PARAM_BARDISPLAY             3010 /* int 1, 0 to 2; stored only */
+#define TVK_PARAM_BARITLIM               3012 /* int 2100000000, 0 to 2100000000; stored only */
+#define TVK_PARAM_BARMAXCOR              3013 /* int -1, -1 to 2100000000; stored only */
+#define TVK_PARAM_BARORDER               3014 /* int 0, 0 to 3; stored only */
+#define TVK_PARAM_BARSTARTALG            3017 /* int 1, 1 to 4; stored only */
+#define TVK_PARAM_BARCROSSALG            3018 /* int 0, -1 to 2; stored only */
+#define TVK_PARAM_BARQCPEPCOMP           3020 /* double 1e-7, 1e-12 to 1e75; stored only */
 /* Quadratic programs: 4001-4010 */
-#define TVK_PARAM_QPNZREADLIM            4001
-#define TVK_PARAM_QPMAKEPSDIND           4010
+#define TVK_PARAM_QPNZREADLIM            4001 /* int 5000, 0 to 524999999; stored only */
+#define TVK_PARAM_QPMAKEPSDIND           4010 /* int 1, 0 to 1; stored only */
 /* Network optimizer: 5001-5005 */
-#define TVK_PARAM_NETITLIM               5001
-#define TVK_PARAM_NETEPOPT               5002
-#define TVK_PARAM_NETEPRHS               5003
-#define TVK_PARAM_NETPPRIIND             5004
-#define TVK_PARAM_NETDISPLAY             5005
+#define TVK_PARAM_NETITLIM               5001 /* int 2100000000, 0 to 2100000000; stored only */
+#define TVK_PARAM_NETEPOPT               5002 /* double 1e-6, 1e-11 to 0.1; stored only */
+#define TVK_PARAM_NETEPRHS               5003 /* double 1e-6, 1e-11 to 0.1; stored only */
+#define TVK_PARAM_NETPPRIIND             5004 /* int 0, 0 to 3; stored only */
+#define TVK_PARAM_NETDISPLAY             5005 /* int 2, 0 to 2; stored only */
 
 /* Type codes that TVKgetparamtype answers. */
 #define TVK_PARAMTYPE_NONE 0   /* no parameter has this number */
@@ -1627,10 +1662,13 @@ TVK_API int TVKreadcopyorder(ConstEnvHandle env, ProbHandle lp, const char *file
  * a column by its name, where the problem has names and the file tells it, else by its index; unknown ones are skipped
  * with a warning. A file without '<' before its first blank is read as text: a NAME line, "column value" records that
  * begin with a blank, ENDATA. Each read changes nothing when it fails; .sol and .mst may be left out. Errors of all:
- * 1421, 1422, 1803 when writing; 1423, 1425 no XML, 1434 when reading. */
+ * 1421, 1422, 1803 when writing; 1423, 1425 no XML, 1434 when reading. What a refused file seems to be (a solution of another
+ * program, a model) is told by a line on the warning channel. */
 
 /* Writes the current solution, with the basis and the duals that it has. Errors: 1217, 3023 no solution. */
 TVK_API int TVKsolwrite(ConstEnvHandle env, ConstProbHandle lp, const char *filename);
+/* The same with as many digits, up to 17, as read back as the very numbers. */
+TVK_API int TVKsolwriteexact(ConstEnvHandle env, ConstProbHandle lp, const char *filename);
 
 /* Reads the first solution of a file: a start of the next optimization for a continuous problem (TVKcopystart; basis and
  * values as far as the file has them for all rows and columns), a MIP start for a mixed-integer one. */

@@ -14,6 +14,13 @@ namespace tovik::cli {
 
 namespace {
 
+const char kOutput[] = "/dev/stdout";
+
+/* "-" is standard output. */
+std::string target(const std::string& file) {
+  return file == "-" ? kOutput : file;
+}
+
 /* Runs one routine of the library for a file, whose name goes before what it has to say. */
 void with_label(const SolveContext& context, const std::string& file, const std::function<int()>& routine) {
   context.console.set_label(file);
@@ -33,10 +40,17 @@ int write_obstacle(const std::string& file) {
 
 }  // namespace
 
+bool writes_to_output(const Options& options) {
+  for (const std::string* file : {&options.solution_file, &options.new_basis_file, &options.model_file}) {
+    if (target(*file) == kOutput) return true;
+  }
+  return false;
+}
+
 std::string unwritable_target(const Options& options) {
   for (const std::string* file : {&options.solution_file, &options.new_basis_file, &options.model_file}) {
     if (file->empty()) continue;
-    if (const int why = write_obstacle(*file); why != 0)
+    if (const int why = write_obstacle(target(*file)); why != 0)
       return *file + ": " + std::generic_category().message(why);
   }
   return "";
@@ -59,7 +73,8 @@ void write_model(const SolveContext& context, const Model& model, Outcome& outco
   const std::string& file = context.options.model_file;
   if (file.empty()) return;
   with_label(context, file, [&] {
-    return TVKwriteprob(context.environment.handle(), model.handle(), file.c_str(), nullptr);
+    return TVKwriteprob(context.environment.handle(), model.handle(), target(file).c_str(),
+                        target(file) == kOutput ? "LP" : nullptr);
   });
   outcome.written.push_back(file);
 }
@@ -68,15 +83,16 @@ void write_results(const SolveContext& context, const Model& model, Outcome& out
   const Options& options = context.options;
   EnvHandle env = context.environment.handle();
   if (!options.solution_file.empty() && outcome.has_values) {
+    const auto write = options.exact ? TVKsolwriteexact : TVKsolwrite;
     with_label(context, options.solution_file,
-               [&] { return TVKsolwrite(env, model.handle(), options.solution_file.c_str()); });
+               [&] { return write(env, model.handle(), target(options.solution_file).c_str()); });
     outcome.written.push_back(options.solution_file);
   } else if (!options.solution_file.empty()) {
     context.console.print_error("tovik: no solution to write to " + options.solution_file);
   }
   if (options.new_basis_file.empty()) return;
   with_label(context, options.new_basis_file,
-             [&] { return TVKmbasewrite(env, model.handle(), options.new_basis_file.c_str()); });
+             [&] { return TVKmbasewrite(env, model.handle(), target(options.new_basis_file).c_str()); });
   outcome.written.push_back(options.new_basis_file);
 }
 
@@ -91,10 +107,10 @@ ExitStatus convert(const Environment& environment, const Options& options) {
     refuse_dropped_text(model.read_warnings(), options.lenient);
     if (from == "-") environment.check(TVKchgprobname(environment.handle(), model.handle(), "stdin"));
     reading = false;
-    const bool to_output = to == "-";  // which has no name to tell the format: LP
+    const bool to_output = target(to) == kOutput;  // whose name tells no format: LP
     console.set_label(to_output ? "standard output" : to);
-    environment.check(TVKwriteprob(environment.handle(), model.handle(),
-                                   to_output ? "/dev/stdout" : to.c_str(), to_output ? "LP" : nullptr));
+    environment.check(
+        TVKwriteprob(environment.handle(), model.handle(), target(to).c_str(), to_output ? "LP" : nullptr));
     const std::string changed = to_output || is_lp_file(to) ? names_not_in_lp(model) : "";
     if (!changed.empty()) console.print_error("names that an LP file cannot hold were changed: " + changed);
     return ExitStatus::solved;

@@ -10,6 +10,9 @@ namespace tovik::cli {
  * against it. Asked before the solve: an answer that is nowhere written is lost. */
 std::string unwritable_target(const Options& options);
 
+/* Whether one of them is standard output, "-", which then belongs to it. */
+bool writes_to_output(const Options& options);
+
 /* The starting basis and the MIP start. */
 void read_starts(const SolveContext& context, const Model& model);
 

@@ -8,6 +8,7 @@
 #include "cli/input.h"
 #include "cli/solve/evidence.h"
 #include "cli/solve/files.h"
+#include "cli/solve/progress.h"
 #include "cli/solve/report.h"
 #include "cli/solve/violations.h"
 
@@ -24,8 +25,6 @@ class Stopwatch {
  private:
   std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
 };
-
-constexpr int kOptimizerThreads = 1;  // every optimizer of this version runs on the thread that calls it
 
 const char* method_name(int method) {
   switch (method) {
@@ -69,7 +68,7 @@ void read_model(const SolveContext& context, Model& model, const std::string& fi
 }
 
 void optimize(const SolveContext& context, Model& model, Outcome& outcome) {
-  outcome.threads = kOptimizerThreads;
+  const ProgressLines progress(context.environment, context.console);
   const Stopwatch watch;
   const int code = TVKlpopt(context.environment.handle(), model.handle());
   outcome.solve_seconds = watch.seconds();
@@ -105,6 +104,7 @@ void collect(const SolveContext& context, const Model& model, Outcome& outcome) 
   outcome.has_values = type != 0;
   outcome.feasible = type != 0 && (primal_feasible != 0 || is_optimal(*outcome.status));
   outcome.exit_status = exit_status_of(*outcome.status, outcome.feasible);
+  outcome.threads = model.threads();
   double ticks = 0;
   if (TVKgetticks(env, model.handle(), &ticks) == 0) outcome.ticks = ticks;
   if (outcome.exit_status == ExitStatus::unbounded) outcome.ray = ray_of(model, context.console);

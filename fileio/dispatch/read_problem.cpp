@@ -15,6 +15,7 @@
 #include "fileio/record/file_families.h"
 #include "fileio/record/recording_log.h"
 #include "fileio/sav/saved_problem.h"
+#include "fileio/stream/foreign.h"
 #include "include/tovik.h"
 #include "model/store/load.h"
 #include "param/hidden.h"
@@ -92,7 +93,9 @@ Status read_text(Environment& env, ByteSource& source, const char* name, Format 
   const ReadFailure failure =
       format == Format::lp ? read_lp(source, options, log, model) : read_mps(source, options, log, model);
   if (const Status s = close_source(env, source, bool(failure), name); !s.ok()) return s;
-  return failure ? report_failure(env, failure) : Status{};
+  if (!failure) return {};
+  tell_what_it_seems(env, name, Wanted::model);
+  return report_failure(env, failure);
 }
 
 /* Types that say 'C' only are dropped. */
@@ -158,7 +161,10 @@ Status read_problem(Environment& env, Problem& problem, const char* name, const 
     format = guess_format(source);
     const bool empty = source.look(1).empty();
     if (const Status s = empty ? close_source(env, source, false, name) : Status(); !s.ok()) return s;
-    if (format == Format::unknown) return TVK_ERROR_FILE_TYPE;
+    if (format == Format::unknown) {
+      tell_what_it_seems(env, name, Wanted::model);
+      return TVK_ERROR_FILE_TYPE;
+    }
   }
   if (format == Format::sav) return read_saved_problem(env, problem, source, name);
   if (format == Format::network) return read_network_problem(env, problem, source, name);

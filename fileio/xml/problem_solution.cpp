@@ -7,6 +7,7 @@
 #include "env/solution_access.h"
 #include "env/status_table.h"
 #include "fileio/record/channel_log.h"
+#include "fileio/stream/foreign.h"
 #include "fileio/stream/write_file.h"
 #include "include/tovik.h"
 #include "model/routines/check.h"
@@ -128,6 +129,7 @@ Status read_solution_file(Environment& env, const Problem& problem, const Soluti
     failure = read_start_text(source, *problem.model, log, solutions.emplace_back());
   }
   if (const Status s = close_source(env, source, bool(failure), file.name); !s.ok()) return s;
+  if (failure || found == 0) tell_what_it_seems(env, file.name, Wanted::solution);
   return failure ? report_failure(env, failure) : Status();
 }
 

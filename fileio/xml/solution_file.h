@@ -30,6 +30,7 @@ struct SolutionReport {
   std::span<const int> column_status, row_status;       // empty without a basis
   std::vector<std::pair<const char*, double>> quality;  // names and values, in their order
   WriteLevel level = WriteLevel::all;
+  bool all_digits = false;  // as many as read back as the same numbers, instead of 15
 };
 
 /* 1650 for a value that is not finite. */

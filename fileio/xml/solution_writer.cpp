@@ -191,6 +191,7 @@ void Writer::write_columns(const SolutionReport& report) {
 }
 
 int Writer::write(const SolutionReport& report) {
+  if (report.all_digits) xml_.use_all_digits();
   xml_.open_with_version(kRoot, kVersion);
   write_header(report);
   write_quality(report);

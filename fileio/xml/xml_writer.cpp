@@ -163,7 +163,8 @@ void XmlWriter::attribute(std::string_view name, int value) {
 void XmlWriter::attribute(std::string_view name, double value) {
   finite_ = finite_ && std::isfinite(value);
   start_attribute(name);
-  out_.advance_to(copy_text(write_general15(out_.room(kNumberText + 1), value), "\""));
+  char* to = out_.room(kNumberText + 1);
+  out_.advance_to(copy_text(all_digits_ ? write_shortest(to, value) : write_general15(to, value), "\""));
 }
 
 }  // namespace tovik::fileio

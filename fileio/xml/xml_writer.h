@@ -26,6 +26,8 @@ class XmlWriter {
   void attribute(std::string_view name, double value);
   void open_with_version(std::string_view name, std::string_view version);
 
+  /* From now on numbers have as many digits as read back as the same. */
+  void use_all_digits() { all_digits_ = true; }
   bool finite() const { return finite_; }
 
  private:
@@ -37,6 +39,7 @@ class XmlWriter {
   int level_ = 0;
   bool tall_ = false;
   bool finite_ = true;
+  bool all_digits_ = false;
 };
 
 }  // namespace tovik::fileio

@@ -3,6 +3,8 @@
 
 #include <cstdint>
 
+#include "lp/base/progress.h"
+
 namespace tovik::lp {
 
 enum class Stop { none, time_limit, tick_limit, user_abort };
@@ -13,10 +15,10 @@ class Control {
   virtual void log(const char* text) = 0;  // a complete text with its own newline, on the results channel
   virtual void flush() = 0;
   virtual void add_work(std::uint64_t ticks) = 0;
-  virtual double seconds() = 0;           // since the start of the call
-  virtual Stop poll() = 0;                // terminate flag and deterministic limit: cheap, each iteration
-  virtual Stop poll_clock() = 0;          // also reads the clock
-  virtual Stop iteration_callback() = 0;  // the LP callback, once per iteration
+  virtual double seconds() = 0;   // since the start of the call
+  virtual Stop poll() = 0;        // terminate flag and deterministic limit: cheap, each iteration
+  virtual Stop poll_clock() = 0;  // also reads the clock
+  virtual Stop iteration_callback(const ProgressSource& now) = 0;  // the LP callback, once per iteration
 };
 
 }  // namespace tovik::lp

@@ -2,11 +2,14 @@
 
 #include "env/channel.h"
 #include "env/handles.h"
+#include "model/store/model.h"
 
 namespace tovik::lp::run {
 
-EngineControl::EngineControl(Environment& env, Problem& problem, CalledFrom called_from)
-    : env_(env), problem_(problem), called_from_(called_from), start_(clock_seconds(env)) {}
+EngineControl::EngineControl(Environment& env, Problem& problem, CalledFrom called_from, Numbers numbers)
+    : env_(env), problem_(problem), called_from_(called_from), numbers_(numbers), start_(clock_seconds(env)) {
+  env.limits.note_thread();
+}
 
 void EngineControl::log(const char* text) {
   message(env_.results_channel, "%s", text);
@@ -34,8 +37,9 @@ Stop EngineControl::poll_clock() {
   return Stop::none;
 }
 
-Stop EngineControl::iteration_callback() {
+Stop EngineControl::iteration_callback(const ProgressSource& now) {
   if (env_.callbacks.lp == nullptr) return Stop::none;
+  const CallbackFrame frame(env_, &problem_, called_from_, numbers_, now, problem_.model->objective_sense());
   return env_.callbacks.lp(to_handle(&env_), &problem_, static_cast<int>(called_from_),
                            env_.callbacks.lp_handle) != 0
              ? Stop::user_abort

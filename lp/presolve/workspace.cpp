@@ -339,10 +339,16 @@ void Workspace::report(bool in_aggregator) {
   control.flush();
 }
 
+Progress Workspace::progress() const {
+  const int both = counts.substitutions;
+  return PresolveProgress{counts.rows_eliminated + both, counts.columns_eliminated + both, both,
+                          counts.bounds_improved};
+}
+
 bool Workspace::may_continue(bool in_aggregator) {
   if (done()) return false;
   if (display && control.seconds() - last_report_ > kReportSeconds) report(in_aggregator);
-  stop = control.iteration_callback();
+  stop = control.iteration_callback(*this);
   if (stop == Stop::none) stop = control.poll();
   if (stop == Stop::none) stop = control.poll_clock();
   return stop == Stop::none;

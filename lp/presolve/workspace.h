@@ -33,7 +33,7 @@ struct Activity {
   double most() const { return infinite_max > 0 ? kInf : max; }
 };
 
-class Workspace {
+class Workspace : public ProgressSource {
  public:
   /* The original outlives the workspace. protected_columns: empty, or one flag for each column. */
   Workspace(const LpData& original, const Settings& settings, Control& control,
@@ -113,6 +113,7 @@ class Workspace {
 
   /* Progress lines, LP callback and limits; false when presolve must stop. */
   bool may_continue(bool in_aggregator = false);
+  Progress progress() const override;
   bool display = true;
 
   /* The problem that is left, with the original index of each of its rows and columns. */

@@ -6,7 +6,7 @@
 
 #include "env/channel.h"
 #include "lp/simplex/core.h"
-#include "lp/verify/bounds.h"
+#include "lp/simplex/progress.h"
 #include "model/store/model.h"
 
 namespace tovik::lp::run {
@@ -21,25 +21,6 @@ std::int64_t next_log_point(std::int64_t count) {
   std::int64_t step = 100;
   while (step * 20 <= count) step *= 10;
   return (count / step + 1) * step;
-}
-
-/* What the first phase still has to remove: bound violations of the basic variables in the primal,
- * wrong-signed reduced costs in the dual. */
-double phase1_infeasibility(const simplex::Core& core, bool dual) {
-  double sum = 0;
-  if (dual) {
-    for (int j = 0; j < core.total(); ++j) {
-      if (!core.basis.nonbasic(j)) continue;
-      if (core.values.d(j) < 0 && core.model.upper(j) == kInf) sum -= core.values.d(j);
-      if (core.values.d(j) > 0 && core.model.lower(j) == -kInf) sum += core.values.d(j);
-    }
-    return sum;
-  }
-  for (int p = 0; p < core.m(); ++p) {
-    const int j = core.basis.head(p);
-    sum += verify::outside(core.values.x(p), core.model.lower(j), core.model.upper(j));
-  }
-  return sum;
 }
 
 std::string label(const model::NameTable& names, int k, char letter) {

@@ -157,7 +157,7 @@ class PresolvedRun {
       message(env_.results_channel, "DUAL formed by presolve\n");
     record_->optimizer.reset();
     const presolve::DualForm form = presolve::dualize(reduced);
-    EngineControl control(env_, problem_, CalledFrom::simplex);
+    EngineControl control(env_, problem_, CalledFrom::simplex, Numbers::of_dual_form);
     const Algorithm algorithm{algorithm_.method == Method::dual ? Method::primal : Method::dual,
                               algorithm_.sift};
     const RunContext context{env_, problem_, algorithm, control, nullptr};

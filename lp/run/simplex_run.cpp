@@ -229,7 +229,8 @@ Status run_simplex(Environment& env, Problem& problem, const Algorithm& algorith
   }
   if (env.callbacks.lp != nullptr) warm.solver.invalidate();  // it is called by the algorithms
   const Outcome outcome = warm.solver.solve(algorithm.method);
-  const std::unique_ptr<const SettledRun> settled = settle_run(warm.solver, outcome, control);
+  EngineControl auxiliary(env, problem, CalledFrom::simplex, Numbers::hidden);
+  const std::unique_ptr<const SettledRun> settled = settle_run(warm.solver, outcome, auxiliary);
   warm.solver.detach();
   write_statistics(warm.solver, continuation.before, statistics);
   if (settled != nullptr) statistics.simplex.counters.iterations += settled->iterations;

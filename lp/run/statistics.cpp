@@ -191,6 +191,10 @@ const OptimizationStatistics* kept_statistics(const Problem& problem) {
   return &static_cast<const KeptStatistics*>(problem.statistics.get())->value;
 }
 
+void note_threads(Problem& problem, int count) {
+  if (problem.statistics != nullptr) statistics_of(problem).threads = count;
+}
+
 PresolveStatistics statistics_of(const Presolved& record) {
   const auto size = [](const LpData& lp) {
     return ModelSize{lp.num_rows(), lp.num_columns(), static_cast<std::int64_t>(lp.matrix.index.size())};
@@ -209,6 +213,7 @@ std::string json_text(const OptimizationStatistics& statistics) {
   write_simplex(out, statistics.simplex);
   write_factor(out, statistics.simplex);
   write_ticks(out, statistics);
+  out.count("threads", statistics.threads);
   out.close();
   return out.release();
 }

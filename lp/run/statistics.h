@@ -29,6 +29,7 @@ struct PresolveStatistics {
 struct OptimizationStatistics {
   std::optional<PresolveStatistics> presolve;  // where it ran, or had run before
   simplex::Statistics simplex;
+  int threads = 0;  // that worked
 };
 
 /* As it hangs on a problem. */
@@ -40,6 +41,9 @@ struct KeptStatistics : Derived {
 OptimizationStatistics& statistics_of(Problem& problem);
 /* ... or null. */
 const OptimizationStatistics* kept_statistics(const Problem& problem);
+
+/* Of the problem's last optimization, where it has come so far that there are statistics. */
+void note_threads(Problem& problem, int count);
 
 PresolveStatistics statistics_of(const Presolved& record);
 

@@ -6,6 +6,8 @@
 #include <cstdio>
 #include <utility>
 
+#include "lp/simplex/progress.h"
+
 namespace tovik::lp::simplex {
 
 namespace {
@@ -374,10 +376,10 @@ double Core::original_dual_bound() {
   return bound;
 }
 
-bool Core::must_stop(std::int64_t iteration_end, Outcome& outcome) {
+bool Core::must_stop(const Standing& at, std::int64_t iteration_end, Outcome& outcome) {
   constexpr int kClockEvery = 100;
   report_work();
-  Stop stop = control->iteration_callback();
+  Stop stop = control->iteration_callback(CoreProgress(*this, at));
   if (stop == Stop::none) {
     if (counters.iterations >= std::min(options.iteration_limit, iteration_end)) {
       outcome = Outcome::iteration_limit;

@@ -52,6 +52,12 @@ class Density {
 
 inline constexpr std::int64_t kUnlimited = std::int64_t{1} << 60;  // iterations or ticks
 
+/* What an algorithm knows of where it stands beyond the state of the core. */
+struct Standing {
+  bool dual, phase1;
+  double objective;  // running value of the minimization form, in phase 2
+};
+
 enum class FactorState { good, repaired, singular };
 
 class Core {
@@ -222,7 +228,7 @@ class Core {
   std::int64_t total_work() const { return work_done + factor.work(); }
   /* Asked before each iteration: reports the work, calls the callback, looks at limits, at the control and
    * now and then at the clock. True: stop with `outcome`. */
-  bool must_stop(std::int64_t iteration_end, Outcome& outcome);
+  bool must_stop(const Standing& at, std::int64_t iteration_end, Outcome& outcome);
   /* Hands the work since the last call to the control. */
   void report_work() {
     const std::int64_t done = total_work();

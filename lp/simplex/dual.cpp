@@ -243,7 +243,7 @@ bool Dual::check_limits() {
     stop_ = Outcome::objective_limit;
     return true;
   }
-  return core_.must_stop(iteration_end_, stop_);
+  return core_.must_stop({true, phase1_, objective_}, iteration_end_, stop_);
 }
 
 }  // namespace tovik::lp::simplex

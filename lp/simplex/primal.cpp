@@ -282,7 +282,7 @@ bool Primal::check_limits() {
     wanted_ = Rebuild::recompute;
     return false;
   }
-  return core_.must_stop(iteration_end_, stop_);
+  return core_.must_stop({false, phase1_, objective_}, iteration_end_, stop_);
 }
 
 /* gain: decrease of the function being minimized in the last step. */

@@ -39,7 +39,7 @@ class CountingControl : public Control {
   double seconds() override { return control_.seconds(); }
   Stop poll() override { return control_.poll(); }
   Stop poll_clock() override { return control_.poll_clock(); }
-  Stop iteration_callback() override { return control_.iteration_callback(); }
+  Stop iteration_callback(const ProgressSource& now) override { return control_.iteration_callback(now); }
 
  private:
   Control& control_;

@@ -2,8 +2,11 @@
 #include <gtest/gtest.h>
 #include <tovik.h>
 
+#include <algorithm>
 #include <cmath>
+#include <fstream>
 #include <limits>
+#include <regex>
 #include <string>
 #include <vector>
 
@@ -55,6 +58,54 @@ class Parameters : public testing::Test {
   ChannelHandle results_channel_ = nullptr, warning_channel_ = nullptr, error_channel_ = nullptr;
   std::string results_, errors_;
 };
+
+/* Of a line of the header: type, default and ends of the range behind a parameter. */
+const std::regex kDocumented(
+    R"(#define TVK_PARAM_(\w+) +(\d{4}) /\* (int|double|string) (\S+?)(, any|, (\S+) to (\S+)|, from (\S+))?(; stored only)? \*/)");
+
+TEST_F(Parameters, TheHeaderTellsTypeDefaultAndRangeOfEachAsTheTableHasThem) {
+  std::ifstream header(TOVIK_SOURCE_DIR "/include/tovik.h");
+  int defined = 0;
+  for (std::string line; std::getline(header, line);) {
+    if (!line.starts_with("#define TVK_PARAM_") || line.find("_MAX ") != std::string::npos) continue;
+    SCOPED_TRACE(line);
+    std::smatch told;
+    ASSERT_TRUE(std::regex_match(line, told, kDocumented));
+    ++defined;
+    const int number = std::stoi(told[2]);
+    int type = 0;
+    char description[TVK_PARAM_DESC_MAX];
+    ASSERT_EQ(TVKgetparamtype(env_, number, &type), 0);
+    ASSERT_EQ(TVKgetparamdesc(env_, number, description), 0);
+    EXPECT_EQ(told[9].matched, std::string(description).starts_with("Stored, without effect"));
+    if (type == TVK_PARAMTYPE_STRING) {
+      char text[TVK_STR_PARAM_MAX];
+      ASSERT_EQ(TVKinfostrparam(env_, number, text), 0);
+      EXPECT_EQ(told[3], "string");
+      EXPECT_EQ(told[4], '"' + std::string(text) + '"');
+      continue;
+    }
+    double values[3];
+    if (type == TVK_PARAMTYPE_INT) {
+      int whole[3];
+      ASSERT_EQ(TVKinfointparam(env_, number, &whole[0], &whole[1], &whole[2]), 0);
+      std::copy(whole, whole + 3, values);
+    } else {
+      ASSERT_EQ(TVKinfodblparam(env_, number, &values[0], &values[1], &values[2]), 0);
+    }
+    EXPECT_EQ(told[3], type == TVK_PARAMTYPE_INT ? "int" : "double");
+    EXPECT_EQ(std::stod(told[4]), values[0]);
+    if (told[8].matched) {  // up to what the machine has
+      EXPECT_EQ(std::stod(told[8]), values[1]);
+    } else if (told[5] == ", any") {
+      EXPECT_EQ(values[1], values[2]);
+    } else {
+      EXPECT_EQ(std::stod(told[6]), values[1]);
+      EXPECT_EQ(std::stod(told[7]), values[2]);
+    }
+  }
+  EXPECT_GT(defined, 100);
+}
 
 TEST_F(Parameters, NumbersOutsideTheBlocksAreRefusedAndGapsInsideHaveNoType) {
   for (int number :

@@ -27,6 +27,38 @@ const char kInteger[] =
     "Maximize\n c: x + y\nSubject To\n a: 2 x + 2 y <= 5\nBounds\n x <= 9\n y <= 9\nGenerals\n x y\nEnd\n";
 const char kMalformed[] = "Minimize\n c: x\nSubject To\n a: x + + >= >= 2\nEnd\n";
 
+/* What a file that cannot be read seems to be, told by its form. */
+TEST_F(Program, FilesOfOtherProgramsAreNamed) {
+  write("model.lp", "Maximize\n obj: x\nSubject To\n c: x + y <= 4\nEnd\n");
+  const struct {
+    const char *text, *as_model, *as_solution;
+  } files[] = {
+      {"<?xml version=\"1.0\"?>\n<!-- of ours -->\n<AnswerSolution version=\"1\">\n<x/>\n</AnswerSolution>\n",
+       "an XML solution file of another program (its first element is 'AnswerSolution')",
+       "an XML solution file of another program (its first element is 'AnswerSolution')"},
+      {"<!DOCTYPE html>\n<html><body>404</body></html>\n", "an HTML page", "an HTML page"},
+      {"<TOVIKSolution version=\"1\"><header objectiveValue=\"1\"/></TOVIKSolution>\n",
+       "a solution file, which holds no model", nullptr},
+      {"# Objective value = 4\nx 4\ny 0\n", "a listing of a solution", "a listing of a solution"},
+      {"Optimal - objective value 4.0\n  0 x  4  0\n", "a listing of a solution", "a listing of a solution"},
+      {"{\"status\": \"optimal\", \"x\": 4}\n", "a JSON document", "a JSON document"},
+      {"Maximize\n obj: x +\nSubject To\n c: x <= <= 4\nEnd\n", nullptr, "a model, not a solution"},
+  };
+  for (const auto& file : files) {
+    SCOPED_TRACE(file.text);
+    write("other.sol", file.text);
+    write("other.lp", file.text);
+    for (const Result& result : {run({"other.sol"}), run({"other.lp"})}) {
+      EXPECT_EQ(result.exit, 7);
+      EXPECT_EQ(contains(result.err, "seems to be"), file.as_model != nullptr) << result.err;
+      EXPECT_TRUE(file.as_model == nullptr || contains(result.err, file.as_model)) << result.err;
+    }
+    const Result verified = run({"verify", "model.lp", "other.sol"});
+    EXPECT_EQ(contains(verified.err, "seems to be"), file.as_solution != nullptr) << verified.err;
+    EXPECT_TRUE(file.as_solution == nullptr || contains(verified.err, file.as_solution)) << verified.err;
+  }
+}
+
 TEST_F(Program, AnswersGiveTheirExitStatus) {
   const struct {
     const char* text;

@@ -1,6 +1,7 @@
 /* How the program `tovik` is called: options, settings and parameter files, help, wrong usage, and what is installed
  * beside it. */
 #include <algorithm>
+#include <sstream>
 
 #include "support/program_fixture.h"
 
@@ -44,6 +45,7 @@ TEST_F(Program, ErrorsOfParameterFilesTellLineAndName) {
 TEST_F(Program, HelpKnowsVerbsAndNearNames) {
   EXPECT_EQ(run({"help", "check"}).out, run({"check", "--help"}).out);
   EXPECT_EQ(run({"help"}).out, run({"--help"}).out);
+  EXPECT_EQ(run({"help", "help"}).out, run({"--help"}).out);
   EXPECT_FALSE(contains(run({"help", "convert"}).out, "--time-limit"));
   const struct {
     Words words;
@@ -62,6 +64,15 @@ TEST_F(Program, HelpKnowsVerbsAndNearNames) {
   EXPECT_TRUE(contains(version, "\ncommit ") && contains(version, "\nlicence Apache-2.0")) << version;
 }
 
+/* A line that holds `part` and ends with `end`. */
+bool has_line(const std::string& text, const std::string& part, const std::string& end) {
+  std::istringstream lines(text);
+  for (std::string line; std::getline(lines, line);) {
+    if (contains(line, part) && line.ends_with(end)) return true;
+  }
+  return false;
+}
+
 /* What is installed beside the program knows every option that it has. */
 TEST_F(Program, ManualPageAndCompletionsKnowEveryOption) {
   const fs::path share = fs::path(TOVIK_SOURCE_DIR) / "cli/share";
@@ -76,8 +87,9 @@ TEST_F(Program, ManualPageAndCompletionsKnowEveryOption) {
       return begin == std::string::npos ? "" : text.substr(begin, text.find('\n', begin) - begin) + " ";
     };
     const std::string of_bash = line_of(bash, std::string("    ") + verb + ") options="),
-                      of_zsh = line_of(zsh, std::string("  (") + verb + ") options=");
+                      of_zsh = line_of(zsh, std::string("  (") + verb + ") known=");
     const std::string help = run({"help", verb}).out;
+    const std::string of_fish = std::string("-n \"__tovik_verb ") + verb + "\"";
     int options = 0;
     for (std::size_t at = help.find("--"); at != std::string::npos; at = help.find("--", at + 2)) {
       if (at < 2 || (help[at - 1] != ',' && help.compare(at - 3, 3, "\n  ") != 0)) continue;
@@ -86,9 +98,38 @@ TEST_F(Program, ManualPageAndCompletionsKnowEveryOption) {
       EXPECT_TRUE(contains(manual, "fB" + option + "fR")) << option;
       EXPECT_TRUE(contains(of_bash, option)) << verb << ' ' << option;
       EXPECT_TRUE(contains(of_zsh, option)) << verb << ' ' << option;
-      EXPECT_TRUE(contains(fish, "-l " + option.substr(2) + "\n") || option == "--method") << option;
+      EXPECT_TRUE(has_line(fish, of_fish, " -l " + option.substr(2))) << verb << ' ' << option;
     }
     EXPECT_GE(options, 3) << verb;
+  }
+}
+
+/* The completions as the shells run them, where these are installed. */
+TEST_F(Program, ShellsCompleteVerbsAndOptions) {
+  const std::string share = TOVIK_SOURCE_DIR "/cli/share/";
+  const auto shell = [&](const std::string& command) {
+    const std::string output = (folder_ / "completed").string();
+    return std::system(
+               ("cd '" + folder_.string() + "' && HOME=. " + command + " >" + output + " 2>&1").c_str()) == 0
+               ? contents(output)
+               : std::string();
+  };
+  write("solver.lp", kOptimal);
+  if (std::system("command -v fish >/dev/null") == 0) {
+    const auto completed = [&](const std::string& line) {
+      return shell("fish --no-config -c 'source " + share + "tovik.fish; complete -C \"" + line + "\"'");
+    };
+    EXPECT_EQ(completed("tovik so"), "solve\nsolver.lp\n");
+    EXPECT_EQ(completed("tovik check --s"), "--set\n--strict\n");
+    EXPECT_EQ(completed("tovik help c"), "check\nconvert\n");
+    EXPECT_EQ(completed("tovik --method d"), "dual\n");
+  }
+  const std::string bash =
+      shell("bash -c 'source " + share +
+            "tovik.bash; COMP_WORDS=(tovik check --s); COMP_CWORD=2; _tovik; echo ${COMPREPLY[@]}'");
+  EXPECT_EQ(bash, "--strict --set\n");
+  if (std::system("command -v zsh >/dev/null") == 0) {
+    EXPECT_EQ(shell("zsh -n " + share + "_tovik && echo sound"), "sound\n");
   }
 }
 

@@ -54,6 +54,7 @@ class Statistics : public support::WithSolves {
     const Json &simplex = s["simplex"], &dual = simplex["dual"], &primal = simplex["primal"];
     const int sifting = simplex["sifting"]["iterations"];
     EXPECT_EQ(simplex["iterations"], TVKgetitcnt(env_, lp));
+    EXPECT_EQ(s["threads"], 1) << "the caller's";
     EXPECT_EQ(iterations(dual) + iterations(primal) + sifting, TVKgetitcnt(env_, lp));
     EXPECT_EQ(dual["phase1_iterations"].get<int>() + primal["phase1_iterations"].get<int>(),
               TVKgetphase1cnt(env_, lp));

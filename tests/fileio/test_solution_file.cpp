@@ -92,6 +92,25 @@ TEST_F(SolutionFile, TextOfASolution) {
   EXPECT_TRUE(content("c.sol").ends_with(" <variables>\n </variables>\n</TOVIKSolution>\n"));
 }
 
+TEST_F(SolutionFile, EveryDigitComesBackWhereItIsAskedFor) {
+  load("max x + y\nst\n a: 3 x <= 1\n b: 7 y <= 1\nend\n");
+  ASSERT_EQ(TVKdualopt(env_, lp_), 0);
+  double x[2], read[2];
+  ASSERT_EQ(TVKgetx(env_, lp_, x, 0, 1), 0);
+  const auto values_of = [&](const char* name) {
+    EXPECT_EQ(TVKreadsolution(env_, lp_, path(name).c_str(), 0, nullptr, nullptr, nullptr, nullptr, read,
+                              nullptr, nullptr, nullptr, nullptr, nullptr),
+              0);
+  };
+  ASSERT_EQ(TVKsolwrite(env_, lp_, path("short.sol").c_str()), 0);
+  values_of("short.sol");
+  EXPECT_TRUE(read[0] != x[0] || read[1] != x[1]) << "15 digits tell neither of them";
+  ASSERT_EQ(TVKsolwriteexact(env_, lp_, path("exact.sol").c_str()), 0);
+  values_of("exact.sol");
+  EXPECT_EQ(read[0], x[0]);
+  EXPECT_EQ(read[1], x[1]);
+}
+
 TEST_F(SolutionFile, MipStartsComeBack) {
   load_mip();
   EXPECT_EQ(TVKwritemipstarts(env_, lp_, path("a.mst").c_str(), 0, 0), 3020);

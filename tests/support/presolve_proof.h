@@ -33,7 +33,7 @@ class QuietControl : public Control {
   double seconds() override { return 0; }
   Stop poll() override { return allowed_-- > 0 ? Stop::none : Stop::user_abort; }
   Stop poll_clock() override { return poll(); }
-  Stop iteration_callback() override { return poll(); }
+  Stop iteration_callback(const tovik::lp::ProgressSource&) override { return poll(); }
 
  private:
   std::int64_t allowed_;

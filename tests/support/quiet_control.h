@@ -17,7 +17,7 @@ class QuietControl : public tovik::lp::Control {
   double seconds() override { return 0; }
   Stop poll() override { return polls++ < allowed ? Stop::none : Stop::user_abort; }
   Stop poll_clock() override { return Stop::none; }
-  Stop iteration_callback() override { return Stop::none; }
+  Stop iteration_callback(const tovik::lp::ProgressSource&) override { return Stop::none; }
   std::int64_t polls = 0, allowed;
 };
 

@@ -1,0 +1,86 @@
+#include "cli/solve/progress.h"
+
+#include <algorithm>
+#include <optional>
+
+#include "cli/text.h"
+
+namespace tovik::cli {
+
+namespace {
+
+constexpr double kFirst = 1.0, kLeastBetween = 2.0, kMostBetween = 60.0;  // seconds
+constexpr double kShareBetween = 0.1;                                     // of the time so far
+constexpr int kInSimplex = 1, kInPresolve = 7;
+
+/* One callback's answers. */
+class Asked {
+ public:
+  Asked(ConstEnvHandle env, void* cbdata, int wherefrom)
+      : env_(env), cbdata_(cbdata), wherefrom_(wherefrom) {}
+
+  int count(int item) const {
+    int value = 0;
+    return TVKgetcallbackinfo(env_, cbdata_, wherefrom_, item, &value) == 0 ? value : 0;
+  }
+  /* Nothing where the method does not have the number. */
+  std::optional<double> number(int item) const {
+    double value = TVK_INFBOUND;
+    if (TVKgetcallbackinfo(env_, cbdata_, wherefrom_, item, &value) != 0 || value >= TVK_INFBOUND) return {};
+    return value;
+  }
+
+ private:
+  ConstEnvHandle env_;
+  void* cbdata_;
+  int wherefrom_;
+};
+
+std::string simplex_text(const Asked& asked) {
+  const int phase = asked.count(TVK_CALLBACK_INFO_PHASE);
+  if (phase == 0) return "making sure of the answer";
+  std::string text =
+      format("%s phase %d, iteration %d", asked.count(TVK_CALLBACK_INFO_METHOD) == 2 ? "dual" : "primal",
+             phase, asked.count(TVK_CALLBACK_INFO_ITERATIONS));
+  if (const auto objective = asked.number(TVK_CALLBACK_INFO_OBJECTIVE))
+    text += format(", objective %.9g", *objective);
+  if (const auto primal = asked.number(TVK_CALLBACK_INFO_PRIMAL_INFEAS))
+    text += format(", primal infeasibility %.3g", *primal);
+  if (const auto dual = asked.number(TVK_CALLBACK_INFO_DUAL_INFEAS))
+    text += format(", dual infeasibility %.3g", *dual);
+  return text;
+}
+
+std::string presolve_text(const Asked& asked) {
+  return "presolve, " + counted(asked.count(TVK_CALLBACK_INFO_ROWS_REMOVED), "row") + " and " +
+         counted(asked.count(TVK_CALLBACK_INFO_COLUMNS_REMOVED), "column") + " removed";
+}
+
+}  // namespace
+
+ProgressLines::ProgressLines(const Environment& environment, Console& console)
+    : environment_(environment), console_(console), next_(kFirst) {
+  environment.check(TVKsetlpcallbackfunc(environment.handle(), on_call, this));
+}
+
+ProgressLines::~ProgressLines() {
+  TVKsetlpcallbackfunc(environment_.handle(), nullptr, nullptr);
+}
+
+int ProgressLines::on_call(ConstEnvHandle env, void* cbdata, int wherefrom, void* self) {
+  auto& lines = *static_cast<ProgressLines*>(self);
+  const double seconds =
+      std::chrono::duration<double>(std::chrono::steady_clock::now() - lines.begin_).count();
+  if (seconds >= lines.next_) lines.tell(env, cbdata, wherefrom, seconds);
+  return 0;
+}
+
+void ProgressLines::tell(ConstEnvHandle env, void* cbdata, int wherefrom, double seconds) {
+  next_ = seconds + std::clamp(kShareBetween * seconds, kLeastBetween, kMostBetween);
+  const Asked asked(env, cbdata, wherefrom);
+  if (wherefrom != kInSimplex && wherefrom != kInPresolve) return;
+  console_.progress(format("%8.1f s  ", seconds) +
+                    (wherefrom == kInSimplex ? simplex_text(asked) : presolve_text(asked)) + "\n");
+}
+
+}  // namespace tovik::cli

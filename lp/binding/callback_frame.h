@@ -1,0 +1,51 @@
+/* What a running LP callback may ask for: numbers of where the engine stands, in the user's sense of objective. It lives
+ * while the callback runs, known to the environment, and computes the numbers when the first one is asked for. */
+#pragma once
+
+#include <optional>
+
+#include "env/environment.h"
+#include "lp/base/progress.h"
+
+namespace tovik::lp::run {
+
+/* What the LP callback is told about where it is called from. */
+enum class CalledFrom { simplex = 1, presolve = 7 };
+
+/* Which problem an engine's numbers speak of. */
+enum class Numbers {
+  of_problem,
+  of_dual_form,  // its objective is the negative one, and primal and dual change places
+  hidden,        // of an auxiliary problem, which means nothing to the caller
+};
+
+class CallbackFrame {
+ public:
+  CallbackFrame(Environment& env, const void* cbdata, CalledFrom from, Numbers numbers,
+                const ProgressSource& source, double objective_sense);
+  ~CallbackFrame() { env_.callback_frame = outer_; }
+  CallbackFrame(const CallbackFrame&) = delete;
+  CallbackFrame& operator=(const CallbackFrame&) = delete;
+
+  /* Whether it is the frame of this context; the pointer is only compared. */
+  bool belongs_to(const void* cbdata, int wherefrom) const {
+    return cbdata == cbdata_ && wherefrom == static_cast<int>(from_);
+  }
+  /* Writes an int or a double, TVK_CALLBACK_INFO_..; 1003 for what the context does not have. */
+  Status write(int item, void* result);
+
+ private:
+  void measure();
+  Status write_simplex(int item, const SimplexProgress& now, void* result) const;
+
+  Environment& env_;
+  CallbackFrame* outer_;  // of the callback that optimizes another problem
+  const void* cbdata_;
+  CalledFrom from_;
+  Numbers numbers_;
+  const ProgressSource& source_;
+  double objective_sense_;
+  std::optional<Progress> measured_;
+};
+
+}  // namespace tovik::lp::run
