@@ -13,6 +13,7 @@ class OptimizerFrame {
   explicit OptimizerFrame(Environment& env) : env_(env) {
     env.limits.push(clock_seconds(env), env.settings.real(TVK_PARAM_TILIM), env.work->ticks,
                     env.settings.real(param::kTickLimit));
+    env.limits.note_thread();
   }
   ~OptimizerFrame() { env_.limits.pop(); }
   OptimizerFrame(const OptimizerFrame&) = delete;
