@@ -1,0 +1,206 @@
+#include "mip/branching/branching.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "mip/domain/point.h"
+
+namespace tovik::mip {
+namespace {
+
+constexpr double kReliable = 8;                // observations in each direction
+constexpr double kLeastGain = 1e-6;            // a gain of 0 must not erase the other direction
+constexpr int kLookahead = 9;                  // candidates without a new best that end strong branching
+constexpr double kStrongShare = 0.5;           // of the tree's iterations
+constexpr std::int64_t kStrongStart = 100000;  // iterations at once
+constexpr double kInferenceWeight = 1e-3, kCutoffWeight = 1e-3;
+
+double product(double down, double up) {
+  return std::max(down, kLeastGain) * std::max(up, kLeastGain);
+}
+
+double of_average(double value, double average) {
+  return value / (value + average + kLeastGain);
+}
+
+/* Breaks ties without a preference for low indices. */
+std::uint64_t shuffled(int j) {
+  std::uint64_t v = static_cast<std::uint64_t>(j) * 0x9e3779b97f4a7c15ULL;
+  return (v ^ (v >> 29)) * 0xbf58476d1ce4e5b9ULL;
+}
+
+}  // namespace
+
+Shortfall find_shortfall(const Worker& worker, std::span<const double> x) {
+  const Problem& problem = worker.global.problem;
+  const Tolerances& tolerances = worker.global.settings.tolerances;
+  Shortfall result;
+  for (const int j : worker.global.integer_columns) {
+    if (fractionality(x[j]) > tolerances.integrality) result.fractions.push_back({j, x[j]});
+  }
+  const auto each = [&](const auto& objects, std::vector<int>& lacking) {
+    for (std::size_t k = 0; k < objects.size(); ++k) {
+      if (violation(objects[k], x) > tolerances.feasibility) lacking.push_back(static_cast<int>(k));
+    }
+  };
+  each(problem.semi_columns, result.semi_columns);
+  each(problem.sets, result.sets);
+  each(problem.indicators, result.indicators);
+  return result;
+}
+
+Branching BranchingRule::split(const Worker& worker, int column, double value) {
+  Branching b;
+  const double lower = worker.domain.lower(column), upper = worker.domain.upper(column);
+  double floor = std::floor(value);
+  if (floor >= upper) floor = upper - 1;
+  if (floor < lower) floor = lower;
+  b.children[0].changes.push_back({column, Side::upper, floor});
+  b.children[0].record = {column, Direction::down, value - floor};
+  b.children[1].changes.push_back({column, Side::lower, floor + 1});
+  b.children[1].record = {column, Direction::up, floor + 1 - value};
+  return b;
+}
+
+/* Only the highest class of the caller's priorities competes. */
+void BranchingRule::keep_highest_priority(std::vector<Fraction>& fractions) const {
+  const std::vector<Priority>& priorities = global_.problem.priorities;
+  if (priorities.empty() || fractions.empty()) return;
+  int highest = priorities[fractions.front().column].level;
+  for (const Fraction& f : fractions) highest = std::max(highest, priorities[f.column].level);
+  std::erase_if(fractions, [&](const Fraction& f) { return priorities[f.column].level < highest; });
+}
+
+std::vector<BranchingRule::Scored> BranchingRule::score(const Worker& worker,
+                                                        const std::vector<Fraction>& fractions,
+                                                        const PseudoCosts& costs) const {
+  std::vector<Scored> result;
+  result.reserve(fractions.size());
+  const double average = costs.average_gain();
+  for (const Fraction& f : fractions) {
+    const double down = f.value - std::floor(f.value), up = 1 - down;
+    double s = 0;
+    switch (worker.global.settings.variable_rule) {
+      case -1:
+        s = -std::min(down, up);
+        break;
+      case 1:
+        s = std::min(down, up);
+        break;
+      default: {
+        const double gain =
+            product(costs.gain(f.column, Direction::down) * down, costs.gain(f.column, Direction::up) * up);
+        const double inference =
+            product(costs.inference(f.column, Direction::down), costs.inference(f.column, Direction::up));
+        const double cutoff =
+            product(costs.cutoff(f.column, Direction::down), costs.cutoff(f.column, Direction::up));
+        const auto square = [](double v) { return v * v; };
+        s = of_average(gain, square(average) / 4) +
+            kInferenceWeight * of_average(inference, square(costs.average_inference())) +
+            kCutoffWeight * of_average(cutoff, square(costs.average_cutoff()));
+      }
+    }
+    result.push_back({f, s});
+  }
+  std::sort(result.begin(), result.end(), [](const Scored& a, const Scored& b) {
+    return a.score != b.score ? a.score > b.score : shuffled(a.fraction.column) < shuffled(b.fraction.column);
+  });
+  return result;
+}
+
+/* 0 down, 1 up: by the caller, the parameter, or towards the root's solution where the branch moves more. */
+int BranchingRule::first_child(const Worker& worker, const Fraction& f) const {
+  const std::vector<Priority>& priorities = global_.problem.priorities;
+  if (!priorities.empty() && priorities[f.column].direction != 0)
+    return priorities[f.column].direction > 0 ? 1 : 0;
+  if (global_.settings.first_direction != 0) return global_.settings.first_direction > 0 ? 1 : 0;
+  const double up_share = f.value - std::floor(f.value);
+  if (root_values_.empty()) return up_share > 0.5 ? 1 : 0;
+  const double move = root_values_[f.column] - f.value;
+  const double up = (1 + global_.pseudo_costs.inference(f.column, Direction::up)) * std::max(0.0, 1 + move);
+  const double down =
+      (1 + global_.pseudo_costs.inference(f.column, Direction::down)) * std::max(0.0, 1 - move);
+  if (up != down) return up > down ? 1 : 0;
+  (void)worker;
+  return up_share > 0.5 ? 1 : 0;
+}
+
+Branching BranchingRule::on_columns(Worker& worker, std::span<const double> x,
+                                    const std::vector<Fraction>& fractions, double node_objective,
+                                    PseudoCosts& seen) {
+  const Settings& settings = worker.global.settings;
+  const std::vector<Scored> candidates = score(worker, fractions, seen);
+  const bool probes = settings.variable_rule == 0 || settings.variable_rule == 3;
+  const bool always = settings.variable_rule == 3;
+  const double limit = kStrongShare * static_cast<double>(worker.iterations) + kStrongStart;
+  const std::int64_t per_probe = settings.strong_iterations > 0 ? settings.strong_iterations : 100;
+  const int lookahead = std::max(kLookahead, always ? settings.strong_candidates : 0);
+
+  std::size_t best = 0;
+  double best_score = -1;
+  std::array<double, 2> best_bounds{-kInf, -kInf};
+  int without_best = 0;
+  const double root = std::max(1e-9, std::fabs(node_objective) * 1e-12);
+  for (std::size_t k = 0; probes && k < candidates.size(); ++k) {
+    const Fraction f = candidates[k].fraction;
+    const double down = f.value - std::floor(f.value), up = 1 - down;
+    std::array<double, 2> gains{seen.gain(f.column, Direction::down) * down,
+                                seen.gain(f.column, Direction::up) * up};
+    std::array<double, 2> bounds{-kInf, -kInf};
+    const bool reliable = !always && std::min(seen.observations(f.column, Direction::down),
+                                              seen.observations(f.column, Direction::up)) >= kReliable;
+    if (!reliable && static_cast<double>(strong_iterations_) < limit) {
+      for (const Direction d : {Direction::down, Direction::up}) {
+        const bool is_up = d == Direction::up;
+        lp::simplex::Limits limits;
+        limits.iterations = per_probe;
+        limits.cutoff = worker.global.cutoff;
+        const double bound = is_up ? std::ceil(f.value) : std::floor(f.value);
+        const lp::simplex::BranchBound found = worker.relaxation->probe(
+            worker.control, f.column, bound, is_up ? lp::simplex::Side::up : lp::simplex::Side::down, limits);
+        strong_iterations_ += found.iterations;
+        if (worker.control.poll() != lp::Stop::none || worker.control.poll_clock() != lp::Stop::none)
+          return {Branching::Kind::stopped, {}, 0};
+        const bool is_cut = found.bound >= worker.global.cutoff;
+        seen.add_cutoff(f.column, d, is_cut);
+        if (is_cut) {
+          worker.domain.tighten(f.column, is_up ? Side::upper : Side::lower, is_up ? bound - 1 : bound + 1,
+                                {Reason::Kind::probing, f.column});
+          return {worker.domain.is_infeasible() ? Branching::Kind::infeasible : Branching::Kind::tightened,
+                  {},
+                  0};
+        }
+        const double gain = std::max(0.0, found.bound - node_objective);
+        if (found.outcome == lp::Outcome::optimal) seen.add_gain(f.column, d, is_up ? up : down, gain);
+        gains[is_up ? 1 : 0] = gain;
+        bounds[is_up ? 1 : 0] = found.bound;
+      }
+    }
+    const double s = product(gains[0], gains[1]) + root * candidates[k].score;
+    if (s > best_score) {
+      best_score = s;
+      best = k;
+      best_bounds = bounds;
+      without_best = 0;
+    } else if (++without_best >= lookahead) {
+      break;
+    }
+  }
+  const Fraction f = candidates[best].fraction;
+  Branching b = split(worker, f.column, f.value);
+  b.children[0].bound = best_bounds[0];
+  b.children[1].bound = best_bounds[1];
+  b.first = first_child(worker, f);
+  (void)x;
+  return b;
+}
+
+Branching BranchingRule::choose(Worker& worker, std::span<const double> x, const Shortfall& shortfall,
+                                double node_objective, PseudoCosts& seen) {
+  if (shortfall.fractions.empty()) return branch_on_object(worker, x, shortfall);
+  std::vector<Fraction> fractions = shortfall.fractions;
+  keep_highest_priority(fractions);
+  return on_columns(worker, x, fractions, node_objective, seen);
+}
+
+}  // namespace tovik::mip

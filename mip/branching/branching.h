@@ -1,0 +1,79 @@
+/* Where to branch when the relaxation's solution is no solution.
+ *
+ * Columns: reliability branching (Achterberg, Koch, Martin, Oper. Res. Letters 33 (2005)): pseudo-costs where there is
+ * enough history, strong branching by bounded dual simplex runs where there is not, the best product of the two gains.
+ * Objects are branched on as they are: semi-continuous columns into 0 and the interval, sets into their two ends, indicators
+ * by their switch, or a fixed slack. Each child is a list of bound changes. */
+#pragma once
+
+#include <array>
+#include <vector>
+
+#include "mip/branching/branch.h"
+#include "mip/worker/worker.h"
+
+namespace tovik::mip {
+
+struct Fraction {
+  int column;
+  double value;
+};
+
+/* What the point lacks. */
+struct Shortfall {
+  std::vector<Fraction> fractions;                  // integer columns, ascending
+  std::vector<int> semi_columns, sets, indicators;  // objects that do not hold
+  int count() const {
+    return static_cast<int>(fractions.size() + semi_columns.size() + sets.size() + indicators.size());
+  }
+};
+
+Shortfall find_shortfall(const Worker& worker, std::span<const double> x);
+
+struct Child {
+  std::vector<NodeChange> changes;
+  BranchRecord record;
+  double bound = -kInf;  // known from strong branching
+};
+
+struct Branching {
+  enum class Kind { branched, tightened, infeasible, stopped };
+  Kind kind = Kind::branched;
+  std::array<Child, 2> children;
+  int first = 0;  // the child to go on with
+};
+
+class BranchingRule {
+ public:
+  explicit BranchingRule(const Global& global) : root_values_(), global_(global) {}
+
+  /* x: the relaxation's solution, of which shortfall is not empty. node_objective: its value. Bounds that strong branching
+   * proves are put on the domain's trail (tightened). Pseudo-costs seen go into `seen`. */
+  Branching choose(Worker& worker, std::span<const double> x, const Shortfall& shortfall,
+                   double node_objective, PseudoCosts& seen);
+  void set_root_values(std::span<const double> x) { root_values_.assign(x.begin(), x.end()); }
+  /* On an integer column whose range is not a point, at its value; -1 as column: there is none. */
+  static Branching split(const Worker& worker, int column, double value);
+  std::int64_t strong_iterations() const { return strong_iterations_; }
+
+ private:
+  struct Scored {
+    Fraction fraction;
+    double score;
+  };
+  void keep_highest_priority(std::vector<Fraction>& fractions) const;
+  std::vector<Scored> score(const Worker& worker, const std::vector<Fraction>& fractions,
+                            const PseudoCosts& costs) const;
+  Branching on_columns(Worker& worker, std::span<const double> x, const std::vector<Fraction>& fractions,
+                       double node_objective, PseudoCosts& seen);
+  int first_child(const Worker& worker, const Fraction& fraction) const;
+
+  std::vector<double> root_values_;
+  const Global& global_;
+  std::int64_t strong_iterations_ = 0;
+};
+
+/* A branching on an object that does not hold. */
+Branching branch_on_object(const Worker& worker, std::span<const double> x, const Shortfall& shortfall);
+
+}  // namespace tovik::mip

@@ -1,0 +1,47 @@
+/* A globally valid inequality a x <= side on the columns of the problem. */
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <vector>
+
+namespace tovik::mip {
+
+/* In the order in which counts are reported. */
+enum class CutClass : unsigned char {
+  cover,
+  gub_cover,
+  flow_cover,
+  clique,
+  fractional,
+  mir,
+  flow_path,
+  disjunctive,
+  implied_bound,
+  zero_half,
+  multi_commodity,
+  local_cover,
+  tightened,
+  objective_disjunction,
+  user,
+  table,
+  pool,
+  discarded,
+  local,
+  gcs,
+  enumerated_cover,
+  user_soft,
+  cone,
+  count
+};
+inline constexpr std::size_t kCutClasses = static_cast<std::size_t>(CutClass::count);
+using CutCounts = std::array<int, kCutClasses>;
+
+struct Cut {
+  std::vector<int> columns;  // ascending
+  std::vector<double> values;
+  double side = 0;
+  CutClass kind = CutClass::mir;
+};
+
+}  // namespace tovik::mip

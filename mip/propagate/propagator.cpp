@@ -1,0 +1,42 @@
+#include "mip/propagate/propagator.h"
+
+#include <algorithm>
+
+#include "mip/propagate/rows.h"
+
+namespace tovik::mip {
+namespace {
+
+constexpr int kRounds = 100;  // looks a row; after that what has been found must do
+
+}  // namespace
+
+bool Propagator::run(Domain& domain) {
+  std::int64_t looks = static_cast<std::int64_t>(kRounds) * (domain.problem().num_rows() + 1);
+  while (!domain.is_infeasible()) {
+    if (seen_ < domain.position()) {
+      objects_.propagate(domain, domain.trail()[seen_++].column);
+    } else if (domain.has_queued_row() && looks > 0) {
+      --looks;
+      const int row = domain.take_queued_row();
+      work_ += static_cast<std::int64_t>(domain.row(row).columns.size());
+      propagate_row(domain, row);
+    } else {
+      break;
+    }
+  }
+  domain.forget_queued_rows();
+  return !domain.is_infeasible();
+}
+
+bool Propagator::run_all(Domain& domain) {
+  domain.queue_all_rows();
+  objects_.propagate_all(domain);
+  return run(domain);
+}
+
+void Propagator::went_back(const Domain& domain) {
+  seen_ = std::min(seen_, domain.position());
+}
+
+}  // namespace tovik::mip

@@ -1,0 +1,214 @@
+#include "mip/run/mip_run.h"
+
+#include <algorithm>
+#include <climits>
+#include <cmath>
+#include <memory>
+#include <utility>
+#include <vector>
+
+#include "env/channel.h"
+#include "env/handles.h"
+#include "env/method_code.h"
+#include "include/tovik.h"
+#include "lp/binding/build_lp.h"
+#include "lp/binding/engine_control.h"
+#include "lp/verify/point.h"
+#include "mip/run/build_problem.h"
+#include "mip/run/node_log.h"
+#include "mip/run/settings.h"
+#include "model/store/model.h"
+
+namespace tovik::mip::run {
+namespace {
+
+/* Hands on to the control of the call that runs: a search outlives its call. */
+class CallControl : public lp::Control {
+ public:
+  explicit CallControl(lp::Control* control) : control_(control) {}
+  void set(lp::Control* control) { control_ = control; }
+  void log(const char* text) override { control_->log(text); }
+  void flush() override { control_->flush(); }
+  void add_work(std::uint64_t ticks) override { control_->add_work(ticks); }
+  double seconds() override { return control_->seconds(); }
+  lp::Stop poll() override { return control_->poll(); }
+  lp::Stop poll_clock() override { return control_->poll_clock(); }
+  lp::Stop iteration_callback() override { return lp::Stop::none; }
+
+ private:
+  lp::Control* control_;
+};
+
+/* A search that stays with its problem. */
+struct KeptSearch : Derived {
+  KeptSearch(Environment& env, const tovik::Problem& user, mip::Problem built, lp::Control& first)
+      : problem(std::move(built)),
+        control(&first),
+        log(env, user),
+        search(problem, settings_of(env, user), control, log) {
+    log.follow(search);
+  }
+  const mip::Problem problem;
+  CallControl control;
+  NodeLog log;
+  Search search;
+  SearchResult result;
+  bool may_go_on = false;  // a limit ended it
+};
+
+bool is_limit(Conclusion end) {
+  switch (end) {
+    case Conclusion::solution_limit:
+    case Conclusion::node_limit:
+    case Conclusion::iteration_limit:
+    case Conclusion::tree_limit:
+    case Conclusion::time_limit:
+    case Conclusion::tick_limit:
+    case Conclusion::user_abort:
+      return true;
+    default:
+      return false;
+  }
+}
+
+/* The status with a solution; without one it is the next number, where there is a pair. */
+int status_code(Conclusion end, bool has_solution) {
+  const auto either = [&](int with) { return has_solution ? with : with + 1; };
+  switch (end) {
+    case Conclusion::optimal:
+      return TVK_STATUS_MIP_OPTIMAL;
+    case Conclusion::within_gap:
+      return TVK_STATUS_MIP_OPTIMAL_TOLERANCE;
+    case Conclusion::infeasible:
+      return TVK_STATUS_MIP_INFEASIBLE;
+    case Conclusion::unbounded:
+      return TVK_STATUS_MIP_UNBOUNDED;
+    case Conclusion::infeasible_or_unbounded:
+      return TVK_STATUS_MIP_INFEASIBLE_OR_UNBOUNDED;
+    case Conclusion::solution_limit:
+    case Conclusion::objective_stop:
+      return TVK_STATUS_MIP_SOLUTION_LIMIT;
+    case Conclusion::node_limit:
+      return either(TVK_STATUS_MIP_NODE_LIMIT);
+    case Conclusion::iteration_limit:
+      return either(TVK_STATUS_MIP_ITERATION_LIMIT);
+    case Conclusion::tree_limit:
+      return either(TVK_STATUS_MIP_MEMORY_LIMIT);
+    case Conclusion::time_limit:
+      return either(TVK_STATUS_MIP_TIME_LIMIT);
+    case Conclusion::tick_limit:
+      return either(TVK_STATUS_MIP_TICK_LIMIT);
+    case Conclusion::user_abort:
+      return either(TVK_STATUS_MIP_USER_ABORT);
+    default:
+      return either(TVK_STATUS_MIP_ERROR);
+  }
+}
+
+/* The incumbent in the user's columns; null without one. */
+std::unique_ptr<tovik::Solution> solution_of(const tovik::Problem& problem, const mip::Solution& incumbent) {
+  if (incumbent.x.empty()) return nullptr;
+  const model::Model& model = *problem.model;
+  auto solution = std::make_unique<tovik::Solution>();
+  solution->x.assign(incumbent.x.begin(), incumbent.x.begin() + model.num_columns());
+  const auto entries = [&](int j, auto f) {
+    const model::ColumnView column = model.column(j);
+    for (int k = 0; k < column.count; ++k) f(column.index[k], column.value[k]);
+  };
+  const std::vector<double> activity = lp::verify::activities(model.num_rows(), entries, solution->x);
+  solution->slack.resize(activity.size());
+  for (std::size_t i = 0; i < activity.size(); ++i) solution->slack[i] = model.rhs()[i] - activity[i] + 0.0;
+  solution->objective = model.objective_sense() * incumbent.objective + 0.0;
+  solution->method = method_code::kMixedInteger;
+  solution->primal_feasible = true;
+  return solution;
+}
+
+/* MIP starts, and what the last optimization left, as far as they are complete points. */
+void offer_starts(const tovik::Problem& problem, KeptSearch& kept) {
+  const auto offer = [&](std::vector<double> x) {
+    x.resize(static_cast<std::size_t>(kept.problem.num_columns()), 0.0);
+    kept.search.offer(x);
+  };
+  const auto columns = static_cast<std::size_t>(problem.model->num_columns());
+  const model::MipStarts& starts = problem.model->families().starts;
+  for (int k = 0; k < starts.size(); ++k) {
+    const model::VectorView values = starts.values(k);
+    std::vector<double> x(columns, 0.0);
+    for (int i = 0; i < values.count; ++i) x[values.index[i]] = values.value[i];
+    offer(std::move(x));
+  }
+  if (problem.solution != nullptr && problem.solution->x.size() == columns) offer(problem.solution->x);
+}
+
+std::unique_ptr<KeptSearch> new_search(Environment& env, const tovik::Problem& problem,
+                                       lp::Control& control) {
+  bool rounded = false;
+  mip::Problem built = build_problem(*problem.model, env.settings.real(TVK_PARAM_EPINT), &rounded);
+  if (rounded) {
+    message(env.warning_channel, "Warning:  Non-integral bounds for integer variables rounded.\n");
+  }
+  if (env.settings.integer(TVK_PARAM_MIPORDIND) == 0) built.priorities.clear();
+  return std::make_unique<KeptSearch>(env, problem, std::move(built), control);
+}
+
+}  // namespace
+
+Status check_mixed_integer(const tovik::Problem& problem) {
+  switch (problem.type) {
+    case TVK_PROBTYPE_MILP:
+      return {};
+    case TVK_PROBTYPE_MIQP:
+      return Status(TVK_ERROR_NOT_FOR_QP);
+    case TVK_PROBTYPE_MIQCP:
+      return Status(TVK_ERROR_NOT_FOR_QCP);
+    default:
+      return Status(TVK_ERROR_NOT_MIP);
+  }
+}
+
+Status run_branch_and_cut(Environment& env, tovik::Problem& problem) {
+  if (const Status status = lp::run::check_finite(env, *problem.model, true); !status.ok()) return status;
+  lp::run::EngineControl control(env, problem, lp::run::CalledFrom::simplex);
+  auto* kept = dynamic_cast<KeptSearch*>(problem.mip.get());
+  if (kept != nullptr && (!kept->may_go_on || problem.status == TVK_STATUS_NONE)) kept = nullptr;
+  std::unique_ptr<KeptSearch> made;
+  if (kept == nullptr) {
+    problem.mip.reset();
+    made = new_search(env, problem, control);
+    kept = made.get();
+  } else {
+    kept->control.set(&control);
+    kept->search.change_settings(settings_of(env, problem));
+  }
+  kept->log.begin();
+  if (made != nullptr) offer_starts(problem, *kept);
+  kept->log.set_in_search(true);
+  const Conclusion end = kept->search.run();
+  kept->log.set_in_search(false);
+  kept->control.set(nullptr);
+  std::unique_ptr<tovik::Solution> solution = solution_of(problem, kept->search.incumbent());
+  const Progress progress = kept->search.progress();
+  const double sign = problem.model->objective_sense();
+  kept->result.best_bound = sign * (std::isinf(progress.best_bound) ? std::copysign(1e75, progress.best_bound)
+                                                                    : progress.best_bound);
+  kept->result.nodes = progress.nodes;
+  kept->result.nodes_left = progress.left;
+  kept->result.solutions = progress.solutions;
+  kept->may_go_on = is_limit(end);
+  if (solution != nullptr)
+    solution->iterations = static_cast<int>(std::min<std::int64_t>(progress.iterations, INT_MAX));
+  problem.status = status_code(end, solution != nullptr);
+  problem.solution = std::move(solution);
+  problem.start = Start{};
+  if (made != nullptr) problem.mip = std::move(made);
+  return {};
+}
+
+const SearchResult* search_result(const tovik::Problem& problem) {
+  if (problem.status == TVK_STATUS_NONE) return nullptr;
+  const auto* kept = dynamic_cast<const KeptSearch*>(problem.mip.get());
+  return kept == nullptr ? nullptr : &kept->result;
+}
+
+}  // namespace tovik::mip::run

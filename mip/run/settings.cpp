@@ -1,0 +1,57 @@
+#include "mip/run/settings.h"
+
+#include <cmath>
+
+#include "include/tovik.h"
+#include "lp/binding/engine_options.h"
+#include "model/store/model.h"
+
+namespace tovik::mip::run {
+namespace {
+
+constexpr double kNoCutoff = 1e75;
+constexpr int kUnlimited = 2100000000;
+
+void take_number(double value, double& option) {
+  if (!std::isnan(value)) option = value;
+}
+
+std::int64_t limit(int value) {
+  return value >= kUnlimited ? kNoLimit : value;
+}
+
+}  // namespace
+
+Settings settings_of(const Environment& env, const tovik::Problem& problem) {
+  const tovik::Settings& s = env.settings;
+  Settings out;
+  out.lp = lp::run::engine_options(env);
+  out.lp.sifting = lp::simplex::Sifting::never;
+  out.lp.iteration_limit = kUnlimited;
+  out.tolerances.feasibility = out.lp.primal_tolerance;
+  take_number(s.real(TVK_PARAM_EPINT), out.tolerances.integrality);
+  take_number(s.real(TVK_PARAM_EPGAP), out.relative_gap);
+  take_number(s.real(TVK_PARAM_EPAGAP), out.absolute_gap);
+  // Cutoffs in the sense of the problem; here all is minimized.
+  const bool minimize = problem.model->objective_sense() > 0;
+  const double cutoff = minimize ? s.real(TVK_PARAM_CUTUP) : -s.real(TVK_PARAM_CUTLO);
+  if (cutoff < kNoCutoff) out.cutoff = cutoff;
+  take_number(s.real(TVK_PARAM_OBJDIF), out.least_improvement);
+  take_number(s.real(TVK_PARAM_RELOBJDIF), out.least_relative_improvement);
+  out.node_limit = limit(s.integer(TVK_PARAM_NODELIM));
+  out.solution_limit = limit(s.integer(TVK_PARAM_INTSOLLIM));
+  out.iteration_limit = limit(s.integer(TVK_PARAM_ITLIM));
+  take_number(s.real(TVK_PARAM_TRELIM), out.tree_limit);
+  out.node_rule = static_cast<NodeRule>(s.integer(TVK_PARAM_NODESEL));
+  out.best_bound_interval = s.integer(TVK_PARAM_BBINTERVAL);
+  take_number(s.real(TVK_PARAM_BTTOL), out.backtrack);
+  out.first_direction = s.integer(TVK_PARAM_BRDIR);
+  out.variable_rule = s.integer(TVK_PARAM_VARSEL);
+  out.strong_candidates = s.integer(TVK_PARAM_STRONGCANDLIM);
+  out.strong_iterations = s.integer(TVK_PARAM_STRONGITLIM);
+  out.heuristics = s.integer(TVK_PARAM_HEURFREQ);
+  out.seed = out.lp.seed;
+  return out;
+}
+
+}  // namespace tovik::mip::run

@@ -1,0 +1,46 @@
+/* Decides whether a point is a solution of the original problem: the one door through which incumbents come.
+ *
+ * Integer columns are rounded and objects decided by the point (a semi-continuous column is 0 or on, a set keeps its best
+ * window, an indicator's constraint holds or not); where rows and bounds then do not hold within the tolerance, or the
+ * objective may be better, the continuous columns are found anew by an LP with all that is discrete fixed. What is
+ * accepted holds exactly on integer columns, and rows, bounds and objects within the tolerance, by compensated sums. */
+#pragma once
+
+#include <memory>
+#include <span>
+#include <vector>
+
+#include "lp/simplex/relaxation.h"
+#include "mip/domain/problem.h"
+#include "mip/worker/settings.h"
+
+namespace tovik::mip {
+
+struct Solution {
+  std::vector<double> x;
+  double objective = kInf;
+};
+
+class Judge {
+ public:
+  Judge(const Problem& original, const Settings& settings, lp::Control& control)
+      : problem_(original), settings_(settings), control_(control) {}
+
+  /* x: of the original problem. False when no solution below the cutoff comes of it. */
+  bool accept(std::span<const double> x, double cutoff, Solution* solution);
+  std::int64_t iterations() const { return iterations_; }
+
+ private:
+  bool holds(std::span<const double> x) const;
+  void snap(std::vector<double>& x) const;
+  bool complete(std::vector<double>& x);
+  void decide(std::span<const double> x, std::vector<lp::simplex::BoundChange>& bounds) const;
+
+  const Problem& problem_;
+  const Settings& settings_;
+  lp::Control& control_;
+  std::unique_ptr<lp::simplex::Relaxation> fixed_;  // made when first needed
+  std::int64_t iterations_ = 0;
+};
+
+}  // namespace tovik::mip

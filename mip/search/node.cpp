@@ -1,0 +1,283 @@
+// The work at one node: propagation, relaxation, bound, candidate, branching.
+#include <algorithm>
+#include <cmath>
+#include <memory>
+#include <utility>
+
+#include "mip/domain/point.h"
+#include "mip/search/search.h"
+
+namespace tovik::mip {
+
+using lp::Outcome;
+using lp::simplex::Detail;
+
+namespace {
+
+constexpr double kBoundTrust = 1e-6;  // relative: what the tolerances of a relaxation leave open of its value
+constexpr double kBasesBytes = 256e6;  // of all bases kept with nodes
+
+bool is_trouble(Outcome outcome) {
+  return outcome == Outcome::singular || outcome == Outcome::numerical_failure ||
+         outcome == Outcome::infeasible_or_unbounded;
+}
+
+}  // namespace
+
+std::optional<Conclusion> Search::process(int slot) {
+  tree_.take(slot);
+  in_process_ = slot;
+  NodeEvent event;
+  event.id = tree_[slot].id;
+  event.parent_id = tree_[slot].parent < 0 ? -1 : tree_[tree_[slot].parent].id;
+  event.depth = tree_[slot].depth;
+  event.branch_column = tree_[slot].branch.column;
+  event.branch_direction = tree_[slot].branch.direction;
+  event.objective = tree_[slot].bound;
+  const NodeResult result = install(slot) ? work_on(slot, event) : NodeResult::infeasible;
+  if (result == NodeResult::stopped) {
+    in_process_ = -1;
+    tree_.put_back(slot);
+    next_child_ = slot;
+    next_child_id_ = tree_[slot].id;
+    leave_path(path_.size() - 1);
+    return stop_reason();
+  }
+  if (result == NodeResult::unbounded) {
+    in_process_ = -1;
+    tree_.close(slot);
+    return Conclusion::unbounded;
+  }
+  if (result == NodeResult::undecided) undecided_bound_ = std::min(undecided_bound_, tree_[slot].bound);
+  report(slot, event, result);
+  in_process_ = -1;
+  tree_.close(slot);
+  ++nodes_;
+  return std::nullopt;
+}
+
+/* Until the node is branched on or decided. */
+Search::NodeResult Search::work_on(int slot, NodeEvent& event) {
+  bool learned = false;
+  for (;;) {
+    if (const NodeResult solved = solve_relaxation(); solved != NodeResult::branched) {
+      if (solved == NodeResult::unbounded) return branch_unbounded(slot);
+      if (solved == NodeResult::undecided) return branch_anywhere(slot, tree_[slot].bound);
+      return solved;
+    }
+    if (bound_node(slot) == NodeResult::cutoff) return NodeResult::cutoff;
+    const double objective = worker_.relaxation->objective();
+    event.objective = objective;
+    if (!std::exchange(learned, true)) learn_from_branch(tree_[slot], objective);
+    const std::span<const double> x = worker_.relaxation->primal();
+    x_.assign(x.begin(), x.end());
+    if (fix_by_reduced_costs()) {
+      if (!worker_.propagate()) return NodeResult::cutoff;
+      if (relaxation_is_cut_off()) continue;
+    }
+    const Shortfall shortfall = find_shortfall(worker_, x_);
+    event.infeasibilities = shortfall.count();
+    if (shortfall.count() == 0) return try_relaxation(slot, objective);
+    bool again = false;
+    const NodeResult result = branch_on(slot, shortfall, objective, &again);
+    if (!again) return result;
+  }
+}
+
+Outcome Search::solve_within(double cutoff, Detail detail) {
+  lp::simplex::Limits limits;
+  limits.cutoff = cutoff;
+  if (global_.settings.iteration_limit < kNoLimit) {
+    limits.iterations = std::max<std::int64_t>(1, global_.settings.iteration_limit - worker_.iterations);
+  }
+  return worker_.solve(limits, detail);
+}
+
+/* branched: it has an optimum. Claims that would drop the node are proven, or made anew with more care. */
+Search::NodeResult Search::solve_relaxation() {
+  for (int attempt = 0; attempt < 3; ++attempt) {
+    if (attempt == 2) worker_.relaxation->forget_basis();
+    const Outcome outcome =
+        solve_within(attempt == 0 ? global_.cutoff : kInf, attempt == 0 ? Detail::primal : Detail::verified);
+    if (lp::is_limit(outcome)) return NodeResult::stopped;
+    if (is_trouble(outcome)) continue;
+    switch (outcome) {
+      case Outcome::optimal:
+        return NodeResult::branched;
+      case Outcome::infeasible:
+        if (worker_.is_proven_infeasible()) return NodeResult::infeasible;
+        break;
+      case Outcome::objective_limit:
+        if (prunes(rounded_bound(worker_.safe_bound()))) return NodeResult::cutoff;
+        break;
+      case Outcome::unbounded:
+        return NodeResult::unbounded;
+      default:
+        break;
+    }
+  }
+  return NodeResult::undecided;
+}
+
+/* The bound that the relaxation's duals prove; cutoff where that ends the node. */
+Search::NodeResult Search::bound_node(int slot) {
+  lagrangian_bound_ = worker_.safe_bound();
+  tree_.raise_bound(slot, rounded_bound(lagrangian_bound_));
+  if (tree_[slot].parent < 0 && !std::isinf(lagrangian_bound_)) {
+    root_bound_ = lagrangian_bound_;
+    const std::span<const double> d = worker_.safe_reduced_costs();
+    root_reduced_costs_.assign(d.begin(), d.end());
+    root_lower_.assign(worker_.domain.lower().begin(), worker_.domain.lower().end());
+    root_upper_.assign(worker_.domain.upper().begin(), worker_.domain.upper().end());
+    branching_.set_root_values(worker_.relaxation->primal());
+  }
+  return prunes(tree_[slot].bound) ? NodeResult::cutoff : NodeResult::branched;
+}
+
+/* With the duals that gave the node's bound, whose value counts before any rounding. True when a bound moved. */
+bool Search::fix_by_reduced_costs() {
+  if (!global_.settings.fix_by_reduced_cost || std::isinf(lagrangian_bound_) || std::isinf(global_.cutoff))
+    return false;
+  const double room = global_.cutoff - lagrangian_bound_;
+  const std::span<const double> d = worker_.safe_reduced_costs();
+  Domain& domain = worker_.domain;
+  bool moved = false;
+  for (const int j : global_.integer_columns) {
+    if (d[j] == 0 || !(std::fabs(d[j]) * (domain.upper(j) - domain.lower(j)) > room)) continue;
+    const Reason reason{Reason::Kind::reduced_cost, j};
+    moved |= d[j] > 0 ? domain.tighten_upper(j, domain.lower(j) + room / d[j], reason)
+                      : domain.tighten_lower(j, domain.upper(j) + room / d[j], reason);
+  }
+  return moved;
+}
+
+/* Bounds of discrete columns have moved beyond the relaxation's solution. */
+bool Search::relaxation_is_cut_off() const {
+  const double tolerance = global_.settings.tolerances.feasibility;
+  const Domain& domain = worker_.domain;
+  const std::span<const int> moved = domain.moved_columns();
+  return std::any_of(moved.begin(), moved.end(), [&](int j) {
+    return global_.is_discrete[j] != 0 &&
+           (x_[j] < domain.lower(j) - tolerance || x_[j] > domain.upper(j) + tolerance);
+  });
+}
+
+void Search::learn_from_branch(const Node& node, double objective) {
+  if (node.branch.column < 0 || std::isinf(node.relaxation)) return;
+  const double gain = std::max(0.0, objective - node.relaxation);
+  global_.pseudo_costs.add_gain(node.branch.column, node.branch.direction, node.branch.distance, gain);
+}
+
+/* The relaxation's solution lacks nothing. */
+Search::NodeResult Search::try_relaxation(int slot, double objective) {
+  Solution solution;
+  if (judge_.accept(x_, global_.cutoff, &solution)) {
+    const double value = solution.objective;
+    accept(std::move(solution), false);
+    // No point of the node is better than its relaxation, whose value is known to its tolerances only.
+    if (prunes(tree_[slot].bound) || value <= objective + kBoundTrust * std::max(1.0, std::fabs(objective))) {
+      return NodeResult::integral;
+    }
+  } else if (objective >= global_.cutoff - kBoundTrust * std::max(1.0, std::fabs(objective))) {
+    return NodeResult::cutoff;
+  }
+  return branch_anywhere(slot, objective);
+}
+
+Search::NodeResult Search::branch_on(int slot, const Shortfall& shortfall, double objective, bool* again) {
+  const Branching branching = branching_.choose(worker_, x_, shortfall, objective, global_.pseudo_costs);
+  switch (branching.kind) {
+    case Branching::Kind::stopped:
+      return NodeResult::stopped;
+    case Branching::Kind::infeasible:
+      return NodeResult::cutoff;
+    case Branching::Kind::tightened:
+      if (!worker_.propagate()) return NodeResult::cutoff;
+      *again = true;
+      return NodeResult::branched;
+    default:
+      return add_children(slot, branching, objective, estimate(shortfall, objective));
+  }
+}
+
+/* Where the relaxation gives no direction: any integer column that is not fixed, the one farthest from whole first. */
+Search::NodeResult Search::branch_anywhere(int slot, double objective) {
+  int best = -1;
+  double farthest = -1;
+  const bool has_point = x_.size() == static_cast<std::size_t>(problem_.num_columns());
+  for (const int j : global_.integer_columns) {
+    if (worker_.domain.is_fixed(j)) continue;
+    const double far = has_point ? fractionality(x_[j]) : 0;
+    if (far > farthest) {
+      farthest = far;
+      best = j;
+    }
+  }
+  if (best < 0) return NodeResult::undecided;
+  const double lower = worker_.domain.lower(best), upper = worker_.domain.upper(best);
+  const double value = has_point            ? std::clamp(x_[best], lower, upper)
+                       : !std::isinf(lower) ? lower
+                       : !std::isinf(upper) ? upper
+                                            : 0;
+  Branching branching = BranchingRule::split(worker_, best, value);
+  for (Child& child : branching.children) child.record.column = -1;  // says nothing of pseudo-costs
+  return add_children(slot, branching, objective, objective);
+}
+
+double Search::estimate(const Shortfall& shortfall, double objective) const {
+  double sum = objective;
+  for (const Fraction& f : shortfall.fractions) {
+    const double down = f.value - std::floor(f.value);
+    sum += std::min(global_.pseudo_costs.gain(f.column, Direction::down) * down,
+                    global_.pseudo_costs.gain(f.column, Direction::up) * (1 - down));
+  }
+  return sum;
+}
+
+Search::NodeResult Search::add_children(int slot, const Branching& branching, double objective,
+                                        double estimate) {
+  std::shared_ptr<const lp::Basis> basis;
+  const double size = 9.0 * (problem_.num_columns() + problem_.num_rows());
+  if (static_cast<double>(tree_.open()) * size < kBasesBytes) {
+    basis = std::make_shared<const lp::Basis>(worker_.relaxation->basis());
+  }
+  bool any = false;
+  for (int k = 0; k < 2; ++k) {
+    const Child& child = branching.children[k];
+    const double bound = std::max(tree_[slot].bound, rounded_bound(child.bound));
+    if (prunes(bound)) continue;
+    const bool depth_first = global_.settings.node_rule == NodeRule::depth_first;
+    const int made = tree_.add({bound, depth_first ? -tree_[slot].depth - 1.0 : std::max(bound, estimate),
+                                objective, slot, child.record, child.changes, basis});
+    if (k == branching.first || !any) {
+      next_child_ = made;
+      next_child_id_ = tree_[made].id;
+    }
+    any = true;
+  }
+  return any ? NodeResult::branched : NodeResult::cutoff;
+}
+
+void Search::report(int, NodeEvent& event, NodeResult result) {
+  event.nodes = nodes_;
+  event.left = tree_.open();
+  event.new_incumbent = new_incumbent_;
+  event.by_heuristic = incumbent_is_heuristic_;
+  switch (result) {
+    case NodeResult::branched:
+    case NodeResult::undecided:
+      event.end = NodeEnd::fractional;
+      break;
+    case NodeResult::integral:
+      event.end = NodeEnd::integral;
+      break;
+    case NodeResult::infeasible:
+      event.end = NodeEnd::infeasible;
+      break;
+    default:
+      event.end = NodeEnd::cutoff;
+  }
+  observer_.node(event);
+}
+
+}  // namespace tovik::mip

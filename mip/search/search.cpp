@@ -1,0 +1,244 @@
+#include "mip/search/search.h"
+
+#include <algorithm>
+#include <cmath>
+#include <memory>
+#include <utility>
+
+namespace tovik::mip {
+
+using lp::Stop;
+
+Search::Search(const Problem& problem, const Settings& settings, lp::Control& control, Observer& observer)
+    : problem_(problem),
+      control_(control),
+      observer_(observer),
+      global_(problem, settings),
+      worker_(global_, std::make_unique<lp::simplex::Relaxation>(problem.lp, settings.lp, control), control),
+      judge_(problem, global_.settings, control),
+      branching_(global_) {}
+
+Search::~Search() = default;
+
+void Search::change_settings(const Settings& settings) {
+  global_.settings = settings;
+  global_.cutoff = std::min(global_.cutoff, settings.cutoff);
+  worker_.relaxation->set_options(settings.lp);
+}
+
+bool Search::offer(std::span<const double> x) {
+  Solution solution;
+  if (!judge_.accept(x, global_.cutoff, &solution)) return false;
+  accept(std::move(solution), true);
+  return true;
+}
+
+/* All that an improved solution changes. */
+void Search::accept(Solution solution, bool by_heuristic) {
+  const Settings& settings = global_.settings;
+  const double u = solution.objective;
+  double improvement =
+      std::max({settings.least_improvement, settings.least_relative_improvement * std::fabs(u),
+                1e-9 * std::max(1.0, std::fabs(u))});
+  // The next better value is a step away, and bounds are rounded up to steps.
+  if (global_.objective_step > 0) improvement = std::max(improvement, global_.objective_step * (1 - 1e-5));
+  incumbent_ = std::move(solution);
+  global_.incumbent = incumbent_.x;
+  global_.incumbent_value = u;
+  global_.cutoff = std::min(global_.cutoff, u - improvement);
+  ++solutions_;
+  new_incumbent_ = true;
+  incumbent_is_heuristic_ = by_heuristic;
+  observer_.solution(u, incumbent_.x);
+}
+
+double Search::rounded_bound(double bound) const {
+  const double step = global_.objective_step;
+  if (!(step > 0) || std::isinf(bound)) return bound;
+  const double offset = problem_.lp.offset;
+  return std::max(bound, offset + step * std::ceil((bound - offset) / step - 1e-6));
+}
+
+bool Search::gap_is_closed(double bound) const {
+  if (!global_.has_incumbent()) return false;
+  const double gap = global_.incumbent_value - bound;
+  return gap <= global_.settings.absolute_gap ||
+         gap <= global_.settings.relative_gap * (1e-10 + std::fabs(global_.incumbent_value));
+}
+
+/* Of everything that is not yet done. */
+double Search::open_bound() {
+  double bound = std::min(tree_.best_bound(), undecided_bound_);
+  if (in_process_ >= 0) bound = std::min(bound, tree_[in_process_].bound);
+  return bound;
+}
+
+Progress Search::progress() {
+  Progress p;
+  p.nodes = nodes_;
+  p.left = tree_.open();
+  p.iterations = worker_.iterations + branching_.strong_iterations() + judge_.iterations();
+  p.solutions = solutions_;
+  p.tree_bytes = tree_.bytes();
+  // Where nothing is left the best solution is the bound.
+  if (started_) p.best_bound = std::min(open_bound(), global_.incumbent_value);
+  return p;
+}
+
+Stop Search::asks_to_stop() {
+  const Stop stop = control_.poll();
+  return stop != Stop::none ? stop : control_.poll_clock();
+}
+
+Conclusion Search::stop_reason() {
+  if (stop_ == Stop::none) stop_ = asks_to_stop();
+  switch (stop_) {
+    case Stop::none:
+      return Conclusion::iteration_limit;
+    case Stop::time_limit:
+      return Conclusion::time_limit;
+    case Stop::tick_limit:
+      return Conclusion::tick_limit;
+    default:
+      return Conclusion::user_abort;
+  }
+}
+
+std::optional<Conclusion> Search::limit_reached() {
+  const Settings& settings = global_.settings;
+  stop_ = asks_to_stop();
+  if (stop_ != Stop::none) return stop_reason();
+  if (solutions_ >= settings.solution_limit) return Conclusion::solution_limit;
+  if (global_.incumbent_value <= settings.objective_stop) return Conclusion::objective_stop;
+  if (nodes_ >= settings.node_limit) return Conclusion::node_limit;
+  if (worker_.iterations >= settings.iteration_limit) return Conclusion::iteration_limit;
+  if (tree_.bytes() > settings.tree_limit * 1048576) return Conclusion::tree_limit;
+  return std::nullopt;
+}
+
+Conclusion Search::conclude() {
+  if (!std::isinf(undecided_bound_) && !gap_is_closed(undecided_bound_)) return Conclusion::failed;
+  if (!global_.has_incumbent()) return Conclusion::infeasible;
+  return tree_.empty() && std::isinf(undecided_bound_) ? Conclusion::optimal : Conclusion::within_gap;
+}
+
+/* Bounds that hold everywhere, and the root as the only node. */
+void Search::start() {
+  started_ = true;
+  const bool possible = worker_.propagator.run_all(worker_.domain);
+  if (!possible) return;
+  worker_.domain.commit();
+  worker_.propagator.went_back(worker_.domain);
+  next_child_ = tree_.add({-kInf, -kInf, -kInf, -1, {}, {}, nullptr});
+  next_child_id_ = tree_[next_child_].id;
+}
+
+Conclusion Search::run() {
+  if (!started_) start();
+  for (;;) {
+    if (new_incumbent_) {
+      new_incumbent_ = false;
+      tree_.prune(global_.cutoff);
+      note_root_fixings();
+    }
+    if (!apply_global_bounds()) tree_.prune(-kInf);
+    if (tree_.empty() || gap_is_closed(open_bound())) return conclude();
+    if (const std::optional<Conclusion> limit = limit_reached()) return *limit;
+    if (const std::optional<Conclusion> end = process(pick())) return *end;
+  }
+}
+
+/* The child of the plunge, else the queue's best. Nodes within the gap only hold the bound up. */
+int Search::pick() {
+  const int child = std::exchange(next_child_, -1);
+  if (child >= 0 && tree_.is_open(child, next_child_id_) && !gap_is_closed(tree_[child].bound)) return child;
+  const Settings& settings = global_.settings;
+  const bool by_bound = settings.node_rule == NodeRule::best_bound ||
+                        (settings.best_bound_interval > 0 && settings.node_rule != NodeRule::depth_first &&
+                         ++picks_since_best_bound_ >= settings.best_bound_interval);
+  if (!by_bound) {
+    const int slot = tree_.best_estimate_node();
+    if (!gap_is_closed(tree_[slot].bound)) return slot;
+  }
+  picks_since_best_bound_ = 0;
+  return tree_.best_bound_node();
+}
+
+void Search::leave_path(std::size_t steps) {
+  if (path_.size() <= steps) return;
+  worker_.backtrack(path_[steps].begin);
+  path_.resize(steps);
+}
+
+/* Brings the domain to the node: back to the common ancestor, forward along its path, then propagation. False when the node
+ * is infeasible. */
+bool Search::install(int slot) {
+  std::vector<int> chain;
+  for (int s = slot; s >= 0; s = tree_[s].parent) chain.push_back(s);
+  std::reverse(chain.begin(), chain.end());
+  std::size_t common = 0;
+  while (common < chain.size() && common < path_.size() && path_[common].id == tree_[chain[common]].id)
+    ++common;
+  const bool is_jump = common + 1 < chain.size();
+  leave_path(common);
+  Domain& domain = worker_.domain;
+  for (std::size_t k = common; k < chain.size(); ++k) {
+    const Node& node = tree_[chain[k]];
+    path_.push_back({node.id, domain.position()});
+    for (const NodeChange& c : node.changes) {
+      domain.tighten(c.column, c.side, c.value, {Reason::Kind::branching, c.column});
+    }
+  }
+  if (is_jump && tree_[slot].basis != nullptr) {
+    const lp::Basis& basis = *tree_[slot].basis;
+    if (static_cast<int>(basis.rows.size()) == worker_.relaxation->user_lp().num_rows()) {
+      worker_.relaxation->set_basis(basis);
+    }
+  }
+  const int before = domain.position();
+  if (!global_.settings.propagate) {
+    domain.forget_queued_rows();
+    return !domain.is_infeasible();
+  }
+  const bool possible = worker_.propagate();
+  const BranchRecord& branch = tree_[slot].branch;
+  if (branch.column >= 0 && common + 1 == chain.size()) {
+    global_.pseudo_costs.add_inference(branch.column, branch.direction, domain.position() - before);
+  }
+  return possible;
+}
+
+/* Reduced costs of the root tell what a better solution may take. */
+void Search::note_root_fixings() {
+  if (root_reduced_costs_.empty() || !global_.settings.fix_by_reduced_cost) return;
+  const double room = global_.cutoff - root_bound_;
+  if (!(room < kInf)) return;
+  for (const int j : global_.integer_columns) {
+    const double d = root_reduced_costs_[j];
+    const double range = root_upper_[j] - root_lower_[j];
+    if (!(std::fabs(d) * (range - 0.5) > room)) continue;  // no integer less
+    if (d > 0 && !std::isinf(root_lower_[j])) {
+      global_bounds_.push_back({j, Side::upper, root_lower_[j] + room / d});
+    } else if (d < 0 && !std::isinf(root_upper_[j])) {
+      global_bounds_.push_back({j, Side::lower, root_upper_[j] + room / d});
+    }
+  }
+}
+
+/* False when nothing is left. */
+bool Search::apply_global_bounds() {
+  Domain& domain = worker_.domain;
+  if (global_bounds_.empty()) return true;
+  leave_path(0);
+  bool moved = false;
+  for (const GlobalBound& b : global_bounds_) {
+    moved |= domain.tighten(b.column, b.side, b.value, {Reason::Kind::known, b.column});
+  }
+  global_bounds_.clear();
+  const bool possible = !domain.is_infeasible() && (!moved || worker_.propagate());
+  domain.commit();
+  worker_.propagator.went_back(domain);
+  return possible;
+}
+
+}  // namespace tovik::mip

@@ -1,0 +1,132 @@
+/* Branch and cut over a mixed-integer problem.
+ *
+ * - Gets: the problem, settings, a control that says when to stop, an observer that is told what happens. All of them
+ *   must outlive it.
+ * - run(): searches until the gap is closed or a limit is met. After a limit it may be called again, with other limits, and
+ *   goes on with the tree that it left.
+ * - Trust: incumbents pass the judge on the problem as it was given. A node is dropped only by a bound that holds
+ *   whatever rounding did, a proof of infeasibility that stands on the data, or propagation; where neither can be had it
+ *   counts with its parent's bound until it is decided, or for ever.
+ * - Paths depend on settings and seed, never on the clock.
+ * - Errors: bad_alloc; the object can then only be asked for its incumbent and progress. */
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <vector>
+
+#include "mip/branching/branching.h"
+#include "mip/search/judge.h"
+#include "mip/search/tree.h"
+#include "mip/worker/observer.h"
+#include "mip/worker/worker.h"
+
+namespace tovik::mip {
+
+enum class Conclusion {
+  optimal,     // no better solution exists, but for the cutoff and the least improvement
+  within_gap,  // the gap is within the tolerances
+  infeasible,
+  unbounded,
+  infeasible_or_unbounded,
+  solution_limit,
+  objective_stop,
+  node_limit,
+  iteration_limit,
+  tree_limit,
+  time_limit,
+  tick_limit,
+  user_abort,
+  failed  // nodes are left that no relaxation decides
+};
+
+struct Progress {
+  std::int64_t nodes = 0, left = 0, iterations = 0, solutions = 0;
+  double best_bound = -kInf;  // of all solutions
+  double tree_bytes = 0;
+};
+
+class Search {
+ public:
+  Search(const Problem& problem, const Settings& settings, lp::Control& control, Observer& observer);
+  ~Search();
+  Search(const Search&) = delete;
+  Search& operator=(const Search&) = delete;
+
+  Conclusion run();
+  /* Between two runs: other limits, other rules. */
+  void change_settings(const Settings& settings);
+  /* Before run(), or between two runs: a point that may be a solution. True when it is a new incumbent. */
+  bool offer(std::span<const double> x);
+
+  const Solution& incumbent() const { return incumbent_; }  // no values: none
+  Progress progress();
+
+ private:
+  struct PathStep {
+    std::int64_t id;
+    int begin;  // position on the trail before the node's own changes
+  };
+  /* How the work at a node ended. */
+  enum class NodeResult { branched, integral, infeasible, cutoff, undecided, stopped, unbounded };
+
+  void start();
+  std::optional<Conclusion> limit_reached();
+  Conclusion conclude();
+  Conclusion stop_reason();
+  lp::Stop asks_to_stop();
+  bool gap_is_closed(double bound) const;
+  bool prunes(double bound) const { return bound >= global_.cutoff; }
+  double open_bound();
+
+  int pick();
+  bool install(int slot);
+  void leave_path(std::size_t steps);
+  bool apply_global_bounds();
+  void note_root_fixings();
+
+  std::optional<Conclusion> process(int slot);
+  NodeResult work_on(int slot, NodeEvent& event);
+  NodeResult solve_relaxation();
+  lp::Outcome solve_within(double cutoff, lp::simplex::Detail detail);
+  NodeResult bound_node(int slot);
+  double rounded_bound(double bound) const;
+  bool fix_by_reduced_costs();
+  bool relaxation_is_cut_off() const;
+  void learn_from_branch(const Node& node, double objective);
+  NodeResult try_relaxation(int slot, double objective);
+  NodeResult branch_on(int slot, const Shortfall& shortfall, double objective, bool* again);
+  NodeResult branch_anywhere(int slot, double objective);
+  NodeResult branch_unbounded(int slot);
+  NodeResult add_children(int slot, const Branching& branching, double objective, double estimate);
+  double estimate(const Shortfall& shortfall, double objective) const;
+  void accept(Solution solution, bool by_heuristic);
+  void report(int slot, NodeEvent& event, NodeResult result);
+
+  const Problem& problem_;
+  lp::Control& control_;
+  Observer& observer_;
+  Global global_;
+  Worker worker_;
+  Judge judge_;
+  BranchingRule branching_;
+  Tree tree_;
+  Solution incumbent_;
+  std::vector<PathStep> path_;
+  std::vector<double> x_;  // of the node's relaxation
+  int in_process_ = -1;    // slot
+  int next_child_ = -1;    // slot of the child that the plunge goes on with
+  std::int64_t next_child_id_ = -1;
+  std::int64_t nodes_ = 0, solutions_ = 0, picks_since_best_bound_ = 0;
+  double undecided_bound_ = kInf;           // of nodes that nothing decides
+  double lagrangian_bound_ = -kInf;         // of the node's last relaxation, not rounded
+  double root_bound_ = -kInf;               // the same of the root
+  std::vector<double> root_reduced_costs_;  // at the bounds that held then:
+  std::vector<double> root_lower_, root_upper_;
+  std::vector<GlobalBound> global_bounds_;  // found, not yet in the domain
+  bool started_ = false, new_incumbent_ = false, incumbent_is_heuristic_ = false;
+  lp::Stop stop_ = lp::Stop::none;
+};
+
+}  // namespace tovik::mip

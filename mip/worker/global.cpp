@@ -1,0 +1,88 @@
+#include "mip/worker/global.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace tovik::mip {
+namespace {
+
+std::vector<Locks> count_locks(const Problem& problem) {
+  const lp::LpData& lp = problem.lp;
+  std::vector<Locks> locks(static_cast<std::size_t>(lp.num_columns()));
+  for (int j = 0; j < lp.num_columns(); ++j) {
+    for (int k = lp.matrix.start[j]; k < lp.matrix.start[j + 1]; ++k) {
+      const int i = lp.matrix.index[k];
+      const bool positive = lp.matrix.value[k] > 0;
+      if (lp.row_upper[i] < kInf) ++(positive ? locks[j].up : locks[j].down);
+      if (lp.row_lower[i] > -kInf) ++(positive ? locks[j].down : locks[j].up);
+    }
+  }
+  const auto both = [&](int j) {
+    ++locks[j].down;
+    ++locks[j].up;
+  };
+  for (const SemiColumn& s : problem.semi_columns) both(s.column);
+  for (const OrderedSet& s : problem.sets) {
+    for (const int j : s.columns) both(j);
+  }
+  for (const Indicator& s : problem.indicators) {
+    both(s.switch_column);
+    both(s.slack);
+  }
+  return locks;
+}
+
+double greatest_common_divisor(double a, double b) {
+  while (b > 0.5) {
+    a = std::fmod(a, b);
+    std::swap(a, b);
+  }
+  return a;
+}
+
+/* The common divisor of all costs times `scale` where these are whole numbers, else 0. */
+double common_divisor(const lp::LpData& lp, double scale) {
+  constexpr double kLargest = 1e9;
+  double divisor = 0;
+  for (const double c : lp.cost) {
+    if (c == 0) continue;
+    const double scaled = std::fabs(c) * scale;
+    const double whole = std::round(scaled);
+    if (!(scaled < kLargest) || whole < 1 || std::fabs(scaled - whole) > 1e-12 * whole) return 0;
+    divisor = greatest_common_divisor(std::max(divisor, whole), std::min(divisor, whole));
+  }
+  return divisor;
+}
+
+double find_objective_step(const Problem& problem) {
+  constexpr double kScales[] = {1, 2, 3, 4, 5, 6, 8, 10, 12, 20, 24, 60, 100, 120, 1000, 10000};
+  for (int j = 0; j < problem.num_columns(); ++j) {
+    if (problem.lp.cost[j] != 0 && problem.is_integer[j] == 0) return 0;
+  }
+  for (const double scale : kScales) {
+    if (const double divisor = common_divisor(problem.lp, scale); divisor > 0) return divisor / scale;
+  }
+  return 0;
+}
+
+}  // namespace
+
+Global::Global(const Problem& the_problem, const Settings& the_settings)
+    : problem(the_problem),
+      settings(the_settings),
+      is_discrete(the_problem.is_integer),
+      locks(count_locks(the_problem)),
+      objective_step(find_objective_step(the_problem)),
+      pseudo_costs(the_problem.num_columns()),
+      cutoff(the_settings.cutoff) {
+  for (int j = 0; j < problem.num_columns(); ++j) {
+    if (problem.is_integer[j] != 0) integer_columns.push_back(j);
+  }
+  for (const SemiColumn& s : problem.semi_columns) is_discrete[s.column] = 1;
+  for (const OrderedSet& s : problem.sets) {
+    for (const int j : s.columns) is_discrete[j] = 1;
+  }
+  for (const Indicator& s : problem.indicators) is_discrete[s.switch_column] = is_discrete[s.slack] = 1;
+}
+
+}  // namespace tovik::mip

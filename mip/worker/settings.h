@@ -1,0 +1,48 @@
+/* What steers a search, resolved once from parameters. */
+#pragma once
+
+#include <cstdint>
+
+#include "lp/simplex/types.h"
+#include "mip/domain/problem.h"
+
+namespace tovik::mip {
+
+inline constexpr std::int64_t kNoLimit = INT64_MAX;
+
+enum class NodeRule { depth_first, best_bound, best_estimate, best_estimate_by_gap };
+
+/* -1 never, 0 as it pays, larger values ever more. */
+using Effort = int;
+
+struct Settings {
+  Tolerances tolerances;
+  lp::simplex::Options lp;
+
+  // When the search may end.
+  double relative_gap = 1e-4, absolute_gap = 1e-6;
+  double cutoff = kInf;                                          // nodes whose bound is beyond are dropped
+  double objective_stop = -kInf;                                 // a solution as good as this ends the search
+  double least_improvement = 0, least_relative_improvement = 0;  // of a new solution
+  std::int64_t node_limit = kNoLimit, solution_limit = kNoLimit, iteration_limit = kNoLimit;
+  double tree_limit = 1e75;  // megabytes
+
+  // Order of the nodes.
+  NodeRule node_rule = NodeRule::best_bound;
+  int best_bound_interval = 7;
+  double backtrack = 0.9999;
+  int first_direction = 0;  // -1 down, 0 automatic, 1 up
+
+  // Branching.
+  int variable_rule =
+      0;  // -1 least fractional, 0 automatic, 1 most fractional, 2 pseudo-costs, 3 strong, 4 pseudo reduced costs
+  int strong_candidates = 10;
+  int strong_iterations = 0;  // 0 automatic
+
+  // What is switched on.
+  bool propagate = true, fix_by_reduced_cost = true;
+  Effort heuristics = 0;
+  std::uint64_t seed = 1;
+};
+
+}  // namespace tovik::mip

@@ -1,0 +1,74 @@
+/* One worker of a search: a thread, a dive or a sub-problem. Holds a view of what all share, its own domain and
+ * relaxation, and what it has found. Whoever holds a Worker& writes nothing but the worker.
+ *
+ * The relaxation follows the domain's bounds of discrete columns only: bounds that rows imply for continuous columns
+ * would make its vertices degenerate and its reduced costs useless; they serve propagation. */
+#pragma once
+
+#include <memory>
+#include <span>
+#include <vector>
+
+#include "lp/simplex/engine_random.h"
+#include "lp/simplex/relaxation.h"
+#include "mip/pool/cut.h"
+#include "mip/propagate/propagator.h"
+#include "mip/worker/global.h"
+
+namespace tovik::mip {
+
+/* A point that may be a solution: integer columns need not be whole yet. */
+struct Candidate {
+  std::vector<double> x;
+  const char* found_by = "";  // empty: the relaxation of a node
+};
+
+struct GlobalBound {
+  int column;
+  Side side;
+  double value;
+};
+
+/* What a worker has found for all. */
+struct Out {
+  std::vector<Candidate> candidates;
+  std::vector<Cut> cuts;
+  std::vector<GlobalBound> bounds;
+};
+
+struct Worker {
+  Worker(const Global& shared, std::unique_ptr<lp::simplex::Relaxation> engine, lp::Control& stop_control);
+
+  const Global& global;
+  lp::Control& control;
+  Domain domain;
+  Propagator propagator;
+  std::unique_ptr<lp::simplex::Relaxation> relaxation;
+  lp::simplex::EngineRandom random;
+  Out out;
+  std::int64_t iterations = 0;  // of the simplex, of all solves
+
+  bool propagate() { return propagator.run(domain); }
+  void backtrack(int position);
+  /* Gives the domain's bounds of discrete columns to the relaxation. */
+  void flush();
+  /* flush() and resolve(). */
+  lp::Outcome solve(const lp::simplex::Limits& limits,
+                    lp::simplex::Detail detail = lp::simplex::Detail::primal);
+
+  /* A bound on the objective of the relaxation within the domain that holds whatever rounding did: from the present
+   * duals, by compensated sums, with the domain's bounds (Neumaier and Shcherbina, Math. Programming 99 (2004)).
+   * -kInf where a column without bound has a reduced cost. Leaves the reduced costs that belong to it: the objective is at
+   * least the bound plus d_j times the distance of x_j from the bound that d_j's sign names. Cost: one pass over the
+   * entries. */
+  double safe_bound();
+  std::span<const double> safe_reduced_costs() const { return safe_reduced_costs_; }
+  /* After infeasible: the proof stands on the relaxation's data. */
+  bool is_proven_infeasible();
+
+ private:
+  std::vector<lp::simplex::BoundChange> changes_;
+  std::vector<double> safe_reduced_costs_, used_duals_;
+};
+
+}  // namespace tovik::mip

@@ -1,0 +1,75 @@
+// Branch and cut against enumeration on random small problems of every kind.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <string>
+
+#include "mip/domain/point.h"
+#include "mip/search/search.h"
+#include "tests/support/random_mip.h"
+
+namespace {
+
+using namespace tovik::mip;
+
+class SilentObserver : public Observer {
+ public:
+  void node(const NodeEvent&) override {}
+  void solution(double, std::span<const double>) override {}
+};
+
+int models(int otherwise) {
+  const char* wanted = std::getenv("TOVIK_MODELS");
+  return wanted != nullptr ? std::atoi(wanted) : otherwise;
+}
+
+void check(const Problem& problem, const support::MipTruth& truth, Settings settings) {
+  settings.relative_gap = settings.absolute_gap = 0;
+  support::QuietControl control;
+  SilentObserver observer;
+  Search search(problem, settings, control, observer);
+  const Conclusion end = search.run();
+  if (truth.unbounded) {
+    EXPECT_EQ(end, Conclusion::unbounded);
+    return;
+  }
+  ASSERT_EQ(end, truth.feasible ? Conclusion::optimal : Conclusion::infeasible);
+  if (!truth.feasible) return;
+  const Solution& found = search.incumbent();
+  EXPECT_NEAR(found.objective, truth.objective, 1e-5 * (1 + std::fabs(truth.objective)));
+  const PointViolation v = measure(problem, found.x);
+  EXPECT_EQ(v.integrality, 0);
+  EXPECT_LE(v.primal(), 1e-6);
+  EXPECT_LE(v.object, 1e-6);
+}
+
+TEST(MipSearch, AgreesWithEnumerationWhateverIsSwitchedOff) {
+  const int count = models(400);
+  for (int k = 0; k < count && !HasFailure(); ++k) {
+    support::RandomMip maker(support::fresh_seed() + static_cast<unsigned>(k));
+    TRACE_RANDOM(maker.random(), k);
+    const Problem problem = maker.draw();
+    const support::MipTruth truth = support::Enumeration(problem).run();
+    Settings settings;
+    check(problem, truth, settings);
+    switch (k % 5) {
+      case 0:
+        settings.propagate = false;
+        break;
+      case 1:
+        settings.fix_by_reduced_cost = false;
+        break;
+      case 2:
+        settings.variable_rule = maker.random().pick(-1, 4);
+        break;
+      case 3:
+        settings.node_rule = static_cast<NodeRule>(maker.random().pick(0, 3));
+        break;
+      default:
+        settings.first_direction = maker.random().pick(-1, 1);
+    }
+    check(problem, truth, settings);
+  }
+}
+
+}  // namespace
