@@ -1,10 +1,11 @@
 /* The mixed-integer optimizer, and what it tells of its search. */
+#include <algorithm>
+#include <climits>
 #include <cmath>
 
 #include "api/count.h"
 #include "api/optimizer_frame.h"
 #include "env/entry.h"
-#include "env/solution_access.h"
 #include "include/tovik.h"
 #include "mip/run/mip_run.h"
 
@@ -17,4 +18,51 @@ int TVKmipopt(ConstEnvHandle env, ProbHandle lp) {
     const api::Profile profile(e, 0);
     return mip::run::run_branch_and_cut(e, p);
   });
+}
+
+namespace {
+
+int counted(std::int64_t count) {
+  return static_cast<int>(std::min<std::int64_t>(count, INT_MAX));
+}
+
+int count_of_search(ConstEnvHandle env, ConstProbHandle lp, std::int64_t mip::run::SearchResult::*count) {
+  return api::count_of(env, lp, [&](const Problem& p) {
+    const mip::run::SearchResult* result = mip::run::search_result(p);
+    return result == nullptr ? 0 : counted(result->*count);
+  });
+}
+
+}  // namespace
+
+int TVKgetbestobjval(ConstEnvHandle env, ConstProbHandle lp, double* bound_p) {
+  return with_problem(env, lp, [&](Environment&, Problem& p) -> Status {
+    if (bound_p == nullptr) return TVK_ERROR_NULL_POINTER;
+    const mip::run::SearchResult* result = mip::run::search_result(p);
+    if (result == nullptr) return TVK_ERROR_NO_SOLUTION;
+    *bound_p = result->best_bound;
+    return 0;
+  });
+}
+
+int TVKgetmiprelgap(ConstEnvHandle env, ConstProbHandle lp, double* gap_p) {
+  return with_problem(env, lp, [&](Environment&, Problem& p) -> Status {
+    if (gap_p == nullptr) return TVK_ERROR_NULL_POINTER;
+    const mip::run::SearchResult* result = mip::run::search_result(p);
+    if (result == nullptr || p.solution == nullptr) return TVK_ERROR_NO_SOLUTION;
+    *gap_p = std::fabs(result->best_bound - p.solution->objective) / (1e-10 + std::fabs(p.solution->objective));
+    return 0;
+  });
+}
+
+int TVKgetnodecnt(ConstEnvHandle env, ConstProbHandle lp) {
+  return count_of_search(env, lp, &mip::run::SearchResult::nodes);
+}
+
+int TVKgetnodeleftcnt(ConstEnvHandle env, ConstProbHandle lp) {
+  return count_of_search(env, lp, &mip::run::SearchResult::nodes_left);
+}
+
+int TVKgetmipsolcnt(ConstEnvHandle env, ConstProbHandle lp) {
+  return count_of_search(env, lp, &mip::run::SearchResult::solutions);
 }

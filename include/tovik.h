@@ -23,7 +23,7 @@ extern "C" {
  *   a model, at once      TVKreadcopyprob, TVKcopylp, TVKcopylpwnames; TVKgetreadwarnings
  *   ... and in pieces     TVKnewcols, TVKnewrows, TVKaddcols, TVKaddrows, TVKchgcoef, TVKchgbds, TVKchgobj, TVKchgrhs
  *   integers and more     TVKcopyctype, TVKaddsos, TVKEaddindconstr, TVKaddlazyconstraints, TVKaddusercuts, TVKaddmipstarts
- *   solve                 TVKlpopt, TVKdualopt, TVKprimopt, TVKsiftopt; TVKpresolve
+ *   solve                 TVKlpopt, TVKdualopt, TVKprimopt, TVKsiftopt; TVKmipopt; TVKpresolve
  *   the answer            TVKgetstat, TVKsolution, TVKgetobjval, TVKgetx, TVKgetpi, TVKgetdj, TVKgetslack, TVKsolninfo
  *   why there is none     TVKgetfarkas, TVKgetray, TVKgetquality, TVKgetrowinfeas, TVKgetcolinfeas
  *   what if               TVKgetobjsens, TVKgetrhssens, TVKgetboundsens, TVKgetsensobjval
@@ -1716,6 +1716,29 @@ TVK_API int TVKdualopt(ConstEnvHandle env, ProbHandle lp);
  * out, then the primal simplex makes sure of the answer; otherwise as TVKlpopt. For problems with many more columns than
  * rows; TVKlpopt begins like this by itself where it promises much. */
 TVK_API int TVKsiftopt(ConstEnvHandle env, ProbHandle lp);
+
+/* Solves a mixed-integer linear problem (type 1; else 3003, 1018 or 9002 for quadratic parts) by branch and cut, with the
+ * node log on the results channel (TVK_PARAM_MIPDISPLAY, TVK_PARAM_MIPINTERVAL). Integer columns, semi-continuous and
+ * semi-integer ones, special ordered sets, indicator and lazy constraints are branched on and propagated as they are.
+ *
+ * Ends with 0 and one of the statuses 101 to 134. Limits are no errors: time (TVK_PARAM_TILIM), nodes (TVK_PARAM_NODELIM),
+ * solutions (TVK_PARAM_INTSOLLIM), tree size (TVK_PARAM_TRELIM), iterations (TVK_PARAM_ITLIM), deterministic time, the
+ * caller's terminate flag; the best solution found is kept, and the next call goes on with the tree where the model has not
+ * changed. It is optimal (101) when no better one exists, or (102) when none is better by more than TVK_PARAM_EPAGAP
+ * or, in relation to its value, TVK_PARAM_EPGAP. What a solution holds: integer columns are whole, rows and bounds hold
+ * within TVK_PARAM_EPRHS, whatever presolve or scaling did.
+ *
+ * The solution of an earlier call and complete MIP starts are tried first. Errors: 1225, 1233 data that are no numbers; 1001. */
+TVK_API int TVKmipopt(ConstEnvHandle env, ProbHandle lp);
+
+/* Of the last TVKmipopt, while its status stands (1217 else): the bound on every solution's objective, +-1e75 while there is
+ * none; the gap |bound - objective| / (1e-10 + |objective|) (1217 without a solution). */
+TVK_API int TVKgetbestobjval(ConstEnvHandle env, ConstProbHandle lp, double *bound_p);
+TVK_API int TVKgetmiprelgap(ConstEnvHandle env, ConstProbHandle lp, double *gap_p);
+/* Nodes processed, nodes left, solutions found; 0 without a search. */
+TVK_API int TVKgetnodecnt(ConstEnvHandle env, ConstProbHandle lp);
+TVK_API int TVKgetnodeleftcnt(ConstEnvHandle env, ConstProbHandle lp);
+TVK_API int TVKgetmipsolcnt(ConstEnvHandle env, ConstProbHandle lp);
 
 /* Tests the starting basis for primal feasibility within TVK_PARAM_EPRHS: *infeas_p receives the index of the most
  * infeasible basic variable (column j, or number of columns + i for the slack of row i), or 2100000000 when there is none.

@@ -1,6 +1,7 @@
 #include "cli/solve/solve.h"
 
 #include <chrono>
+#include <cmath>
 #include <new>
 #include <optional>
 #include <system_error>
@@ -70,7 +71,8 @@ void read_model(const SolveContext& context, Model& model, const std::string& fi
 void optimize(const SolveContext& context, Model& model, Outcome& outcome) {
   const ProgressLines progress(context.environment, context.console);
   const Stopwatch watch;
-  const int code = TVKlpopt(context.environment.handle(), model.handle());
+  const auto solve = model.mixed_integer() ? TVKmipopt : TVKlpopt;
+  const int code = solve(context.environment.handle(), model.handle());
   outcome.solve_seconds = watch.seconds();
   outcome.presolve_seconds = context.console.presolve_seconds();
   context.environment.check(code);
@@ -88,6 +90,14 @@ void collect_evidence(const SolveContext& context, const Model& model, bool dual
   outcome.violations = check_solution(model, {});
   double bound = 0;
   if (dual_feasible && TVKgetobjval(env, model.handle(), &bound) == 0) outcome.best_bound = bound;
+}
+
+void collect_search(const SolveContext& context, const Model& model, Outcome& outcome) {
+  ConstEnvHandle env = context.environment.handle();
+  outcome.nodes = TVKgetnodecnt(env, model.handle());
+  double bound = 0, gap = 0;
+  if (TVKgetbestobjval(env, model.handle(), &bound) == 0 && std::fabs(bound) < 1e75) outcome.best_bound = bound;
+  if (outcome.best_bound && TVKgetmiprelgap(env, model.handle(), &gap) == 0) outcome.gap = gap;
 }
 
 /* What the library holds after the optimization. */
@@ -108,6 +118,7 @@ void collect(const SolveContext& context, const Model& model, Outcome& outcome) 
   double ticks = 0;
   if (TVKgetticks(env, model.handle(), &ticks) == 0) outcome.ticks = ticks;
   if (outcome.exit_status == ExitStatus::unbounded) outcome.ray = ray_of(model, context.console);
+  if (model.mixed_integer()) collect_search(context, model, outcome);
   if (!outcome.feasible) return collect_evidence(context, model, dual_feasible != 0, outcome);
 
   double objective = 0;

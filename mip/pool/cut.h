@@ -42,6 +42,8 @@ struct Cut {
   std::vector<double> values;
   double side = 0;
   CutClass kind = CutClass::mir;
+  bool is_integral = false;  // whole coefficients on integer columns, whole side
+  int rank = 1;              // one more than that of the cuts it was made of
 };
 
 }  // namespace tovik::mip

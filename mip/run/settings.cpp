@@ -49,6 +49,14 @@ Settings settings_of(const Environment& env, const tovik::Problem& problem) {
   out.variable_rule = s.integer(TVK_PARAM_VARSEL);
   out.strong_candidates = s.integer(TVK_PARAM_STRONGCANDLIM);
   out.strong_iterations = s.integer(TVK_PARAM_STRONGITLIM);
+  out.cuts.fractional = s.integer(TVK_PARAM_FRACCUTS);
+  out.cuts.rounding = s.integer(TVK_PARAM_MIRCUTS);
+  out.cuts.covers = s.integer(TVK_PARAM_COVERS);
+  out.cuts.cliques = s.integer(TVK_PARAM_CLIQUES);
+  out.cuts.flow_covers = s.integer(TVK_PARAM_FLOWCOVERS);
+  out.cuts.implied_bounds = s.integer(TVK_PARAM_IMPLBD);
+  out.cuts.zero_half = s.integer(TVK_PARAM_ZEROHALFCUTS);
+  out.cuts.root_rounds = s.integer(TVK_PARAM_CUTPASS);
   out.heuristics = s.integer(TVK_PARAM_HEURFREQ);
   out.seed = out.lp.seed;
   return out;

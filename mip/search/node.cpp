@@ -15,6 +15,8 @@ using lp::simplex::Detail;
 namespace {
 
 constexpr double kBoundTrust = 1e-6;  // relative: what the tolerances of a relaxation leave open of its value
+constexpr double kWorthwhileGain = 1e-5;  // of the root's bound by a round of cuts, relative
+constexpr int kStalledRounds = 8, kRootRounds = 100;
 constexpr double kBasesBytes = 256e6;  // of all bases kept with nodes
 
 bool is_trouble(Outcome outcome) {
@@ -59,6 +61,7 @@ std::optional<Conclusion> Search::process(int slot) {
 /* Until the node is branched on or decided. */
 Search::NodeResult Search::work_on(int slot, NodeEvent& event) {
   bool learned = false;
+  rounds_ = {};
   for (;;) {
     if (const NodeResult solved = solve_relaxation(); solved != NodeResult::branched) {
       if (solved == NodeResult::unbounded) return branch_unbounded(slot);
@@ -78,6 +81,11 @@ Search::NodeResult Search::work_on(int slot, NodeEvent& event) {
     const Shortfall shortfall = find_shortfall(worker_, x_);
     event.infeasibilities = shortfall.count();
     if (shortfall.count() == 0) return try_relaxation(slot, objective);
+    if (separate(slot, objective)) continue;
+    if (try_heuristics(slot)) {
+      if (prunes(tree_[slot].bound)) return NodeResult::cutoff;
+      continue;
+    }
     bool again = false;
     const NodeResult result = branch_on(slot, shortfall, objective, &again);
     if (!again) return result;
@@ -182,6 +190,49 @@ Search::NodeResult Search::try_relaxation(int slot, double objective) {
     return NodeResult::cutoff;
   }
   return branch_anywhere(slot, objective);
+}
+
+/* Adds cuts while the root's bound moves. True when the relaxation has other rows than before. */
+bool Search::separate(int slot, double objective) {
+  const bool is_root = tree_[slot].parent < 0;
+  if (!is_root || rounds_.round < 0) return false;
+  const double gain = objective - rounds_.objective;
+  const bool moves = gain > kWorthwhileGain * std::max(1.0, std::fabs(objective));
+  rounds_.stalled = moves ? 0 : rounds_.stalled + 1;
+  rounds_.objective = objective;
+  const int wanted = global_.settings.cuts.root_rounds;
+  const int most = wanted == 0 ? kRootRounds : wanted;
+  if (rounds_.stalled < kStalledRounds && rounds_.round < most) {
+    separation_.drop_slack_rows(worker_, false);
+    Moment moment;
+    moment.root = true;
+    moment.depth = tree_[slot].depth;
+    moment.round = rounds_.round++;
+    if (separation_.round(worker_, x_, moment) > 0) return true;
+  }
+  rounds_.round = -1;  // done here
+  return separation_.drop_slack_rows(worker_, true);
+}
+
+/* True when the node has to be looked at again: there is a new incumbent. */
+bool Search::try_heuristics(int slot) {
+  const bool is_root = tree_[slot].parent < 0;
+  bool found = false;
+  for (Heuristic& h : heuristics_) {
+    const int interval = h.interval << std::min(h.failures / 4, 10);
+    if (is_root ? !h.at_root || h.last >= 0 : h.last >= 0 && nodes_ - h.last < interval) continue;
+    h.last = nodes_;
+    Moment moment;
+    moment.root = is_root;
+    moment.depth = tree_[slot].depth;
+    if (h.plugin->call(worker_, moment) == Verdict::nothing) worker_.out.candidates.clear();
+    bool better = false;
+    for (const Candidate& candidate : worker_.out.candidates) better |= offer(candidate.x);
+    worker_.out.candidates.clear();
+    h.failures = better ? 0 : h.failures + 1;
+    found |= better;
+  }
+  return found;
 }
 
 Search::NodeResult Search::branch_on(int slot, const Shortfall& shortfall, double objective, bool* again) {

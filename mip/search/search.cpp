@@ -16,7 +16,9 @@ Search::Search(const Problem& problem, const Settings& settings, lp::Control& co
       global_(problem, settings),
       worker_(global_, std::make_unique<lp::simplex::Relaxation>(problem.lp, settings.lp, control), control),
       judge_(problem, global_.settings, control),
-      branching_(global_) {}
+      branching_(global_),
+      separation_(global_),
+      heuristics_(make_heuristics(global_)) {}
 
 Search::~Search() = default;
 

@@ -17,7 +17,9 @@
 #include <vector>
 
 #include "mip/branching/branching.h"
+#include "mip/heuristics/heuristics.h"
 #include "mip/search/judge.h"
+#include "mip/search/separation.h"
 #include "mip/search/tree.h"
 #include "mip/worker/observer.h"
 #include "mip/worker/worker.h"
@@ -100,6 +102,8 @@ class Search {
   NodeResult branch_anywhere(int slot, double objective);
   NodeResult branch_unbounded(int slot);
   NodeResult add_children(int slot, const Branching& branching, double objective, double estimate);
+  bool separate(int slot, double objective);
+  bool try_heuristics(int slot);
   double estimate(const Shortfall& shortfall, double objective) const;
   void accept(Solution solution, bool by_heuristic);
   void report(int slot, NodeEvent& event, NodeResult result);
@@ -111,6 +115,8 @@ class Search {
   Worker worker_;
   Judge judge_;
   BranchingRule branching_;
+  Separation separation_;
+  std::vector<Heuristic> heuristics_;
   Tree tree_;
   Solution incumbent_;
   std::vector<PathStep> path_;
@@ -125,6 +131,10 @@ class Search {
   std::vector<double> root_reduced_costs_;  // at the bounds that held then:
   std::vector<double> root_lower_, root_upper_;
   std::vector<GlobalBound> global_bounds_;  // found, not yet in the domain
+  struct {
+    int round = 0, stalled = 0;
+    double objective = -kInf;  // before the last round
+  } rounds_;                   // of separation at the node
   bool started_ = false, new_incumbent_ = false, incumbent_is_heuristic_ = false;
   lp::Stop stop_ = lp::Stop::none;
 };

@@ -32,6 +32,20 @@ std::vector<Locks> count_locks(const Problem& problem) {
   return locks;
 }
 
+std::vector<char> find_integral_rows(const Problem& problem) {
+  const lp::LpData& lp = problem.lp;
+  std::vector<char> integral(static_cast<std::size_t>(lp.num_rows()), 1);
+  const auto is_whole = [](double v) { return std::isinf(v) || v == std::round(v); };
+  for (int i = 0; i < lp.num_rows(); ++i)
+    integral[i] = is_whole(lp.row_lower[i]) && is_whole(lp.row_upper[i]);
+  for (int j = 0; j < lp.num_columns(); ++j) {
+    for (int k = lp.matrix.start[j]; k < lp.matrix.start[j + 1]; ++k) {
+      if (problem.is_integer[j] == 0 || !is_whole(lp.matrix.value[k])) integral[lp.matrix.index[k]] = 0;
+    }
+  }
+  return integral;
+}
+
 double greatest_common_divisor(double a, double b) {
   while (b > 0.5) {
     a = std::fmod(a, b);
@@ -72,6 +86,7 @@ Global::Global(const Problem& the_problem, const Settings& the_settings)
       settings(the_settings),
       is_discrete(the_problem.is_integer),
       locks(count_locks(the_problem)),
+      row_is_integral(find_integral_rows(the_problem)),
       objective_step(find_objective_step(the_problem)),
       pseudo_costs(the_problem.num_columns()),
       cutoff(the_settings.cutoff) {

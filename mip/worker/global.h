@@ -23,6 +23,8 @@ struct Global {
       is_discrete;  // columns whose bounds the relaxation must follow: integer ones, and those of objects
   std::vector<int> integer_columns;  // ascending
   std::vector<Locks> locks;
+  std::vector<char>
+      row_is_integral;  // integer columns with whole coefficients only, and whole sides: so is its slack
   double objective_step = 0;  // every objective value is a multiple of it, the offset apart; 0: unknown
   PseudoCosts pseudo_costs;
   std::vector<double> incumbent;  // empty: none

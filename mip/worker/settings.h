@@ -15,6 +15,13 @@ enum class NodeRule { depth_first, best_bound, best_estimate, best_estimate_by_g
 /* -1 never, 0 as it pays, larger values ever more. */
 using Effort = int;
 
+/* Effort by family, and in all. */
+struct CutSettings {
+  Effort fractional = 0, rounding = 0, covers = 0, cliques = 0, flow_covers = 0, implied_bounds = 0,
+         zero_half = 0;
+  int root_rounds = 0;  // -1 none, 0 automatic
+};
+
 struct Settings {
   Tolerances tolerances;
   lp::simplex::Options lp;
@@ -41,6 +48,7 @@ struct Settings {
 
   // What is switched on.
   bool propagate = true, fix_by_reduced_cost = true;
+  CutSettings cuts;
   Effort heuristics = 0;
   std::uint64_t seed = 1;
 };

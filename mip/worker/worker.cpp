@@ -21,6 +21,17 @@ void Worker::backtrack(int position) {
   propagator.went_back(domain);
 }
 
+RelaxationRow Worker::row(int i) const {
+  const int rows = global.problem.num_rows();
+  if (i < rows) {
+    const RowView view = domain.row(i);
+    return {view.columns, view.values, global.problem.lp.row_lower[i], global.problem.lp.row_upper[i],
+            global.row_is_integral[i] != 0};
+  }
+  const Cut& cut = cut_rows[i - rows];
+  return {cut.columns, cut.values, -kInf, cut.side, cut.is_integral};
+}
+
 void Worker::flush() {
   changes_.clear();
   for (const int j : domain.moved_columns()) {

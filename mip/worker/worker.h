@@ -36,6 +36,14 @@ struct Out {
   std::vector<GlobalBound> bounds;
 };
 
+/* A row of the relaxation. */
+struct RelaxationRow {
+  std::span<const int> columns;
+  std::span<const double> values;
+  double lower, upper;
+  bool is_integral;  // its activity is whole wherever the integer columns are
+};
+
 struct Worker {
   Worker(const Global& shared, std::unique_ptr<lp::simplex::Relaxation> engine, lp::Control& stop_control);
 
@@ -46,7 +54,11 @@ struct Worker {
   std::unique_ptr<lp::simplex::Relaxation> relaxation;
   lp::simplex::EngineRandom random;
   Out out;
+  std::vector<Cut> cut_rows;    // of the relaxation, behind the problem's rows
   std::int64_t iterations = 0;  // of the simplex, of all solves
+
+  int num_rows() const { return global.problem.num_rows() + static_cast<int>(cut_rows.size()); }
+  RelaxationRow row(int i) const;
 
   bool propagate() { return propagator.run(domain); }
   void backtrack(int position);

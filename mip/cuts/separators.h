@@ -1,0 +1,15 @@
+/* The table of the cut families. A new one: its file with a class of Plugin, and its line in separators.cpp. */
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "mip/worker/global.h"
+#include "mip/worker/plugin.h"
+
+namespace tovik::mip {
+
+/* Those that the settings allow, in the order in which they are called: cheap ones first. */
+std::vector<std::unique_ptr<Plugin>> make_separators(const Global& global);
+
+}  // namespace tovik::mip

@@ -1,0 +1,76 @@
+#include "mip/search/separation.h"
+
+#include <utility>
+
+#include "mip/cuts/separators.h"
+
+namespace tovik::mip {
+namespace {
+
+constexpr int kPatience = 5;                // solves that a cut row may be slack
+constexpr std::int64_t kBudget = 20000000;  // entries that one separator may touch in a round
+
+}  // namespace
+
+Separation::Separation(const Global& global)
+    : global_(global), separators_(make_separators(global)), pool_(global.problem) {}
+
+int Separation::round(Worker& worker, std::span<const double> x, const Moment& moment) {
+  Moment now = moment;
+  now.budget = kBudget;
+  for (const std::unique_ptr<Plugin>& separator : separators_) {
+    if (separator->call(worker, now) == Verdict::infeasible) break;
+  }
+  for (Cut& cut : worker.out.cuts) pool_.add(std::move(cut));
+  worker.out.cuts.clear();
+  SelectionRules rules;
+  rules.limit = moment.root ? 2000 : 100;
+  std::vector<Cut> chosen = pool_.select(x, rules);
+  if (chosen.empty()) return 0;
+  lp::simplex::RowBlock block;
+  block.entries.rows = global_.problem.num_columns();
+  for (const Cut& cut : chosen) {
+    block.entries.index.insert(block.entries.index.end(), cut.columns.begin(), cut.columns.end());
+    block.entries.value.insert(block.entries.value.end(), cut.values.begin(), cut.values.end());
+    block.entries.start.push_back(static_cast<int>(block.entries.index.size()));
+    ++block.entries.columns;
+    block.lower.push_back(-kInf);
+    block.upper.push_back(cut.side);
+    ++counts_[static_cast<std::size_t>(cut.kind)];
+  }
+  worker.relaxation->add_rows(block);
+  slack_for_.insert(slack_for_.end(), chosen.size(), 0);
+  const int added = static_cast<int>(chosen.size());
+  for (Cut& cut : chosen) worker.cut_rows.push_back(std::move(cut));
+  return added;
+}
+
+bool Separation::drop_slack_rows(Worker& worker, bool at_once) {
+  const int first = global_.problem.num_rows();
+  const int count = rows();
+  std::vector<char> is_basic(static_cast<std::size_t>(count));
+  const int columns = global_.problem.num_columns();
+  for (const int variable : worker.relaxation->basis_head()) {
+    if (variable >= columns + first) is_basic[variable - columns - first] = 1;
+  }
+  std::vector<int> leaving;
+  for (int k = 0; k < count; ++k) {
+    slack_for_[k] = is_basic[k] != 0 ? slack_for_[k] + 1 : 0;
+    if (slack_for_[k] > (at_once ? 0 : kPatience)) leaving.push_back(first + k);
+  }
+  if (leaving.empty()) return false;
+  worker.relaxation->delete_rows(leaving);
+  for (const int row : leaving) {
+    slack_for_[row - first] = -1;
+    worker.cut_rows[row - first].columns.clear();
+  }
+  std::erase_if(worker.cut_rows, [](const Cut& cut) { return cut.columns.empty(); });
+  std::erase(slack_for_, -1);
+  return true;
+}
+
+CutCounts Separation::take_counts() {
+  return std::exchange(counts_, {});
+}
+
+}  // namespace tovik::mip

@@ -1,0 +1,38 @@
+/* The cuts of a search: separators, pool, and the rows of the relaxation that are cuts.
+ *
+ * One round: every separator that is due looks at the relaxation's optimum, the pool gets what they find, the best violated
+ * cuts become rows. Rows that have stood slack for some solves, or at the end of the root, leave.
+ * The caller solves the relaxation before and after. */
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "mip/pool/cut_pool.h"
+#include "mip/worker/plugin.h"
+#include "mip/worker/worker.h"
+
+namespace tovik::mip {
+
+class Separation {
+ public:
+  explicit Separation(const Global& global);
+
+  /* Cuts that became rows. x: the relaxation's optimum. */
+  int round(Worker& worker, std::span<const double> x, const Moment& moment);
+  /* Rows that were slack at the last kPatience optima (all that are slack: at_once) leave; the next solve has nothing to do
+   * for them. True when some did. */
+  bool drop_slack_rows(Worker& worker, bool at_once);
+  /* Cuts by class since the last call. */
+  CutCounts take_counts();
+  int rows() const { return static_cast<int>(slack_for_.size()); }
+
+ private:
+  const Global& global_;
+  std::vector<std::unique_ptr<Plugin>> separators_;
+  CutPool pool_;
+  std::vector<int> slack_for_;  // by cut row: solves since it was tight
+  CutCounts counts_{};
+};
+
+}  // namespace tovik::mip
