@@ -13,6 +13,7 @@
 #include "include/tovik.h"
 #include "lp/binding/build_lp.h"
 #include "lp/binding/engine_control.h"
+#include "lp/run/statistics.h"
 #include "lp/verify/point.h"
 #include "mip/run/build_problem.h"
 #include "mip/run/node_log.h"
@@ -187,6 +188,9 @@ Status run_branch_and_cut(Environment& env, tovik::Problem& problem) {
   const Conclusion end = kept->search.run();
   kept->log.set_in_search(false);
   kept->control.set(nullptr);
+  lp::run::OptimizationStatistics& statistics = lp::run::statistics_of(problem);
+  statistics.presolve.reset();
+  statistics.simplex = kept->search.relaxation_statistics();
   std::unique_ptr<tovik::Solution> solution = solution_of(problem, kept->search.incumbent());
   const Progress progress = kept->search.progress();
   const double sign = problem.model->objective_sense();

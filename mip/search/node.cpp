@@ -51,6 +51,7 @@ std::optional<Conclusion> Search::process(int slot) {
     return Conclusion::unbounded;
   }
   if (result == NodeResult::undecided) undecided_bound_ = std::min(undecided_bound_, tree_[slot].bound);
+  tell_work();
   report(slot, event, result);
   in_process_ = -1;
   tree_.close(slot);
@@ -307,6 +308,12 @@ Search::NodeResult Search::add_children(int slot, const Branching& branching, do
     any = true;
   }
   return any ? NodeResult::branched : NodeResult::cutoff;
+}
+
+void Search::tell_work() {
+  const std::int64_t work = worker_.domain.work() + worker_.propagator.work();
+  control_.add_work(static_cast<std::uint64_t>(work - work_told_));
+  work_told_ = work;
 }
 
 void Search::report(int, NodeEvent& event, NodeResult result) {

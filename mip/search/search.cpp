@@ -87,6 +87,12 @@ Progress Search::progress() {
   return p;
 }
 
+lp::simplex::Statistics Search::relaxation_statistics() const {
+  lp::simplex::Statistics statistics;
+  worker_.relaxation->write_statistics(statistics);
+  return statistics;
+}
+
 Stop Search::asks_to_stop() {
   const Stop stop = control_.poll();
   return stop != Stop::none ? stop : control_.poll_clock();

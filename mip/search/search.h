@@ -64,6 +64,7 @@ class Search {
 
   const Solution& incumbent() const { return incumbent_; }  // no values: none
   Progress progress();
+  lp::simplex::Statistics relaxation_statistics() const;
 
  private:
   struct PathStep {
@@ -106,6 +107,7 @@ class Search {
   bool try_heuristics(int slot);
   double estimate(const Shortfall& shortfall, double objective) const;
   void accept(Solution solution, bool by_heuristic);
+  void tell_work();
   void report(int slot, NodeEvent& event, NodeResult result);
 
   const Problem& problem_;
@@ -136,6 +138,7 @@ class Search {
     double objective = -kInf;  // before the last round
   } rounds_;                   // of separation at the node
   bool started_ = false, new_incumbent_ = false, incumbent_is_heuristic_ = false;
+  std::int64_t work_told_ = 0;  // entries of propagation that the control knows of
   lp::Stop stop_ = lp::Stop::none;
 };
 
