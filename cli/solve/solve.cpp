@@ -96,7 +96,8 @@ void collect_search(const SolveContext& context, const Model& model, Outcome& ou
   ConstEnvHandle env = context.environment.handle();
   outcome.nodes = TVKgetnodecnt(env, model.handle());
   double bound = 0, gap = 0;
-  if (TVKgetbestobjval(env, model.handle(), &bound) == 0 && std::fabs(bound) < 1e75) outcome.best_bound = bound;
+  if (TVKgetbestobjval(env, model.handle(), &bound) == 0 && std::fabs(bound) < 1e75)
+    outcome.best_bound = bound;
   if (outcome.best_bound && TVKgetmiprelgap(env, model.handle(), &gap) == 0) outcome.gap = gap;
 }
 

@@ -44,20 +44,13 @@ Settings settings_of(const Environment& env, const tovik::Problem& problem) {
   take_number(s.real(TVK_PARAM_TRELIM), out.tree_limit);
   out.node_rule = static_cast<NodeRule>(s.integer(TVK_PARAM_NODESEL));
   out.best_bound_interval = s.integer(TVK_PARAM_BBINTERVAL);
-  take_number(s.real(TVK_PARAM_BTTOL), out.backtrack);
   out.first_direction = s.integer(TVK_PARAM_BRDIR);
   out.variable_rule = s.integer(TVK_PARAM_VARSEL);
   out.strong_candidates = s.integer(TVK_PARAM_STRONGCANDLIM);
   out.strong_iterations = s.integer(TVK_PARAM_STRONGITLIM);
   out.cuts.fractional = s.integer(TVK_PARAM_FRACCUTS);
   out.cuts.rounding = s.integer(TVK_PARAM_MIRCUTS);
-  out.cuts.covers = s.integer(TVK_PARAM_COVERS);
-  out.cuts.cliques = s.integer(TVK_PARAM_CLIQUES);
-  out.cuts.flow_covers = s.integer(TVK_PARAM_FLOWCOVERS);
-  out.cuts.implied_bounds = s.integer(TVK_PARAM_IMPLBD);
-  out.cuts.zero_half = s.integer(TVK_PARAM_ZEROHALFCUTS);
   out.cuts.root_rounds = s.integer(TVK_PARAM_CUTPASS);
-  out.heuristics = s.integer(TVK_PARAM_HEURFREQ);
   out.seed = out.lp.seed;
   return out;
 }

@@ -37,7 +37,6 @@ struct Settings {
   // Order of the nodes.
   NodeRule node_rule = NodeRule::best_bound;
   int best_bound_interval = 7;
-  double backtrack = 0.9999;
   int first_direction = 0;  // -1 down, 0 automatic, 1 up
 
   // Branching.
@@ -49,7 +48,6 @@ struct Settings {
   // What is switched on.
   bool propagate = true, fix_by_reduced_cost = true;
   CutSettings cuts;
-  Effort heuristics = 0;
   std::uint64_t seed = 1;
 };
 
