@@ -105,6 +105,11 @@ class ChildSource final : public ByteSource {
     return !failed_;
   }
   bool failed() const override { return failed_; }
+  const char* cause() const override {
+    return child_.lost()
+               ? "nobody can tell whether the program that decodes it ended well (is SIGCHLD ignored?)"
+               : ByteSource::cause();
+  }
 
  private:
   Child child_;  // waited for when its pipe is closed
@@ -180,7 +185,7 @@ Status open_for_reading(Environment& env, const OpenRequest& request, std::uniqu
 
 Status close_source(Environment& env, ByteSource& source, bool reader_failed, const char* name) {
   if (reader_failed ? !source.failed() : source.finish()) return {};
-  message(env.warning_channel, "Warning:  '%.255s' is not read: it ends early or is damaged.\n", name);
+  message(env.warning_channel, "Warning:  '%.255s' is not read: %s.\n", name, source.cause());
   return fail(env, TVK_ERROR_OPEN_FOR_READING, name);
 }
 

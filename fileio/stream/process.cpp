@@ -157,6 +157,7 @@ bool Child::wait() {
   do {
     waited = ::waitpid(id_, &status, 0);
   } while (waited < 0 && errno == EINTR);
+  lost_ = waited < 0;
   const bool fine = waited == id_ && WIFEXITED(status) && WEXITSTATUS(status) == 0;
   id_ = -1;
   return fine;

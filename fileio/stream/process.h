@@ -52,18 +52,23 @@ class Child {
   Child() = default;
   /* Input and output are descriptors above 2, or -1 for the null device. */
   Child(std::vector<std::string> arguments, int input, int output);
-  Child(Child&& other) noexcept : id_(std::exchange(other.id_, -1)) {}
+  Child(Child&& other) noexcept : id_(std::exchange(other.id_, -1)), lost_(other.lost_) {}
   Child& operator=(Child&& other) noexcept {
     std::swap(id_, other.id_);
+    std::swap(lost_, other.lost_);
     return *this;
   }
   ~Child() { wait(); }
   bool started() const { return id_ >= 0; }
   /* Waits for its end; true when it was running and ended well. */
   bool wait();
+  /* Its end came, but somebody else took what it had to tell: SIGCHLD is ignored, or the calling program waits for any
+   * child. */
+  bool lost() const { return lost_; }
 
  private:
   pid_t id_ = -1;
+  bool lost_ = false;
 };
 
 }  // namespace tovik::fileio

@@ -41,6 +41,8 @@ class ByteSource {
   virtual bool finish() = 0;
   /* Something went wrong so far. */
   virtual bool failed() const { return false; }
+  /* Why, behind "is not read: ". */
+  virtual const char* cause() const { return "it ends early or is damaged"; }
   /* How many bytes are still to come, as far as known beforehand; 0 when it is not. A hint for first
    * capacities, never a promise. */
   virtual std::size_t expected_size() const { return 0; }
@@ -67,6 +69,7 @@ class PeekSource final : public ByteSource {
   std::size_t read(char* buffer, std::size_t capacity) override;
   bool finish() override { return source_->finish(); }
   bool failed() const override { return source_->failed(); }
+  const char* cause() const override { return source_->cause(); }
   std::size_t expected_size() const override { return source_->expected_size(); }
 
  private:
