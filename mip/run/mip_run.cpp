@@ -34,7 +34,7 @@ class CallControl : public lp::Control {
   double seconds() override { return control_->seconds(); }
   lp::Stop poll() override { return control_->poll(); }
   lp::Stop poll_clock() override { return control_->poll_clock(); }
-  lp::Stop iteration_callback() override { return lp::Stop::none; }
+  lp::Stop iteration_callback(const lp::ProgressSource&) override { return lp::Stop::none; }
 
  private:
   lp::Control* control_;
