@@ -7,6 +7,7 @@
 #include "api/optimizer_frame.h"
 #include "env/entry.h"
 #include "include/tovik.h"
+#include "lp/run/statistics.h"
 #include "mip/run/mip_run.h"
 
 using namespace tovik;
@@ -16,7 +17,9 @@ int TVKmipopt(ConstEnvHandle env, ProbHandle lp) {
     if (const Status status = mip::run::check_mixed_integer(p); !status.ok()) return status;
     const api::OptimizerFrame frame(e);
     const api::Profile profile(e, 0);
-    return mip::run::run_branch_and_cut(e, p);
+    const Status status = mip::run::run_branch_and_cut(e, p);
+    if (status.ok()) lp::run::note_threads(p, e.limits.top()->threads.count());
+    return status;
   });
 }
 
@@ -50,7 +53,8 @@ int TVKgetmiprelgap(ConstEnvHandle env, ConstProbHandle lp, double* gap_p) {
     if (gap_p == nullptr) return TVK_ERROR_NULL_POINTER;
     const mip::run::SearchResult* result = mip::run::search_result(p);
     if (result == nullptr || p.solution == nullptr) return TVK_ERROR_NO_SOLUTION;
-    *gap_p = std::fabs(result->best_bound - p.solution->objective) / (1e-10 + std::fabs(p.solution->objective));
+    *gap_p =
+        std::fabs(result->best_bound - p.solution->objective) / (1e-10 + std::fabs(p.solution->objective));
     return 0;
   });
 }

@@ -11,6 +11,8 @@ namespace {
 constexpr double kReliable = 8;                // observations in each direction
 constexpr double kLeastGain = 1e-6;            // a gain of 0 must not erase the other direction
 constexpr int kLookahead = 9;                  // candidates without a new best that end strong branching
+constexpr int kProbeIterations = 100;          // of one strong branching run
+constexpr double kScoreWeight = 1e-9;          // of history where gains are equal
 constexpr double kStrongShare = 0.5;           // of the tree's iterations
 constexpr std::int64_t kStrongStart = 100000;  // iterations at once
 constexpr double kInferenceWeight = 1e-3, kCutoffWeight = 1e-3;
@@ -71,8 +73,7 @@ void BranchingRule::keep_highest_priority(std::vector<Fraction>& fractions) cons
   std::erase_if(fractions, [&](const Fraction& f) { return priorities[f.column].level < highest; });
 }
 
-std::vector<BranchingRule::Scored> BranchingRule::score(const Worker& worker,
-                                                        const std::vector<Fraction>& fractions,
+std::vector<BranchingRule::Scored> BranchingRule::score(const std::vector<Fraction>& fractions,
                                                         const PseudoCosts& costs) const {
   std::vector<Scored> result;
   result.reserve(fractions.size());
@@ -80,7 +81,7 @@ std::vector<BranchingRule::Scored> BranchingRule::score(const Worker& worker,
   for (const Fraction& f : fractions) {
     const double down = f.value - std::floor(f.value), up = 1 - down;
     double s = 0;
-    switch (worker.global.settings.variable_rule) {
+    switch (global_.settings.variable_rule) {
       case -1:
         s = -std::min(down, up);
         break;
@@ -109,7 +110,7 @@ std::vector<BranchingRule::Scored> BranchingRule::score(const Worker& worker,
 }
 
 /* 0 down, 1 up: by the caller, the parameter, or towards the root's solution where the branch moves more. */
-int BranchingRule::first_child(const Worker& worker, const Fraction& f) const {
+int BranchingRule::first_child(const Fraction& f) const {
   const std::vector<Priority>& priorities = global_.problem.priorities;
   if (!priorities.empty() && priorities[f.column].direction != 0)
     return priorities[f.column].direction > 0 ? 1 : 0;
@@ -121,77 +122,88 @@ int BranchingRule::first_child(const Worker& worker, const Fraction& f) const {
   const double down =
       (1 + global_.pseudo_costs.inference(f.column, Direction::down)) * std::max(0.0, 1 - move);
   if (up != down) return up > down ? 1 : 0;
-  (void)worker;
   return up_share > 0.5 ? 1 : 0;
 }
 
-Branching BranchingRule::on_columns(Worker& worker, std::span<const double> x,
-                                    const std::vector<Fraction>& fractions, double node_objective,
-                                    PseudoCosts& seen) {
-  const Settings& settings = worker.global.settings;
-  const std::vector<Scored> candidates = score(worker, fractions, seen);
-  const bool probes = settings.variable_rule == 0 || settings.variable_rule == 3;
-  const bool always = settings.variable_rule == 3;
-  const double limit = kStrongShare * static_cast<double>(worker.iterations) + kStrongStart;
-  const std::int64_t per_probe = settings.strong_iterations > 0 ? settings.strong_iterations : 100;
-  const int lookahead = std::max(kLookahead, always ? settings.strong_candidates : 0);
+/* Enough history, or none wanted. */
+bool BranchingRule::is_reliable(const Fraction& f, const PseudoCosts& seen) const {
+  switch (global_.settings.variable_rule) {
+    case 0:
+      return std::min(seen.observations(f.column, Direction::down),
+                      seen.observations(f.column, Direction::up)) >= kReliable;
+    case 3:
+      return false;
+    default:
+      return true;
+  }
+}
 
-  std::size_t best = 0;
+/* Solves the child for a few iterations. A bound beyond the cutoff goes on the trail as its negation, and ends the choice. */
+std::optional<Branching> BranchingRule::probe(Worker& worker, const Fraction& f, Direction d,
+                                              double node_objective, PseudoCosts& seen, Prospect* prospect) {
+  const bool is_up = d == Direction::up;
+  const std::size_t side = is_up ? 1 : 0;
+  const Settings& settings = global_.settings;
+  lp::simplex::Limits limits;
+  limits.iterations = settings.strong_iterations > 0 ? settings.strong_iterations : kProbeIterations;
+  limits.cutoff = global_.cutoff;
+  const double bound = is_up ? std::ceil(f.value) : std::floor(f.value);
+  const lp::simplex::BranchBound found = worker.relaxation->probe(
+      worker.control, f.column, bound, is_up ? lp::simplex::Side::up : lp::simplex::Side::down, limits);
+  strong_iterations_ += found.iterations;
+  if (worker.control.poll() != lp::Stop::none || worker.control.poll_clock() != lp::Stop::none) {
+    return Branching{Branching::Kind::stopped, {}, 0};
+  }
+  const bool is_cut = found.bound >= global_.cutoff;
+  seen.add_cutoff(f.column, d, is_cut);
+  if (is_cut) {
+    worker.domain.tighten(f.column, is_up ? Side::upper : Side::lower, is_up ? bound - 1 : bound + 1,
+                          {Reason::Kind::probing, f.column});
+    return Branching{
+        worker.domain.is_infeasible() ? Branching::Kind::infeasible : Branching::Kind::tightened, {}, 0};
+  }
+  const double gain = std::max(0.0, found.bound - node_objective);
+  if (found.outcome == lp::Outcome::optimal) seen.add_gain(f.column, d, std::fabs(bound - f.value), gain);
+  prospect->gains[side] = gain;
+  prospect->bounds[side] = found.bound;
+  return std::nullopt;
+}
+
+/* The best of the candidates, looked at in the order of their scores until several in a row are no better. */
+Branching BranchingRule::on_columns(Worker& worker, const std::vector<Fraction>& fractions,
+                                    double node_objective, PseudoCosts& seen) {
+  const Settings& settings = global_.settings;
+  const std::vector<Scored> candidates = score(fractions, seen);
+  const double most_iterations = kStrongShare * static_cast<double>(worker.iterations) + kStrongStart;
+  const int lookahead =
+      settings.variable_rule == 3 ? std::max(kLookahead, settings.strong_candidates) : kLookahead;
+  const bool compares_gains = settings.variable_rule == 0 || settings.variable_rule == 3;
+  Fraction best = candidates.front().fraction;
+  Prospect best_prospect;
   double best_score = -1;
-  std::array<double, 2> best_bounds{-kInf, -kInf};
   int without_best = 0;
-  const double root = std::max(1e-9, std::fabs(node_objective) * 1e-12);
-  for (std::size_t k = 0; probes && k < candidates.size(); ++k) {
+  for (std::size_t k = 0; compares_gains && k < candidates.size() && without_best < lookahead; ++k) {
     const Fraction f = candidates[k].fraction;
-    const double down = f.value - std::floor(f.value), up = 1 - down;
-    std::array<double, 2> gains{seen.gain(f.column, Direction::down) * down,
-                                seen.gain(f.column, Direction::up) * up};
-    std::array<double, 2> bounds{-kInf, -kInf};
-    const bool reliable = !always && std::min(seen.observations(f.column, Direction::down),
-                                              seen.observations(f.column, Direction::up)) >= kReliable;
-    if (!reliable && static_cast<double>(strong_iterations_) < limit) {
+    const double down = f.value - std::floor(f.value);
+    Prospect prospect;
+    prospect.gains = {seen.gain(f.column, Direction::down) * down,
+                      seen.gain(f.column, Direction::up) * (1 - down)};
+    if (!is_reliable(f, seen) && static_cast<double>(strong_iterations_) < most_iterations) {
       for (const Direction d : {Direction::down, Direction::up}) {
-        const bool is_up = d == Direction::up;
-        lp::simplex::Limits limits;
-        limits.iterations = per_probe;
-        limits.cutoff = worker.global.cutoff;
-        const double bound = is_up ? std::ceil(f.value) : std::floor(f.value);
-        const lp::simplex::BranchBound found = worker.relaxation->probe(
-            worker.control, f.column, bound, is_up ? lp::simplex::Side::up : lp::simplex::Side::down, limits);
-        strong_iterations_ += found.iterations;
-        if (worker.control.poll() != lp::Stop::none || worker.control.poll_clock() != lp::Stop::none)
-          return {Branching::Kind::stopped, {}, 0};
-        const bool is_cut = found.bound >= worker.global.cutoff;
-        seen.add_cutoff(f.column, d, is_cut);
-        if (is_cut) {
-          worker.domain.tighten(f.column, is_up ? Side::upper : Side::lower, is_up ? bound - 1 : bound + 1,
-                                {Reason::Kind::probing, f.column});
-          return {worker.domain.is_infeasible() ? Branching::Kind::infeasible : Branching::Kind::tightened,
-                  {},
-                  0};
-        }
-        const double gain = std::max(0.0, found.bound - node_objective);
-        if (found.outcome == lp::Outcome::optimal) seen.add_gain(f.column, d, is_up ? up : down, gain);
-        gains[is_up ? 1 : 0] = gain;
-        bounds[is_up ? 1 : 0] = found.bound;
+        if (std::optional<Branching> end = probe(worker, f, d, node_objective, seen, &prospect)) return *end;
       }
     }
-    const double s = product(gains[0], gains[1]) + root * candidates[k].score;
-    if (s > best_score) {
-      best_score = s;
-      best = k;
-      best_bounds = bounds;
-      without_best = 0;
-    } else if (++without_best >= lookahead) {
-      break;
-    }
+    const double s = product(prospect.gains[0], prospect.gains[1]) + kScoreWeight * candidates[k].score;
+    ++without_best;
+    if (s <= best_score) continue;
+    best_score = s;
+    best = f;
+    best_prospect = prospect;
+    without_best = 0;
   }
-  const Fraction f = candidates[best].fraction;
-  Branching b = split(worker, f.column, f.value);
-  b.children[0].bound = best_bounds[0];
-  b.children[1].bound = best_bounds[1];
-  b.first = first_child(worker, f);
-  (void)x;
+  Branching b = split(worker, best.column, best.value);
+  for (std::size_t k = 0; k < 2; ++k) b.children[k].bound = best_prospect.bounds[k];
+  b.first = first_child(best);
   return b;
 }
 
@@ -200,7 +212,7 @@ Branching BranchingRule::choose(Worker& worker, std::span<const double> x, const
   if (shortfall.fractions.empty()) return branch_on_object(worker, x, shortfall);
   std::vector<Fraction> fractions = shortfall.fractions;
   keep_highest_priority(fractions);
-  return on_columns(worker, x, fractions, node_objective, seen);
+  return on_columns(worker, fractions, node_objective, seen);
 }
 
 }  // namespace tovik::mip

@@ -7,6 +7,8 @@
 #pragma once
 
 #include <array>
+#include <optional>
+#include <span>
 #include <vector>
 
 #include "mip/branching/branch.h"
@@ -45,7 +47,7 @@ struct Branching {
 
 class BranchingRule {
  public:
-  explicit BranchingRule(const Global& global) : root_values_(), global_(global) {}
+  explicit BranchingRule(const Global& global) : global_(global) {}
 
   /* x: the relaxation's solution, of which shortfall is not empty. node_objective: its value. Bounds that strong branching
    * proves are put on the domain's trail (tightened). Pseudo-costs seen go into `seen`. */
@@ -61,12 +63,18 @@ class BranchingRule {
     Fraction fraction;
     double score;
   };
+  /* Of a candidate, down and up: gain of the bound, and the bound itself where it is known. */
+  struct Prospect {
+    std::array<double, 2> gains{}, bounds{-kInf, -kInf};
+  };
   void keep_highest_priority(std::vector<Fraction>& fractions) const;
-  std::vector<Scored> score(const Worker& worker, const std::vector<Fraction>& fractions,
-                            const PseudoCosts& costs) const;
-  Branching on_columns(Worker& worker, std::span<const double> x, const std::vector<Fraction>& fractions,
-                       double node_objective, PseudoCosts& seen);
-  int first_child(const Worker& worker, const Fraction& fraction) const;
+  std::vector<Scored> score(const std::vector<Fraction>& fractions, const PseudoCosts& costs) const;
+  bool is_reliable(const Fraction& f, const PseudoCosts& seen) const;
+  std::optional<Branching> probe(Worker& worker, const Fraction& f, Direction d, double node_objective,
+                                 PseudoCosts& seen, Prospect* prospect);
+  Branching on_columns(Worker& worker, const std::vector<Fraction>& fractions, double node_objective,
+                       PseudoCosts& seen);
+  int first_child(const Fraction& f) const;
 
   std::vector<double> root_values_;
   const Global& global_;

@@ -29,6 +29,25 @@ std::string text(const char* format, ...) {
   return buffer;
 }
 
+constexpr const char* kClassNames[kCutClasses] = {
+    "Covers",   "GUBcuts",  "Flowcuts",  "Cliques",   "Fract",     "MIRcuts",  "Flowpaths", "Disjcuts",
+    "Impl Bds", "ZeroHalf", "MCF",       "Local Cov", "Tighten",   "ObjDisj",  "User",      "Table",
+    "Pool",     "Discard",  "Local Cut", "GCS",       "EnumCover", "UserSoft", "Cone"};
+
+/* The name of the class where there is but one; blank without cuts. */
+std::string cuts_field(const CutCounts& cuts) {
+  int total = 0;
+  std::size_t classes = 0, last = 0;
+  for (std::size_t k = 0; k < kCutClasses; ++k) {
+    if (cuts[k] == 0) continue;
+    total += cuts[k];
+    ++classes;
+    last = k;
+  }
+  if (classes == 0) return "";
+  return classes == 1 ? text("%s: %d", kClassNames[last], total) : text("Cuts: %d", total);
+}
+
 /* Rows come ever more seldom. */
 double spacing(std::int64_t rows) {
   return rows < 10 ? 0.25 : rows < 100 ? 1 : rows < 1000 ? 4 : rows < 10000 ? 16 : 64;
@@ -108,6 +127,18 @@ void NodeLog::node(const NodeEvent& event) {
   row(event, progress);
 }
 
+void NodeLog::cuts(const CutCounts& added) {
+  for (std::size_t k = 0; k < kCutClasses; ++k) cuts_[k] += added[k];
+  if (display() < 3) return;
+  header();
+  message(env_.results_channel, "%c%6s%c%5s %19s %13s %13s %8s %8s\n", ' ', "", ' ', "", "", "",
+          cuts_field(cuts_).c_str(), "", "");
+  cuts_ = {};
+  for (Channel* channel : {env_.results_channel, env_.log_channel}) {
+    if (channel != nullptr) channel->flush();
+  }
+}
+
 void NodeLog::brief_line(const NodeEvent& event, const Progress& progress) {
   header();
   std::string bound = text("%14.6le\n", in_users_sense(progress.best_bound));
@@ -131,7 +162,9 @@ std::string NodeLog::objective_field(const NodeEvent& event) const {
 void NodeLog::row(const NodeEvent& event, const Progress& progress) {
   header();
   const bool blank_integer = incumbent_ >= kNoValue;
-  const std::string bound = std::fabs(progress.best_bound) < kNoBound ? number(progress.best_bound) : "";
+  std::string bound = cuts_field(cuts_);
+  if (bound.empty() && std::fabs(progress.best_bound) < kNoBound) bound = number(progress.best_bound);
+  cuts_ = {};
   const auto iterations = static_cast<double>(progress.iterations);
   message(env_.results_channel, "%c%6d%c%5d %19s %13s %13s %s %8s\n", event.new_incumbent ? '*' : ' ',
           static_cast<int>(event.nodes), event.new_incumbent && event.by_heuristic ? '+' : ' ',

@@ -22,6 +22,7 @@ class NodeLog : public Observer {
   void set_in_search(bool in_search) { in_search_ = in_search; }
 
   void node(const NodeEvent& event) override;
+  void cuts(const CutCounts& added) override;
   void solution(double objective, std::span<const double> x) override;
 
  private:
@@ -44,6 +45,7 @@ class NodeLog : public Observer {
   std::int64_t rows_ = 0;
   std::uint64_t last_row_ticks_ = 0;
   double incumbent_ = kInf;
+  CutCounts cuts_{};  // since the last row or cut line
 };
 
 }  // namespace tovik::mip::run

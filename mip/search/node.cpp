@@ -82,7 +82,7 @@ Search::NodeResult Search::work_on(int slot, NodeEvent& event) {
     const Shortfall shortfall = find_shortfall(worker_, x_);
     event.infeasibilities = shortfall.count();
     if (shortfall.count() == 0) return try_relaxation(slot, objective);
-    if (separate(slot, objective)) continue;
+    if (separate(slot, event)) continue;
     if (try_heuristics(slot)) {
       if (prunes(tree_[slot].bound)) return NodeResult::cutoff;
       continue;
@@ -194,13 +194,14 @@ Search::NodeResult Search::try_relaxation(int slot, double objective) {
 }
 
 /* Adds cuts while the root's bound moves. True when the relaxation has other rows than before. */
-bool Search::separate(int slot, double objective) {
+bool Search::separate(int slot, const NodeEvent& event) {
   const bool is_root = tree_[slot].parent < 0;
   if (!is_root || rounds_.round < 0) return false;
-  const double gain = objective - rounds_.objective;
-  const bool moves = gain > kWorthwhileGain * std::max(1.0, std::fabs(objective));
+  if (rounds_.round == 0) observer_.node(event);
+  const double gain = event.objective - rounds_.objective;
+  const bool moves = gain > kWorthwhileGain * std::max(1.0, std::fabs(event.objective));
   rounds_.stalled = moves ? 0 : rounds_.stalled + 1;
-  rounds_.objective = objective;
+  rounds_.objective = event.objective;
   const int wanted = global_.settings.cuts.root_rounds;
   const int most = wanted == 0 ? kRootRounds : wanted;
   if (rounds_.stalled < kStalledRounds && rounds_.round < most) {
@@ -209,9 +210,14 @@ bool Search::separate(int slot, double objective) {
     moment.root = true;
     moment.depth = tree_[slot].depth;
     moment.round = rounds_.round++;
-    if (separation_.round(worker_, x_, moment) > 0) return true;
+    if (separation_.round(worker_, x_, moment) > 0) {
+      rounds_.any = true;
+      observer_.cuts(separation_.take_counts());
+      return true;
+    }
   }
   rounds_.round = -1;  // done here
+  if (rounds_.any) observer_.node(event);
   return separation_.drop_slack_rows(worker_, true);
 }
 

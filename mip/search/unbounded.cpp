@@ -9,6 +9,7 @@ namespace {
 class SilentObserver : public Observer {
  public:
   void node(const NodeEvent&) override {}
+  void cuts(const CutCounts&) override {}
   void solution(double, std::span<const double>) override {}
 };
 

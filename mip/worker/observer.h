@@ -11,7 +11,7 @@ namespace tovik::mip {
 
 enum class NodeEnd : unsigned char { fractional, integral, infeasible, cutoff };
 
-/* A node that was just processed, or an incumbent that was just found. */
+/* A node that was just processed; of the root also its first relaxation and the one after all cuts. */
 struct NodeEvent {
   NodeEnd end = NodeEnd::fractional;
   std::int64_t nodes = 0;  // processed before this one
@@ -33,6 +33,8 @@ class Observer {
   Observer& operator=(const Observer&) = delete;
   virtual ~Observer() = default;
   virtual void node(const NodeEvent& event) = 0;
+  /* Cuts that became rows of the root's relaxation in one round. */
+  virtual void cuts(const CutCounts& added) = 0;
   /* A better solution, in the space of the problem that the search was given; a node event follows where it was found
    * while one was processed. */
   virtual void solution(double objective, std::span<const double> x) = 0;

@@ -15,6 +15,7 @@ using namespace tovik::mip;
 class SilentObserver : public Observer {
  public:
   void node(const NodeEvent&) override {}
+  void cuts(const CutCounts&) override {}
   void solution(double, std::span<const double>) override {}
 };
 
