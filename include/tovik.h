@@ -815,51 +815,51 @@ TVK_API int TVKgetticks(ConstEnvHandle env, ConstProbHandle lp, double *ticks_p)
 #define TVK_PARAM_PERFVAR_DISPLAY        1122 /* int 1, 0 to 2; stored only */
 #define TVK_PARAM_PERFVAR_MEASURE        1123 /* int 0, 0 to 1; stored only */
 /* Mixed-integer optimizer: 2000-2139 */
-#define TVK_PARAM_BRDIR                  2001 /* int 0, -1 to 1; stored only */
+#define TVK_PARAM_BRDIR                  2001 /* int 0, -1 to 1 */
 #define TVK_PARAM_BTTOL                  2002 /* double 0.9999, 0 to 1; stored only */
 #define TVK_PARAM_CLIQUES                2003 /* int 0, -1 to 3; stored only */
 #define TVK_PARAM_COEREDIND              2004 /* int 2, 0 to 2; stored only */
 #define TVK_PARAM_COVERS                 2005 /* int 0, -1 to 3; stored only */
-#define TVK_PARAM_CUTLO                  2006 /* double -1e75, any; stored only */
-#define TVK_PARAM_CUTUP                  2007 /* double 1e75, any; stored only */
-#define TVK_PARAM_EPAGAP                 2008 /* double 1e-6, 0 to 1e20; stored only */
-#define TVK_PARAM_EPGAP                  2009 /* double 1e-4, 0 to 1; stored only */
-#define TVK_PARAM_EPINT                  2010 /* double 1e-5, 0 to 0.5; stored only */
-#define TVK_PARAM_MIPDISPLAY             2012 /* int 2, 0 to 5; stored only */
-#define TVK_PARAM_MIPINTERVAL            2013 /* int 0, -2100000000 to 2100000000; stored only */
-#define TVK_PARAM_INTSOLLIM              2015 /* int 2100000000, 1 to 2100000000; stored only */
+#define TVK_PARAM_CUTLO                  2006 /* double -1e75, any */
+#define TVK_PARAM_CUTUP                  2007 /* double 1e75, any */
+#define TVK_PARAM_EPAGAP                 2008 /* double 1e-6, 0 to 1e20 */
+#define TVK_PARAM_EPGAP                  2009 /* double 1e-4, 0 to 1 */
+#define TVK_PARAM_EPINT                  2010 /* double 1e-5, 0 to 0.5 */
+#define TVK_PARAM_MIPDISPLAY             2012 /* int 2, 0 to 5 */
+#define TVK_PARAM_MIPINTERVAL            2013 /* int 0, -2100000000 to 2100000000 */
+#define TVK_PARAM_INTSOLLIM              2015 /* int 2100000000, 1 to 2100000000 */
 #define TVK_PARAM_NODEFILEIND            2016 /* int 1, 0 to 3; stored only */
-#define TVK_PARAM_NODELIM                2017 /* int 2100000000, 0 to 2100000000; stored only */
-#define TVK_PARAM_NODESEL                2018 /* int 1, 0 to 3; stored only */
-#define TVK_PARAM_OBJDIF                 2019 /* double 0, any; stored only */
-#define TVK_PARAM_MIPORDIND              2020 /* int 1, 0 to 1; stored only */
-#define TVK_PARAM_RELOBJDIF              2022 /* double 0, 0 to 1; stored only */
+#define TVK_PARAM_NODELIM                2017 /* int 2100000000, 0 to 2100000000 */
+#define TVK_PARAM_NODESEL                2018 /* int 1, 0 to 3 */
+#define TVK_PARAM_OBJDIF                 2019 /* double 0, any */
+#define TVK_PARAM_MIPORDIND              2020 /* int 1, 0 to 1 */
+#define TVK_PARAM_RELOBJDIF              2022 /* double 0, 0 to 1 */
 #define TVK_PARAM_STARTALG               2025 /* int 0, 0 to 6; stored only */
 #define TVK_PARAM_SUBALG                 2026 /* int 0, 0 to 5; stored only */
-#define TVK_PARAM_TRELIM                 2027 /* double 1e75, 0 to 1e75; stored only */
-#define TVK_PARAM_VARSEL                 2028 /* int 0, -1 to 4; stored only */
+#define TVK_PARAM_TRELIM                 2027 /* double 1e75, 0 to 1e75 */
+#define TVK_PARAM_VARSEL                 2028 /* int 0, -1 to 4 */
 #define TVK_PARAM_BNDSTRENIND            2029 /* int -1, -1 to 1; stored only */
 #define TVK_PARAM_HEURFREQ               2031 /* int 0, -1 to 2100000000; stored only */
 #define TVK_PARAM_MIPORDTYPE             2032 /* int 0, 0 to 3; stored only */
 #define TVK_PARAM_CUTSFACTOR             2033 /* double 4, 0 to 1e75; stored only */
 #define TVK_PARAM_RELAXPREIND            2034 /* int -1, -1 to 1; stored only */
 #define TVK_PARAM_PRESLVND               2037 /* int 0, -1 to 2; stored only */
-#define TVK_PARAM_BBINTERVAL             2039 /* int 7, 0 to 2100000000; stored only */
+#define TVK_PARAM_BBINTERVAL             2039 /* int 7, 0 to 2100000000 */
 #define TVK_PARAM_FLOWCOVERS             2040 /* int 0, -1 to 2; stored only */
 #define TVK_PARAM_IMPLBD                 2041 /* int 0, -1 to 2; stored only */
 #define TVK_PARAM_PROBE                  2042 /* int 0, -1 to 3; stored only */
 #define TVK_PARAM_GUBCOVERS              2044 /* int 0, -1 to 2; stored only */
-#define TVK_PARAM_STRONGCANDLIM          2045 /* int 10, 1 to 2100000000; stored only */
-#define TVK_PARAM_STRONGITLIM            2046 /* int 0, 0 to 2100000000; stored only */
+#define TVK_PARAM_STRONGCANDLIM          2045 /* int 10, 1 to 2100000000 */
+#define TVK_PARAM_STRONGITLIM            2046 /* int 0, 0 to 2100000000 */
 #define TVK_PARAM_FRACCAND               2048 /* int 200, 1 to 2100000000; stored only */
-#define TVK_PARAM_FRACCUTS               2049 /* int 0, -1 to 2; stored only */
+#define TVK_PARAM_FRACCUTS               2049 /* int 0, -1 to 2 */
 #define TVK_PARAM_FRACPASS               2050 /* int 0, 0 to 2100000000; stored only */
 #define TVK_PARAM_FLOWPATHS              2051 /* int 0, -1 to 2; stored only */
-#define TVK_PARAM_MIRCUTS                2052 /* int 0, -1 to 2; stored only */
+#define TVK_PARAM_MIRCUTS                2052 /* int 0, -1 to 2 */
 #define TVK_PARAM_DISJCUTS               2053 /* int 0, -1 to 3; stored only */
 #define TVK_PARAM_AGGCUTLIM              2054 /* int 3, 0 to 2100000000; stored only */
 #define TVK_PARAM_MIPCBREDLP             2055 /* int 1, 0 to 1; stored only */
-#define TVK_PARAM_CUTPASS                2056 /* int 0, -1 to 2100000000; stored only */
+#define TVK_PARAM_CUTPASS                2056 /* int 0, -1 to 2100000000 */
 #define TVK_PARAM_MIPEMPHASIS            2058 /* int 0, 0 to 4; stored only */
 #define TVK_PARAM_SYMMETRY               2059 /* int -1, -1 to 5; stored only */
 #define TVK_PARAM_DIVETYPE               2060 /* int 0, 0 to 3; stored only */
@@ -879,7 +879,7 @@ TVK_API int TVKgetticks(ConstEnvHandle env, ConstProbHandle lp, double *ticks_p)
 #define TVK_PARAM_SOLNPOOLAGAP           2106 /* double 1e75, 0 to 1e75; stored only */
 #define TVK_PARAM_SOLNPOOLINTENSITY      2107 /* int 0, 0 to 4; stored only */
 #define TVK_PARAM_POPULATELIM            2108 /* int 20, 1 to 2100000000; stored only */
-#define TVK_PARAM_MIPSEARCH              2109 /* int 0, 0 to 2; stored only */
+#define TVK_PARAM_MIPSEARCH              2109 /* int 0, 0 to 2 */
 #define TVK_PARAM_MIQCPSTRAT             2110 /* int 0, 0 to 2; stored only */
 #define TVK_PARAM_ZEROHALFCUTS           2111 /* int 0, -1 to 2; stored only */
 #define TVK_PARAM_POLISHAFTEREPAGAP      2126 /* double 0, 0 to 1e20; stored only */
