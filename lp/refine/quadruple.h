@@ -1,11 +1,13 @@
 /* A primal simplex in quadruple precision, for small LPs that double precision cannot decide (precision boosting, Eifler,
- * Nicolas-Thouvenin and Gleixner 2024).
+ * Nicolas-Thouvenin and Gleixner 2024), and in octuple precision for those that this does not decide either.
  *
  * The LP is in equation form. A dense tableau is carried along, with an artificial column a row: phase 1 minimizes what
  * they miss, phase 2 the costs; where the misses that are left stay within the tolerance, they are fixed. Largest
- * reduced cost, and the smallest index (Bland 1977) in long rows of degenerate steps.
+ * reduced cost, and the smallest index (Bland 1977) in long rows of degenerate steps. Before it claims anything, values,
+ * duals and the ray are refined by the inverse that the artificial columns hold: pivots leave errors.
  *
- * - Cost: m (n + m) quadruple operations an iteration, some fifty times those in double precision: see affordable().
+ * - Cost: m (n + m) quadruple operations an iteration, some fifty times those in double precision, and octuple ones
+ *   twenty times those: see affordable().
  * - Errors: bad_alloc passes through. */
 #pragma once
 
@@ -28,10 +30,12 @@ struct QuadrupleResult {
   std::int64_t iterations = 0;
 };
 
-/* Whether an LP of that shape is solved within seconds. */
-bool affordable(int rows, int columns);
+enum class Precision { quadruple, octuple };  // of about 34 and 68 digits
 
-QuadrupleResult solve_quadruple(const LpData& lp, double primal_tolerance, std::int64_t iteration_limit,
-                                Control& control);
+/* Whether an LP of that shape is solved within seconds. */
+bool affordable(Precision precision, int rows, int columns);
+
+QuadrupleResult solve_quadruple(const LpData& lp, Precision precision, double primal_tolerance,
+                                std::int64_t iteration_limit, Control& control);
 
 }  // namespace tovik::lp::refine

@@ -155,8 +155,13 @@ class Settlement {
   }
 
   Outcome by_quadruple() {
-    if (!affordable(lp_.num_rows(), form_.lp().num_columns())) return Outcome::numerical_failure;
-    QuadrupleResult found = solve_quadruple(form_.lp(), options_.primal_tolerance,
+    const Outcome outcome = by(Precision::quadruple);
+    return outcome == Outcome::numerical_failure ? by(Precision::octuple) : outcome;
+  }
+
+  Outcome by(Precision precision) {
+    if (!affordable(precision, lp_.num_rows(), form_.lp().num_columns())) return Outcome::numerical_failure;
+    QuadrupleResult found = solve_quadruple(form_.lp(), precision, options_.primal_tolerance,
                                             options_.iteration_limit - iterations_, control_);
     iterations_ += found.iterations;
     if (found.outcome == Outcome::infeasible)

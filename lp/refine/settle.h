@@ -6,7 +6,7 @@
  * 3. The recession form. It ends with a ray, or with multipliers that are feasible for the dual.
  * 4. From that point and those multipliers, between which an optimum must lie: refinement again.
  * 5. Where double precision fails in all of these, or a proof carries noise that more digits would show to be none or to
- *    be the whole proof, and the LP is small: a simplex in quadruple precision.
+ *    be the whole proof, and the LP is small: a simplex in quadruple precision, then in octuple.
  * 6. Where a proof of infeasibility leaves room for points within the tolerance: all this for the LP that has them.
  *
  * Every claim is verified on the LP's own data with twice the digits. Cost: a few solves of LPs of that size, up to

@@ -93,16 +93,16 @@ TEST(Refine, OptimaGainDigits) {
   EXPECT_GT(refined, 60);
 }
 
-TEST(Refine, QuadruplePrecisionAgreesWithTheEngine) {
+void expect_agreement_with_the_engine(Precision precision, int rounds, int least_of_each, double accurate) {
   Random random(11);
   support::QuietControl control;
   int of_outcome[3] = {0, 0, 0};
-  for (int round = 0; round < 1500; ++round) {
+  for (int round = 0; round < rounds; ++round) {
     const LpData lp = random_lp(random);
     const Answer found = solve(lp);
     if (!is_conclusive(found.outcome)) continue;
     const EquationForm form(lp);
-    const QuadrupleResult result = solve_quadruple(form.lp(), 1e-6, kNoLimit, control);
+    const QuadrupleResult result = solve_quadruple(form.lp(), precision, 1e-6, kNoLimit, control);
     EXPECT_TRUE(agree(result.outcome, found.outcome)) << round;
     ++of_outcome[result.outcome == Outcome::optimal ? 0 : result.outcome == Outcome::infeasible ? 1 : 2];
     if (result.outcome != Outcome::optimal || found.outcome != Outcome::optimal) continue;
@@ -111,9 +111,41 @@ TEST(Refine, QuadruplePrecisionAgreesWithTheEngine) {
     EXPECT_NEAR(objective, found.objective, 1e-7 * (1 + std::fabs(objective))) << round;
     Residuals residuals;
     const Accuracy accuracy = measure(form.lp(), result.iterate, residuals);
-    EXPECT_LE(std::max(accuracy.primal, accuracy.dual), 1e-25) << round;
+    EXPECT_LE(std::max(accuracy.primal, accuracy.dual), accurate) << round;
   }
-  for (const int count : of_outcome) EXPECT_GT(count, 100);
+  for (const int count : of_outcome) EXPECT_GT(count, least_of_each);
+}
+
+TEST(Refine, QuadruplePrecisionAgreesWithTheEngine) {
+  expect_agreement_with_the_engine(Precision::quadruple, 1500, 100, 1e-25);
+}
+
+TEST(Refine, OctuplePrecisionAgreesWithTheEngine) {
+  expect_agreement_with_the_engine(Precision::octuple, 500, 30, 1e-25);
+}
+
+/* x0 <= 1, and pairs of columns that all but agree, each pair to make up for 2^-43 times what the one before did: the last
+ * is moved so far by x0 that a step of x0 is nothing to it in quadruple precision, and the bound with it. */
+TEST(Refine, ParallelColumnsUponParallelColumnsAreTold) {
+  constexpr int kPairs = 3;
+  support::DenseLp lp(2 * kPairs + 1, 2 * kPairs + 1);
+  lp.cost[0] = -1;
+  lp.a[0][0] = 1;
+  lp.row_lower[0] = -kInf;
+  lp.row_upper[0] = 1;
+  for (int pair = 0; pair < kPairs; ++pair) {
+    const int row = 2 * pair + 1, u = row, v = row + 1, before = row - 1;
+    lp.lower[u] = lp.lower[v] = -kInf;
+    lp.a[row][u] = lp.a[row][v] = lp.a[row + 1][u] = 1;
+    lp.a[row + 1][v] = 1 + 0x1p-43;
+    lp.a[row + 1][before] = -1;
+  }
+  support::QuietControl control;
+  const EquationForm form(lp.data());
+  const QuadrupleResult found = solve_quadruple(form.lp(), Precision::octuple, 1e-6, kNoLimit, control);
+  ASSERT_EQ(found.outcome, Outcome::optimal);
+  EXPECT_EQ(found.iterate.x[0].value(), 1);
+  EXPECT_EQ(found.iterate.x[2 * kPairs].value(), 0x1p129);
 }
 
 /* From nothing, and from a basis and point that have nothing to do with the LP. */
