@@ -839,7 +839,7 @@ TVK_API int TVKgetticks(ConstEnvHandle env, ConstProbHandle lp, double *ticks_p)
 #define TVK_PARAM_TRELIM                 2027 /* double 1e75, 0 to 1e75 */
 #define TVK_PARAM_VARSEL                 2028 /* int 0, -1 to 4 */
 #define TVK_PARAM_BNDSTRENIND            2029 /* int -1, -1 to 1; stored only */
-#define TVK_PARAM_HEURFREQ               2031 /* int 0, -1 to 2100000000; stored only */
+#define TVK_PARAM_HEURFREQ               2031 /* int 0, -1 to 2100000000 */
 #define TVK_PARAM_MIPORDTYPE             2032 /* int 0, 0 to 3; stored only */
 #define TVK_PARAM_CUTSFACTOR             2033 /* double 4, 0 to 1e75; stored only */
 #define TVK_PARAM_RELAXPREIND            2034 /* int -1, -1 to 1; stored only */
@@ -862,9 +862,9 @@ TVK_API int TVKgetticks(ConstEnvHandle env, ConstProbHandle lp, double *ticks_p)
 #define TVK_PARAM_CUTPASS                2056 /* int 0, -1 to 2100000000 */
 #define TVK_PARAM_MIPEMPHASIS            2058 /* int 0, 0 to 4; stored only */
 #define TVK_PARAM_SYMMETRY               2059 /* int -1, -1 to 5; stored only */
-#define TVK_PARAM_DIVETYPE               2060 /* int 0, 0 to 3; stored only */
-#define TVK_PARAM_RINSHEUR               2061 /* int 0, -1 to 2100000000; stored only */
-#define TVK_PARAM_SUBMIPNODELIM          2062 /* int 500, 1 to 2100000000; stored only */
+#define TVK_PARAM_DIVETYPE               2060 /* int 0, 0 to 3 */
+#define TVK_PARAM_RINSHEUR               2061 /* int 0, -1 to 2100000000 */
+#define TVK_PARAM_SUBMIPNODELIM          2062 /* int 500, 1 to 2100000000 */
 #define TVK_PARAM_LBHEUR                 2063 /* int 0, 0 to 1; stored only */
 #define TVK_PARAM_REPEATPRESOLVE         2064 /* int -1, -1 to 3; stored only */
 #define TVK_PARAM_PROBETIME              2065 /* double 1e75, 0 to 1e75; stored only */

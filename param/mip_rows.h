@@ -47,8 +47,8 @@ inline constexpr auto kMip = std::to_array<Entry>({
             "Branching variable: -1 least fractional, 0 automatic, 1 most fractional, 2 pseudo-costs, 3 "
             "strong branching, 4 pseudo reduced costs"),
     unused(integer(NAMED(BNDSTRENIND), -1, -1, 1, "Bound strengthening: -1 automatic, 0 off, 1 on")),
-    unused(integer(NAMED(HEURFREQ), 0, -1, kUnlimited,
-                   "Nodes between heuristics: -1 none, 0 automatic, k every k nodes")),
+    integer(NAMED(HEURFREQ), 0, -1, kUnlimited,
+            "Nodes between heuristics: -1 none, 0 automatic, k every k nodes"),
     unused(integer(NAMED(MIPORDTYPE), 0, 0, 3,
                    "Generated priority order: 0 none, 1 by cost, 2 by bounds, 3 by cost per entry")),
     unused(
@@ -85,10 +85,10 @@ inline constexpr auto kMip = std::to_array<Entry>({
     unused(integer(NAMED(MIPEMPHASIS), 0, 0, 4,
                    "Emphasis: 0 balance, 1 feasibility, 2 optimality, 3 best bound, 4 hidden solutions")),
     unused(integer(NAMED(SYMMETRY), -1, -1, 5, "Symmetry breaking: -1 automatic, 0 off, 1-5 ever more")),
-    unused(integer(NAMED(DIVETYPE), 0, 0, 3, "Dives: 0 automatic, 1 traditional, 2 probing, 3 guided")),
-    unused(integer(NAMED(RINSHEUR), 0, -1, kUnlimited,
-                   "Nodes between neighbourhood searches around the incumbent: -1 none, 0 automatic")),
-    unused(integer(NAMED(SUBMIPNODELIM), 500, 1, kUnlimited, "Nodes of a sub-search within a heuristic")),
+    integer(NAMED(DIVETYPE), 0, 0, 3, "Dives: 0 automatic, 1 traditional, 2 probing, 3 guided"),
+    integer(NAMED(RINSHEUR), 0, -1, kUnlimited,
+            "Nodes between neighbourhood searches around the incumbent: -1 none, 0 automatic"),
+    integer(NAMED(SUBMIPNODELIM), 500, 1, kUnlimited, "Nodes of a sub-search within a heuristic"),
     unused(integer(NAMED(LBHEUR), 0, 0, 1, "Local branching after each new incumbent: 0 off, 1 on")),
     unused(integer(
         NAMED(REPEATPRESOLVE), -1, -1, 3,

@@ -8,13 +8,12 @@
 namespace tovik::mip {
 namespace {
 
-constexpr double kReliable = 8;                // observations in each direction
-constexpr double kLeastGain = 1e-6;            // a gain of 0 must not erase the other direction
-constexpr int kLookahead = 9;                  // candidates without a new best that end strong branching
-constexpr int kProbeIterations = 100;          // of one strong branching run
-constexpr double kScoreWeight = 1e-9;          // of history where gains are equal
-constexpr double kStrongShare = 0.5;           // of the tree's iterations
-constexpr std::int64_t kStrongStart = 100000;  // iterations at once
+constexpr double kReliable = 8;        // observations in each direction
+constexpr double kLeastGain = 1e-6;    // a gain of 0 must not erase the other direction
+constexpr int kLookahead = 9;          // candidates without a new best that end strong branching
+constexpr int kProbeIterations = 100;  // of one strong branching run
+constexpr double kScoreWeight = 1e-9;  // of history where gains are equal
+constexpr double kStrongShare = 0.5;   // of the tree's iterations
 constexpr double kInferenceWeight = 1e-3, kCutoffWeight = 1e-3;
 
 double product(double down, double up) {
@@ -174,7 +173,8 @@ Branching BranchingRule::on_columns(Worker& worker, const std::vector<Fraction>&
                                     double node_objective, PseudoCosts& seen) {
   const Settings& settings = global_.settings;
   const std::vector<Scored> candidates = score(fractions, seen);
-  const double most_iterations = kStrongShare * static_cast<double>(worker.iterations) + kStrongStart;
+  const double most_iterations =
+      kStrongShare * static_cast<double>(worker.iterations) + static_cast<double>(settings.strong_start);
   const int lookahead =
       settings.variable_rule == 3 ? std::max(kLookahead, settings.strong_candidates) : kLookahead;
   const bool compares_gains = settings.variable_rule == 0 || settings.variable_rule == 3;

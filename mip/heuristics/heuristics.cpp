@@ -1,9 +1,42 @@
 #include "mip/heuristics/heuristics.h"
 
+#include <utility>
+
+#include "mip/heuristics/diving_rules.h"
+#include "mip/heuristics/neighbourhood.h"
+#include "mip/heuristics/one_opt.h"
+#include "mip/heuristics/rounding.h"
+
 namespace tovik::mip {
 
-std::vector<Heuristic> make_heuristics(const Global&) {
-  return {};
+std::vector<Heuristic> make_heuristics(const Global& global) {
+  using Kind = Heuristic::Kind;
+  const HeuristicSettings& settings = global.settings.heuristics;
+  std::vector<Heuristic> table;
+  if (global.integer_columns.empty()) return table;
+  const auto add = [&](bool wanted, int every, Heuristic line) {
+    if (!wanted || every < 0) return;
+    if (every > 0) line.interval = every;
+    table.push_back(std::move(line));
+  };
+  const auto add_dive = [&](bool wanted, std::unique_ptr<Plugin> dive) {
+    add(settings.diving && wanted, settings.interval, {std::move(dive), Kind::dive, 10});
+  };
+  const int every = settings.interval;
+  add(settings.rounding, every, {std::make_unique<SimpleRounding>(), Kind::rounding, 1});
+  add(settings.rounding, every, {std::make_unique<PropagatedRounding>(), Kind::rounding, 5});
+  add(settings.improvement, every, {std::make_unique<OneOpt>(), Kind::improvement, 1});
+  const DiveKind dives = settings.dives;
+  const bool traditional = dives == DiveKind::automatic || dives == DiveKind::traditional;
+  add_dive(traditional, std::make_unique<LockDive>());
+  add_dive(traditional, std::make_unique<PseudoCostDive>());
+  add_dive(traditional || dives == DiveKind::guided, std::make_unique<FractionalDive>());
+  add_dive(dives == DiveKind::automatic || dives == DiveKind::guided, std::make_unique<GuidedDive>());
+  add_dive(dives == DiveKind::probing, std::make_unique<ProbingDive>());
+  const int search_every = settings.neighbourhood_interval;
+  add(true, search_every, {std::make_unique<Rens>(), Kind::neighbourhood, 1, Heuristic::Place::root_only});
+  add(true, search_every, {std::make_unique<Rins>(), Kind::neighbourhood, 100, Heuristic::Place::tree_only});
+  return table;
 }
 
 }  // namespace tovik::mip

@@ -1,7 +1,8 @@
 /* The table of the heuristics. A new one: its file with a class of Plugin, and its line in heuristics.cpp.
  *
  * A heuristic puts points into worker.out.candidates, in the space of the problem; integer columns need only be near whole
- * numbers: the judge decides each and finds the continuous columns anew where it must. */
+ * numbers: the judge decides each and finds the continuous columns anew where it must. It is called where the relaxation
+ * has just been solved to an optimum that is no solution, and leaves domain and relaxation as they were. */
 #pragma once
 
 #include <memory>
@@ -13,11 +14,17 @@
 namespace tovik::mip {
 
 struct Heuristic {
+  enum class Kind {
+    rounding,       // of the relaxation's point: as cheap as a pass over the entries
+    dive,           // one a node, in turn
+    neighbourhood,  // sub-searches
+    improvement     // of each new incumbent, once
+  };
+  enum class Place { everywhere, root_only, tree_only };
   std::unique_ptr<Plugin> plugin;
-  int interval;            // nodes between calls, at most; grows while it finds nothing
-  bool at_root;            // after the root's relaxation
-  std::int64_t last = -1;  // node of the last call
-  int failures = 0;        // in a row
+  Kind kind;
+  int interval;  // nodes between calls, at least; grows while it finds nothing
+  Place place = Place::everywhere;
 };
 
 /* Those that the settings allow, cheap ones first. */

@@ -51,6 +51,10 @@ Settings settings_of(const Environment& env, const tovik::Problem& problem) {
   out.cuts.fractional = s.integer(TVK_PARAM_FRACCUTS);
   out.cuts.rounding = s.integer(TVK_PARAM_MIRCUTS);
   out.cuts.root_rounds = s.integer(TVK_PARAM_CUTPASS);
+  out.heuristics.interval = s.integer(TVK_PARAM_HEURFREQ);
+  out.heuristics.neighbourhood_interval = s.integer(TVK_PARAM_RINSHEUR);
+  out.heuristics.dives = static_cast<DiveKind>(s.integer(TVK_PARAM_DIVETYPE));
+  out.heuristics.sub_nodes = limit(s.integer(TVK_PARAM_SUBMIPNODELIM));
   out.seed = out.lp.seed;
   return out;
 }

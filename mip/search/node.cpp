@@ -223,23 +223,14 @@ bool Search::separate(int slot, const NodeEvent& event) {
 
 /* True when the node has to be looked at again: there is a new incumbent. */
 bool Search::try_heuristics(int slot) {
-  const bool is_root = tree_[slot].parent < 0;
-  bool found = false;
-  for (Heuristic& h : heuristics_) {
-    const int interval = h.interval << std::min(h.failures / 4, 10);
-    if (is_root ? !h.at_root || h.last >= 0 : h.last >= 0 && nodes_ - h.last < interval) continue;
-    h.last = nodes_;
-    Moment moment;
-    moment.root = is_root;
-    moment.depth = tree_[slot].depth;
-    if (h.plugin->call(worker_, moment) == Verdict::nothing) worker_.out.candidates.clear();
-    bool better = false;
-    for (const Candidate& candidate : worker_.out.candidates) better |= offer(candidate.x);
-    worker_.out.candidates.clear();
-    h.failures = better ? 0 : h.failures + 1;
-    found |= better;
-  }
-  return found;
+  Moment moment;
+  moment.root = tree_[slot].parent < 0;
+  moment.depth = tree_[slot].depth;
+  return heuristics_.run(worker_, moment, nodes_, [this](const Candidate& candidate) {
+    const std::int64_t before = judge_.iterations();
+    const bool better = offer(candidate.x);
+    return HeuristicSchedule::Taken{better, judge_.iterations() - before};
+  });
 }
 
 Search::NodeResult Search::branch_on(int slot, const Shortfall& shortfall, double objective, bool* again) {

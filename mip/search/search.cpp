@@ -18,7 +18,9 @@ Search::Search(const Problem& problem, const Settings& settings, lp::Control& co
       judge_(problem, global_.settings, control),
       branching_(global_),
       separation_(global_),
-      heuristics_(make_heuristics(global_)) {}
+      heuristics_(global_) {
+  worker_.sub_search = &sub_search_;
+}
 
 Search::~Search() = default;
 

@@ -17,9 +17,10 @@
 #include <vector>
 
 #include "mip/branching/branching.h"
-#include "mip/heuristics/heuristics.h"
+#include "mip/search/heuristic_schedule.h"
 #include "mip/search/judge.h"
 #include "mip/search/separation.h"
+#include "mip/search/sub_search.h"
 #include "mip/search/tree.h"
 #include "mip/worker/observer.h"
 #include "mip/worker/worker.h"
@@ -118,7 +119,8 @@ class Search {
   Judge judge_;
   BranchingRule branching_;
   Separation separation_;
-  std::vector<Heuristic> heuristics_;
+  HeuristicSchedule heuristics_;
+  TreeSubSearch sub_search_;
   Tree tree_;
   Solution incumbent_;
   std::vector<PathStep> path_;

@@ -6,13 +6,6 @@
 namespace tovik::mip {
 namespace {
 
-class SilentObserver : public Observer {
- public:
-  void node(const NodeEvent&) override {}
-  void cuts(const CutCounts&) override {}
-  void solution(double, std::span<const double>) override {}
-};
-
 /* Objects that the bounds leave open, as if the point lacked all of them. */
 Shortfall undecided_objects(const Worker& worker, std::vector<double>& x) {
   const Problem& problem = worker.global.problem;

@@ -40,4 +40,12 @@ class Observer {
   virtual void solution(double objective, std::span<const double> x) = 0;
 };
 
+/* Of a search that nobody watches. */
+class SilentObserver : public Observer {
+ public:
+  void node(const NodeEvent&) override {}
+  void cuts(const CutCounts&) override {}
+  void solution(double, std::span<const double>) override {}
+};
+
 }  // namespace tovik::mip

@@ -22,8 +22,9 @@ enum class Verdict {
 struct Moment {
   bool root = false;
   int depth = 0;
-  int round = 0;            // of separation at this node
-  std::int64_t budget = 0;  // entries that may be touched
+  int round = 0;                // of separation at this node
+  std::int64_t budget = 0;      // entries that may be touched
+  std::int64_t iterations = 0;  // of the simplex that may be spent
 };
 
 class Plugin {

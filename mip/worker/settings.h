@@ -22,6 +22,17 @@ struct CutSettings {
   int root_rounds = 0;  // -1 none, 0 automatic
 };
 
+enum class DiveKind { automatic, traditional, probing, guided };
+
+struct HeuristicSettings {
+  int interval = 0;                // nodes between calls: -1 never, 0 as it pays
+  int neighbourhood_interval = 0;  // the same of searches in a neighbourhood
+  DiveKind dives = DiveKind::automatic;
+  std::int64_t sub_nodes = 500;  // of a sub-search
+  // What is switched on.
+  bool rounding = true, diving = true, improvement = true;
+};
+
 struct Settings {
   Tolerances tolerances;
   lp::simplex::Options lp;
@@ -44,10 +55,13 @@ struct Settings {
       0;  // -1 least fractional, 0 automatic, 1 most fractional, 2 pseudo-costs, 3 strong, 4 pseudo reduced costs
   int strong_candidates = 10;
   int strong_iterations = 0;  // 0 automatic
+  std::int64_t strong_start =
+      100000;  // iterations of strong branching that need not stand against those of the tree
 
   // What is switched on.
   bool propagate = true, fix_by_reduced_cost = true;
   CutSettings cuts;
+  HeuristicSettings heuristics;
   std::uint64_t seed = 1;
 };
 

@@ -14,6 +14,7 @@
 #include "mip/pool/cut.h"
 #include "mip/propagate/propagator.h"
 #include "mip/worker/global.h"
+#include "mip/worker/sub_search.h"
 
 namespace tovik::mip {
 
@@ -54,8 +55,9 @@ struct Worker {
   std::unique_ptr<lp::simplex::Relaxation> relaxation;
   lp::simplex::EngineRandom random;
   Out out;
-  std::vector<Cut> cut_rows;    // of the relaxation, behind the problem's rows
-  std::int64_t iterations = 0;  // of the simplex, of all solves
+  std::vector<Cut> cut_rows;        // of the relaxation, behind the problem's rows
+  std::int64_t iterations = 0;      // of the simplex, of all solves and sub-searches
+  SubSearch* sub_search = nullptr;  // null: this worker has none
 
   int num_rows() const { return global.problem.num_rows() + static_cast<int>(cut_rows.size()); }
   RelaxationRow row(int i) const;

@@ -12,13 +12,6 @@ namespace {
 
 using namespace tovik::mip;
 
-class SilentObserver : public Observer {
- public:
-  void node(const NodeEvent&) override {}
-  void cuts(const CutCounts&) override {}
-  void solution(double, std::span<const double>) override {}
-};
-
 int models(int otherwise) {
   const char* wanted = std::getenv("TOVIK_MODELS");
   return wanted != nullptr ? std::atoi(wanted) : otherwise;
@@ -53,7 +46,7 @@ TEST(MipSearch, AgreesWithEnumerationWhateverIsSwitchedOff) {
     const support::MipTruth truth = support::Enumeration(problem).run();
     Settings settings;
     check(problem, truth, settings);
-    switch (k % 5) {
+    switch (k % 9) {
       case 0:
         settings.propagate = false;
         break;
@@ -65,6 +58,20 @@ TEST(MipSearch, AgreesWithEnumerationWhateverIsSwitchedOff) {
         break;
       case 3:
         settings.node_rule = static_cast<NodeRule>(maker.random().pick(0, 3));
+        break;
+      case 4:
+        settings.heuristics.interval = maker.random().chance(0.5) ? -1 : 1;
+        break;
+      case 5:
+        settings.heuristics.neighbourhood_interval = maker.random().chance(0.5) ? -1 : 1;
+        break;
+      case 6:
+        settings.heuristics.dives = static_cast<DiveKind>(maker.random().pick(1, 3));
+        settings.heuristics.interval = 1;
+        settings.heuristics.rounding = false;
+        break;
+      case 7:
+        settings.heuristics.diving = settings.heuristics.improvement = false;
         break;
       default:
         settings.first_direction = maker.random().pick(-1, 1);
