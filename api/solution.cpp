@@ -1,9 +1,12 @@
 /* Solution query: status, objective, vectors, method, counters. */
 #include <algorithm>
+#include <climits>
 
+#include "api/count.h"
 #include "env/entry.h"
 #include "env/solution_access.h"
 #include "lp/run/statistics.h"
+#include "mip/run/mip_run.h"
 #include "model/routines/check.h"
 #include "model/routines/query.h"
 
@@ -64,12 +67,22 @@ int solution_type(const Problem& problem) {
 
 }  // namespace
 
+namespace {
+
+/* Of the last optimization; null before the first one. A search counts also where it has found nothing. */
+const lp::run::OptimizationStatistics* last_statistics(Problem& problem) {
+  update_solution(problem);
+  const bool has_run = problem.solution != nullptr || mip::run::search_result(problem) != nullptr;
+  return has_run ? lp::run::kept_statistics(problem) : nullptr;
+}
+
+}  // namespace
+
 int TVKgetstatistics(ConstEnvHandle env, ConstProbHandle lp, char* buffer, int space, int* surplus_p) {
   if (surplus_p != nullptr) *surplus_p = 0;
   return with_problem(env, lp, [&](Environment&, Problem& problem) -> Status {
-    update_solution(problem);
-    const lp::run::OptimizationStatistics* statistics = lp::run::kept_statistics(problem);
-    if (problem.solution == nullptr || statistics == nullptr) return TVK_ERROR_NO_SOLUTION;
+    const lp::run::OptimizationStatistics* statistics = last_statistics(problem);
+    if (statistics == nullptr) return TVK_ERROR_NO_SOLUTION;
     return model::get_text(lp::run::json_text(*statistics).c_str(), buffer, space, surplus_p);
   });
 }
@@ -77,9 +90,8 @@ int TVKgetstatistics(ConstEnvHandle env, ConstProbHandle lp, char* buffer, int s
 int TVKgetticks(ConstEnvHandle env, ConstProbHandle lp, double* ticks_p) {
   return with_problem(env, lp, [&](Environment&, Problem& problem) -> Status {
     if (ticks_p == nullptr) return TVK_ERROR_NULL_POINTER;
-    update_solution(problem);
-    const lp::run::OptimizationStatistics* statistics = lp::run::kept_statistics(problem);
-    if (problem.solution == nullptr || statistics == nullptr) return TVK_ERROR_NO_SOLUTION;
+    const lp::run::OptimizationStatistics* statistics = last_statistics(problem);
+    if (statistics == nullptr) return TVK_ERROR_NO_SOLUTION;
     *ticks_p = static_cast<double>(lp::run::total_ticks(*statistics));
     return {};
   });
@@ -178,7 +190,12 @@ int TVKgetmethod(ConstEnvHandle env, ConstProbHandle lp) {
 }
 
 int TVKgetitcnt(ConstEnvHandle env, ConstProbHandle lp) {
-  return get_counter(env, lp, &Solution::iterations);
+  return api::count_of(env, lp, [](Problem& problem) {
+    update_solution(problem);
+    if (problem.solution != nullptr) return problem.solution->iterations;
+    const mip::run::SearchResult* search = mip::run::search_result(problem);
+    return search == nullptr ? 0 : static_cast<int>(std::min<std::int64_t>(search->iterations, INT_MAX));
+  });
 }
 
 int TVKgetphase1cnt(ConstEnvHandle env, ConstProbHandle lp) {

@@ -43,6 +43,7 @@ const std::vector<Shorthand>& shorthands() {
        "--threads",
        "Most threads to use; 0, or more than there are: all processors (in this version one works)",
        {"THREADS"}},
+      {"--nodes", "--nodes", "Nodes that a mixed-integer search may process", {"NODELIM"}},
       {"--gap", "--gap", "Relative gap at which a mixed-integer search may end", {"EPGAP"}},
       {"--seed", "--seed", "Seed of the random numbers", {kRandomSeed}},
   };
@@ -108,7 +109,7 @@ void add_lenient(CLI::App& app, Options& options) {
 const char kSolveFooter[] =
     "Each model is read (LP, MPS, SAV or network format, compressed too; - reads standard input), optimized, "
     "and\n"
-    "checked. This version solves linear models, and of mixed-integer ones the relaxation (--relax).\n"
+    "checked. This version solves linear and mixed-integer linear models; --relax ignores integrality.\n"
     "\n"
     "Examples:    tovik plan.mps.gz -t 60 --solution plan.sol\n"
     "             tovik *.lp --json -q\n"

@@ -10,12 +10,12 @@ _tovik() {
       compopt -o nospace; return ;;
   esac
   case $verb in
-    solve) options="--params --set --time-limit --ticks --threads --gap --seed --method --relax --lenient --quiet --verbose --print --basis --start --solution --exact --write-basis --write-model --log --json --statistics --exit-zero --version --help" ;;
+    solve) options="--params --set --time-limit --ticks --threads --nodes --gap --seed --method --relax --lenient --quiet --verbose --print --basis --start --solution --exact --write-basis --write-model --log --json --statistics --exit-zero --version --help" ;;
     convert) options="--lenient --params --set --help" ;;
     display) options="--params --set --help" ;;
     check) options="--most --strict --quiet --json --params --set --help" ;;
     verify) options="--pick --tolerance --zeros --relax --json --params --set --help" ;;
-    params) options="--all --params --set --time-limit --ticks --threads --gap --seed --method --help" ;;
+    params) options="--all --params --set --time-limit --ticks --threads --nodes --gap --seed --method --help" ;;
     help) options="" ;;
   esac
   if [[ $word == -* ]]; then

@@ -18,6 +18,7 @@ complete -c tovik -n "__tovik_verb solve" -x -a "(__tovik_parameters)" -l set
 complete -c tovik -n "__tovik_verb solve" -s t -x -l time-limit
 complete -c tovik -n "__tovik_verb solve" -x -l ticks
 complete -c tovik -n "__tovik_verb solve" -x -l threads
+complete -c tovik -n "__tovik_verb solve" -x -l nodes
 complete -c tovik -n "__tovik_verb solve" -x -l gap
 complete -c tovik -n "__tovik_verb solve" -x -l seed
 complete -c tovik -n "__tovik_verb solve" -x -a "auto primal dual network barrier sifting concurrent" -l method
@@ -66,6 +67,7 @@ complete -c tovik -n "__tovik_verb params" -x -a "(__tovik_parameters)" -l set
 complete -c tovik -n "__tovik_verb params" -s t -x -l time-limit
 complete -c tovik -n "__tovik_verb params" -x -l ticks
 complete -c tovik -n "__tovik_verb params" -x -l threads
+complete -c tovik -n "__tovik_verb params" -x -l nodes
 complete -c tovik -n "__tovik_verb params" -x -l gap
 complete -c tovik -n "__tovik_verb params" -x -l seed
 complete -c tovik -n "__tovik_verb params" -x -a "auto primal dual network barrier sifting concurrent" -l method

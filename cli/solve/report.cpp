@@ -141,7 +141,8 @@ std::string closing_block(const Model& model, const Outcome& outcome) {
       format("\nStatus      %s (%d)\n", outcome.status_text.c_str(), outcome.status.value_or(0));
   if (outcome.objective) block += format("Objective   %.12g\n", *outcome.objective);
   if (outcome.best_bound && model.mixed_integer()) {
-    block += format("Bound       %.12g, gap %.2g %%\n", *outcome.best_bound, 100 * outcome.gap.value_or(NAN));
+    block += format("Bound       %.12g", *outcome.best_bound);
+    block += outcome.gap ? format(", gap %.2g %%\n", 100 * *outcome.gap) : std::string("\n");
   }
   if (outcome.best_bound && outcome.so_far)
     block += format("Bound       %.12g so far\n", *outcome.best_bound);

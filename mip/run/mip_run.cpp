@@ -199,6 +199,7 @@ Status run_branch_and_cut(Environment& env, tovik::Problem& problem) {
   kept->result.nodes = progress.nodes;
   kept->result.nodes_left = progress.left;
   kept->result.solutions = progress.solutions;
+  kept->result.iterations = progress.iterations;
   kept->may_go_on = is_limit(end);
   if (solution != nullptr)
     solution->iterations = static_cast<int>(std::min<std::int64_t>(progress.iterations, INT_MAX));

@@ -9,7 +9,7 @@ namespace tovik::mip::run {
 /* What a mixed-integer optimization leaves besides the solution. */
 struct SearchResult {
   double best_bound = 0;  // in the user's sense; +-1e75: none
-  std::int64_t nodes = 0, nodes_left = 0, solutions = 0;
+  std::int64_t nodes = 0, nodes_left = 0, solutions = 0, iterations = 0;
 };
 
 /* 3003 and its kin for a problem that is none; 1017's like for quadratic parts. */

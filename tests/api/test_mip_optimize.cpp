@@ -187,6 +187,22 @@ TEST_F(MipOptimize, LimitsKeepTheTreeAndTheSearchGoesOn) {
   EXPECT_EQ(TVKsetterminate(env_, nullptr), 0);
 }
 
+TEST_F(MipOptimize, ASearchWithoutSolutionTellsWhatItHasDone) {
+  ProbHandle lp = read(
+      "min\n x + y\nst\n c: 6 x + 10 y + 15 z = 29.5\nbounds\n x <= 50\n y <= 50\n z <= 50\ngen\n x y "
+      "z\nend");
+  ASSERT_EQ(TVKsetintparam(env_, TVK_PARAM_NODELIM, 1), 0);
+  ASSERT_EQ(TVKsetintparam(env_, TVK_PARAM_CUTPASS, -1), 0);
+  EXPECT_EQ(solve(lp), TVK_STATUS_MIP_NODE_LIMIT_NO_SOLUTION);
+  double ticks = 0, value = 0;
+  EXPECT_EQ(TVKgetticks(env_, lp, &ticks), 0);
+  EXPECT_GT(ticks, 0);
+  EXPECT_GT(TVKgetitcnt(env_, lp), 0);
+  EXPECT_EQ(TVKgetbestobjval(env_, lp, &value), 0);
+  EXPECT_EQ(TVKgetmiprelgap(env_, lp, &value), TVK_ERROR_NO_SOLUTION);
+  EXPECT_EQ(TVKgetx(env_, lp, &value, 0, 0), TVK_ERROR_NO_SOLUTION);
+}
+
 TEST_F(MipOptimize, CutoffsLeaveNothingWorse) {
   ProbHandle lp = read(
       "max\n 5 a + 4 b + 3 c\nst\n 2 a + 3 b + c <= 5\n 4 a + b + 2 c <= 11\n 3 a + 4 b + 2 c <= 8\nbin\n a "

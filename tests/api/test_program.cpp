@@ -337,6 +337,26 @@ TEST_F(Program, ShowsBlockValuesAndLogWhereAsked) {
   EXPECT_TRUE(contains(run({"model.lp", "-q", "-p"}).out, "metal")) << "rows are printed with -p";
 }
 
+TEST_F(Program, SolvesMixedIntegerModels) {
+  write("mip.lp",
+        "max\n 5 a + 4 b + 3 c\nst\n 2 a + 3 b + c <= 5\n 4 a + b + 2 c <= 11\n 3 a + 4 b + 2 c <= 8\nbin\n "
+        "a b c\nend\n");
+  const Result solved = run({"mip.lp", "--json", "-q"});
+  ASSERT_EQ(solved.exit, 0) << solved.err;
+  const auto json = solved.json();
+  EXPECT_EQ(json["status"], 101);
+  EXPECT_NEAR(json["objective"].get<double>(), 9, 1e-9);
+  EXPECT_NEAR(json["best_bound"].get<double>(), 9, 1e-9);
+  EXPECT_EQ(json["gap"], 0);
+  EXPECT_EQ(json["method"], "mip");
+  EXPECT_EQ(json["integrality"], 0);
+  EXPECT_GE(json["nodes"].get<int>(), 1);
+  const Result stopped = run({"mip.lp", "--nodes", "0"});
+  EXPECT_EQ(stopped.exit, 4) << stopped.out;  // a limit, no solution
+  EXPECT_TRUE(contains(stopped.out, "node limit exceeded, no integer solution (106)")) << stopped.out;
+  EXPECT_FALSE(contains(stopped.err + stopped.out, "Error")) << stopped.err << stopped.out;
+}
+
 TEST_F(Program, DisplaysSizesOrWhatFitsAPattern) {
   write("model.lp", "min x1 + x2 + y\nst\n cap_1: x1 + x2 >= 2\n cap_2: y <= 8\nbounds\n x2 <= 4\nend\n");
   const Result summary = run({"display", "model.lp"});
