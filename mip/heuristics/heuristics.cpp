@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "mip/heuristics/diving_rules.h"
+#include "mip/heuristics/feasibility_pump.h"
 #include "mip/heuristics/neighbourhood.h"
 #include "mip/heuristics/one_opt.h"
 #include "mip/heuristics/rounding.h"
@@ -11,6 +12,7 @@ namespace tovik::mip {
 
 std::vector<Heuristic> make_heuristics(const Global& global) {
   using Kind = Heuristic::Kind;
+  using Place = Heuristic::Place;
   const HeuristicSettings& settings = global.settings.heuristics;
   std::vector<Heuristic> table;
   if (global.integer_columns.empty()) return table;
@@ -33,9 +35,11 @@ std::vector<Heuristic> make_heuristics(const Global& global) {
   add_dive(traditional || dives == DiveKind::guided, std::make_unique<FractionalDive>());
   add_dive(dives == DiveKind::automatic || dives == DiveKind::guided, std::make_unique<GuidedDive>());
   add_dive(dives == DiveKind::probing, std::make_unique<ProbingDive>());
+  add(settings.diving && dives == DiveKind::automatic, every,
+      {std::make_unique<FeasibilityPump>(), Kind::rescue, 1, Place::root_only});
   const int search_every = settings.neighbourhood_interval;
-  add(true, search_every, {std::make_unique<Rens>(), Kind::neighbourhood, 1, Heuristic::Place::root_only});
-  add(true, search_every, {std::make_unique<Rins>(), Kind::neighbourhood, 100, Heuristic::Place::tree_only});
+  add(true, search_every, {std::make_unique<Rens>(), Kind::neighbourhood, 1, Place::root_only});
+  add(true, search_every, {std::make_unique<Rins>(), Kind::neighbourhood, 100, Place::tree_only});
   return table;
 }
 

@@ -17,6 +17,7 @@ struct Heuristic {
   enum class Kind {
     rounding,       // of the relaxation's point: as cheap as a pass over the entries
     dive,           // one a node, in turn
+    rescue,         // where dives have left the search without an incumbent
     neighbourhood,  // sub-searches
     improvement     // of each new incumbent, once
   };

@@ -42,6 +42,7 @@ bool fix_all(Worker& worker, std::span<const double> x) {
   const double threshold = kLeastThreshold + kThresholdRange * worker.random.real();
   int dead_ends = 0;
   for (const int j : order_of_fixing(worker, x)) {
+    if (worker.control.poll() != lp::Stop::none) return false;
     if (domain.is_fixed(j)) continue;
     const double near = std::round(x[j]);
     const double wanted = std::fabs(x[j] - near) <= worker.global.settings.tolerances.integrality
@@ -55,7 +56,6 @@ bool fix_all(Worker& worker, std::span<const double> x) {
     const double other = goes_down ? value - 1 : value + 1;
     if (++dead_ends > kDeadEnds || other < domain.lower(j) || other > domain.upper(j)) return false;
     if (!fix(worker, j, other)) return false;
-    if (worker.control.poll() != lp::Stop::none) return false;
   }
   return least_objective(domain) < worker.global.cutoff;
 }

@@ -20,6 +20,7 @@ HeuristicSchedule::HeuristicSchedule(const Global& global) : global_(global) {
 HeuristicSchedule::Account HeuristicSchedule::account(Heuristic::Kind kind) {
   switch (kind) {
     case Heuristic::Kind::dive:
+    case Heuristic::Kind::rescue:
       return dives;
     case Heuristic::Kind::neighbourhood:
       return sub_searches;
@@ -32,6 +33,11 @@ bool HeuristicSchedule::is_due(const Entry& entry, const Moment& moment, std::in
   const Heuristic& h = entry.heuristic;
   if (h.kind == Heuristic::Kind::improvement) {
     return global_.has_incumbent() && global_.incumbent_value < improved_value_;
+  }
+  if (h.kind == Heuristic::Kind::rescue && global_.has_incumbent()) return false;
+  if (moment.before_cuts) {
+    return h.kind == Heuristic::Kind::rounding ||
+           (h.kind == Heuristic::Kind::dive && !global_.has_incumbent());
   }
   if (moment.root) return h.place != Heuristic::Place::tree_only && entry.last < 0;
   if (h.place == Heuristic::Place::root_only) return false;
@@ -87,6 +93,13 @@ int HeuristicSchedule::next_dive(const Moment& moment, std::int64_t nodes) const
 
 bool HeuristicSchedule::run(Worker& worker, const Moment& moment, std::int64_t nodes, const Taker& take) {
   if (root_iterations_ < 0) root_iterations_ = worker.iterations;
+  if (global_.incumbent_value < seen_value_) {
+    // A new incumbent has a neighbourhood of its own.
+    seen_value_ = global_.incumbent_value;
+    for (Entry& entry : entries_) {
+      if (entry.heuristic.kind == Heuristic::Kind::neighbourhood) entry.failures = 0;
+    }
+  }
   bool found = false, dived = false;
   const int dive = next_dive(moment, nodes);
   for (int k = 0; k < static_cast<int>(entries_.size()); ++k) {
@@ -97,7 +110,7 @@ bool HeuristicSchedule::run(Worker& worker, const Moment& moment, std::int64_t n
     if (kind == Heuristic::Kind::dive && (moment.root ? dived && found : k != dive)) continue;
     if (worker.control.poll() != lp::Stop::none || worker.control.poll_clock() != lp::Stop::none) break;
     dived |= kind == Heuristic::Kind::dive;
-    entry.last = nodes;
+    if (!moment.before_cuts) entry.last = nodes;
     if (kind == Heuristic::Kind::improvement) improved_value_ = global_.incumbent_value;
     found |= call(entry, worker, moment, take);
   }

@@ -1,5 +1,6 @@
 /* When which heuristic is called, and what it may spend.
  *
+ * - Before the root's cuts: roundings, and dives while there is no incumbent, so that a long root is not without one.
  * - Cheap ones come every few nodes, dives one a node in turn, improvements once an incumbent; what finds nothing four
  *   times in a row waits twice as long.
  * - Effort: simplex iterations of dives, and of the judge for them, are a share of the tree's, larger while there is no
@@ -50,6 +51,7 @@ class HeuristicSchedule {
   std::array<std::int64_t, kAccounts> spent_{};
   std::int64_t in_worker_ = 0;         // iterations of the worker that were heuristics'
   std::int64_t root_iterations_ = -1;  // before the first call
+  double seen_value_ = kInf;           // incumbent at the last call
   double improved_value_ = kInf;       // incumbent that improvements have seen
 };
 

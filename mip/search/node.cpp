@@ -82,8 +82,13 @@ Search::NodeResult Search::work_on(int slot, NodeEvent& event) {
     const Shortfall shortfall = find_shortfall(worker_, x_);
     event.infeasibilities = shortfall.count();
     if (shortfall.count() == 0) return try_relaxation(slot, objective);
+    const bool before_cuts = tree_[slot].parent < 0 && !std::exchange(rounds_.tried_heuristics, true);
+    if (before_cuts && try_heuristics(slot, true)) {
+      if (prunes(tree_[slot].bound)) return NodeResult::cutoff;
+      continue;
+    }
     if (separate(slot, event)) continue;
-    if (try_heuristics(slot)) {
+    if (try_heuristics(slot, false)) {
       if (prunes(tree_[slot].bound)) return NodeResult::cutoff;
       continue;
     }
@@ -222,8 +227,9 @@ bool Search::separate(int slot, const NodeEvent& event) {
 }
 
 /* True when the node has to be looked at again: there is a new incumbent. */
-bool Search::try_heuristics(int slot) {
+bool Search::try_heuristics(int slot, bool before_cuts) {
   Moment moment;
+  moment.before_cuts = before_cuts;
   moment.root = tree_[slot].parent < 0;
   moment.depth = tree_[slot].depth;
   return heuristics_.run(worker_, moment, nodes_, [this](const Candidate& candidate) {

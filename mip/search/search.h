@@ -105,7 +105,7 @@ class Search {
   NodeResult branch_unbounded(int slot);
   NodeResult add_children(int slot, const Branching& branching, double objective, double estimate);
   bool separate(int slot, const NodeEvent& event);
-  bool try_heuristics(int slot);
+  bool try_heuristics(int slot, bool before_cuts);
   double estimate(const Shortfall& shortfall, double objective) const;
   void accept(Solution solution, bool by_heuristic);
   void tell_work();
@@ -138,8 +138,9 @@ class Search {
   struct {
     int round = 0, stalled = 0;
     double objective = -kInf;  // before the last round
-    bool any = false;          // has brought rows
-  } rounds_;                   // of separation at the node
+    bool tried_heuristics = false;
+    bool any = false;  // has brought rows
+  } rounds_;           // of separation at the node
   bool started_ = false, new_incumbent_ = false, incumbent_is_heuristic_ = false;
   std::int64_t work_told_ = 0;  // entries of propagation that the control knows of
   lp::Stop stop_ = lp::Stop::none;

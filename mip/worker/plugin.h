@@ -23,6 +23,7 @@ struct Moment {
   bool root = false;
   int depth = 0;
   int round = 0;                // of separation at this node
+  bool before_cuts = false;     // the first relaxation of the root
   std::int64_t budget = 0;      // entries that may be touched
   std::int64_t iterations = 0;  // of the simplex that may be spent
 };

@@ -5,6 +5,7 @@
 
 #include "mip/domain/point.h"
 #include "mip/heuristics/diving_rules.h"
+#include "mip/heuristics/feasibility_pump.h"
 #include "mip/heuristics/heuristics.h"
 #include "mip/heuristics/one_opt.h"
 #include "mip/heuristics/reduced_problem.h"
@@ -86,7 +87,6 @@ TEST(MipHeuristics, LeaveTheWorkerAsItWas) {
     Worker& worker = root.worker;
     std::vector<double> x(worker.relaxation->primal().begin(), worker.relaxation->primal().end());
     if (find_shortfall(worker, x).fractions.empty()) continue;
-    root.global.incumbent.assign(x.size(), 0.0);  // to aim at, whatever it is worth
     const double objective = worker.relaxation->objective();
     const int position = worker.domain.position();
     const std::vector<double> lower(worker.domain.lower().begin(), worker.domain.lower().end());
@@ -95,7 +95,10 @@ TEST(MipHeuristics, LeaveTheWorkerAsItWas) {
     table.push_back({std::make_unique<ProbingDive>(), Heuristic::Kind::dive, 1});
     for (const Heuristic& h : table) {
       SCOPED_TRACE(h.plugin->name());
+      // To aim at, whatever it is worth; some work without only.
+      if (h.kind != Heuristic::Kind::rescue) root.global.incumbent.assign(x.size(), 0.0);
       h.plugin->call(worker, generous());
+      root.global.incumbent.clear();
       ++called;
       EXPECT_EQ(worker.domain.position(), position);
       EXPECT_FALSE(worker.domain.is_infeasible());
@@ -199,6 +202,7 @@ TEST(MipHeuristics, DivesFindSolutionsOfAKnapsackWithAnEquation) {
   dives.push_back(std::make_unique<LockDive>());
   dives.push_back(std::make_unique<PseudoCostDive>());
   dives.push_back(std::make_unique<ProbingDive>());
+  dives.push_back(std::make_unique<FeasibilityPump>());
   for (const auto& dive : dives) {
     SCOPED_TRACE(dive->name());
     ASSERT_EQ(dive->call(root.worker, generous()), Verdict::found);
@@ -213,18 +217,18 @@ TEST(MipHeuristics, SettingsSwitchFamiliesOff) {
     Settings settings;
     settings.heuristics = heuristics;
     const Global global(maker.problem(), settings);
-    std::vector<int> count(4);
+    std::vector<int> count(5);
     for (const Heuristic& h : make_heuristics(global)) ++count[static_cast<std::size_t>(h.kind)];
     return count;
   };
   HeuristicSettings settings;
-  EXPECT_EQ(kinds(settings), (std::vector<int>{2, 4, 2, 1}));
+  EXPECT_EQ(kinds(settings), (std::vector<int>{2, 4, 1, 2, 1}));
   settings.dives = DiveKind::probing;
-  EXPECT_EQ(kinds(settings), (std::vector<int>{2, 1, 2, 1}));
+  EXPECT_EQ(kinds(settings), (std::vector<int>{2, 1, 0, 2, 1}));
   settings.interval = -1;
-  EXPECT_EQ(kinds(settings), (std::vector<int>{0, 0, 2, 0}));
+  EXPECT_EQ(kinds(settings), (std::vector<int>{0, 0, 0, 2, 0}));
   settings.neighbourhood_interval = -1;
-  EXPECT_EQ(kinds(settings), (std::vector<int>{0, 0, 0, 0}));
+  EXPECT_EQ(kinds(settings), (std::vector<int>{0, 0, 0, 0, 0}));
 }
 
 }  // namespace
