@@ -817,9 +817,9 @@ TVK_API int TVKgetticks(ConstEnvHandle env, ConstProbHandle lp, double *ticks_p)
 /* Mixed-integer optimizer: 2000-2139 */
 #define TVK_PARAM_BRDIR                  2001 /* int 0, -1 to 1 */
 #define TVK_PARAM_BTTOL                  2002 /* double 0.9999, 0 to 1; stored only */
-#define TVK_PARAM_CLIQUES                2003 /* int 0, -1 to 3; stored only */
+#define TVK_PARAM_CLIQUES                2003 /* int 0, -1 to 3 */
 #define TVK_PARAM_COEREDIND              2004 /* int 2, 0 to 2; stored only */
-#define TVK_PARAM_COVERS                 2005 /* int 0, -1 to 3; stored only */
+#define TVK_PARAM_COVERS                 2005 /* int 0, -1 to 3 */
 #define TVK_PARAM_CUTLO                  2006 /* double -1e75, any */
 #define TVK_PARAM_CUTUP                  2007 /* double 1e75, any */
 #define TVK_PARAM_EPAGAP                 2008 /* double 1e-6, 0 to 1e20 */
@@ -841,12 +841,12 @@ TVK_API int TVKgetticks(ConstEnvHandle env, ConstProbHandle lp, double *ticks_p)
 #define TVK_PARAM_BNDSTRENIND            2029 /* int -1, -1 to 1; stored only */
 #define TVK_PARAM_HEURFREQ               2031 /* int 0, -1 to 2100000000 */
 #define TVK_PARAM_MIPORDTYPE             2032 /* int 0, 0 to 3; stored only */
-#define TVK_PARAM_CUTSFACTOR             2033 /* double 4, 0 to 1e75; stored only */
+#define TVK_PARAM_CUTSFACTOR             2033 /* double 4, 0 to 1e75 */
 #define TVK_PARAM_RELAXPREIND            2034 /* int -1, -1 to 1; stored only */
 #define TVK_PARAM_PRESLVND               2037 /* int 0, -1 to 2; stored only */
 #define TVK_PARAM_BBINTERVAL             2039 /* int 7, 0 to 2100000000 */
-#define TVK_PARAM_FLOWCOVERS             2040 /* int 0, -1 to 2; stored only */
-#define TVK_PARAM_IMPLBD                 2041 /* int 0, -1 to 2; stored only */
+#define TVK_PARAM_FLOWCOVERS             2040 /* int 0, -1 to 2 */
+#define TVK_PARAM_IMPLBD                 2041 /* int 0, -1 to 2 */
 #define TVK_PARAM_PROBE                  2042 /* int 0, -1 to 3; stored only */
 #define TVK_PARAM_GUBCOVERS              2044 /* int 0, -1 to 2; stored only */
 #define TVK_PARAM_STRONGCANDLIM          2045 /* int 10, 1 to 2100000000 */
@@ -872,7 +872,7 @@ TVK_API int TVKgetticks(ConstEnvHandle env, ConstProbHandle lp, double *ticks_p)
 #define TVK_PARAM_REPAIRTRIES            2067 /* int 0, -1 to 2100000000; stored only */
 #define TVK_PARAM_EPRELAX                2073 /* double 1e-6, 0 to 1e20; stored only */
 #define TVK_PARAM_FPHEUR                 2098 /* int 0, -1 to 2; stored only */
-#define TVK_PARAM_EACHCUTLIM             2102 /* int 2100000000, 0 to 2100000000; stored only */
+#define TVK_PARAM_EACHCUTLIM             2102 /* int 2100000000, 0 to 2100000000 */
 #define TVK_PARAM_SOLNPOOLCAPACITY       2103 /* int 2100000000, 0 to 2100000000; stored only */
 #define TVK_PARAM_SOLNPOOLREPLACE        2104 /* int 0, 0 to 2; stored only */
 #define TVK_PARAM_SOLNPOOLGAP            2105 /* double 1e75, 0 to 1e75; stored only */
@@ -881,7 +881,7 @@ TVK_API int TVKgetticks(ConstEnvHandle env, ConstProbHandle lp, double *ticks_p)
 #define TVK_PARAM_POPULATELIM            2108 /* int 20, 1 to 2100000000; stored only */
 #define TVK_PARAM_MIPSEARCH              2109 /* int 0, 0 to 2 */
 #define TVK_PARAM_MIQCPSTRAT             2110 /* int 0, 0 to 2; stored only */
-#define TVK_PARAM_ZEROHALFCUTS           2111 /* int 0, -1 to 2; stored only */
+#define TVK_PARAM_ZEROHALFCUTS           2111 /* int 0, -1 to 2 */
 #define TVK_PARAM_POLISHAFTEREPAGAP      2126 /* double 0, 0 to 1e20; stored only */
 #define TVK_PARAM_POLISHAFTEREPGAP       2127 /* double 0, 0 to 1; stored only */
 #define TVK_PARAM_POLISHAFTERNODE        2128 /* int 2100000000, 0 to 2100000000; stored only */

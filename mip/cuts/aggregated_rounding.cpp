@@ -11,6 +11,7 @@ namespace {
 constexpr int kAggregations = 5;
 constexpr int kFailures = 100;  // starts in a row without a cut
 constexpr double kTight = 0.1;  // slack of a row relative to its norm
+constexpr double kZero = 1e-9;
 constexpr double kWidestFactor = 1e4;
 constexpr double kDensest = 0.2;  // share of the columns in a sum, and a few more
 constexpr int kDenseAtLeast = 500;
@@ -18,37 +19,14 @@ constexpr int kDenseAtLeast = 500;
 }  // namespace
 
 Verdict AggregatedRounding::call(Worker& worker, const Moment& moment) {
-  const Problem& problem = worker.global.problem;
-  const std::span<const double> x = worker.relaxation->primal();
-  const std::span<const double> y = worker.relaxation->duals();
-  const int rows = problem.num_rows();
-  row_score_.assign(static_cast<std::size_t>(rows), -1);
-  slack_.assign(static_cast<std::size_t>(rows), kInf);
-  std::vector<std::pair<double, int>> starts;
-  for (int i = 0; i < rows; ++i) {
-    const RelaxationRow row = worker.row(i);
-    if (row.columns.empty()) continue;
-    double norm = 0, fractions = 0;
-    for (std::size_t k = 0; k < row.columns.size(); ++k) {
-      norm += row.values[k] * row.values[k];
-      const int j = row.columns[k];
-      if (problem.is_integer[j] != 0) fractions += std::fabs(row.values[k]) * fractionality(x[j]);
-    }
-    norm = std::sqrt(norm);
-    const Slack slack = slack_of(row, x);
-    if (!slack.exists || slack.value > kTight * norm) continue;
-    slack_[i] = slack.value;
-    row_score_[i] =
-        fractions / norm + 1e-3 * (1 - slack.value / norm) + 1e-4 * std::min(1.0, std::fabs(y[i]));
-    starts.emplace_back(row_score_[i], i);
-  }
-  std::stable_sort(starts.begin(), starts.end(),
-                   [](const auto& a, const auto& b) { return a.first > b.first; });
-  RowSum sum(problem.num_columns());
-  Rounding rounding(worker);
+  if (substitution_ == Substitution::variable_bounds && worker.global.variable_bounds.columns().empty())
+    return Verdict::nothing;
+  score_rows(worker);
+  RowSum sum(worker.global.problem.num_columns());
+  Rounding rounding(worker, substitution_);
   int failures = 0;
   bool found = false;
-  for (const auto& [score, i] : starts) {
+  for (const auto& [score, i] : starts_) {
     if (failures > kFailures || sum.entries() > moment.budget ||
         worker.control.poll_clock() != lp::Stop::none)
       break;
@@ -56,14 +34,67 @@ Verdict AggregatedRounding::call(Worker& worker, const Moment& moment) {
     failures = success ? 0 : failures + 1;
     found |= success;
   }
+  worker.out.work += sum.entries();
   return found ? Verdict::found : Verdict::nothing;
+}
+
+/* Tight rows, those with fractional columns and a dual value first. A column at a bound that a binary column sets is as
+ * fractional as that. */
+void AggregatedRounding::score_rows(const Worker& worker) {
+  const Problem& problem = worker.global.problem;
+  const std::span<const double> x = worker.relaxation->primal();
+  const std::span<const double> y = worker.relaxation->duals();
+  const int rows = problem.num_rows();
+  row_score_.assign(static_cast<std::size_t>(rows), -1);
+  starts_.clear();
+  const auto fraction_of = [&](int j) {
+    if (problem.is_integer[j] != 0) return fractionality(x[j]);
+    double fraction = 0;
+    if (substitution_ == Substitution::variable_bounds) {
+      for (const VariableBound& b : worker.global.variable_bounds.upper(j)) {
+        if (x[j] >= b.at(x[b.binary]) - kZero)
+          fraction = std::max(fraction, std::fabs(b.slope) * fractionality(x[b.binary]));
+      }
+    }
+    return fraction;
+  };
+  for (int i = 0; i < rows; ++i) {
+    const RelaxationRow row = worker.row(i);
+    if (row.columns.empty()) continue;
+    double norm = 0, fractions = 0;
+    for (std::size_t k = 0; k < row.columns.size(); ++k) {
+      norm += row.values[k] * row.values[k];
+      fractions += std::fabs(row.values[k]) * fraction_of(row.columns[k]);
+    }
+    norm = std::sqrt(norm);
+    const Slack slack = slack_of(row, x);
+    if (!slack.exists || slack.value > kTight * norm) continue;
+    row_score_[i] =
+        fractions / norm + 1e-3 * (1 - slack.value / norm) + 1e-4 * std::min(1.0, std::fabs(y[i]));
+    starts_.emplace_back(row_score_[i], i);
+  }
+  std::stable_sort(starts_.begin(), starts_.end(),
+                   [](const auto& a, const auto& b) { return a.first > b.first; });
+}
+
+/* Of a continuous column from its nearest bound. */
+double AggregatedRounding::distance(const Worker& worker, int j) const {
+  const std::span<const double> x = worker.relaxation->primal();
+  double far = std::min(x[j] - worker.domain.lower(j), worker.domain.upper(j) - x[j]);
+  if (substitution_ == Substitution::variable_bounds) {
+    for (const VariableBound& b : worker.global.variable_bounds.lower(j))
+      far = std::min(far, x[j] - b.at(x[b.binary]));
+    for (const VariableBound& b : worker.global.variable_bounds.upper(j))
+      far = std::min(far, b.at(x[b.binary]) - x[j]);
+  }
+  return far;
 }
 
 bool AggregatedRounding::try_both_signs(Worker& worker, const RowSum& sum, Rounding& rounding) {
   bool found = false;
   for (const double sign : {1.0, -1.0}) {
     Cut cut;
-    cut.kind = CutClass::mir;
+    cut.kind = substitution_ == Substitution::bounds ? CutClass::mir : CutClass::flow_cover;
     if (!rounding.separate(sum, sign, worker.relaxation->primal(), &cut)) continue;
     worker.out.cuts.push_back(std::move(cut));
     found = true;
@@ -91,7 +122,7 @@ bool AggregatedRounding::aggregate(const Worker& worker, RowSum& sum) {
   double farthest = 1e-6;
   for (const int j : sum.columns()) {
     if (problem.is_integer[j] != 0 || std::fabs(sum.coefficient(j)) < 1e-9) continue;
-    const double far = std::min(x[j] - worker.domain.lower(j), worker.domain.upper(j) - x[j]);
+    const double far = distance(worker, j);
     if (far <= farthest && !(std::isinf(far) && best < 0)) continue;
     farthest = far;
     best = j;

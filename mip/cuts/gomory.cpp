@@ -39,6 +39,7 @@ Verdict GomoryCuts::call(Worker& worker, const Moment& moment) {
     if (sum.entries() > moment.budget || worker.control.poll_clock() != lp::Stop::none) break;
     found |= one_row(worker, p.at, sum, rounding);
   }
+  worker.out.work += sum.entries();
   return found ? Verdict::found : Verdict::nothing;
 }
 

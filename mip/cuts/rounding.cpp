@@ -9,6 +9,7 @@ namespace {
 constexpr double kLeastFraction = 0.01, kLargestFraction = 0.99;  // of the side
 constexpr double kZero = 1e-9;  // coefficients below count as 0, relative to the largest
 constexpr double kLeastEfficacy = 1e-4;
+constexpr double kInside = 1e-6;     // from both bounds
 constexpr std::size_t kDeltas = 12;  // tried for each inequality
 
 double frac(double v) {
@@ -17,92 +18,188 @@ double frac(double v) {
 
 }  // namespace
 
-/* All variables >= 0. False where a column has no bound on the side that is needed. */
+Rounding::Rounding(const Worker& worker, Substitution substitution)
+    : worker_(worker),
+      with_variable_bounds_(substitution == Substitution::variable_bounds),
+      value_(static_cast<std::size_t>(worker.global.problem.num_columns())),
+      is_listed_(value_.size()) {}
+
+/* Adds to the sums by column that build() and shift() make. */
+void Rounding::add(int j, double a, double factor) {
+  if (is_listed_[j] == 0) {
+    is_listed_[j] = 1;
+    listed_.push_back(j);
+  }
+  value_[j].add_product(a, factor);
+}
+
+/* All variables >= 0. False where a column has no bound on the side that is needed. Continuous columns come first: they may
+ * give a share to integer ones. */
 bool Rounding::shift(const RowSum& sum, double sign, std::span<const double> x) {
   terms_.clear();
+  used_variable_bound_ = false;
   lp::CompensatedSum side;
   side.add(sign * sum.side());
-  double largest = 0;
-  for (const int j : sum.columns()) largest = std::max(largest, std::fabs(sum.coefficient(j)));
+  largest_ = 0;
+  for (const int j : sum.columns()) largest_ = std::max(largest_, std::fabs(sum.coefficient(j)));
+  bool possible = true;
   for (const int j : sum.columns()) {
     const double a = sign * sum.coefficient(j);
-    if (a == 0) continue;
-    const double lower = worker_.domain.lower(j), upper = worker_.domain.upper(j);
-    const bool integer = worker_.global.problem.is_integer[j] != 0;
-    if (std::isinf(lower) && std::isinf(upper)) return false;
-    // Rounding noise on a column: its best bound stands for it.
-    if (std::fabs(a) <= kZero * largest) {
-      const double at = a > 0 ? lower : upper;
-      if (std::isinf(at)) return false;
-      side.add_product(-a, at);
-      continue;
+    if (worker_.global.problem.is_integer[j] != 0) {
+      add(j, a, 1);
+    } else if (a != 0) {
+      possible = possible && shift_continuous(j, a, x, side);
     }
-    const bool from_upper = std::isinf(lower) || (!std::isinf(upper) && upper - x[j] < x[j] - lower);
-    const double at = from_upper ? upper : lower;
-    side.add_product(-a, at);
-    if (lower == upper) continue;
-    terms_.push_back({from_upper ? -a : a, std::max(0.0, from_upper ? upper - x[j] : x[j] - lower),
-                      upper - lower, j, false, integer, from_upper});
   }
+  for (const int j : listed_) {
+    possible = possible && shift_integer(j, value_[j].value(), x, side);
+    value_[j] = {};
+    is_listed_[j] = 0;
+  }
+  listed_.clear();
+  if (!possible || (with_variable_bounds_ && !used_variable_bound_)) return false;
   for (std::size_t k = 0; k < sum.slacks().size(); ++k) {
     const RowSum::SlackTerm& s = sum.slacks()[k];
-    const RelaxationRow row = worker_.row(s.row);
-    const double value = std::max(0.0, slack_of(row, x).value);
-    terms_.push_back({sign * s.coefficient, value, kInf, static_cast<int>(k), true, row.is_integral, false});
+    const bool integral = worker_.row(s.row).is_integral;
+    terms_.push_back(
+        {sign * s.coefficient, std::max(0.0, s.value), kInf, static_cast<int>(k), At::slack, integral});
   }
   side_ = side.value();
   return !terms_.empty();
+}
+
+/* To the bound nearest to its value; one that a binary column sets wins a tie. */
+bool Rounding::shift_continuous(int j, double a, std::span<const double> x, lp::CompensatedSum& side) {
+  const double lower = worker_.domain.lower(j), upper = worker_.domain.upper(j);
+  // Rounding noise on a column: its best bound stands for it.
+  if (std::fabs(a) <= kZero * largest_) {
+    const double at = a > 0 ? lower : upper;
+    side.add_product(-a, std::isinf(at) ? 0 : at);
+    return !std::isinf(at);
+  }
+  if (lower == upper) {
+    side.add_product(-a, lower);
+    return true;
+  }
+  const bool from_upper = upper - x[j] < x[j] - lower;
+  double distance = std::max(0.0, from_upper ? upper - x[j] : x[j] - lower);
+  const VariableBound* best = nullptr;
+  bool best_is_upper = false;
+  if (with_variable_bounds_) {
+    const auto look = [&](std::span<const VariableBound> bounds, bool is_upper) {
+      for (const VariableBound& b : bounds) {
+        const double far = std::max(0.0, is_upper ? b.at(x[b.binary]) - x[j] : x[j] - b.at(x[b.binary]));
+        if (far > distance + kZero || (best != nullptr && far >= distance)) continue;
+        if (worker_.domain.is_fixed(b.binary)) continue;
+        distance = far;
+        best = &b;
+        best_is_upper = is_upper;
+      }
+    };
+    look(worker_.global.variable_bounds.lower(j), false);
+    look(worker_.global.variable_bounds.upper(j), true);
+  }
+  if (best != nullptr) {
+    used_variable_bound_ = true;
+    side.add_product(-a, best->constant);
+    add(best->binary, a, best->slope);
+    terms_.push_back({best_is_upper ? -a : a, distance, kInf, j,
+                      best_is_upper ? At::variable_upper : At::variable_lower, false, best});
+    return true;
+  }
+  if (std::isinf(distance)) return false;
+  side.add_product(-a, from_upper ? upper : lower);
+  terms_.push_back(
+      {from_upper ? -a : a, distance, upper - lower, j, from_upper ? At::upper : At::lower, false});
+  return true;
+}
+
+bool Rounding::shift_integer(int j, double a, std::span<const double> x, lp::CompensatedSum& side) {
+  if (a == 0) return true;
+  const double lower = worker_.domain.lower(j), upper = worker_.domain.upper(j);
+  if (std::isinf(lower) && std::isinf(upper)) return false;
+  if (std::fabs(a) <= kZero * largest_) {
+    const double at = a > 0 ? lower : upper;
+    side.add_product(-a, std::isinf(at) ? 0 : at);
+    return !std::isinf(at);
+  }
+  const bool from_upper = upper - x[j] < x[j] - lower;
+  side.add_product(-a, from_upper ? upper : lower);
+  if (lower == upper) return true;
+  terms_.push_back({from_upper ? -a : a, std::max(0.0, from_upper ? upper - x[j] : x[j] - lower),
+                    upper - lower, j, from_upper ? At::upper : At::lower, true});
+  return true;
 }
 
 void Rounding::complement(Term& term) {
   side_ -= term.coefficient * term.range;
   term.coefficient = -term.coefficient;
   term.value = std::max(0.0, term.range - term.value);
-  term.from_upper = !term.from_upper;
+  term.at = term.at == At::upper ? At::lower : At::upper;
 }
 
-/* Violation by norm of the rounded inequality; negative where delta gives none. Slacks have no norm of their own. */
+/* Terms that stand at 0 add nothing to the violation, and efficacy does without them. */
+void Rounding::find_active_terms() {
+  active_.clear();
+  continuous_activity_ = continuous_norm_ = 0;
+  for (std::size_t k = 0; k < terms_.size(); ++k) {
+    const Term& t = terms_[k];
+    if (t.value <= kZero) continue;
+    if (t.is_integer) {
+      active_.push_back(k);
+    } else if (t.coefficient < 0) {
+      continuous_activity_ += t.coefficient * t.value;
+      continuous_norm_ += t.coefficient * t.coefficient;
+    }
+  }
+}
+
+/* Violation of the rounded inequality by the norm of the terms that do not stand at 0; negative where delta gives none. It
+ * only chooses: what is handed out is measured anew. */
 double Rounding::efficacy(double delta) const {
   const double f0 = frac(side_ / delta);
   if (f0 < kLeastFraction || f0 > kLargestFraction) return -1;
-  double activity = 0, norm = 0;
-  for (const Term& t : terms_) {
-    const double a = t.coefficient / delta;
-    const double c =
-        t.is_integer ? std::floor(a) + std::max(0.0, frac(a) - f0) / (1 - f0) : std::min(0.0, a) / (1 - f0);
-    activity += c * t.value;
+  const double share = 1 / (1 - f0), per_delta = 1 / delta;
+  double activity = continuous_activity_ * per_delta * share;
+  double norm = continuous_norm_ * per_delta * per_delta * share * share;
+  for (const std::size_t k : active_) {
+    const double a = terms_[k].coefficient * per_delta;
+    const double whole = std::floor(a);
+    const double c = whole + std::max(0.0, a - whole - f0) * share;
+    activity += c * terms_[k].value;
     norm += c * c;
   }
-  return norm > 0 ? (activity - std::floor(side_ / delta)) / std::sqrt(norm) : -1;
+  return norm > 0 ? (activity - std::floor(side_ * per_delta)) / std::sqrt(norm) : -1;
 }
 
-bool Rounding::separate(const RowSum& sum, double sign, std::span<const double> x, Cut* cut) {
-  if (!shift(sum, sign, x)) return false;
+/* Divisor and complements with the largest efficacy. 0: none is violated. */
+double Rounding::best_delta(double* efficacy_found) {
   std::vector<double> deltas{1};
   for (const Term& t : terms_) {
-    if (!t.is_integer || t.value <= 1e-6 || !(t.value < t.range - 1e-6)) continue;
+    if (!t.is_integer || t.value <= kInside || !(t.value < t.range - kInside)) continue;
     const double d = std::fabs(t.coefficient);
     const bool known =
         std::any_of(deltas.begin(), deltas.end(), [&](double v) { return std::fabs(v - d) <= 1e-6 * v; });
     if (!known && deltas.size() < kDeltas) deltas.push_back(d);
   }
-  double best = 0, best_delta = 0;
+  double best = 0, chosen = 0;
   const auto attempt = [&](double delta) {
     const double e = efficacy(delta);
     if (e <= best) return false;
     best = e;
-    best_delta = delta;
+    chosen = delta;
     return true;
   };
+  find_active_terms();
   for (const double d : deltas) attempt(d);
-  if (best_delta == 0) return false;
-  const double first = best_delta;
+  if (chosen == 0) return 0;
+  const double first = chosen;
   for (const double factor : {2.0, 4.0, 8.0, 0.5, 0.25, 0.125}) attempt(first / factor);
   // Integers strictly between their bounds may do better from the other one; the most fractional first.
   std::vector<std::size_t> between;
   for (std::size_t k = 0; k < terms_.size(); ++k) {
     const Term& t = terms_[k];
-    if (t.is_integer && !std::isinf(t.range) && t.value > 1e-6 && t.value < t.range - 1e-6)
+    if (t.is_integer && !std::isinf(t.range) && t.value > kInside && t.value < t.range - kInside)
       between.push_back(k);
   }
   std::sort(between.begin(), between.end(), [&](std::size_t a, std::size_t b) {
@@ -112,56 +209,69 @@ bool Rounding::separate(const RowSum& sum, double sign, std::span<const double> 
   });
   for (const std::size_t k : between) {
     complement(terms_[k]);
-    if (!attempt(best_delta)) complement(terms_[k]);
+    if (!attempt(chosen)) complement(terms_[k]);
   }
-  if (best < kLeastEfficacy || !build(sum, best_delta, cut)) return false;
+  *efficacy_found = best;
+  return chosen;
+}
+
+bool Rounding::separate(const RowSum& sum, double sign, std::span<const double> x, Cut* cut) {
+  if (!shift(sum, sign, x)) return false;
+  double best = 0;
+  const double delta = best_delta(&best);
+  if (best < kLeastEfficacy || !build(sum, delta, cut)) return false;
   cut->rank = sum.rank() + 1;
   return finish_cut(worker_, x, cut);
 }
 
-/* Shifts back: x' = x - lower, or upper - x; slacks by their rows. */
+/* Shifts back: each variable by its bound, slacks by their rows. */
 bool Rounding::build(const RowSum& sum, double delta, Cut* cut) {
   const double f0 = frac(side_ / delta);
-  const int columns = worker_.global.problem.num_columns();
-  std::vector<int> index;
-  std::vector<lp::CompensatedSum> value(static_cast<std::size_t>(columns));
-  std::vector<char> listed(static_cast<std::size_t>(columns));
   lp::CompensatedSum side;
   side.add(std::floor(side_ / delta));
-  const auto add = [&](int j, double a, double factor) {
-    if (listed[j] == 0) {
-      listed[j] = 1;
-      index.push_back(j);
-    }
-    value[j].add_product(a, factor);
-  };
   for (const Term& t : terms_) {
     const double a = t.coefficient / delta;
     const double c =
         t.is_integer ? std::floor(a) + std::max(0.0, frac(a) - f0) / (1 - f0) : std::min(0.0, a) / (1 - f0);
     if (c == 0) continue;
-    if (t.is_slack) {
-      const RowSum::SlackTerm& s = sum.slacks()[t.column];
-      const RelaxationRow row = worker_.row(s.row);
-      const double factor = s.at_upper ? -c : c;  // t = upper - a x, or a x - lower
-      side.add_product(factor, s.at_upper ? row.upper : row.lower);
-      for (std::size_t k = 0; k < row.columns.size(); ++k) add(row.columns[k], row.values[k], factor);
-    } else {
-      const double factor = t.from_upper ? -c : c;
-      side.add_product(factor,
-                       t.from_upper ? worker_.domain.upper(t.column) : worker_.domain.lower(t.column));
-      add(t.column, 1, factor);
+    switch (t.at) {
+      case At::slack: {
+        const RowSum::SlackTerm& s = sum.slacks()[t.column];
+        const RelaxationRow row = worker_.row(s.row);
+        const double factor = s.at_upper ? -c : c;  // t = upper - a x, or a x - lower
+        side.add_product(factor, s.at_upper ? row.upper : row.lower);
+        for (std::size_t k = 0; k < row.columns.size(); ++k) add(row.columns[k], row.values[k], factor);
+        break;
+      }
+      case At::lower:
+        side.add_product(c, worker_.domain.lower(t.column));
+        add(t.column, 1, c);
+        break;
+      case At::upper:
+        side.add_product(-c, worker_.domain.upper(t.column));
+        add(t.column, 1, -c);
+        break;
+      case At::variable_lower:
+      case At::variable_upper: {
+        const double factor = t.at == At::variable_lower ? c : -c;  // t = factor (x - slope z - constant)
+        side.add_product(factor, t.bound->constant);
+        add(t.column, 1, factor);
+        add(t.bound->binary, -t.bound->slope, factor);
+      }
     }
   }
-  std::sort(index.begin(), index.end());
+  std::sort(listed_.begin(), listed_.end());
   cut->columns.clear();
   cut->values.clear();
-  for (const int j : index) {
-    const double v = value[j].value();
+  for (const int j : listed_) {
+    const double v = value_[j].value();
+    value_[j] = {};
+    is_listed_[j] = 0;
     if (v == 0) continue;
     cut->columns.push_back(j);
     cut->values.push_back(v);
   }
+  listed_.clear();
   cut->side = side.value();
   return !cut->columns.empty();
 }

@@ -5,46 +5,71 @@
  *
  *     sum_int (floor(a/delta) + max(0, f - f0) / (1 - f0)) x + sum_cont min(0, a) / (delta (1 - f0)) x <= floor(side / delta).
  *
- * With delta 1 and a tableau row it is Gomory's mixed-integer cut. Slacks of integral rows count as integers. */
+ * With delta 1 and a tableau row it is Gomory's mixed-integer cut. Slacks of integral rows count as integers. A column may be
+ * shifted to a bound that a binary column sets (x = slope z + constant -+ t); its share then falls to the binary. On rows
+ * of flows with switched capacities that gives flow covers.
+ *
+ * An object serves one call of a separator; its work space is made once. */
 #pragma once
 
 #include <span>
+#include <vector>
 
 #include "mip/cuts/row_sum.h"
 #include "mip/pool/cut.h"
 
 namespace tovik::mip {
 
+enum class Substitution { bounds, variable_bounds };
+
 class Rounding {
  public:
-  explicit Rounding(const Worker& worker) : worker_(worker) {}
+  explicit Rounding(const Worker& worker, Substitution substitution = Substitution::bounds);
 
   /* The most violated cut that the combination, taken as <= (sign 1) or as >= (sign -1), gives at x. False: none is violated
-   * enough. */
+   * enough. With variable bounds: false where none was of use, too. */
   bool separate(const RowSum& sum, double sign, std::span<const double> x, Cut* cut);
 
  private:
+  enum class At : unsigned char { lower, upper, variable_lower, variable_upper, slack };
   /* A term of the shifted inequality: the variable is >= 0. */
   struct Term {
     double coefficient;
     double value;  // at x
     double range;  // upper bound of the shifted variable
-    int column;    // or the slack's position in the sum, see is_slack
-    bool is_slack, is_integer, from_upper;
+    int column;    // of a slack its position in the sum
+    At at;
+    bool is_integer;
+    const VariableBound* bound = nullptr;  // of At::variable_...
   };
   bool shift(const RowSum& sum, double sign, std::span<const double> x);
+  bool shift_continuous(int j, double a, std::span<const double> x, lp::CompensatedSum& side);
+  bool shift_integer(int j, double a, std::span<const double> x, lp::CompensatedSum& side);
   void complement(Term& term);
+  void find_active_terms();
   double efficacy(double delta) const;
+  double best_delta(double* efficacy);
   bool build(const RowSum& sum, double delta, Cut* cut);
+  void add(int j, double a, double factor);
 
   const Worker& worker_;
+  const bool with_variable_bounds_;
   std::vector<Term> terms_;
-  double side_ = 0;
-  lp::CompensatedSum cut_side_;
+  std::vector<std::size_t> active_;  // terms on integers that do not stand at 0
+  double continuous_activity_ = 0,
+         continuous_norm_ = 0;  // of negative continuous terms that do not stand at 0
+  double side_ = 0, largest_ = 0;
+  bool used_variable_bound_ = false;
+  // Work space by column, clean between calls.
+  std::vector<lp::CompensatedSum> value_;
+  std::vector<char> is_listed_;
+  std::vector<int> listed_;
 };
 
-/* Makes a cut safe to add: drops small coefficients against their columns' bounds, widens the side by what rounding may
- * have taken, refuses what is numerically poor, too dense or no longer violated at x. */
+/* Makes a cut safe to add: drops small coefficients against their columns' bounds; on integer columns looks for whole
+ * coefficients and rounds the side down; tightens coefficients of integer columns that are larger than what the cut can
+ * be missed by; widens the side by what rounding may have taken; refuses what is numerically poor, too dense or no longer
+ * violated at x. */
 bool finish_cut(const Worker& worker, std::span<const double> x, Cut* cut);
 
 }  // namespace tovik::mip

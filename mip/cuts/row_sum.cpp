@@ -37,7 +37,7 @@ bool RowSum::add(const Worker& worker, int row, double multiplier, std::span<con
     if (!slack.exists) return false;
     at_upper = slack.at_upper;
     // a x + t = upper, or a x - t = lower.
-    slacks_.push_back({row, at_upper ? multiplier : -multiplier, at_upper});
+    slacks_.push_back({row, at_upper ? multiplier : -multiplier, at_upper, slack.value});
   }
   side_.add_product(multiplier, at_upper ? r.upper : r.lower);
   for (std::size_t k = 0; k < r.columns.size(); ++k) {

@@ -20,6 +20,7 @@ class RowSum {
     int row;
     double coefficient;  // of t
     bool at_upper;       // t = upper - activity, else activity - lower
+    double value;        // of t at the point that add() was given
   };
 
   explicit RowSum(int columns) : values_(static_cast<std::size_t>(columns)), is_listed_(values_.size()) {}

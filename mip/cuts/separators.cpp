@@ -1,7 +1,11 @@
 #include "mip/cuts/separators.h"
 
 #include "mip/cuts/aggregated_rounding.h"
+#include "mip/cuts/clique_cuts.h"
+#include "mip/cuts/cover.h"
 #include "mip/cuts/gomory.h"
+#include "mip/cuts/implied_bounds.h"
+#include "mip/cuts/zero_half.h"
 
 namespace tovik::mip {
 
@@ -11,7 +15,12 @@ std::vector<std::unique_ptr<Plugin>> make_separators(const Global& global) {
   const auto add = [&]<class Separator>(Effort effort, std::unique_ptr<Separator> separator) {
     if (effort >= 0) table.push_back(std::move(separator));
   };
-  add(cuts.rounding, std::make_unique<AggregatedRounding>());
+  add(cuts.implied_bounds, std::make_unique<ImpliedBounds>());
+  add(cuts.cliques, std::make_unique<CliqueCuts>());
+  add(cuts.covers, std::make_unique<CoverCuts>(global));
+  add(cuts.flow_covers, std::make_unique<AggregatedRounding>(Substitution::variable_bounds));
+  add(cuts.rounding, std::make_unique<AggregatedRounding>(Substitution::bounds));
+  add(cuts.zero_half, std::make_unique<ZeroHalfCuts>());
   add(cuts.fractional, std::make_unique<GomoryCuts>());
   return table;
 }

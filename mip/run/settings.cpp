@@ -50,6 +50,13 @@ Settings settings_of(const Environment& env, const tovik::Problem& problem) {
   out.strong_iterations = s.integer(TVK_PARAM_STRONGITLIM);
   out.cuts.fractional = s.integer(TVK_PARAM_FRACCUTS);
   out.cuts.rounding = s.integer(TVK_PARAM_MIRCUTS);
+  out.cuts.covers = s.integer(TVK_PARAM_COVERS);
+  out.cuts.cliques = s.integer(TVK_PARAM_CLIQUES);
+  out.cuts.flow_covers = s.integer(TVK_PARAM_FLOWCOVERS);
+  out.cuts.implied_bounds = s.integer(TVK_PARAM_IMPLBD);
+  out.cuts.zero_half = s.integer(TVK_PARAM_ZEROHALFCUTS);
+  take_number(s.real(TVK_PARAM_CUTSFACTOR), out.cuts.rows_factor);
+  out.cuts.most_of_a_class = s.integer(TVK_PARAM_EACHCUTLIM);
   out.cuts.root_rounds = s.integer(TVK_PARAM_CUTPASS);
   out.heuristics.interval = s.integer(TVK_PARAM_HEURFREQ);
   out.heuristics.neighbourhood_interval = s.integer(TVK_PARAM_RINSHEUR);

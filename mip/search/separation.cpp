@@ -1,5 +1,6 @@
 #include "mip/search/separation.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "mip/cuts/separators.h"
@@ -7,7 +8,10 @@
 namespace tovik::mip {
 namespace {
 
-constexpr int kPatience = 5;                // solves that a cut row may be slack
+constexpr int kPatience = 5;  // solves that a cut row may be slack
+constexpr int kFewRows = 200;
+constexpr int kRootCuts = 2000, kNodeCuts = 100;
+constexpr double kRoomShare = 0.25;  // of all rows that may be; with less left, slack ones leave at once
 constexpr std::int64_t kBudget = 20000000;  // entries that one separator may touch in a round
 
 }  // namespace
@@ -16,6 +20,8 @@ Separation::Separation(const Global& global)
     : global_(global), separators_(make_separators(global)), pool_(global.problem) {}
 
 int Separation::round(Worker& worker, std::span<const double> x, const Moment& moment) {
+  const double most = most_rows();
+  if (most - worker.num_rows() < kRoomShare * most) drop_slack_rows(worker, true);
   Moment now = moment;
   now.budget = kBudget;
   for (const std::unique_ptr<Plugin>& separator : separators_) {
@@ -24,12 +30,35 @@ int Separation::round(Worker& worker, std::span<const double> x, const Moment& m
   for (Cut& cut : worker.out.cuts) pool_.add(std::move(cut));
   worker.out.cuts.clear();
   SelectionRules rules;
-  rules.limit = moment.root ? 2000 : 100;
-  std::vector<Cut> chosen = pool_.select(x, rules);
-  if (chosen.empty()) return 0;
+  rules.limit = moment.root ? kRootCuts : kNodeCuts;
+  rules.limit = static_cast<int>(std::clamp(most - worker.num_rows(), 0.0, static_cast<double>(rules.limit)));
+  std::vector<Cut> chosen;
+  if (rules.limit > 0) chosen = pool_.select(x, rules);
+  const std::int64_t work = pool_.work() + worker.out.work;
+  worker.control.add_work(static_cast<std::uint64_t>(work - work_told_));
+  work_told_ = work;
+  limit_classes(chosen);
+  if (!chosen.empty()) add_rows(worker, chosen);
+  return static_cast<int>(chosen.size());
+}
+
+/* Few rows may have more cuts than their number says. */
+double Separation::most_rows() const {
+  const int rows = global_.problem.num_rows();
+  return rows + (global_.settings.cuts.rows_factor - 1) * std::max(rows, kFewRows);
+}
+
+void Separation::limit_classes(std::vector<Cut>& cuts) {
+  std::erase_if(cuts, [&](const Cut& cut) {
+    int& count = all_counts_[static_cast<std::size_t>(cut.kind)];
+    return count >= global_.settings.cuts.most_of_a_class || (++count, false);
+  });
+}
+
+void Separation::add_rows(Worker& worker, std::vector<Cut>& cuts) {
   lp::simplex::RowBlock block;
   block.entries.rows = global_.problem.num_columns();
-  for (const Cut& cut : chosen) {
+  for (const Cut& cut : cuts) {
     block.entries.index.insert(block.entries.index.end(), cut.columns.begin(), cut.columns.end());
     block.entries.value.insert(block.entries.value.end(), cut.values.begin(), cut.values.end());
     block.entries.start.push_back(static_cast<int>(block.entries.index.size()));
@@ -39,10 +68,8 @@ int Separation::round(Worker& worker, std::span<const double> x, const Moment& m
     ++counts_[static_cast<std::size_t>(cut.kind)];
   }
   worker.relaxation->add_rows(block);
-  slack_for_.insert(slack_for_.end(), chosen.size(), 0);
-  const int added = static_cast<int>(chosen.size());
-  for (Cut& cut : chosen) worker.cut_rows.push_back(std::move(cut));
-  return added;
+  slack_for_.insert(slack_for_.end(), cuts.size(), 0);
+  for (Cut& cut : cuts) worker.cut_rows.push_back(std::move(cut));
 }
 
 bool Separation::drop_slack_rows(Worker& worker, bool at_once) {

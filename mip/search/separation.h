@@ -1,7 +1,7 @@
 /* The cuts of a search: separators, pool, and the rows of the relaxation that are cuts.
  *
  * One round: every separator that is due looks at the relaxation's optimum, the pool gets what they find, the best violated
- * cuts become rows. Rows that have stood slack for some solves, or at the end of the root, leave.
+ * cuts become rows, as far as the limits on rows and on the cuts of a class allow. Rows that have stood slack for some solves, or at the end of the root, leave.
  * The caller solves the relaxation before and after. */
 #pragma once
 
@@ -28,11 +28,17 @@ class Separation {
   int rows() const { return static_cast<int>(slack_for_.size()); }
 
  private:
+  double most_rows() const;
+  void limit_classes(std::vector<Cut>& cuts);
+  void add_rows(Worker& worker, std::vector<Cut>& cuts);
+
   const Global& global_;
   std::vector<std::unique_ptr<Plugin>> separators_;
   CutPool pool_;
   std::vector<int> slack_for_;  // by cut row: solves since it was tight
-  CutCounts counts_{};
+  CutCounts counts_{};          // since they were last asked for
+  CutCounts all_counts_{};
+  std::int64_t work_told_ = 0;
 };
 
 }  // namespace tovik::mip

@@ -87,6 +87,8 @@ Global::Global(const Problem& the_problem, const Settings& the_settings)
       is_discrete(the_problem.is_integer),
       locks(count_locks(the_problem)),
       row_is_integral(find_integral_rows(the_problem)),
+      cliques(the_problem),
+      variable_bounds(the_problem),
       objective_step(find_objective_step(the_problem)),
       pseudo_costs(the_problem.num_columns()),
       cutoff(the_settings.cutoff) {

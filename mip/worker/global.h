@@ -4,7 +4,9 @@
 #include <cmath>
 #include <vector>
 
+#include "mip/pool/cliques.h"
 #include "mip/pool/pseudo_costs.h"
+#include "mip/pool/variable_bounds.h"
 #include "mip/worker/settings.h"
 
 namespace tovik::mip {
@@ -25,6 +27,8 @@ struct Global {
   std::vector<Locks> locks;
   std::vector<char>
       row_is_integral;  // integer columns with whole coefficients only, and whole sides: so is its slack
+  CliqueTable cliques;
+  VariableBounds variable_bounds;
   double objective_step = 0;  // every objective value is a multiple of it, the offset apart; 0: unknown
   PseudoCosts pseudo_costs;
   std::vector<double> incumbent;  // empty: none

@@ -15,11 +15,15 @@ enum class NodeRule { depth_first, best_bound, best_estimate, best_estimate_by_g
 /* -1 never, 0 as it pays, larger values ever more. */
 using Effort = int;
 
+inline constexpr int kMostCuts = 2100000000;
+
 /* Effort by family, and in all. */
 struct CutSettings {
   Effort fractional = 0, rounding = 0, covers = 0, cliques = 0, flow_covers = 0, implied_bounds = 0,
          zero_half = 0;
-  int root_rounds = 0;  // -1 none, 0 automatic
+  int root_rounds = 0;              // -1 none, 0 automatic
+  double rows_factor = 4;           // rows with cuts by rows without them, where these are not few
+  int most_of_a_class = kMostCuts;  // cuts that ever become rows
 };
 
 enum class DiveKind { automatic, traditional, probing, guided };

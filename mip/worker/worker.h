@@ -35,6 +35,7 @@ struct Out {
   std::vector<Candidate> candidates;
   std::vector<Cut> cuts;
   std::vector<GlobalBound> bounds;
+  std::int64_t work = 0;  // entries that plugins have touched
 };
 
 /* A row of the relaxation. */
