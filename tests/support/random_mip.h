@@ -122,15 +122,14 @@ class RandomMip {
   int integers_ = 0;
 };
 
-/* Every integer column must have finite bounds. */
-class Enumeration {
+/* Calls `leaf` with the LP of every assignment of the integer columns and every decision of the objects. Every integer column
+ * must have finite bounds. */
+template <class Leaf>
+class EachLeaf {
  public:
-  explicit Enumeration(const tovik::mip::Problem& problem) : problem_(problem), lp_(problem.lp) {}
+  EachLeaf(const tovik::mip::Problem& problem, Leaf leaf) : problem_(problem), lp_(problem.lp), leaf_(leaf) {}
 
-  MipTruth run() {
-    integers(0);
-    return truth_;
-  }
+  void run() { integers(0); }
 
  private:
   void integers(int j) {
@@ -175,18 +174,35 @@ class Enumeration {
     for (const tovik::mip::Indicator& i : problem_.indicators) {
       lp_.upper[i.slack] = lp_.lower[i.switch_column] == i.active_value ? 0 : kInf;
     }
-    QuietControl control;
-    tovik::lp::simplex::Solver solver(lp_, {}, control, nullptr);
-    const tovik::lp::Outcome outcome = solver.solve(tovik::lp::Method::dual);
-    if (outcome == tovik::lp::Outcome::unbounded) truth_.feasible = truth_.unbounded = true;
-    if (outcome != tovik::lp::Outcome::optimal) return;
-    truth_.feasible = true;
-    truth_.objective = std::min(truth_.objective, solver.answer().objective);
+    leaf_(lp_);
   }
 
   const tovik::mip::Problem& problem_;
   tovik::lp::LpData lp_;
-  MipTruth truth_;
+  Leaf leaf_;
+};
+
+class Enumeration {
+ public:
+  explicit Enumeration(const tovik::mip::Problem& problem) : problem_(problem) {}
+
+  MipTruth run() {
+    MipTruth truth;
+    EachLeaf leaves(problem_, [&truth](const tovik::lp::LpData& lp) {
+      QuietControl control;
+      tovik::lp::simplex::Solver solver(lp, {}, control, nullptr);
+      const tovik::lp::Outcome outcome = solver.solve(tovik::lp::Method::dual);
+      if (outcome == tovik::lp::Outcome::unbounded) truth.feasible = truth.unbounded = true;
+      if (outcome != tovik::lp::Outcome::optimal) return;
+      truth.feasible = true;
+      truth.objective = std::min(truth.objective, solver.answer().objective);
+    });
+    leaves.run();
+    return truth;
+  }
+
+ private:
+  const tovik::mip::Problem& problem_;
 };
 
 }  // namespace support
