@@ -56,8 +56,8 @@ Status run_presolve(Environment& env, Problem& problem);
 /* The record that TVKpresolve left with the problem, or null. */
 Presolved* kept_record(const Problem& problem);
 
-/* Multipliers by row of the original, tried on its data. Those that carry noise, or that a point within the tolerance
- * evades, are no proof: the engine may find a better one, or that point. */
+/* Multipliers by row of the original, tried on its data. Those that carry noise are no proof, nor are those that a point
+ * within the tolerance evades where bounds cross, which are one for every engine: it may find a better one, or that point. */
 bool proves_infeasible(const LpData& original, std::vector<double> multipliers, double tolerance,
                        verify::FarkasProof& proof);
 

@@ -21,6 +21,9 @@ constexpr double kMostPerRow = 6.0;  // columns of the working problem, by row; 
 constexpr double kPenalty = 2.0;     // for missing a row's sides, by the size of the approximate duals
 constexpr double kRaise = 8.0;       // of the penalties that did not do
 constexpr int kMostRaises = 6;
+/* Iterations after which it is no short cut: these, and by row and column of the problem. */
+constexpr std::int64_t kPatience = 2000;
+constexpr std::int64_t kPatienceByLine = 3;
 
 /* Columns by score: the smaller the better. */
 using Ranking = std::vector<std::pair<double, int>>;
@@ -207,7 +210,10 @@ LpData WorkingSet::working_problem(std::vector<BasisStatus>& statuses) const {
 
 Outcome WorkingSet::solve(Method method) {
   std::vector<BasisStatus> statuses;
-  Solver solver(working_problem(statuses), options_, control_, nullptr);
+  Options options = options_;
+  const std::int64_t patience = kPatience + kPatienceByLine * (lp_.num_rows() + lp_.num_columns());
+  options.iteration_limit = std::min(options.iteration_limit, patience - result_.iterations);
+  Solver solver(working_problem(statuses), options, control_, nullptr);
   if (result_.rounds > 0) solver.set_basis(statuses, result_.basis.rows);
   const Outcome outcome = solver.solve(method);
   const std::int64_t moved = solver.core().counters.iterations;

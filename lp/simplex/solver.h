@@ -135,10 +135,12 @@ class Solver {
   Outcome run(Method method);
   bool already_optimal();
   bool start_by_sifting();
+  bool run_primal_once(std::int64_t budget, Outcome& ended);
   Work work_so_far() const;
   void reset_nonbasic_value(int j);
   Outcome run_dual();
   std::int64_t patience() const;
+  std::int64_t patience_after_sifting() const;
   Outcome stalled(Outcome outcome) const;
   bool run_dual_near(Outcome& outcome);
   Outcome run_primal();
@@ -169,6 +171,7 @@ class Solver {
   bool values_are_fresh_ = false;  // computed from the model's own bounds and costs, and not moved since
   bool in_step_ = false;           // the start of this solve: values and duals have followed the changes
   bool known_infeasible_ = false;  // the start of this solve, by the look at the changes
+  bool sifted_ = false;            // ... sifting has left its basis
   std::int64_t sifting_ticks_ = 0;
   Work work_before_;  // when the count began
 };

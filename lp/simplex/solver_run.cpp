@@ -96,7 +96,8 @@ Outcome Solver::solve(Method method) {
     return answer_.outcome;
   }
   // Columns that sifting left out are for the primal to bring in.
-  if (start_by_sifting() && !already_optimal()) method = Method::primal;
+  sifted_ = start_by_sifting() && !already_optimal();
+  if (sifted_) method = Method::primal;
   const Outcome outcome = run_to_tolerance(method);
   if (outcome == Outcome::optimal && answer_.has_values && !answer_.unscaled_infeasible) {
     reoptimization_.settle(options_);
@@ -190,6 +191,13 @@ bool Solver::start_by_sifting() {
 Outcome Solver::run(Method method) {
   values_are_fresh_ = false;
   core_->ensure_rows();
+  if (std::exchange(sifted_, false)) {
+    Outcome outcome;
+    if (run_primal_once(patience_after_sifting(), outcome)) return outcome;
+    core_->set_logical_basis();  // a start that leads nowhere
+    has_basis_ = false;
+    return run_dual();
+  }
   return method == Method::dual ? run_dual() : run_primal();
 }
 
@@ -238,11 +246,28 @@ std::int64_t Solver::patience() const {
   return kLeast + kByLine * core_->total();
 }
 
+/* The same for the primal from where sifting left off: few columns are missing, or nearly parallel ones keep changing
+ * places. */
+std::int64_t Solver::patience_after_sifting() const {
+  constexpr std::int64_t kLeast = 2000;
+  return kLeast + core_->m() + core_->counters.sifting_iterations;
+}
+
 /* An algorithm that has spent its budget, not the caller's limit, has failed. */
 Outcome Solver::stalled(Outcome outcome) const {
   const bool by_budget =
       outcome == Outcome::iteration_limit && core_->counters.iterations < core_->options.iteration_limit;
   return by_budget ? Outcome::numerical_failure : outcome;
+}
+
+/* True where what it ends with stands: proven, or a limit. */
+bool Solver::run_primal_once(std::int64_t budget, Outcome& ended) {
+  answer_.method = Method::primal;
+  keep_norms_ = false;
+  ended = stalled(the_primal().solve(budget));
+  if (ended == Outcome::infeasible) return verify_infeasible(the_primal().infeasibility_duals());
+  if (ended == Outcome::unbounded) return verify_ray();
+  return ended != Outcome::numerical_failure && ended != Outcome::singular;
 }
 
 Outcome Solver::run_dual() {
@@ -273,15 +298,7 @@ Outcome Solver::run_dual() {
     const bool cleaning = last == Outcome::optimal && round + 2 < kRounds;
     const std::int64_t budget =
         cleaning ? std::max<std::int64_t>(1000, core_->counters.iterations / 10) : patience();
-    answer_.method = Method::primal;
-    keep_norms_ = false;
-    last = stalled(the_primal().solve(budget));
-    if (last == Outcome::infeasible && verify_infeasible(the_primal().infeasibility_duals())) return last;
-    if (last == Outcome::unbounded && verify_ray()) return last;
-    if (last != Outcome::numerical_failure && last != Outcome::infeasible && last != Outcome::unbounded &&
-        last != Outcome::singular) {
-      return last;
-    }
+    if (run_primal_once(budget, last)) return last;
     if (cleaning) continue;  // the budget ran out: the dual goes on from here
     core_->raise_threshold();
     core_->set_logical_basis();  // what led here is not to be trusted: start over with stricter pivots
@@ -292,15 +309,7 @@ Outcome Solver::run_dual() {
 Outcome Solver::run_primal() {
   Outcome last = Outcome::numerical_failure;
   for (int round = 0; round < kRounds; ++round) {
-    answer_.method = Method::primal;
-    keep_norms_ = false;
-    last = stalled(the_primal().solve(patience()));
-    if (last == Outcome::infeasible && verify_infeasible(the_primal().infeasibility_duals())) return last;
-    if (last == Outcome::unbounded && verify_ray()) return last;
-    if (last != Outcome::numerical_failure && last != Outcome::infeasible && last != Outcome::unbounded &&
-        last != Outcome::singular) {
-      return last;
-    }
+    if (run_primal_once(patience(), last)) return last;
     core_->raise_threshold();
     Dual::Settings settings;
     answer_.method = Method::dual;
