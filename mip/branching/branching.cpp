@@ -150,7 +150,7 @@ std::optional<Branching> BranchingRule::probe(Worker& worker, const Fraction& f,
   const lp::simplex::BranchBound found = worker.relaxation->probe(
       worker.control, f.column, bound, is_up ? lp::simplex::Side::up : lp::simplex::Side::down, limits);
   strong_iterations_ += found.iterations;
-  if (worker.control.poll() != lp::Stop::none || worker.control.poll_clock() != lp::Stop::none) {
+  if (worker.must_stop()) {
     return Branching{Branching::Kind::stopped, {}, 0};
   }
   const bool is_cut = found.bound >= global_.cutoff;

@@ -27,9 +27,7 @@ Verdict AggregatedRounding::call(Worker& worker, const Moment& moment) {
   int failures = 0;
   bool found = false;
   for (const auto& [score, i] : starts_) {
-    if (failures > kFailures || sum.entries() > moment.budget ||
-        worker.control.poll_clock() != lp::Stop::none)
-      break;
+    if (failures > kFailures || sum.entries() > moment.budget || worker.must_stop()) break;
     const bool success = from_start(worker, i, sum, rounding);
     failures = success ? 0 : failures + 1;
     found |= success;

@@ -26,7 +26,7 @@ Verdict CliqueCuts::call(Worker& worker, const Moment& moment) {
   bool found = false;
   std::vector<char> is_covered(vertices_.size());
   for (std::size_t v = 0; v < vertices_.size(); ++v) {
-    if (work_ > moment.budget || worker.control.poll_clock() != lp::Stop::none) break;
+    if (work_ > moment.budget || worker.must_stop()) break;
     if (is_covered[v] != 0) continue;
     std::vector<std::size_t> clique{v}, candidates;
     for (std::size_t w = 0; w < vertices_.size(); ++w) {

@@ -21,7 +21,7 @@ Verdict CoverCuts::call(Worker& worker, const Moment& moment) {
   work_ = 0;
   bool found = false;
   for (int i = 0; i < worker.global.problem.num_rows(); ++i) {
-    if (work_ > moment.budget || worker.control.poll_clock() != lp::Stop::none) break;
+    if (work_ > moment.budget || worker.must_stop()) break;
     const RelaxationRow row = worker.row(i);
     double activity = 0, norm = 0;
     for (std::size_t k = 0; k < row.columns.size(); ++k) {

@@ -36,7 +36,7 @@ Verdict GomoryCuts::call(Worker& worker, const Moment& moment) {
   Rounding rounding(worker);
   bool found = false;
   for (const Position& p : positions) {
-    if (sum.entries() > moment.budget || worker.control.poll_clock() != lp::Stop::none) break;
+    if (sum.entries() > moment.budget || worker.must_stop()) break;
     found |= one_row(worker, p.at, sum, rounding);
   }
   worker.out.work += sum.entries();

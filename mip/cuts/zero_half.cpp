@@ -106,7 +106,7 @@ void ZeroHalfCuts::eliminate(const Worker& worker, std::int64_t budget) {
   order.erase(std::unique(order.begin(), order.end()), order.end());
   std::stable_sort(order.begin(), order.end(), [&](int a, int b) { return distance_[a] > distance_[b]; });
   for (const int column : order) {
-    if (work_ > budget || found_.size() >= kCuts || worker.control.poll_clock() != lp::Stop::none) return;
+    if (work_ > budget || found_.size() >= kCuts || worker.must_stop()) return;
     eliminate_column(column);
   }
 }

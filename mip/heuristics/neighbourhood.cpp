@@ -52,7 +52,7 @@ bool NeighbourhoodSearch::restrict_domain(const Worker& worker, std::span<const 
   if (!propagator.run(domain)) return false;
   const int count = static_cast<int>(global.integer_columns.size());
   for (const int j : global.integer_columns) {
-    if (worker.control.poll() != lp::Stop::none) return false;
+    if (worker.must_stop()) return false;
     if (domain.is_fixed(j)) continue;
     const Range wanted = range(worker, j, x[j]);
     if (wanted.lower > domain.upper(j) || wanted.upper < domain.lower(j)) continue;

@@ -42,7 +42,7 @@ bool fix_all(Worker& worker, std::span<const double> x) {
   const double threshold = kLeastThreshold + kThresholdRange * worker.random.real();
   int dead_ends = 0;
   for (const int j : order_of_fixing(worker, x)) {
-    if (worker.control.poll() != lp::Stop::none) return false;
+    if (worker.must_stop()) return false;
     if (domain.is_fixed(j)) continue;
     const double near = std::round(x[j]);
     const double wanted = std::fabs(x[j] - near) <= worker.global.settings.tolerances.integrality

@@ -108,7 +108,7 @@ bool HeuristicSchedule::run(Worker& worker, const Moment& moment, std::int64_t n
     if (!is_due(entry, moment, nodes)) continue;
     // At the root one dive after the other, until one has come to something.
     if (kind == Heuristic::Kind::dive && (moment.root ? dived && found : k != dive)) continue;
-    if (worker.control.poll() != lp::Stop::none || worker.control.poll_clock() != lp::Stop::none) break;
+    if (worker.must_stop()) break;
     dived |= kind == Heuristic::Kind::dive;
     if (!moment.before_cuts) entry.last = nodes;
     if (kind == Heuristic::Kind::improvement) improved_value_ = global_.incumbent_value;

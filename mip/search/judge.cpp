@@ -114,19 +114,30 @@ bool Judge::complete(std::vector<double>& x) {
 }
 
 bool Judge::accept(std::span<const double> x, double cutoff, Solution* solution) {
+  constexpr double kExact = 1e-9;  // violations up to here are rounding, beyond they would buy objective
   std::vector<double> point(x.begin(), x.end());
   snap(point);
-  double value = objective(problem_, point);
-  if (!holds(point) || !(value < cutoff)) {
-    const bool has_continuous =
-        std::find(problem_.is_integer.begin(), problem_.is_integer.end(), 0) != problem_.is_integer.end();
-    if (!has_continuous || !complete(point)) return false;
-    snap(point);
-    value = objective(problem_, point);
-    if (!holds(point) || !(value < cutoff)) return false;
+  const bool has_continuous =
+      std::find(problem_.is_integer.begin(), problem_.is_integer.end(), 0) != problem_.is_integer.end();
+  const auto counts = [&](const std::vector<double>& p) {
+    return holds(p) && objective(problem_, p) < cutoff;
+  };
+  const bool as_it_is = counts(point);
+  const bool is_exact = as_it_is && measure(problem_, point).primal() <= kExact;
+  if (!is_exact && has_continuous) {
+    std::vector<double> completed = point;
+    if (complete(completed)) {
+      snap(completed);
+      if (counts(completed)) {
+        solution->objective = objective(problem_, completed);
+        solution->x = std::move(completed);
+        return true;
+      }
+    }
   }
+  if (!as_it_is) return false;
+  solution->objective = objective(problem_, point);
   solution->x = std::move(point);
-  solution->objective = value;
   return true;
 }
 

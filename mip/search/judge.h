@@ -1,8 +1,8 @@
 /* Decides whether a point is a solution of the original problem: the one door through which incumbents come.
  *
  * Integer columns are rounded and objects decided by the point (a semi-continuous column is 0 or on, a set keeps its best
- * window, an indicator's constraint holds or not); where rows and bounds then do not hold within the tolerance, or the
- * objective may be better, the continuous columns are found anew by an LP with all that is discrete fixed. What is
+ * window, an indicator's constraint holds or not); where rows and bounds then do not hold but for rounding, or the
+ * objective is not below the cutoff, the continuous columns are found anew by an LP with all that is discrete fixed. What is
  * accepted holds exactly on integer columns, and rows, bounds and objects within the tolerance, by compensated sums. */
 #pragma once
 

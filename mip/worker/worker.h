@@ -63,6 +63,10 @@ struct Worker {
   int num_rows() const { return global.problem.num_rows() + static_cast<int>(cut_rows.size()); }
   RelaxationRow row(int i) const;
 
+  /* Asked for in every loop that may be long; it reads the clock. */
+  bool must_stop() const {
+    return control.poll() != lp::Stop::none || control.poll_clock() != lp::Stop::none;
+  }
   bool propagate() { return propagator.run(domain); }
   void backtrack(int position);
   /* Gives the domain's bounds of discrete columns to the relaxation. */
