@@ -10,23 +10,24 @@ namespace {
 
 constexpr int kPatience = 5;  // solves that a cut row may be slack
 constexpr int kFewRows = 200;
+constexpr std::size_t kWindow = 6;    // rounds over which a stall is judged
+constexpr double kLeastShare = 0.01;  // of the gain of all rounds
+constexpr int kFailures = 3;          // of a separator before it waits
 constexpr int kRootCuts = 2000, kNodeCuts = 100;
 constexpr double kRoomShare = 0.25;  // of all rows that may be; with less left, slack ones leave at once
 constexpr std::int64_t kBudget = 20000000;  // entries that one separator may touch in a round
 
 }  // namespace
 
-Separation::Separation(const Global& global)
-    : global_(global), separators_(make_separators(global)), pool_(global.problem) {}
+Separation::Separation(const Global& global) : global_(global), pool_(global.problem) {
+  for (std::unique_ptr<Plugin>& plugin : make_separators(global)) separators_.push_back({std::move(plugin)});
+}
 
 int Separation::round(Worker& worker, std::span<const double> x, const Moment& moment) {
+  if (stalls(worker.relaxation->objective(), moment)) return 0;
   const double most = most_rows();
   if (most - worker.num_rows() < kRoomShare * most) drop_slack_rows(worker, true);
-  Moment now = moment;
-  now.budget = kBudget;
-  for (const std::unique_ptr<Plugin>& separator : separators_) {
-    if (separator->call(worker, now) == Verdict::infeasible) break;
-  }
+  call_separators(worker, moment);
   for (Cut& cut : worker.out.cuts) pool_.add(std::move(cut));
   worker.out.cuts.clear();
   SelectionRules rules;
@@ -40,6 +41,30 @@ int Separation::round(Worker& worker, std::span<const double> x, const Moment& m
   limit_classes(chosen);
   if (!chosen.empty()) add_rows(worker, chosen);
   return static_cast<int>(chosen.size());
+}
+
+/* The last rounds brought little of what all have. */
+bool Separation::stalls(double objective, const Moment& moment) {
+  if (moment.round == 0) objectives_.clear();
+  objectives_.push_back(objective);
+  if (objectives_.size() <= kWindow) return false;
+  const double all = objective - objectives_.front();
+  return objective - objectives_[objectives_.size() - 1 - kWindow] < kLeastShare * all;
+}
+
+void Separation::call_separators(Worker& worker, const Moment& moment) {
+  Moment now = moment;
+  now.budget = kBudget;
+  for (Separator& separator : separators_) {
+    if (separator.waits > 0) {
+      --separator.waits;
+      continue;
+    }
+    const Verdict verdict = separator.plugin->call(worker, now);
+    if (verdict == Verdict::infeasible) break;
+    separator.failures = verdict == Verdict::found ? 0 : separator.failures + 1;
+    if (separator.failures >= kFailures) separator.waits = separator.failures;
+  }
 }
 
 /* Few rows may have more cuts than their number says. */

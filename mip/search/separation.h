@@ -28,15 +28,24 @@ class Separation {
   int rows() const { return static_cast<int>(slack_for_.size()); }
 
  private:
+  bool stalls(double objective, const Moment& moment);
+  void call_separators(Worker& worker, const Moment& moment);
   double most_rows() const;
   void limit_classes(std::vector<Cut>& cuts);
   void add_rows(Worker& worker, std::vector<Cut>& cuts);
 
+  /* A separator that finds nothing again and again is called ever more seldom. */
+  struct Separator {
+    std::unique_ptr<Plugin> plugin;
+    int failures = 0, waits = 0;  // rounds
+  };
+
   const Global& global_;
-  std::vector<std::unique_ptr<Plugin>> separators_;
+  std::vector<Separator> separators_;
   CutPool pool_;
-  std::vector<int> slack_for_;  // by cut row: solves since it was tight
-  CutCounts counts_{};          // since they were last asked for
+  std::vector<int> slack_for_;      // by cut row: solves since it was tight
+  std::vector<double> objectives_;  // of the relaxation before each round at this node
+  CutCounts counts_{};              // since they were last asked for
   CutCounts all_counts_{};
   std::int64_t work_told_ = 0;
 };
