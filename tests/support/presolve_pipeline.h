@@ -126,7 +126,10 @@ class Pipeline {
       return;
     }
     if (!result_.optimal) {
-      result_.fault = "an optimum instead of outcome " + std::to_string(static_cast<int>(plain_.outcome));
+      // A problem that is infeasible by less than the tolerance may end either way; by more its point does not stand the
+      // judge on the original's data, and it is solved again.
+      (plain_.outcome == Outcome::infeasible ? result_.doubt : result_.fault) =
+          "an optimum instead of outcome " + std::to_string(static_cast<int>(plain_.outcome));
       return;
     }
     undo(solver.answer());
