@@ -14,6 +14,7 @@ using lp::simplex::Detail;
 
 namespace {
 
+constexpr int kMostLooks = 2000;      // at one node
 constexpr double kBoundTrust = 1e-6;  // relative: what the tolerances of a relaxation leave open of its value
 constexpr double kWorthwhileGain = 1e-5;  // of the root's bound by a round of cuts, relative
 constexpr int kStalledRounds = 8, kRootRounds = 100;
@@ -63,7 +64,10 @@ std::optional<Conclusion> Search::process(int slot) {
 Search::NodeResult Search::work_on(int slot, NodeEvent& event) {
   bool learned = false;
   rounds_ = {};
-  for (;;) {
+  for (int looks = 0;; ++looks) {
+    if (worker_.must_stop()) return NodeResult::stopped;
+    // Each look has moved a bound, a row or the incumbent; more of them than this are noise.
+    if (looks > kMostLooks) return branch_anywhere(slot, tree_[slot].bound);
     if (const NodeResult solved = solve_relaxation(); solved != NodeResult::branched) {
       if (solved == NodeResult::unbounded) return branch_unbounded(slot);
       if (solved == NodeResult::undecided) return branch_anywhere(slot, tree_[slot].bound);
