@@ -17,11 +17,18 @@ MODEL_NAME = re.compile(r"\.(mps|lp|mpsx|rlp)(\.(bz2|gz))?$", re.IGNORECASE)
 class Model:
     name: str  # path below the folder, without extensions: what tables print
     source: Path
-    status: str = ""  # known status, empty when unknown
+    status: str = ""  # known status, empty when unknown; "best": the best objective that is known, with the best bound
     objective: float | None = None
+    bound: float | None = None
     relaxed: bool = False  # solve as an LP: integer marks are ignored
     nonzeros: int = 0
     ignored_constant: float = 0.0  # objective constant that tovik's reader ignores, see objective_constant
+
+
+def default_folder(root, kind):
+    """The models of one kind that lie beside the repository, or beside a folder that holds it."""
+    candidates = [parent / "shared" / "models" / kind for parent in root.parents]
+    return next((folder for folder in candidates if folder.is_dir()), candidates[0])
 
 
 def find(folder, pattern=None, names=None):
@@ -29,7 +36,7 @@ def find(folder, pattern=None, names=None):
     folder = Path(folder)
     sources = [folder] if folder.is_file() else sorted(p for p in folder.rglob("*") if MODEL_NAME.search(p.name))
     root = folder.parent if folder.is_file() else folder
-    reference, reference_root = _read_reference(root)
+    references = {}
     models = []
     for source in sources:
         name = MODEL_NAME.sub("", source.relative_to(root).as_posix())
@@ -37,7 +44,7 @@ def find(folder, pattern=None, names=None):
             continue
         if names is not None and name not in names and Path(name).name not in names:
             continue
-        models.append(_with_answer(Model(name, source), reference, reference_root))
+        models.append(_with_answer(Model(name, source), references))
     return models
 
 
@@ -47,27 +54,32 @@ def read_list(file):
     return {MODEL_NAME.sub("", line) for line in lines if line}
 
 
-def _read_reference(root):
-    for folder in [root, *root.resolve().parents]:
+def _with_answer(model, references):
+    """From the nearest reference.csv that names the model, by its path below that folder or one above it."""
+    path = model.source.resolve()
+    for folder in path.parents:
+        rows = _reference(folder, references)
+        if rows is None:
+            continue
+        model.relaxed = path.relative_to(folder).as_posix().startswith("lp/")
+        row = next((rows[key] for base in path.parents if (key := path.relative_to(base).as_posix()) in rows), None)
+        if row:
+            model.status = row["status"]
+            model.objective = float(row["objective"]) if row["objective"] else None
+            model.bound = float(row["bound"]) if row.get("bound") else None
+            model.nonzeros = int(row["nonzeros"] or 0)
+            break
+    return model
+
+
+def _reference(folder, known):
+    if folder not in known:
         file = folder / "reference.csv"
+        known[folder] = None
         if file.is_file():
             with open(file, newline="") as stream:
-                return {row["file"]: row for row in csv.DictReader(stream)}, folder
-    return {}, root
-
-
-def _with_answer(model, reference, reference_root):
-    path = model.source.resolve()
-    if not path.is_relative_to(reference_root.resolve()):
-        return model
-    key = path.relative_to(reference_root.resolve()).as_posix()
-    model.relaxed = key.startswith("lp/")
-    row = reference.get(key)
-    if row:
-        model.status = row["status"]
-        model.objective = float(row["objective"]) if row["objective"] else None
-        model.nonzeros = int(row["nonzeros"] or 0)
-    return model
+                known[folder] = {row["file"]: row for row in csv.DictReader(stream)}
+    return known[folder]
 
 
 def uncompressed(model):

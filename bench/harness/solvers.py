@@ -1,16 +1,20 @@
 """The programs under test: their command lines, and what their output says."""
 
 import json
+import math
 import os
 import re
+import resource
 import shutil
 import signal
 import subprocess
 import tempfile
 import threading
 import time
-from dataclasses import asdict, dataclass
+from dataclasses import asdict, dataclass, field
 from pathlib import Path
+
+from . import models
 
 GRACE_SECONDS = 5.0  # a program that overruns its own limit by this much is killed
 BUSY_FACTOR = 20  # wall clock seconds that one second of processor time may take on a busy machine
@@ -34,6 +38,7 @@ class Run:
     objective: float | None = None
     seconds: float = 0.0
     cpu_seconds: float = 0.0
+    user_seconds: float = 0.0  # processor time without the system's
     read_seconds: float | None = None
     iterations: int | None = None
     memory_mb: float = 0.0
@@ -41,13 +46,20 @@ class Run:
     violation: float | None = None  # largest violation on the original model, as the program states it
     check_failed: bool = False
     note: str = ""
+    # Of mixed-integer models.
+    nodes: int | None = None
+    bound: float | None = None
+    incumbents: list = field(default_factory=list)  # pairs of seconds and objective, as the program tells them
+    statistics: dict | None = None
+    reused: bool = False  # of an earlier run
 
     @property
     def solve_seconds(self):
         return max(0.0, self.seconds - (self.read_seconds or 0.0))
 
     def time(self, kind):
-        return {"total": self.seconds, "solve": self.solve_seconds, "cpu": self.cpu_seconds}[kind]
+        return {"total": self.seconds, "solve": self.solve_seconds, "cpu": self.cpu_seconds,
+                "user": self.user_seconds}[kind]
 
     def as_dict(self):
         return asdict(self) | {"solve_seconds": self.solve_seconds}
@@ -63,7 +75,13 @@ class Settings:
     extra: tuple = ()  # further arguments for tovik
 
 
-class Tovik:
+class Solver:
+    """A program under test. command() names the limit; read() takes what was printed into the run."""
+
+    stops_itself = True  # at a limit of processor time; else it is stopped, and what it has printed counts
+
+
+class Tovik(Solver):
     name = "tovik"
 
     def __init__(self, program):
@@ -87,6 +105,9 @@ class Tovik:
         except json.JSONDecodeError:
             run.note = _last_line(err) or _last_line(out) or f"no report, exit code {run.exit_code}"
             return
+        self.take(run, report)
+
+    def take(self, run, report):
         run.status = _TOVIK_STATUS.get(report["status"], "limit" if report["status"] else "error")
         run.objective = report["objective"]
         run.iterations = (report["simplex_iterations"] or 0) + (report["barrier_iterations"] or 0)
@@ -101,7 +122,7 @@ _TOVIK_STATUS = {1: "optimal", 2: "unbounded", 3: "infeasible", 4: "inf-or-unbd"
                  116: "numerical", 117: "numerical", 118: "unbounded", 119: "inf-or-unbd"}
 
 
-class Clp:
+class Clp(Solver):
     """The distribution's clp, run as a peer. It solves the relaxation: integer marks are read and ignored."""
 
     name = "clp"
@@ -146,6 +167,21 @@ def find_solvers(only_tovik, only_clp, tovik_path):
     return solvers
 
 
+def solve(model, programs, settings, repeat, kind):
+    """Each program `repeat` times, taking turns and swapping who goes first; the fastest run of each counts."""
+    path = models.uncompressed(model)
+    if path.suffix.lower() == ".mps":
+        model.ignored_constant = models.objective_constant(path)
+    best = {}
+    for turn in range(repeat):
+        for program in programs if turn % 2 == 0 else reversed(programs):
+            run = execute(program, path, model, settings)
+            known = best.get(program.name)
+            if known is None or run.time(kind) < known.time(kind):
+                best[program.name] = run
+    return {program.name: best[program.name] for program in programs}
+
+
 def execute(solver, path, model, settings):
     """Runs `solver` once and measures the process from start to end."""
     run = Run()
@@ -153,6 +189,10 @@ def execute(solver, path, model, settings):
         started = time.perf_counter()
         process = subprocess.Popen(solver.command(path, model, settings), stdin=subprocess.DEVNULL, stdout=out, stderr=err,
                                    env=os.environ | dict.fromkeys(_THREAD_VARIABLES, str(settings.threads)))
+        stopped_by_limit = settings.cpu_clock and not solver.stops_itself
+        if stopped_by_limit:
+            seconds = math.ceil(settings.limit)
+            resource.prlimit(process.pid, resource.RLIMIT_CPU, (seconds, seconds + 5))
         killed = threading.Event()
 
         def kill():
@@ -167,6 +207,7 @@ def execute(solver, path, model, settings):
         run.seconds = time.perf_counter() - started
         process.returncode = run.exit_code = os.waitstatus_to_exitcode(wait_status)
         run.cpu_seconds = usage.ru_utime + usage.ru_stime
+        run.user_seconds = usage.ru_utime
         run.memory_mb = usage.ru_maxrss / 1024
         texts = []
         for stream in (out, err):
@@ -174,6 +215,9 @@ def execute(solver, path, model, settings):
             texts.append(stream.read().decode(errors="replace"))
     if killed.is_set():
         run.status, run.note = "limit", f"killed after {patience:g} s"
+    elif stopped_by_limit and run.exit_code == -signal.SIGXCPU:
+        solver.read(run, *texts)
+        run.status, run.note = "limit", ""
     elif run.exit_code < 0:
         run.note = f"ended by signal {signal.Signals(-run.exit_code).name}"
     else:
