@@ -714,7 +714,8 @@ TVK_API int TVKgetcrossdpushcnt(ConstEnvHandle env, ConstProbHandle lp);
 TVK_API int TVKgetcrossdexchcnt(ConstEnvHandle env, ConstProbHandle lp);
 
 /* What the last optimization has counted, as the text of one JSON object on one line, terminating zero included; `space`
- * and `*surplus_p` as in TVKgetprobname. Versions to come may add members. All numbers are whole but for densities and fill.
+ * and `*surplus_p` as in TVKgetprobname. Versions to come may add members. All numbers are whole but for densities, fill and those
+ * of `mip`.
  *
  * presolve  null where it did not run, else: rounds, aggregator_rounds; reductions, an object with a count for each rule;
  *           rows_eliminated and columns_eliminated, and substitutions, which take a row and a column each beside them;
@@ -734,6 +735,16 @@ TVK_API int TVKgetcrossdexchcnt(ConstEnvHandle env, ConstProbHandle lp);
  *           (plain_sweeps) or in one way after the other (switched_sweeps), and joint_solves, vectors solved for several at once
  * ticks     deterministic work by kind: presolve, sifting, factor_builds, factor_solves, factor_updates, and simplex, all the
  *           rest. Sifting's working problems are counted under sifting alone
+ * mip       only of a mixed-integer search, all runs of a tree together; objectives and bounds in the sense of the problem, null
+ *           where there is none, seconds by the clock that TVK_PARAM_CLOCKTYPE names: seconds, nodes, nodes_left,
+ *           nodes_per_second behind the root, largest_depth, solutions, best_bound; iterations: all, and those of
+ *           strong_branching, heuristics and solution_check; root: seconds until it was branched on, bound_before_cuts,
+ *           bound_after_cuts, cut_rounds, gap_closed (share of the gap between the first bound and the last incumbent);
+ *           phases presolve, root_lp, cuts (and the solves after each round), heuristics, branching and tree (all the rest), each
+ *           with seconds and ticks; separators and heuristics by name with calls, successes, cuts or points that they handed out,
+ *           seconds; cuts, how many of each class became rows; primal_integral: seconds, each weighed by the distance of the
+ *           incumbent from the last one; incumbents, the first 999 and the last, with seconds, nodes, objective and found_by.
+ *           The other members then tell of the relaxation of the tree
  * threads   how many threads have worked
  *
  * Errors: 1217 before the first optimization; 1207 space too small; 1004.
@@ -744,7 +755,8 @@ TVK_API int TVKgetcrossdexchcnt(ConstEnvHandle env, ConstProbHandle lp);
  *     TVKgetstatistics(env, lp, text, -surplus, &surplus); */
 TVK_API int TVKgetstatistics(ConstEnvHandle env, ConstProbHandle lp, char *buffer, int space, int *surplus_p);
 
-/* Deterministic work of the last optimization in ticks: the sum of the member `ticks` above. The same for the same problem,
+/* Deterministic work of the last optimization in ticks: the sum of the member `ticks` above, of a
+ * mixed-integer search the sum over its phases. The same for the same problem,
  * parameters and start on every machine; roughly what the tick limit counts. Errors: 1217, 1004. */
 TVK_API int TVKgetticks(ConstEnvHandle env, ConstProbHandle lp, double *ticks_p);
 

@@ -192,6 +192,7 @@ namespace {
 void write_statistics(const simplex::Solver& solver, const OptimizationStatistics* before,
                       OptimizationStatistics& statistics) {
   solver.write_statistics(statistics.simplex);
+  statistics.search.reset();
   if (before == nullptr) {
     statistics.presolve.reset();
   } else {

@@ -1,65 +1,10 @@
 #include "lp/run/statistics.h"
 
 #include <array>
-#include <charconv>
 #include <memory>
-#include <utility>
 
 namespace tovik::lp::run {
 namespace {
-
-/* Objects in objects, members in the order of the calls. Names are our own and need no escapes. */
-class JsonWriter {
- public:
-  /* A member whose own members `fill` writes. */
-  template <class Fill>
-  void object(const char* name, Fill fill) {
-    key(name);
-    open();
-    fill();
-    close();
-  }
-  void count(const char* name, std::int64_t value) {
-    key(name);
-    text_ += std::to_string(value);
-  }
-  void flag(const char* name, bool value) {
-    key(name);
-    text_ += value ? "true" : "false";
-  }
-  void null(const char* name) {
-    key(name);
-    text_ += "null";
-  }
-  /* Four digits tell all that there is in an average. */
-  void ratio(const char* name, double value) {
-    key(name);
-    std::array<char, 32> digits;
-    const auto end =
-        std::to_chars(digits.data(), digits.data() + digits.size(), value, std::chars_format::general, 4);
-    text_.append(digits.data(), end.ptr);
-  }
-  void open() {
-    text_ += '{';
-    first_ = true;
-  }
-  void close() {
-    text_ += '}';
-    first_ = false;
-  }
-  std::string release() { return std::move(text_); }
-
- private:
-  void key(const char* name) {
-    if (!first_) text_ += ',';
-    first_ = false;
-    text_ += '"';
-    text_ += name;
-    text_ += "\":";
-  }
-  std::string text_;
-  bool first_ = true;
-};
 
 void write_size(JsonWriter& out, const char* name, const ModelSize& size) {
   out.object(name, [&] {
@@ -175,6 +120,7 @@ void write_ticks(JsonWriter& out, const OptimizationStatistics& statistics) {
 }  // namespace
 
 std::int64_t total_ticks(const OptimizationStatistics& statistics) {
+  if (statistics.search != nullptr) return statistics.search->ticks();
   const simplex::Work& work = statistics.simplex.work;
   const std::int64_t presolve = statistics.presolve ? statistics.presolve->counts.ticks : 0;
   return presolve + work.sifting_ticks + work.factor.build_ticks + work.factor.solve_ticks +
@@ -213,6 +159,7 @@ std::string json_text(const OptimizationStatistics& statistics) {
   write_simplex(out, statistics.simplex);
   write_factor(out, statistics.simplex);
   write_ticks(out, statistics);
+  if (statistics.search != nullptr) statistics.search->write(out);
   out.count("threads", statistics.threads);
   out.close();
   return out.release();

@@ -7,11 +7,13 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 
 #include "env/problem.h"
 #include "lp/presolve_record/presolved.h"
+#include "lp/run/json_writer.h"
 #include "lp/simplex/statistics.h"
 
 namespace tovik::lp::run {
@@ -26,9 +28,20 @@ struct PresolveStatistics {
   bool dual_form = false;  // the dual of what was left was solved in its place
 };
 
+/* What an optimizer of a room behind this one has counted. */
+struct FurtherStatistics {
+  FurtherStatistics() = default;
+  FurtherStatistics(const FurtherStatistics&) = delete;
+  FurtherStatistics& operator=(const FurtherStatistics&) = delete;
+  virtual ~FurtherStatistics() = default;
+  virtual void write(JsonWriter& out) const = 0;  // its members
+  virtual std::int64_t ticks() const = 0;         // of everything
+};
+
 struct OptimizationStatistics {
   std::optional<PresolveStatistics> presolve;  // where it ran, or had run before
-  simplex::Statistics simplex;
+  simplex::Statistics simplex;                 // of a search: of the relaxation of its tree
+  std::shared_ptr<const FurtherStatistics> search;
   int threads = 0;  // that worked
 };
 

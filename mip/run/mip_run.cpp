@@ -18,6 +18,7 @@
 #include "mip/run/build_problem.h"
 #include "mip/run/node_log.h"
 #include "mip/run/settings.h"
+#include "mip/run/statistics.h"
 #include "model/store/model.h"
 
 namespace tovik::mip::run {
@@ -191,6 +192,7 @@ Status run_branch_and_cut(Environment& env, tovik::Problem& problem) {
   lp::run::OptimizationStatistics& statistics = lp::run::statistics_of(problem);
   statistics.presolve.reset();
   statistics.simplex = kept->search.relaxation_statistics();
+  statistics.search = describe_search(kept->search, problem.model->objective_sense());
   std::unique_ptr<tovik::Solution> solution = solution_of(problem, kept->search.incumbent());
   const Progress progress = kept->search.progress();
   const double sign = problem.model->objective_sense();

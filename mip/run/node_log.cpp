@@ -6,6 +6,7 @@
 
 #include "env/channel.h"
 #include "include/tovik.h"
+#include "mip/run/cut_names.h"
 #include "model/store/model.h"
 
 namespace tovik::mip::run {
@@ -29,11 +30,6 @@ std::string text(const char* format, ...) {
   return buffer;
 }
 
-constexpr const char* kClassNames[kCutClasses] = {
-    "Covers",   "GUBcuts",  "Flowcuts",  "Cliques",   "Fract",     "MIRcuts",  "Flowpaths", "Disjcuts",
-    "Impl Bds", "ZeroHalf", "MCF",       "Local Cov", "Tighten",   "ObjDisj",  "User",      "Table",
-    "Pool",     "Discard",  "Local Cut", "GCS",       "EnumCover", "UserSoft", "Cone"};
-
 /* The name of the class where there is but one; blank without cuts. */
 std::string cuts_field(const CutCounts& cuts) {
   int total = 0;
@@ -45,7 +41,7 @@ std::string cuts_field(const CutCounts& cuts) {
     last = k;
   }
   if (classes == 0) return "";
-  return classes == 1 ? text("%s: %d", kClassNames[last], total) : text("Cuts: %d", total);
+  return classes == 1 ? text("%s: %d", kCutNames[last], total) : text("Cuts: %d", total);
 }
 
 /* Rows come ever more seldom. */

@@ -14,7 +14,11 @@ constexpr std::int64_t kStart = 1000, kSubStart = 2000;
 }  // namespace
 
 HeuristicSchedule::HeuristicSchedule(const Global& global) : global_(global) {
-  for (Heuristic& h : make_heuristics(global)) entries_.push_back({std::move(h)});
+  for (Heuristic& h : make_heuristics(global)) {
+    const char* name = h.plugin->name();
+    entries_.push_back({std::move(h)});
+    entries_.back().counts.name = name;
+  }
 }
 
 HeuristicSchedule::Account HeuristicSchedule::account(Heuristic::Kind kind) {
@@ -67,16 +71,20 @@ bool HeuristicSchedule::call(Entry& entry, Worker& worker, const Moment& moment,
   now.iterations = allowance(payer, worker);
   if (now.iterations <= 0) return false;
   const std::int64_t before = worker.iterations;
+  const TimedCall timed(entry.counts, worker.control);
   if (entry.heuristic.plugin->call(worker, now) != Verdict::found) worker.out.candidates.clear();
   const std::int64_t own = worker.iterations - before;
   in_worker_ += own;
   spent_[payer] += own;
   bool better = false;
+  for (Candidate& candidate : worker.out.candidates) candidate.found_by = entry.counts.name;
   for (const Candidate& candidate : std::exchange(worker.out.candidates, {})) {
+    ++entry.counts.found;
     const Taken taken = take(candidate);
     better |= taken.better;
     spent_[payer] += taken.iterations;
   }
+  if (better) ++entry.counts.successes;
   entry.failures = better ? 0 : entry.failures + 1;
   return better;
 }
@@ -89,6 +97,12 @@ int HeuristicSchedule::next_dive(const Moment& moment, std::int64_t nodes) const
     if (best < 0 || entries_[k].last < entries_[best].last) best = k;
   }
   return best;
+}
+
+std::vector<PluginCounts> HeuristicSchedule::plugin_counts() const {
+  std::vector<PluginCounts> counts;
+  for (const Entry& entry : entries_) counts.push_back(entry.counts);
+  return counts;
 }
 
 bool HeuristicSchedule::run(Worker& worker, const Moment& moment, std::int64_t nodes, const Taker& take) {

@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "mip/heuristics/heuristics.h"
+#include "mip/search/statistics.h"
 #include "mip/worker/worker.h"
 
 namespace tovik::mip {
@@ -32,9 +33,13 @@ class HeuristicSchedule {
   /* At the relaxation's optimum of a node; nodes: processed so far. True when there is a new incumbent. */
   bool run(Worker& worker, const Moment& moment, std::int64_t nodes, const Taker& take);
 
+  std::vector<PluginCounts> plugin_counts() const;
+  std::int64_t iterations() const { return in_worker_; }
+
  private:
   struct Entry {
     Heuristic heuristic;
+    PluginCounts counts{};
     std::int64_t last = -1;  // node of the last call
     int failures = 0;        // in a row
   };

@@ -34,6 +34,7 @@ std::optional<Conclusion> Search::process(int slot) {
   event.id = tree_[slot].id;
   event.parent_id = tree_[slot].parent < 0 ? -1 : tree_[tree_[slot].parent].id;
   event.depth = tree_[slot].depth;
+  statistics_.largest_depth = std::max(statistics_.largest_depth, event.depth);
   event.branch_column = tree_[slot].branch.column;
   event.branch_direction = tree_[slot].branch.direction;
   event.objective = tree_[slot].bound;
@@ -52,11 +53,11 @@ std::optional<Conclusion> Search::process(int slot) {
     return Conclusion::unbounded;
   }
   if (result == NodeResult::undecided) undecided_bound_ = std::min(undecided_bound_, tree_[slot].bound);
-  tell_work();
+  enter(Phase::tree);
   report(slot, event, result);
   in_process_ = -1;
   tree_.close(slot);
-  ++nodes_;
+  if (nodes_++ == 0) statistics_.root_seconds = meter_.seconds();
   return std::nullopt;
 }
 
@@ -66,6 +67,7 @@ Search::NodeResult Search::work_on(int slot, NodeEvent& event) {
   rounds_ = {};
   for (int looks = 0;; ++looks) {
     if (worker_.must_stop()) return NodeResult::stopped;
+    if (looks == 0 && tree_[slot].parent < 0) enter(Phase::root_relaxation);
     // Each look has moved a bound, a row or the incumbent; more of them than this are noise.
     if (looks > kMostLooks) return branch_anywhere(slot, tree_[slot].bound);
     if (const NodeResult solved = solve_relaxation(); solved != NodeResult::branched) {
@@ -143,6 +145,8 @@ Search::NodeResult Search::bound_node(int slot) {
   tree_.raise_bound(slot, rounded_bound(lagrangian_bound_));
   if (tree_[slot].parent < 0 && !std::isinf(lagrangian_bound_)) {
     root_bound_ = lagrangian_bound_;
+    if (std::isinf(statistics_.root_bound_before_cuts)) statistics_.root_bound_before_cuts = root_bound_;
+    statistics_.root_bound_after_cuts = root_bound_;
     const std::span<const double> d = worker_.safe_reduced_costs();
     root_reduced_costs_.assign(d.begin(), d.end());
     root_lower_.assign(worker_.domain.lower().begin(), worker_.domain.lower().end());
@@ -191,7 +195,7 @@ Search::NodeResult Search::try_relaxation(int slot, double objective) {
   Solution solution;
   if (judge_.accept(x_, global_.cutoff, &solution)) {
     const double value = solution.objective;
-    accept(std::move(solution), false);
+    accept(std::move(solution), nullptr);
     // No point of the node is better than its relaxation, whose value is known to its tolerances only.
     if (prunes(tree_[slot].bound) || value <= objective + kBoundTrust * std::max(1.0, std::fabs(objective))) {
       return NodeResult::integral;
@@ -219,6 +223,8 @@ bool Search::separate(int slot, const NodeEvent& event) {
     moment.root = true;
     moment.depth = tree_[slot].depth;
     moment.round = rounds_.round++;
+    enter(Phase::cuts);
+    ++statistics_.cut_rounds;
     if (separation_.round(worker_, x_, moment) > 0) {
       rounds_.any = true;
       observer_.cuts(separation_.take_counts());
@@ -226,6 +232,7 @@ bool Search::separate(int slot, const NodeEvent& event) {
     }
   }
   rounds_.round = -1;  // done here
+  enter(Phase::tree);
   if (rounds_.any) observer_.node(event);
   return separation_.drop_slack_rows(worker_, true);
 }
@@ -236,15 +243,20 @@ bool Search::try_heuristics(int slot, bool before_cuts) {
   moment.before_cuts = before_cuts;
   moment.root = tree_[slot].parent < 0;
   moment.depth = tree_[slot].depth;
-  return heuristics_.run(worker_, moment, nodes_, [this](const Candidate& candidate) {
-    const std::int64_t before = judge_.iterations();
-    const bool better = offer(candidate.x);
-    return HeuristicSchedule::Taken{better, judge_.iterations() - before};
+  const Phase before = enter(Phase::heuristics);
+  const bool found = heuristics_.run(worker_, moment, nodes_, [this](const Candidate& candidate) {
+    const std::int64_t iterations = judge_.iterations();
+    const bool better = offer(candidate.x, candidate.found_by);
+    return HeuristicSchedule::Taken{better, judge_.iterations() - iterations};
   });
+  enter(before);
+  return found;
 }
 
 Search::NodeResult Search::branch_on(int slot, const Shortfall& shortfall, double objective, bool* again) {
+  enter(Phase::branching);
   const Branching branching = branching_.choose(worker_, x_, shortfall, objective, global_.pseudo_costs);
+  enter(Phase::tree);
   switch (branching.kind) {
     case Branching::Kind::stopped:
       return NodeResult::stopped;

@@ -12,10 +12,12 @@ using lp::Stop;
 Search::Search(const Problem& problem, const Settings& settings, lp::Control& control, Observer& observer)
     : problem_(problem),
       control_(control),
+      meter_(control_, statistics_),
       observer_(observer),
       global_(problem, settings),
-      worker_(global_, std::make_unique<lp::simplex::Relaxation>(problem.lp, settings.lp, control), control),
-      judge_(problem, global_.settings, control),
+      worker_(global_, std::make_unique<lp::simplex::Relaxation>(problem.lp, settings.lp, control_),
+              control_),
+      judge_(problem, global_.settings, control_),
       branching_(global_),
       separation_(global_),
       heuristics_(global_) {
@@ -31,14 +33,18 @@ void Search::change_settings(const Settings& settings) {
 }
 
 bool Search::offer(std::span<const double> x) {
+  return offer(x, "start");
+}
+
+bool Search::offer(std::span<const double> x, const char* found_by) {
   Solution solution;
   if (!judge_.accept(x, global_.cutoff, &solution)) return false;
-  accept(std::move(solution), true);
+  accept(std::move(solution), found_by);
   return true;
 }
 
 /* All that an improved solution changes. */
-void Search::accept(Solution solution, bool by_heuristic) {
+void Search::accept(Solution solution, const char* found_by) {
   const Settings& settings = global_.settings;
   const double u = solution.objective;
   double improvement =
@@ -52,8 +58,33 @@ void Search::accept(Solution solution, bool by_heuristic) {
   global_.cutoff = std::min(global_.cutoff, u - improvement);
   ++solutions_;
   new_incumbent_ = true;
-  incumbent_is_heuristic_ = by_heuristic;
+  incumbent_is_heuristic_ = found_by != nullptr;
+  record_incumbent(found_by);
   observer_.solution(u, incumbent_.x);
+}
+
+void Search::record_incumbent(const char* found_by) {
+  std::vector<IncumbentRecord>& all = statistics_.incumbents;
+  if (all.size() == kMostIncumbents) all.pop_back();
+  all.push_back(
+      {meter_.seconds(), nodes_, incumbent_.objective, found_by == nullptr ? "relaxation" : found_by});
+}
+
+SearchStatistics Search::statistics() const {
+  SearchStatistics all = statistics_;
+  all.separators = separation_.plugin_counts();
+  all.cuts = separation_.all_counts();
+  all.heuristics = heuristics_.plugin_counts();
+  all.strong_iterations = branching_.strong_iterations();
+  all.heuristic_iterations = heuristics_.iterations();
+  all.judge_iterations = judge_.iterations();
+  return all;
+}
+
+/* The phase that was left, to be entered again. */
+Phase Search::enter(Phase phase) {
+  tell_work();
+  return meter_.enter(phase, nodes_ == 0);
 }
 
 double Search::rounded_bound(double bound) const {
@@ -144,7 +175,15 @@ void Search::start() {
 }
 
 Conclusion Search::run() {
+  meter_.begin();
   if (!started_) start();
+  enter(Phase::tree);
+  const Conclusion end = run_until_limit();
+  meter_.end();
+  return end;
+}
+
+Conclusion Search::run_until_limit() {
   for (;;) {
     if (new_incumbent_) {
       new_incumbent_ = false;

@@ -20,6 +20,7 @@
 #include "mip/search/heuristic_schedule.h"
 #include "mip/search/judge.h"
 #include "mip/search/separation.h"
+#include "mip/search/statistics.h"
 #include "mip/search/sub_search.h"
 #include "mip/search/tree.h"
 #include "mip/worker/observer.h"
@@ -66,6 +67,8 @@ class Search {
   const Solution& incumbent() const { return incumbent_; }  // no values: none
   Progress progress();
   lp::simplex::Statistics relaxation_statistics() const;
+  /* Of all runs. */
+  SearchStatistics statistics() const;
 
  private:
   struct PathStep {
@@ -77,6 +80,7 @@ class Search {
 
   void start();
   std::optional<Conclusion> limit_reached();
+  Conclusion run_until_limit();
   Conclusion conclude();
   Conclusion stop_reason();
   lp::Stop asks_to_stop();
@@ -107,12 +111,18 @@ class Search {
   bool separate(int slot, const NodeEvent& event);
   bool try_heuristics(int slot, bool before_cuts);
   double estimate(const Shortfall& shortfall, double objective) const;
-  void accept(Solution solution, bool by_heuristic);
+  bool offer(std::span<const double> x, const char* found_by);
+  /* found_by: null for the relaxation of a node. */
+  void accept(Solution solution, const char* found_by);
+  void record_incumbent(const char* found_by);
+  Phase enter(Phase phase);
   void tell_work();
   void report(int slot, NodeEvent& event, NodeResult result);
 
   const Problem& problem_;
-  lp::Control& control_;
+  MeteredControl control_;
+  SearchStatistics statistics_;
+  PhaseMeter meter_;
   Observer& observer_;
   Global global_;
   Worker worker_;

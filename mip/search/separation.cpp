@@ -20,7 +20,11 @@ constexpr std::int64_t kBudget = 20000000;  // entries that one separator may to
 }  // namespace
 
 Separation::Separation(const Global& global) : global_(global), pool_(global.problem) {
-  for (std::unique_ptr<Plugin>& plugin : make_separators(global)) separators_.push_back({std::move(plugin)});
+  for (std::unique_ptr<Plugin>& plugin : make_separators(global)) {
+    const char* name = plugin->name();
+    separators_.push_back({std::move(plugin)});
+    separators_.back().counts.name = name;
+  }
 }
 
 int Separation::round(Worker& worker, std::span<const double> x, const Moment& moment) {
@@ -52,6 +56,16 @@ bool Separation::stalls(double objective, const Moment& moment) {
   return objective - objectives_[objectives_.size() - 1 - kWindow] < kLeastShare * all;
 }
 
+Verdict Separation::call(Separator& separator, Worker& worker, const Moment& moment) {
+  const std::size_t before = worker.out.cuts.size();
+  const TimedCall timed(separator.counts, worker.control);
+  const Verdict verdict = separator.plugin->call(worker, moment);
+  const std::size_t found = worker.out.cuts.size() - before;
+  separator.counts.found += static_cast<std::int64_t>(found);
+  if (found > 0) ++separator.counts.successes;
+  return verdict;
+}
+
 void Separation::call_separators(Worker& worker, const Moment& moment) {
   Moment now = moment;
   now.budget = kBudget;
@@ -60,7 +74,7 @@ void Separation::call_separators(Worker& worker, const Moment& moment) {
       --separator.waits;
       continue;
     }
-    const Verdict verdict = separator.plugin->call(worker, now);
+    const Verdict verdict = call(separator, worker, now);
     if (verdict == Verdict::infeasible) break;
     separator.failures = verdict == Verdict::found ? 0 : separator.failures + 1;
     if (separator.failures >= kFailures) separator.waits = separator.failures;
@@ -119,6 +133,12 @@ bool Separation::drop_slack_rows(Worker& worker, bool at_once) {
   std::erase_if(worker.cut_rows, [](const Cut& cut) { return cut.columns.empty(); });
   std::erase(slack_for_, -1);
   return true;
+}
+
+std::vector<PluginCounts> Separation::plugin_counts() const {
+  std::vector<PluginCounts> counts;
+  for (const Separator& separator : separators_) counts.push_back(separator.counts);
+  return counts;
 }
 
 CutCounts Separation::take_counts() {

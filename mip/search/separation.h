@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "mip/pool/cut_pool.h"
+#include "mip/search/statistics.h"
 #include "mip/worker/plugin.h"
 #include "mip/worker/worker.h"
 
@@ -25,20 +26,25 @@ class Separation {
   bool drop_slack_rows(Worker& worker, bool at_once);
   /* Cuts by class since the last call. */
   CutCounts take_counts();
+  /* Of all rounds: by separator, and the cuts that became rows. */
+  std::vector<PluginCounts> plugin_counts() const;
+  const CutCounts& all_counts() const { return all_counts_; }
   int rows() const { return static_cast<int>(slack_for_.size()); }
 
  private:
-  bool stalls(double objective, const Moment& moment);
-  void call_separators(Worker& worker, const Moment& moment);
-  double most_rows() const;
-  void limit_classes(std::vector<Cut>& cuts);
-  void add_rows(Worker& worker, std::vector<Cut>& cuts);
-
   /* A separator that finds nothing again and again is called ever more seldom. */
   struct Separator {
     std::unique_ptr<Plugin> plugin;
     int failures = 0, waits = 0;  // rounds
+    PluginCounts counts{};
   };
+
+  bool stalls(double objective, const Moment& moment);
+  static Verdict call(Separator& separator, Worker& worker, const Moment& moment);
+  void call_separators(Worker& worker, const Moment& moment);
+  double most_rows() const;
+  void limit_classes(std::vector<Cut>& cuts);
+  void add_rows(Worker& worker, std::vector<Cut>& cuts);
 
   const Global& global_;
   std::vector<Separator> separators_;

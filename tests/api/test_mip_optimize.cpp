@@ -1,6 +1,5 @@
 // TVKmipopt through the public header: statuses, limits, the node log, queries, every kind of model.
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cmath>
@@ -10,6 +9,7 @@
 #include <vector>
 
 #include "support/environment_fixture.h"
+#include "support/read_text.h"
 
 namespace {
 
@@ -19,17 +19,7 @@ class MipOptimize : public support::WithEnvironment {
     WithEnvironment::SetUp();
     ASSERT_EQ(TVKaddfuncdest(env_, results_, &log_text_, support::keep_text), 0);
   }
-  ProbHandle read(const std::string& model) {
-    int status = -1;
-    ProbHandle lp = TVKcreateprob(env_, &status, "model");
-    const std::string file = testing::TempDir() + "mip_" + std::to_string(getpid()) + ".lp";
-    FILE* out = std::fopen(file.c_str(), "w");
-    std::fputs(model.c_str(), out);
-    std::fclose(out);
-    EXPECT_EQ(TVKreadcopyprob(env_, lp, file.c_str(), "LP"), 0) << errors();
-    std::remove(file.c_str());
-    return lp;
-  }
+  ProbHandle read(const std::string& model) { return support::read_text(env_, model); }
   /* A market split: equations that hardly any binary point meets, so that the search is long. */
   std::string long_model(int columns) {
     std::ostringstream out;

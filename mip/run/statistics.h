@@ -1,0 +1,14 @@
+/* A search's statistics as members of the JSON object that an optimization leaves. */
+#pragma once
+
+#include <memory>
+
+#include "lp/run/statistics.h"
+#include "mip/search/search.h"
+
+namespace tovik::mip::run {
+
+/* objective_sense: objectives and bounds are written in the user's. */
+std::shared_ptr<const lp::run::FurtherStatistics> describe_search(Search& search, double objective_sense);
+
+}  // namespace tovik::mip::run
