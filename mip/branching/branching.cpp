@@ -14,6 +14,8 @@ constexpr int kLookahead = 9;          // candidates without a new best that end
 constexpr int kProbeIterations = 100;  // of one strong branching run
 constexpr double kScoreWeight = 1e-9;  // of history where gains are equal
 constexpr double kStrongShare = 0.5;   // of the tree's iterations
+constexpr double kZeroCost = 1e-9;     // reduced costs below count as 0
+constexpr double kLargeShare = 0.8, kLargeRatio = 2;  // of a degenerate face
 constexpr double kInferenceWeight = 1e-3, kCutoffWeight = 1e-3;
 
 double product(double down, double up) {
@@ -124,6 +126,28 @@ int BranchingRule::first_child(const Fraction& f) const {
   return up_share > 0.5 ? 1 : 0;
 }
 
+/* The optimal face is so large that no single branch moves the bound: gains would say nothing. Columns that may move without
+ * cost, by those that may not, and all columns of the face by the rows that hold it. */
+bool BranchingRule::is_degenerate(const Worker& worker) {
+  const int columns = worker.global.problem.num_columns(), rows = worker.num_rows();
+  std::vector<char> is_basic(static_cast<std::size_t>(columns) + static_cast<std::size_t>(rows));
+  for (const int variable : worker.relaxation->basis_head()) is_basic[variable] = 1;
+  const std::span<const double> d = worker.safe_reduced_costs();
+  int nonbasic = 0, without_cost = 0, face = 0, tight = 0;
+  for (int j = 0; j < columns; ++j) {
+    if (worker.domain.is_fixed(j)) continue;
+    const bool zero = is_basic[j] != 0 || std::fabs(d[j]) <= kZeroCost;
+    face += zero ? 1 : 0;
+    if (is_basic[j] != 0) continue;
+    ++nonbasic;
+    without_cost += zero ? 1 : 0;
+  }
+  for (int i = 0; i < rows; ++i) tight += is_basic[columns + i] == 0 ? 1 : 0;
+  const double share = nonbasic > 0 ? static_cast<double>(without_cost) / nonbasic : 0;
+  const double ratio = tight > 0 ? static_cast<double>(face) / tight : 1;
+  return share >= kLargeShare || ratio >= kLargeRatio;
+}
+
 /* Enough history, or none wanted. */
 bool BranchingRule::is_reliable(const Fraction& f, const PseudoCosts& seen) const {
   switch (global_.settings.variable_rule) {
@@ -182,13 +206,14 @@ Branching BranchingRule::on_columns(Worker& worker, const std::vector<Fraction>&
   Prospect best_prospect;
   double best_score = -1;
   int without_best = 0;
+  const bool may_probe = !compares_gains || !is_degenerate(worker);
   for (std::size_t k = 0; compares_gains && k < candidates.size() && without_best < lookahead; ++k) {
     const Fraction f = candidates[k].fraction;
     const double down = f.value - std::floor(f.value);
     Prospect prospect;
     prospect.gains = {seen.gain(f.column, Direction::down) * down,
                       seen.gain(f.column, Direction::up) * (1 - down)};
-    if (!is_reliable(f, seen) && static_cast<double>(strong_iterations_) < most_iterations) {
+    if (may_probe && !is_reliable(f, seen) && static_cast<double>(strong_iterations_) < most_iterations) {
       for (const Direction d : {Direction::down, Direction::up}) {
         if (std::optional<Branching> end = probe(worker, f, d, node_objective, seen, &prospect)) return *end;
       }

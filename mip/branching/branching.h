@@ -75,6 +75,7 @@ class BranchingRule {
   Branching on_columns(Worker& worker, const std::vector<Fraction>& fractions, double node_objective,
                        PseudoCosts& seen);
   int first_child(const Fraction& f) const;
+  static bool is_degenerate(const Worker& worker);
 
   std::vector<double> root_values_;
   const Global& global_;

@@ -111,9 +111,7 @@ std::vector<Cut> CutPool::select(std::span<const double> x, const SelectionRules
         product += stamp[other.cut.columns[k]] * other.cut.values[k];
       }
       work_ += static_cast<std::int64_t>(other.cut.columns.size());
-      const bool good = violated[b].score >= rules.good_share * violated.front().score;
-      if (product > (good ? rules.most_parallel_good : rules.most_parallel) * best.norm * other.norm)
-        is_out[b] = 1;
+      if (product > rules.most_parallel * best.norm * other.norm) is_out[b] = 1;
     }
     for (const int j : best.cut.columns) stamp[j] = 0;
   }

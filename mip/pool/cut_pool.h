@@ -3,7 +3,7 @@
  * - Holds: by cut its terms, Euclidean norm, and age: rounds in which it was not violated. A cut whose terms are those of
  *   another, up to scale, replaces it where its side is tighter, else it is dropped.
  * - select(): the violated cuts, best first: efficacy (violation by norm), parallelism to the objective, integer support;
- *   what is nearly parallel to a better one stays (Achterberg 2007, section 8.9).
+ *   what is too parallel to a better one stays (Achterberg 2007, section 8.9).
  * - Cost: a selection costs the entries of all cuts, and those of the selected ones for each candidate.
  * - Errors: bad_alloc. */
 #pragma once
@@ -21,9 +21,7 @@ namespace tovik::mip {
 struct SelectionRules {
   double least_efficacy = 1e-4;
   double least_violation = 1e-5;  // absolute
-  double most_parallel = 0.1;     // cosine to a better cut; good ones may be more
-  double good_share = 0.9;        // of the best score from which on a cut is good
-  double most_parallel_good = 0.5;
+  double most_parallel = 0.3;     // cosine to a better cut
   int limit = 2000;
 };
 

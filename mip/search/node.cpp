@@ -1,5 +1,6 @@
 // The work at one node: propagation, relaxation, bound, candidate, branching.
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <memory>
 #include <utility>
@@ -313,6 +314,7 @@ Search::NodeResult Search::add_children(int slot, const Branching& branching, do
     basis = std::make_shared<const lp::Basis>(worker_.relaxation->basis());
   }
   bool any = false;
+  std::array<Sibling, 2> made_children{{{-1, -1}, {-1, -1}}};
   for (int k = 0; k < 2; ++k) {
     const Child& child = branching.children[k];
     const double bound = std::max(tree_[slot].bound, rounded_bound(child.bound));
@@ -320,11 +322,15 @@ Search::NodeResult Search::add_children(int slot, const Branching& branching, do
     const bool depth_first = global_.settings.node_rule == NodeRule::depth_first;
     const int made = tree_.add({bound, depth_first ? -tree_[slot].depth - 1.0 : std::max(bound, estimate),
                                 objective, slot, child.record, child.changes, basis});
+    made_children[static_cast<std::size_t>(k)] = {made, tree_[made].id};
     if (k == branching.first || !any) {
       next_child_ = made;
       next_child_id_ = tree_[made].id;
     }
     any = true;
+  }
+  for (const Sibling& s : made_children) {
+    if (s.slot >= 0 && s.slot != next_child_) plunge_.push_back(s);
   }
   return any ? NodeResult::branched : NodeResult::cutoff;
 }

@@ -9,6 +9,13 @@ namespace tovik::mip {
 
 using lp::Stop;
 
+namespace {
+
+constexpr int kMostBacktracks = 100;   // of one plunge
+constexpr double kPlungeShare = 0.25;  // of the gap, above the best bound, in which a plunge goes on
+
+}  // namespace
+
 Search::Search(const Problem& problem, const Settings& settings, lp::Control& control, Observer& observer)
     : problem_(problem),
       control_(control),
@@ -197,10 +204,29 @@ Conclusion Search::run_until_limit() {
   }
 }
 
+/* The deepest node that the plunge has left open and that may hold a good solution; -1: a new plunge is due. */
+int Search::next_of_plunge() {
+  const double best = tree_.best_bound();
+  const double farthest =
+      std::isinf(global_.cutoff) || std::isinf(best) ? kInf : best + kPlungeShare * (global_.cutoff - best);
+  while (!plunge_.empty() && backtracks_ < kMostBacktracks) {
+    const Sibling s = plunge_.back();
+    plunge_.pop_back();
+    if (!tree_.is_open(s.slot, s.id) || gap_is_closed(tree_[s.slot].bound) || tree_[s.slot].bound > farthest)
+      continue;
+    ++backtracks_;
+    return s.slot;
+  }
+  plunge_.clear();
+  backtracks_ = 0;
+  return -1;
+}
+
 /* The child of the plunge, else the queue's best. Nodes within the gap only hold the bound up. */
 int Search::pick() {
   const int child = std::exchange(next_child_, -1);
   if (child >= 0 && tree_.is_open(child, next_child_id_) && !gap_is_closed(tree_[child].bound)) return child;
+  if (const int left = next_of_plunge(); left >= 0) return left;
   const Settings& settings = global_.settings;
   const bool by_bound = settings.node_rule == NodeRule::best_bound ||
                         (settings.best_bound_interval > 0 && settings.node_rule != NodeRule::depth_first &&

@@ -89,6 +89,7 @@ class Search {
   double open_bound();
 
   int pick();
+  int next_of_plunge();
   bool install(int slot);
   void leave_path(std::size_t steps);
   bool apply_global_bounds();
@@ -138,6 +139,12 @@ class Search {
   int in_process_ = -1;    // slot
   int next_child_ = -1;    // slot of the child that the plunge goes on with
   std::int64_t next_child_id_ = -1;
+  struct Sibling {
+    int slot;
+    std::int64_t id;
+  };
+  std::vector<Sibling> plunge_;  // what the present plunge has left open, the deepest last
+  int backtracks_ = 0;           // of the present plunge
   std::int64_t nodes_ = 0, solutions_ = 0, picks_since_best_bound_ = 0;
   double undecided_bound_ = kInf;           // of nodes that nothing decides
   double lagrangian_bound_ = -kInf;         // of the node's last relaxation, not rounded

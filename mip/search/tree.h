@@ -2,7 +2,8 @@
  *
  * - Memory: a fixed part of about 100 bytes a node and 16 bytes a bound change beyond the first. A node lives until it and
  *   all below it are closed. Bases are shared by siblings and dropped, worst bounds first, when they outgrow their share.
- * - Queue: the open nodes by bound, and by estimate; equal keys by age, so that the order does not depend on memory.
+ * - Queue: the open nodes by bound, and by estimate; of equal keys the newest first: it is deep, and near to
+ *   where the search stands.
  *   Closed nodes leave the heaps when they reach the top.
  * - Errors: bad_alloc. */
 #pragma once
@@ -71,7 +72,7 @@ class Tree {
   };
   struct Later {
     bool operator()(const Entry& a, const Entry& b) const {
-      return a.key != b.key ? a.key > b.key : a.id > b.id;
+      return a.key != b.key ? a.key > b.key : a.id < b.id;
     }
   };
   using Key = double Node::*;
