@@ -12,8 +12,8 @@ for path in house.files(".h"):
 
 # Acts when it is set, inside param/.
 read = {"TVK_PARAM_SCRIND"}
-# Looked at without effect: left out by a writer of parameter files; asked for in the choice of a method to come.
-LEFT_OUT = {"TVK_PARAM_MIPCBREDLP", "TVK_PARAM_THREADS"}
+# Looked at without effect: asked for in the choice of a method to come.
+LEFT_OUT = {"TVK_PARAM_THREADS"}
 for path in house.files(".cpp", ".h"):
     top = path.parts[0]
     if top in ("env", "model", "fileio", "lp", "mip", "qp", "api"):

@@ -34,8 +34,8 @@ class Profile {
 
  private:
   void call(int code) noexcept {
-    if (env_.callbacks.profile == nullptr) return;
-    env_.callbacks.profile(to_handle(&env_), code, env_.callbacks.profile_handle);
+    if (const auto& profile = env_.callbacks.profile)
+      profile.function(to_handle(&env_), code, profile.handle);
   }
   Environment& env_;
   int end_;

@@ -12,6 +12,7 @@
 #include <mutex>
 #include <vector>
 
+#include "env/callbacks.h"
 #include "env/channel.h"
 #include "env/error.h"
 #include "env/limits.h"
@@ -23,9 +24,6 @@ namespace tovik {
 
 struct Problem;
 struct NetworkProblem;
-namespace lp::run {
-class CallbackFrame;
-}
 
 inline constexpr char kVersion[] = "12.2.0.0";
 
@@ -34,16 +32,6 @@ struct WorkCounter {
   std::uint64_t ticks = 0;
   std::uint32_t shift = 0;
   void add(std::uint64_t count) { ticks += count << (shift & 63); }
-};
-
-struct Callbacks {
-  int (*lp)(ConstEnvHandle, void*, int, void*) = nullptr;
-  void* lp_handle = nullptr;
-  void (*profile)(ConstEnvHandle, int, void*) = nullptr;
-  void* profile_handle = nullptr;
-  int (*info)(ConstEnvHandle, void*, int, void*) = nullptr;
-  void* info_handle = nullptr;
-  volatile int* terminate = nullptr;
 };
 
 struct Environment {
@@ -72,7 +60,9 @@ struct Environment {
   WorkCounter* work = &own_work;  // the counter in force
   LimitFrames limits;
   Callbacks callbacks;
-  lp::run::CallbackFrame* callback_frame = nullptr;  // of the LP callback that is running
+  RunningCallback* running_callback = nullptr;  // the innermost
+  std::uintptr_t callbacks_run = 0;             // numbers the callbacks of searches
+  int (*terminate_function)() = nullptr;        // optimizers stop when it says something else than 0
   FILE* log_file = nullptr;
   bool ready = false;  // opened completely
   LiveHandle live;     // last: a handle is live while the record is whole

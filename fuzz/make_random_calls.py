@@ -43,7 +43,7 @@ COUNTED = {
     "supply": ["numnodes", "ncnt"], "tail": ["numarcs", "acnt", "cnt"], "head": ["numarcs", "acnt", "cnt", "len"],
     "arc": ["arcspace"], "namestore": ["storespace"], "numbers": ["space"], "ind": ["len"], "val": ["len"],
     "pind": ["plen"], "pval": ["plen"], "rlist": ["rlen"], "clist": ["clen"], "downobj": ["cnt"], "upobj": ["cnt"],
-    "norm": ["len"],
+    "norm": ["len"], "cutind": ["nzcnt"], "cutval": ["nzcnt"], "varind": ["varcnt"], "varlu": ["varcnt"], "varbd": ["varcnt"],
 }
 
 # Arrays of one entry for each item of the problem; the first rule that fits.
@@ -53,6 +53,7 @@ SIZED = [
     (r"crushform", "pind|pval", "reduced_columns"), (r"uncrushform", "ind|val", "columns"),
     (r"TVKcrushx|TVKuncrushx", "prex", "reduced_columns"), (r"crushpi", "prepi", "reduced_rows"),
     (r"TVKgetprestat", "ocstat", "reduced_columns"), (r"TVKgetprestat", "orstat", "reduced_rows"),
+    (r"TVKgetcallbackbranchconstraints", "rhs|sense|rmatbeg|rmatind|rmatval", "columns"),
     (r"TVKgetbasehead", "x|head", "rows"), (r"TVKgetdnorms", "norm|head", "rows"),
     (r"", "cstat|pcstat|cprim|cdual|dj|x|ray|columns|qsepvec|qmatbeg|qmatcnt|ctype", "columns"),
     (r"", "rstat|prstat|rprim|rdual|pi|slack|dnorm|row|column|slacks|vector|y", "rows"),
@@ -120,21 +121,27 @@ class Routine:
         if kind == "double":
             return "c.real()"
         simple = {
-            "const char *": None, "void *": "c.anything()", "volatile int *": "c.terminate_flag()", "FILE *": "c.file()",
+            "const char *": None, "volatile int *": "c.terminate_flag()", "FILE *": "c.file()",
             "ChannelHandle": "c.channel()", "ConstNetProbHandle": "c.network()", "NetProbHandle": "c.network()",
         }
         if simple.get(kind):
             return simple[kind]
+        if parameter == "cbdata":
+            return "c.callback_data()"
+        if parameter == "result_p":
+            return "c.out<double>(1)"
         if kind == "int *" and parameter.endswith("_p"):
             return "c.out<int>(1)"
+        if kind == "void *":
+            return "c.anything()"
         if kind == "double *" and parameter.endswith("_p"):
             return "c.out<double>(1)"
         if kind == "char *" and parameter.endswith("_p"):
             return "c.out<char>(1)"
-        if kind in ("FILE **", "void **", "ChannelHandle *", "ConstProbHandle *") and parameter != "channel_p":
+        if kind in ("FILE **", "void **", "ChannelHandle *", "ConstProbHandle *", "ProbHandle *") and parameter != "channel_p":
             return f"c.out<{kind[:-1].strip()}>(1)"
         if kind == "const char *":
-            if parameter in ("sense", "ctype", "lu", "sostype"):
+            if parameter in ("sense", "ctype", "lu", "varlu", "sostype"):
                 return f'c.letters("{parameter}", {self.size(parameter, False)})'
             return f'c.text("{parameter}")'
         if kind == "char **" and parameter == "name":
@@ -145,7 +152,7 @@ class Routine:
             size = self.size(parameter, False)
             limit = next((n for n in ("numsosnz", "nzcnt") if n in self.ints), None)
             bound = f"c.size({limit})" if limit and parameter.endswith("beg") else items
-            if parameter in ("sosind", "linind", "varindices", "quadrow", "quadcol", "collist", "qmatind", "ind"):
+            if parameter in ("cutind", "varind", "sosind", "linind", "varindices", "quadrow", "quadcol", "collist", "qmatind", "ind"):
                 bound = "c.columns()"
             if parameter == "pind":
                 bound = "c.reduced_columns()"
@@ -177,11 +184,9 @@ class Routine:
                 continue
             if "(*" in argument:
                 parameter = re.search(r"\(\*+(\w+)\)", argument).group(1)
-                if "(**" in argument:
-                    self.lines.append(f"  auto* const {parameter} = c.out<Caller::LpFunction>(1);")
-                else:
-                    which = "message" if parameter == "msgfunction" else "lp" if "cbdata" in argument else "profile"
-                    self.lines.append(f"  auto* const {parameter} = c.{which}_function();")
+                which = "place_of_function()" if "(**" in argument else \
+                    f"function({4 if parameter == 'msgfunction' else 40})"
+                self.lines.append(f"  const auto {parameter} = c.{which};")
                 names.append(parameter)
                 continue
             kind, parameter = re.match(r"(.*?)(\w+)$", argument).groups()
@@ -213,8 +218,9 @@ class Routine:
             self.lines.append(f"  c.made({'env, ' if 'env' in declared else ''}{call});")
         else:
             self.lines.append(f"  static_cast<void>({call});" if self.result != "void" else f"  {call};")
-        if self.name == "TVKgetredlp":
-            self.lines.append("  c.borrowed(env, redlp_p);")
+        borrowed = {"TVKgetredlp": "redlp_p", "TVKgetcallbacknodelp": "nodelp_p", "TVKgetcallbacklp": "lp_p"}
+        if self.name in borrowed:
+            self.lines.append(f"  c.borrowed(env, {borrowed[self.name]});")
         return "\n".join(self.lines)
 
 

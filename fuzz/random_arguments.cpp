@@ -8,19 +8,6 @@
 #include "fuzz/random_calls.h"
 
 namespace tovik::fuzz {
-namespace {
-
-extern "C" int random_lp_callback(ConstEnvHandle, void*, int, void*) {
-  return the_caller->nested() == 1;
-}
-extern "C" void random_profile_callback(ConstEnvHandle, int, void*) {
-  the_caller->nested();
-}
-extern "C" void random_message(void*, const char*) {
-  the_caller->nested();
-}
-
-}  // namespace
 
 /* ---- handles ---- */
 
@@ -51,6 +38,7 @@ Handle Caller::senseless() {
 
 EnvHandle Caller::environment() {
   if (chance(2)) return env_ = senseless<EnvHandle>();
+  if (callback_.env != nullptr && chance(60)) return env_ = const_cast<EnvHandle>(callback_.env);
   env_ = environments_[engine_() % environments_.size()];
   for (int k = 0; k < 8 && TVKversion(env_) == nullptr && chance(90); ++k)
     env_ = environments_[engine_() % environments_.size()];
@@ -144,6 +132,9 @@ int Caller::integer(const std::string& name, int items) {
   if (name.find("space") != std::string::npos)  // room that is promised must be there
     return chance(4) ? std::min(extreme(), -1) : below(40);
   if (chance(4)) return extreme();
+  if (name == "wherefrom" && callback_.cbdata != nullptr) return callback_.wherefrom;
+  if (name == "wherefrom") return chance(50) ? 1 + below(8) : 101 + below(14);
+  if (name == "whichinfo") return chance(30) ? below(20) : 101 + below(140);
   const auto is = [&](const char* other) { return name == other; };
   if (is("number")) {
     int type = 0;
@@ -270,16 +261,6 @@ volatile int* Caller::terminate_flag() {
   return &flag_;
 }
 
-Caller::LpFunction Caller::lp_function() {
-  return chance(40) ? nullptr : random_lp_callback;
-}
-Caller::ProfileFunction Caller::profile_function() {
-  return chance(40) ? nullptr : random_profile_callback;
-}
-Caller::MessageFunction Caller::message_function() {
-  return chance(4) ? nullptr : random_message;
-}
-
 /* ---- sizes ---- */
 
 std::size_t Caller::counted_end(const int* begin, const int* count, int vectors) const {
@@ -297,6 +278,7 @@ int Caller::count_of(int (*count)(ConstEnvHandle, ConstProbHandle)) {
 }
 
 int Caller::columns() {
+  if (lp_.handle == nullptr && callback_.cbdata != nullptr) return 6;  // of most problems
   return count_of(TVKgetnumcols);
 }
 int Caller::rows() {

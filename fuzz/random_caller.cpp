@@ -75,6 +75,7 @@ void Caller::limit_runs() {
   const bool quiet = std::exchange(quiet_, true);
   for (EnvHandle env : environments_) {
     TVKsetintparam(env, TVK_PARAM_ITLIM, 2000);
+    TVKsetintparam(env, TVK_PARAM_NODELIM, 200);
     TVKsetdblparam(env, TVK_PARAM_TILIM, 2);
   }
   quiet_ = quiet;
@@ -137,10 +138,24 @@ void Caller::populate(EnvHandle env) {
   made(env, net);
 }
 
+/* In a callback with a context the routines that want one come more often. */
+const RandomCall& Caller::any_call() {
+  const auto& all = random_calls();
+  const auto draw = [&]() -> const RandomCall& {
+    return all[static_cast<std::size_t>(below(static_cast<int>(all.size())))];
+  };
+  const RandomCall* call = &draw();
+  for (int k = 0; k < 12 && callback_.cbdata != nullptr; ++k) {
+    const std::string name = call->name;
+    if (name.find("callback") != std::string::npos && name.find("func") == std::string::npos) break;
+    call = &draw();
+  }
+  return *call;
+}
+
 bool Caller::step() {
   if (++calls_ % 64 == 0) refill();
-  const auto& all = random_calls();
-  const RandomCall& call = all[static_cast<std::size_t>(below(static_cast<int>(all.size())))];
+  const RandomCall& call = any_call();
   const std::vector<void*> outer = std::exchange(arrays_, {});
   const auto lp = lp_;
   const auto net = net_;
@@ -190,6 +205,13 @@ int Caller::nested() {
   changes_ = changes;
   --depth_;
   return below(200);
+}
+
+int Caller::nested(ConstEnvHandle env, void* cbdata, int wherefrom) {
+  const Callback outer = std::exchange(callback_, {env, cbdata, wherefrom});
+  const int code = nested();
+  callback_ = outer;
+  return code;
 }
 
 std::string Caller::trace() const {

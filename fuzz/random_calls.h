@@ -15,6 +15,8 @@
 #include <cstdlib>
 #include <random>
 #include <string>
+#include <tuple>
+#include <type_traits>
 #include <vector>
 
 namespace tovik::fuzz {
@@ -28,9 +30,23 @@ const std::vector<RandomCall>& random_calls();
 
 class Caller {
  public:
-  using LpFunction = int (*)(ConstEnvHandle, void*, int, void*);
-  using ProfileFunction = void (*)(ConstEnvHandle, int, void*);
-  using MessageFunction = void (*)(void*, const char*);
+  /* Becomes a function of the type that a routine asks for, or none; or the place where one is to be put. */
+  template <class R, class... A>
+  using FunctionPointer = R (*)(A...);
+  struct Function {
+    bool is_none;
+    template <class R, class... A>
+    operator FunctionPointer<R, A...>() const {
+      return is_none ? nullptr : random_function<R, A...>;
+    }
+  };
+  struct PlaceOfFunction {
+    Caller& caller;
+    template <class R, class... A>
+    operator FunctionPointer<R, A...>*() const {
+      return caller.out<FunctionPointer<R, A...>>(1);
+    }
+  };
   static constexpr std::size_t kText = TVK_STR_PARAM_MAX;
 
   Caller(std::uint64_t seed, std::string folder);
@@ -42,6 +58,9 @@ class Caller {
   bool step();
   /* From inside a callback: now and then some calls more. */
   int nested();
+  /* The same from a callback with a context, which the calls then use. */
+  int nested(ConstEnvHandle env, void* cbdata, int wherefrom);
+  int answer() { return below(5) - 1; }
   std::string trace() const;
   std::uint64_t succeeded() const { return succeeded_; }
 
@@ -83,9 +102,9 @@ class Caller {
   FILE* file() { return chance(20) ? nullptr : file_; }
   void* anything() { return chance(50) ? nullptr : this; }
   volatile int* terminate_flag();
-  LpFunction lp_function();
-  ProfileFunction profile_function();
-  MessageFunction message_function();
+  void* callback_data() { return chance(80) ? callback_.cbdata : anything(); }
+  Function function(int percent_none) { return {chance(percent_none)}; }
+  PlaceOfFunction place_of_function() { return {*this}; }
 
   /* ---- sizes ---- */
   std::size_t size(int count) const {
@@ -111,6 +130,15 @@ class Caller {
   void borrowed(ConstEnvHandle env, const ConstProbHandle* lp);
 
  private:
+  struct Callback {
+    ConstEnvHandle env = nullptr;
+    void* cbdata = nullptr;
+    int wherefrom = 0;
+  };
+  template <class R, class... A>
+  static R random_function(A... arguments);
+  const RandomCall& any_call();
+
   template <class Handle>
   struct Owned {
     ConstEnvHandle env;
@@ -160,11 +188,35 @@ class Caller {
   Owned<NetProbHandle> net_{};
   EnvHandle env_ = nullptr;
   volatile int flag_ = 0;
+  Callback callback_;  // that is running
   int code_ = 0, depth_ = 0, deliveries_ = 0;
   std::uint64_t calls_ = 0, nested_calls_ = 0, succeeded_ = 0;
   bool changes_ = false, quiet_ = false;
 };
 
 extern Caller* the_caller;
+
+/* Calls what may be called from a callback, and writes something into each int that it may answer with. */
+template <class R, class... A>
+R Caller::random_function(A... arguments) {
+  int code = 0;
+  if constexpr (sizeof...(A) > 3) {
+    const auto all = std::make_tuple(arguments...);
+    if constexpr (std::is_same_v<std::decay_t<decltype(std::get<1>(all))>, void*>) {
+      code = the_caller->nested(std::get<0>(all), std::get<1>(all), std::get<2>(all));
+    } else {
+      code = the_caller->nested();
+    }
+    const auto answer = [](auto argument) {
+      if constexpr (std::is_same_v<decltype(argument), int*>) {
+        if (const int value = the_caller->answer(); value >= 0) *argument = value;
+      }
+    };
+    (answer(arguments), ...);
+  } else {
+    code = the_caller->nested();
+  }
+  if constexpr (!std::is_void_v<R>) return code == 1;
+}
 
 }  // namespace tovik::fuzz

@@ -478,6 +478,40 @@ TVK_API int TVKsetlpcallbackfunc(EnvHandle env,
 TVK_API int TVKgetlpcallbackfunc(ConstEnvHandle env, int (**func_p)(ConstEnvHandle, void *, int, void *),
                                  void **handle_p);
 
+/* Registers functions that TVKmipopt calls to tell how it stands (null: none). `wherefrom` says where it is: one of
+ * TVK_CALLBACK_MIP (a node was processed, or some work has been done since the last call), TVK_CALLBACK_MIP_ROOT_CUTS (after
+ * a round of cuts) and TVK_CALLBACK_MIP_INCUMBENT (a new solution was found). A result other than 0 stops the search with
+ * TVK_STATUS_MIP_USER_ABORT or 114; the next call goes on with the tree. Both see the same; what they may call differs: from
+ * the info callback everything gives 1804 but TVKgetcallbackincumbent and, of TVKgetcallbackinfo, the items 19, 101 to 106,
+ * 109, 113, 114, 116, 118, 121, 123, 125 and 127 to 132. The mip callback may call what the LP callback may. */
+TVK_API int TVKsetmipcallbackfunc(EnvHandle env,
+                                  int (*func)(ConstEnvHandle env, void *cbdata, int wherefrom, void *handle),
+                                  void *handle);
+TVK_API int TVKgetmipcallbackfunc(ConstEnvHandle env, int (**func_p)(ConstEnvHandle, void *, int, void *),
+                                  void **handle_p);
+TVK_API int TVKsetinfocallbackfunc(EnvHandle env,
+                                   int (*func)(ConstEnvHandle env, void *cbdata, int wherefrom, void *handle),
+                                   void *handle);
+TVK_API int TVKgetinfocallbackfunc(ConstEnvHandle env, int (**func_p)(ConstEnvHandle, void *, int, void *),
+                                   void **handle_p);
+
+/* Registered and read back only: no optimizer calls them. */
+TVK_API int TVKsetnetcallbackfunc(EnvHandle env,
+                                  int (*func)(ConstEnvHandle env, void *cbdata, int wherefrom, void *handle),
+                                  void *handle);
+TVK_API int TVKgetnetcallbackfunc(ConstEnvHandle env, int (**func_p)(ConstEnvHandle, void *, int, void *),
+                                  void **handle_p);
+TVK_API int TVKsettuningcallbackfunc(EnvHandle env,
+                                     int (*func)(ConstEnvHandle env, void *cbdata, int wherefrom, void *handle),
+                                     void *handle);
+TVK_API int TVKgettuningcallbackfunc(ConstEnvHandle env, int (**func_p)(ConstEnvHandle, void *, int, void *),
+                                     void **handle_p);
+
+/* Where TVKmipopt calls from. */
+#define TVK_CALLBACK_MIP 101           /* informational: a node, or some work */
+#define TVK_CALLBACK_MIP_ROOT_CUTS 108 /* informational: a round of cuts at the root */
+#define TVK_CALLBACK_MIP_INCUMBENT 111 /* a solution */
+
 /* Items of TVKgetcallbackinfo, ints but where it says double. Numbers that the method does not have at that time are 1e20:
  * in the first phase of the dual simplex objective and primal infeasibility, in the first phase of the primal simplex dual
  * infeasibility. While sifting all are those of the working problem. */
@@ -494,8 +528,23 @@ TVK_API int TVKgetlpcallbackfunc(ConstEnvHandle env, int (**func_p)(ConstEnvHand
 #define TVK_CALLBACK_INFO_SECONDS 17         /* double: since the optimization began, by TVK_PARAM_CLOCKTYPE */
 #define TVK_CALLBACK_INFO_TICKS 19           /* double: deterministic work since then */
 
-/* For the LP callback while it runs, with its own `env`, `cbdata` and `wherefrom`: stores the item `whichinfo` in *result_p,
- * an int or a double. 1 to 6 are known in context 1, 13 to 16 in context 7, 17 and 19 in both. The infeasibilities cost a
+/* Of TVKmipopt, in its contexts (101 to 113); objective values have the sense of the problem. */
+#define TVK_CALLBACK_INFO_BEST_INTEGER 101   /* double: of the incumbent; 1e75 without one, -1e75 in a maximization */
+#define TVK_CALLBACK_INFO_BEST_BOUND 102     /* double: on every solution's objective; +-1e75 while there is none */
+#define TVK_CALLBACK_INFO_NODE_COUNT 103     /* nodes processed */
+#define TVK_CALLBACK_INFO_NODES_LEFT 104
+#define TVK_CALLBACK_INFO_MIP_ITERATIONS 105 /* of the simplex, all relaxations together */
+#define TVK_CALLBACK_INFO_CUTOFF 106         /* double: only solutions better than this are looked for */
+#define TVK_CALLBACK_INFO_CURRENT_SEQUENCE 107 /* sequence number of the node that is processed; 1006 without one */
+#define TVK_CALLBACK_INFO_CURRENT_DEPTH 108    /* its depth */
+#define TVK_CALLBACK_INFO_HAS_INCUMBENT 109  /* 1 when there is an incumbent */
+#define TVK_CALLBACK_INFO_GAP 113            /* double: |bound - incumbent| / (1e-10 + |incumbent|), 1e75 without either */
+#define TVK_CALLBACK_INFO_SOLUTIONS 114      /* solutions found */
+#define TVK_CALLBACK_INFO_CUT_ROWS 116       /* cuts that are rows of the relaxation now */
+#define TVK_CALLBACK_INFO_TREE_SIZE 118      /* double: megabytes of the open nodes */
+
+/* For a callback while it runs, with its own `env`, `cbdata` and `wherefrom`: stores the item `whichinfo` in *result_p,
+ * an int or a double. 1 to 6 are known in context 1, 13 to 16 in context 7, 101 and up in those of TVKmipopt, 17 and 19 in all. The infeasibilities cost a
  * pass over rows and columns at the first item of a call: ask now and then, not at each iteration. Errors: 1003 wherefrom is
  * not in 1..113 or does not have the item; 1006 cbdata is not that of a callback that is running in this context; 1004.
  *
@@ -508,10 +557,234 @@ TVK_API int TVKgetlpcallbackfunc(ConstEnvHandle env, int (**func_p)(ConstEnvHand
  *     } */
 TVK_API int TVKgetcallbackinfo(ConstEnvHandle env, void *cbdata, int wherefrom, int whichinfo, void *result_p);
 
+/* ---- Taking part in a mixed-integer search ----
+ * Functions of the caller that TVKmipopt calls at fixed points and that may change what it does. All get `env`, an opaque
+ * `cbdata` for the routines below, the code of the context in `wherefrom`, and the `handle` that they were registered with; a
+ * result other than 0, or TVK_CALLBACK_FAIL in *useraction_p, ends the search with status 113 or 114 and TVKmipopt with 1006,
+ * with the incumbent and the tree kept: the next call goes on, if the same functions are registered. What was registered when
+ * TVKmipopt began is called until it ends. *useraction_p is TVK_CALLBACK_DEFAULT on entry; TVK_CALLBACK_SET tells that the
+ * function has answered. While one of these is registered TVK_PARAM_MIPSEARCH may not be 2 (1805).
+ *
+ * Space: columns are counted as in the problem that is searched (TVKgetcallbacklp), or, with TVK_PARAM_MIPCBREDLP 0, as in the
+ * problem itself. Objective values have the sense of the problem. The order at a node is: node selection; solve, in place of
+ * each solve of the relaxation; cuts; heuristic; for each point that may become the incumbent, wherever it was found, cuts once
+ * more, and incumbent; branch, or branch without a solution; node deletion.
+ *
+ * From inside, the problem that is optimized may be read, not changed, optimized or freed (1804); other problems may. Handles
+ * that a callback gets live until it returns.
+ *
+ * Example: subtours of a tour are forbidden where they show
+ *     int forbid(ConstEnvHandle env, void *cbdata, int wherefrom, void *handle, int *useraction_p) {
+ *       ...                                           TVKgetcallbacknodex (env, cbdata, wherefrom, x, 0, n - 1), find a set S
+ *       *useraction_p = TVK_CALLBACK_SET;
+ *       return TVKcutcallbackadd(env, cbdata, wherefrom, k, size - 1.0, 'L', ind, val, 0);
+ *     } */
+#define TVK_CALLBACK_DEFAULT 0
+#define TVK_CALLBACK_FAIL 1
+#define TVK_CALLBACK_SET 2
+
+#define TVK_CALLBACK_MIP_BRANCH 102
+#define TVK_CALLBACK_MIP_NODE 103
+#define TVK_CALLBACK_MIP_HEURISTIC 104
+#define TVK_CALLBACK_MIP_SOLVE 105
+#define TVK_CALLBACK_MIP_CUT 106
+#define TVK_CALLBACK_MIP_DELETE_NODE 112
+#define TVK_CALLBACK_MIP_BRANCH_NO_SOLUTION 113
+
+/* The setters return 0, or 1002 or 1804; the getters write both, null for a bad environment.
+ *
+ * Branch: called with the children that the search would make: `type` one of TVK_BRANCH_.., `sos` the set that is branched on or
+ * -1, `nodecnt` children (0 where the search has none to propose, which drops the node), of which child k changes the
+ * bounds nodebeg[k] up to nodebeg[k+1] (the last one up to bdcnt) of `indices`, `lu`, `bd`, with `nodeest[k]`. With
+ * TVK_CALLBACK_SET the children that the function has created take their place, none of them closing the node. The one without
+ * a node solution is called where the relaxation could not be solved. */
+#define TVK_BRANCH_COLUMN 0
+#define TVK_BRANCH_SOS1 1
+#define TVK_BRANCH_SOS2 2
+#define TVK_BRANCH_OTHER 3 /* several bounds: a semi-continuous column, an indicator */
+TVK_API int TVKsetbranchcallbackfunc(EnvHandle env,
+                                     int (*func)(ConstEnvHandle env, void *cbdata, int wherefrom, void *handle, int type,
+                                                 int sos, int nodecnt, int bdcnt, const double *nodeest,
+                                                 const int *nodebeg, const int *indices, const char *lu,
+                                                 const double *bd, int *useraction_p),
+                                     void *handle);
+TVK_API void TVKgetbranchcallbackfunc(ConstEnvHandle env,
+                                      int (**func_p)(ConstEnvHandle, void *, int, void *, int, int, int, int,
+                                                     const double *, const int *, const int *, const char *,
+                                                     const double *, int *),
+                                      void **handle_p);
+TVK_API int TVKsetbranchnosolncallbackfunc(EnvHandle env,
+                                           int (*func)(ConstEnvHandle env, void *cbdata, int wherefrom, void *handle,
+                                                       int type, int sos, int nodecnt, int bdcnt,
+                                                       const double *nodeest, const int *nodebeg,
+                                                       const int *indices, const char *lu, const double *bd,
+                                                       int *useraction_p),
+                                           void *handle);
+TVK_API void TVKgetbranchnosolncallbackfunc(ConstEnvHandle env,
+                                            int (**func_p)(ConstEnvHandle, void *, int, void *, int, int, int, int,
+                                                           const double *, const int *, const int *, const char *,
+                                                           const double *, int *),
+                                            void **handle_p);
+/* Cut: called at the optimum of each node's relaxation, and at each point that may become the incumbent: cuts that are added
+ * there forbid it. TVKgetcallbacknodex tells the point, TVKgetcallbacknodestat which of the two it is (1 and 0). */
+TVK_API int TVKsetcutcallbackfunc(EnvHandle env,
+                                  int (*func)(ConstEnvHandle env, void *cbdata, int wherefrom, void *handle,
+                                              int *useraction_p),
+                                  void *handle);
+TVK_API void TVKgetcutcallbackfunc(ConstEnvHandle env, int (**func_p)(ConstEnvHandle, void *, int, void *, int *),
+                                   void **handle_p);
+/* Node selection: *nodeindex_p is the node that the search would take, among the open ones by age; with TVK_CALLBACK_SET it is
+ * the one to be taken. */
+TVK_API int TVKsetnodecallbackfunc(EnvHandle env,
+                                   int (*func)(ConstEnvHandle env, void *cbdata, int wherefrom, void *handle,
+                                               int *nodeindex_p, int *useraction_p),
+                                   void *handle);
+TVK_API void TVKgetnodecallbackfunc(ConstEnvHandle env,
+                                    int (**func_p)(ConstEnvHandle, void *, int, void *, int *, int *),
+                                    void **handle_p);
+/* Heuristic: x is the optimum of the relaxation on entry; with TVK_CALLBACK_SET it is a point that may be a solution. It is
+ * checked whatever *checkfeas_p says; continuous columns that do not fit are found anew. */
+TVK_API int TVKsetheuristiccallbackfunc(EnvHandle env,
+                                        int (*func)(ConstEnvHandle env, void *cbdata, int wherefrom, void *handle,
+                                                    double *objval_p, double *x, int *checkfeas_p,
+                                                    int *useraction_p),
+                                        void *handle);
+TVK_API void TVKgetheuristiccallbackfunc(ConstEnvHandle env,
+                                         int (**func_p)(ConstEnvHandle, void *, int, void *, double *, double *,
+                                                        int *, int *),
+                                         void **handle_p);
+/* Incumbent: the solution x is the next incumbent unless *isfeas_p is set to 0; the search then goes on without it. A node
+ * whose relaxation was refused is split until all integer columns are fixed. */
+TVK_API int TVKsetincumbentcallbackfunc(EnvHandle env,
+                                        int (*func)(ConstEnvHandle env, void *cbdata, int wherefrom, void *handle,
+                                                    double objval, double *x, int *isfeas_p, int *useraction_p),
+                                        void *handle);
+TVK_API void TVKgetincumbentcallbackfunc(ConstEnvHandle env,
+                                         int (**func_p)(ConstEnvHandle, void *, int, void *, double, double *,
+                                                        int *, int *),
+                                         void **handle_p);
+/* Solve: with TVK_CALLBACK_SET the function has optimized the problem of TVKgetcallbacknodelp. The search makes sure of the
+ * answer from the basis that it has then; where it has none (a limit, status 6) it branches without a solution. */
+TVK_API int TVKsetsolvecallbackfunc(EnvHandle env,
+                                    int (*func)(ConstEnvHandle env, void *cbdata, int wherefrom, void *handle,
+                                                int *useraction_p),
+                                    void *handle);
+TVK_API void TVKgetsolvecallbackfunc(ConstEnvHandle env, int (**func_p)(ConstEnvHandle, void *, int, void *, int *),
+                                     void **handle_p);
+/* Node deletion: called once for each node that was made, when it was processed or dropped, with its sequence number and
+ * the handle that its creator gave it (null for those that the search made). While it is registered no tree is kept when TVKmipopt
+ * ends, so that all handles are given back by then; a search that was stopped begins anew. */
+TVK_API int TVKsetdeletenodecallbackfunc(EnvHandle env,
+                                         void (*func)(ConstEnvHandle env, int wherefrom, void *handle, int seqnum,
+                                                      void *userhandle),
+                                         void *handle);
+TVK_API void TVKgetdeletenodecallbackfunc(ConstEnvHandle env,
+                                          void (**func_p)(ConstEnvHandle, int, void *, int, void *), void **handle_p);
+
+/* Each routine from here on is for a callback of TVKmipopt while it runs, with its own `env`, `cbdata` and `wherefrom`. Errors
+ * of all: 1002 cbdata is not that of a running callback; 3003 it is null or of another optimizer, or there is no node where one
+ * is needed; 1003 wherefrom is not that of the call, or not one in which the routine may be called; 1004 a null address;
+ * 1804 from inside the info callback. A failed routine changes nothing. */
+
+/* *nodelp_p: the relaxation of the node, with its bounds and the cuts that are rows, in the columns that are searched; in the
+ * contexts that see its optimum with that optimum. Contexts 101, 102, 104, 105, 106, 111 and 113; null after an error. It is a
+ * copy: it may be changed and optimized, which means nothing to the search but in a solve callback; freeing it gives 1009. */
+TVK_API int TVKgetcallbacknodelp(ConstEnvHandle env, void *cbdata, int wherefrom, ProbHandle *nodelp_p);
+/* *lp_p: the problem in whose columns callbacks count: the caller's, or the one that is searched. It may be read. */
+TVK_API int TVKgetcallbacklp(ConstEnvHandle env, void *cbdata, int wherefrom, ConstProbHandle *lp_p);
+
+/* From a cut callback: adds a row that every solution satisfies (TVKcutcallbackadd), or every one below the node (..local).
+ * `sense`: L, E or G. It is kept as long as the search lasts, as a row of the relaxation from when it is first violated on; with a
+ * `cutclass` other than 0 it may leave the relaxation while it is slack. Errors besides: 1003 nzcnt < 0; 1215 sense; 1201 column; 1225,
+ * 1233 numbers; 1001. */
+TVK_API int TVKcutcallbackadd(ConstEnvHandle env, void *cbdata, int wherefrom, int nzcnt, double rhs, int sense,
+                              const int *cutind, const double *cutval, int cutclass);
+TVK_API int TVKcutcallbackaddlocal(ConstEnvHandle env, void *cbdata, int wherefrom, int nzcnt, double rhs, int sense,
+                                   const int *cutind, const double *cutval);
+
+/* From a branch callback: creates a child of the node, by `cnt` bounds (lu[k] L, U or B: lower, upper or both become bd[k],
+ * where that is tighter), by `rcnt` rows (as for TVKaddrows, without ranges), or by both. `nodeest`: an estimate of the best
+ * objective value in it; `userhandle` goes with the child. *seqnum_p: its sequence number, -1 after an error. Errors besides: 1003 a
+ * negative count; 1006 two children exist already; 1201 column; 1229 lu; 1215 sense; 1200 rmatbeg; 1225, 1233 numbers; 1001. */
+TVK_API int TVKbranchcallbackbranchbds(ConstEnvHandle env, void *cbdata, int wherefrom, double nodeest, int cnt,
+                                       const int *indices, const char *lu, const double *bd, void *userhandle,
+                                       int *seqnum_p);
+TVK_API int TVKbranchcallbackbranchconstraints(ConstEnvHandle env, void *cbdata, int wherefrom, double nodeest, int rcnt,
+                                               int nzcnt, const double *rhs, const char *sense, const int *rmatbeg,
+                                               const int *rmatind, const double *rmatval, void *userhandle,
+                                               int *seqnum_p);
+TVK_API int TVKbranchcallbackbranchgeneral(ConstEnvHandle env, void *cbdata, int wherefrom, double nodeest, int varcnt,
+                                           const int *varind, const char *varlu, const double *varbd, int rcnt,
+                                           int nzcnt, const double *rhs, const char *sense, const int *rmatbeg,
+                                           const int *rmatind, const double *rmatval, void *userhandle,
+                                           int *seqnum_p);
+/* Rows of the children that the search proposes: *cuts_p and *nzcnt_p are 0, for it branches by bounds. */
+TVK_API int TVKgetcallbackbranchconstraints(ConstEnvHandle env, void *cbdata, int wherefrom, int *cuts_p, int *nzcnt_p,
+                                            double *rhs, char *sense, int *rmatbeg, int *rmatind, double *rmatval,
+                                            int rmatsz, int *surplus_p);
+
+/* Of columns begin..end (1200 range): the point that the callback is about, the incumbent, whether integer columns are whole at
+ * the point (TVK_INTEGER_..; 1217 without a point or incumbent); bounds in the node and in the whole tree; type letters; priority
+ * and direction of branching (either array may be null); pseudo-costs, the gain per unit of the bound (likewise). */
+#define TVK_INTEGER_FEASIBLE 0
+#define TVK_INTEGER_INFEASIBLE 1
+TVK_API int TVKgetcallbacknodex(ConstEnvHandle env, void *cbdata, int wherefrom, double *x, int begin, int end);
+/* From the info callback as well. */
+TVK_API int TVKgetcallbackincumbent(ConstEnvHandle env, void *cbdata, int wherefrom, double *x, int begin, int end);
+TVK_API int TVKgetcallbacknodeintfeas(ConstEnvHandle env, void *cbdata, int wherefrom, int *feas, int begin, int end);
+TVK_API int TVKgetcallbacknodelb(ConstEnvHandle env, void *cbdata, int wherefrom, double *lb, int begin, int end);
+TVK_API int TVKgetcallbacknodeub(ConstEnvHandle env, void *cbdata, int wherefrom, double *ub, int begin, int end);
+TVK_API int TVKgetcallbackgloballb(ConstEnvHandle env, void *cbdata, int wherefrom, double *lb, int begin, int end);
+TVK_API int TVKgetcallbackglobalub(ConstEnvHandle env, void *cbdata, int wherefrom, double *ub, int begin, int end);
+TVK_API int TVKgetcallbackctype(ConstEnvHandle env, void *cbdata, int wherefrom, char *ctype, int begin, int end);
+TVK_API int TVKgetcallbackorder(ConstEnvHandle env, void *cbdata, int wherefrom, int *priority, int *direction,
+                                int begin, int end);
+TVK_API int TVKgetcallbackpseudocosts(ConstEnvHandle env, void *cbdata, int wherefrom, double *up, double *down,
+                                      int begin, int end);
+
+/* Objective value of the point (1217 without one); TVK_STATUS_OPTIMAL where it is the optimum of the node's relaxation, else 0. */
+TVK_API int TVKgetcallbacknodeobjval(ConstEnvHandle env, void *cbdata, int wherefrom, double *objval_p);
+TVK_API int TVKgetcallbacknodestat(ConstEnvHandle env, void *cbdata, int wherefrom, int *nodestat_p);
+
+/* Items of a node. */
+#define TVK_CALLBACK_INFO_NODE_INFEASIBILITY_SUM 201 /* double: of fractions of integer columns, in its parent's relaxation */
+#define TVK_CALLBACK_INFO_NODE_INFEASIBILITIES 202   /* columns with a fraction, and sets and the like that do not hold, there */
+#define TVK_CALLBACK_INFO_NODE_ESTIMATE 203          /* double: of its best solution's objective value */
+#define TVK_CALLBACK_INFO_NODE_DEPTH 204
+#define TVK_CALLBACK_INFO_NODE_BOUND 205    /* double: on the objective value of its solutions */
+#define TVK_CALLBACK_INFO_NODE_COLUMN 207   /* that it was branched on; -1: no single one */
+#define TVK_CALLBACK_INFO_NODE_SEQUENCE 209 /* its sequence number */
+#define TVK_CALLBACK_INFO_NODE_HANDLE 210   /* void *: what its creator gave it */
+/* An item of the node with this index (1200): in a node selection callback the open nodes by age; else 0 is the one that is
+ * processed, if any, and the open ones follow. The other routine finds it by its sequence number. */
+TVK_API int TVKgetcallbacknodeinfo(ConstEnvHandle env, void *cbdata, int wherefrom, int nodeindex, int whichinfo,
+                                   void *result_p);
+TVK_API int TVKgetcallbackseqinfo(ConstEnvHandle env, void *cbdata, int wherefrom, int seqid, int whichinfo,
+                                  void *result_p);
+
+/* Sets and indicators of the problem that is searched, all ints; 1200 for an index that there is not, 1217 where feasibility is
+ * asked for and there is no point. An equation under an indicator counts as two. */
+#define TVK_CALLBACK_INFO_SOS_COUNT 221
+#define TVK_CALLBACK_INFO_SOS_TYPE 222 /* 1 or 2 */
+#define TVK_CALLBACK_INFO_SOS_SIZE 223
+#define TVK_CALLBACK_INFO_SOS_IS_FEASIBLE 224
+#define TVK_CALLBACK_INFO_SOS_MEMBER 225 /* column of member `member`, by ascending weight */
+TVK_API int TVKgetcallbacksosinfo(ConstEnvHandle env, void *cbdata, int wherefrom, int sosindex, int member, int whichinfo,
+                                  void *result_p);
+#define TVK_CALLBACK_INFO_INDICATOR_COUNT 231
+#define TVK_CALLBACK_INFO_INDICATOR_COLUMN 232
+#define TVK_CALLBACK_INFO_INDICATOR_COMPLEMENTED 233 /* 1: its row holds where the column is 0 */
+#define TVK_CALLBACK_INFO_INDICATOR_IS_FEASIBLE 234
+TVK_API int TVKgetcallbackindicatorinfo(ConstEnvHandle env, void *cbdata, int wherefrom, int iindex, int whichinfo,
+                                        void *result_p);
+
 /* Registers the function that is called around optimizations (null: none): with code 2 when a continuous optimizer
  * starts and 3 when it ends, with 0 before and 1 after branch-and-cut. For its calls the same holds. */
 TVK_API int TVKsetprofcallbackfunc(EnvHandle env, void (*func)(ConstEnvHandle env, int code, void *handle),
                                    void *handle);
+
+/* Optimizers ask this function now and then and stop when it returns something other than 0 (null: none). */
+TVK_API void TVKEsetterminatefunc(EnvHandle env, int (*func)(void));
 
 /* Gives the library an int that the caller owns: optimizers stop soon after it became non-zero (set it from another
  * thread or a signal handler). The int must stay valid until another one, or null for none, is set. */
@@ -870,7 +1143,7 @@ TVK_API int TVKgetticks(ConstEnvHandle env, ConstProbHandle lp, double *ticks_p)
 #define TVK_PARAM_MIRCUTS                2052 /* int 0, -1 to 2 */
 #define TVK_PARAM_DISJCUTS               2053 /* int 0, -1 to 3; stored only */
 #define TVK_PARAM_AGGCUTLIM              2054 /* int 3, 0 to 2100000000; stored only */
-#define TVK_PARAM_MIPCBREDLP             2055 /* int 1, 0 to 1; stored only */
+#define TVK_PARAM_MIPCBREDLP             2055 /* int 1, 0 to 1 */
 #define TVK_PARAM_CUTPASS                2056 /* int 0, -1 to 2100000000 */
 #define TVK_PARAM_MIPEMPHASIS            2058 /* int 0, 0 to 4; stored only */
 #define TVK_PARAM_SYMMETRY               2059 /* int -1, -1 to 5; stored only */

@@ -76,8 +76,7 @@ inline constexpr auto kMip = std::to_array<Entry>({
     unused(integer(NAMED(DISJCUTS), 0, -1, 3, "Disjunctive cuts: -1 none, 0 automatic, 1-3 ever more")),
     unused(integer(NAMED(AGGCUTLIM), 3, 0, kUnlimited,
                    "Rows that may be aggregated for flow cover and rounding cuts")),
-    unused(
-        integer(NAMED(MIPCBREDLP), 1, 0, 1, "Model that callbacks see: 0 the original, 1 the presolved one")),
+    integer(NAMED(MIPCBREDLP), 1, 0, 1, "Model that callbacks see: 0 the original, 1 the presolved one"),
     integer(NAMED(CUTPASS), 0, -1, kUnlimited,
             "Rounds of cuts at the root: -1 none, 0 automatic, k at most k"),
     hidden_integer(2057),

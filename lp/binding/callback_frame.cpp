@@ -39,10 +39,8 @@ Status write_presolve(int item, const PresolveProgress& now, void* result) {
 
 CallbackFrame::CallbackFrame(Environment& env, const void* cbdata, CalledFrom from, Numbers numbers,
                              const ProgressSource& source, double objective_sense)
-    : env_(env),
-      outer_(std::exchange(env.callback_frame, this)),
-      cbdata_(cbdata),
-      from_(from),
+    : RunningCallback(env.running_callback, cbdata, static_cast<int>(from)),
+      env_(env),
       numbers_(numbers),
       source_(source),
       objective_sense_(objective_sense) {}

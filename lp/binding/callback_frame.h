@@ -19,29 +19,17 @@ enum class Numbers {
   hidden,        // of an auxiliary problem, which means nothing to the caller
 };
 
-class CallbackFrame {
+class CallbackFrame : public RunningCallback {
  public:
   CallbackFrame(Environment& env, const void* cbdata, CalledFrom from, Numbers numbers,
                 const ProgressSource& source, double objective_sense);
-  ~CallbackFrame() { env_.callback_frame = outer_; }
-  CallbackFrame(const CallbackFrame&) = delete;
-  CallbackFrame& operator=(const CallbackFrame&) = delete;
-
-  /* Whether it is the frame of this context; the pointer is only compared. */
-  bool belongs_to(const void* cbdata, int wherefrom) const {
-    return cbdata == cbdata_ && wherefrom == static_cast<int>(from_);
-  }
-  /* Writes an int or a double, TVK_CALLBACK_INFO_..; 1003 for what the context does not have. */
-  Status write(int item, void* result);
+  Status write(int item, void* result) override;
 
  private:
   void measure();
   Status write_simplex(int item, const SimplexProgress& now, void* result) const;
 
   Environment& env_;
-  CallbackFrame* outer_;  // of the callback that optimizes another problem
-  const void* cbdata_;
-  CalledFrom from_;
   Numbers numbers_;
   const ProgressSource& source_;
   double objective_sense_;

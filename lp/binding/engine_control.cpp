@@ -31,6 +31,7 @@ Stop EngineControl::poll() {
 }
 
 Stop EngineControl::poll_clock() {
+  if (env_.terminate_function != nullptr && env_.terminate_function() != 0) return Stop::user_abort;
   const LimitFrame* frame = env_.limits.top();
   if (frame != nullptr && frame->deadline < 1e75 && clock_seconds(env_) >= frame->deadline)
     return Stop::time_limit;
@@ -38,12 +39,12 @@ Stop EngineControl::poll_clock() {
 }
 
 Stop EngineControl::iteration_callback(const ProgressSource& now) {
-  if (env_.callbacks.lp == nullptr) return Stop::none;
+  const auto& slot = env_.callbacks.lp;
+  if (!slot) return Stop::none;
   const CallbackFrame frame(env_, &problem_, called_from_, numbers_, now, problem_.model->objective_sense());
-  return env_.callbacks.lp(to_handle(&env_), &problem_, static_cast<int>(called_from_),
-                           env_.callbacks.lp_handle) != 0
-             ? Stop::user_abort
-             : Stop::none;
+  const int asks_to_stop =
+      slot.function(to_handle(&env_), &problem_, static_cast<int>(called_from_), slot.handle);
+  return asks_to_stop != 0 ? Stop::user_abort : Stop::none;
 }
 
 }  // namespace tovik::lp::run

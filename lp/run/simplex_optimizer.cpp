@@ -70,7 +70,7 @@ Outcome SimplexOptimizer::optimize(const RunContext& context) {
   engine_.set_options(options_of(context.env, context.algorithm));
   set_objective_limits(context.env, context.problem, engine_);
   engine_.begin_count();
-  if (context.env.callbacks.lp != nullptr) engine_.invalidate();  // it is called by the algorithms
+  if (context.env.callbacks.lp) engine_.invalidate();  // it is called by the algorithms
   const Outcome outcome = engine_.solve(context.algorithm.method);
   engine_.detach();
   return outcome;

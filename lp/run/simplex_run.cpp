@@ -228,7 +228,7 @@ Status run_simplex(Environment& env, Problem& problem, const Algorithm& algorith
   } else {
     warm.solver.begin_count();
   }
-  if (env.callbacks.lp != nullptr) warm.solver.invalidate();  // it is called by the algorithms
+  if (env.callbacks.lp) warm.solver.invalidate();  // it is called by the algorithms
   const Outcome outcome = warm.solver.solve(algorithm.method);
   EngineControl auxiliary(env, problem, CalledFrom::simplex, Numbers::hidden);
   const std::unique_ptr<const SettledRun> settled = settle_run(warm.solver, outcome, auxiliary);

@@ -43,6 +43,7 @@ struct Branching {
   Kind kind = Kind::branched;
   std::array<Child, 2> children;
   int first = 0;  // the child to go on with
+  int set = -1;   // an ordered set was branched on
 };
 
 class BranchingRule {

@@ -89,7 +89,11 @@ Branching branch_on_object(const Worker& worker, std::span<const double> x, cons
   }
   for (const int k : shortfall.sets) {
     const OrderedSet& s = problem.sets[k];
-    consider(set_level(k), violation(s, x), [&] { return on_set(worker, s, x); });
+    consider(set_level(k), violation(s, x), [&] {
+      Branching branching = on_set(worker, s, x);
+      branching.set = k;
+      return branching;
+    });
   }
   return best;
 }

@@ -1,8 +1,10 @@
-/* A globally valid inequality a x <= side on the columns of the problem. */
+/* An inequality a x <= side on the columns of the problem; it holds globally, but where it names a node. */
 #pragma once
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
+#include <limits>
 #include <vector>
 
 namespace tovik::mip {
@@ -44,6 +46,11 @@ struct Cut {
   CutClass kind = CutClass::mir;
   bool is_integral = false;  // whole coefficients on integer columns, whole side
   int rank = 1;              // one more than that of the cuts it was made of
+  // Of those that the caller adds:
+  double lower = -std::numeric_limits<double>::infinity();  // <= a x
+  bool stays = false;                                       // as a row, slack or not
+  std::int64_t node = -1;                                   // it holds there and below; -1: everywhere
+  std::int64_t number = -1;                                 // of its own, where it holds in a subtree
 };
 
 }  // namespace tovik::mip

@@ -4,6 +4,7 @@
 #include <climits>
 #include <cmath>
 #include <memory>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -16,6 +17,8 @@
 #include "lp/run/statistics.h"
 #include "lp/verify/point.h"
 #include "mip/run/build_problem.h"
+#include "mip/run/caller_callbacks.h"
+#include "mip/run/informer.h"
 #include "mip/run/node_log.h"
 #include "mip/run/settings.h"
 #include "mip/run/statistics.h"
@@ -24,36 +27,86 @@
 namespace tovik::mip::run {
 namespace {
 
-/* Hands on to the control of the call that runs: a search outlives its call. */
+constexpr int kDynamicSearch = 2;
+
+/* Hands on to the control of the call that runs, and to its callbacks: a search outlives its call. */
 class CallControl : public lp::Control {
  public:
   explicit CallControl(lp::Control* control) : control_(control) {}
-  void set(lp::Control* control) { control_ = control; }
+  void set(lp::Control* control, Informer* informer, const CallerCallbacks* callbacks) {
+    control_ = control;
+    informer_ = informer;
+    callbacks_ = callbacks;
+  }
   void log(const char* text) override { control_->log(text); }
   void flush() override { control_->flush(); }
   void add_work(std::uint64_t ticks) override { control_->add_work(ticks); }
   double seconds() override { return control_->seconds(); }
-  lp::Stop poll() override { return control_->poll(); }
+  lp::Stop poll() override {
+    const bool stops = (informer_ != nullptr && informer_->asks_to_stop()) ||
+                       (callbacks_ != nullptr && callbacks_->wants_to_stop());
+    return stops ? lp::Stop::user_abort : control_->poll();
+  }
   lp::Stop poll_clock() override { return control_->poll_clock(); }
-  lp::Stop iteration_callback(const lp::ProgressSource&) override { return lp::Stop::none; }
+  lp::Stop iteration_callback(const lp::ProgressSource&) override {
+    if (informer_ != nullptr) informer_->inform_now_and_then(TVK_CALLBACK_MIP);
+    return lp::Stop::none;
+  }
 
  private:
   lp::Control* control_;
+  Informer* informer_ = nullptr;
+  const CallerCallbacks* callbacks_ = nullptr;
+};
+
+/* What the search tells: to the log, then to the callbacks of the call that runs. */
+class Audience : public Observer {
+ public:
+  explicit Audience(NodeLog& log) : log_(log) {}
+  void set(Informer* informer) { informer_ = informer; }
+  void node(const NodeEvent& event) override {
+    log_.node(event);
+    inform(TVK_CALLBACK_MIP);
+  }
+  void cuts(const CutCounts& added) override {
+    log_.cuts(added);
+    inform(TVK_CALLBACK_MIP_ROOT_CUTS);
+  }
+  void solution(double objective, std::span<const double> x) override {
+    log_.solution(objective, x);
+    inform(TVK_CALLBACK_MIP_INCUMBENT);
+  }
+
+ private:
+  void inform(int wherefrom) {
+    if (informer_ != nullptr) informer_->inform(wherefrom);
+  }
+  NodeLog& log_;
+  Informer* informer_ = nullptr;
 };
 
 /* A search that stays with its problem. */
 struct KeptSearch : Derived {
   KeptSearch(Environment& env, const tovik::Problem& user, mip::Problem built, lp::Control& first)
-      : problem(std::move(built)),
+      : environment(&env),
+        functions(env.callbacks.control),
+        spaces(user.model->num_columns(), built.num_columns()),
+        problem(std::move(built)),
         control(&first),
         log(env, user),
-        search(problem, settings_of(env, user), control, log) {
+        audience(log),
+        search(problem, settings_of(env, user), control, audience) {
     log.follow(search);
   }
+  const Environment* const environment;  // that it writes its log to
+  const ControlCallbacks functions;      // that take part
+  const SpaceMap spaces;
   const mip::Problem problem;
   CallControl control;
   NodeLog log;
+  Audience audience;
   Search search;
+  std::unique_ptr<tovik::Problem> searched_problem;  // as callbacks see it; null: nobody has asked
   SearchResult result;
   bool may_go_on = false;  // a limit ended it
 };
@@ -72,6 +125,28 @@ bool is_limit(Conclusion end) {
       return false;
   }
 }
+
+/* While a call works with a search; what an error leaves of it is not gone on with. */
+class CallScope {
+ public:
+  CallScope(KeptSearch& kept, lp::Control& control, Informer& informer, CallerCallbacks* callbacks)
+      : kept_(kept) {
+    kept_.control.set(&control, &informer, callbacks);
+    kept_.search.set_callbacks(callbacks);
+    kept_.audience.set(&informer);
+    kept_.may_go_on = false;
+  }
+  ~CallScope() {
+    kept_.control.set(nullptr, nullptr, nullptr);
+    kept_.search.set_callbacks(nullptr);
+    kept_.audience.set(nullptr);
+  }
+  CallScope(const CallScope&) = delete;
+  CallScope& operator=(const CallScope&) = delete;
+
+ private:
+  KeptSearch& kept_;
+};
 
 /* The status with a solution; without one it is the next number, where there is a pair. */
 int status_code(Conclusion end, bool has_solution) {
@@ -172,29 +247,46 @@ Status check_mixed_integer(const tovik::Problem& problem) {
 Status run_branch_and_cut(Environment& env, tovik::Problem& problem) {
   if (const Status status = lp::run::check_finite(env, *problem.model, true); !status.ok()) return status;
   lp::run::EngineControl control(env, problem, lp::run::CalledFrom::simplex);
+  const ControlCallbacks functions = env.callbacks.control;
+  if (functions.any() && env.settings.integer(TVK_PARAM_MIPSEARCH) == kDynamicSearch)
+    return TVK_ERROR_SEARCH_VERSUS_CALLBACKS;
   auto* kept = dynamic_cast<KeptSearch*>(problem.mip.get());
-  if (kept != nullptr && (!kept->may_go_on || problem.status == TVK_STATUS_NONE)) kept = nullptr;
+  // What others have taken part in may rest on what they said.
+  if (kept != nullptr && (!kept->may_go_on || kept->environment != &env || kept->functions != functions ||
+                          problem.status == TVK_STATUS_NONE))
+    kept = nullptr;
   std::unique_ptr<KeptSearch> made;
   if (kept == nullptr) {
     problem.mip.reset();
     made = new_search(env, problem, control);
     kept = made.get();
   } else {
-    kept->control.set(&control);
     kept->search.change_settings(settings_of(env, problem));
   }
+  const CallbackScene scene{env,
+                            problem,
+                            kept->search,
+                            kept->spaces,
+                            kept->searched_problem,
+                            env.settings.integer(TVK_PARAM_MIPCBREDLP) == 0};
+  Informer informer(scene);
+  std::optional<CallerCallbacks> callbacks;
+  if (functions.any()) callbacks.emplace(scene, functions);
+  const CallScope scope(*kept, control, informer, callbacks ? &*callbacks : nullptr);
   kept->log.begin();
   if (made != nullptr) offer_starts(problem, *kept);
   kept->log.set_in_search(true);
   const Conclusion end = kept->search.run();
   kept->log.set_in_search(false);
-  kept->control.set(nullptr);
+  kept->may_go_on = is_limit(end) && !functions.delete_node;
   lp::run::OptimizationStatistics& statistics = lp::run::statistics_of(problem);
   statistics.presolve.reset();
   statistics.simplex = kept->search.relaxation_statistics();
   statistics.search = describe_search(kept->search, problem.model->objective_sense());
   std::unique_ptr<tovik::Solution> solution = solution_of(problem, kept->search.incumbent());
   const Progress progress = kept->search.progress();
+  // Who wants to hear of every node that goes hears of it before the call ends.
+  if (functions.delete_node) kept->search.drop_all_nodes();
   const double sign = problem.model->objective_sense();
   kept->result.best_bound = sign * (std::isinf(progress.best_bound) ? std::copysign(1e75, progress.best_bound)
                                                                     : progress.best_bound);
@@ -202,14 +294,13 @@ Status run_branch_and_cut(Environment& env, tovik::Problem& problem) {
   kept->result.nodes_left = progress.left;
   kept->result.solutions = progress.solutions;
   kept->result.iterations = progress.iterations;
-  kept->may_go_on = is_limit(end);
   if (solution != nullptr)
     solution->iterations = static_cast<int>(std::min<std::int64_t>(progress.iterations, INT_MAX));
   problem.status = status_code(end, solution != nullptr);
   problem.solution = std::move(solution);
   problem.start = Start{};
   if (made != nullptr) problem.mip = std::move(made);
-  return {};
+  return callbacks && callbacks->wants_to_stop() ? Status(TVK_ERROR_CALLBACK) : Status();
 }
 
 const SearchResult* search_result(const tovik::Problem& problem) {

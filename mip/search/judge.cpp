@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <cmath>
 
+#include "lp/base/sum.h"
 #include "mip/domain/point.h"
+#include "mip/worker/worker.h"
 
 namespace tovik::mip {
 namespace {
@@ -66,7 +68,19 @@ void Judge::snap(std::vector<double>& x) const {
 bool Judge::holds(std::span<const double> x) const {
   const PointViolation v = measure(problem_, x);
   const double tolerance = settings_.tolerances.feasibility;
-  return v.integrality == 0 && v.primal() <= tolerance && v.object <= tolerance;
+  return v.integrality == 0 && v.primal() <= tolerance && v.object <= tolerance && satisfies_cuts(x);
+}
+
+double violation(const Cut& cut, std::span<const double> x) {
+  lp::CompensatedSum sum;
+  for (std::size_t k = 0; k < cut.columns.size(); ++k) sum.add_product(cut.values[k], x[cut.columns[k]]);
+  return std::max({0.0, sum.value() - cut.side, cut.lower - sum.value()});
+}
+
+bool Judge::satisfies_cuts(std::span<const double> x) const {
+  const double tolerance = settings_.tolerances.feasibility;
+  return std::all_of(cuts_.begin(), cuts_.end(),
+                     [&](const Cut& cut) { return violation(cut, x) <= tolerance; });
 }
 
 /* Bounds that leave the continuous columns free and decide all else as the snapped point does. */
@@ -102,6 +116,10 @@ bool Judge::complete(std::vector<double>& x) {
   if (fixed_ == nullptr) {
     fixed_ = std::make_unique<lp::simplex::Relaxation>(problem_.lp, settings_.lp, control_);
   }
+  lp::simplex::RowBlock rows;
+  rows.entries.rows = problem_.num_columns();
+  for (; cuts_in_fixed_ < cuts_.size(); ++cuts_in_fixed_) append_row(cuts_[cuts_in_fixed_], rows);
+  if (rows.entries.columns > 0) fixed_->add_rows(rows);
   std::vector<lp::simplex::BoundChange> bounds;
   decide(x, bounds);
   fixed_->change_bounds(bounds);

@@ -12,6 +12,7 @@
 
 #include "lp/simplex/relaxation.h"
 #include "mip/domain/problem.h"
+#include "mip/pool/cut.h"
 #include "mip/worker/settings.h"
 
 namespace tovik::mip {
@@ -28,6 +29,9 @@ class Judge {
 
   /* x: of the original problem. False when no solution below the cutoff comes of it. */
   bool accept(std::span<const double> x, double cutoff, Solution* solution);
+  /* From now on it must hold too. */
+  void add_cut(const Cut& cut) { cuts_.push_back(cut); }
+  bool satisfies_cuts(std::span<const double> x) const;
   std::int64_t iterations() const { return iterations_; }
 
  private:
@@ -41,6 +45,11 @@ class Judge {
   lp::Control& control_;
   std::unique_ptr<lp::simplex::Relaxation> fixed_;  // made when first needed
   std::int64_t iterations_ = 0;
+  std::vector<Cut> cuts_;
+  std::size_t cuts_in_fixed_ = 0;  // that are rows there
 };
+
+/* How far a point is from satisfying a cut; 0 when it does. */
+double violation(const Cut& cut, std::span<const double> x);
 
 }  // namespace tovik::mip

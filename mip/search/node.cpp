@@ -31,6 +31,7 @@ bool is_trouble(Outcome outcome) {
 std::optional<Conclusion> Search::process(int slot) {
   tree_.take(slot);
   in_process_ = slot;
+  new_local_cuts_.clear();
   NodeEvent event;
   event.id = tree_[slot].id;
   event.parent_id = tree_[slot].parent < 0 ? -1 : tree_[tree_[slot].parent].id;
@@ -50,6 +51,7 @@ std::optional<Conclusion> Search::process(int slot) {
   }
   if (result == NodeResult::unbounded) {
     in_process_ = -1;
+    tell_deleted(slot);
     tree_.close(slot);
     return Conclusion::unbounded;
   }
@@ -57,6 +59,7 @@ std::optional<Conclusion> Search::process(int slot) {
   enter(Phase::tree);
   report(slot, event, result);
   in_process_ = -1;
+  tell_deleted(slot);
   tree_.close(slot);
   if (nodes_++ == 0) statistics_.root_seconds = meter_.seconds();
   return std::nullopt;
@@ -70,11 +73,14 @@ Search::NodeResult Search::work_on(int slot, NodeEvent& event) {
     if (worker_.must_stop()) return NodeResult::stopped;
     if (looks == 0 && tree_[slot].parent < 0) enter(Phase::root_relaxation);
     // Each look has moved a bound, a row or the incumbent; more of them than this are noise.
-    if (looks > kMostLooks) return branch_anywhere(slot, tree_[slot].bound);
+    if (looks > kMostLooks) return branch_anywhere(slot, tree_[slot].bound, true);
     if (const NodeResult solved = solve_relaxation(); solved != NodeResult::branched) {
-      if (solved == NodeResult::unbounded) return branch_unbounded(slot);
-      if (solved == NodeResult::undecided) return branch_anywhere(slot, tree_[slot].bound);
-      return solved;
+      bool again = false;
+      NodeResult result = solved;
+      if (solved == NodeResult::unbounded) result = branch_unbounded(slot, &again);
+      if (solved == NodeResult::undecided) result = branch_anywhere(slot, tree_[slot].bound, false);
+      if (again) continue;
+      return result;
     }
     if (bound_node(slot) == NodeResult::cutoff) return NodeResult::cutoff;
     const double objective = worker_.relaxation->objective();
@@ -86,20 +92,29 @@ Search::NodeResult Search::work_on(int slot, NodeEvent& event) {
       if (!worker_.propagate()) return NodeResult::cutoff;
       if (relaxation_is_cut_off()) continue;
     }
+    if (callbacks_ != nullptr && use_cuts(x_)) continue;
     const Shortfall shortfall = find_shortfall(worker_, x_);
     event.infeasibilities = shortfall.count();
-    if (shortfall.count() == 0) return try_relaxation(slot, objective);
+    if (callbacks_ != nullptr) shortfall_ = shortfall;
+    bool again = false;
+    if (shortfall.count() == 0) {
+      const NodeResult result = try_relaxation(slot, objective, &again);
+      if (again) continue;
+      return result;
+    }
     const bool before_cuts = tree_[slot].parent < 0 && !std::exchange(rounds_.tried_heuristics, true);
     if (before_cuts && try_heuristics(slot, true)) {
       if (prunes(tree_[slot].bound)) return NodeResult::cutoff;
       continue;
     }
     if (separate(slot, event)) continue;
-    if (try_heuristics(slot, false)) {
+    if (asks(&SearchCallbacks::Kinds::cut) && ask_for_cuts(objective)) continue;
+    if (try_heuristics(slot, false) ||
+        (asks(&SearchCallbacks::Kinds::heuristic) && ask_for_solution(objective))) {
       if (prunes(tree_[slot].bound)) return NodeResult::cutoff;
       continue;
     }
-    bool again = false;
+    if (callbacks_ != nullptr && use_cuts(x_)) continue;
     const NodeResult result = branch_on(slot, shortfall, objective, &again);
     if (!again) return result;
   }
@@ -116,6 +131,11 @@ Outcome Search::solve_within(double cutoff, Detail detail) {
 
 /* branched: it has an optimum. Claims that would drop the node are proven, or made anew with more care. */
 Search::NodeResult Search::solve_relaxation() {
+  if (asks(&SearchCallbacks::Kinds::solve)) {
+    const OwnSolve::Result result = ask_for_solve();
+    if (callbacks_->wants_to_stop()) return NodeResult::stopped;
+    if (result == OwnSolve::Result::no_solution) return NodeResult::undecided;
+  }
   for (int attempt = 0; attempt < 3; ++attempt) {
     if (attempt == 2) worker_.relaxation->forget_basis();
     const Outcome outcome =
@@ -192,9 +212,21 @@ void Search::learn_from_branch(const Node& node, double objective) {
 }
 
 /* The relaxation's solution lacks nothing. */
-Search::NodeResult Search::try_relaxation(int slot, double objective) {
+Search::NodeResult Search::try_relaxation(int slot, double objective, bool* again) {
   Solution solution;
   if (judge_.accept(x_, global_.cutoff, &solution)) {
+    switch (callbacks_ == nullptr ? Admission::admitted : admit(solution, true)) {
+      case Admission::cut_off:
+        use_cuts(solution.x);
+        *again = true;
+        return NodeResult::branched;
+      case Admission::rejected:
+        return branch_on_rejected(slot, objective);
+      case Admission::stopped:
+        return NodeResult::stopped;
+      default:
+        break;
+    }
     const double value = solution.objective;
     accept(std::move(solution), nullptr);
     // No point of the node is better than its relaxation, whose value is known to its tolerances only.
@@ -204,7 +236,7 @@ Search::NodeResult Search::try_relaxation(int slot, double objective) {
   } else if (objective >= global_.cutoff - kBoundTrust * std::max(1.0, std::fabs(objective))) {
     return NodeResult::cutoff;
   }
-  return branch_anywhere(slot, objective);
+  return branch_anywhere(slot, objective, true);
 }
 
 /* Adds cuts while the root's bound moves. True when the relaxation has other rows than before. */
@@ -235,7 +267,9 @@ bool Search::separate(int slot, const NodeEvent& event) {
   rounds_.round = -1;  // done here
   enter(Phase::tree);
   if (rounds_.any) observer_.node(event);
-  return separation_.drop_slack_rows(worker_, true);
+  const bool any_left = separation_.drop_slack_rows(worker_, true);
+  for (Cut& cut : separation_.take_left()) idle_cuts_.push_back(std::move(cut));
+  return any_left;
 }
 
 /* True when the node has to be looked at again: there is a new incumbent. */
@@ -268,15 +302,15 @@ Search::NodeResult Search::branch_on(int slot, const Shortfall& shortfall, doubl
       *again = true;
       return NodeResult::branched;
     default:
-      return add_children(slot, branching, objective, estimate(shortfall, objective));
+      return branch(slot, branching, objective, {&branching, estimate(shortfall, objective), true});
   }
 }
 
 /* Where the relaxation gives no direction: any integer column that is not fixed, the one farthest from whole first. */
-Search::NodeResult Search::branch_anywhere(int slot, double objective) {
+Search::NodeResult Search::branch_anywhere(int slot, double objective, bool has_relaxation) {
   int best = -1;
   double farthest = -1;
-  const bool has_point = x_.size() == static_cast<std::size_t>(problem_.num_columns());
+  const bool has_point = has_relaxation && x_.size() == static_cast<std::size_t>(problem_.num_columns());
   for (const int j : global_.integer_columns) {
     if (worker_.domain.is_fixed(j)) continue;
     const double far = has_point ? fractionality(x_[j]) : 0;
@@ -285,7 +319,10 @@ Search::NodeResult Search::branch_anywhere(int slot, double objective) {
       best = j;
     }
   }
-  if (best < 0) return NodeResult::undecided;
+  if (best < 0) {
+    return ask_for_branching(slot, objective, {nullptr, objective, has_relaxation})
+        .value_or(NodeResult::undecided);
+  }
   const double lower = worker_.domain.lower(best), upper = worker_.domain.upper(best);
   const double value = has_point            ? std::clamp(x_[best], lower, upper)
                        : !std::isinf(lower) ? lower
@@ -293,7 +330,14 @@ Search::NodeResult Search::branch_anywhere(int slot, double objective) {
                                             : 0;
   Branching branching = BranchingRule::split(worker_, best, value);
   for (Child& child : branching.children) child.record.column = -1;  // says nothing of pseudo-costs
-  return add_children(slot, branching, objective, objective);
+  return branch(slot, branching, objective, {&branching, objective, has_relaxation});
+}
+
+/* The caller has the first word. */
+Search::NodeResult Search::branch(int slot, const Branching& branching, double objective,
+                                  const Proposal& proposal) {
+  const std::optional<NodeResult> own = ask_for_branching(slot, objective, proposal);
+  return own ? *own : add_children(slot, branching, objective, proposal.estimate);
 }
 
 double Search::estimate(const Shortfall& shortfall, double objective) const {
@@ -306,13 +350,17 @@ double Search::estimate(const Shortfall& shortfall, double objective) const {
   return sum;
 }
 
+/* Null where those that are kept have outgrown their share. */
+std::shared_ptr<const StoredBasis> Search::stored_basis() {
+  const double size = 9.0 * (problem_.num_columns() + problem_.num_rows());
+  if (static_cast<double>(tree_.open()) * size >= kBasesBytes) return nullptr;
+  return std::make_shared<const StoredBasis>(
+      StoredBasis{worker_.relaxation->basis(), separation_.rows_version()});
+}
+
 Search::NodeResult Search::add_children(int slot, const Branching& branching, double objective,
                                         double estimate) {
-  std::shared_ptr<const lp::Basis> basis;
-  const double size = 9.0 * (problem_.num_columns() + problem_.num_rows());
-  if (static_cast<double>(tree_.open()) * size < kBasesBytes) {
-    basis = std::make_shared<const lp::Basis>(worker_.relaxation->basis());
-  }
+  const std::shared_ptr<const StoredBasis> basis = stored_basis();
   bool any = false;
   std::array<Sibling, 2> made_children{{{-1, -1}, {-1, -1}}};
   for (int k = 0; k < 2; ++k) {
@@ -321,7 +369,7 @@ Search::NodeResult Search::add_children(int slot, const Branching& branching, do
     if (prunes(bound)) continue;
     const bool depth_first = global_.settings.node_rule == NodeRule::depth_first;
     const int made = tree_.add({bound, depth_first ? -tree_[slot].depth - 1.0 : std::max(bound, estimate),
-                                objective, slot, child.record, child.changes, basis});
+                                objective, slot, child.record, child.changes, basis, extras_of_child()});
     made_children[static_cast<std::size_t>(k)] = {made, tree_[made].id};
     if (k == branching.first || !any) {
       next_child_ = made;

@@ -46,6 +46,7 @@ bool Search::offer(std::span<const double> x) {
 bool Search::offer(std::span<const double> x, const char* found_by) {
   Solution solution;
   if (!judge_.accept(x, global_.cutoff, &solution)) return false;
+  if (callbacks_ != nullptr && admit(solution, false) != Admission::admitted) return false;
   accept(std::move(solution), found_by);
   return true;
 }
@@ -194,13 +195,15 @@ Conclusion Search::run_until_limit() {
   for (;;) {
     if (new_incumbent_) {
       new_incumbent_ = false;
-      tree_.prune(global_.cutoff);
+      drop_nodes(global_.cutoff);
       note_root_fixings();
     }
-    if (!apply_global_bounds()) tree_.prune(-kInf);
+    if (!apply_global_bounds()) drop_nodes(-kInf);
     if (tree_.empty() || gap_is_closed(open_bound())) return conclude();
     if (const std::optional<Conclusion> limit = limit_reached()) return *limit;
-    if (const std::optional<Conclusion> end = process(pick())) return *end;
+    int slot = pick();
+    if (asks(&SearchCallbacks::Kinds::node)) slot = ask_for_node(slot);
+    if (const std::optional<Conclusion> end = process(slot)) return *end;
   }
 }
 
@@ -264,11 +267,10 @@ bool Search::install(int slot) {
       domain.tighten(c.column, c.side, c.value, {Reason::Kind::branching, c.column});
     }
   }
+  if (local_rows_made_ > 0) bring_rows(chain);
   if (is_jump && tree_[slot].basis != nullptr) {
-    const lp::Basis& basis = *tree_[slot].basis;
-    if (static_cast<int>(basis.rows.size()) == worker_.relaxation->user_lp().num_rows()) {
-      worker_.relaxation->set_basis(basis);
-    }
+    const StoredBasis& stored = *tree_[slot].basis;
+    if (stored.rows_version == separation_.rows_version()) worker_.relaxation->set_basis(stored.basis);
   }
   const int before = domain.position();
   if (!global_.settings.propagate) {

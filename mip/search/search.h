@@ -1,7 +1,7 @@
 /* Branch and cut over a mixed-integer problem.
  *
- * - Gets: the problem, settings, a control that says when to stop, an observer that is told what happens. All of them
- *   must outlive it.
+ * - Gets: the problem, settings, a control that says when to stop, an observer that is told what happens, and, where the
+ *   caller takes part, its callbacks. All of them must outlive it, the callbacks the run.
  * - run(): searches until the gap is closed or a limit is met. After a limit it may be called again, with other limits, and
  *   goes on with the tree that it left.
  * - Trust: incumbents pass the judge on the problem as it was given. A node is dropped only by a bound that holds
@@ -17,6 +17,7 @@
 #include <vector>
 
 #include "mip/branching/branching.h"
+#include "mip/search/callbacks.h"
 #include "mip/search/heuristic_schedule.h"
 #include "mip/search/judge.h"
 #include "mip/search/separation.h"
@@ -69,6 +70,18 @@ class Search {
   lp::simplex::Statistics relaxation_statistics() const;
   /* Of all runs. */
   SearchStatistics statistics() const;
+  /* What stands, also from within the observer. */
+  const Global& global() const { return global_; }
+  const Worker& worker() const { return worker_; }
+  Worker& worker() { return worker_; }  // for queries that make what they answer
+  const Tree& tree() const { return tree_; }
+  int node_in_process() const { return in_process_; }  // slot; -1: none
+  /* Between two runs; null: none. */
+  void set_callbacks(SearchCallbacks* callbacks) { callbacks_ = callbacks; }
+  /* For the child that a callback makes. */
+  std::int64_t take_node_id() { return tree_.take_id(); }
+  /* All open nodes go: there is nothing left to search. */
+  void drop_all_nodes() { drop_nodes(-kInf); }
 
  private:
   struct PathStep {
@@ -104,11 +117,35 @@ class Search {
   bool fix_by_reduced_costs();
   bool relaxation_is_cut_off() const;
   void learn_from_branch(const Node& node, double objective);
-  NodeResult try_relaxation(int slot, double objective);
+  NodeResult try_relaxation(int slot, double objective, bool* again);
   NodeResult branch_on(int slot, const Shortfall& shortfall, double objective, bool* again);
-  NodeResult branch_anywhere(int slot, double objective);
-  NodeResult branch_unbounded(int slot);
+  NodeResult branch_anywhere(int slot, double objective, bool has_relaxation);
+  NodeResult branch_unbounded(int slot, bool* again);
+  NodeResult branch(int slot, const Branching& branching, double objective, const Proposal& proposal);
   NodeResult add_children(int slot, const Branching& branching, double objective, double estimate);
+  std::shared_ptr<const StoredBasis> stored_basis();
+  std::unique_ptr<NodeExtras> extras_of_child() const;
+
+  // Where the caller takes part: callbacks.cpp.
+  enum class Admission { admitted, cut_off, rejected, stopped };
+  bool asks(bool SearchCallbacks::Kinds::*kind) const {
+    return callbacks_ != nullptr && callbacks_->kinds().*kind;
+  }
+  Sight sight_of_relaxation(double objective) const;
+  Admission admit(const Solution& solution, bool is_of_node);
+  void keep_cuts(OwnCuts cuts);
+  bool use_cuts(std::span<const double> x);
+  bool ask_for_cuts(double objective);
+  bool ask_for_solution(double objective);
+  OwnSolve::Result ask_for_solve();
+  int ask_for_node(int proposed);
+  std::optional<NodeResult> ask_for_branching(int slot, double objective, const Proposal& proposal);
+  NodeResult add_own_children(int slot, std::vector<NewChild> children, double objective);
+  NodeResult branch_on_rejected(int slot, double objective);
+  void follow_bounds(int column);
+  void drop_nodes(double cutoff);
+  void tell_deleted(int slot);
+  void bring_rows(const std::vector<int>& chain);
   bool separate(int slot, const NodeEvent& event);
   bool try_heuristics(int slot, bool before_cuts);
   double estimate(const Shortfall& shortfall, double objective) const;
@@ -125,6 +162,7 @@ class Search {
   SearchStatistics statistics_;
   PhaseMeter meter_;
   Observer& observer_;
+  SearchCallbacks* callbacks_ = nullptr;
   Global global_;
   Worker worker_;
   Judge judge_;
@@ -152,10 +190,15 @@ class Search {
   std::vector<double> root_reduced_costs_;  // at the bounds that held then:
   std::vector<double> root_lower_, root_upper_;
   std::vector<GlobalBound> global_bounds_;  // found, not yet in the domain
+  std::vector<Cut> idle_cuts_;              // of the caller, no rows for now
+  std::vector<Cut> new_local_cuts_;         // of the node, not yet rows
+  std::int64_t local_rows_made_ = 0;        // rows that hold in a subtree
+  Shortfall shortfall_;                     // of x_; kept where the caller takes part
   struct {
     int round = 0, stalled = 0;
     double objective = -kInf;  // before the last round
     bool tried_heuristics = false;
+    bool asked_for_solution = false;
     bool any = false;  // has brought rows
   } rounds_;           // of separation at the node
   bool started_ = false, new_incumbent_ = false, incumbent_is_heuristic_ = false;

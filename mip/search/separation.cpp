@@ -98,15 +98,11 @@ void Separation::add_rows(Worker& worker, std::vector<Cut>& cuts) {
   lp::simplex::RowBlock block;
   block.entries.rows = global_.problem.num_columns();
   for (const Cut& cut : cuts) {
-    block.entries.index.insert(block.entries.index.end(), cut.columns.begin(), cut.columns.end());
-    block.entries.value.insert(block.entries.value.end(), cut.values.begin(), cut.values.end());
-    block.entries.start.push_back(static_cast<int>(block.entries.index.size()));
-    ++block.entries.columns;
-    block.lower.push_back(-kInf);
-    block.upper.push_back(cut.side);
+    append_row(cut, block);
     ++counts_[static_cast<std::size_t>(cut.kind)];
   }
   worker.relaxation->add_rows(block);
+  ++rows_version_;
   slack_for_.insert(slack_for_.end(), cuts.size(), 0);
   for (Cut& cut : cuts) worker.cut_rows.push_back(std::move(cut));
 }
@@ -121,18 +117,27 @@ bool Separation::drop_slack_rows(Worker& worker, bool at_once) {
   }
   std::vector<int> leaving;
   for (int k = 0; k < count; ++k) {
-    slack_for_[k] = is_basic[k] != 0 ? slack_for_[k] + 1 : 0;
-    if (slack_for_[k] > (at_once ? 0 : kPatience)) leaving.push_back(first + k);
+    const Cut& cut = worker.cut_rows[k];
+    slack_for_[k] = is_basic[k] != 0 && !cut.stays ? slack_for_[k] + 1 : 0;
+    if (slack_for_[k] <= (at_once ? 0 : kPatience)) continue;
+    leaving.push_back(first + k);
+    if (cut.kind == CutClass::user) left_.push_back(cut);
   }
   if (leaving.empty()) return false;
-  worker.relaxation->delete_rows(leaving);
-  for (const int row : leaving) {
+  delete_rows(worker, leaving);
+  return true;
+}
+
+void Separation::delete_rows(Worker& worker, const std::vector<int>& rows) {
+  const int first = global_.problem.num_rows();
+  worker.relaxation->delete_rows(rows);
+  ++rows_version_;
+  for (const int row : rows) {
     slack_for_[row - first] = -1;
     worker.cut_rows[row - first].columns.clear();
   }
   std::erase_if(worker.cut_rows, [](const Cut& cut) { return cut.columns.empty(); });
   std::erase(slack_for_, -1);
-  return true;
 }
 
 std::vector<PluginCounts> Separation::plugin_counts() const {

@@ -6,6 +6,7 @@
 #pragma once
 
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "mip/pool/cut_pool.h"
@@ -24,6 +25,14 @@ class Separation {
   /* Rows that were slack at the last kPatience optima (all that are slack: at_once) leave; the next solve has nothing to do
    * for them. True when some did. */
   bool drop_slack_rows(Worker& worker, bool at_once);
+  /* The relaxation has to be solved anew. */
+  void add_rows(Worker& worker, std::vector<Cut>& cuts);
+  template <class Which>
+  void remove_rows(Worker& worker, Which which);  // which: bool(const Cut&)
+  /* Rows of the caller that left for being slack, since the last call. */
+  std::vector<Cut> take_left() { return std::exchange(left_, {}); }
+  /* Changes with the rows. */
+  std::int64_t rows_version() const { return rows_version_; }
   /* Cuts by class since the last call. */
   CutCounts take_counts();
   /* Of all rounds: by separator, and the cuts that became rows. */
@@ -44,7 +53,7 @@ class Separation {
   void call_separators(Worker& worker, const Moment& moment);
   double most_rows() const;
   void limit_classes(std::vector<Cut>& cuts);
-  void add_rows(Worker& worker, std::vector<Cut>& cuts);
+  void delete_rows(Worker& worker, const std::vector<int>& rows);
 
   const Global& global_;
   std::vector<Separator> separators_;
@@ -53,7 +62,17 @@ class Separation {
   std::vector<double> objectives_;  // of the relaxation before each round at this node
   CutCounts counts_{};              // since they were last asked for
   CutCounts all_counts_{};
-  std::int64_t work_told_ = 0;
+  std::int64_t work_told_ = 0, rows_version_ = 0;
+  std::vector<Cut> left_;
 };
+
+template <class Which>
+void Separation::remove_rows(Worker& worker, Which which) {
+  std::vector<int> leaving;
+  for (std::size_t k = 0; k < worker.cut_rows.size(); ++k) {
+    if (which(worker.cut_rows[k])) leaving.push_back(global_.problem.num_rows() + static_cast<int>(k));
+  }
+  if (!leaving.empty()) delete_rows(worker, leaving);
+}
 
 }  // namespace tovik::mip

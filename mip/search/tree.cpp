@@ -15,7 +15,7 @@ int Tree::add(NewNode node) {
     free_.pop_back();
   }
   Node& n = nodes_[slot];
-  n.id = next_id_++;
+  n.id = node.id >= 0 ? node.id : take_id();
   n.bound = node.bound;
   n.estimate = node.estimate;
   n.relaxation = node.relaxation;
@@ -25,6 +25,7 @@ int Tree::add(NewNode node) {
   n.branch = node.branch;
   n.changes = std::move(node.changes);
   n.basis = std::move(node.basis);
+  n.extras = std::move(node.extras);
   n.is_open = true;
   changes_ += static_cast<std::int64_t>(n.changes.size());
   if (node.parent >= 0) ++nodes_[node.parent].children;
@@ -73,6 +74,7 @@ void Tree::release(int slot) {
   n.id = -1;
   n.changes = {};
   n.basis.reset();
+  n.extras.reset();
   free_.push_back(slot);
 }
 
@@ -105,15 +107,35 @@ int Tree::best_estimate_node() {
   return e == nullptr ? -1 : e->slot;
 }
 
-std::int64_t Tree::prune(double cutoff) {
+std::vector<int> Tree::nodes_beyond(double cutoff) const {
   std::vector<int> worse;
   for (const Entry& e : by_bound_) {
     if (stands(e, &Node::bound) && e.key >= cutoff) worse.push_back(e.slot);
   }
   std::sort(worse.begin(), worse.end());
   worse.erase(std::unique(worse.begin(), worse.end()), worse.end());
+  return worse;
+}
+
+std::int64_t Tree::prune(double cutoff) {
+  const std::vector<int> worse = nodes_beyond(cutoff);
   for (const int slot : worse) close(slot);
   return static_cast<std::int64_t>(worse.size());
+}
+
+std::vector<int> Tree::open_nodes() const {
+  std::vector<int> slots;
+  for (int slot = 0; slot < static_cast<int>(nodes_.size()); ++slot) {
+    if (nodes_[slot].id >= 0 && nodes_[slot].is_open) slots.push_back(slot);
+  }
+  std::sort(slots.begin(), slots.end(), [&](int a, int b) { return nodes_[a].id < nodes_[b].id; });
+  return slots;
+}
+
+NodeExtras& Tree::extras(int slot) {
+  std::unique_ptr<NodeExtras>& extras = nodes_[slot].extras;
+  if (extras == nullptr) extras = std::make_unique<NodeExtras>();
+  return *extras;
 }
 
 double Tree::bytes() const {

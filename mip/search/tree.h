@@ -14,8 +14,23 @@
 
 #include "lp/base/basis.h"
 #include "mip/branching/branch.h"
+#include "mip/pool/cut.h"
 
 namespace tovik::mip {
+
+/* Of a node in whose search the caller takes part. */
+struct NodeExtras {
+  void* handle = nullptr;   // the caller's
+  std::vector<Cut> rows;    // hold in the node and below
+  int infeasibilities = 0;  // of the relaxation that it was made from
+  double infeasibility_sum = 0;
+};
+
+/* Fits a relaxation with the same rows. */
+struct StoredBasis {
+  lp::Basis basis;
+  std::int64_t rows_version = 0;
+};
 
 struct Node {
   std::int64_t id = -1;
@@ -28,7 +43,8 @@ struct Node {
   bool is_open = false;
   BranchRecord branch;
   std::vector<NodeChange> changes;
-  std::shared_ptr<const lp::Basis> basis;  // of the parent's optimum; null: none
+  std::shared_ptr<const StoredBasis> basis;  // of the parent's optimum; null: none
+  std::unique_ptr<NodeExtras> extras;        // null: none
 };
 
 struct NewNode {
@@ -36,7 +52,9 @@ struct NewNode {
   int parent;  // slot, -1: root
   BranchRecord branch;
   std::vector<NodeChange> changes;
-  std::shared_ptr<const lp::Basis> basis;
+  std::shared_ptr<const StoredBasis> basis;
+  std::unique_ptr<NodeExtras> extras = nullptr;
+  std::int64_t id = -1;  // from take_id(); -1: the next
 };
 
 class Tree {
@@ -59,8 +77,15 @@ class Tree {
   double best_bound();    // of the open nodes; kInf: none
   int best_bound_node();  // -1: none
   int best_estimate_node();
-  /* Closes the open nodes whose bound is at least cutoff; their number. */
+  /* The open nodes whose bound is at least cutoff, ascending slots. */
+  std::vector<int> nodes_beyond(double cutoff) const;
+  /* Closes them; their number. */
   std::int64_t prune(double cutoff);
+  /* All that are open, by age. */
+  std::vector<int> open_nodes() const;
+  /* The number of a node that is to be made. */
+  std::int64_t take_id() { return next_id_++; }
+  NodeExtras& extras(int slot);
   std::int64_t nodes_made() const { return next_id_; }
   double bytes() const;
 

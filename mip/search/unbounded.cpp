@@ -48,11 +48,12 @@ Shortfall undecided_objects(const Worker& worker, std::vector<double>& x) {
 /* A direction of the relaxation improves for ever. Where objects are open they are branched on first, for they may forbid
  * it; where none is, the problem is unbounded if the node has any solution at all, which a search without an objective
  * finds out: directions with rational data lead to integer points (Meyer, Math. Programming 7 (1974)). */
-Search::NodeResult Search::branch_unbounded(int slot) {
+Search::NodeResult Search::branch_unbounded(int slot, bool* again) {
   std::vector<double> x;
   const Shortfall open = undecided_objects(worker_, x);
   if (open.count() > 0) {
-    return add_children(slot, branch_on_object(worker_, x, open), tree_[slot].relaxation, tree_[slot].bound);
+    const Branching branching = branch_on_object(worker_, x, open);
+    return branch(slot, branching, tree_[slot].relaxation, {&branching, tree_[slot].bound, false});
   }
   Problem any = problem_;
   any.lp.cost.assign(any.lp.cost.size(), 0.0);
@@ -71,8 +72,11 @@ Search::NodeResult Search::branch_unbounded(int slot) {
   const Conclusion end = search.run();
   worker_.iterations += search.progress().iterations;
   if (!search.incumbent().x.empty()) {
-    offer(search.incumbent().x);
-    return NodeResult::unbounded;
+    if (offer(search.incumbent().x) || callbacks_ == nullptr) return NodeResult::unbounded;
+    // The caller has refused it, perhaps by cuts that bound the relaxation.
+    if (callbacks_->wants_to_stop()) return NodeResult::stopped;
+    *again = use_cuts(search.incumbent().x);
+    return NodeResult::undecided;
   }
   return end == Conclusion::infeasible ? NodeResult::infeasible
          : end == Conclusion::failed   ? NodeResult::undecided

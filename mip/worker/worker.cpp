@@ -7,6 +7,16 @@
 
 namespace tovik::mip {
 
+void append_row(const Cut& cut, lp::simplex::RowBlock& rows) {
+  lp::Matrix& entries = rows.entries;
+  entries.index.insert(entries.index.end(), cut.columns.begin(), cut.columns.end());
+  entries.value.insert(entries.value.end(), cut.values.begin(), cut.values.end());
+  entries.start.push_back(static_cast<int>(entries.index.size()));
+  ++entries.columns;
+  rows.lower.push_back(cut.lower);
+  rows.upper.push_back(cut.side);
+}
+
 Worker::Worker(const Global& shared, std::unique_ptr<lp::simplex::Relaxation> engine,
                lp::Control& stop_control)
     : global(shared),
@@ -29,7 +39,7 @@ RelaxationRow Worker::row(int i) const {
             global.row_is_integral[i] != 0};
   }
   const Cut& cut = cut_rows[i - rows];
-  return {cut.columns, cut.values, -kInf, cut.side, cut.is_integral};
+  return {cut.columns, cut.values, cut.lower, cut.side, cut.is_integral};
 }
 
 void Worker::flush() {

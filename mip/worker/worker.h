@@ -46,6 +46,9 @@ struct RelaxationRow {
   bool is_integral;  // its activity is whole wherever the integer columns are
 };
 
+/* A cut as one row more. */
+void append_row(const Cut& cut, lp::simplex::RowBlock& rows);
+
 struct Worker {
   Worker(const Global& shared, std::unique_ptr<lp::simplex::Relaxation> engine, lp::Control& stop_control);
 

@@ -1,0 +1,166 @@
+#include "mip/run/search_callback.h"
+
+#include <algorithm>
+#include <climits>
+#include <cmath>
+
+#include "env/limits.h"
+#include "include/tovik.h"
+#include "mip/run/node_problem.h"
+#include "model/store/model.h"
+
+namespace tovik::mip::run {
+namespace {
+
+constexpr double kNoValue = 1e75;
+constexpr double kMegabyte = 1048576;
+
+Status put(void* result, double value) {
+  *static_cast<double*>(result) = value;
+  return 0;
+}
+
+Status put(void* result, std::int64_t count) {
+  *static_cast<int*>(result) = static_cast<int>(std::clamp<std::int64_t>(count, INT_MIN, INT_MAX));
+  return 0;
+}
+
+double relative_gap(double incumbent, double bound) {
+  if (std::isinf(incumbent) || std::isinf(bound)) return kNoValue;
+  return std::fabs(incumbent - bound) / (1e-10 + std::fabs(incumbent));
+}
+
+}  // namespace
+
+double CallbackScene::sign() const {
+  return problem.model->objective_sense();
+}
+
+std::vector<double> CallbackScene::point(std::span<const double> searched) const {
+  return in_user_space ? spaces.user_point(searched) : std::vector<double>(searched.begin(), searched.end());
+}
+
+double CallbackScene::objective(double searched) const {
+  return sign() * std::clamp(searched, -kNoValue, kNoValue) + 0.0;
+}
+
+/* Where the two spaces are one it is the caller's own. */
+Status CallbackScene::shown_problem(const tovik::Problem** shown) const {
+  if (in_user_space || spaces.is_identity()) {
+    *shown = &problem;
+    return {};
+  }
+  if (searched_problem == nullptr) {
+    if (const Status s = make_searched_problem(*this, &searched_problem); !s.ok()) return s;
+  }
+  *shown = searched_problem.get();
+  return {};
+}
+
+SearchCallback::SearchCallback(const CallbackScene& scene, int wherefrom, const CallbackView& view)
+    : RunningCallback(scene.env.running_callback, reinterpret_cast<const void*>(++scene.env.callbacks_run),
+                      wherefrom),
+      scene_(scene),
+      view_(view) {}
+
+SearchCallback::~SearchCallback() = default;
+
+const Node* SearchCallback::node() const {
+  const bool is_there = view_.sight != nullptr && view_.sight->slot >= 0;
+  return is_there ? &scene_.search.tree()[view_.sight->slot] : nullptr;
+}
+
+const std::vector<int>& SearchCallback::nodes() {
+  if (view_.nodes != nullptr) return *view_.nodes;
+  if (!has_nodes_) {
+    nodes_ = scene_.search.tree().open_nodes();
+    if (view_.sight != nullptr && view_.sight->slot >= 0) nodes_.insert(nodes_.begin(), view_.sight->slot);
+    has_nodes_ = true;
+  }
+  return nodes_;
+}
+
+Status SearchCallback::node_problem(tovik::Problem** problem) {
+  if (node_problem_ == nullptr) {
+    if (const Status s = make_node_problem(scene_, *view_.sight, &node_problem_); !s.ok()) return s;
+  }
+  *problem = node_problem_.get();
+  return {};
+}
+
+Status write_node_item(const CallbackScene& scene, const Node& node, int item, void* result) {
+  const NodeExtras none;
+  const NodeExtras& extras = node.extras == nullptr ? none : *node.extras;
+  switch (item) {
+    case TVK_CALLBACK_INFO_NODE_INFEASIBILITY_SUM:
+      return put(result, extras.infeasibility_sum);
+    case TVK_CALLBACK_INFO_NODE_INFEASIBILITIES:
+      return put(result, std::int64_t{extras.infeasibilities});
+    case TVK_CALLBACK_INFO_NODE_ESTIMATE:
+      return put(result, scene.objective(std::max(node.estimate, node.bound)));
+    case TVK_CALLBACK_INFO_NODE_DEPTH:
+      return put(result, std::int64_t{node.depth});
+    case TVK_CALLBACK_INFO_NODE_BOUND:
+      return put(result, scene.objective(node.bound));
+    case TVK_CALLBACK_INFO_NODE_COLUMN: {
+      const int column = node.branch.column;
+      return put(result, std::int64_t{column < 0 ? -1 : scene.shown_column(column)});
+    }
+    case TVK_CALLBACK_INFO_NODE_SEQUENCE:
+      return put(result, node.id);
+    case TVK_CALLBACK_INFO_NODE_HANDLE:
+      *static_cast<void**>(result) = extras.handle;
+      return 0;
+    default:
+      return TVK_ERROR_BAD_ARGUMENT;
+  }
+}
+
+SearchCallback* find_callback(const Environment& env, const void* cbdata) {
+  RunningCallback* const running = env.running_callback;
+  const bool is_it = cbdata != nullptr && running != nullptr && running->cbdata() == cbdata;
+  return is_it ? dynamic_cast<SearchCallback*>(running) : nullptr;
+}
+
+Status SearchCallback::write(int item, void* result) {
+  Environment& env = scene_.env;
+  Search& search = scene_.search;
+  const Global& global = search.global();
+  const LimitFrame* begin = env.limits.top();
+  switch (item) {
+    case TVK_CALLBACK_INFO_SECONDS:
+      return put(result, begin == nullptr ? 0.0 : clock_seconds(env) - begin->begin);
+    case TVK_CALLBACK_INFO_TICKS:
+      return put(result, begin == nullptr ? 0.0 : static_cast<double>(env.work->ticks - begin->tick_begin));
+    case TVK_CALLBACK_INFO_BEST_INTEGER:
+      return put(result, scene_.objective(global.incumbent_value));
+    case TVK_CALLBACK_INFO_BEST_BOUND:
+      return put(result, scene_.objective(search.progress().best_bound));
+    case TVK_CALLBACK_INFO_NODE_COUNT:
+      return put(result, search.progress().nodes);
+    case TVK_CALLBACK_INFO_NODES_LEFT:
+      return put(result, search.progress().left);
+    case TVK_CALLBACK_INFO_MIP_ITERATIONS:
+      return put(result, search.progress().iterations);
+    case TVK_CALLBACK_INFO_CUTOFF:
+      return put(result, scene_.objective(global.cutoff));
+    case TVK_CALLBACK_INFO_HAS_INCUMBENT:
+      return put(result, std::int64_t{global.has_incumbent()});
+    case TVK_CALLBACK_INFO_GAP:
+      return put(result, relative_gap(global.incumbent_value, search.progress().best_bound));
+    case TVK_CALLBACK_INFO_SOLUTIONS:
+      return put(result, search.progress().solutions);
+    case TVK_CALLBACK_INFO_CUT_ROWS:
+      return put(result, static_cast<std::int64_t>(search.worker().cut_rows.size()));
+    case TVK_CALLBACK_INFO_CURRENT_SEQUENCE:
+      return node() == nullptr ? Status(TVK_ERROR_CALLBACK) : put(result, node()->id);
+    case TVK_CALLBACK_INFO_CURRENT_DEPTH:
+      return node() == nullptr ? Status(TVK_ERROR_CALLBACK) : put(result, std::int64_t{node()->depth});
+    case TVK_CALLBACK_INFO_TREE_SIZE:
+      return put(result, search.progress().tree_bytes / kMegabyte);
+    default:
+      return TVK_ERROR_BAD_ARGUMENT;
+  }
+}
+
+}  // namespace tovik::mip::run
