@@ -128,7 +128,7 @@ int add_child(ConstEnvHandle env, const ChildCall& call) {
     add_bounds(scene, call, child);
     if (const Status s = add_rows(e, scene, call, child); !s.ok()) return s;
     children->reserve(kMostChildren);
-    child.id = scene.search.take_node_id();
+    child.id = scene.search().take_node_id();
     *call.seqnum_p = static_cast<int>(std::min<std::int64_t>(child.id, 2100000000));
     children->push_back(std::move(child));
     return 0;

@@ -78,7 +78,7 @@ int TVKgetcallbacknodeinfo(ConstEnvHandle env, void* cbdata, int wherefrom, int 
     const std::vector<int>& nodes = callback.nodes();
     if (nodeindex < 0 || nodeindex >= static_cast<int>(nodes.size())) return TVK_ERROR_INDEX_RANGE;
     const CallbackScene& scene = callback.scene();
-    return mip::run::write_node_item(scene, scene.search.tree()[nodes[nodeindex]], whichinfo, result_p);
+    return mip::run::write_node_item(scene, scene.search().tree()[nodes[nodeindex]], whichinfo, result_p);
   };
   return api::with_context(env, cbdata, wherefrom, write);
 }
@@ -88,7 +88,7 @@ int TVKgetcallbackseqinfo(ConstEnvHandle env, void* cbdata, int wherefrom, int s
   const auto write = [&](Environment&, SearchCallback& callback) -> Status {
     if (result_p == nullptr) return TVK_ERROR_NULL_POINTER;
     const CallbackScene& scene = callback.scene();
-    const mip::Tree& tree = scene.search.tree();
+    const mip::Tree& tree = scene.search().tree();
     const std::vector<int>& nodes = callback.nodes();
     const auto found =
         std::find_if(nodes.begin(), nodes.end(), [&](int slot) { return tree[slot].id == seqid; });
@@ -105,7 +105,7 @@ int TVKgetcallbacksosinfo(ConstEnvHandle env, void* cbdata, int wherefrom, int s
   const auto write = [&](Environment&, SearchCallback& callback) -> Status {
     if (result_p == nullptr) return TVK_ERROR_NULL_POINTER;
     const CallbackScene& scene = callback.scene();
-    const mip::Global& global = scene.search.global();
+    const mip::Global& global = scene.search().global();
     const auto count = static_cast<int>(global.problem.sets.size());
     if (whichinfo == TVK_CALLBACK_INFO_SOS_COUNT) return put(result_p, count);
     if (sosindex < 0 || sosindex >= count) return TVK_ERROR_INDEX_RANGE;
@@ -137,7 +137,7 @@ int TVKgetcallbackindicatorinfo(ConstEnvHandle env, void* cbdata, int wherefrom,
   const auto write = [&](Environment&, SearchCallback& callback) -> Status {
     if (result_p == nullptr) return TVK_ERROR_NULL_POINTER;
     const CallbackScene& scene = callback.scene();
-    const mip::Global& global = scene.search.global();
+    const mip::Global& global = scene.search().global();
     const auto count = static_cast<int>(global.problem.indicators.size());
     if (whichinfo == TVK_CALLBACK_INFO_INDICATOR_COUNT) return put(result_p, count);
     if (iindex < 0 || iindex >= count) return TVK_ERROR_INDEX_RANGE;

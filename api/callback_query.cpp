@@ -59,7 +59,7 @@ int TVKgetcallbackincumbent(ConstEnvHandle env, void* cbdata, int wherefrom, dou
     if (x == nullptr) return TVK_ERROR_NULL_POINTER;
     const Range range{"TVKgetcallbackincumbent", begin, end};
     if (const Status s = check(e, callback, range); !s.ok()) return s;
-    const mip::Global& global = callback.scene().search.global();
+    const mip::Global& global = callback.scene().search().global();
     if (!global.has_incumbent()) return TVK_ERROR_NO_SOLUTION;
     copy_point(callback.scene(), range, global.incumbent, x);
     return 0;
@@ -90,7 +90,7 @@ int TVKgetcallbacknodeintfeas(ConstEnvHandle env, void* cbdata, int wherefrom, i
     if (searched.empty()) return TVK_ERROR_NO_SOLUTION;
     const SearchColumns columns(scene);
     const std::vector<double> point = scene.point(searched);
-    const double tolerance = scene.search.global().settings.tolerances.integrality;
+    const double tolerance = scene.search().global().settings.tolerances.integrality;
     fill(range, feas, [&](int j) {
       return columns.is_integer(j) && mip::fractionality(point[j]) > tolerance ? TVK_INTEGER_INFEASIBLE
                                                                                : TVK_INTEGER_FEASIBLE;

@@ -1103,7 +1103,7 @@ TVK_API int TVKgetticks(ConstEnvHandle env, ConstProbHandle lp, double *ticks_p)
 #define TVK_PARAM_BRDIR                  2001 /* int 0, -1 to 1 */
 #define TVK_PARAM_BTTOL                  2002 /* double 0.9999, 0 to 1; stored only */
 #define TVK_PARAM_CLIQUES                2003 /* int 0, -1 to 3 */
-#define TVK_PARAM_COEREDIND              2004 /* int 2, 0 to 2; stored only */
+#define TVK_PARAM_COEREDIND              2004 /* int 2, 0 to 2 */
 #define TVK_PARAM_COVERS                 2005 /* int 0, -1 to 3 */
 #define TVK_PARAM_CUTLO                  2006 /* double -1e75, any */
 #define TVK_PARAM_CUTUP                  2007 /* double 1e75, any */
@@ -1123,7 +1123,7 @@ TVK_API int TVKgetticks(ConstEnvHandle env, ConstProbHandle lp, double *ticks_p)
 #define TVK_PARAM_SUBALG                 2026 /* int 0, 0 to 5; stored only */
 #define TVK_PARAM_TRELIM                 2027 /* double 1e75, 0 to 1e75 */
 #define TVK_PARAM_VARSEL                 2028 /* int 0, -1 to 4 */
-#define TVK_PARAM_BNDSTRENIND            2029 /* int -1, -1 to 1; stored only */
+#define TVK_PARAM_BNDSTRENIND            2029 /* int -1, -1 to 1 */
 #define TVK_PARAM_HEURFREQ               2031 /* int 0, -1 to 2100000000 */
 #define TVK_PARAM_MIPORDTYPE             2032 /* int 0, 0 to 3; stored only */
 #define TVK_PARAM_CUTSFACTOR             2033 /* double 4, 0 to 1e75 */
@@ -1132,7 +1132,7 @@ TVK_API int TVKgetticks(ConstEnvHandle env, ConstProbHandle lp, double *ticks_p)
 #define TVK_PARAM_BBINTERVAL             2039 /* int 7, 0 to 2100000000 */
 #define TVK_PARAM_FLOWCOVERS             2040 /* int 0, -1 to 2 */
 #define TVK_PARAM_IMPLBD                 2041 /* int 0, -1 to 2 */
-#define TVK_PARAM_PROBE                  2042 /* int 0, -1 to 3; stored only */
+#define TVK_PARAM_PROBE                  2042 /* int 0, -1 to 3 */
 #define TVK_PARAM_GUBCOVERS              2044 /* int 0, -1 to 2; stored only */
 #define TVK_PARAM_STRONGCANDLIM          2045 /* int 10, 1 to 2100000000 */
 #define TVK_PARAM_STRONGITLIM            2046 /* int 0, 0 to 2100000000 */
@@ -1151,7 +1151,7 @@ TVK_API int TVKgetticks(ConstEnvHandle env, ConstProbHandle lp, double *ticks_p)
 #define TVK_PARAM_RINSHEUR               2061 /* int 0, -1 to 2100000000 */
 #define TVK_PARAM_SUBMIPNODELIM          2062 /* int 500, 1 to 2100000000 */
 #define TVK_PARAM_LBHEUR                 2063 /* int 0, 0 to 1; stored only */
-#define TVK_PARAM_REPEATPRESOLVE         2064 /* int -1, -1 to 3; stored only */
+#define TVK_PARAM_REPEATPRESOLVE         2064 /* int -1, -1 to 3 */
 #define TVK_PARAM_PROBETIME              2065 /* double 1e75, 0 to 1e75; stored only */
 #define TVK_PARAM_POLISHTIME             2066 /* double 0, 0 to 1e75; stored only */
 #define TVK_PARAM_REPAIRTRIES            2067 /* int 0, -1 to 2100000000; stored only */

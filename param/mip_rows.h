@@ -10,7 +10,7 @@ inline constexpr auto kMip = std::to_array<Entry>({
     unused(real(NAMED(BTTOL), 0.9999, 0, 1,
                 "Readiness to jump back in the tree: near 0 best bound, near 1 depth first")),
     integer(NAMED(CLIQUES), 0, -1, 3, "Clique cuts: -1 none, 0 automatic, 1-3 ever more"),
-    unused(integer(NAMED(COEREDIND), 2, 0, 2, "Coefficient tightening: 0 none, 1 integers only, 2 all")),
+    integer(NAMED(COEREDIND), 2, 0, 2, "Coefficient tightening: 0 none, 1 integers only, 2 all"),
     integer(NAMED(COVERS), 0, -1, 3, "Cover cuts: -1 none, 0 automatic, 1-3 ever more"),
     real(NAMED(CUTLO), -1e75, 0, 0,
          "Lower cutoff: in a maximization, nodes below this objective are dropped"),
@@ -46,7 +46,7 @@ inline constexpr auto kMip = std::to_array<Entry>({
     integer(NAMED(VARSEL), 0, -1, 4,
             "Branching variable: -1 least fractional, 0 automatic, 1 most fractional, 2 pseudo-costs, 3 "
             "strong branching, 4 pseudo reduced costs"),
-    unused(integer(NAMED(BNDSTRENIND), -1, -1, 1, "Bound strengthening: -1 automatic, 0 off, 1 on")),
+    integer(NAMED(BNDSTRENIND), -1, -1, 1, "Bound strengthening: -1 automatic, 0 off, 1 on"),
     integer(NAMED(HEURFREQ), 0, -1, kUnlimited,
             "Nodes between heuristics: -1 none, 0 automatic, k every k nodes"),
     unused(integer(NAMED(MIPORDTYPE), 0, 0, 3,
@@ -61,7 +61,7 @@ inline constexpr auto kMip = std::to_array<Entry>({
             "Every how many nodes the best bound is taken when another node rule is in force: 0 never"),
     integer(NAMED(FLOWCOVERS), 0, -1, 2, "Flow cover cuts: -1 none, 0 automatic, 1-2 ever more"),
     integer(NAMED(IMPLBD), 0, -1, 2, "Implied bound cuts: -1 none, 0 automatic, 1-2 ever more"),
-    unused(integer(NAMED(PROBE), 0, -1, 3, "Probing: -1 none, 0 automatic, 1-3 ever more")),
+    integer(NAMED(PROBE), 0, -1, 3, "Probing: -1 none, 0 automatic, 1-3 ever more"),
     unused(integer(NAMED(GUBCOVERS), 0, -1, 2,
                    "Generalized upper bound cover cuts: -1 none, 0 automatic, 1-2 ever more")),
     integer(NAMED(STRONGCANDLIM), 10, 1, kUnlimited, "Candidates of strong branching"),
@@ -88,10 +88,9 @@ inline constexpr auto kMip = std::to_array<Entry>({
             "Nodes between neighbourhood searches around the incumbent: -1 none, 0 automatic"),
     integer(NAMED(SUBMIPNODELIM), 500, 1, kUnlimited, "Nodes of a sub-search within a heuristic"),
     unused(integer(NAMED(LBHEUR), 0, 0, 1, "Local branching after each new incumbent: 0 off, 1 on")),
-    unused(integer(
-        NAMED(REPEATPRESOLVE), -1, -1, 3,
-        "Presolve again after the root: -1 automatic, 0 no, 1 without cuts, 2 with cuts, 3 with new root "
-        "cuts")),
+    integer(NAMED(REPEATPRESOLVE), -1, -1, 3,
+            "Presolve again after the root: -1 automatic, 0 no, 1 without cuts, 2 with cuts, 3 with new root "
+            "cuts"),
     unused(real(NAMED(PROBETIME), 1e75, 0, 1e75, "Largest time of probing, in seconds")),
     unused(real(NAMED(POLISHTIME), 0, 0, 1e75,
                 "Time of polishing after the search, in seconds; excludes the polish-after conditions")),

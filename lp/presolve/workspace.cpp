@@ -320,6 +320,40 @@ void Workspace::add_row_multiple(int target, double factor, int source, int pivo
   if (equation(source)) shift_sides(target, factor * row_lower[source]);
 }
 
+void Workspace::set_entry(int i, int j, double value) {
+  const int in_row = rows_.find(i, j);
+  add_work(row_length(i) + column_length(j));
+  if (in_row < 0) {
+    if (value == 0) return;
+    rows_.append(i, j, value);
+    columns_.append(j, i, value);
+  } else if (value == 0) {
+    rows_.remove(i, in_row);
+    columns_.remove(j, columns_.find(j, i));
+  } else {
+    rows_.set_value(i, in_row, value);
+    columns_.set_value(j, columns_.find(j, i), value);
+  }
+  column_dirty_[j] = 1;
+  touch_row(i);
+  queue_row(i);
+  queue_column(j);
+}
+
+void Workspace::scale_row(int i, double factor, double new_lower, double new_upper) {
+  const View v = row(i);
+  for (int k = 0; k < v.length; ++k) {
+    const int j = v.index[k];
+    const double scaled = v.value[k] * factor;
+    rows_.set_value(i, k, scaled);
+    columns_.set_value(j, columns_.find(j, i), scaled);
+    column_dirty_[j] = 1;
+    add_work(column_length(j));
+  }
+  touch_row(i);
+  change_sides(i, new_lower, new_upper);
+}
+
 void Workspace::report(bool in_aggregator) {
   char text[120];
   last_report_ = control.seconds();

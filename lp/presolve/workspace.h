@@ -96,6 +96,10 @@ class Workspace : public ProgressSource {
   /* Row target += factor * row source, sides too when source is an equation (else only the entries). The
    * entry in column `pivot`, if any, is removed exactly. */
   void add_row_multiple(int target, double factor, int source, int pivot);
+  /* The entry of row i in column j becomes `value`; 0 takes it out. Searches both vectors. */
+  void set_entry(int i, int j, double value);
+  /* All entries of row i times a factor; the sides become what is given. */
+  void scale_row(int i, double factor, double new_lower, double new_upper);
   /* Row i is an equation: solved for column s, put in for it in all other rows and the objective; both go. */
   void substitute(int i, int s);
   // For records; valid until the next change.

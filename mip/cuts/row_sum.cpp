@@ -16,12 +16,14 @@ Slack slack_of(const RelaxationRow& row, std::span<const double> x) {
 void RowSum::clear() {
   for (const int j : columns_) {
     values_[j] = {};
+    sizes_[j] = 0;
     is_listed_[j] = 0;
   }
   columns_.clear();
   slacks_.clear();
   rows_.clear();
   side_ = {};
+  side_size_ = 0;
   rank_ = 0;
 }
 
@@ -39,7 +41,9 @@ bool RowSum::add(const Worker& worker, int row, double multiplier, std::span<con
     // a x + t = upper, or a x - t = lower.
     slacks_.push_back({row, at_upper ? multiplier : -multiplier, at_upper, slack.value});
   }
-  side_.add_product(multiplier, at_upper ? r.upper : r.lower);
+  const double side = at_upper ? r.upper : r.lower;
+  side_.add_product(multiplier, side);
+  side_size_ = std::max(side_size_, std::fabs(multiplier * side));
   for (std::size_t k = 0; k < r.columns.size(); ++k) {
     const int j = r.columns[k];
     if (is_listed_[j] == 0) {
@@ -47,6 +51,7 @@ bool RowSum::add(const Worker& worker, int row, double multiplier, std::span<con
       columns_.push_back(j);
     }
     values_[j].add_product(multiplier, r.values[k]);
+    sizes_[j] = std::max(sizes_[j], std::fabs(multiplier * r.values[k]));
   }
   entries_ += static_cast<std::int64_t>(r.columns.size());
   rows_.push_back(row);

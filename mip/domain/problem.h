@@ -49,6 +49,7 @@ struct Problem {
   std::vector<OrderedSet> sets;
   std::vector<Indicator> indicators;
   std::vector<Priority> priorities;  // by column; empty: none
+  std::vector<char> is_protected;    // by column: presolve keeps it; empty: none
 
   int num_columns() const { return lp.num_columns(); }
   int num_rows() const { return lp.num_rows(); }

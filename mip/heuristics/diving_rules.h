@@ -42,7 +42,7 @@ class GuidedDive : public Dive {
   const char* name() const override { return "guided dive"; }
 
  protected:
-  bool applies(const Worker& worker) const override { return worker.global.has_incumbent(); }
+  bool applies(const Worker& worker) const override { return worker.global.has_incumbent_point(); }
   void rate(Worker& worker, std::span<const Fraction> fractions, std::vector<Choice>& choices) override;
 };
 

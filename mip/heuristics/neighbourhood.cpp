@@ -36,6 +36,9 @@ Settings settings_of_sub_search(const Global& global, const Moment& moment) {
   s.node_limit = s.heuristics.sub_nodes;
   s.iteration_limit = moment.iterations;
   s.strong_start = kStrongIterations;
+  s.presolve.probing = -1;
+  s.presolve.restarts = 0;
+  s.witness = {};
   s.heuristics.neighbourhood_interval = -1;
   if (s.cuts.root_rounds == 0) s.cuts.root_rounds = kCutRounds;
   return s;

@@ -49,7 +49,7 @@ class Rins : public NeighbourhoodSearch {
   const char* name() const override { return "incumbent neighbourhood"; }
 
  protected:
-  bool applies(const Worker& worker) const override { return worker.global.has_incumbent(); }
+  bool applies(const Worker& worker) const override { return worker.global.has_incumbent_point(); }
   Range range(const Worker& worker, int column, double value) const override;
 };
 

@@ -55,7 +55,7 @@ std::vector<int> movable_columns(const Global& global) {
 
 Verdict OneOpt::call(Worker& worker, const Moment&) {
   const Global& global = worker.global;
-  if (!global.has_incumbent()) return Verdict::nothing;
+  if (!global.has_incumbent_point()) return Verdict::nothing;
   const lp::LpData& lp = global.problem.lp;
   std::vector<double> x = global.incumbent;
   std::vector<double> activity = activities(lp, x);

@@ -49,7 +49,8 @@ struct ProposedChildren {
       if (child.changes.size() == 1) type = TVK_BRANCH_COLUMN;
     }
     if (branching.set >= 0) {
-      type = scene.search.global().problem.sets[branching.set].type == 1 ? TVK_BRANCH_SOS1 : TVK_BRANCH_SOS2;
+      type =
+          scene.search().global().problem.sets[branching.set].type == 1 ? TVK_BRANCH_SOS1 : TVK_BRANCH_SOS2;
     }
   }
 };
@@ -87,7 +88,7 @@ bool CallerCallbacks::has_failed(int code, int action) {
 }
 
 int CallerCallbacks::choose_node(int proposed) {
-  const std::vector<int> nodes = scene_.search.tree().open_nodes();
+  const std::vector<int> nodes = scene_.search().tree().open_nodes();
   SearchCallback context(scene_, TVK_CALLBACK_MIP_NODE, {.nodes = &nodes});
   const auto at = std::find(nodes.begin(), nodes.end(), proposed);
   int index = static_cast<int>(at - nodes.begin()), action = TVK_CALLBACK_DEFAULT;

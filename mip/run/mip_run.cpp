@@ -20,8 +20,10 @@
 #include "mip/run/caller_callbacks.h"
 #include "mip/run/informer.h"
 #include "mip/run/node_log.h"
+#include "mip/run/presolve_lines.h"
 #include "mip/run/settings.h"
 #include "mip/run/statistics.h"
+#include "mip/search/presolved_search.h"
 #include "model/store/model.h"
 
 namespace tovik::mip::run {
@@ -85,6 +87,17 @@ class Audience : public Observer {
   Informer* informer_ = nullptr;
 };
 
+bool informs(const Environment& env) {
+  return env.callbacks.mip || env.callbacks.info;
+}
+
+/* Callbacks speak of the problem as it was built: where there are any presolve is off. */
+Settings settings_with_callbacks(const Environment& env, const tovik::Problem& problem) {
+  Settings settings = settings_of(env, problem);
+  if (env.callbacks.control.any() || informs(env)) settings.presolve.on = false;
+  return settings;
+}
+
 /* A search that stays with its problem. */
 struct KeptSearch : Derived {
   KeptSearch(Environment& env, const tovik::Problem& user, mip::Problem built, lp::Control& first)
@@ -95,9 +108,15 @@ struct KeptSearch : Derived {
         control(&first),
         log(env, user),
         audience(log),
-        search(problem, settings_of(env, user), control, audience) {
+        is_informed(informs(env)),
+        search(problem, settings_with_callbacks(env, user), control, audience) {
     log.follow(search);
+    search.set_listener([this, &env, &user](const Presolved& presolved) {
+      if (!env.settings.integer(TVK_PARAM_PREIND)) return;
+      write_presolve_lines(env, user, presolved, log.seconds(), !search.stages().empty());
+    });
   }
+  bool has_callbacks() const { return functions.any(); }
   const Environment* const environment;  // that it writes its log to
   const ControlCallbacks functions;      // that take part
   const SpaceMap spaces;
@@ -105,7 +124,8 @@ struct KeptSearch : Derived {
   CallControl control;
   NodeLog log;
   Audience audience;
-  Search search;
+  const bool is_informed;  // by callbacks that only look
+  PresolvedSearch search;
   std::unique_ptr<tovik::Problem> searched_problem;  // as callbacks see it; null: nobody has asked
   SearchResult result;
   bool may_go_on = false;  // a limit ended it
@@ -132,13 +152,13 @@ class CallScope {
   CallScope(KeptSearch& kept, lp::Control& control, Informer& informer, CallerCallbacks* callbacks)
       : kept_(kept) {
     kept_.control.set(&control, &informer, callbacks);
-    kept_.search.set_callbacks(callbacks);
+    if (callbacks != nullptr) kept_.search.set_callbacks(callbacks);
     kept_.audience.set(&informer);
     kept_.may_go_on = false;
   }
   ~CallScope() {
     kept_.control.set(nullptr, nullptr, nullptr);
-    kept_.search.set_callbacks(nullptr);
+    if (kept_.has_callbacks()) kept_.search.set_callbacks(nullptr);
     kept_.audience.set(nullptr);
   }
   CallScope(const CallScope&) = delete;
@@ -226,6 +246,10 @@ std::unique_ptr<KeptSearch> new_search(Environment& env, const tovik::Problem& p
     message(env.warning_channel, "Warning:  Non-integral bounds for integer variables rounded.\n");
   }
   if (env.settings.integer(TVK_PARAM_MIPORDIND) == 0) built.priorities.clear();
+  if (!problem.protected_columns.empty()) {
+    built.is_protected.assign(static_cast<std::size_t>(built.num_columns()), 0);
+    for (const int j : problem.protected_columns) built.is_protected[j] = 1;
+  }
   return std::make_unique<KeptSearch>(env, problem, std::move(built), control);
 }
 
@@ -253,7 +277,7 @@ Status run_branch_and_cut(Environment& env, tovik::Problem& problem) {
   auto* kept = dynamic_cast<KeptSearch*>(problem.mip.get());
   // What others have taken part in may rest on what they said.
   if (kept != nullptr && (!kept->may_go_on || kept->environment != &env || kept->functions != functions ||
-                          problem.status == TVK_STATUS_NONE))
+                          kept->is_informed != informs(env) || problem.status == TVK_STATUS_NONE))
     kept = nullptr;
   std::unique_ptr<KeptSearch> made;
   if (kept == nullptr) {
@@ -261,7 +285,7 @@ Status run_branch_and_cut(Environment& env, tovik::Problem& problem) {
     made = new_search(env, problem, control);
     kept = made.get();
   } else {
-    kept->search.change_settings(settings_of(env, problem));
+    kept->search.change_settings(settings_with_callbacks(env, problem));
   }
   const CallbackScene scene{env,
                             problem,
@@ -286,7 +310,7 @@ Status run_branch_and_cut(Environment& env, tovik::Problem& problem) {
   std::unique_ptr<tovik::Solution> solution = solution_of(problem, kept->search.incumbent());
   const Progress progress = kept->search.progress();
   // Who wants to hear of every node that goes hears of it before the call ends.
-  if (functions.delete_node) kept->search.drop_all_nodes();
+  if (functions.delete_node) kept->search.search().drop_all_nodes();
   const double sign = problem.model->objective_sense();
   kept->result.best_bound = sign * (std::isinf(progress.best_bound) ? std::copysign(1e75, progress.best_bound)
                                                                     : progress.best_bound);

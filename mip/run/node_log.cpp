@@ -68,6 +68,10 @@ void NodeLog::begin() {
   start_ = clock_seconds(env_);
 }
 
+double NodeLog::seconds() const {
+  return clock_seconds(env_) - start_;
+}
+
 double NodeLog::in_users_sense(double value) const {
   return problem_.model->objective_sense() * value + 0.0;
 }
@@ -84,7 +88,7 @@ void NodeLog::solution(double objective, std::span<const double>) {
   message(env_.results_channel,
           std::fabs(objective) >= kWideNumber ? "Found feasible solution after %.2f sec.  Objective = %.4e\n"
                                               : "Found feasible solution after %.2f sec.  Objective = %.4f\n",
-          clock_seconds(env_) - start_, value);
+          seconds(), value);
 }
 
 void NodeLog::header() {
@@ -195,8 +199,7 @@ void NodeLog::elapsed_line(const Progress& progress) {
   const bool wall = env_.settings.integer(TVK_PARAM_CLOCKTYPE) != 1;
   const auto solutions = static_cast<double>(progress.solutions);
   message(env_.results_channel, "%s%6.2f sec. (tree size = %5.2f MB%s)\n",
-          wall ? "Elapsed real time = " : "Elapsed time = ", clock_seconds(env_) - start_,
-          progress.tree_bytes * kMegabyte,
+          wall ? "Elapsed real time = " : "Elapsed time = ", seconds(), progress.tree_bytes * kMegabyte,
           solutions >= kWideSolutions ? text(", solutions = %.1e", solutions).c_str()
                                       : text(", solutions = %d", static_cast<int>(solutions)).c_str());
   if (env_.results_channel != nullptr) env_.results_channel->flush();

@@ -7,7 +7,7 @@
 
 #include "env/environment.h"
 #include "env/problem.h"
-#include "mip/search/search.h"
+#include "mip/search/presolved_search.h"
 #include "mip/worker/observer.h"
 
 namespace tovik::mip::run {
@@ -16,9 +16,10 @@ class NodeLog : public Observer {
  public:
   NodeLog(Environment& env, const tovik::Problem& problem);
   /* Whose progress it writes; before the search runs. */
-  void follow(Search& search) { search_ = &search; }
+  void follow(PresolvedSearch& search) { search_ = &search; }
   /* A run begins: seconds count from here. */
   void begin();
+  double seconds() const;  // since then
   void set_in_search(bool in_search) { in_search_ = in_search; }
 
   void node(const NodeEvent& event) override;
@@ -39,7 +40,7 @@ class NodeLog : public Observer {
 
   Environment& env_;
   const tovik::Problem& problem_;
-  Search* search_ = nullptr;
+  PresolvedSearch* search_ = nullptr;
   double start_ = 0;
   bool has_header_ = false, in_search_ = false;
   std::int64_t rows_ = 0;

@@ -106,7 +106,7 @@ std::vector<char> column_types(const mip::Problem& problem) {
 
 Status make_node_problem(const CallbackScene& scene, const Sight& sight,
                          std::unique_ptr<tovik::Problem>* made) {
-  Worker& worker = scene.search.worker();
+  Worker& worker = scene.search().worker();
   lp::simplex::Relaxation& relaxation = *worker.relaxation;
   model::ModelData data =
       data_of(scene, relaxation.user_lp(), [&](int j, auto f) { relaxation.each_entry(j, f); });
@@ -123,7 +123,7 @@ Status make_node_problem(const CallbackScene& scene, const Sight& sight,
 }
 
 Status make_searched_problem(const CallbackScene& scene, std::unique_ptr<tovik::Problem>* made) {
-  const mip::Problem& problem = scene.search.global().problem;
+  const mip::Problem& problem = scene.search().global().problem;
   const lp::Matrix& matrix = problem.lp.matrix;
   model::ModelData data = data_of(scene, problem.lp, [&](int j, auto f) {
     for (int k = matrix.start[j]; k < matrix.start[j + 1]; ++k) f(matrix.index[k], matrix.value[k]);

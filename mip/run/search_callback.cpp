@@ -67,13 +67,13 @@ SearchCallback::~SearchCallback() = default;
 
 const Node* SearchCallback::node() const {
   const bool is_there = view_.sight != nullptr && view_.sight->slot >= 0;
-  return is_there ? &scene_.search.tree()[view_.sight->slot] : nullptr;
+  return is_there ? &scene_.search().tree()[view_.sight->slot] : nullptr;
 }
 
 const std::vector<int>& SearchCallback::nodes() {
   if (view_.nodes != nullptr) return *view_.nodes;
   if (!has_nodes_) {
-    nodes_ = scene_.search.tree().open_nodes();
+    nodes_ = scene_.search().tree().open_nodes();
     if (view_.sight != nullptr && view_.sight->slot >= 0) nodes_.insert(nodes_.begin(), view_.sight->slot);
     has_nodes_ = true;
   }
@@ -124,7 +124,7 @@ SearchCallback* find_callback(const Environment& env, const void* cbdata) {
 
 Status SearchCallback::write(int item, void* result) {
   Environment& env = scene_.env;
-  Search& search = scene_.search;
+  Search& search = scene_.search();
   const Global& global = search.global();
   const LimitFrame* begin = env.limits.top();
   switch (item) {

@@ -13,7 +13,7 @@
 #include "env/environment.h"
 #include "env/problem.h"
 #include "mip/run/space_map.h"
-#include "mip/search/search.h"
+#include "mip/search/presolved_search.h"
 
 namespace tovik::mip::run {
 
@@ -21,12 +21,14 @@ namespace tovik::mip::run {
 struct CallbackScene {
   Environment& env;
   tovik::Problem& problem;
-  Search& search;
+  PresolvedSearch& presolved;
   const SpaceMap& spaces;
   std::unique_ptr<tovik::Problem>& searched_problem;  // made when first asked for
   bool in_user_space;  // what callbacks say and hear; else it is the searched problem
 
   double sign() const;  // of the caller's objective
+  /* Where anybody calls back there is no presolve, and the problem that is built is the one that is searched. */
+  Search& search() const { return presolved.search(); }
   int columns() const { return in_user_space ? spaces.user_columns() : spaces.searched_columns(); }
   /* A point of the search in the callbacks' space. */
   std::vector<double> point(std::span<const double> searched) const;

@@ -17,13 +17,13 @@ double stored(double bound) {
 lp::verify::Limits SearchColumns::node_bounds(int j) const {
   const int k = searched(j);
   if (k < 0) return global_bounds(j);
-  const Domain& domain = scene_.search.worker().domain;
+  const Domain& domain = scene_.search().worker().domain;
   return {stored(domain.lower(k)), stored(domain.upper(k))};
 }
 
 /* Takes the trail back in a copy of the bounds. */
 void SearchColumns::go_to_root() const {
-  const Domain& domain = scene_.search.worker().domain;
+  const Domain& domain = scene_.search().worker().domain;
   lower_.assign(domain.lower().begin(), domain.lower().end());
   upper_.assign(domain.upper().begin(), domain.upper().end());
   const std::span<const BoundMove> trail = domain.trail();
@@ -52,19 +52,19 @@ char SearchColumns::type(int j) const {
     const std::span<const char> types = scene_.problem.model->column_types();
     return types.empty() ? 'C' : types[j];
   }
-  if (types_.empty()) types_ = column_types(scene_.search.global().problem);
+  if (types_.empty()) types_ = column_types(scene_.search().global().problem);
   return types_[j];
 }
 
 Priority SearchColumns::priority(int j) const {
   const int k = searched(j);
-  const std::vector<Priority>& all = scene_.search.global().problem.priorities;
+  const std::vector<Priority>& all = scene_.search().global().problem.priorities;
   return k < 0 || all.empty() ? Priority{} : all[k];
 }
 
 double SearchColumns::pseudo_cost(int j, Direction direction) const {
   const int k = searched(j);
-  const Global& global = scene_.search.global();
+  const Global& global = scene_.search().global();
   return k < 0 || global.problem.is_integer[k] == 0 ? 0.0 : global.pseudo_costs.gain(k, direction);
 }
 

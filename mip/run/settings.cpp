@@ -20,6 +20,21 @@ std::int64_t limit(int value) {
   return value >= kUnlimited ? kNoLimit : value;
 }
 
+void take_presolve(const tovik::Settings& s, PresolveSettings& out) {
+  const int reductions = s.integer(TVK_PARAM_REDUCE);
+  out.on = s.integer(TVK_PARAM_PREIND) != 0;
+  out.passes = s.integer(TVK_PARAM_PREPASS);
+  out.primal = (reductions & 1) != 0;
+  out.dual = (reductions & 2) != 0;
+  out.linear_only = s.integer(TVK_PARAM_PRELINEAR) == 0;
+  out.aggregator = s.integer(TVK_PARAM_AGGIND);
+  out.fill = s.integer(TVK_PARAM_AGGFILL);
+  out.probing = s.integer(TVK_PARAM_PROBE);
+  out.restarts = s.integer(TVK_PARAM_REPEATPRESOLVE);
+  out.coefficients = s.integer(TVK_PARAM_COEREDIND);
+  if (s.integer(TVK_PARAM_BNDSTRENIND) == 0) out.rules &= ~rule_bit(PresolveRule::propagation);
+}
+
 }  // namespace
 
 Settings settings_of(const Environment& env, const tovik::Problem& problem) {
@@ -48,6 +63,7 @@ Settings settings_of(const Environment& env, const tovik::Problem& problem) {
   out.variable_rule = s.integer(TVK_PARAM_VARSEL);
   out.strong_candidates = s.integer(TVK_PARAM_STRONGCANDLIM);
   out.strong_iterations = s.integer(TVK_PARAM_STRONGITLIM);
+  take_presolve(s, out.presolve);
   out.cuts.fractional = s.integer(TVK_PARAM_FRACCUTS);
   out.cuts.rounding = s.integer(TVK_PARAM_MIRCUTS);
   out.cuts.covers = s.integer(TVK_PARAM_COVERS);

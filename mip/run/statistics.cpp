@@ -136,7 +136,8 @@ class SearchDescription : public lp::run::FurtherStatistics {
 
 }  // namespace
 
-std::shared_ptr<const lp::run::FurtherStatistics> describe_search(Search& search, double objective_sense) {
+std::shared_ptr<const lp::run::FurtherStatistics> describe_search(PresolvedSearch& search,
+                                                                  double objective_sense) {
   return std::make_shared<const SearchDescription>(search.statistics(), search.progress(), objective_sense);
 }
 

@@ -87,7 +87,7 @@ bool Search::ask_for_solution(double objective) {
   const std::vector<double> x = callbacks_->heuristic(sight_of_relaxation(objective));
   if (callbacks_->wants_to_stop()) return true;
   if (x.empty()) return false;
-  const bool better = offer(x, "callback");
+  const bool better = judge(x, "callback").has_value();
   return better || callbacks_->wants_to_stop() || use_cuts(x_);
 }
 

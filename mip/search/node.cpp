@@ -41,11 +41,13 @@ std::optional<Conclusion> Search::process(int slot) {
   event.branch_direction = tree_[slot].branch.direction;
   event.objective = tree_[slot].bound;
   const NodeResult result = install(slot) ? work_on(slot, event) : NodeResult::infeasible;
-  if (result == NodeResult::stopped) {
+  watch_node(slot, result);
+  if (result == NodeResult::stopped || result == NodeResult::restart) {
     in_process_ = -1;
     tree_.put_back(slot);
     next_child_ = slot;
     next_child_id_ = tree_[slot].id;
+    if (result == NodeResult::restart) return Conclusion::restart;
     leave_path(path_.size() - 1);
     return stop_reason();
   }
@@ -115,6 +117,7 @@ Search::NodeResult Search::work_on(int slot, NodeEvent& event) {
       continue;
     }
     if (callbacks_ != nullptr && use_cuts(x_)) continue;
+    if (wants_restart(slot)) return NodeResult::restart;
     const NodeResult result = branch_on(slot, shortfall, objective, &again);
     if (!again) return result;
   }
@@ -214,6 +217,7 @@ void Search::learn_from_branch(const Node& node, double objective) {
 /* The relaxation's solution lacks nothing. */
 Search::NodeResult Search::try_relaxation(int slot, double objective, bool* again) {
   Solution solution;
+  std::optional<double> value;
   if (judge_.accept(x_, global_.cutoff, &solution)) {
     switch (callbacks_ == nullptr ? Admission::admitted : admit(solution, true)) {
       case Admission::cut_off:
@@ -227,10 +231,12 @@ Search::NodeResult Search::try_relaxation(int slot, double objective, bool* agai
       default:
         break;
     }
-    const double value = solution.objective;
-    accept(std::move(solution), nullptr);
+    value = take(std::move(solution), nullptr);
+  }
+  if (value) {
     // No point of the node is better than its relaxation, whose value is known to its tolerances only.
-    if (prunes(tree_[slot].bound) || value <= objective + kBoundTrust * std::max(1.0, std::fabs(objective))) {
+    if (prunes(tree_[slot].bound) ||
+        *value <= objective + kBoundTrust * std::max(1.0, std::fabs(objective))) {
       return NodeResult::integral;
     }
   } else if (objective >= global_.cutoff - kBoundTrust * std::max(1.0, std::fabs(objective))) {
@@ -258,7 +264,8 @@ bool Search::separate(int slot, const NodeEvent& event) {
     moment.round = rounds_.round++;
     enter(Phase::cuts);
     ++statistics_.cut_rounds;
-    if (separation_.round(worker_, x_, moment) > 0) {
+    if (const int added = separation_.round(worker_, x_, moment); added > 0) {
+      watch_cuts(added);
       rounds_.any = true;
       observer_.cuts(separation_.take_counts());
       return true;
@@ -280,9 +287,9 @@ bool Search::try_heuristics(int slot, bool before_cuts) {
   moment.depth = tree_[slot].depth;
   const Phase before = enter(Phase::heuristics);
   const bool found = heuristics_.run(worker_, moment, nodes_, [this](const Candidate& candidate) {
-    const std::int64_t iterations = judge_.iterations();
-    const bool better = offer(candidate.x, candidate.found_by);
-    return HeuristicSchedule::Taken{better, judge_.iterations() - iterations};
+    const std::int64_t iterations = judges_iterations();
+    const bool better = judge(candidate.x, candidate.found_by).has_value();
+    return HeuristicSchedule::Taken{better, judges_iterations() - iterations};
   });
   enter(before);
   return found;

@@ -5,6 +5,8 @@
 #include <memory>
 #include <utility>
 
+#include "mip/domain/point.h"
+
 namespace tovik::mip {
 
 using lp::Stop;
@@ -16,7 +18,8 @@ constexpr double kPlungeShare = 0.25;  // of the gap, above the best bound, in w
 
 }  // namespace
 
-Search::Search(const Problem& problem, const Settings& settings, lp::Control& control, Observer& observer)
+Search::Search(const Problem& problem, const Settings& settings, lp::Control& control, Observer& observer,
+               Origin* origin)
     : problem_(problem),
       control_(control),
       meter_(control_, statistics_),
@@ -25,6 +28,7 @@ Search::Search(const Problem& problem, const Settings& settings, lp::Control& co
       worker_(global_, std::make_unique<lp::simplex::Relaxation>(problem.lp, settings.lp, control_),
               control_),
       judge_(problem, global_.settings, control_),
+      origin_(origin),
       branching_(global_),
       separation_(global_),
       heuristics_(global_) {
@@ -40,19 +44,45 @@ void Search::change_settings(const Settings& settings) {
 }
 
 bool Search::offer(std::span<const double> x) {
-  return offer(x, "start");
+  return judge(x, "start").has_value();
 }
 
-bool Search::offer(std::span<const double> x, const char* found_by) {
+std::optional<double> Search::judge(std::span<const double> x, const char* found_by) {
   Solution solution;
-  if (!judge_.accept(x, global_.cutoff, &solution)) return false;
-  if (callbacks_ != nullptr && admit(solution, false) != Admission::admitted) return false;
-  accept(std::move(solution), found_by);
-  return true;
+  if (!judge_.accept(x, global_.cutoff, &solution)) return std::nullopt;
+  if (callbacks_ != nullptr && admit(solution, false) != Admission::admitted) return std::nullopt;
+  return take(std::move(solution), found_by);
+}
+
+std::optional<double> Search::take(Solution solution, const char* found_by) {
+  constexpr double kRounding = 1e-9;  // relative, of an objective on the way to the origin
+  const std::vector<double> point = solution.x;
+  if (origin_ != nullptr) {
+    const double room = kRounding * std::max(1.0, std::fabs(global_.cutoff));
+    const double cutoff = std::isinf(global_.cutoff) ? kInf : global_.cutoff + room;
+    if (!origin_->accept(point, cutoff, &solution)) return std::nullopt;
+  }
+  set_incumbent(std::move(solution), point);
+  ++solutions_;
+  new_incumbent_ = true;
+  incumbent_is_heuristic_ = found_by != nullptr;
+  record_incumbent(found_by);
+  observer_.solution(incumbent_.objective, incumbent_.x);
+  return incumbent_.objective;
+}
+
+void Search::inherit(const Solution& solution, std::span<const double> x) {
+  set_incumbent(solution, {});
+  const PointViolation v = measure(problem_, x);
+  const double tolerance = global_.settings.tolerances.feasibility;
+  if (v.integrality == 0 && v.primal() <= tolerance && v.object <= tolerance) {
+    global_.incumbent.assign(x.begin(), x.end());
+  }
+  new_incumbent_ = true;
 }
 
 /* All that an improved solution changes. */
-void Search::accept(Solution solution, const char* found_by) {
+void Search::set_incumbent(Solution solution, std::span<const double> x) {
   const Settings& settings = global_.settings;
   const double u = solution.objective;
   double improvement =
@@ -61,14 +91,13 @@ void Search::accept(Solution solution, const char* found_by) {
   // The next better value is a step away, and bounds are rounded up to steps.
   if (global_.objective_step > 0) improvement = std::max(improvement, global_.objective_step * (1 - 1e-5));
   incumbent_ = std::move(solution);
-  global_.incumbent = incumbent_.x;
+  global_.incumbent.assign(x.begin(), x.end());
   global_.incumbent_value = u;
   global_.cutoff = std::min(global_.cutoff, u - improvement);
-  ++solutions_;
-  new_incumbent_ = true;
-  incumbent_is_heuristic_ = found_by != nullptr;
-  record_incumbent(found_by);
-  observer_.solution(u, incumbent_.x);
+}
+
+std::int64_t Search::judges_iterations() const {
+  return judge_.iterations() + (origin_ == nullptr ? 0 : origin_->iterations());
 }
 
 void Search::record_incumbent(const char* found_by) {
@@ -85,7 +114,7 @@ SearchStatistics Search::statistics() const {
   all.heuristics = heuristics_.plugin_counts();
   all.strong_iterations = branching_.strong_iterations();
   all.heuristic_iterations = heuristics_.iterations();
-  all.judge_iterations = judge_.iterations();
+  all.judge_iterations = judges_iterations();
   return all;
 }
 
@@ -120,7 +149,7 @@ Progress Search::progress() {
   Progress p;
   p.nodes = nodes_;
   p.left = tree_.open();
-  p.iterations = worker_.iterations + branching_.strong_iterations() + judge_.iterations();
+  p.iterations = worker_.iterations + branching_.strong_iterations() + judges_iterations();
   p.solutions = solutions_;
   p.tree_bytes = tree_.bytes();
   // Where nothing is left the best solution is the bound.
@@ -178,6 +207,10 @@ void Search::start() {
   if (!possible) return;
   worker_.domain.commit();
   worker_.propagator.went_back(worker_.domain);
+  for (const int j : global_.integer_columns) open_columns_ += worker_.domain.is_fixed(j) ? 0 : 1;
+  if (!given_cuts_.empty()) separation_.add_rows(worker_, given_cuts_);
+  given_cuts_.clear();
+  separation_.take_counts();
   next_child_ = tree_.add({-kInf, -kInf, -kInf, -1, {}, {}, nullptr});
   next_child_id_ = tree_[next_child_].id;
 }

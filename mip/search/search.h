@@ -14,6 +14,7 @@
 #include <cstdint>
 #include <optional>
 #include <span>
+#include <utility>
 #include <vector>
 
 #include "mip/branching/branching.h"
@@ -29,6 +30,18 @@
 
 namespace tovik::mip {
 
+/* Where the solutions of a search count, when the problem that it searches was made from another. */
+class Origin {
+ public:
+  Origin() = default;
+  Origin(const Origin&) = delete;
+  Origin& operator=(const Origin&) = delete;
+  virtual ~Origin() = default;
+  /* x: of the search's problem. False when no solution of the origin below the cutoff comes of it. */
+  virtual bool accept(std::span<const double> x, double cutoff, Solution* solution) = 0;
+  virtual std::int64_t iterations() const = 0;  // of the simplex, spent on that
+};
+
 enum class Conclusion {
   optimal,     // no better solution exists, but for the cutoff and the least improvement
   within_gap,  // the gap is within the tolerances
@@ -43,7 +56,8 @@ enum class Conclusion {
   time_limit,
   tick_limit,
   user_abort,
-  failed  // nodes are left that no relaxation decides
+  failed,  // nodes are left that no relaxation decides
+  restart  // the root has fixed so much that presolve should see it; run() may be called again and asks again
 };
 
 struct Progress {
@@ -54,7 +68,9 @@ struct Progress {
 
 class Search {
  public:
-  Search(const Problem& problem, const Settings& settings, lp::Control& control, Observer& observer);
+  /* origin: null where the problem is the user's own. */
+  Search(const Problem& problem, const Settings& settings, lp::Control& control, Observer& observer,
+         Origin* origin = nullptr);
   ~Search();
   Search(const Search&) = delete;
   Search& operator=(const Search&) = delete;
@@ -62,10 +78,20 @@ class Search {
   Conclusion run();
   /* Between two runs: other limits, other rules. */
   void change_settings(const Settings& settings);
-  /* Before run(), or between two runs: a point that may be a solution. True when it is a new incumbent. */
+  /* Before run(), or between two runs: a point of the problem that may be a solution. True when it is a new incumbent. */
   bool offer(std::span<const double> x);
+  /* Before run(): a solution of the origin that is known there, and the point of the problem that belongs to it; none, if
+   * that is no solution here. */
+  void inherit(const Solution& solution, std::span<const double> x);
 
-  const Solution& incumbent() const { return incumbent_; }  // no values: none
+  /* After a restart was asked for: bounds of the integer columns that hold for all better solutions, and the cuts that are
+   * tight at the root. */
+  void take_root_bounds(Problem& problem) const;
+  std::vector<Cut> root_cuts() const;
+  /* Before run(): cuts that hold, which become rows of the root's relaxation. */
+  void add_cuts(std::vector<Cut> cuts) { given_cuts_ = std::move(cuts); }
+
+  const Solution& incumbent() const { return incumbent_; }  // of the origin; no values: none
   Progress progress();
   lp::simplex::Statistics relaxation_statistics() const;
   /* Of all runs. */
@@ -89,7 +115,7 @@ class Search {
     int begin;  // position on the trail before the node's own changes
   };
   /* How the work at a node ended. */
-  enum class NodeResult { branched, integral, infeasible, cutoff, undecided, stopped, unbounded };
+  enum class NodeResult { branched, integral, infeasible, cutoff, undecided, stopped, unbounded, restart };
 
   void start();
   std::optional<Conclusion> limit_reached();
@@ -147,12 +173,19 @@ class Search {
   void tell_deleted(int slot);
   void bring_rows(const std::vector<int>& chain);
   bool separate(int slot, const NodeEvent& event);
+  bool wants_restart(int slot) const;
+  void watch_cuts(int count) const;
+  void watch_node(int slot, NodeResult result) const;
   bool try_heuristics(int slot, bool before_cuts);
   double estimate(const Shortfall& shortfall, double objective) const;
-  bool offer(std::span<const double> x, const char* found_by);
-  /* found_by: null for the relaxation of a node. */
-  void accept(Solution solution, const char* found_by);
+  /* The value of the new incumbent that comes of the point; none: nothing comes of it. found_by: null for the relaxation of a
+   * node. */
+  std::optional<double> judge(std::span<const double> x, const char* found_by);
+  /* The same of a point that the judge here has accepted. */
+  std::optional<double> take(Solution solution, const char* found_by);
+  void set_incumbent(Solution solution, std::span<const double> x);
   void record_incumbent(const char* found_by);
+  std::int64_t judges_iterations() const;
   Phase enter(Phase phase);
   void tell_work();
   void report(int slot, NodeEvent& event, NodeResult result);
@@ -166,6 +199,7 @@ class Search {
   Global global_;
   Worker worker_;
   Judge judge_;
+  Origin* origin_;
   BranchingRule branching_;
   Separation separation_;
   HeuristicSchedule heuristics_;
@@ -189,6 +223,8 @@ class Search {
   double root_bound_ = -kInf;               // the same of the root
   std::vector<double> root_reduced_costs_;  // at the bounds that held then:
   std::vector<double> root_lower_, root_upper_;
+  std::vector<Cut> given_cuts_;
+  int open_columns_ = 0;                    // integer columns that were not fixed at the beginning
   std::vector<GlobalBound> global_bounds_;  // found, not yet in the domain
   std::vector<Cut> idle_cuts_;              // of the caller, no rows for now
   std::vector<Cut> new_local_cuts_;         // of the node, not yet rows

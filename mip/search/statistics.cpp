@@ -1,5 +1,6 @@
 #include "mip/search/statistics.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace tovik::mip {
@@ -7,7 +8,46 @@ namespace {
 
 constexpr std::int64_t kTicksBetweenReadings = 2000000;
 
+/* The same plugins stand in both lists. */
+void add(std::vector<PluginCounts>& sums, const std::vector<PluginCounts>& more) {
+  if (sums.empty()) sums.resize(more.size());
+  for (std::size_t k = 0; k < more.size(); ++k) {
+    sums[k].name = more[k].name;
+    sums[k].calls += more[k].calls;
+    sums[k].found += more[k].found;
+    sums[k].successes += more[k].successes;
+    sums[k].seconds += more[k].seconds;
+  }
+}
+
 }  // namespace
+
+SearchStatistics joined(SearchStatistics earlier, const SearchStatistics& later, double seconds_before) {
+  SearchStatistics all = std::move(earlier);
+  for (std::size_t k = 0; k < kPhases; ++k) {
+    all.phases[k].seconds += later.phases[k].seconds;
+    all.phases[k].ticks += later.phases[k].ticks;
+  }
+  all.seconds = seconds_before + later.seconds;
+  all.last_run = later.last_run;
+  all.root_seconds = later.root_seconds < 0 ? -1 : seconds_before + later.root_seconds;
+  if (all.root_bound_before_cuts == -kInf) all.root_bound_before_cuts = later.root_bound_before_cuts;
+  all.root_bound_after_cuts = std::max(all.root_bound_after_cuts, later.root_bound_after_cuts);
+  all.cut_rounds += later.cut_rounds;
+  all.largest_depth = std::max(all.largest_depth, later.largest_depth);
+  for (IncumbentRecord found : later.incumbents) {
+    found.seconds += seconds_before;
+    if (all.incumbents.size() == kMostIncumbents) all.incumbents.pop_back();
+    all.incumbents.push_back(found);
+  }
+  add(all.separators, later.separators);
+  add(all.heuristics, later.heuristics);
+  for (std::size_t k = 0; k < kCutClasses; ++k) all.cuts[k] += later.cuts[k];
+  all.strong_iterations += later.strong_iterations;
+  all.heuristic_iterations += later.heuristic_iterations;
+  all.judge_iterations += later.judge_iterations;
+  return all;
+}
 
 void PhaseMeter::begin() {
   phase_ = Phase::presolve;
@@ -18,6 +58,7 @@ void PhaseMeter::end() {
   enter(phase_, true);
   earlier_ += last_seconds_;
   statistics_.seconds = earlier_;
+  statistics_.last_run = last_seconds_;
 }
 
 Phase PhaseMeter::enter(Phase phase, bool precise) {

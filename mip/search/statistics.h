@@ -42,6 +42,7 @@ struct IncumbentRecord {
 struct SearchStatistics {
   std::array<Spent, kPhases> phases{};
   double seconds = 0;        // of all runs
+  double last_run = 0;       // seconds of its call at the end of the last run
   double root_seconds = -1;  // when the root was done; negative: it was not
   double root_bound_before_cuts = -kInf, root_bound_after_cuts = -kInf;
   int cut_rounds = 0;
@@ -54,6 +55,9 @@ struct SearchStatistics {
 };
 
 inline constexpr std::size_t kMostIncumbents = 1000;
+
+/* Of one search after another. seconds_before: of the earlier ones, which the later one's clock does not know. */
+SearchStatistics joined(SearchStatistics earlier, const SearchStatistics& later, double seconds_before);
 
 /* Hands on to the control of a call, and counts the work on its way. */
 class MeteredControl : public lp::Control {

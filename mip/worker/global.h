@@ -31,11 +31,12 @@ struct Global {
   VariableBounds variable_bounds;
   double objective_step = 0;  // every objective value is a multiple of it, the offset apart; 0: unknown
   PseudoCosts pseudo_costs;
-  std::vector<double> incumbent;  // empty: none
+  std::vector<double> incumbent;  // empty: none, or none that this problem's space has
   double incumbent_value = kInf;
   double cutoff = kInf;  // only solutions below are of interest
 
-  bool has_incumbent() const { return !incumbent.empty(); }
+  bool has_incumbent() const { return incumbent_value < kInf; }
+  bool has_incumbent_point() const { return !incumbent.empty(); }
 };
 
 }  // namespace tovik::mip

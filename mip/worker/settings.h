@@ -5,6 +5,8 @@
 
 #include "lp/simplex/types.h"
 #include "mip/domain/problem.h"
+#include "mip/domain/witness.h"
+#include "mip/presolve/settings.h"
 
 namespace tovik::mip {
 
@@ -64,9 +66,11 @@ struct Settings {
 
   // What is switched on.
   bool propagate = true, fix_by_reduced_cost = true;
+  PresolveSettings presolve;
   CutSettings cuts;
   HeuristicSettings heuristics;
   std::uint64_t seed = 1;
+  Witness witness;
 };
 
 }  // namespace tovik::mip

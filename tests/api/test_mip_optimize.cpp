@@ -181,6 +181,9 @@ TEST_F(MipOptimize, ASearchWithoutSolutionTellsWhatItHasDone) {
   ProbHandle lp = read(
       "min\n x + y\nst\n c: 6 x + 10 y + 15 z = 29.5\nbounds\n x <= 50\n y <= 50\n z <= 50\ngen\n x y "
       "z\nend");
+  EXPECT_EQ(solve(lp), TVK_STATUS_MIP_INFEASIBLE);
+  EXPECT_NE(log_text_.find("Integer infeasible equality row 'c'.\n"), std::string::npos) << log_text_;
+  ASSERT_EQ(TVKsetintparam(env_, TVK_PARAM_PREIND, 0), 0);
   ASSERT_EQ(TVKsetintparam(env_, TVK_PARAM_NODELIM, 1), 0);
   ASSERT_EQ(TVKsetintparam(env_, TVK_PARAM_CUTPASS, -1), 0);
   EXPECT_EQ(solve(lp), TVK_STATUS_MIP_NODE_LIMIT_NO_SOLUTION);

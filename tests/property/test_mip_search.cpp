@@ -5,8 +5,8 @@
 #include <string>
 
 #include "mip/domain/point.h"
-#include "mip/search/search.h"
-#include "tests/support/random_mip.h"
+#include "mip/search/presolved_search.h"
+#include "tests/support/planted_mip.h"
 
 namespace {
 
@@ -21,7 +21,7 @@ void check(const Problem& problem, const support::MipTruth& truth, Settings sett
   settings.relative_gap = settings.absolute_gap = 0;
   support::QuietControl control;
   SilentObserver observer;
-  Search search(problem, settings, control, observer);
+  PresolvedSearch search(problem, settings, control, observer);
   const Conclusion end = search.run();
   if (truth.unbounded) {
     EXPECT_EQ(end, Conclusion::unbounded);
@@ -37,15 +37,57 @@ void check(const Problem& problem, const support::MipTruth& truth, Settings sett
   EXPECT_LE(v.object, 1e-6);
 }
 
+/* An optimal solution, as far as there is one. */
+std::vector<double> solution_of(const Problem& problem) {
+  std::vector<double> best;
+  double value = tovik::lp::kInf;
+  support::EachLeaf leaves(problem, [&](const tovik::lp::LpData& lp) {
+    support::QuietControl control;
+    tovik::lp::simplex::Solver solver(lp, {}, control, nullptr);
+    if (solver.solve(tovik::lp::Method::dual) != tovik::lp::Outcome::optimal) return;
+    if (solver.answer().objective >= value) return;
+    value = solver.answer().objective;
+    best = solver.answer().x;
+  });
+  leaves.run();
+  return best;
+}
+
+TEST(MipSearch, NobodyCutsOffAKnownSolution) {
+  const int count = models(300);
+  for (int k = 0; k < count && !HasFailure(); ++k) {
+    support::PlantedMip maker(support::fresh_seed() + static_cast<unsigned>(k));
+    TRACE_RANDOM(maker.random(), k);
+    const Problem problem = maker.draw();
+    if (support::Enumeration(problem).run().unbounded) continue;
+    Settings settings;
+    settings.witness.x = solution_of(problem);
+    settings.witness.complain = [](const std::string& who) { ADD_FAILURE() << who; };
+    settings.presolve.on = k % 3 != 0;
+    settings.presolve.restarts = k % 3 == 1 ? 3 : 0;
+    settings.relative_gap = settings.absolute_gap = 0;
+    support::QuietControl control;
+    SilentObserver observer;
+    PresolvedSearch(problem, settings, control, observer).run();
+  }
+}
+
 TEST(MipSearch, AgreesWithEnumerationWhateverIsSwitchedOff) {
   const int count = models(400);
   for (int k = 0; k < count && !HasFailure(); ++k) {
-    support::RandomMip maker(support::fresh_seed() + static_cast<unsigned>(k));
+    support::PlantedMip maker(support::fresh_seed() + static_cast<unsigned>(k));
     TRACE_RANDOM(maker.random(), k);
     const Problem problem = maker.draw();
     const support::MipTruth truth = support::Enumeration(problem).run();
     Settings settings;
     check(problem, truth, settings);
+    settings.presolve.on = false;
+    check(problem, truth, settings);
+    settings.presolve.on = maker.random().chance(0.5);
+    settings.presolve.rules =
+        kAllPresolveRules & ~rule_bit(static_cast<PresolveRule>(maker.random().below(kPresolveRules)));
+    settings.presolve.restarts = maker.random().pick(-1, 3);
+    settings.presolve.probing = maker.random().pick(-1, 3);
     switch (k % 9) {
       case 0:
         settings.propagate = false;

@@ -1,0 +1,78 @@
+/* Presolve and branch and cut as one: searches what presolve leaves of a problem, and answers in the problem's own space.
+ *
+ * - Gets, run(), errors: as Search. Points that are offered, and solutions, are the given problem's; every solution has
+ *   passed the judge there, its continuous columns found anew where the way back has cost them the tolerances.
+ * - Presolve runs when run() is called first, and again when the search asks for a restart at its root: then on what the
+ *   last one has left, with the bounds that the root has found.
+ * - Without presolve there are no stages: the search is on the problem itself.
+ * - A presolve that is stopped leaves no search; the next run() begins anew. */
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <span>
+#include <vector>
+
+#include "mip/presolve/presolve.h"
+#include "mip/search/search.h"
+
+namespace tovik::mip {
+
+class PresolvedSearch : private Origin {
+ public:
+  PresolvedSearch(const Problem& problem, const Settings& settings, lp::Control& control, Observer& observer);
+  ~PresolvedSearch() override;
+
+  /* Before run(). Null: none. Only without presolve. */
+  void set_callbacks(SearchCallbacks* callbacks) { search_->set_callbacks(callbacks); }
+  bool has_search() const { return search_ != nullptr; }
+  /* What is searched now; without presolve it is there from the beginning. */
+  Search& search() { return *search_; }
+
+  Conclusion run();
+  void change_settings(const Settings& settings);
+  bool offer(std::span<const double> x);
+
+  const Solution& incumbent() const { return is_direct() ? search_->incumbent() : incumbent_; }
+  Progress progress();
+  lp::simplex::Statistics relaxation_statistics() const;
+  SearchStatistics statistics() const;
+
+  /* Called after each presolve. */
+  using Listener = std::function<void(const Presolved&)>;
+  void set_listener(Listener listener) { listener_ = std::move(listener); }
+  /* The way from the problem that is searched to the given one, the first presolve's first; empty before run(). */
+  std::span<const std::unique_ptr<Presolved>> stages() const { return stages_; }
+
+ private:
+  bool is_direct() const { return search_ != nullptr && stages_.empty(); }
+  bool accept(std::span<const double> x, double cutoff, Solution* solution) override;
+  std::int64_t iterations() const override { return judge_.iterations() - judged_; }
+  std::vector<double> expand(std::span<const double> x) const;
+  std::vector<double> crush(std::span<const double> x) const;
+  /* One more stage; what ends the run, if anything does. */
+  std::optional<Conclusion> presolve_once(const Problem& problem);
+  Witness witness() const;
+  Settings of_search() const;
+  void make_search();
+  /* Presolve of what the root has left; what ends the run, if anything does. */
+  std::optional<Conclusion> restart();
+
+  const Problem& problem_;
+  Settings settings_;
+  lp::Control& control_;
+  Observer& observer_;
+  Judge judge_;
+  Listener listener_;
+  std::vector<std::unique_ptr<Presolved>> stages_;
+  std::unique_ptr<Search> search_;
+  Solution incumbent_;
+  std::int64_t judged_ = 0;  // iterations of the judge that count as earlier
+  int restarts_ = 0;
+  SearchStatistics earlier_statistics_;
+  double seconds_before_ = 0;  // of earlier calls, of which the present search's clock knows nothing
+  Progress earlier_;           // of searches that were given up for a restart, and of what was offered
+  bool is_infeasible_ = false;
+};
+
+}  // namespace tovik::mip

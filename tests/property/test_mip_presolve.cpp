@@ -1,0 +1,117 @@
+// Presolve of mixed-integer problems alone: random small models of every kind, with structure planted, enumerated in both
+// spaces.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <vector>
+
+#include "mip/domain/point.h"
+#include "mip/presolve/presolve.h"
+#include "tests/support/planted_mip.h"
+
+namespace {
+
+using namespace tovik::mip;
+using tovik::lp::kInf;
+
+int models(int otherwise) {
+  const char* wanted = std::getenv("TOVIK_MODELS");
+  return wanted != nullptr ? std::atoi(wanted) : otherwise;
+}
+
+struct Best {
+  support::MipTruth truth;
+  std::vector<double> x;
+};
+
+Best enumerate(const Problem& problem) {
+  Best best;
+  support::EachLeaf leaves(problem, [&best](const tovik::lp::LpData& lp) {
+    support::QuietControl control;
+    tovik::lp::simplex::Solver solver(lp, {}, control, nullptr);
+    const tovik::lp::Outcome outcome = solver.solve(tovik::lp::Method::dual);
+    if (outcome == tovik::lp::Outcome::unbounded) best.truth.feasible = best.truth.unbounded = true;
+    if (outcome != tovik::lp::Outcome::optimal) return;
+    best.truth.feasible = true;
+    if (solver.answer().objective >= best.truth.objective) return;
+    best.truth.objective = solver.answer().objective;
+    best.x = solver.answer().x;
+  });
+  leaves.run();
+  return best;
+}
+
+/* Columns that presolve has found to be whole may have no bounds. */
+bool can_be_enumerated(const Problem& problem) {
+  for (int j = 0; j < problem.num_columns(); ++j) {
+    if (problem.is_integer[j] != 0 && problem.lp.upper[j] - problem.lp.lower[j] > 30) return false;
+  }
+  return true;
+}
+
+double value(const LinearForm& form, const std::vector<double>& x) {
+  double sum = form.constant;
+  for (std::size_t k = 0; k < form.columns.size(); ++k) sum += form.values[k] * x[form.columns[k]];
+  return sum;
+}
+
+void check_ways(const Problem& original, const Presolved& reduced, const std::vector<double>& y,
+                support::Random& random) {
+  const std::vector<double> x = reduced.postsolve.expand(y);
+  const PointViolation v = measure(original, x);
+  EXPECT_LE(v.integrality, 1e-5);
+  EXPECT_LE(v.primal(), 1e-4);
+  EXPECT_LE(v.object, 1e-5);
+  EXPECT_NEAR(objective(original, x), objective(reduced.problem, y),
+              1e-5 * (1 + std::fabs(objective(original, x))));
+  const std::vector<double> back = reduced.postsolve.crush(x);
+  ASSERT_EQ(back.size(), y.size());
+  for (std::size_t j = 0; j < y.size(); ++j) EXPECT_NEAR(back[j], y[j], 1e-6 * (1 + std::fabs(y[j])));
+  LinearForm form;
+  form.constant = random.pick(-2, 2);
+  for (int j = 0; j < original.num_columns(); ++j) {
+    if (!random.chance(0.5)) continue;
+    form.columns.push_back(j);
+    form.values.push_back(random.pick(-4, 4));
+  }
+  if (const auto crushed = reduced.postsolve.crush(form)) {
+    EXPECT_NEAR(value(*crushed, y), value(form, x), 1e-5 * (1 + std::fabs(value(form, x))));
+  }
+}
+
+void check(const Problem& problem, const Best& truth, const PresolveSettings& settings,
+           support::Random& random) {
+  support::QuietControl control;
+  const Presolved reduced = presolve(problem, settings, {}, control);
+  if (reduced.infeasible) {
+    EXPECT_FALSE(truth.truth.feasible);
+    return;
+  }
+  if (!can_be_enumerated(reduced.problem)) return;
+  const Best best = enumerate(reduced.problem);
+  ASSERT_EQ(best.truth.feasible, truth.truth.feasible);
+  ASSERT_EQ(best.truth.unbounded, truth.truth.unbounded);
+  if (!best.truth.feasible || best.truth.unbounded) return;
+  EXPECT_NEAR(best.truth.objective, truth.truth.objective, 1e-5 * (1 + std::fabs(truth.truth.objective)));
+  check_ways(problem, reduced, best.x, random);
+}
+
+TEST(MipPresolve, KeepsTheOptimumAndFindsTheWayBackWhateverIsSwitchedOff) {
+  const int count = models(1500);
+  for (int k = 0; k < count && !HasFailure(); ++k) {
+    support::PlantedMip maker(support::fresh_seed() + static_cast<unsigned>(k));
+    TRACE_RANDOM(maker.random(), k);
+    const Problem problem = maker.draw();
+    const Best truth = enumerate(problem);
+    PresolveSettings settings;
+    check(problem, truth, settings, maker.random());
+    const auto off =
+        rule_bit(static_cast<PresolveRule>(maker.random().pick(0, static_cast<int>(kPresolveRules) - 1)));
+    settings.rules = maker.random().chance(0.5) ? kAllPresolveRules & ~off : off;
+    settings.coefficients = maker.random().pick(0, 2);
+    settings.dual = maker.random().chance(0.7);
+    check(problem, truth, settings, maker.random());
+  }
+}
+
+}  // namespace
