@@ -134,7 +134,7 @@ int Caller::integer(const std::string& name, int items) {
   if (chance(4)) return extreme();
   if (name == "wherefrom" && callback_.cbdata != nullptr) return callback_.wherefrom;
   if (name == "wherefrom") return chance(50) ? 1 + below(8) : 101 + below(14);
-  if (name == "whichinfo") return chance(30) ? below(20) : 101 + below(140);
+  if (name == "whichinfo") return chance(30) ? below(20) : chance(40) ? 101 + below(34) : 201 + below(36);
   const auto is = [&](const char* other) { return name == other; };
   if (is("number")) {
     int type = 0;

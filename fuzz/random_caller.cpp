@@ -138,6 +138,32 @@ void Caller::populate(EnvHandle env) {
   made(env, net);
 }
 
+/* A mixed-integer search in which all may take part that can. */
+void Caller::search_with_callbacks() {
+  EnvHandle const env = environment();
+  ProbHandle lp = changing_problem();
+  quiet_ = true;
+  for (int k = 0; k < 8 && TVKgetprobtype(env, lp) != TVK_PROBTYPE_MILP; ++k) lp = changing_problem();
+  TVKsetintparam(env, TVK_PARAM_MIPCBREDLP, below(2));
+  TVKsetintparam(env, TVK_PARAM_HEURFREQ, below(2) - 1);
+  TVKsetintparam(env, TVK_PARAM_CUTPASS, below(2) - 1);
+  quiet_ = false;
+  trace_.push_back("a search with callbacks");
+  TVKsetmipcallbackfunc(env, function(60), this);
+  TVKsetinfocallbackfunc(env, function(60), this);
+  TVKsetcutcallbackfunc(env, function(40), this);
+  TVKsetbranchcallbackfunc(env, function(40), this);
+  TVKsetbranchnosolncallbackfunc(env, function(40), this);
+  TVKsetnodecallbackfunc(env, function(60), this);
+  TVKsetheuristiccallbackfunc(env, function(60), this);
+  TVKsetincumbentcallbackfunc(env, function(60), this);
+  TVKsetsolvecallbackfunc(env, function(70), this);
+  TVKsetdeletenodecallbackfunc(env, function(60), this);
+  limit_runs();
+  TVKmipopt(env, lp);
+  if (chance(50)) TVKmipopt(env, lp);
+}
+
 /* In a callback with a context the routines that want one come more often. */
 const RandomCall& Caller::any_call() {
   const auto& all = random_calls();
@@ -155,6 +181,7 @@ const RandomCall& Caller::any_call() {
 
 bool Caller::step() {
   if (++calls_ % 64 == 0) refill();
+  if (depth_ == 0 && calls_ % 50 == 7) search_with_callbacks();
   const RandomCall& call = any_call();
   const std::vector<void*> outer = std::exchange(arrays_, {});
   const auto lp = lp_;

@@ -171,6 +171,7 @@ class Caller {
   void refill();
   void limit_runs();
   void populate(EnvHandle env);
+  void search_with_callbacks();
   std::string snapshot();
   bool leaves_problem(const std::string& before);
 
