@@ -26,6 +26,7 @@ int with_context(ConstEnvHandle env, void* cbdata, Worker&& worker,
   const auto find = [&](Environment& e) -> Status {
     SearchCallback* callback = nullptr;
     if (const Status s = find_context(e, cbdata, &callback); !s.ok()) return s;
+    if (!callback->scene().has_search()) return TVK_ERROR_NOT_MIP;
     return worker(e, *callback);
   };
   return with_environment(env, find, allowed);

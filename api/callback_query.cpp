@@ -59,9 +59,16 @@ int TVKgetcallbackincumbent(ConstEnvHandle env, void* cbdata, int wherefrom, dou
     if (x == nullptr) return TVK_ERROR_NULL_POINTER;
     const Range range{"TVKgetcallbackincumbent", begin, end};
     if (const Status s = check(e, callback, range); !s.ok()) return s;
-    const mip::Global& global = callback.scene().search().global();
+    const CallbackScene& scene = callback.scene();
+    if (scene.in_user_space) {
+      const std::vector<double>& point = scene.whole.incumbent().x;
+      if (point.empty()) return TVK_ERROR_NO_SOLUTION;
+      fill(range, x, [&](int j) { return point[j]; });
+      return 0;
+    }
+    const mip::Global& global = scene.search().global();
     if (!global.has_incumbent()) return TVK_ERROR_NO_SOLUTION;
-    copy_point(callback.scene(), range, global.incumbent, x);
+    copy_point(scene, range, global.incumbent, x);
     return 0;
   };
   return api::with_context(env, cbdata, wherefrom, copy, CallbackContext::allowed);

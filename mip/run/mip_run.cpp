@@ -87,14 +87,10 @@ class Audience : public Observer {
   Informer* informer_ = nullptr;
 };
 
-bool informs(const Environment& env) {
-  return env.callbacks.mip || env.callbacks.info;
-}
-
-/* Callbacks speak of the problem as it was built: where there are any presolve is off. */
+/* What the caller says in control callbacks holds of its own problem: there is no presolve between. */
 Settings settings_with_callbacks(const Environment& env, const tovik::Problem& problem) {
   Settings settings = settings_of(env, problem);
-  if (env.callbacks.control.any() || informs(env)) settings.presolve.on = false;
+  if (env.callbacks.control.any()) settings.presolve.on = false;
   return settings;
 }
 
@@ -103,13 +99,12 @@ struct KeptSearch : Derived {
   KeptSearch(Environment& env, const tovik::Problem& user, mip::Problem built, lp::Control& first)
       : environment(&env),
         functions(env.callbacks.control),
-        spaces(user.model->num_columns(), built.num_columns()),
         problem(std::move(built)),
         control(&first),
         log(env, user),
         audience(log),
-        is_informed(informs(env)),
-        search(problem, settings_with_callbacks(env, user), control, audience) {
+        search(problem, settings_with_callbacks(env, user), control, audience),
+        spaces(user.model->num_columns(), problem.num_columns(), search) {
     log.follow(search);
     search.set_listener([this, &env, &user](const Presolved& presolved) {
       if (!env.settings.integer(TVK_PARAM_PREIND)) return;
@@ -119,13 +114,12 @@ struct KeptSearch : Derived {
   bool has_callbacks() const { return functions.any(); }
   const Environment* const environment;  // that it writes its log to
   const ControlCallbacks functions;      // that take part
-  const SpaceMap spaces;
   const mip::Problem problem;
   CallControl control;
   NodeLog log;
   Audience audience;
-  const bool is_informed;  // by callbacks that only look
   PresolvedSearch search;
+  const SpaceMap spaces;
   std::unique_ptr<tovik::Problem> searched_problem;  // as callbacks see it; null: nobody has asked
   SearchResult result;
   bool may_go_on = false;  // a limit ended it
@@ -277,7 +271,7 @@ Status run_branch_and_cut(Environment& env, tovik::Problem& problem) {
   auto* kept = dynamic_cast<KeptSearch*>(problem.mip.get());
   // What others have taken part in may rest on what they said.
   if (kept != nullptr && (!kept->may_go_on || kept->environment != &env || kept->functions != functions ||
-                          kept->is_informed != informs(env) || problem.status == TVK_STATUS_NONE))
+                          problem.status == TVK_STATUS_NONE))
     kept = nullptr;
   std::unique_ptr<KeptSearch> made;
   if (kept == nullptr) {

@@ -124,8 +124,8 @@ SearchCallback* find_callback(const Environment& env, const void* cbdata) {
 
 Status SearchCallback::write(int item, void* result) {
   Environment& env = scene_.env;
-  Search& search = scene_.search();
-  const Global& global = search.global();
+  PresolvedSearch& search = scene_.whole;
+  const double incumbent = search.incumbent().objective;
   const LimitFrame* begin = env.limits.top();
   switch (item) {
     case TVK_CALLBACK_INFO_SECONDS:
@@ -133,7 +133,7 @@ Status SearchCallback::write(int item, void* result) {
     case TVK_CALLBACK_INFO_TICKS:
       return put(result, begin == nullptr ? 0.0 : static_cast<double>(env.work->ticks - begin->tick_begin));
     case TVK_CALLBACK_INFO_BEST_INTEGER:
-      return put(result, scene_.objective(global.incumbent_value));
+      return put(result, scene_.objective(incumbent));
     case TVK_CALLBACK_INFO_BEST_BOUND:
       return put(result, scene_.objective(search.progress().best_bound));
     case TVK_CALLBACK_INFO_NODE_COUNT:
@@ -143,15 +143,17 @@ Status SearchCallback::write(int item, void* result) {
     case TVK_CALLBACK_INFO_MIP_ITERATIONS:
       return put(result, search.progress().iterations);
     case TVK_CALLBACK_INFO_CUTOFF:
-      return put(result, scene_.objective(global.cutoff));
+      return put(result, scene_.objective(scene_.has_search() ? scene_.search().global().cutoff : incumbent));
     case TVK_CALLBACK_INFO_HAS_INCUMBENT:
-      return put(result, std::int64_t{global.has_incumbent()});
+      return put(result, std::int64_t{!std::isinf(incumbent)});
     case TVK_CALLBACK_INFO_GAP:
-      return put(result, relative_gap(global.incumbent_value, search.progress().best_bound));
+      return put(result, relative_gap(incumbent, search.progress().best_bound));
     case TVK_CALLBACK_INFO_SOLUTIONS:
       return put(result, search.progress().solutions);
     case TVK_CALLBACK_INFO_CUT_ROWS:
-      return put(result, static_cast<std::int64_t>(search.worker().cut_rows.size()));
+      return put(result, scene_.has_search()
+                             ? static_cast<std::int64_t>(scene_.search().worker().cut_rows.size())
+                             : 0);
     case TVK_CALLBACK_INFO_CURRENT_SEQUENCE:
       return node() == nullptr ? Status(TVK_ERROR_CALLBACK) : put(result, node()->id);
     case TVK_CALLBACK_INFO_CURRENT_DEPTH:

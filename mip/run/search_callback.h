@@ -21,14 +21,15 @@ namespace tovik::mip::run {
 struct CallbackScene {
   Environment& env;
   tovik::Problem& problem;
-  PresolvedSearch& presolved;
+  PresolvedSearch& whole;
   const SpaceMap& spaces;
   std::unique_ptr<tovik::Problem>& searched_problem;  // made when first asked for
   bool in_user_space;  // what callbacks say and hear; else it is the searched problem
 
+  /* That is running; there is one in every callback but those of solutions that come before it. */
+  Search& search() const { return whole.search(); }
+  bool has_search() const { return whole.has_search(); }
   double sign() const;  // of the caller's objective
-  /* Where anybody calls back there is no presolve, and the problem that is built is the one that is searched. */
-  Search& search() const { return presolved.search(); }
   int columns() const { return in_user_space ? spaces.user_columns() : spaces.searched_columns(); }
   /* A point of the search in the callbacks' space. */
   std::vector<double> point(std::span<const double> searched) const;

@@ -1,7 +1,8 @@
 /* The two spaces in which callbacks may speak: the caller's problem, and the one that is searched.
  *
- * - The searched problem has the caller's columns first, in their order, and behind them the slacks of indicator
- *   constraints, which the caller does not see.
+ * - Before presolve the search's problem has the caller's columns first, in their order, and behind them the slacks of
+ *   indicator constraints, which the caller does not see. Presolve, and each restart, makes another one of it.
+ * - Where there is presolve no single column is the same in both spaces: its bounds may speak of a merged one.
  * - Points, linear forms and single columns are carried from one to the other. Sizes are checked by nobody: a vector has as
  *   many entries as its space has columns. */
 #pragma once
@@ -9,34 +10,33 @@
 #include <span>
 #include <vector>
 
-namespace tovik::mip::run {
+#include "mip/search/presolved_search.h"
 
-/* sum of values[k] x[columns[k]] + constant */
-struct LinearForm {
-  std::vector<int> columns;
-  std::vector<double> values;
-  double constant = 0;
-};
+namespace tovik::mip::run {
 
 class SpaceMap {
  public:
-  SpaceMap(int user_columns, int searched_columns) : user_(user_columns), searched_(searched_columns) {}
+  /* given_columns: of the problem that the search was given. */
+  SpaceMap(int user_columns, int given_columns, const PresolvedSearch& search)
+      : user_(user_columns), given_(given_columns), search_(search) {}
 
   int user_columns() const { return user_; }
-  int searched_columns() const { return searched_; }
-  bool is_identity() const { return user_ == searched_; }
+  int searched_columns() const;
+  bool is_identity() const { return user_ == given_ && !search_.is_presolved(); }
   /* -1: not there. */
-  int searched_column(int user) const { return user; }
-  int user_column(int searched) const { return searched < user_ ? searched : -1; }
+  int searched_column(int user) const { return search_.is_presolved() ? -1 : user; }
+  /* The one that is left of it, or that it was merged into. */
+  int user_column(int searched) const;
 
   std::vector<double> user_point(std::span<const double> searched) const;
   /* Columns that the caller does not see are left at 0. */
   std::vector<double> searched_point(std::span<const double> user) const;
   /* A form in the caller's columns as one in those that are searched. */
-  LinearForm crush(LinearForm user) const { return user; }
+  LinearForm crush(LinearForm user) const { return user; }  // callbacks that state them switch presolve off
 
  private:
-  int user_, searched_;
+  int user_, given_;
+  const PresolvedSearch& search_;
 };
 
 }  // namespace tovik::mip::run

@@ -26,6 +26,7 @@ class PresolvedSearch : private Origin {
   /* Before run(). Null: none. Only without presolve. */
   void set_callbacks(SearchCallbacks* callbacks) { search_->set_callbacks(callbacks); }
   bool has_search() const { return search_ != nullptr; }
+  bool is_presolved() const { return settings_.presolve.on; }
   /* What is searched now; without presolve it is there from the beginning. */
   Search& search() { return *search_; }
 
@@ -38,6 +39,10 @@ class PresolvedSearch : private Origin {
   lp::simplex::Statistics relaxation_statistics() const;
   SearchStatistics statistics() const;
 
+  /* From the problem that is searched to the given one, and back. */
+  std::vector<double> expand(std::span<const double> x) const;
+  std::vector<double> crush(std::span<const double> x) const;
+
   /* Called after each presolve. */
   using Listener = std::function<void(const Presolved&)>;
   void set_listener(Listener listener) { listener_ = std::move(listener); }
@@ -48,8 +53,6 @@ class PresolvedSearch : private Origin {
   bool is_direct() const { return search_ != nullptr && stages_.empty(); }
   bool accept(std::span<const double> x, double cutoff, Solution* solution) override;
   std::int64_t iterations() const override { return judge_.iterations() - judged_; }
-  std::vector<double> expand(std::span<const double> x) const;
-  std::vector<double> crush(std::span<const double> x) const;
   /* One more stage; what ends the run, if anything does. */
   std::optional<Conclusion> presolve_once(const Problem& problem);
   Witness witness() const;

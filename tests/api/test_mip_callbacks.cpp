@@ -162,6 +162,7 @@ extern "C" int watch_search(ConstEnvHandle env, void* cbdata, int wherefrom, voi
 }
 
 TEST_F(MipCallbacks, InformationalCallbacksSeeTheSearchAndItsEnd) {
+  ASSERT_EQ(TVKsetintparam(env_, TVK_PARAM_MIPCBREDLP, 0), 0);
   for (const bool is_info : {false, true}) {
     ProbHandle lp = knapsacks(20, 4, 3);
     Watch watch;
