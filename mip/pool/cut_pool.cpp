@@ -7,7 +7,8 @@
 namespace tovik::mip {
 namespace {
 
-constexpr int kOldest = 10;  // rounds without violation
+constexpr int kOldest = 10;                    // rounds without violation
+constexpr std::int64_t kMostWork = 100000000;  // entries compared in one selection: some tenths of a second
 constexpr double kObjectiveWeight = 0.1, kIntegerWeight = 0.1;
 
 double norm_of(std::span<const double> values) {
@@ -98,7 +99,9 @@ std::vector<Cut> CutPool::select(std::span<const double> x, const SelectionRules
   std::vector<std::size_t> chosen;
   std::vector<double> stamp(x.size(), 0.0);
   std::vector<char> is_out(violated.size());
-  for (std::size_t a = 0; a < violated.size() && chosen.size() < static_cast<std::size_t>(rules.limit); ++a) {
+  const std::int64_t most_work = work_ + kMostWork;
+  const auto limit = static_cast<std::size_t>(rules.limit);
+  for (std::size_t a = 0; a < violated.size() && chosen.size() < limit && work_ < most_work; ++a) {
     if (is_out[a] != 0) continue;
     const Kept& best = cuts_[violated[a].at];
     chosen.push_back(violated[a].at);

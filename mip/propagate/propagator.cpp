@@ -7,16 +7,19 @@
 namespace tovik::mip {
 namespace {
 
-constexpr int kRounds = 100;  // looks a row; after that what has been found must do
+// After that what has been found must do: looks a row, and entries in all, some tenths of a second.
+constexpr int kRounds = 100;
+constexpr std::int64_t kMostEntries = 30000000;
 
 }  // namespace
 
 bool Propagator::run(Domain& domain) {
   std::int64_t looks = static_cast<std::int64_t>(kRounds) * (domain.problem().num_rows() + 1);
+  const std::int64_t most_work = work_ + kMostEntries;
   while (!domain.is_infeasible()) {
     if (seen_ < domain.position()) {
       objects_.propagate(domain, domain.trail()[seen_++].column);
-    } else if (domain.has_queued_row() && looks > 0) {
+    } else if (domain.has_queued_row() && looks > 0 && work_ < most_work) {
       --looks;
       const int row = domain.take_queued_row();
       work_ += static_cast<std::int64_t>(domain.row(row).columns.size());
