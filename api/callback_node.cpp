@@ -33,7 +33,7 @@ int TVKgetcallbacknodelp(ConstEnvHandle env, void* cbdata, int wherefrom, ProbHa
   if (nodelp_p != nullptr) *nodelp_p = nullptr;
   return api::with_context(env, cbdata, [&](Environment&, SearchCallback& callback) -> Status {
     if (!has_node_problem(wherefrom) || callback.wherefrom() != wherefrom) return TVK_ERROR_BAD_ARGUMENT;
-    if (callback.node() == nullptr) return TVK_ERROR_NOT_MIP;
+    if (!callback.node()) return TVK_ERROR_NOT_MIP;
     if (nodelp_p == nullptr) return TVK_ERROR_NULL_POINTER;
     Problem* problem = nullptr;
     if (const Status s = callback.node_problem(&problem); !s.ok()) return s;

@@ -68,7 +68,7 @@ class Audience : public Observer {
   void set(Informer* informer) { informer_ = informer; }
   void node(const NodeEvent& event) override {
     log_.node(event);
-    inform(TVK_CALLBACK_MIP);
+    if (!event.by_heuristic) inform(TVK_CALLBACK_MIP);  // of an incumbent solution() has told
   }
   void cuts(const CutCounts& added) override {
     log_.cuts(added);

@@ -65,9 +65,10 @@ SearchCallback::SearchCallback(const CallbackScene& scene, int wherefrom, const 
 
 SearchCallback::~SearchCallback() = default;
 
-const Node* SearchCallback::node() const {
+std::optional<Node> SearchCallback::node() const {
   const bool is_there = view_.sight != nullptr && view_.sight->slot >= 0;
-  return is_there ? &scene_.search().tree()[view_.sight->slot] : nullptr;
+  if (!is_there) return std::nullopt;
+  return scene_.search().tree()[view_.sight->slot];
 }
 
 const std::vector<int>& SearchCallback::nodes() {
@@ -155,9 +156,9 @@ Status SearchCallback::write(int item, void* result) {
                              ? static_cast<std::int64_t>(scene_.search().worker().cut_rows.size())
                              : 0);
     case TVK_CALLBACK_INFO_CURRENT_SEQUENCE:
-      return node() == nullptr ? Status(TVK_ERROR_CALLBACK) : put(result, node()->id);
+      return !node() ? Status(TVK_ERROR_CALLBACK) : put(result, node()->id);
     case TVK_CALLBACK_INFO_CURRENT_DEPTH:
-      return node() == nullptr ? Status(TVK_ERROR_CALLBACK) : put(result, std::int64_t{node()->depth});
+      return !node() ? Status(TVK_ERROR_CALLBACK) : put(result, std::int64_t{node()->depth});
     case TVK_CALLBACK_INFO_TREE_SIZE:
       return put(result, search.progress().tree_bytes / kMegabyte);
     default:

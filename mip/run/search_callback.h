@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -57,8 +58,8 @@ class SearchCallback : public RunningCallback {
   Status write(int item, void* result) override;
   const CallbackScene& scene() const { return scene_; }
   const CallbackView& view() const { return view_; }
-  /* The node that is being processed; null: none. */
-  const Node* node() const;
+  /* The node that is being processed. */
+  std::optional<Node> node() const;
   /* The nodes that nodeindex counts: those on offer; else the node that is being processed, then the open ones by age.
    * Made when first asked for. */
   const std::vector<int>& nodes();

@@ -32,14 +32,9 @@ std::optional<Conclusion> Search::process(int slot) {
   tree_.take(slot);
   in_process_ = slot;
   new_local_cuts_.clear();
-  NodeEvent event;
-  event.id = tree_[slot].id;
-  event.parent_id = tree_[slot].parent < 0 ? -1 : tree_[tree_[slot].parent].id;
-  event.depth = tree_[slot].depth;
+  NodeEvent event = event_of(slot);
   statistics_.largest_depth = std::max(statistics_.largest_depth, event.depth);
-  event.branch_column = tree_[slot].branch.column;
-  event.branch_direction = tree_[slot].branch.direction;
-  event.objective = tree_[slot].bound;
+  relaxation_was_taken_ = false;
   const NodeResult result = install(slot) ? work_on(slot, event) : NodeResult::infeasible;
   watch_node(slot, result);
   if (result == NodeResult::stopped || result == NodeResult::restart) {
@@ -59,7 +54,7 @@ std::optional<Conclusion> Search::process(int slot) {
   }
   if (result == NodeResult::undecided) undecided_bound_ = std::min(undecided_bound_, tree_[slot].bound);
   enter(Phase::tree);
-  report(slot, event, result);
+  report(event, result);
   in_process_ = -1;
   tell_deleted(slot);
   tree_.close(slot);
@@ -396,11 +391,24 @@ void Search::tell_work() {
   work_told_ = work;
 }
 
-void Search::report(int, NodeEvent& event, NodeResult result) {
+/* As it begins. */
+NodeEvent Search::event_of(int slot) const {
+  const Node node = tree_[slot];
+  NodeEvent event;
+  event.id = node.id;
+  event.parent_id = node.parent < 0 ? -1 : tree_[node.parent].id;
+  event.depth = node.depth;
+  event.branch_column = node.branch.column;
+  event.branch_direction = node.branch.direction;
+  event.objective = node.bound;
   event.nodes = nodes_;
   event.left = tree_.open();
-  event.new_incumbent = new_incumbent_;
-  event.by_heuristic = incumbent_is_heuristic_;
+  return event;
+}
+
+void Search::report(NodeEvent& event, NodeResult result) {
+  event.left = tree_.open();
+  event.new_incumbent = relaxation_was_taken_;
   switch (result) {
     case NodeResult::branched:
     case NodeResult::undecided:

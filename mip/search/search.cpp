@@ -65,9 +65,15 @@ std::optional<double> Search::take(Solution solution, const char* found_by) {
   set_incumbent(std::move(solution), point);
   ++solutions_;
   new_incumbent_ = true;
-  incumbent_is_heuristic_ = found_by != nullptr;
   record_incumbent(found_by);
   observer_.solution(incumbent_.objective, incumbent_.x);
+  if (found_by == nullptr) {
+    relaxation_was_taken_ = true;
+  } else if (in_process_ >= 0) {
+    NodeEvent event = event_of(in_process_);
+    event.new_incumbent = event.by_heuristic = true;
+    observer_.node(event);
+  }
   return incumbent_.objective;
 }
 
@@ -294,7 +300,7 @@ bool Search::install(int slot) {
   leave_path(common);
   Domain& domain = worker_.domain;
   for (std::size_t k = common; k < chain.size(); ++k) {
-    const Node& node = tree_[chain[k]];
+    const Node node = tree_[chain[k]];
     path_.push_back({node.id, domain.position()});
     for (const NodeChange& c : node.changes) {
       domain.tighten(c.column, c.side, c.value, {Reason::Kind::branching, c.column});
@@ -311,7 +317,7 @@ bool Search::install(int slot) {
     return !domain.is_infeasible();
   }
   const bool possible = worker_.propagate();
-  const BranchRecord& branch = tree_[slot].branch;
+  const BranchRecord branch = tree_[slot].branch;
   if (branch.column >= 0 && common + 1 == chain.size()) {
     global_.pseudo_costs.add_inference(branch.column, branch.direction, domain.position() - before);
   }

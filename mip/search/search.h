@@ -188,7 +188,8 @@ class Search {
   std::int64_t judges_iterations() const;
   Phase enter(Phase phase);
   void tell_work();
-  void report(int slot, NodeEvent& event, NodeResult result);
+  NodeEvent event_of(int slot) const;
+  void report(NodeEvent& event, NodeResult result);
 
   const Problem& problem_;
   MeteredControl control_;
@@ -237,8 +238,9 @@ class Search {
     bool asked_for_solution = false;
     bool any = false;  // has brought rows
   } rounds_;           // of separation at the node
-  bool started_ = false, new_incumbent_ = false, incumbent_is_heuristic_ = false;
-  std::int64_t work_told_ = 0;  // entries of propagation that the control knows of
+  bool started_ = false, new_incumbent_ = false;
+  bool relaxation_was_taken_ = false;  // the relaxation of the node in process is an incumbent
+  std::int64_t work_told_ = 0;         // entries of propagation that the control knows of
   lp::Stop stop_ = lp::Stop::none;
 };
 

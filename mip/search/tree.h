@@ -1,20 +1,24 @@
 /* The nodes of a search that are open or lead to open ones, each as what it adds to its parent.
  *
- * - Memory: a fixed part of about 100 bytes a node and 16 bytes a bound change beyond the first. A node lives until it and
- *   all below it are closed. Bases are shared by siblings and dropped, worst bounds first, when they outgrow their share.
- * - Queue: the open nodes by bound, and by estimate; of equal keys the newest first: it is deep, and near to
- *   where the search stands.
- *   Closed nodes leave the heaps when they reach the top.
+ * - Memory: 48 bytes a node, 80 more while it is open or in process, 16 a bound change beyond the first. A node lives until it
+ *   and all below it are closed, so an open node in a binary tree takes some 180 bytes with its share of the path. Bases are
+ *   shared by siblings and go when both were branched on or closed; who adds nodes limits them.
+ * - Queue: the open nodes by bound, and by estimate; of equal keys the newest first: it is deep, and near to where the search
+ *   stands. A node leaves both heaps where it stands.
  * - Errors: bad_alloc. */
 #pragma once
 
 #include <cstdint>
 #include <memory>
+#include <span>
+#include <utility>
 #include <vector>
 
 #include "lp/base/basis.h"
 #include "mip/branching/branch.h"
 #include "mip/pool/cut.h"
+#include "mip/search/node_heap.h"
+#include "mip/search/slot_pool.h"
 
 namespace tovik::mip {
 
@@ -32,19 +36,20 @@ struct StoredBasis {
   std::int64_t rows_version = 0;
 };
 
+/* A node as one sees it; it shows what the tree holds until that changes. Of a node that was branched on only id, parent,
+ * depth and changes are left. */
 struct Node {
-  std::int64_t id = -1;
-  double bound = -kInf;       // of the objective within the node
-  double estimate = -kInf;    // of its best solution
-  double relaxation = -kInf;  // objective of the parent's relaxation
-  int parent = -1;            // slot
-  int depth = 0;
-  int children = 0;  // that live
-  bool is_open = false;
+  std::int64_t id;
+  int parent;  // slot
+  int depth;
+  bool is_open;
+  std::span<const NodeChange> changes;
+  double bound;       // of the objective within the node
+  double estimate;    // of its best solution
+  double relaxation;  // objective of the parent's relaxation
   BranchRecord branch;
-  std::vector<NodeChange> changes;
-  std::shared_ptr<const StoredBasis> basis;  // of the parent's optimum; null: none
-  std::unique_ptr<NodeExtras> extras;        // null: none
+  const StoredBasis* basis;  // of the parent's optimum; null: none
+  const NodeExtras* extras;  // null: none; stay with a node that was branched on
 };
 
 struct NewNode {
@@ -61,22 +66,22 @@ class Tree {
  public:
   /* The slot of a new open node. */
   int add(NewNode node);
-  const Node& operator[](int slot) const { return nodes_[slot]; }
-  /* A better bound on an open node that is at hand. */
+  Node operator[](int slot) const;
+  /* A better bound on a node that is open or in process. */
   void raise_bound(int slot, double bound);
   /* The node leaves the queue, to be processed. It stays while it is neither closed nor has children. */
   void take(int slot);
   /* Puts a node that was taken back. */
   void put_back(int slot);
-  /* Nothing below it is left to do; drops what only led here. */
+  /* Nothing is left to do in it but in its children; drops what only led here. */
   void close(int slot);
 
-  bool is_open(int slot, std::int64_t id) const { return nodes_[slot].id == id && nodes_[slot].is_open; }
-  std::int64_t open() const { return open_; }
-  bool empty() const { return open_ == 0; }
-  double best_bound();    // of the open nodes; kInf: none
-  int best_bound_node();  // -1: none
-  int best_estimate_node();
+  bool is_open(int slot, std::int64_t id) const { return steps_[slot].id == id && steps_[slot].is_open; }
+  std::int64_t open() const { return by_bound_.size(); }
+  bool empty() const { return by_bound_.size() == 0; }
+  double best_bound() const;                                  // of the open nodes; kInf: none
+  int best_bound_node() const { return node_on(by_bound_); }  // -1: none
+  int best_estimate_node() const { return node_on(by_estimate_); }
   /* The open nodes whose bound is at least cutoff, ascending slots. */
   std::vector<int> nodes_beyond(double cutoff) const;
   /* Closes them; their number. */
@@ -90,26 +95,68 @@ class Tree {
   double bytes() const;
 
  private:
-  struct Entry {
-    double key;
-    std::int64_t id;
+  struct More {
+    std::vector<NodeChange> changes;  // all of them, where there is not just one
+    std::unique_ptr<NodeExtras> extras;
+  };
+  /* What is left of a node that was branched on: a step of the paths below. */
+  struct Step {
+    std::int64_t id = -1;
+    int parent = -1, depth = 0;
+    int waiting = -1;  // of an open node, or one in process
+    unsigned char children = 0;
+    bool is_open = false;
+    NodeChange change{-1, Side::lower, 0};  // column -1: none
+    std::unique_ptr<More> more;             // what few nodes have
+  };
+  struct Waiting {
+    double bound, estimate, relaxation;
+    BranchRecord branch;
+    std::shared_ptr<const StoredBasis> basis;
     int slot;
+    std::int64_t id;
+    int place_by_bound, place_by_estimate;
   };
-  struct Later {
-    bool operator()(const Entry& a, const Entry& b) const {
-      return a.key != b.key ? a.key > b.key : a.id < b.id;
-    }
-  };
-  using Key = double Node::*;
-  void push(int slot);
-  void release(int slot);
-  bool stands(const Entry& e, Key key) const;
-  const Entry* top(std::vector<Entry>& heap, Key key);
+  using ByBound = NodeHeap<Waiting, &Waiting::bound, &Waiting::place_by_bound>;
+  using ByEstimate = NodeHeap<Waiting, &Waiting::estimate, &Waiting::place_by_estimate>;
 
-  std::vector<Node> nodes_;
-  std::vector<int> free_;
-  std::vector<Entry> by_bound_, by_estimate_;
-  std::int64_t open_ = 0, next_id_ = 0, changes_ = 0;
+  template <class Heap>
+  int node_on(const Heap& heap) const {
+    return heap.size() == 0 ? -1 : waiting_[heap.top()].slot;
+  }
+  static More& more_of(Step& step);
+  void push(int waiting);
+  void drop_waiting(Step& step);
+  void release(int slot);
+
+  SlotPool<Step> steps_;
+  SlotPool<Waiting> waiting_;
+  ByBound by_bound_;
+  ByEstimate by_estimate_;
+  std::int64_t next_id_ = 0;
+  std::int64_t more_changes_ = 0;  // in all_changes
 };
+
+inline Node Tree::operator[](int slot) const {
+  const Step& step = steps_[slot];
+  Node node{};
+  node.id = step.id;
+  node.parent = step.parent;
+  node.depth = step.depth;
+  node.is_open = step.is_open;
+  if (step.change.column >= 0) node.changes = {&step.change, 1};
+  if (step.more != nullptr) {
+    if (step.change.column < 0) node.changes = step.more->changes;
+    node.extras = step.more->extras.get();
+  }
+  if (step.waiting < 0) return node;
+  const Waiting& waiting = waiting_[step.waiting];
+  node.bound = waiting.bound;
+  node.estimate = waiting.estimate;
+  node.relaxation = waiting.relaxation;
+  node.branch = waiting.branch;
+  node.basis = waiting.basis.get();
+  return node;
+}
 
 }  // namespace tovik::mip

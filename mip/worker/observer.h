@@ -11,7 +11,8 @@ namespace tovik::mip {
 
 enum class NodeEnd : unsigned char { fractional, integral, infeasible, cutoff };
 
-/* A node that was just processed; of the root also its first relaxation and the one after all cuts. */
+/* A node that was just processed; of the root also its first relaxation and the one after all cuts. A new incumbent of a
+ * heuristic has an event of its own, while its node is processed. */
 struct NodeEvent {
   NodeEnd end = NodeEnd::fractional;
   std::int64_t nodes = 0;  // processed before this one
