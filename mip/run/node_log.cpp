@@ -118,13 +118,11 @@ bool NodeLog::is_due(const NodeEvent& event) const {
 
 void NodeLog::node(const NodeEvent& event) {
   if (display() < 1) return;
-  const Progress progress = search_->progress();
   if (display() == 1) {
-    if (event.new_incumbent) brief_line(event, progress);
+    if (event.new_incumbent) brief_line(event, search_->progress());
     return;
   }
-  if (!is_due(event)) return;
-  row(event, progress);
+  if (is_due(event)) row(event, search_->progress());
 }
 
 void NodeLog::cuts(const CutCounts& added) {
