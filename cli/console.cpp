@@ -7,8 +7,11 @@ namespace tovik::cli {
 
 namespace {
 
-/* Lines of the short iteration log, in whose place the program has progress lines. */
+constexpr std::chrono::milliseconds kBlink{200};
+
+/* Lines of the short iteration log, in whose place the program has progress lines; not those of the node log. */
 bool tells_of_iterations(const std::string_view text) {
+  if (text.find("(tree size = ") != std::string_view::npos) return false;
   for (const char* head : {"\nIteration log", "Iteration: ", "Elapsed time = "}) {
     if (text.starts_with(head)) return true;
   }
@@ -62,6 +65,7 @@ void Console::print(const std::string& text) {
 void Console::progress(const std::string& text) {
   if (verbosity_ == Verbosity::full) show_held();
   log(text);
+  last_line_ = std::chrono::steady_clock::now();
 }
 
 void Console::print_error(const std::string& text) {
@@ -73,7 +77,7 @@ void Console::begin_model(const std::string& label) {
   first_error_.clear();
   presolve_seconds_.reset();
   held_.clear();
-  model_begin_ = std::chrono::steady_clock::now();
+  model_begin_ = last_line_ = std::chrono::steady_clock::now();
 }
 
 void Console::on_result(void* self, const char* text) {
@@ -89,7 +93,6 @@ void Console::on_result(void* self, const char* text) {
 }
 
 void Console::show_library_text(const char* text) {
-  constexpr std::chrono::milliseconds kBlink{200};
   if (patient_ && tells_of_iterations(text)) return;
   if (patient_ && std::chrono::steady_clock::now() - model_begin_ < kBlink) {
     held_ += text;
@@ -97,6 +100,17 @@ void Console::show_library_text(const char* text) {
   }
   show_held();
   std::fputs(text, stream_);
+  last_line_ = std::chrono::steady_clock::now();
+}
+
+double Console::seconds_without_line() const {
+  return std::chrono::duration<double>(std::chrono::steady_clock::now() - last_line_).count();
+}
+
+void Console::catch_up() {
+  if (held_.empty() || std::chrono::steady_clock::now() - model_begin_ < kBlink) return;
+  show_held();
+  last_line_ = std::chrono::steady_clock::now();
 }
 
 void Console::show_held() {

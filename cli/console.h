@@ -35,6 +35,10 @@ class Console {
   void print(const std::string& text);
   /* A line of the log while a model is solved: what waited is shown before it. */
   void progress(const std::string& text);
+  /* Shows what waited, when the model has turned out to take longer. */
+  void catch_up();
+  /* Since a line of the log was shown, or the model begun. */
+  double seconds_without_line() const;
   /* The program's own error line, in the log file too. */
   void print_error(const std::string& text);
 
@@ -78,7 +82,7 @@ class Console {
   bool printing_ = false, logging_ = false;
   bool patient_;      // lines of the library wait
   std::string held_;  // ... here
-  std::chrono::steady_clock::time_point model_begin_;
+  std::chrono::steady_clock::time_point model_begin_, last_line_;
   bool at_line_start_ = true;
   int silenced_ = 0;
 };

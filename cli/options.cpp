@@ -149,7 +149,8 @@ void describe_solve(CLI::App& app, Options& options) {
     app.add_option(option, file, meaning)->type_name("FILE");
   };
   add_file("--basis", options.basis_file, "Start from the basis in this file");
-  add_file("--start", options.start_file, "Start the mixed-integer search from this MIP start");
+  add_file("--start", options.start_file,
+           "Start the mixed-integer search from this MIP start or solution, complete or in part");
   add_file("--solution", options.solution_file,
            "Write the solution to this file (XML); - is standard output, and the log goes to standard error");
   app.add_flag("--exact", options.exact,

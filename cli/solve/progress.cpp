@@ -1,6 +1,7 @@
 #include "cli/solve/progress.h"
 
 #include <algorithm>
+#include <cmath>
 #include <optional>
 
 #include "cli/text.h"
@@ -10,7 +11,9 @@ namespace tovik::cli {
 namespace {
 
 constexpr double kFirst = 1.0, kLeastBetween = 2.0, kMostBetween = 60.0;  // seconds
+constexpr double kNoValue = 1e75;                                         // values from here on are none
 constexpr double kShareBetween = 0.1;                                     // of the time so far
+constexpr double kMostBetweenNodes = 3.0;  // of a search, without a line of its log
 constexpr int kInSimplex = 1, kInPresolve = 7;
 
 /* One callback's answers. */
@@ -56,21 +59,50 @@ std::string presolve_text(const Asked& asked) {
          counted(asked.count(TVK_CALLBACK_INFO_COLUMNS_REMOVED), "column") + " removed";
 }
 
+std::string search_text(const Asked& asked) {
+  const int nodes = asked.count(TVK_CALLBACK_INFO_NODE_COUNT);
+  std::string text = nodes == 0 ? "root node" : counted(nodes, "node");
+  if (nodes > 0) text += format(", %d left", asked.count(TVK_CALLBACK_INFO_NODES_LEFT));
+  text += format(", iteration %d", asked.count(TVK_CALLBACK_INFO_MIP_ITERATIONS));
+  const auto known = [&](const char* name, int item) {
+    const auto value = asked.number(item);
+    if (value && std::fabs(*value) < kNoValue) text += format(", %s %.9g", name, *value);
+  };
+  known("bound", TVK_CALLBACK_INFO_BEST_BOUND);
+  known("incumbent", TVK_CALLBACK_INFO_BEST_INTEGER);
+  return text;
+}
+
 }  // namespace
 
 ProgressLines::ProgressLines(const Environment& environment, Console& console)
     : environment_(environment), console_(console), next_(kFirst) {
   environment.check(TVKsetlpcallbackfunc(environment.handle(), on_call, this));
+  environment.check(TVKsetmipcallbackfunc(environment.handle(), on_search, this));
 }
 
 ProgressLines::~ProgressLines() {
   TVKsetlpcallbackfunc(environment_.handle(), nullptr, nullptr);
+  TVKsetmipcallbackfunc(environment_.handle(), nullptr, nullptr);
+}
+
+/* The node log tells how a search stands; lines of ours stand where it has nothing to say. */
+int ProgressLines::on_search(ConstEnvHandle env, void* cbdata, int wherefrom, void* self) {
+  auto& lines = *static_cast<ProgressLines*>(self);
+  lines.console_.catch_up();
+  if (lines.console_.seconds_without_line() < kMostBetweenNodes) return 0;
+  lines.console_.progress(format("%8.1f s  ", lines.seconds()) + search_text({env, cbdata, wherefrom}) +
+                          "\n");
+  return 0;
+}
+
+double ProgressLines::seconds() const {
+  return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin_).count();
 }
 
 int ProgressLines::on_call(ConstEnvHandle env, void* cbdata, int wherefrom, void* self) {
   auto& lines = *static_cast<ProgressLines*>(self);
-  const double seconds =
-      std::chrono::duration<double>(std::chrono::steady_clock::now() - lines.begin_).count();
+  const double seconds = lines.seconds();
   if (seconds >= lines.next_) lines.tell(env, cbdata, wherefrom, seconds);
   return 0;
 }

@@ -1,6 +1,8 @@
 /* Lines that tell how far a solve is: method, phase, objective and the infeasibility that is left. A solve of a second has
- * none; a longer one gets the first after a second and then one every two seconds, later every tenth of the time so far.
- * It hangs on the LP callback of the environment while it lives: what an application does, the program does. */
+ * none; a longer one gets the first after a second and then one every two seconds, later every tenth of the time so far. A
+ * mixed-integer search gets one, with nodes, bound and incumbent, when its log has shown nothing for three seconds.
+ * It hangs on the LP callback and the informational MIP callback of the environment while it lives: what an application
+ * does, the program does. */
 #pragma once
 
 #include <chrono>
@@ -19,6 +21,8 @@ class ProgressLines {
   ProgressLines& operator=(const ProgressLines&) = delete;
 
  private:
+  static int on_search(ConstEnvHandle env, void* cbdata, int wherefrom, void* self);
+  double seconds() const;
   static int on_call(ConstEnvHandle env, void* cbdata, int wherefrom, void* self);
   void tell(ConstEnvHandle env, void* cbdata, int wherefrom, double seconds);
 
