@@ -78,7 +78,7 @@ void AggregatedRounding::score_rows(const Worker& worker) {
 /* Of a continuous column from its nearest bound. */
 double AggregatedRounding::distance(const Worker& worker, int j) const {
   const std::span<const double> x = worker.relaxation->primal();
-  double far = std::min(x[j] - worker.domain.lower(j), worker.domain.upper(j) - x[j]);
+  double far = std::min(x[j] - worker.domain.global_lower(j), worker.domain.global_upper(j) - x[j]);
   if (substitution_ == Substitution::variable_bounds) {
     for (const VariableBound& b : worker.global.variable_bounds.lower(j))
       far = std::min(far, x[j] - b.at(x[b.binary]));

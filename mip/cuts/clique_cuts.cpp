@@ -64,7 +64,7 @@ Verdict CliqueCuts::call(Worker& worker, const Moment& moment) {
 void CliqueCuts::find_vertices(const Worker& worker, std::span<const double> x) {
   vertices_.clear();
   for (const int j : worker.global.integer_columns) {
-    if (!worker.domain.is_binary(j) || x[j] < kFractional || x[j] > 1 - kFractional) continue;
+    if (!worker.domain.is_binary_globally(j) || x[j] < kFractional || x[j] > 1 - kFractional) continue;
     for (const bool truth : {true, false}) {
       const Literal l = literal(j, truth);
       if (!worker.global.cliques.cliques_of(l).empty()) vertices_.push_back({l, truth ? x[j] : 1 - x[j]});

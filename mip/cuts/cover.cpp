@@ -78,12 +78,12 @@ bool CoverCuts::read_row(const Worker& worker, const RelaxationRow& row, double 
 bool CoverCuts::relax_column(const Worker& worker, int j, double a, std::span<const double> x,
                              lp::CompensatedSum& capacity) {
   const Domain& domain = worker.domain;
-  const double lower = domain.lower(j), upper = domain.upper(j);
+  const double lower = domain.global_lower(j), upper = domain.global_upper(j);
   if (lower == upper) {
     capacity.add_product(-a, lower);
     return true;
   }
-  if (domain.is_binary(j)) {
+  if (domain.is_binary_globally(j)) {
     listed_.push_back(j);
     value_[j] += a;
     return true;
@@ -93,7 +93,7 @@ bool CoverCuts::relax_column(const Worker& worker, int j, double a, std::span<co
   double at = a > 0 ? lower : upper;
   for (const VariableBound& b : a > 0 ? table.lower(j) : table.upper(j)) {
     const double v = b.at(x[b.binary]);
-    if (domain.is_fixed(b.binary) || (a > 0 ? v < at : v > at)) continue;
+    if (domain.is_fixed_globally(b.binary) || (a > 0 ? v < at : v > at)) continue;
     at = v;
     best = &b;
   }

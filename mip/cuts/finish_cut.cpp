@@ -31,8 +31,8 @@ class Finisher {
 
  private:
   bool is_integer(std::size_t k) const { return worker_.global.problem.is_integer[cut_.columns[k]] != 0; }
-  double lower(std::size_t k) const { return worker_.domain.lower(cut_.columns[k]); }
-  double upper(std::size_t k) const { return worker_.domain.upper(cut_.columns[k]); }
+  double lower(std::size_t k) const { return worker_.domain.global_lower(cut_.columns[k]); }
+  double upper(std::size_t k) const { return worker_.domain.global_upper(cut_.columns[k]); }
   void move_side(double a, double b) {
     side_.add_product(a, b);
     terms_ = std::max(terms_, std::fabs(a * b));

@@ -70,7 +70,7 @@ bool Rounding::shift(const RowSum& sum, double sign, std::span<const double> x) 
 
 /* To the bound nearest to its value; one that a binary column sets wins a tie. */
 bool Rounding::shift_continuous(int j, double a, std::span<const double> x, lp::CompensatedSum& side) {
-  const double lower = worker_.domain.lower(j), upper = worker_.domain.upper(j);
+  const double lower = worker_.domain.global_lower(j), upper = worker_.domain.global_upper(j);
   // Rounding noise on a column: its best bound stands for it.
   if (std::fabs(a) <= kZero * largest_) {
     const double at = a > 0 ? lower : upper;
@@ -90,7 +90,7 @@ bool Rounding::shift_continuous(int j, double a, std::span<const double> x, lp::
       for (const VariableBound& b : bounds) {
         const double far = std::max(0.0, is_upper ? b.at(x[b.binary]) - x[j] : x[j] - b.at(x[b.binary]));
         if (far > distance + kZero || (best != nullptr && far >= distance)) continue;
-        if (worker_.domain.is_fixed(b.binary)) continue;
+        if (worker_.domain.is_fixed_globally(b.binary)) continue;
         distance = far;
         best = &b;
         best_is_upper = is_upper;
@@ -116,7 +116,7 @@ bool Rounding::shift_continuous(int j, double a, std::span<const double> x, lp::
 
 bool Rounding::shift_integer(int j, double a, std::span<const double> x, lp::CompensatedSum& side) {
   if (a == 0) return true;
-  const double lower = worker_.domain.lower(j), upper = worker_.domain.upper(j);
+  const double lower = worker_.domain.global_lower(j), upper = worker_.domain.global_upper(j);
   if (std::isinf(lower) && std::isinf(upper)) return false;
   if (std::fabs(a) <= kZero * largest_) {
     const double at = a > 0 ? lower : upper;
@@ -244,11 +244,11 @@ bool Rounding::build(const RowSum& sum, double delta, Cut* cut) {
         break;
       }
       case At::lower:
-        side.add_product(c, worker_.domain.lower(t.column));
+        side.add_product(c, worker_.domain.global_lower(t.column));
         add(t.column, 1, c);
         break;
       case At::upper:
-        side.add_product(-c, worker_.domain.upper(t.column));
+        side.add_product(-c, worker_.domain.global_upper(t.column));
         add(t.column, 1, -c);
         break;
       case At::variable_lower:

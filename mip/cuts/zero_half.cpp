@@ -32,7 +32,8 @@ Verdict ZeroHalfCuts::call(Worker& worker, const Moment& moment) {
   found_.clear();
   distance_.assign(x.size(), 0.0);
   for (int j = 0; j < problem.num_columns(); ++j) {
-    distance_[j] = std::max(0.0, std::min(x[j] - worker.domain.lower(j), worker.domain.upper(j) - x[j]));
+    distance_[j] =
+        std::max(0.0, std::min(x[j] - worker.domain.global_lower(j), worker.domain.global_upper(j) - x[j]));
   }
   read_rows(worker);
   eliminate(worker, moment.budget);
@@ -67,7 +68,7 @@ bool ZeroHalfCuts::read_row(const Worker& worker, int i, ParityRow* row) const {
     const int j = r.columns[k];
     if (std::fabs(r.values[k]) > kLargestCoefficient) return false;
     if (!is_odd(r.values[k])) continue;
-    const double lower = worker.domain.lower(j), upper = worker.domain.upper(j);
+    const double lower = worker.domain.global_lower(j), upper = worker.domain.global_upper(j);
     if (std::isinf(distance_[j])) return false;
     odd_side = odd_side != is_odd(x[j] - lower <= upper - x[j] ? lower : upper);
     if (distance_[j] > kAtBound) row->odd.push_back(j);

@@ -20,6 +20,8 @@ Domain::Domain(const Problem& problem, const Tolerances& tolerances)
       rows_(lp::transpose(problem.lp.matrix)),
       lower_(problem.lp.lower),
       upper_(problem.lp.upper),
+      global_lower_(lower_),
+      global_upper_(upper_),
       last_lower_(lower_.size(), -1),
       last_upper_(upper_.size(), -1),
       least_(static_cast<std::size_t>(problem.num_rows())),
@@ -108,7 +110,11 @@ void Domain::backtrack(int to) {
 }
 
 void Domain::commit() {
-  for (const BoundMove& m : trail_) last_lower_[m.column] = last_upper_[m.column] = -1;
+  for (const BoundMove& m : trail_) {
+    last_lower_[m.column] = last_upper_[m.column] = -1;
+    global_lower_[m.column] = lower_[m.column];
+    global_upper_[m.column] = upper_[m.column];
+  }
   trail_.clear();
 }
 

@@ -61,6 +61,13 @@ class Domain {
   double lower(int j) const { return lower_[j]; }
   double upper(int j) const { return upper_[j]; }
   bool is_fixed(int j) const { return lower_[j] == upper_[j]; }
+  /* What held at the last commit(): everywhere in the search. */
+  double global_lower(int j) const { return global_lower_[j]; }
+  double global_upper(int j) const { return global_upper_[j]; }
+  bool is_fixed_globally(int j) const { return global_lower_[j] == global_upper_[j]; }
+  bool is_binary_globally(int j) const {
+    return problem_.is_integer[j] != 0 && global_lower_[j] >= 0 && global_upper_[j] <= 1;
+  }
   bool is_binary(int j) const { return problem_.is_integer[j] != 0 && lower_[j] >= 0 && upper_[j] <= 1; }
   bool is_infeasible() const { return infeasible_; }
 
@@ -106,7 +113,7 @@ class Domain {
   const Problem& problem_;
   Tolerances tolerances_;
   lp::Matrix rows_;  // row-wise copy
-  std::vector<double> lower_, upper_;
+  std::vector<double> lower_, upper_, global_lower_, global_upper_;
   std::vector<int> last_lower_, last_upper_;  // positions on the trail, -1: none
   std::vector<BoundMove> trail_;
   std::vector<ActivityBound> least_, largest_;

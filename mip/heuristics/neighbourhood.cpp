@@ -16,16 +16,10 @@ constexpr std::int64_t kStrongIterations = 500;
 
 /* The bounds that hold in the whole tree, on a domain of their own. */
 void take_global_bounds(const Domain& from, Domain& to) {
-  const std::span<const double> lower = from.lower(), upper = from.upper();
-  std::vector<double> below(lower.begin(), lower.end()), above(upper.begin(), upper.end());
-  const std::span<const BoundMove> trail = from.trail();
-  for (std::size_t k = trail.size(); k-- > 0;) {
-    (trail[k].side == Side::lower ? below : above)[trail[k].column] = trail[k].before;
-  }
-  for (int j = 0; j < static_cast<int>(below.size()); ++j) {
+  for (int j = 0; j < from.problem().num_columns(); ++j) {
     const Reason reason{Reason::Kind::known, j};
-    to.tighten(j, Side::lower, below[j], reason);
-    to.tighten(j, Side::upper, above[j], reason);
+    to.tighten(j, Side::lower, from.global_lower(j), reason);
+    to.tighten(j, Side::upper, from.global_upper(j), reason);
   }
 }
 
@@ -41,6 +35,7 @@ Settings settings_of_sub_search(const Global& global, const Moment& moment) {
   s.witness = {};
   s.heuristics.neighbourhood_interval = -1;
   if (s.cuts.root_rounds == 0) s.cuts.root_rounds = kCutRounds;
+  s.cuts.in_tree = -1;
   return s;
 }
 

@@ -266,9 +266,11 @@ int Search::next_of_plunge() {
 
 /* The child of the plunge, else the queue's best. Nodes within the gap only hold the bound up. */
 int Search::pick() {
+  from_queue_ = false;
   const int child = std::exchange(next_child_, -1);
   if (child >= 0 && tree_.is_open(child, next_child_id_) && !gap_is_closed(tree_[child].bound)) return child;
   if (const int left = next_of_plunge(); left >= 0) return left;
+  from_queue_ = true;
   const Settings& settings = global_.settings;
   const bool by_bound = settings.node_rule == NodeRule::best_bound ||
                         (settings.best_bound_interval > 0 && settings.node_rule != NodeRule::depth_first &&
@@ -285,6 +287,24 @@ void Search::leave_path(std::size_t steps) {
   if (path_.size() <= steps) return;
   worker_.backtrack(path_[steps].begin);
   path_.resize(steps);
+}
+
+/* Rows of cuts that have come since are basic; what belonged to those that have gone is left out. */
+void Search::load_basis(const StoredBasis& node) {
+  const std::shared_ptr<const std::vector<std::int64_t>> now = separation_.row_numbers();
+  if (node.cut_rows == now) {
+    worker_.relaxation->set_basis(node.basis);
+    return;
+  }
+  const auto rows = static_cast<std::ptrdiff_t>(problem_.num_rows());
+  std::vector<lp::BasisStatus> status(node.basis.rows.begin(), node.basis.rows.begin() + rows);
+  std::size_t k = 0;  // both lists ascend
+  for (const std::int64_t number : *now) {
+    while (k < node.cut_rows->size() && (*node.cut_rows)[k] < number) ++k;
+    const bool known = k < node.cut_rows->size() && (*node.cut_rows)[k] == number;
+    status.push_back(known ? node.basis.rows[static_cast<std::size_t>(rows) + k] : lp::BasisStatus::basic);
+  }
+  worker_.relaxation->set_basis(node.basis.columns, status);
 }
 
 /* Brings the domain to the node: back to the common ancestor, forward along its path, then propagation. False when the node
@@ -308,8 +328,7 @@ bool Search::install(int slot) {
   }
   if (local_rows_made_ > 0) bring_rows(chain);
   if (is_jump && tree_[slot].basis != nullptr) {
-    const StoredBasis& stored = *tree_[slot].basis;
-    if (stored.rows_version == separation_.rows_version()) worker_.relaxation->set_basis(stored.basis);
+    load_basis(*tree_[slot].basis);
   }
   const int before = domain.position();
   if (!global_.settings.propagate) {

@@ -176,6 +176,9 @@ class Search {
   bool wants_restart(int slot) const;
   void watch_cuts(int count) const;
   void watch_node(int slot, NodeResult result) const;
+  bool separate_in_tree(int slot, double objective);
+  bool is_worthwhile(double gain, double from) const;
+  void load_basis(const StoredBasis& basis);
   bool try_heuristics(int slot, bool before_cuts);
   double estimate(const Shortfall& shortfall, double objective) const;
   /* The value of the new incumbent that comes of the point; none: nothing comes of it. found_by: null for the relaxation of a
@@ -233,11 +236,17 @@ class Search {
   Shortfall shortfall_;                     // of x_; kept where the caller takes part
   struct {
     int round = 0, stalled = 0;
-    double objective = -kInf;  // before the last round
+    double objective = -kInf;        // before the last round
+    double first_objective = -kInf;  // before the first, in the tree
     bool tried_heuristics = false;
     bool asked_for_solution = false;
     bool any = false;  // has brought rows
   } rounds_;           // of separation at the node
+  struct {
+    int failures = 0, waits = 0;  // nodes from the queue
+    std::int64_t work = 0;
+  } tree_cuts_;
+  bool from_queue_ = false;  // the node in process was not reached by a plunge
   bool started_ = false, new_incumbent_ = false;
   bool relaxation_was_taken_ = false;  // the relaxation of the node in process is an incumbent
   std::int64_t work_told_ = 0;         // entries of propagation that the control knows of

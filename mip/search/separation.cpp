@@ -102,9 +102,15 @@ void Separation::add_rows(Worker& worker, std::vector<Cut>& cuts) {
     ++counts_[static_cast<std::size_t>(cut.kind)];
   }
   worker.relaxation->add_rows(block);
-  ++rows_version_;
   slack_for_.insert(slack_for_.end(), cuts.size(), 0);
+  for (std::size_t k = 0; k < cuts.size(); ++k) numbers_.push_back(next_number_++);
+  told_numbers_.reset();
   for (Cut& cut : cuts) worker.cut_rows.push_back(std::move(cut));
+}
+
+std::shared_ptr<const std::vector<std::int64_t>> Separation::row_numbers() {
+  if (told_numbers_ == nullptr) told_numbers_ = std::make_shared<const std::vector<std::int64_t>>(numbers_);
+  return told_numbers_;
 }
 
 bool Separation::drop_slack_rows(Worker& worker, bool at_once) {
@@ -131,13 +137,15 @@ bool Separation::drop_slack_rows(Worker& worker, bool at_once) {
 void Separation::delete_rows(Worker& worker, const std::vector<int>& rows) {
   const int first = global_.problem.num_rows();
   worker.relaxation->delete_rows(rows);
-  ++rows_version_;
   for (const int row : rows) {
     slack_for_[row - first] = -1;
+    numbers_[row - first] = -1;
     worker.cut_rows[row - first].columns.clear();
   }
   std::erase_if(worker.cut_rows, [](const Cut& cut) { return cut.columns.empty(); });
   std::erase(slack_for_, -1);
+  std::erase(numbers_, -1);
+  told_numbers_.reset();
 }
 
 std::vector<PluginCounts> Separation::plugin_counts() const {

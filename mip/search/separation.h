@@ -32,12 +32,15 @@ class Separation {
   /* Rows of the caller that left for being slack, since the last call. */
   std::vector<Cut> take_left() { return std::exchange(left_, {}); }
   /* Changes with the rows. */
-  std::int64_t rows_version() const { return rows_version_; }
   /* Cuts by class since the last call. */
   CutCounts take_counts();
   /* Of all rounds: by separator, and the cuts that became rows. */
   std::vector<PluginCounts> plugin_counts() const;
   const CutCounts& all_counts() const { return all_counts_; }
+  /* Of the cut rows, in their order, numbers that none had before; one object while the rows stay. */
+  std::shared_ptr<const std::vector<std::int64_t>> row_numbers();
+  /* Entries touched so far. */
+  std::int64_t work() const { return work_told_; }
   int rows() const { return static_cast<int>(slack_for_.size()); }
 
  private:
@@ -58,11 +61,14 @@ class Separation {
   const Global& global_;
   std::vector<Separator> separators_;
   CutPool pool_;
-  std::vector<int> slack_for_;      // by cut row: solves since it was tight
+  std::vector<int> slack_for_;         // by cut row: solves since it was tight
+  std::vector<std::int64_t> numbers_;  // by cut row, ascending
+  std::int64_t next_number_ = 0;
+  std::shared_ptr<const std::vector<std::int64_t>> told_numbers_;  // null: not of the present rows
   std::vector<double> objectives_;  // of the relaxation before each round at this node
   CutCounts counts_{};              // since they were last asked for
   CutCounts all_counts_{};
-  std::int64_t work_told_ = 0, rows_version_ = 0;
+  std::int64_t work_told_ = 0;
   std::vector<Cut> left_;
 };
 

@@ -30,10 +30,10 @@ struct NodeExtras {
   double infeasibility_sum = 0;
 };
 
-/* Fits a relaxation with the same rows. */
+/* Where the rows of the basis stand: behind the problem's rows those of cuts, by their numbers. */
 struct StoredBasis {
   lp::Basis basis;
-  std::int64_t rows_version = 0;
+  std::shared_ptr<const std::vector<std::int64_t>> cut_rows;
 };
 
 /* A node as one sees it; it shows what the tree holds until that changes. Of a node that was branched on only id, parent,

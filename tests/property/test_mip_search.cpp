@@ -88,7 +88,7 @@ TEST(MipSearch, AgreesWithEnumerationWhateverIsSwitchedOff) {
         kAllPresolveRules & ~rule_bit(static_cast<PresolveRule>(maker.random().below(kPresolveRules)));
     settings.presolve.restarts = maker.random().pick(-1, 3);
     settings.presolve.probing = maker.random().pick(-1, 3);
-    switch (k % 9) {
+    switch (k % 10) {
       case 0:
         settings.propagate = false;
         break;
@@ -114,6 +114,11 @@ TEST(MipSearch, AgreesWithEnumerationWhateverIsSwitchedOff) {
         break;
       case 7:
         settings.heuristics.diving = settings.heuristics.improvement = false;
+        break;
+      case 8:
+        settings.cuts.in_tree = 1;
+        settings.cuts.root_rounds = 1;
+        settings.heuristics.interval = settings.heuristics.neighbourhood_interval = -1;
         break;
       default:
         settings.first_direction = maker.random().pick(-1, 1);
