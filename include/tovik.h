@@ -915,8 +915,14 @@ TVK_API int TVKgetprobtype(ConstEnvHandle env, ConstProbHandle lp);
  * of 'C'; a quadratic objective to 5, 7, 10, 11; quadratic constraints to 10 and 11. Columns of type 'S' and 'N', which may be
  * 0 whatever their bounds, become continuous ones whose bounds admit 0. Each change discards the solution and
  * the basis; asking for the present type changes nothing. While TVK_PARAM_DATACHECK is 1 a line on the warning channel
- * tells which data are freed. Errors: 3, 8 and 13 need a mixed-integer problem of the matching kind with a solution:
- * 1024, 1029, 9019; 1022 for any other number. */
+ * tells which data are freed.
+ *
+ * 3, 8 and 13 fix a mixed-integer problem of the matching kind at its solution, for the duals, the basis and the ranges of what
+ * is left: integer columns and semi-continuous ones and members of sets that are 0 stand at their values, lazy constraints and
+ * active indicator constraints stand as rows behind the others (TVKgetnumrows counts them). TVKlpopt and its kin solve it.
+ * Going back to 1, 7 or 11 brings back rows and bounds; 0, 5 and 10 make a continuous problem of it that can be modified.
+ * Asking for the fixed type again discards what was solved since. Errors: 1024, 1029, 9019 not of the matching kind, or no
+ * solution; 1012; 1022 for any other number. */
 TVK_API int TVKchgprobtype(ConstEnvHandle env, ProbHandle lp, int type);
 
 /* Sets to zero each objective coefficient, right-hand side, range value, bound and matrix coefficient with an absolute

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "include/tovik.h"
+#include "model/routines/fixed_problem.h"
 #include "model/routines/type_change.h"
 #include "model/store/model.h"
 
@@ -15,6 +16,7 @@ Status clone_problem(Environment& env, Problem& source, std::unique_ptr<Problem>
   copy->type = source.type;
   copy->model = std::make_unique<Model>(*source.model);
   copy->protected_columns = source.protected_columns;
+  copy->mip = copy_of_fixing(source);
   return 0;
 }
 

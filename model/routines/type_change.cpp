@@ -5,6 +5,7 @@
 #include <span>
 #include <utility>
 
+#include "model/routines/fixed_problem.h"
 #include "model/store/model.h"
 #include "model/store/problem_type.h"
 
@@ -26,20 +27,6 @@ constexpr Target kTargets[] = {
     {TVK_PROBTYPE_MIQCP, 0},
 };
 
-/* A fixed problem is built from an incumbent, and no optimizer leaves one yet. */
-int refusal(int type) {
-  switch (type) {
-    case TVK_PROBTYPE_FIXED_MILP:
-      return TVK_ERROR_NOT_MILP;
-    case TVK_PROBTYPE_FIXED_MIQP:
-      return TVK_ERROR_NOT_MIQP;
-    case TVK_PROBTYPE_FIXED_MIQCP:
-      return TVK_ERROR_NOT_MIQCP;
-    default:
-      return TVK_ERROR_PROBLEM_TYPE;
-  }
-}
-
 /* A semi-continuous column may be 0 whatever its bounds: so may it without its type. */
 void admit_zero(Model& model) noexcept {
   const std::span<const char> types = model.column_types();  // empty for continuous problems
@@ -51,10 +38,11 @@ void admit_zero(Model& model) noexcept {
   }
 }
 
-void free_data(Model& model, unsigned kinds) noexcept {
+void free_data(Problem& problem, unsigned kinds) noexcept {
+  Model& model = *problem.model;
   Families& families = model.change_families();
   if ((kinds & kMixedIntegerData) != 0) {
-    admit_zero(model);
+    if (!problem.fixed()) admit_zero(model);  // a fixed one has decided which of them are 0
     model.set_column_types({});
     families.clear_mixed_integer();
   }
@@ -84,10 +72,12 @@ Status change_problem_type(Environment& env, Problem& problem, int type) {
   if (type == problem.type && !problem.fixed()) return {};
   const auto* const target = std::find_if(std::begin(kTargets), std::end(kTargets),
                                           [type](const Target& t) { return t.type == type; });
-  if (target == std::end(kTargets)) return refusal(type);
+  if (target == std::end(kTargets))
+    return type_before_fixing(type) >= 0 ? fix_problem(env, problem, type) : Status(TVK_ERROR_PROBLEM_TYPE);
   MixedInteger with_types(problem);
+  if (is_mixed_integer(type)) restore_model(problem);  // what is continuous stays fixed
   announce_freeing(env, problem, target->freed);
-  free_data(*problem.model, target->freed);
+  free_data(problem, target->freed);
   if (is_mixed_integer(type)) with_types.commit();
   problem.type = type;
   invalidate(problem, Change::problem_type);
