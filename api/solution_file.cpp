@@ -7,6 +7,7 @@
 #include "fileio/xml/problem_solution.h"
 #include "lp/basis_query/quality_report.h"
 #include "lp/run/start_basis.h"
+#include "mip/run/mip_run.h"
 
 using namespace tovik;
 using namespace tovik::fileio;
@@ -19,6 +20,8 @@ Status write_solution(Environment& env, Problem& problem, const char* name, bool
   SolutionReport report;
   if (const Status status = describe_solution(env, problem, report); !status.ok()) return status;
   report.all_digits = all_digits;
+  if (const mip::run::SearchResult* search = mip::run::search_result(problem); search != nullptr)
+    report.nodes = search->nodes;
   report.quality = lp::run::quality_report(env, problem, {report.type != 3, report.type == 1});
   return write_solution_file(env, problem, report, name);
 }

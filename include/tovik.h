@@ -1107,7 +1107,7 @@ TVK_API int TVKgetticks(ConstEnvHandle env, ConstProbHandle lp, double *ticks_p)
 #define TVK_PARAM_PERFVAR_MEASURE        1123 /* int 0, 0 to 1; stored only */
 /* Mixed-integer optimizer: 2000-2139 */
 #define TVK_PARAM_BRDIR                  2001 /* int 0, -1 to 1 */
-#define TVK_PARAM_BTTOL                  2002 /* double 0.9999, 0 to 1; stored only */
+#define TVK_PARAM_BTTOL                  2002 /* double 0.9999, 0 to 1 */
 #define TVK_PARAM_CLIQUES                2003 /* int 0, -1 to 3 */
 #define TVK_PARAM_COEREDIND              2004 /* int 2, 0 to 2 */
 #define TVK_PARAM_COVERS                 2005 /* int 0, -1 to 3 */
@@ -1125,13 +1125,13 @@ TVK_API int TVKgetticks(ConstEnvHandle env, ConstProbHandle lp, double *ticks_p)
 #define TVK_PARAM_OBJDIF                 2019 /* double 0, any */
 #define TVK_PARAM_MIPORDIND              2020 /* int 1, 0 to 1 */
 #define TVK_PARAM_RELOBJDIF              2022 /* double 0, 0 to 1 */
-#define TVK_PARAM_STARTALG               2025 /* int 0, 0 to 6; stored only */
+#define TVK_PARAM_STARTALG               2025 /* int 0, 0 to 6 */
 #define TVK_PARAM_SUBALG                 2026 /* int 0, 0 to 5; stored only */
 #define TVK_PARAM_TRELIM                 2027 /* double 1e75, 0 to 1e75 */
 #define TVK_PARAM_VARSEL                 2028 /* int 0, -1 to 4 */
 #define TVK_PARAM_BNDSTRENIND            2029 /* int -1, -1 to 1 */
 #define TVK_PARAM_HEURFREQ               2031 /* int 0, -1 to 2100000000 */
-#define TVK_PARAM_MIPORDTYPE             2032 /* int 0, 0 to 3; stored only */
+#define TVK_PARAM_MIPORDTYPE             2032 /* int 0, 0 to 3 */
 #define TVK_PARAM_CUTSFACTOR             2033 /* double 4, 0 to 1e75 */
 #define TVK_PARAM_RELAXPREIND            2034 /* int -1, -1 to 1; stored only */
 #define TVK_PARAM_PRESLVND               2037 /* int 0, -1 to 2; stored only */
@@ -1151,7 +1151,7 @@ TVK_API int TVKgetticks(ConstEnvHandle env, ConstProbHandle lp, double *ticks_p)
 #define TVK_PARAM_AGGCUTLIM              2054 /* int 3, 0 to 2100000000; stored only */
 #define TVK_PARAM_MIPCBREDLP             2055 /* int 1, 0 to 1 */
 #define TVK_PARAM_CUTPASS                2056 /* int 0, -1 to 2100000000 */
-#define TVK_PARAM_MIPEMPHASIS            2058 /* int 0, 0 to 4; stored only */
+#define TVK_PARAM_MIPEMPHASIS            2058 /* int 0, 0 to 4 */
 #define TVK_PARAM_SYMMETRY               2059 /* int -1, -1 to 5; stored only */
 #define TVK_PARAM_DIVETYPE               2060 /* int 0, 0 to 3 */
 #define TVK_PARAM_RINSHEUR               2061 /* int 0, -1 to 2100000000 */
@@ -1160,9 +1160,9 @@ TVK_API int TVKgetticks(ConstEnvHandle env, ConstProbHandle lp, double *ticks_p)
 #define TVK_PARAM_REPEATPRESOLVE         2064 /* int -1, -1 to 3 */
 #define TVK_PARAM_PROBETIME              2065 /* double 1e75, 0 to 1e75; stored only */
 #define TVK_PARAM_POLISHTIME             2066 /* double 0, 0 to 1e75; stored only */
-#define TVK_PARAM_REPAIRTRIES            2067 /* int 0, -1 to 2100000000; stored only */
+#define TVK_PARAM_REPAIRTRIES            2067 /* int 0, -1 to 2100000000 */
 #define TVK_PARAM_EPRELAX                2073 /* double 1e-6, 0 to 1e20; stored only */
-#define TVK_PARAM_FPHEUR                 2098 /* int 0, -1 to 2; stored only */
+#define TVK_PARAM_FPHEUR                 2098 /* int 0, -1 to 2 */
 #define TVK_PARAM_EACHCUTLIM             2102 /* int 2100000000, 0 to 2100000000 */
 #define TVK_PARAM_SOLNPOOLCAPACITY       2103 /* int 2100000000, 0 to 2100000000; stored only */
 #define TVK_PARAM_SOLNPOOLREPLACE        2104 /* int 0, 0 to 2; stored only */
@@ -1546,7 +1546,8 @@ TVK_API int TVKgetlazyconstraintindex(ConstEnvHandle env, ConstProbHandle lp, co
 
 /* ---- Priority order: which columns the search should branch on first ----
  * Order and MIP starts guide the search of a mixed-integer problem (else 3003) and are no part of what it states: changing
- * them keeps the solution. Columns that are deleted leave them. */
+ * them keeps the solution. Columns that are deleted leave them. Where a problem has no order TVK_PARAM_MIPORDTYPE may
+ * generate one for a search; with TVK_PARAM_MIPORDIND 0 there is none at all. */
 
 /* Replaces the order by cnt columns (0: none). Larger priorities come first; direction -1 down, 1 up, 0 no preference.
  * priority and direction may be null (all 0). With TVK_PARAM_DATACHECK 1: 3006 a negative priority, 3007 another
@@ -1559,7 +1560,13 @@ TVK_API int TVKgetorder(ConstEnvHandle env, ConstProbHandle lp, int *cnt_p, int 
 
 /* ---- MIP starts: points, whole or in part, to start the search from ---- */
 
-/* Effort levels: what to do with a start. -1 and 0 leave it to the optimizer. */
+/* Effort levels: what TVKmipopt does with a start. Discrete are integer columns, semi-continuous ones, members of sets; values of
+ * integer columns that are no integers count as not given.
+ * AUTO (-1 too)  CHECKFEAS for a start with all values that holds, else SOLVEMIP
+ * CHECKFEAS      a point with all values that holds within the tolerances, as it is
+ * SOLVEFIXED     all discrete columns must be given; the others are found by an LP
+ * SOLVEMIP       the discrete columns that are given are fixed, the others are searched for (TVK_PARAM_SUBMIPNODELIM)
+ * REPAIR         SOLVEMIP; what makes it infeasible is freed, as often as TVK_PARAM_REPAIRTRIES says */
 #define TVK_MIPSTART_AUTO 0
 #define TVK_MIPSTART_CHECKFEAS 1
 #define TVK_MIPSTART_SOLVEFIXED 2
@@ -2019,7 +2026,10 @@ TVK_API int TVKsiftopt(ConstEnvHandle env, ProbHandle lp);
  * or, in relation to its value, TVK_PARAM_EPGAP. What a solution holds: integer columns are whole, rows and bounds hold
  * within TVK_PARAM_EPRHS, whatever presolve or scaling did.
  *
- * The solution of an earlier call and complete MIP starts are tried first. Errors: 1225, 1233 data that are no numbers; 1001. */
+ * The solution of an earlier call, as far as its columns are still there, and MIP starts are tried first, and new starts when a
+ * search goes on. With TVK_PARAM_ADVIND 0 neither the tree nor the solution of an earlier call is used.
+ * User cuts become rows of the relaxation where they are violated; what they cut off may be left out of the search, but no
+ * solution that is found otherwise is refused for them. Errors: 1225, 1233 data that are no numbers; 1001. */
 TVK_API int TVKmipopt(ConstEnvHandle env, ProbHandle lp);
 
 /* Of the last TVKmipopt, while its status stands (1217 else): the bound on every solution's objective, +-1e75 while there is
@@ -2209,9 +2219,12 @@ TVK_API int TVKgetsensobjval(ConstEnvHandle env, ConstProbHandle lp, int what, i
 #define TVK_QUALITY_MAX_SLACK 13
 #define TVK_QUALITY_MAX_RED_COST 14
 #define TVK_QUALITY_KAPPA 15              /* estimated condition number of the scaled basis */
+#define TVK_QUALITY_MAX_INT_INFEAS 16     /* distance of integer columns from whole numbers; 0 without types */
+#define TVK_QUALITY_SUM_INT_INFEAS 17
 
 /* *value_p: the measure `what`; *index_p (may be null): where a largest one stands, column j or -i-1 for row i; -1 for sums
- * and when there is none. Errors: 1004, 1003 unknown measure, 1217 no solution, 1232 no dual values; kappa: 1262, 1256. */
+ * and when there is none. Errors: 1004, 1003 unknown measure, 1217 no solution, 1232 no dual values, 1017 dual values of a
+ * mixed-integer problem; kappa: 1262, 1256. */
 TVK_API int TVKgetquality(ConstEnvHandle env, ConstProbHandle lp, int what, double *value_p, int *index_p);
 
 /* ---- User-requested pivots ---- */

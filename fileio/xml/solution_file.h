@@ -6,6 +6,7 @@
  * is left out; its index tells. */
 #pragma once
 
+#include <cstdint>
 #include <span>
 #include <string>
 #include <utility>
@@ -24,8 +25,9 @@ enum class WriteLevel { all = 1, discrete = 2, nonzero = 3, discrete_nonzero = 4
 struct SolutionReport {
   const Solution* solution;
   bool mixed_integer = false;
-  int type = 0;    // 1 basic, 2 primal and dual values, 3 primal values
-  int status = 0;  // solution status (TVK_STATUS_...) and its text
+  int type = 0;            // 1 basic, 2 primal and dual values, 3 primal values
+  int status = 0;          // solution status (TVK_STATUS_...) and its text
+  std::int64_t nodes = 0;  // of a mixed-integer search
   std::string status_text;
   std::span<const int> column_status, row_status;       // empty without a basis
   std::vector<std::pair<const char*, double>> quality;  // names and values, in their order

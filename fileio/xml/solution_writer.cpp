@@ -1,3 +1,5 @@
+#include <algorithm>
+#include <climits>
 #include <cmath>
 #include <limits>
 
@@ -103,6 +105,7 @@ void Writer::write_header(const SolutionReport& report) {
   xml_.attribute("primalFeasible", solution.primal_feasible ? 1 : 0);
   xml_.attribute("dualFeasible", solution.dual_feasible ? 1 : 0);
   if (report.mixed_integer) {
+    xml_.attribute("MIPNodes", static_cast<int>(std::min<std::int64_t>(report.nodes, INT_MAX)));
     xml_.attribute("MIPIterations", solution.iterations);
   } else {
     const bool barrier = solution.method == method_code::kBarrier;

@@ -2,11 +2,13 @@
 
 #include <algorithm>
 #include <cmath>
+#include <span>
 #include <vector>
 
 #include "env/solution_access.h"
 #include "include/tovik.h"
 #include "lp/base/sum.h"
+#include "lp/basis_query/infeasibility.h"
 #include "lp/binding/build_lp.h"
 #include "lp/run/basis_view.h"
 #include "lp/verify/point.h"
@@ -55,13 +57,20 @@ std::vector<double> activities(const Data& data) {
 void primal_infeasibility(const Data& data, Gather& gather) {
   const std::vector<double> activity = activities(data);
   for (int j = 0; j < data.model.num_columns(); ++j) {
-    gather.add(verify::outside(data.solution.x[j], stored_lower(data.model.lower()[j]),
-                               stored_upper(data.model.upper()[j])),
-               j);
+    gather.add(column_violation(data.model, j, data.solution.x[static_cast<std::size_t>(j)]), j);
   }
   for (int i = 0; i < data.model.num_rows(); ++i) {
     const verify::Limits b = row_bounds(data.model.sense()[i], data.model.rhs()[i], data.model.range()[i]);
     gather.add(verify::outside(activity[i], b.lower, b.upper), -i - 1);
+  }
+}
+
+void integer_infeasibility(const Data& data, Gather& gather) {
+  const std::span<const char> types = data.model.column_types();
+  for (std::size_t j = 0; j < types.size(); ++j) {
+    const double x = data.solution.x[j];
+    if (types[j] == 'B' || types[j] == 'I' || types[j] == 'N')
+      gather.add(x - std::round(x), static_cast<int>(j));
   }
 }
 
@@ -131,7 +140,7 @@ Status measure_quality(Environment& env, Problem& problem, int what, Measure* re
                     what == TVK_QUALITY_MAX_DUAL_RESIDUAL || what == TVK_QUALITY_SUM_DUAL_RESIDUAL ||
                     what == TVK_QUALITY_MAX_COMP_SLACK || what == TVK_QUALITY_SUM_COMP_SLACK ||
                     what == TVK_QUALITY_MAX_PI || what == TVK_QUALITY_MAX_RED_COST;
-  if (dual && !has_duals(problem)) return Status(TVK_ERROR_NO_DUAL_SOLUTION);
+  if (dual && find_solution(problem, SolutionPart::duals, why) == nullptr) return why;
   Gather largest(false);
   Gather sum(true);
   switch (what) {
@@ -165,6 +174,12 @@ Status measure_quality(Environment& env, Problem& problem, int what, Measure* re
     case TVK_QUALITY_SUM_COMP_SLACK:
       complementarity(data, sum);
       break;
+    case TVK_QUALITY_MAX_INT_INFEAS:
+      integer_infeasibility(data, largest);
+      break;
+    case TVK_QUALITY_SUM_INT_INFEAS:
+      integer_infeasibility(data, sum);
+      break;
     case TVK_QUALITY_MAX_X:
       each(data.solution.x, false, largest);
       break;
@@ -182,7 +197,7 @@ Status measure_quality(Environment& env, Problem& problem, int what, Measure* re
   }
   const bool summed = what == TVK_QUALITY_SUM_PRIMAL_INFEAS || what == TVK_QUALITY_SUM_DUAL_INFEAS ||
                       what == TVK_QUALITY_SUM_PRIMAL_RESIDUAL || what == TVK_QUALITY_SUM_DUAL_RESIDUAL ||
-                      what == TVK_QUALITY_SUM_COMP_SLACK;
+                      what == TVK_QUALITY_SUM_COMP_SLACK || what == TVK_QUALITY_SUM_INT_INFEAS;
   *result = summed ? sum.result() : largest.result();
   return {};
 }

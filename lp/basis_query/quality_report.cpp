@@ -17,6 +17,11 @@ constexpr QualityName kPrimalQuality[] = {{"maxPrimalInfeas", TVK_QUALITY_MAX_PR
                                           {"maxPrimalResidual", TVK_QUALITY_MAX_PRIMAL_RESIDUAL},
                                           {"maxX", TVK_QUALITY_MAX_X},
                                           {"maxSlack", TVK_QUALITY_MAX_SLACK}};
+constexpr QualityName kMixedIntegerQuality[] = {{"maxIntInfeas", TVK_QUALITY_MAX_INT_INFEAS},
+                                                {"maxPrimalInfeas", TVK_QUALITY_MAX_PRIMAL_INFEAS},
+                                                {"maxPrimalResidual", TVK_QUALITY_MAX_PRIMAL_RESIDUAL},
+                                                {"maxX", TVK_QUALITY_MAX_X},
+                                                {"maxSlack", TVK_QUALITY_MAX_SLACK}};
 constexpr QualityName kQuality[] = {{"maxPrimalInfeas", TVK_QUALITY_MAX_PRIMAL_INFEAS},
                                     {"maxDualInfeas", TVK_QUALITY_MAX_DUAL_INFEAS},
                                     {"maxPrimalResidual", TVK_QUALITY_MAX_PRIMAL_RESIDUAL},
@@ -32,10 +37,13 @@ constexpr QualityName kQuality[] = {{"maxPrimalInfeas", TVK_QUALITY_MAX_PRIMAL_I
 std::vector<std::pair<const char*, double>> quality_report(Environment& env, Problem& problem,
                                                            const QualityScope& scope) {
   std::vector<std::pair<const char*, double>> report;
+  if (problem.mixed_integer()) report.emplace_back("epInt", env.settings.real(TVK_PARAM_EPINT));
   report.emplace_back("epRHS", env.settings.real(TVK_PARAM_EPRHS));
   if (scope.duals) report.emplace_back("epOpt", env.settings.real(TVK_PARAM_EPOPT));
-  const std::span<const QualityName> measures =
-      scope.duals ? std::span<const QualityName>(kQuality) : kPrimalQuality;
+  const std::span<const QualityName> measures = problem.mixed_integer()
+                                                    ? std::span<const QualityName>(kMixedIntegerQuality)
+                                                : scope.duals ? std::span<const QualityName>(kQuality)
+                                                              : kPrimalQuality;
   for (const auto& [name, what] : measures) {
     Measure measure;
     if (what == TVK_QUALITY_KAPPA && !scope.basis) continue;

@@ -5,6 +5,7 @@
 #include "mip/cuts/cover.h"
 #include "mip/cuts/gomory.h"
 #include "mip/cuts/implied_bounds.h"
+#include "mip/cuts/user_cuts.h"
 #include "mip/cuts/zero_half.h"
 
 namespace tovik::mip {
@@ -15,6 +16,7 @@ std::vector<std::unique_ptr<Plugin>> make_separators(const Global& global) {
   const auto add = [&]<class Separator>(Effort effort, std::unique_ptr<Separator> separator) {
     if (effort >= 0) table.push_back(std::move(separator));
   };
+  if (!global.problem.user_cuts.empty()) table.push_back(std::make_unique<UserCuts>());
   add(cuts.implied_bounds, std::make_unique<ImpliedBounds>());
   add(cuts.cliques, std::make_unique<CliqueCuts>());
   add(cuts.covers, std::make_unique<CoverCuts>(global));

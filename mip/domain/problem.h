@@ -36,6 +36,13 @@ struct Indicator {
   int slack;
 };
 
+/* An inequality, or two, that the caller gives to help the search: it holds wherever a solution of interest is. */
+struct UserCut {
+  std::vector<int> columns;
+  std::vector<double> values;
+  double lower, upper;
+};
+
 /* Which columns are branched on first, and where to. */
 struct Priority {
   int level = 0;      // larger ones first
@@ -50,6 +57,7 @@ struct Problem {
   std::vector<Indicator> indicators;
   std::vector<Priority> priorities;  // by column; empty: none
   std::vector<char> is_protected;    // by column: presolve keeps it; empty: none
+  std::vector<UserCut> user_cuts;    // no part of what the problem states
 
   int num_columns() const { return lp.num_columns(); }
   int num_rows() const { return lp.num_rows(); }

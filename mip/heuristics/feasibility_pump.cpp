@@ -13,7 +13,7 @@ using lp::Outcome;
 namespace {
 
 constexpr int kRounds = 60;
-constexpr double kShareFall = 0.9, kLeastShare = 1e-3;
+constexpr double kShareFall = 0.9, kSlowShareFall = 0.97, kLeastShare = 1e-3;
 constexpr int kLeastTurned = 10, kTurnedRange = 10;
 
 lp::simplex::Limits limits_until(const Worker& worker, std::int64_t end) {
@@ -44,7 +44,9 @@ Verdict FeasibilityPump::call(Worker& worker, const Moment& moment) {
 bool FeasibilityPump::pump(Worker& worker, std::int64_t end) {
   std::vector<double> x;
   target_.clear();
-  double share = 1;
+  const int wanted = worker.global.settings.heuristics.pump;
+  const double fall = wanted == 2 ? kSlowShareFall : kShareFall;
+  double share = wanted == 1 ? 0 : 1;
   for (int k = 0; k < kRounds && worker.iterations < end; ++k) {
     const std::span<const double> primal = worker.relaxation->primal();
     x.assign(primal.begin(), primal.end());
@@ -54,7 +56,7 @@ bool FeasibilityPump::pump(Worker& worker, std::int64_t end) {
       return true;
     }
     if (!round(worker, x)) turn_farthest(worker, x);
-    share *= kShareFall;
+    share *= fall;
     aim(worker, share > kLeastShare ? share : 0);
     if (worker.solve(limits_until(worker, end)) != Outcome::optimal) return false;
   }

@@ -35,7 +35,7 @@ std::vector<Heuristic> make_heuristics(const Global& global) {
   add_dive(traditional || dives == DiveKind::guided, std::make_unique<FractionalDive>());
   add_dive(dives == DiveKind::automatic || dives == DiveKind::guided, std::make_unique<GuidedDive>());
   add_dive(dives == DiveKind::probing, std::make_unique<ProbingDive>());
-  add(settings.diving && dives == DiveKind::automatic, every,
+  add(settings.diving && dives == DiveKind::automatic && settings.pump >= 0, every,
       {std::make_unique<FeasibilityPump>(), Kind::rescue, 1, Place::root_only});
   const int search_every = settings.neighbourhood_interval;
   add(true, search_every, {std::make_unique<Rens>(), Kind::neighbourhood, 1, Place::root_only});

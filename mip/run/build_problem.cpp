@@ -48,6 +48,7 @@ class Builder {
       extra_.add(lazy.row(k), lp::run::row_bounds(lazy.sense()[k], lazy.rhs()[k], 0));
     }
     append_rows();
+    user_cuts();
     return std::move(problem_);
   }
 
@@ -91,6 +92,17 @@ class Builder {
       OrderedSet set{sets.type()[k] == '1' ? 1 : 2, {}};
       for (const auto& [weight, j] : by_weight) set.columns.push_back(j);
       if (!set.columns.empty()) problem_.sets.push_back(std::move(set));
+    }
+  }
+  void user_cuts() {
+    const model::RowPool& cuts = model_.families().user_cuts;
+    for (int k = 0; k < cuts.size(); ++k) {
+      const model::VectorView terms = cuts.row(k);
+      const lp::verify::Limits sides = lp::run::row_bounds(cuts.sense()[k], cuts.rhs()[k], 0);
+      problem_.user_cuts.push_back({{terms.index, terms.index + terms.count},
+                                    {terms.value, terms.value + terms.count},
+                                    sides.lower,
+                                    sides.upper});
     }
   }
   void priorities() {

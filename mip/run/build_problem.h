@@ -1,7 +1,8 @@
 /* From the stored model to the search's plain data.
  *
  * The first columns are the model's, in its order; behind them stand slacks of indicator constraints. The first rows are
- * the model's; behind them stand the rows of the indicators and the lazy constraints. */
+ * the model's; behind them stand the rows of the indicators and the lazy constraints. User cuts stand
+ * apart. */
 #pragma once
 
 #include "mip/domain/problem.h"

@@ -18,10 +18,12 @@
 #include "lp/verify/point.h"
 #include "mip/run/build_problem.h"
 #include "mip/run/caller_callbacks.h"
+#include "mip/run/generated_order.h"
 #include "mip/run/informer.h"
 #include "mip/run/node_log.h"
 #include "mip/run/presolve_lines.h"
 #include "mip/run/settings.h"
+#include "mip/run/starts.h"
 #include "mip/run/statistics.h"
 #include "mip/search/presolved_search.h"
 #include "model/store/model.h"
@@ -122,11 +124,14 @@ struct KeptSearch : Derived {
   const SpaceMap spaces;
   std::unique_ptr<tovik::Problem> searched_problem;  // as callbacks see it; null: nobody has asked
   SearchResult result;
-  bool may_go_on = false;  // a limit ended it
+  bool may_go_on = false;          // there is something left to do
+  std::uint64_t tried_starts = 0;  // their identity
 };
 
-bool is_limit(Conclusion end) {
+/* A limit, or a gap that may be made smaller, ended the search. */
+bool leaves_a_tree(Conclusion end) {
   switch (end) {
+    case Conclusion::within_gap:
     case Conclusion::solution_limit:
     case Conclusion::node_limit:
     case Conclusion::iteration_limit:
@@ -215,21 +220,16 @@ std::unique_ptr<tovik::Solution> solution_of(const tovik::Problem& problem, cons
   return solution;
 }
 
-/* MIP starts, and what the last optimization left, as far as they are complete points. */
-void offer_starts(const tovik::Problem& problem, KeptSearch& kept) {
-  const auto offer = [&](std::vector<double> x) {
-    x.resize(static_cast<std::size_t>(kept.problem.num_columns()), 0.0);
-    kept.search.offer(x);
-  };
-  const auto columns = static_cast<std::size_t>(problem.model->num_columns());
-  const model::MipStarts& starts = problem.model->families().starts;
-  for (int k = 0; k < starts.size(); ++k) {
-    const model::VectorView values = starts.values(k);
-    std::vector<double> x(columns, 0.0);
-    for (int i = 0; i < values.count; ++i) x[values.index[i]] = values.value[i];
-    offer(std::move(x));
+/* The model's order, or one that is generated. */
+void set_priorities(Environment& env, mip::Problem& problem) {
+  if (env.settings.integer(TVK_PARAM_MIPORDIND) == 0) {
+    problem.priorities.clear();
+    return;
   }
-  if (problem.solution != nullptr && problem.solution->x.size() == columns) offer(problem.solution->x);
+  const auto rule = static_cast<OrderRule>(env.settings.integer(TVK_PARAM_MIPORDTYPE));
+  if (rule == OrderRule::none || !problem.priorities.empty()) return;
+  problem.priorities = generate_order(problem, rule);
+  if (env.settings.integer(TVK_PARAM_MIPDISPLAY) > 0) message(env.results_channel, "%s", announcement(rule));
 }
 
 std::unique_ptr<KeptSearch> new_search(Environment& env, const tovik::Problem& problem,
@@ -239,12 +239,29 @@ std::unique_ptr<KeptSearch> new_search(Environment& env, const tovik::Problem& p
   if (rounded) {
     message(env.warning_channel, "Warning:  Non-integral bounds for integer variables rounded.\n");
   }
-  if (env.settings.integer(TVK_PARAM_MIPORDIND) == 0) built.priorities.clear();
+  set_priorities(env, built);
   if (!problem.protected_columns.empty()) {
     built.is_protected.assign(static_cast<std::size_t>(built.num_columns()), 0);
     for (const int j : problem.protected_columns) built.is_protected[j] = 1;
   }
   return std::make_unique<KeptSearch>(env, problem, std::move(built), control);
+}
+
+/* Those that this search has not seen. */
+void try_starts(Environment& env, const tovik::Problem& problem, lp::Control& control, KeptSearch& kept,
+                bool is_new) {
+  const std::uint64_t starts = identity_of_starts(*problem.model);
+  if (!is_new && starts == kept.tried_starts) return;
+  kept.tried_starts = starts;
+  StartTrial trial{env, problem, kept.problem, settings_of(env, problem), control};
+  trial.cutoff = std::min(trial.settings.cutoff, kept.search.incumbent().objective);
+  trial.offer = [&](std::span<const double> x) {
+    if (!kept.search.offer(x)) return false;
+    trial.cutoff = kept.search.incumbent().objective;
+    return true;
+  };
+  if (is_new) try_last_solution(trial);
+  try_mip_starts(trial);
 }
 
 }  // namespace
@@ -271,8 +288,10 @@ Status run_branch_and_cut(Environment& env, tovik::Problem& problem) {
   auto* kept = dynamic_cast<KeptSearch*>(problem.mip.get());
   // What others have taken part in may rest on what they said.
   if (kept != nullptr && (!kept->may_go_on || kept->environment != &env || kept->functions != functions ||
-                          problem.status == TVK_STATUS_NONE))
+                          problem.status == TVK_STATUS_NONE || env.settings.integer(TVK_PARAM_ADVIND) == 0 ||
+                          !kept->search.can_go_on_with(settings_of(env, problem)))) {
     kept = nullptr;
+  }
   std::unique_ptr<KeptSearch> made;
   if (kept == nullptr) {
     problem.mip.reset();
@@ -292,11 +311,11 @@ Status run_branch_and_cut(Environment& env, tovik::Problem& problem) {
   if (functions.any()) callbacks.emplace(scene, functions);
   const CallScope scope(*kept, control, informer, callbacks ? &*callbacks : nullptr);
   kept->log.begin();
-  if (made != nullptr) offer_starts(problem, *kept);
+  try_starts(env, problem, control, *kept, made != nullptr);
   kept->log.set_in_search(true);
   const Conclusion end = kept->search.run();
   kept->log.set_in_search(false);
-  kept->may_go_on = is_limit(end) && !functions.delete_node;
+  kept->may_go_on = leaves_a_tree(end) && !functions.delete_node;
   lp::run::OptimizationStatistics& statistics = lp::run::statistics_of(problem);
   statistics.presolve.reset();
   statistics.simplex = kept->search.relaxation_statistics();

@@ -35,6 +35,42 @@ void take_presolve(const tovik::Settings& s, PresolveSettings& out) {
   if (s.integer(TVK_PARAM_BNDSTRENIND) == 0) out.rules &= ~rule_bit(PresolveRule::propagation);
 }
 
+RootMethod root_method(int code) {
+  return code == 1 ? RootMethod::primal : code == 5 ? RootMethod::sifting : RootMethod::dual;
+}
+
+/* Moves what stands at its default. */
+void apply_emphasis(int emphasis, Settings& settings) {
+  HeuristicSettings& heuristics = settings.heuristics;
+  const auto by_default = [](auto& value, auto standard, auto wanted) {
+    if (value == standard) value = wanted;
+  };
+  switch (emphasis) {
+    case 1:  // feasibility: heuristics often, the tree towards good estimates
+      by_default(heuristics.interval, 0, 5);
+      by_default(heuristics.neighbourhood_interval, 0, 20);
+      by_default(settings.node_rule, NodeRule::best_bound, NodeRule::best_estimate);
+      by_default(settings.best_bound_interval, 7, 50);
+      break;
+    case 2:  // optimality: less for heuristics, more for the choice of the branching
+      by_default(heuristics.neighbourhood_interval, 0, 500);
+      by_default(settings.strong_candidates, 10, 20);
+      break;
+    case 3:  // best bound: no heuristics in the tree's way
+      by_default(heuristics.interval, 0, 200);
+      by_default(heuristics.neighbourhood_interval, 0, 2000);
+      by_default(settings.strong_candidates, 10, 40);
+      by_default(settings.backtrack_share, 0.9999, 0.1);
+      break;
+    case 4:  // hidden solutions: searches around what is known
+      by_default(heuristics.neighbourhood_interval, 0, 10);
+      by_default(heuristics.sub_nodes, std::int64_t{500}, std::int64_t{2000});
+      break;
+    default:
+      break;
+  }
+}
+
 }  // namespace
 
 Settings settings_of(const Environment& env, const tovik::Problem& problem) {
@@ -59,7 +95,9 @@ Settings settings_of(const Environment& env, const tovik::Problem& problem) {
   take_number(s.real(TVK_PARAM_TRELIM), out.tree_limit);
   out.node_rule = static_cast<NodeRule>(s.integer(TVK_PARAM_NODESEL));
   out.best_bound_interval = s.integer(TVK_PARAM_BBINTERVAL);
+  take_number(s.real(TVK_PARAM_BTTOL), out.backtrack_share);
   out.first_direction = s.integer(TVK_PARAM_BRDIR);
+  out.root_method = root_method(s.integer(TVK_PARAM_STARTALG));
   out.variable_rule = s.integer(TVK_PARAM_VARSEL);
   out.strong_candidates = s.integer(TVK_PARAM_STRONGCANDLIM);
   out.strong_iterations = s.integer(TVK_PARAM_STRONGITLIM);
@@ -78,6 +116,11 @@ Settings settings_of(const Environment& env, const tovik::Problem& problem) {
   out.heuristics.neighbourhood_interval = s.integer(TVK_PARAM_RINSHEUR);
   out.heuristics.dives = static_cast<DiveKind>(s.integer(TVK_PARAM_DIVETYPE));
   out.heuristics.sub_nodes = limit(s.integer(TVK_PARAM_SUBMIPNODELIM));
+  out.heuristics.pump = s.integer(TVK_PARAM_FPHEUR);
+  out.heuristics.repair_tries = s.integer(TVK_PARAM_REPAIRTRIES);
+  apply_emphasis(s.integer(TVK_PARAM_MIPEMPHASIS), out);
+  // A user's cuts may cut off the one of two equal solutions that dual reductions would keep.
+  if (!problem.model->families().user_cuts.empty()) out.presolve.dual = false;
   out.seed = out.lp.seed;
   return out;
 }

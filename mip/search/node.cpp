@@ -71,7 +71,7 @@ Search::NodeResult Search::work_on(int slot, NodeEvent& event) {
   bool learned = false;
   rounds_ = {};
   for (int looks = 0;; ++looks) {
-    if (worker_.must_stop()) return NodeResult::stopped;
+    if (worker_.must_stop() || has_enough_solutions()) return NodeResult::stopped;
     if (looks == 0 && tree_[slot].parent < 0) enter(Phase::root_relaxation);
     // Each look has moved a bound, a row or the incumbent; more of them than this are noise.
     if (looks > kMostLooks) return branch_anywhere(slot, tree_[slot].bound, true);
@@ -131,6 +131,20 @@ Outcome Search::solve_within(double cutoff, Detail detail) {
   return worker_.solve(limits, detail);
 }
 
+/* By the method that is wanted; whatever comes of it, the usual way goes on from there. */
+void Search::solve_root_first() {
+  const Settings& settings = global_.settings;
+  if (nodes_ > 0 || worker_.iterations > 0 || settings.root_method == RootMethod::dual) return;
+  worker_.flush();
+  lp::simplex::Relaxation& relaxation = *worker_.relaxation;
+  lp::simplex::Options options = settings.lp;
+  if (settings.root_method == RootMethod::sifting) options.sifting = lp::simplex::Sifting::always;
+  relaxation.set_options(options);
+  relaxation.solve(settings.root_method == RootMethod::primal ? lp::Method::primal : lp::Method::dual);
+  worker_.iterations += relaxation.counters().iterations;
+  relaxation.set_options(settings.lp);
+}
+
 /* branched: it has an optimum. Claims that would drop the node are proven, or made anew with more care. */
 Search::NodeResult Search::solve_relaxation() {
   if (asks(&SearchCallbacks::Kinds::solve)) {
@@ -138,6 +152,7 @@ Search::NodeResult Search::solve_relaxation() {
     if (callbacks_->wants_to_stop()) return NodeResult::stopped;
     if (result == OwnSolve::Result::no_solution) return NodeResult::undecided;
   }
+  solve_root_first();
   for (int attempt = 0; attempt < 3; ++attempt) {
     if (attempt == 2) worker_.relaxation->forget_basis();
     const Outcome outcome =
@@ -332,6 +347,7 @@ bool Search::try_heuristics(int slot, bool before_cuts) {
   moment.depth = tree_[slot].depth;
   const Phase before = enter(Phase::heuristics);
   const bool found = heuristics_.run(worker_, moment, nodes_, [this](const Candidate& candidate) {
+    if (has_enough_solutions()) return HeuristicSchedule::Taken{};
     const std::int64_t iterations = judges_iterations();
     const bool better = judge(candidate.x, candidate.found_by).has_value();
     return HeuristicSchedule::Taken{better, judges_iterations() - iterations};

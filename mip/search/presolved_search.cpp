@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "mip/domain/point.h"
-
 namespace tovik::mip {
 namespace {
 
@@ -26,6 +24,16 @@ std::vector<Cut> crush_cuts(const Postsolve& postsolve, const std::vector<Cut>& 
   return crushed;
 }
 
+void crush_user_cuts(const Problem& from, Presolved& to) {
+  to.problem.user_cuts.clear();
+  for (const UserCut& cut : from.user_cuts) {
+    std::optional<LinearForm> form = to.postsolve.crush(LinearForm{cut.columns, cut.values, 0});
+    if (!form || form->columns.empty()) continue;
+    to.problem.user_cuts.push_back({std::move(form->columns), std::move(form->values),
+                                    cut.lower - form->constant, cut.upper - form->constant});
+  }
+}
+
 }  // namespace
 
 PresolvedSearch::PresolvedSearch(const Problem& problem, const Settings& settings, lp::Control& control,
@@ -34,35 +42,32 @@ PresolvedSearch::PresolvedSearch(const Problem& problem, const Settings& setting
       settings_(settings),
       control_(control),
       observer_(observer),
-      judge_(problem, settings_, control) {
-  if (!settings.presolve.on) search_ = std::make_unique<Search>(problem, settings, control, observer);
-}
+      judge_(problem, settings_, control) {}
 
 PresolvedSearch::~PresolvedSearch() = default;
 
-/* In the space of the last stage; none, once there is a solution as good. */
-Witness PresolvedSearch::witness() const {
-  const Witness& known = settings_.witness;
-  if (!known.is_watched() || objective(problem_, known.x) >= incumbent_.objective - 1e-6) return {};
-  return {crush(known.x), known.complain};
-}
-
 Settings PresolvedSearch::of_search() const {
   Settings settings = settings_;
-  if (restarts_ >= kMostRestarts || stages_.empty()) settings.presolve.restarts = 0;
+  if (restarts_ >= kMostRestarts) settings.presolve.restarts = 0;
   const auto take = [](std::int64_t& limit, std::int64_t used) {
     if (limit < kNoLimit) limit = std::max<std::int64_t>(0, limit - used);
   };
   take(settings.node_limit, earlier_.nodes);
   take(settings.iteration_limit, earlier_.iterations);
   take(settings.solution_limit, earlier_.solutions);
-  settings.witness = witness();
   return settings;
 }
 
 void PresolvedSearch::change_settings(const Settings& settings) {
   settings_ = settings;
   if (search_ != nullptr) search_->change_settings(of_search());
+}
+
+bool PresolvedSearch::can_go_on_with(const Settings& wanted) const {
+  return wanted.cutoff <= settings_.cutoff && wanted.least_improvement >= settings_.least_improvement &&
+         wanted.least_relative_improvement >= settings_.least_relative_improvement &&
+         wanted.tolerances.integrality == settings_.tolerances.integrality &&
+         wanted.tolerances.feasibility == settings_.tolerances.feasibility;
 }
 
 std::vector<double> PresolvedSearch::expand(std::span<const double> x) const {
@@ -84,14 +89,16 @@ bool PresolvedSearch::accept(std::span<const double> x, double cutoff, Solution*
 }
 
 bool PresolvedSearch::offer(std::span<const double> x) {
-  if (is_direct()) return search_->offer(x);
   Solution found;
   if (!judge_.accept(x, std::min(settings_.cutoff, incumbent_.objective), &found)) return false;
   incumbent_ = std::move(found);
   ++earlier_.solutions;
   earlier_statistics_.incumbents.push_back({control_.seconds(), 0, incumbent_.objective, "start"});
   observer_.solution(incumbent_.objective, incumbent_.x);
-  if (search_ != nullptr) search_->inherit(incumbent_, crush(incumbent_.x));
+  if (search_ != nullptr) {
+    search_->change_settings(of_search());
+    search_->inherit(incumbent_, crush(incumbent_.x));
+  }
   return true;
 }
 
@@ -123,9 +130,8 @@ SearchStatistics PresolvedSearch::statistics() const {
 }
 
 std::optional<Conclusion> PresolvedSearch::presolve_once(const Problem& problem) {
-  auto stage = std::make_unique<Presolved>(
-      presolve(problem, settings_.presolve, settings_.tolerances, control_, witness()));
-  earlier_statistics_.phases[static_cast<std::size_t>(Phase::presolve)].ticks += stage->counts.work;
+  auto stage =
+      std::make_unique<Presolved>(presolve(problem, settings_.presolve, settings_.tolerances, control_));
   if (stage->stopped) {
     const lp::Stop stop = control_.poll() != lp::Stop::none ? control_.poll() : control_.poll_clock();
     return stop == lp::Stop::time_limit   ? Conclusion::time_limit
@@ -135,6 +141,7 @@ std::optional<Conclusion> PresolvedSearch::presolve_once(const Problem& problem)
   if (listener_) listener_(*stage);
   is_infeasible_ = stage->infeasible;
   if (is_infeasible_) return incumbent_.x.empty() ? Conclusion::infeasible : Conclusion::optimal;
+  crush_user_cuts(problem, *stage);
   stages_.push_back(std::move(stage));
   return std::nullopt;
 }
@@ -146,10 +153,10 @@ std::optional<Conclusion> PresolvedSearch::restart() {
   const std::vector<Cut> cuts = crush_cuts(stages_.back()->postsolve, search_->root_cuts());
   const Progress done = search_->progress();
   // The next search counts what has passed of this call as presolve.
+  const double passed = control_.seconds();
   earlier_statistics_ = statistics();
-  const double passed = earlier_statistics_.last_run;
   earlier_statistics_.phases[static_cast<std::size_t>(Phase::presolve)].seconds -= passed;
-  seconds_before_ = earlier_statistics_.seconds - passed;
+  seconds_before_ = std::max(0.0, earlier_statistics_.seconds - passed);
   earlier_.nodes += done.nodes;
   earlier_.iterations += done.iterations;
   earlier_.solutions += done.solutions;

@@ -32,6 +32,8 @@ class PresolvedSearch : private Origin {
 
   Conclusion run();
   void change_settings(const Settings& settings);
+  /* Between two runs: what was dropped so far does not count by these settings either. */
+  bool can_go_on_with(const Settings& settings) const;
   bool offer(std::span<const double> x);
 
   const Solution& incumbent() const { return is_direct() ? search_->incumbent() : incumbent_; }

@@ -175,6 +175,7 @@ Stop Search::asks_to_stop() {
 }
 
 Conclusion Search::stop_reason() {
+  if (has_enough_solutions()) return Conclusion::solution_limit;
   if (stop_ == Stop::none) stop_ = asks_to_stop();
   switch (stop_) {
     case Stop::none:
@@ -192,7 +193,7 @@ std::optional<Conclusion> Search::limit_reached() {
   const Settings& settings = global_.settings;
   stop_ = asks_to_stop();
   if (stop_ != Stop::none) return stop_reason();
-  if (solutions_ >= settings.solution_limit) return Conclusion::solution_limit;
+  if (has_enough_solutions()) return Conclusion::solution_limit;
   if (global_.incumbent_value <= settings.objective_stop) return Conclusion::objective_stop;
   if (nodes_ >= settings.node_limit) return Conclusion::node_limit;
   if (worker_.iterations >= settings.iteration_limit) return Conclusion::iteration_limit;
@@ -249,8 +250,9 @@ Conclusion Search::run_until_limit() {
 /* The deepest node that the plunge has left open and that may hold a good solution; -1: a new plunge is due. */
 int Search::next_of_plunge() {
   const double best = tree_.best_bound();
+  const double share = std::min(kPlungeShare, global_.settings.backtrack_share);
   const double farthest =
-      std::isinf(global_.cutoff) || std::isinf(best) ? kInf : best + kPlungeShare * (global_.cutoff - best);
+      std::isinf(global_.cutoff) || std::isinf(best) ? kInf : best + share * (global_.cutoff - best);
   while (!plunge_.empty() && backtracks_ < kMostBacktracks) {
     const Sibling s = plunge_.back();
     plunge_.pop_back();
@@ -264,11 +266,20 @@ int Search::next_of_plunge() {
   return -1;
 }
 
+/* With an incumbent a plunge ends where it has become too bad. */
+bool Search::goes_on_with(int child) {
+  const double bound = tree_[child].bound;
+  if (gap_is_closed(bound)) return false;
+  if (!global_.has_incumbent()) return true;
+  const double best = std::min(tree_.best_bound(), bound);
+  return bound - best <= global_.settings.backtrack_share * (global_.incumbent_value - best);
+}
+
 /* The child of the plunge, else the queue's best. Nodes within the gap only hold the bound up. */
 int Search::pick() {
   from_queue_ = false;
   const int child = std::exchange(next_child_, -1);
-  if (child >= 0 && tree_.is_open(child, next_child_id_) && !gap_is_closed(tree_[child].bound)) return child;
+  if (child >= 0 && tree_.is_open(child, next_child_id_) && goes_on_with(child)) return child;
   if (const int left = next_of_plunge(); left >= 0) return left;
   from_queue_ = true;
   const Settings& settings = global_.settings;

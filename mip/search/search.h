@@ -125,10 +125,12 @@ class Search {
   lp::Stop asks_to_stop();
   bool gap_is_closed(double bound) const;
   bool prunes(double bound) const { return bound >= global_.cutoff; }
+  bool has_enough_solutions() const { return solutions_ >= global_.settings.solution_limit; }
   double open_bound();
 
   int pick();
   int next_of_plunge();
+  bool goes_on_with(int child);
   bool install(int slot);
   void leave_path(std::size_t steps);
   bool apply_global_bounds();
@@ -137,6 +139,7 @@ class Search {
   std::optional<Conclusion> process(int slot);
   NodeResult work_on(int slot, NodeEvent& event);
   NodeResult solve_relaxation();
+  void solve_root_first();
   lp::Outcome solve_within(double cutoff, lp::simplex::Detail detail);
   NodeResult bound_node(int slot);
   double rounded_bound(double bound) const;

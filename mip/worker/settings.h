@@ -29,6 +29,9 @@ struct CutSettings {
   int most_of_a_class = kMostCuts;  // cuts that ever become rows
 };
 
+/* How the root's relaxation is first solved; after it the dual simplex goes on. */
+enum class RootMethod { dual, primal, sifting };
+
 enum class DiveKind { automatic, traditional, probing, guided };
 
 struct HeuristicSettings {
@@ -36,6 +39,8 @@ struct HeuristicSettings {
   int neighbourhood_interval = 0;  // the same of searches in a neighbourhood
   DiveKind dives = DiveKind::automatic;
   std::int64_t sub_nodes = 500;  // of a sub-search
+  int repair_tries = 0;          // of a start: -1 none, 0 automatic
+  int pump = 0;  // feasibility pump: -1 none, 0 automatic, 1 feasibility only, 2 objective too
   // What is switched on.
   bool rounding = true, diving = true, improvement = true;
 };
@@ -55,7 +60,10 @@ struct Settings {
   // Order of the nodes.
   NodeRule node_rule = NodeRule::best_bound;
   int best_bound_interval = 7;
-  int first_direction = 0;  // -1 down, 0 automatic, 1 up
+  double backtrack_share = 0.9999;  // of the gap, by which a child may be worse than the best node
+  int first_direction = 0;          // -1 down, 0 automatic, 1 up
+
+  RootMethod root_method = RootMethod::dual;
 
   // Branching.
   int variable_rule =

@@ -122,6 +122,9 @@ TEST(MipSearch, AgreesWithEnumerationWhateverIsSwitchedOff) {
         break;
       default:
         settings.first_direction = maker.random().pick(-1, 1);
+        settings.root_method = static_cast<RootMethod>(maker.random().pick(0, 2));
+        settings.backtrack_share = maker.random().uniform(0, 1);
+        settings.heuristics.pump = maker.random().pick(-1, 2);
     }
     check(problem, truth, settings);
   }
