@@ -60,15 +60,11 @@ int TVKgetcallbackincumbent(ConstEnvHandle env, void* cbdata, int wherefrom, dou
     const Range range{"TVKgetcallbackincumbent", begin, end};
     if (const Status s = check(e, callback, range); !s.ok()) return s;
     const CallbackScene& scene = callback.scene();
-    if (scene.in_user_space) {
-      const std::vector<double>& point = scene.whole.incumbent().x;
-      if (point.empty()) return TVK_ERROR_NO_SOLUTION;
-      fill(range, x, [&](int j) { return point[j]; });
-      return 0;
-    }
-    const mip::Global& global = scene.search().global();
-    if (!global.has_incumbent()) return TVK_ERROR_NO_SOLUTION;
-    copy_point(scene, range, global.incumbent, x);
+    const std::vector<double>& given = scene.whole.incumbent().x;
+    if (given.empty()) return TVK_ERROR_NO_SOLUTION;
+    // The searched problem may have lost it to bounds that only better solutions keep.
+    const std::vector<double> point = scene.in_user_space ? given : scene.whole.crush(given);
+    fill(range, x, [&](int j) { return point[j]; });
     return 0;
   };
   return api::with_context(env, cbdata, wherefrom, copy, CallbackContext::allowed);

@@ -68,6 +68,7 @@ class SearchDescription : public lp::run::FurtherStatistics {
       out.null("nodes_per_second");
     }
     out.count("largest_depth", counts_.largest_depth);
+    out.count("tree_cut_rounds", counts_.tree_cut_rounds);
     out.count("solutions", progress_.solutions);
     out.number("best_bound", sense_ * progress_.best_bound);
     out.object("iterations", [&] {

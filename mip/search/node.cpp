@@ -325,7 +325,10 @@ bool Search::separate_in_tree(int slot, double objective) {
     moment.depth = tree_[slot].depth;
     moment.round = rounds_.round++;
     const std::int64_t before = separation_.work();
+    ++statistics_.tree_cut_rounds;
+    enter(Phase::cuts);
     const int added = separation_.round(worker_, x_, moment);
+    enter(Phase::tree);
     tree_cuts_.work += separation_.work() - before;
     if (added > 0) {
       watch_cuts(added);

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "mip/domain/point.h"
+
 namespace tovik::mip {
 namespace {
 
@@ -42,19 +44,29 @@ PresolvedSearch::PresolvedSearch(const Problem& problem, const Settings& setting
       settings_(settings),
       control_(control),
       observer_(observer),
-      judge_(problem, settings_, control) {}
+      judge_(problem, settings_, control) {
+  if (!settings.presolve.on) search_ = std::make_unique<Search>(problem, settings, control, observer);
+}
 
 PresolvedSearch::~PresolvedSearch() = default;
 
+/* In the space of the last stage; none, once there is a solution as good. */
+Witness PresolvedSearch::witness() const {
+  const Witness& known = settings_.witness;
+  if (!known.is_watched() || objective(problem_, known.x) >= incumbent_.objective - 1e-6) return {};
+  return {crush(known.x), known.complain};
+}
+
 Settings PresolvedSearch::of_search() const {
   Settings settings = settings_;
-  if (restarts_ >= kMostRestarts) settings.presolve.restarts = 0;
+  if (restarts_ >= kMostRestarts || stages_.empty()) settings.presolve.restarts = 0;
   const auto take = [](std::int64_t& limit, std::int64_t used) {
     if (limit < kNoLimit) limit = std::max<std::int64_t>(0, limit - used);
   };
   take(settings.node_limit, earlier_.nodes);
   take(settings.iteration_limit, earlier_.iterations);
   take(settings.solution_limit, earlier_.solutions);
+  settings.witness = witness();
   return settings;
 }
 
@@ -89,6 +101,7 @@ bool PresolvedSearch::accept(std::span<const double> x, double cutoff, Solution*
 }
 
 bool PresolvedSearch::offer(std::span<const double> x) {
+  if (is_direct()) return search_->offer(x);
   Solution found;
   if (!judge_.accept(x, std::min(settings_.cutoff, incumbent_.objective), &found)) return false;
   incumbent_ = std::move(found);
@@ -130,8 +143,9 @@ SearchStatistics PresolvedSearch::statistics() const {
 }
 
 std::optional<Conclusion> PresolvedSearch::presolve_once(const Problem& problem) {
-  auto stage =
-      std::make_unique<Presolved>(presolve(problem, settings_.presolve, settings_.tolerances, control_));
+  auto stage = std::make_unique<Presolved>(
+      presolve(problem, settings_.presolve, settings_.tolerances, control_, witness()));
+  earlier_statistics_.phases[static_cast<std::size_t>(Phase::presolve)].ticks += stage->counts.work;
   if (stage->stopped) {
     const lp::Stop stop = control_.poll() != lp::Stop::none ? control_.poll() : control_.poll_clock();
     return stop == lp::Stop::time_limit   ? Conclusion::time_limit
@@ -153,10 +167,10 @@ std::optional<Conclusion> PresolvedSearch::restart() {
   const std::vector<Cut> cuts = crush_cuts(stages_.back()->postsolve, search_->root_cuts());
   const Progress done = search_->progress();
   // The next search counts what has passed of this call as presolve.
-  const double passed = control_.seconds();
   earlier_statistics_ = statistics();
+  const double passed = earlier_statistics_.last_run;
   earlier_statistics_.phases[static_cast<std::size_t>(Phase::presolve)].seconds -= passed;
-  seconds_before_ = std::max(0.0, earlier_statistics_.seconds - passed);
+  seconds_before_ = earlier_statistics_.seconds - passed;
   earlier_.nodes += done.nodes;
   earlier_.iterations += done.iterations;
   earlier_.solutions += done.solutions;

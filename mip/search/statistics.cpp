@@ -34,6 +34,7 @@ SearchStatistics joined(SearchStatistics earlier, const SearchStatistics& later,
   if (all.root_bound_before_cuts == -kInf) all.root_bound_before_cuts = later.root_bound_before_cuts;
   all.root_bound_after_cuts = std::max(all.root_bound_after_cuts, later.root_bound_after_cuts);
   all.cut_rounds += later.cut_rounds;
+  all.tree_cut_rounds += later.tree_cut_rounds;
   all.largest_depth = std::max(all.largest_depth, later.largest_depth);
   for (IncumbentRecord found : later.incumbents) {
     found.seconds += seconds_before;

@@ -45,7 +45,7 @@ struct SearchStatistics {
   double last_run = 0;       // seconds of its call at the end of the last run
   double root_seconds = -1;  // when the root was done; negative: it was not
   double root_bound_before_cuts = -kInf, root_bound_after_cuts = -kInf;
-  int cut_rounds = 0;
+  int cut_rounds = 0, tree_cut_rounds = 0;  // at the root, and below
   int largest_depth = 0;
   std::vector<IncumbentRecord> incumbents;  // the first kMostIncumbents - 1, and the last
   // Of plugins and cuts, filled when they are asked for.

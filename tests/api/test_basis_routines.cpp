@@ -283,7 +283,7 @@ TEST_F(BasisRoutines, QualityIsMeasured) {
     ASSERT_EQ(TVKgetquality(env_, lp, TVK_QUALITY_KAPPA, &value, &index), 0);
     EXPECT_GE(value, 0.99);
     EXPECT_EQ(TVKgetquality(env_, lp, 0, &value, &index), 1003);
-    EXPECT_EQ(TVKgetquality(env_, lp, 16, &value, &index), 1003);
+    EXPECT_EQ(TVKgetquality(env_, lp, 18, &value, &index), 1003);
     errors();
   });
 }

@@ -80,7 +80,7 @@ TEST_F(MipLimits, EachHasItsStatusAndTheSearchGoesOnToTheSameAnswer) {
   const Case cases[] = {
       {"nodes", TVK_PARAM_NODELIM, [&] { set(TVK_PARAM_NODELIM, 7); }, TVK_STATUS_MIP_NODE_LIMIT},
       {"iterations", TVK_PARAM_ITLIM, [&] { set(TVK_PARAM_ITLIM, 60); }, TVK_STATUS_MIP_ITERATION_LIMIT},
-      {"tree", TVK_PARAM_TRELIM, [&] { set(TVK_PARAM_TRELIM, 0.002); }, TVK_STATUS_MIP_MEMORY_LIMIT},
+      {"tree", TVK_PARAM_TRELIM, [&] { set(TVK_PARAM_TRELIM, 0.0008); }, TVK_STATUS_MIP_MEMORY_LIMIT},
       {"time", TVK_PARAM_TILIM, [&] { set(TVK_PARAM_TILIM, 0.0); }, TVK_STATUS_MIP_TIME_LIMIT},
       {"ticks", kTickLimit, [&] { set(kTickLimit, 100000.0); }, TVK_STATUS_MIP_TICK_LIMIT},
       {"terminate flag", -1, [&] { stop = 1; }, TVK_STATUS_MIP_USER_ABORT},
