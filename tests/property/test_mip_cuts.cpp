@@ -98,13 +98,13 @@ class Cuts : public ::testing::Test {
     }
     return text + " <= " + std::to_string(cut.side);
   }
-  /* The family must find something in these models, or nothing was tested. */
+  /* The family must find something, or nothing was tested: some find little in 400 models. */
   static void run(const std::function<void(CutSettings&)>& choose) {
     CutSettings cuts = no_cuts();
     choose(cuts);
     const int count = models(400);
     std::size_t found = 0;
-    for (int k = 0; k < count && !HasFailure(); ++k) {
+    for (int k = 0; (k < count || (found == 0 && k < 50 * count)) && !HasFailure(); ++k) {
       const unsigned seed = support::fresh_seed() + static_cast<unsigned>(k);
       support::StructuredMip structured(seed);
       support::RandomMip any(seed);
@@ -116,9 +116,7 @@ class Cuts : public ::testing::Test {
       support::EachLeaf leaves(problem, [&all](const tovik::lp::LpData& leaf) { check_leaf(leaf, all); });
       leaves.run();
     }
-    if (count >= 400) {
-      EXPECT_GT(found, 0u);
-    }
+    EXPECT_GT(found, 0u);
   }
 };
 
