@@ -1,5 +1,6 @@
-/* Presolve of a mixed-integer problem: a smaller problem with the same optimum, and the way back (Savelsbergh, ORSA J.
- * Computing 6 (1994); Achterberg, Bixby, Gu, Rothberg, Weninger, INFORMS J. Computing 32 (2020)).
+/* Presolve of a mixed-integer problem: a smaller problem with the same optimum, and the way back ("Preprocessing and probing
+ * techniques for mixed integer programming problems", ORSA J. Computing 6 (1994); "Presolve reductions in mixed integer
+ * programming", INFORMS J. Computing 32 (2020)).
  *
  * - Any solution of the original has one of the reduced problem that is no worse, so both are feasible, or unbounded,
  *   together. What could only be fixed at infinity stays.
