@@ -99,6 +99,13 @@ inline void call_delete_node(ConstEnvHandle, int from, void* handle, int sequenc
 
 class WithControl : public WithMixedIntegerModels {
  protected:
+  void SetUp() override {
+    WithMixedIntegerModels::SetUp();
+    // What the search finds by itself would leave callbacks little to do.
+    ASSERT_EQ(TVKsetintparam(env_, TVK_PARAM_CUTPASS, -1), 0);
+    ASSERT_EQ(TVKsetintparam(env_, TVK_PARAM_HEURFREQ, -1), 0);
+    ASSERT_EQ(TVKsetintparam(env_, TVK_PARAM_RINSHEUR, -1), 0);
+  }
   /* Of those that are there; the others are taken away. */
   void use(Control& c) {
     EXPECT_EQ(TVKsetbranchcallbackfunc(env_, c.branch ? call_branch : nullptr, &c), 0);
@@ -115,6 +122,14 @@ class WithControl : public WithMixedIntegerModels {
   void use_none() {
     Control none;
     use(none);
+  }
+  /* What the model's search finds when nobody calls back. */
+  double plain_optimum(unsigned seed, int columns = 16, int rows = 3) {
+    ProbHandle lp = knapsacks(columns, rows, seed);
+    EXPECT_EQ(solve(lp), TVK_STATUS_MIP_OPTIMAL);
+    const double value = objective(lp);
+    TVKfreeprob(env_, &lp);
+    return value;
   }
   /* Of a model with binaries only: the best objective value of a feasible point that counts; maximized. */
   template <class Counts>
