@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "support/mip_models.h"
+#include "support/knapsack_models.h"
 
 namespace {
 
@@ -30,7 +30,7 @@ extern "C" int incumbent_one(ConstEnvHandle, void*, int, void*, double, double*,
 }
 extern "C" void delete_one(ConstEnvHandle, int, void*, int, void*) {}
 
-using MipCallbacks = support::WithMixedIntegerModels;
+using MipCallbacks = support::KnapsackModels;
 
 /* What is set comes back, a child begins with it, null takes it away. */
 template <class Function, class Set, class Get>

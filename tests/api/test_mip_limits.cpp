@@ -3,37 +3,19 @@
 #include <gtest/gtest.h>
 
 #include <functional>
-#include <sstream>
 #include <string>
 #include <vector>
 
+#include "support/market_split.h"
 #include "support/mip_fixture.h"
 
 namespace {
 
 constexpr int kTickLimit = 1127;
 
-/* Equations of a market split with slacks that cost: three of them are hardly ever met by binaries, so that the best objective
- * is above the relaxation's, which is 0. */
+/* Three equations: the best objective is above the relaxation's. */
 std::string long_model(int columns) {
-  std::ostringstream out;
-  out << "minimize\n obj: s1 + s2 + s3 + t1 + t2 + t3\nsubject to\n";
-  unsigned seed = 4711;
-  const auto next = [&] { return (seed = seed * 1103515245u + 12345u) / 65536u % 100u; };
-  for (int i = 1; i <= 3; ++i) {
-    unsigned sum = 0;
-    out << " r" << i << ":";
-    for (int j = 1; j <= columns; ++j) {
-      const unsigned a = next();
-      sum += a;
-      out << " + " << a << " x" << j;
-    }
-    out << " + s" << i << " - t" << i << " = " << sum / 2 << "\n";
-  }
-  out << "binary\n";
-  for (int j = 1; j <= columns; ++j) out << " x" << j;
-  out << "\nend\n";
-  return out.str();
+  return support::market_split({.equations = 3, .columns = columns, .seed = 4711});
 }
 
 class MipLimits : public support::MipModels {

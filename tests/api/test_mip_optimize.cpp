@@ -8,61 +8,21 @@
 #include <string>
 #include <vector>
 
-#include "support/environment_fixture.h"
-#include "support/read_text.h"
+#include "support/market_split.h"
+#include "support/mip_fixture.h"
 
 namespace {
 
-class MipOptimize : public support::WithEnvironment {
+class MipOptimize : public support::MipModels {
  protected:
-  void SetUp() override {
-    WithEnvironment::SetUp();
-    ASSERT_EQ(TVKaddfuncdest(env_, results_, &log_text_, support::keep_text), 0);
-  }
-  ProbHandle read(const std::string& model) { return support::read_text(env_, model); }
-  /* A market split: equations that hardly any binary point meets, so that the search is long. */
-  std::string long_model(int columns) {
-    std::ostringstream out;
-    out << "minimize\n obj: s1 + s2 + t1 + t2\nsubject to\n";
-    unsigned seed = 12345;
-    const auto next = [&] { return (seed = seed * 1103515245u + 12345u) / 65536u % 100u; };
-    for (int i = 1; i <= 2; ++i) {
-      unsigned sum = 0;
-      out << " r" << i << ":";
-      for (int j = 1; j <= columns; ++j) {
-        const unsigned a = next();
-        sum += a;
-        out << " + " << a << " x" << j;
-      }
-      out << " + s" << i << " - t" << i << " = " << sum / 2 << "\n";
-    }
-    out << "binary\n";
-    for (int j = 1; j <= columns; ++j) out << " x" << j;
-    out << "\nend\n";
-    return out.str();
-  }
-  double objective(ProbHandle lp) {
-    double value = NAN;
-    EXPECT_EQ(TVKgetobjval(env_, lp, &value), 0);
-    return value;
-  }
-  std::vector<double> x(ProbHandle lp) {
-    std::vector<double> values(static_cast<std::size_t>(TVKgetnumcols(env_, lp)));
-    EXPECT_EQ(TVKgetx(env_, lp, values.data(), 0, static_cast<int>(values.size()) - 1), 0);
-    return values;
-  }
-  int solve(ProbHandle lp) {
-    EXPECT_EQ(TVKmipopt(env_, lp), 0) << errors();
-    return TVKgetstat(env_, lp);
-  }
+  /* A search that is long. */
+  static std::string long_model(int columns) { return support::market_split({.columns = columns}); }
   std::vector<std::string> lines() {
     std::vector<std::string> all;
     std::istringstream in(log_text_);
     for (std::string line; std::getline(in, line);) all.push_back(line);
     return all;
   }
-
-  std::string log_text_;
 };
 
 TEST_F(MipOptimize, SolvesEveryKindOfModel) {

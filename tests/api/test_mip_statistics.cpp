@@ -1,11 +1,11 @@
 // What a mixed-integer search has counted, against the routines that tell the same, and against itself.
 #include <cmath>
-#include <nlohmann/json.hpp>
 #include <sstream>
 #include <string>
 
 #include "support/environment_fixture.h"
 #include "support/read_text.h"
+#include "support/statistics.h"
 
 namespace {
 
@@ -13,13 +13,7 @@ using Json = nlohmann::json;
 
 class MipStatistics : public support::WithEnvironment {
  protected:
-  Json of(ProbHandle lp) {
-    int surplus = 0;
-    EXPECT_EQ(TVKgetstatistics(env_, lp, nullptr, 0, &surplus), TVK_ERROR_ARRAY_TOO_SHORT);
-    std::string text(static_cast<std::size_t>(-surplus), '?');
-    EXPECT_EQ(TVKgetstatistics(env_, lp, text.data(), -surplus, &surplus), 0);
-    return Json::parse(text.c_str());
-  }
+  Json of(ProbHandle lp) { return support::statistics(env_, lp); }
   /* Two knapsacks that share binaries: some nodes, some cuts, some incumbents. */
   static std::string knapsacks(const char* sense) {
     std::ostringstream out;

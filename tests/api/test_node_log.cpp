@@ -8,9 +8,12 @@
 #include <vector>
 
 #include "support/environment_fixture.h"
+#include "support/market_split.h"
 #include "support/read_text.h"
 
 namespace {
+
+using support::market_split;
 
 const char kKnapsacks[] =
     "max\n 5 p + 4 q + 3 r + 6 s + 7 t\nst\n a: 5 p + 7 q + 6 r + 9 s + 11 t <= 18\n b: 8 p + 3 q + 5 r + 4 "
@@ -68,36 +71,13 @@ class NodeLog : public support::WithEnvironment {
     for (std::size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + 1)) ++found;
     return found;
   }
-  /* Equations that hardly any binary point meets; the objective counts what is missing, `constant` beside it. */
-  static std::string market_split(int columns, int constant, const char* sense = "min") {
-    std::ostringstream out;
-    const char sign = std::string(sense) == "min" ? '+' : '-';
-    out << sense << "\n obj: " << constant << " " << sign << " s1 " << sign << " s2 " << sign << " t1 "
-        << sign << " t2\nst\n";
-    unsigned seed = 12345;
-    const auto next = [&] { return (seed = seed * 1103515245u + 12345u) / 65536u % 100u; };
-    for (int i = 1; i <= 2; ++i) {
-      unsigned sum = 0;
-      out << " r" << i << ":";
-      for (int j = 1; j <= columns; ++j) {
-        const unsigned a = next();
-        sum += a;
-        out << " + " << a << " x" << j;
-      }
-      out << " + s" << i << " - t" << i << " = " << sum / 2 << "\n";
-    }
-    out << "bin\n";
-    for (int j = 1; j <= columns; ++j) out << " x" << j;
-    out << "\nend\n";
-    return out.str();
-  }
 
   std::string text_, branches_;
 };
 
 TEST_F(NodeLog, EveryNodeHasARowWithAnIntervalOfOne) {
   set(TVK_PARAM_MIPINTERVAL, 1);
-  ProbHandle lp = support::read_text(env_, market_split(14, 0));
+  ProbHandle lp = support::read_text(env_, market_split({}));
   const std::vector<Row> rows = rows_of(log_of(lp));
   std::vector<char> seen(static_cast<std::size_t>(TVKgetnodecnt(env_, lp)));
   int stars = 0;
@@ -124,7 +104,7 @@ TEST_F(NodeLog, EveryNodeHasARowWithAnIntervalOfOne) {
 
 TEST_F(NodeLog, AnIntervalPicksItsMultiplesAndIncumbents) {
   set(TVK_PARAM_MIPINTERVAL, 7);
-  ProbHandle lp = support::read_text(env_, market_split(16, 0));
+  ProbHandle lp = support::read_text(env_, market_split({.columns = 16}));
   const std::vector<Row> rows = rows_of(log_of(lp));
   int others = 0;
   for (const Row& row : rows) others += row.node % 7 != 0 && !row.star;
@@ -141,7 +121,7 @@ TEST_F(NodeLog, RowsAreSpacedByWork) {
   std::size_t last = 100000;
   for (const int base : {-1, -4, -16}) {
     set(TVK_PARAM_MIPINTERVAL, base);
-    ProbHandle lp = support::read_text(env_, market_split(22, 0));
+    ProbHandle lp = support::read_text(env_, market_split({.columns = 22}));
     set(TVK_PARAM_NODELIM, 4000);
     const std::string text = log_of(lp);
     const std::vector<Row> rows = rows_of(text);
@@ -172,8 +152,8 @@ TEST_F(NodeLog, LargeNumbersHaveExponents) {
 
 TEST_F(NodeLog, AMaximizationHasItsOwnSign) {
   set(TVK_PARAM_MIPINTERVAL, 1);
-  const std::vector<Row> up = rows_of(log_of(market_split(14, 500, "max")));
-  const std::vector<Row> down = rows_of(log_of(market_split(14, -500, "min")));
+  const std::vector<Row> up = rows_of(log_of(market_split({.maximize = true, .constant = 500})));
+  const std::vector<Row> down = rows_of(log_of(market_split({.constant = -500})));
   ASSERT_EQ(up.size(), down.size());
   ASSERT_GT(up.size(), 20u);
   const auto negated = [](const std::string& field) {
@@ -191,7 +171,7 @@ TEST_F(NodeLog, AGapBeyondAThousandPercentIsNotPrinted) {
   for (const int parameter : {TVK_PARAM_HEURFREQ, TVK_PARAM_CUTPASS}) set(parameter, -1);
   set(TVK_PARAM_MIPINTERVAL, 1);
   set(TVK_PARAM_NODELIM, 3);
-  ProbHandle lp = support::read_text(env_, market_split(14, 0));
+  ProbHandle lp = support::read_text(env_, market_split({}));
   // All binaries at 0: what is missing is known, and so is the constant that makes it small.
   std::vector<double> values(static_cast<std::size_t>(TVKgetnumcols(env_, lp)), 0.0);
   double sides[2];
@@ -232,7 +212,7 @@ TEST_F(NodeLog, CutsHaveRowsOfTheirOwnFromDisplayThree) {
 }
 
 TEST_F(NodeLog, DisplayLevels) {
-  const std::string model = market_split(14, 0);
+  const std::string model = market_split({});
   set(TVK_PARAM_PREIND, 0);  // presolve has lines of its own
   set(TVK_PARAM_MIPDISPLAY, 0);
   EXPECT_EQ(log_of(model), "");
@@ -258,7 +238,7 @@ TEST_F(NodeLog, DisplayLevels) {
 TEST_F(NodeLog, BranchesAreNamedOnTheLogChannel) {
   set(TVK_PARAM_MIPSEARCH, 1);
   set(TVK_PARAM_MIPINTERVAL, 1);
-  const std::vector<Row> rows = rows_of(log_of(market_split(14, 0)));
+  const std::vector<Row> rows = rows_of(log_of(market_split({})));
   EXPECT_EQ(branches_.find("         Variable B NodeID Parent  Depth"), 0u) << branches_.substr(0, 200);
   const std::regex form(".{16} [ACX] [ 0-9]{5}[0-9] [ 0-9]{6} [ 0-9]{5}[0-9]");
   std::istringstream in(branches_.substr(branches_.find("Depth") + 5));
@@ -272,7 +252,8 @@ TEST_F(NodeLog, BranchesAreNamedOnTheLogChannel) {
 }
 
 TEST_F(NodeLog, TwoRunsPrintTheSame) {
-  const std::string models[] = {market_split(18, 0), market_split(16, 1000, "max"), kKnapsacks,
+  const std::string models[] = {market_split({.columns = 18}),
+                                market_split({.columns = 16, .maximize = true, .constant = 1000}), kKnapsacks,
                                 "min\n x + y + 0.1 z\nst\n 7 x + 11 y + 13 z = 300.5\n x - y + z >= "
                                 "2\nbounds\n x <= 50\n y <= 50\n z <= 50\ngen\n x y\nend",
                                 "max\n 2 x + 3 y + z + w\nst\n x + y + z + w <= 10\nbounds\n x <= 4\n y <= "

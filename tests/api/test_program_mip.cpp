@@ -3,6 +3,7 @@
 #include <regex>
 #include <thread>
 
+#include "support/market_split.h"
 #include "support/program_fixture.h"
 
 namespace {
@@ -14,27 +15,9 @@ namespace fs = std::filesystem;
 
 class ProgramMip : public support::Program {
  protected:
-  /* Equations that no binary point within reach meets. with_slack: what is missing costs, and every point is a solution. */
+  /* with_slack: every point is a solution; without one there is none within reach. */
   static std::string market_split(int columns, bool with_slack) {
-    std::ostringstream out;
-    out << "minimize\n obj: " << (with_slack ? "s1 + s2 + s3 + t1 + t2 + t3" : "x1") << "\nsubject to\n";
-    unsigned seed = 12345;
-    const auto next = [&] { return (seed = seed * 1103515245u + 12345u) / 65536u % 10000u; };
-    for (int i = 1; i <= 3; ++i) {
-      unsigned sum = 0;
-      out << " r" << i << ":";
-      for (int j = 1; j <= columns; ++j) {
-        const unsigned a = next();
-        sum += a;
-        out << " + " << a << " x" << j;
-      }
-      if (with_slack) out << " + s" << i << " - t" << i;
-      out << " = " << sum / 2 << "\n";
-    }
-    out << "binary\n";
-    for (int j = 1; j <= columns; ++j) out << " x" << j;
-    out << "\nend\n";
-    return out.str();
+    return support::market_split({.equations = 3, .columns = columns, .below = 10000, .slacks = with_slack});
   }
   /* Starts the program, waits for a word of its log, then interrupts. */
   Result interrupted(const support::Words& words, const std::string& awaited, int signal) {

@@ -1,8 +1,7 @@
 /* What an optimization has counted: the sums that must agree, with each other and with the counters that have routines
  * of their own. */
-#include <nlohmann/json.hpp>
-
 #include "support/solve_fixture.h"
+#include "support/statistics.h"
 
 namespace {
 
@@ -13,16 +12,7 @@ using Json = nlohmann::json;
 
 class Statistics : public support::WithSolves {
  protected:
-  Json of(ProbHandle lp) {
-    int surplus = 0;
-    EXPECT_EQ(TVKgetstatistics(env_, lp, nullptr, 0, &surplus), TVK_ERROR_ARRAY_TOO_SHORT);
-    EXPECT_LT(surplus, 0);
-    std::string text(static_cast<std::size_t>(-surplus), '?');
-    EXPECT_EQ(TVKgetstatistics(env_, lp, text.data(), -surplus, &surplus), 0);
-    EXPECT_EQ(surplus, 0);
-    EXPECT_EQ(text.back(), '\0');
-    return Json::parse(text.c_str());
-  }
+  Json of(ProbHandle lp) { return support::statistics(env_, lp); }
   void set(int parameter, int value) { ASSERT_EQ(TVKsetintparam(env_, parameter, value), 0); }
 
   static int iterations(const Json& algorithm) {

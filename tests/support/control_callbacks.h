@@ -5,7 +5,7 @@
 #include <map>
 #include <vector>
 
-#include "support/mip_models.h"
+#include "support/knapsack_models.h"
 
 namespace support {
 
@@ -97,10 +97,10 @@ inline void call_delete_node(ConstEnvHandle, int from, void* handle, int sequenc
 }
 }
 
-class WithControl : public WithMixedIntegerModels {
+class WithControl : public KnapsackModels {
  protected:
   void SetUp() override {
-    WithMixedIntegerModels::SetUp();
+    KnapsackModels::SetUp();
     // What the search finds by itself would leave callbacks little to do.
     ASSERT_EQ(TVKsetintparam(env_, TVK_PARAM_CUTPASS, -1), 0);
     ASSERT_EQ(TVKsetintparam(env_, TVK_PARAM_HEURFREQ, -1), 0);

@@ -1,14 +1,14 @@
-/* Mixed-integer models in LP format through the public header, with what is printed about them. */
+/* Mixed-integer models that are solved through the public header, with what is printed about them. */
 #pragma once
 
 #include <unistd.h>
 
 #include <cmath>
-#include <cstdio>
 #include <string>
 #include <vector>
 
 #include "support/environment_fixture.h"
+#include "support/read_text.h"
 
 namespace support {
 
@@ -18,17 +18,7 @@ class MipModels : public WithEnvironment {
     WithEnvironment::SetUp();
     ASSERT_EQ(TVKaddfuncdest(env_, results_, &log_text_, keep_text), 0);
   }
-  ProbHandle read(const std::string& model) {
-    int status = -1;
-    ProbHandle lp = TVKcreateprob(env_, &status, "model");
-    const std::string file = temporary("model.lp");
-    FILE* out = std::fopen(file.c_str(), "w");
-    std::fputs(model.c_str(), out);
-    std::fclose(out);
-    EXPECT_EQ(TVKreadcopyprob(env_, lp, file.c_str(), "LP"), 0) << errors();
-    std::remove(file.c_str());
-    return lp;
-  }
+  ProbHandle read(const std::string& model) { return read_text(env_, model); }
   static std::string temporary(const std::string& name) {
     return testing::TempDir() + "mip_" + std::to_string(getpid()) + "_" + name;
   }
@@ -41,6 +31,7 @@ class MipModels : public WithEnvironment {
     EXPECT_EQ(TVKgetobjval(env_, lp, &value), 0);
     return value;
   }
+  std::vector<double> x(ProbHandle lp) { return columns(lp, TVKgetx); }
   std::vector<double> columns(ProbHandle lp, int (*get)(ConstEnvHandle, ConstProbHandle, double*, int, int)) {
     std::vector<double> values(static_cast<std::size_t>(TVKgetnumcols(env_, lp)));
     EXPECT_EQ(get(env_, lp, values.data(), 0, static_cast<int>(values.size()) - 1), 0);

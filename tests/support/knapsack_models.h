@@ -1,18 +1,18 @@
-/* Small mixed-integer models that are made and solved through the public header. */
+/* Knapsacks of binaries that are made through the public header, for a search that logs nothing. */
 #pragma once
 
 #include <cmath>
 #include <string>
 #include <vector>
 
-#include "support/environment_fixture.h"
+#include "support/mip_fixture.h"
 
 namespace support {
 
-class WithMixedIntegerModels : public WithEnvironment {
+class KnapsackModels : public MipModels {
  protected:
   void SetUp() override {
-    WithEnvironment::SetUp();
+    MipModels::SetUp();
     ASSERT_EQ(TVKsetintparam(env_, TVK_PARAM_MIPDISPLAY, 0), 0);
   }
   /* Binary knapsack rows with weights that leave a search something to do; maximized. */
@@ -44,20 +44,6 @@ class WithMixedIntegerModels : public WithEnvironment {
               0);
     EXPECT_EQ(TVKchgobjsen(env_, lp, -1), 0);
     return lp;
-  }
-  int solve(ProbHandle lp) {
-    EXPECT_EQ(TVKmipopt(env_, lp), 0) << errors();
-    return TVKgetstat(env_, lp);
-  }
-  double objective(ProbHandle lp) {
-    double value = NAN;
-    EXPECT_EQ(TVKgetobjval(env_, lp, &value), 0);
-    return value;
-  }
-  std::vector<double> x(ProbHandle lp) {
-    std::vector<double> values(static_cast<std::size_t>(TVKgetnumcols(env_, lp)));
-    EXPECT_EQ(TVKgetx(env_, lp, values.data(), 0, static_cast<int>(values.size()) - 1), 0);
-    return values;
   }
 };
 
