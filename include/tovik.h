@@ -1145,7 +1145,7 @@ TVK_API int TVKgetticks(ConstEnvHandle env, ConstProbHandle lp, double *ticks_p)
 #define TVK_PARAM_FRACCAND               2048 /* int 200, 1 to 2100000000; stored only */
 #define TVK_PARAM_FRACCUTS               2049 /* int 0, -1 to 2 */
 #define TVK_PARAM_FRACPASS               2050 /* int 0, 0 to 2100000000; stored only */
-#define TVK_PARAM_FLOWPATHS              2051 /* int 0, -1 to 2; stored only */
+#define TVK_PARAM_FLOWPATHS              2051 /* int 0, -1 to 2 */
 #define TVK_PARAM_MIRCUTS                2052 /* int 0, -1 to 2 */
 #define TVK_PARAM_DISJCUTS               2053 /* int 0, -1 to 3; stored only */
 #define TVK_PARAM_AGGCUTLIM              2054 /* int 3, 0 to 2100000000; stored only */

@@ -71,7 +71,7 @@ inline constexpr auto kMip = std::to_array<Entry>({
     unused(integer(NAMED(FRACCAND), 200, 1, kUnlimited, "Candidate rows for fractional cuts")),
     integer(NAMED(FRACCUTS), 0, -1, 2, "Fractional cuts: -1 none, 0 automatic, 1-2 ever more"),
     unused(integer(NAMED(FRACPASS), 0, 0, kUnlimited, "Rounds of fractional cuts: 0 automatic")),
-    unused(integer(NAMED(FLOWPATHS), 0, -1, 2, "Flow path cuts: -1 none, 0 automatic, 1-2 ever more")),
+    integer(NAMED(FLOWPATHS), 0, -1, 2, "Flow path cuts: -1 none, 0 automatic, 1-2 ever more"),
     integer(NAMED(MIRCUTS), 0, -1, 2, "Mixed-integer rounding cuts: -1 none, 0 automatic, 1-2 ever more"),
     unused(integer(NAMED(DISJCUTS), 0, -1, 3, "Disjunctive cuts: -1 none, 0 automatic, 1-3 ever more")),
     unused(integer(NAMED(AGGCUTLIM), 3, 0, kUnlimited,

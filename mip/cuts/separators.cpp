@@ -3,6 +3,7 @@
 #include "mip/cuts/aggregated_rounding.h"
 #include "mip/cuts/clique_cuts.h"
 #include "mip/cuts/cover.h"
+#include "mip/cuts/flow_path.h"
 #include "mip/cuts/gomory.h"
 #include "mip/cuts/implied_bounds.h"
 #include "mip/cuts/user_cuts.h"
@@ -21,6 +22,7 @@ std::vector<std::unique_ptr<Plugin>> make_separators(const Global& global) {
   add(cuts.cliques, std::make_unique<CliqueCuts>());
   add(cuts.covers, std::make_unique<CoverCuts>(global));
   add(cuts.flow_covers, std::make_unique<AggregatedRounding>(Substitution::variable_bounds));
+  add(cuts.flow_paths, std::make_unique<FlowPaths>());
   add(cuts.rounding, std::make_unique<AggregatedRounding>(Substitution::bounds));
   add(cuts.zero_half, std::make_unique<ZeroHalfCuts>());
   add(cuts.fractional, std::make_unique<GomoryCuts>());

@@ -107,6 +107,7 @@ Settings settings_of(const Environment& env, const tovik::Problem& problem) {
   out.cuts.covers = s.integer(TVK_PARAM_COVERS);
   out.cuts.cliques = s.integer(TVK_PARAM_CLIQUES);
   out.cuts.flow_covers = s.integer(TVK_PARAM_FLOWCOVERS);
+  out.cuts.flow_paths = s.integer(TVK_PARAM_FLOWPATHS);
   out.cuts.implied_bounds = s.integer(TVK_PARAM_IMPLBD);
   out.cuts.zero_half = s.integer(TVK_PARAM_ZEROHALFCUTS);
   take_number(s.real(TVK_PARAM_CUTSFACTOR), out.cuts.rows_factor);

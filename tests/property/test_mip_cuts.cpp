@@ -26,7 +26,7 @@ int models(int otherwise) {
 CutSettings no_cuts() {
   CutSettings cuts;
   cuts.fractional = cuts.rounding = cuts.covers = cuts.cliques = -1;
-  cuts.flow_covers = cuts.implied_bounds = cuts.zero_half = -1;
+  cuts.flow_covers = cuts.flow_paths = cuts.implied_bounds = cuts.zero_half = -1;
   cuts.rows_factor = 100;
   return cuts;
 }
@@ -130,6 +130,10 @@ TEST_F(Cuts, GomoryHoldsEverywhere) {
 
 TEST_F(Cuts, FlowCoversHoldEverywhere) {
   run([](CutSettings& cuts) { cuts.flow_covers = 0; });
+}
+
+TEST_F(Cuts, FlowPathsHoldEverywhere) {
+  run([](CutSettings& cuts) { cuts.flow_paths = 0; });
 }
 
 TEST_F(Cuts, CoversHoldEverywhere) {

@@ -29,10 +29,14 @@ class StructuredMip {
       const double lower = random_.chance(0.7) ? 0 : random_.pick(-3, 2);
       column(lower, random_.chance(0.3) ? tovik::lp::kInf : lower + random_.pick(1, 9), 0);
     }
+    const int periods = random_.chance(0.3) ? random_.pick(2, 4) : 0;
+    for (int k = 2 * periods; k > 0; --k)
+      column(0, random_.chance(0.5) ? tovik::lp::kInf : random_.pick(3, 20), 0);
+    if (periods > 0) stocks(columns() - 2 * periods, periods, binaries);
     if (random_.chance(0.7)) knapsack(integers, random_.pick(2, 9));
     if (random_.chance(0.4)) knapsack(integers, random_.pick(2, 30));
     for (int k = random_.pick(0, 3); k > 0; --k) packing(binaries);
-    for (int j = integers; j < columns(); ++j) {
+    for (int j = integers; j < integers + continuous; ++j) {
       if (random_.chance(0.7)) switched(j, random_.below(binaries));
     }
     if (continuous > 0 && random_.chance(0.8)) balance(integers);
@@ -119,6 +123,18 @@ class StructuredMip {
       r.lower = -tovik::lp::kInf;
     else
       r.lower = std::exchange(r.upper, tovik::lp::kInf);
+  }
+  /* A product's periods: what comes in by a switch and what was in stock meets a demand or is stored. */
+  void stocks(int first, int periods, int binaries) {
+    for (int t = 0; t < periods; ++t) {
+      switched(first + t, random_.below(binaries));
+      const double demand = random_.pick(0, 9);
+      Row& r = row(demand, random_.chance(0.7) ? demand : tovik::lp::kInf);
+      r.a[first + t] = random_.chance(0.8) ? 1 : random_.pick(1, 3);
+      if (t > 0) r.a[first + periods + t - 1] = 1;
+      r.a[first + periods + t] = -1;
+      if (random_.chance(0.2)) flip(r);
+    }
   }
   void mixed() {
     Row& r = row(-tovik::lp::kInf, 0);
