@@ -1,5 +1,6 @@
 #include "mip/worker/worker.h"
 
+#include <algorithm>
 #include <cmath>
 #include <utility>
 
@@ -58,43 +59,79 @@ lp::Outcome Worker::solve(const lp::simplex::Limits& limits, lp::simplex::Detail
   return outcome;
 }
 
+namespace {
+
+constexpr double kNoise = 1e-12;   // of a reduced cost, relative to its terms
+constexpr double kUnit = 1.2e-16;  // relative rounding of one operation
+constexpr double kLoss =
+    1e-14;  // of the objective, relative, that the margin for rounding of a column may take
+
+/* A reduced cost, the sum of its terms' magnitudes, and by how much rounding may have moved it. */
+struct ReducedCost {
+  double value, terms, error;
+};
+
+ReducedCost plain_sum(const lp::simplex::Relaxation& relaxation, double cost, int j, const double* y) {
+  double sum = cost, terms = std::fabs(cost);
+  int count = 2;
+  relaxation.each_entry(j, [&](int i, double a) {
+    const double product = a * y[i];
+    sum -= product;
+    terms += std::fabs(product);
+    ++count;
+  });
+  return {sum, terms, count * kUnit * terms};
+}
+
+double compensated_sum(const lp::simplex::Relaxation& relaxation, double cost, int j, const double* y) {
+  lp::CompensatedSum sum;
+  sum.add(cost);
+  relaxation.each_entry(j, [&](int i, double a) { sum.add_product(-a, y[i]); });
+  return sum.value();
+}
+
+}  // namespace
+
 double Worker::safe_bound() {
-  constexpr double kNoise = 1e-12;  // of a reduced cost, relative to its largest term
   const std::span<const double> y = relaxation->duals();
   const lp::LpData& rows = relaxation->user_lp();
   lp::CompensatedSum bound;
   bound.add(rows.offset);
-  std::vector<double>& used = used_duals_;
-  used.assign(y.begin(), y.end());
-  safe_reduced_costs_.assign(static_cast<std::size_t>(rows.num_columns()), 0.0);
+  used_duals_.assign(y.begin(), y.end());
   for (int i = 0; i < rows.num_rows(); ++i) {
-    if (used[i] == 0) continue;
-    const double side = used[i] > 0 ? rows.row_lower[i] : rows.row_upper[i];
+    double& used = used_duals_[i];
+    if (used == 0) continue;
+    const double side = used > 0 ? rows.row_lower[i] : rows.row_upper[i];
     if (std::isinf(side)) {
-      used[i] = 0;
+      used = 0;
     } else {
-      bound.add_product(used[i], side);
+      bound.add_product(used, side);
     }
   }
+  safe_reduced_costs_.resize(static_cast<std::size_t>(rows.num_columns()));
+  double margin = 0;  // what rounding may have added
+  const double allowed = kLoss * std::max(1.0, std::fabs(relaxation->objective()));
   for (int j = 0; j < rows.num_columns(); ++j) {
-    lp::CompensatedSum d;
-    d.add(rows.cost[j]);
-    double terms = std::fabs(rows.cost[j]);
-    relaxation->each_entry(j, [&](int i, double a) {
-      d.add_product(-a, used[i]);
-      terms = std::max(terms, std::fabs(a * used[i]));
-    });
-    const double z = d.value();
-    if (z == 0) continue;
-    safe_reduced_costs_[j] = z;
-    const double at = z > 0 ? domain.lower(j) : domain.upper(j);
+    ReducedCost d = plain_sum(*relaxation, rows.cost[j], j, used_duals_.data());
+    const double lower = domain.lower(j), upper = domain.upper(j);
+    // A bound at infinity counts where the column's sign names it only.
+    const double far =
+        std::max(std::isinf(lower) ? 0 : std::fabs(lower), std::isinf(upper) ? 0 : std::fabs(upper));
+    if (d.error * far > allowed) {
+      d.value = compensated_sum(*relaxation, rows.cost[j], j, used_duals_.data());
+    } else {
+      margin += d.error * far;
+    }
+    safe_reduced_costs_[j] = d.value;
+    if (d.value == 0) continue;
+    const double at = d.value > 0 ? lower : upper;
     if (!std::isinf(at)) {
-      bound.add_product(z, at);
-    } else if (std::fabs(z) > kNoise * terms) {
+      bound.add_product(d.value, at);
+    } else if (std::fabs(d.value) > kNoise * d.terms) {
       return -kInf;
     }
   }
-  return bound.value();
+  return bound.value() - margin;
 }
 
 bool Worker::is_proven_infeasible() {

@@ -79,7 +79,8 @@ struct Worker {
                     lp::simplex::Detail detail = lp::simplex::Detail::primal);
 
   /* A bound on the objective of the relaxation within the domain that holds whatever rounding did: from the present
-   * duals, by compensated sums, with the domain's bounds (Neumaier and Shcherbina, Math. Programming 99 (2004)).
+   * duals, with the domain's bounds ("Safe bounds in linear and mixed-integer linear programming", 2004), less what rounding
+   * may have added to the reduced costs, or from compensated sums where that is much.
    * -kInf where a column without bound has a reduced cost. Leaves the reduced costs that belong to it: the objective is at
    * least the bound plus d_j times the distance of x_j from the bound that d_j's sign names. Cost: one pass over the
    * entries. */
