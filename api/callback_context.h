@@ -21,26 +21,36 @@ inline Status find_context(Environment& env, void* cbdata, SearchCallback** call
 
 /* worker: Status(Environment&, SearchCallback&). */
 template <class Worker>
-int with_context(ConstEnvHandle env, void* cbdata, Worker&& worker,
-                 CallbackContext allowed = CallbackContext::refused) {
+int with_context(ConstEnvHandle env, void* cbdata, Worker&& worker) {
   const auto find = [&](Environment& e) -> Status {
     SearchCallback* callback = nullptr;
     if (const Status s = find_context(e, cbdata, &callback); !s.ok()) return s;
     if (!callback->scene().has_search()) return TVK_ERROR_NOT_MIP;
     return worker(e, *callback);
   };
-  return with_environment(env, find, allowed);
+  return with_environment(env, find, CallbackContext::refused);
+}
+
+/* Before there is a search, too, and from the info callback; 1003 as well for a wherefrom that is not the call's own. */
+template <class Worker>
+int with_any_context(ConstEnvHandle env, void* cbdata, int wherefrom, Worker&& worker) {
+  const auto find = [&](Environment& e) -> Status {
+    SearchCallback* callback = nullptr;
+    if (const Status s = find_context(e, cbdata, &callback); !s.ok()) return s;
+    if (callback->wherefrom() != wherefrom) return TVK_ERROR_BAD_ARGUMENT;
+    return worker(e, *callback);
+  };
+  return with_environment(env, find, CallbackContext::allowed);
 }
 
 /* 1003 as well for a wherefrom that is not the call's own. */
 template <class Worker>
-int with_context(ConstEnvHandle env, void* cbdata, int wherefrom, Worker&& worker,
-                 CallbackContext allowed = CallbackContext::refused) {
+int with_context(ConstEnvHandle env, void* cbdata, int wherefrom, Worker&& worker) {
   const auto compare = [&](Environment& e, SearchCallback& callback) -> Status {
     if (callback.wherefrom() != wherefrom) return TVK_ERROR_BAD_ARGUMENT;
     return worker(e, callback);
   };
-  return with_context(env, cbdata, compare, allowed);
+  return with_context(env, cbdata, compare);
 }
 
 /* Where there is a node; 3003 else. */

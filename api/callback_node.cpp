@@ -19,6 +19,17 @@ Status put(void* result, Value value) {
   return 0;
 }
 
+/* Whether the point in question holds to a set or an indicator. */
+template <class Object>
+Status put_feasibility(const SearchCallback& callback, const Object& object, void* result) {
+  const CallbackScene& scene = callback.scene();
+  const mip::Sight* sight = callback.view().sight;
+  if (sight == nullptr || !sight->has_point) return TVK_ERROR_NO_SOLUTION;
+  const double tolerance = scene.search().global().settings.tolerances.feasibility;
+  const std::vector<double> point = scene.whole_point(*sight);
+  return put(result, mip::violation(object, point) <= tolerance ? 1 : 0);
+}
+
 /* Contexts in which there is a node's problem to look at. */
 bool has_node_problem(int wherefrom) {
   for (const int context : {101, 102, 104, 105, 106, 111, 113}) {
@@ -58,7 +69,7 @@ int TVKgetcallbacknodeobjval(ConstEnvHandle env, void* cbdata, int wherefrom, do
   return api::with_node(env, cbdata, wherefrom, [&](Environment&, SearchCallback& callback) -> Status {
     if (objval_p == nullptr) return TVK_ERROR_NULL_POINTER;
     const mip::Sight& sight = *callback.view().sight;
-    if (sight.x.empty()) return TVK_ERROR_NO_SOLUTION;
+    if (!sight.has_point) return TVK_ERROR_NO_SOLUTION;
     return put(objval_p, callback.scene().objective(sight.objective));
   });
 }
@@ -105,11 +116,11 @@ int TVKgetcallbacksosinfo(ConstEnvHandle env, void* cbdata, int wherefrom, int s
   const auto write = [&](Environment&, SearchCallback& callback) -> Status {
     if (result_p == nullptr) return TVK_ERROR_NULL_POINTER;
     const CallbackScene& scene = callback.scene();
-    const mip::Global& global = scene.search().global();
-    const auto count = static_cast<int>(global.problem.sets.size());
+    const std::vector<mip::OrderedSet>& sets = scene.shown().sets;
+    const auto count = static_cast<int>(sets.size());
     if (whichinfo == TVK_CALLBACK_INFO_SOS_COUNT) return put(result_p, count);
     if (sosindex < 0 || sosindex >= count) return TVK_ERROR_INDEX_RANGE;
-    const mip::OrderedSet& set = global.problem.sets[sosindex];
+    const mip::OrderedSet& set = sets[sosindex];
     const auto size = static_cast<int>(set.columns.size());
     switch (whichinfo) {
       case TVK_CALLBACK_INFO_SOS_TYPE:
@@ -117,14 +128,11 @@ int TVKgetcallbacksosinfo(ConstEnvHandle env, void* cbdata, int wherefrom, int s
       case TVK_CALLBACK_INFO_SOS_SIZE:
         return put(result_p, size);
       case TVK_CALLBACK_INFO_SOS_IS_FEASIBLE: {
-        const mip::Sight* sight = callback.view().sight;
-        if (sight == nullptr || sight->x.empty()) return TVK_ERROR_NO_SOLUTION;
-        const double tolerance = global.settings.tolerances.feasibility;
-        return put(result_p, mip::violation(set, sight->x) <= tolerance ? 1 : 0);
+        return put_feasibility(callback, set, result_p);
       }
       case TVK_CALLBACK_INFO_SOS_MEMBER:
         if (member < 0 || member >= size) return TVK_ERROR_INDEX_RANGE;
-        return put(result_p, scene.shown_column(set.columns[member]));
+        return put(result_p, set.columns[member]);
       default:
         return TVK_ERROR_BAD_ARGUMENT;
     }
@@ -137,21 +145,18 @@ int TVKgetcallbackindicatorinfo(ConstEnvHandle env, void* cbdata, int wherefrom,
   const auto write = [&](Environment&, SearchCallback& callback) -> Status {
     if (result_p == nullptr) return TVK_ERROR_NULL_POINTER;
     const CallbackScene& scene = callback.scene();
-    const mip::Global& global = scene.search().global();
-    const auto count = static_cast<int>(global.problem.indicators.size());
+    const std::vector<mip::Indicator>& indicators = scene.shown().indicators;
+    const auto count = static_cast<int>(indicators.size());
     if (whichinfo == TVK_CALLBACK_INFO_INDICATOR_COUNT) return put(result_p, count);
     if (iindex < 0 || iindex >= count) return TVK_ERROR_INDEX_RANGE;
-    const mip::Indicator& indicator = global.problem.indicators[iindex];
+    const mip::Indicator& indicator = indicators[iindex];
     switch (whichinfo) {
       case TVK_CALLBACK_INFO_INDICATOR_COLUMN:
-        return put(result_p, scene.shown_column(indicator.switch_column));
+        return put(result_p, indicator.switch_column);
       case TVK_CALLBACK_INFO_INDICATOR_COMPLEMENTED:
         return put(result_p, indicator.active_value == 0 ? 1 : 0);
       case TVK_CALLBACK_INFO_INDICATOR_IS_FEASIBLE: {
-        const mip::Sight* sight = callback.view().sight;
-        if (sight == nullptr || sight->x.empty()) return TVK_ERROR_NO_SOLUTION;
-        const double tolerance = global.settings.tolerances.feasibility;
-        return put(result_p, mip::violation(indicator, sight->x) <= tolerance ? 1 : 0);
+        return put_feasibility(callback, indicator, result_p);
       }
       default:
         return TVK_ERROR_BAD_ARGUMENT;

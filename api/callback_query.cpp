@@ -30,14 +30,6 @@ void fill(const Range& range, T* out, Value value) {
   for (int j = range.begin; j <= range.end; ++j) out[j - range.begin] = value(j);
 }
 
-/* Entries of a point of the search. */
-void copy_point(const CallbackScene& scene, const Range& range, std::span<const double> searched,
-                double* out) {
-  if (range.begin > range.end) return;
-  const std::vector<double> point = scene.point(searched);
-  std::copy(point.begin() + range.begin, point.begin() + range.end + 1, out);
-}
-
 /* Bounds that make(columns) returns. */
 template <class Value>
 int get_bounds(ConstEnvHandle env, void* cbdata, int wherefrom, const Range& range, double* out,
@@ -67,7 +59,7 @@ int TVKgetcallbackincumbent(ConstEnvHandle env, void* cbdata, int wherefrom, dou
     fill(range, x, [&](int j) { return point[j]; });
     return 0;
   };
-  return api::with_context(env, cbdata, wherefrom, copy, CallbackContext::allowed);
+  return api::with_any_context(env, cbdata, wherefrom, copy);
 }
 
 int TVKgetcallbacknodex(ConstEnvHandle env, void* cbdata, int wherefrom, double* x, int begin, int end) {
@@ -75,9 +67,11 @@ int TVKgetcallbacknodex(ConstEnvHandle env, void* cbdata, int wherefrom, double*
     if (x == nullptr) return TVK_ERROR_NULL_POINTER;
     const Range range{"TVKgetcallbacknodex", begin, end};
     if (const Status s = check(e, callback, range); !s.ok()) return s;
-    const std::span<const double> point = callback.view().sight->x;
-    if (point.empty()) return TVK_ERROR_NO_SOLUTION;
-    copy_point(callback.scene(), range, point, x);
+    const mip::Sight& sight = *callback.view().sight;
+    if (!sight.has_point) return TVK_ERROR_NO_SOLUTION;
+    if (begin > end) return 0;
+    const std::vector<double> point = callback.scene().point(sight);
+    std::copy(point.begin() + begin, point.begin() + end + 1, x);
     return 0;
   });
 }
@@ -89,10 +83,10 @@ int TVKgetcallbacknodeintfeas(ConstEnvHandle env, void* cbdata, int wherefrom, i
     const Range range{"TVKgetcallbacknodeintfeas", begin, end};
     const CallbackScene& scene = callback.scene();
     if (const Status s = check(e, callback, range); !s.ok()) return s;
-    const std::span<const double> searched = callback.view().sight->x;
-    if (searched.empty()) return TVK_ERROR_NO_SOLUTION;
+    const mip::Sight& sight = *callback.view().sight;
+    if (!sight.has_point) return TVK_ERROR_NO_SOLUTION;
     const SearchColumns columns(scene);
-    const std::vector<double> point = scene.point(searched);
+    const std::vector<double> point = scene.point(sight);
     const double tolerance = scene.search().global().settings.tolerances.integrality;
     fill(range, feas, [&](int j) {
       return columns.is_integer(j) && mip::fractionality(point[j]) > tolerance ? TVK_INTEGER_INFEASIBLE

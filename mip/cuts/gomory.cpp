@@ -16,6 +16,8 @@ constexpr std::size_t kRows = 500;  // tableau rows a round
 }  // namespace
 
 Verdict GomoryCuts::call(Worker& worker, const Moment& moment) {
+  const int rounds = worker.global.settings.cuts.fractional_rounds;
+  if (rounds > 0 && moment.root && moment.round >= rounds) return Verdict::nothing;
   const std::span<const double> x = worker.relaxation->primal();
   const std::span<const int> head = worker.relaxation->basis_head();
   struct Position {

@@ -27,6 +27,7 @@ struct SemiColumn {
 struct OrderedSet {
   int type;                  // 1 or 2
   std::vector<int> columns;  // by ascending weight
+  int number = -1;           // among the sets of the problem that was given, for its owner
 };
 
 /* While the switch column (0 or 1) has its active value, the slack is 0. */

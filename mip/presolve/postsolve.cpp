@@ -94,6 +94,35 @@ std::vector<double> Postsolve::expand(std::span<const double> reduced) const {
   return x;
 }
 
+Postsolve::Box Postsolve::range(const Substituted& r, std::span<const Box> boxes) const {
+  Box sum{r.constant, r.constant};
+  for (std::size_t k = r.begin; k < r.end; ++k) {
+    const Box& box = boxes[terms_[k].column];
+    const double v = terms_[k].value;
+    sum.lower += v * (v > 0 ? box.lower : box.upper);
+    sum.upper += v * (v > 0 ? box.upper : box.lower);
+  }
+  return sum;
+}
+
+std::vector<Postsolve::Box> Postsolve::expand_bounds(std::span<const Box> reduced) const {
+  std::vector<Box> boxes(is_integer_.size());
+  for (std::size_t j = 0; j < column_map_.size(); ++j) boxes[column_map_[j]] = reduced[j];
+  for (std::size_t k = records_.size(); k-- > 0;) {
+    if (const auto* fixed = std::get_if<Fixed>(&records_[k])) {
+      boxes[fixed->column] = {fixed->value, fixed->value};
+    } else if (const auto* r = std::get_if<Substituted>(&records_[k])) {
+      boxes[r->column] = range(*r, boxes);
+    } else if (const auto* merged = std::get_if<Merged>(&records_[k])) {
+      boxes[merged->kept] = merged->kept_box;
+      boxes[merged->gone] = merged->gone_box;
+    } else if (const auto* slack = std::get_if<Slack>(&records_[k])) {
+      boxes[slack->column] = slack->box;
+    }
+  }
+  return boxes;
+}
+
 std::vector<double> Postsolve::crush(std::span<const double> original) const {
   std::vector<double> x(original.begin(), original.end());
   for (const Record& record : records_) {

@@ -8,6 +8,7 @@
  * - crush(): the point, or the linear form, of the reduced problem that belongs to one of the original. A point that presolve
  *   has cut off for a better one lands outside the reduced problem: the caller judges it. A form has none where it tells
  *   apart columns that were merged, or uses a column that became the slack of a row.
+ * - expand_bounds(): what bounds of the reduced columns say of the original ones. A merged column has the bounds that it had.
  * - Cost: what the records hold, and the columns. Errors: bad_alloc. */
 #pragma once
 
@@ -55,6 +56,7 @@ class Postsolve {
   int original_columns() const { return static_cast<int>(is_integer_.size()); }
 
   std::vector<double> expand(std::span<const double> reduced) const;
+  std::vector<Box> expand_bounds(std::span<const Box> reduced) const;
   std::vector<double> crush(std::span<const double> original) const;
   std::optional<LinearForm> crush(const LinearForm& original) const;
 
@@ -89,6 +91,7 @@ class Postsolve {
   void undo(const Substituted& r, std::vector<double>& x) const;
   void undo(const Merged& r, std::vector<double>& x) const;
   void undo(const Slack& r, std::vector<double>& x) const;
+  Box range(const Substituted& r, std::span<const Box> boxes) const;
 
   std::vector<char> is_integer_;
   std::vector<Record> records_;

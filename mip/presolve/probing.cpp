@@ -10,6 +10,8 @@ namespace {
 
 using lp::presolve::Workspace;
 
+constexpr double kNoLimit = 1e75;
+
 struct Effort {
   std::int64_t work;  // entries, relative to those of the problem
   int useless;        // probes in a row without a result
@@ -75,6 +77,8 @@ class Probing {
   }
   bool goes_on() {
     tell_work();
+    const double most = state_.settings().probing_seconds;
+    if (most < kNoLimit && state_.ws().control.seconds() - begin_ >= most) return false;
     return state_.goes_on();
   }
   void commit() {
@@ -179,6 +183,7 @@ class Probing {
   std::vector<char> is_replaced_;
   std::vector<int> moved_;
   std::vector<Equality> equalities_;
+  const double begin_ = state_.ws().control.seconds();
   int epoch_ = 0, results_ = 0;
   std::int64_t told_ = 0;
 };

@@ -36,17 +36,23 @@ inline constexpr std::uint32_t kDualPresolveRules = rule_bit(PresolveRule::dual_
 
 struct PresolveSettings {
   bool on = true;
-  int passes = -1;           // rounds of all rules: -1 automatic, 0 none
-  int aggregator = -1;       // rounds of substitutions: -1 automatic, 0 none
-  int fill = 10;             // entries that one substitution may add
-  int coefficients = 2;      // rows that are tightened: 0 none, 1 of integer columns only, 2 all
-  int probing = 0;           // -1 none, 0 automatic, 1-3 ever more
+  int passes = -1;       // rounds of all rules: -1 automatic, 0 none
+  int aggregator = -1;   // rounds of substitutions: -1 automatic, 0 none
+  int fill = 10;         // entries that one substitution may add
+  int coefficients = 2;  // rows that are tightened: 0 none, 1 of integer columns only, 2 all
+  int probing = 0;       // -1 none, 0 automatic, 1-3 ever more
+  double probing_seconds = 1e75;
   int restarts = -1;         // presolve again after the root: -1 automatic, 0 no, larger: more readily
   bool primal = true;        // rules that keep every feasible point
   bool dual = true;          // rules that keep an optimal point
   bool linear_only = false;  // every column stays a linear function of the reduced ones
   std::uint32_t rules = kAllPresolveRules;
 
+  /* Every feasible point stays, and every column is a linear function of those that are left. */
+  void keep_all_points() {
+    dual = false;
+    linear_only = true;
+  }
   bool allows(PresolveRule rule) const {
     const std::uint32_t bit = rule_bit(rule);
     if ((rules & bit) == 0) return false;

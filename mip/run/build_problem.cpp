@@ -91,7 +91,9 @@ class Builder {
                        [](const auto& a, const auto& b) { return a.first < b.first; });
       OrderedSet set{sets.type()[k] == '1' ? 1 : 2, {}};
       for (const auto& [weight, j] : by_weight) set.columns.push_back(j);
-      if (!set.columns.empty()) problem_.sets.push_back(std::move(set));
+      if (set.columns.empty()) continue;
+      set.number = static_cast<int>(problem_.sets.size());
+      problem_.sets.push_back(std::move(set));
     }
   }
   void user_cuts() {

@@ -9,7 +9,6 @@
 #include "lp/run/warm_simplex.h"
 
 namespace tovik::mip::run {
-namespace {
 
 SearchCallbacks::Kinds kinds_of(const ControlCallbacks& functions) {
   SearchCallbacks::Kinds kinds;
@@ -24,10 +23,12 @@ SearchCallbacks::Kinds kinds_of(const ControlCallbacks& functions) {
   return kinds;
 }
 
+namespace {
+
 /* The children that the search proposes, in the arrays that a branch callback gets. */
 struct ProposedChildren {
   int type = TVK_BRANCH_OTHER;
-  int count = 0;
+  int set = -1, count = 0;
   std::vector<double> estimates, bounds;
   std::vector<int> begin, columns;
   std::vector<char> sides;
@@ -49,8 +50,9 @@ struct ProposedChildren {
       if (child.changes.size() == 1) type = TVK_BRANCH_COLUMN;
     }
     if (branching.set >= 0) {
-      type =
-          scene.search().global().problem.sets[branching.set].type == 1 ? TVK_BRANCH_SOS1 : TVK_BRANCH_SOS2;
+      const OrderedSet& branched = scene.search().global().problem.sets[branching.set];
+      type = branched.type == 1 ? TVK_BRANCH_SOS1 : TVK_BRANCH_SOS2;
+      set = scene.in_user_space ? branched.number : branching.set;
     }
   }
 };
@@ -131,7 +133,7 @@ OwnCuts CallerCallbacks::cuts(const Sight& sight) {
 }
 
 std::vector<double> CallerCallbacks::heuristic(const Sight& sight) {
-  std::vector<double> x = scene_.point(sight.x);
+  std::vector<double> x = scene_.point(sight);
   SearchCallback context(scene_, TVK_CALLBACK_MIP_HEURISTIC, {.sight = &sight});
   double objective = scene_.objective(sight.objective);
   int must_check = 1, action = TVK_CALLBACK_DEFAULT;
@@ -144,7 +146,7 @@ std::vector<double> CallerCallbacks::heuristic(const Sight& sight) {
 }
 
 bool CallerCallbacks::accepts(const Sight& sight) {
-  std::vector<double> x = scene_.point(sight.x);
+  std::vector<double> x = scene_.point(sight);
   SearchCallback context(scene_, TVK_CALLBACK_MIP_INCUMBENT, {.sight = &sight});
   int is_feasible = 1, action = TVK_CALLBACK_DEFAULT;
   const auto& slot = functions_.incumbent;
@@ -160,14 +162,14 @@ std::optional<std::vector<NewChild>> CallerCallbacks::branch(const Sight& sight,
       proposal.has_relaxation ? TVK_CALLBACK_MIP_BRANCH : TVK_CALLBACK_MIP_BRANCH_NO_SOLUTION;
   const auto& slot = proposal.has_relaxation ? functions_.branch : functions_.branch_without_solution;
   ProposedChildren proposed(scene_, proposal);
-  const int set = proposal.branching == nullptr ? -1 : proposal.branching->set;
   int action = TVK_CALLBACK_DEFAULT, code = 0;
   {
     SearchCallback context(scene_, wherefrom, {.sight = &sight, .children = &children});
-    code = slot.function(to_handle(&scene_.env), context.cbdata_value(), wherefrom, slot.handle,
-                         proposed.type, set, proposed.count, static_cast<int>(proposed.columns.size()),
-                         proposed.estimates.data(), proposed.begin.data(), proposed.columns.data(),
-                         proposed.sides.data(), proposed.bounds.data(), &action);
+    code =
+        slot.function(to_handle(&scene_.env), context.cbdata_value(), wherefrom, slot.handle, proposed.type,
+                      proposed.set, proposed.count, static_cast<int>(proposed.columns.size()),
+                      proposed.estimates.data(), proposed.begin.data(), proposed.columns.data(),
+                      proposed.sides.data(), proposed.bounds.data(), &action);
   }
   if (!has_failed(code, action) && action == TVK_CALLBACK_SET) return children;
   // What was made is not taken: its owner hears of it.

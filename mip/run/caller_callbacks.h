@@ -13,6 +13,9 @@
 
 namespace tovik::mip::run {
 
+/* What is asked for where these are registered. */
+SearchCallbacks::Kinds kinds_of(const ControlCallbacks& functions);
+
 class CallerCallbacks : public SearchCallbacks {
  public:
   CallerCallbacks(const CallbackScene& scene, const ControlCallbacks& functions);

@@ -43,13 +43,17 @@ Cut cut_of(const CallbackScene& scene, const CallerRow& row) {
 }
 
 void add_bound(const CallbackScene& scene, const CallerBound& bound, NewChild& child) {
-  const int column = scene.in_user_space ? scene.spaces.searched_column(bound.column) : bound.column;
-  if (column >= 0) {
-    if (bound.side != 'U') child.changes.push_back({column, Side::lower, bound.value});
-    if (bound.side != 'L') child.changes.push_back({column, Side::upper, bound.value});
+  const double one = 1;
+  LinearForm form{{bound.column}, {one}, 0};
+  if (scene.in_user_space) form = scene.spaces.crush(std::move(form));
+  if (form.columns.size() == 1) {
+    const double value = (bound.value - form.constant) / form.values[0];
+    const bool falls = form.values[0] < 0;
+    const int column = form.columns[0];
+    if (bound.side != 'U') child.changes.push_back({column, falls ? Side::upper : Side::lower, value});
+    if (bound.side != 'L') child.changes.push_back({column, falls ? Side::lower : Side::upper, value});
     return;
   }
-  const double one = 1;
   const int sense = bound.side == 'U' ? 'L' : bound.side == 'L' ? 'G' : 'E';
   child.rows.push_back(cut_of(scene, {1, &bound.column, &one, bound.value, sense}));
 }

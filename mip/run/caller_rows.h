@@ -23,7 +23,7 @@ struct CallerBound {
 /* a x <= b as it stands, a x >= b negated; of an equation both sides. */
 Cut cut_of(const CallbackScene& scene, const CallerRow& row);
 
-/* As a change of a bound, or as a row where the column is not searched. */
+/* As a change of a bound, or as a row where the column is a sum of several that are searched, or none. */
 void add_bound(const CallbackScene& scene, const CallerBound& bound, NewChild& child);
 
 }  // namespace tovik::mip::run

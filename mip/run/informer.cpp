@@ -29,7 +29,7 @@ void Informer::inform(int wherefrom) {
   if (std::exchange(is_informing_, true)) return;
   last_ticks_ = env.work->ticks;
   const auto call = [&](const CallbackSlot<InformFunction>& slot) {
-    const Sight sight{scene_.has_search() ? scene_.search().node_in_process() : -1, {}, kInf, false};
+    const Sight sight{.slot = scene_.has_search() ? scene_.search().node_in_process() : -1};
     SearchCallback context(scene_, wherefrom, {.sight = sight.slot >= 0 ? &sight : nullptr});
     return slot.function(to_handle(&env), context.cbdata_value(), wherefrom, slot.handle) != 0;
   };

@@ -4,6 +4,7 @@
 #include <climits>
 #include <cmath>
 #include <memory>
+#include <new>
 #include <optional>
 #include <utility>
 #include <vector>
@@ -89,10 +90,13 @@ class Audience : public Observer {
   Informer* informer_ = nullptr;
 };
 
-/* What the caller says in control callbacks holds of its own problem: there is no presolve between. */
+/* Nodes and columns are the same to control callbacks from beginning to end, and what they say of some points, others are not
+ * to answer for. */
 Settings settings_with_callbacks(const Environment& env, const tovik::Problem& problem) {
   Settings settings = settings_of(env, problem);
-  if (env.callbacks.control.any()) settings.presolve.on = false;
+  if (!env.callbacks.control.any()) return settings;
+  settings.presolve.restarts = 0;
+  if (kinds_of(env.callbacks.control).shape_the_problem()) settings.presolve.keep_all_points();
   return settings;
 }
 
@@ -108,9 +112,8 @@ struct KeptSearch : Derived {
         search(problem, settings_with_callbacks(env, user), control, audience),
         spaces(user.model->num_columns(), problem.num_columns(), search) {
     log.follow(search);
-    search.set_listener([this, &env, &user](const Presolved& presolved) {
-      if (!env.settings.integer(TVK_PARAM_PREIND)) return;
-      write_presolve_lines(env, user, presolved, log.seconds(), !search.stages().empty());
+    search.set_listener([this, &env, &user](const Presolved& presolved, bool again) {
+      write_presolve_lines(env, user, presolved, log.seconds(), again);
     });
   }
   bool has_callbacks() const { return functions.any(); }
@@ -122,7 +125,7 @@ struct KeptSearch : Derived {
   Audience audience;
   PresolvedSearch search;
   const SpaceMap spaces;
-  std::unique_ptr<tovik::Problem> searched_problem;  // as callbacks see it; null: nobody has asked
+  SearchedProblem searched_problem;
   SearchResult result;
   bool may_go_on = false;          // there is something left to do
   std::uint64_t tried_starts = 0;  // their identity
@@ -166,6 +169,16 @@ class CallScope {
  private:
   KeptSearch& kept_;
 };
+
+/* Where memory runs out the incumbent stays, as at the limit on the tree; the tree is not whole then. */
+Conclusion run_within_memory(PresolvedSearch& search, bool* is_whole) {
+  try {
+    return search.run();
+  } catch (const std::bad_alloc&) {
+    *is_whole = false;
+    return Conclusion::tree_limit;
+  }
+}
 
 /* The status with a solution; without one it is the next number, where there is a pair. */
 int status_code(Conclusion end, bool has_solution) {
@@ -260,6 +273,7 @@ void try_starts(Environment& env, const tovik::Problem& problem, lp::Control& co
     trial.cutoff = kept.search.incumbent().objective;
     return true;
   };
+  trial.count_iterations = [&](std::int64_t iterations) { kept.search.count_iterations(iterations); };
   if (is_new) try_last_solution(trial);
   try_mip_starts(trial);
 }
@@ -313,9 +327,10 @@ Status run_branch_and_cut(Environment& env, tovik::Problem& problem) {
   kept->log.begin();
   try_starts(env, problem, control, *kept, made != nullptr);
   kept->log.set_in_search(true);
-  const Conclusion end = kept->search.run();
+  bool is_whole = true;
+  const Conclusion end = run_within_memory(kept->search, &is_whole);
   kept->log.set_in_search(false);
-  kept->may_go_on = leaves_a_tree(end) && !functions.delete_node;
+  kept->may_go_on = leaves_a_tree(end) && is_whole && !functions.delete_node;
   lp::run::OptimizationStatistics& statistics = lp::run::statistics_of(problem);
   statistics.presolve.reset();
   statistics.simplex = kept->search.relaxation_statistics();
@@ -323,7 +338,7 @@ Status run_branch_and_cut(Environment& env, tovik::Problem& problem) {
   std::unique_ptr<tovik::Solution> solution = solution_of(problem, kept->search.incumbent());
   const Progress progress = kept->search.progress();
   // Who wants to hear of every node that goes hears of it before the call ends.
-  if (functions.delete_node) kept->search.search().drop_all_nodes();
+  if (functions.delete_node && is_whole && kept->search.has_search()) kept->search.search().drop_all_nodes();
   const double sign = problem.model->objective_sense();
   kept->result.best_bound = sign * (std::isinf(progress.best_bound) ? std::copysign(1e75, progress.best_bound)
                                                                     : progress.best_bound);

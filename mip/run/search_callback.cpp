@@ -36,8 +36,15 @@ double CallbackScene::sign() const {
   return problem.model->objective_sense();
 }
 
-std::vector<double> CallbackScene::point(std::span<const double> searched) const {
-  return in_user_space ? spaces.user_point(searched) : std::vector<double>(searched.begin(), searched.end());
+std::vector<double> CallbackScene::whole_point(const Sight& sight) const {
+  if (!in_user_space) return {sight.x.begin(), sight.x.end()};
+  return sight.given != nullptr ? sight.given->x : whole.expand(sight.x);
+}
+
+std::vector<double> CallbackScene::point(const Sight& sight) const {
+  std::vector<double> x = whole_point(sight);
+  x.resize(static_cast<std::size_t>(columns()));
+  return x;
 }
 
 double CallbackScene::objective(double searched) const {
@@ -50,10 +57,12 @@ Status CallbackScene::shown_problem(const tovik::Problem** shown) const {
     *shown = &problem;
     return {};
   }
-  if (searched_problem == nullptr) {
-    if (const Status s = make_searched_problem(*this, &searched_problem); !s.ok()) return s;
+  SearchedProblem& made = searched_problem;
+  if (made.problem == nullptr || made.stages != whole.stages().size()) {
+    if (const Status s = make_searched_problem(*this, &made.problem); !s.ok()) return s;
+    made.stages = whole.stages().size();
   }
-  *shown = searched_problem.get();
+  *shown = made.problem.get();
   return {};
 }
 

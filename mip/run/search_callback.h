@@ -18,13 +18,19 @@
 
 namespace tovik::mip::run {
 
+/* What is searched as a problem that callbacks may read: made when first asked for, and anew after a restart. */
+struct SearchedProblem {
+  std::unique_ptr<tovik::Problem> problem;
+  std::size_t stages = 0;  // of presolve, when it was made
+};
+
 /* What all callbacks of one search share. */
 struct CallbackScene {
   Environment& env;
   tovik::Problem& problem;
   PresolvedSearch& whole;
   const SpaceMap& spaces;
-  std::unique_ptr<tovik::Problem>& searched_problem;  // made when first asked for
+  SearchedProblem& searched_problem;
   bool in_user_space;  // what callbacks say and hear; else it is the searched problem
 
   /* That is running; there is one in every callback but those of solutions that come before it. */
@@ -32,8 +38,12 @@ struct CallbackScene {
   bool has_search() const { return whole.has_search(); }
   double sign() const;  // of the caller's objective
   int columns() const { return in_user_space ? spaces.user_columns() : spaces.searched_columns(); }
-  /* A point of the search in the callbacks' space. */
-  std::vector<double> point(std::span<const double> searched) const;
+  /* The point in question in the callbacks' space. */
+  std::vector<double> point(const Sight& sight) const;
+  /* The same with the columns of shown(), which may be more. */
+  std::vector<double> whole_point(const Sight& sight) const;
+  /* The problem whose sets, indicators and priorities callbacks speak of. */
+  const mip::Problem& shown() const { return in_user_space ? whole.given() : search().global().problem; }
   double objective(double searched) const;  // +-1e75 for what there is not
   /* In the callbacks' space, -1 for a column that is not there. */
   int shown_column(int searched) const { return in_user_space ? spaces.user_column(searched) : searched; }

@@ -1,6 +1,7 @@
 #include "mip/run/search_columns.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "mip/run/node_problem.h"
 #include "model/store/model.h"
@@ -14,32 +15,47 @@ double stored(double bound) {
 
 }  // namespace
 
-lp::verify::Limits SearchColumns::node_bounds(int j) const {
-  const int k = searched(j);
-  if (k < 0) return global_bounds(j);
+lp::verify::Limits SearchColumns::shown(const std::vector<Box>& boxes, int j) const {
+  double lower = boxes[j].lower, upper = boxes[j].upper;
+  if (scene_.in_user_space) {
+    lower = std::max(lower, scene_.whole.given().lp.lower[j]);
+    upper = std::min(upper, scene_.whole.given().lp.upper[j]);
+  }
+  return {stored(lower), stored(upper)};
+}
+
+std::vector<SearchColumns::Box> SearchColumns::in_space(std::vector<Box> searched) const {
+  return scene_.in_user_space ? scene_.spaces.user_bounds(std::move(searched)) : searched;
+}
+
+std::vector<SearchColumns::Box> SearchColumns::boxes_of_node() const {
   const Domain& domain = scene_.search().worker().domain;
-  return {stored(domain.lower(k)), stored(domain.upper(k))};
+  std::vector<Box> boxes;
+  for (std::size_t j = 0; j < domain.lower().size(); ++j) {
+    boxes.push_back({domain.lower()[j], domain.upper()[j]});
+  }
+  return boxes;
 }
 
 /* Takes the trail back in a copy of the bounds. */
-void SearchColumns::go_to_root() const {
-  const Domain& domain = scene_.search().worker().domain;
-  lower_.assign(domain.lower().begin(), domain.lower().end());
-  upper_.assign(domain.upper().begin(), domain.upper().end());
-  const std::span<const BoundMove> trail = domain.trail();
+std::vector<SearchColumns::Box> SearchColumns::boxes_of_root() const {
+  std::vector<Box> boxes = boxes_of_node();
+  const std::span<const BoundMove> trail = scene_.search().worker().domain.trail();
   for (std::size_t k = trail.size(); k-- > 0;) {
-    (trail[k].side == Side::lower ? lower_ : upper_)[trail[k].column] = trail[k].before;
+    Box& box = boxes[trail[k].column];
+    (trail[k].side == Side::lower ? box.lower : box.upper) = trail[k].before;
   }
+  return boxes;
+}
+
+lp::verify::Limits SearchColumns::node_bounds(int j) const {
+  if (node_boxes_.empty()) node_boxes_ = in_space(boxes_of_node());
+  return shown(node_boxes_, j);
 }
 
 lp::verify::Limits SearchColumns::global_bounds(int j) const {
-  const int k = searched(j);
-  if (k < 0) {
-    const model::Model& model = *scene_.problem.model;
-    return {model.lower()[j], model.upper()[j]};
-  }
-  if (lower_.empty()) go_to_root();
-  return {stored(lower_[k]), stored(upper_[k])};
+  if (root_boxes_.empty()) root_boxes_ = in_space(boxes_of_root());
+  return shown(root_boxes_, j);
 }
 
 bool SearchColumns::is_integer(int j) const {
@@ -57,9 +73,8 @@ char SearchColumns::type(int j) const {
 }
 
 Priority SearchColumns::priority(int j) const {
-  const int k = searched(j);
-  const std::vector<Priority>& all = scene_.search().global().problem.priorities;
-  return k < 0 || all.empty() ? Priority{} : all[k];
+  const std::vector<Priority>& all = scene_.shown().priorities;
+  return all.empty() ? Priority{} : all[j];
 }
 
 double SearchColumns::pseudo_cost(int j, Direction direction) const {

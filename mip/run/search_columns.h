@@ -1,5 +1,5 @@
-/* The columns of a search as its callbacks count them: those of the caller's problem, or of the one that is searched.
- * What the search says of a column of the caller that it does not have is what the caller's own model says. */
+/* The columns of a search as its callbacks count them: those of the caller's problem, or of the one that is searched. Of a
+ * column that is not searched bounds are what those of the others and the caller's own say, the priority is the caller's. */
 #pragma once
 
 #include "lp/verify/bounds.h"
@@ -21,12 +21,16 @@ class SearchColumns {
   double pseudo_cost(int j, Direction direction) const;  // 0 for a column that is not branched on
 
  private:
+  using Box = SpaceMap::Box;
   int searched(int j) const { return scene_.in_user_space ? scene_.spaces.searched_column(j) : j; }
-  void go_to_root() const;
+  std::vector<Box> boxes_of_node() const;
+  std::vector<Box> boxes_of_root() const;
+  lp::verify::Limits shown(const std::vector<Box>& boxes, int j) const;
+  std::vector<Box> in_space(std::vector<Box> searched) const;
 
   const CallbackScene& scene_;
   // Empty: not yet asked for.
-  mutable std::vector<double> lower_, upper_;  // that hold everywhere
+  mutable std::vector<Box> node_boxes_, root_boxes_;
   mutable std::vector<char> types_;
 };
 

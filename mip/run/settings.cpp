@@ -35,8 +35,8 @@ void take_presolve(const tovik::Settings& s, PresolveSettings& out) {
   if (s.integer(TVK_PARAM_BNDSTRENIND) == 0) out.rules &= ~rule_bit(PresolveRule::propagation);
 }
 
-RootMethod root_method(int code) {
-  return code == 1 ? RootMethod::primal : code == 5 ? RootMethod::sifting : RootMethod::dual;
+FirstMethod first_method(int code) {
+  return code == 1 ? FirstMethod::primal : code == 5 ? FirstMethod::sifting : FirstMethod::dual;
 }
 
 /* Moves what stands at its default. */
@@ -97,7 +97,7 @@ Settings settings_of(const Environment& env, const tovik::Problem& problem) {
   out.best_bound_interval = s.integer(TVK_PARAM_BBINTERVAL);
   take_number(s.real(TVK_PARAM_BTTOL), out.backtrack_share);
   out.first_direction = s.integer(TVK_PARAM_BRDIR);
-  out.root_method = root_method(s.integer(TVK_PARAM_STARTALG));
+  out.root_method = first_method(s.integer(TVK_PARAM_STARTALG));
   out.variable_rule = s.integer(TVK_PARAM_VARSEL);
   out.strong_candidates = s.integer(TVK_PARAM_STRONGCANDLIM);
   out.strong_iterations = s.integer(TVK_PARAM_STRONGITLIM);

@@ -44,6 +44,7 @@ Taken try_point(const StartTrial& trial, std::vector<double> start, StartEffort 
   TreeSubSearch sub_search;
   StartCompletion completion(trial.problem, trial.settings, sub_search, trial.control);
   const std::vector<double> x = completion.run(std::move(start), effort, trial.cutoff);
+  trial.count_iterations(completion.iterations());
   if (x.empty()) return Taken::nothing;
   return trial.offer(x) ? Taken::yes : Taken::no_better;
 }

@@ -24,6 +24,7 @@ struct StartTrial {
   lp::Control& control;
   /* Takes a point of the problem; true when it is the new incumbent. */
   std::function<bool(std::span<const double>)> offer{};
+  std::function<void(std::int64_t)> count_iterations{};
   double cutoff = kInf;  // of interest are points with a lower objective; offer may lower it
 };
 

@@ -14,20 +14,25 @@ namespace tovik::mip {
 using Kinds = SearchCallbacks::Kinds;
 
 Sight Search::sight_of_relaxation(double objective) const {
-  return {in_process_, x_, objective, true};
+  return {.slot = in_process_, .has_point = true, .x = x_, .objective = objective, .is_relaxation = true};
 }
 
-/* The last word on a point that the judge has accepted: first cuts, then yes or no. */
-Search::Admission Search::admit(const Solution& solution, bool is_of_node) {
-  const Sight sight{in_process_, solution.x, solution.objective, false};
+/* The last word on a point that the judges have accepted: first cuts, then yes or no. */
+Search::Admission Search::admit(const Accepted& found, bool is_of_node) {
+  const std::span<const double> x = found.point;
+  const Sight sight{.slot = in_process_,
+                    .has_point = true,
+                    .x = x,
+                    .objective = found.solution.objective,
+                    .given = origin_ == nullptr ? nullptr : &found.solution};
   if (asks(&Kinds::cut)) {
     keep_cuts(callbacks_->cuts(sight));
     if (callbacks_->wants_to_stop()) return Admission::stopped;
     const double tolerance = global_.settings.tolerances.feasibility;
     const bool is_cut_off_here =
         is_of_node && std::any_of(new_local_cuts_.begin(), new_local_cuts_.end(),
-                                  [&](const Cut& cut) { return violation(cut, solution.x) > tolerance; });
-    if (is_cut_off_here || !judge_.satisfies_cuts(solution.x)) return Admission::cut_off;
+                                  [&](const Cut& cut) { return violation(cut, x) > tolerance; });
+    if (is_cut_off_here || !judge_.satisfies_cuts(x)) return Admission::cut_off;
   }
   if (asks(&Kinds::incumbent)) {
     const bool accepted = callbacks_->accepts(sight);
@@ -47,6 +52,7 @@ void Search::keep_cuts(OwnCuts cuts) {
   for (Cut& cut : cuts.everywhere) {
     cut.kind = CutClass::user;
     judge_.add_cut(cut);
+    if (origin_ != nullptr) origin_->add_cut(cut);
     idle_cuts_.push_back(std::move(cut));
   }
   for (Cut& cut : cuts.in_subtree) {
@@ -93,7 +99,7 @@ bool Search::ask_for_solution(double objective) {
 
 OwnSolve::Result Search::ask_for_solve() {
   worker_.flush();
-  const OwnSolve own = callbacks_->solve({in_process_, {}, tree_[in_process_].bound, false});
+  const OwnSolve own = callbacks_->solve({.slot = in_process_, .objective = tree_[in_process_].bound});
   const lp::LpData& lp = worker_.relaxation->user_lp();
   const bool fits = static_cast<int>(own.basis.columns.size()) == lp.num_columns() &&
                     static_cast<int>(own.basis.rows.size()) == lp.num_rows();
@@ -111,7 +117,7 @@ std::optional<Search::NodeResult> Search::ask_for_branching(int slot, double obj
                                                             const Proposal& proposal) {
   if (!asks(proposal.has_relaxation ? &Kinds::branch : &Kinds::branch_without_solution)) return std::nullopt;
   Sight sight = sight_of_relaxation(objective);
-  if (!proposal.has_relaxation) sight = {slot, {}, tree_[slot].bound, false};
+  if (!proposal.has_relaxation) sight = {.slot = slot, .objective = tree_[slot].bound};
   std::optional<std::vector<NewChild>> own = callbacks_->branch(sight, proposal);
   if (callbacks_->wants_to_stop()) return NodeResult::stopped;
   if (!own) return std::nullopt;

@@ -3,7 +3,8 @@
  * - Order at a node: choose_node; solve (in place of every solve of the relaxation) until nothing more is found: cuts, then
  *   once heuristic; a candidate, wherever it comes from: cuts at the candidate, then accepts; branch; delete_node when the
  *   node is done with or dropped.
- * - Space: everything is said of the problem that is searched, in minimization form.
+ * - Space: everything is said of the problem that is searched, in minimization form. Where it comes of presolve, and cuts,
+ *   candidates or children are asked for, every point of the origin is one of its own: see presolved_search.h.
  * - Stop: one that wants the search to stop makes the control say so too; what it returned is then not used.
  * - Trust: cuts and rejections are taken as they are. Solutions are judged, solves are repeated from the caller's basis,
  *   bounds of children only ever tighten. */
@@ -20,12 +21,17 @@
 
 namespace tovik::mip {
 
+struct Solution;
+
 /* What there is to look at while a callback runs. */
 struct Sight {
-  int slot = -1;               // of the node that is being processed; -1: none
-  std::span<const double> x;   // the point in question; empty: none
-  double objective = kInf;     // of the point
-  bool is_relaxation = false;  // the point is the optimum of the node's relaxation
+  int slot = -1;                // of the node that is being processed; -1: none
+  bool has_point = false;       // there is a point in question
+  std::span<const double> x{};  // that point
+  double objective = kInf;      // of the point, or the bound of the node
+  bool is_relaxation = false;   // the point is the optimum of the node's relaxation
+  const Solution* given =
+      nullptr;  // a candidate as the origin's judge has accepted it; null: none, or there is no origin
 };
 
 /* What is known of a child by which its parent is to be replaced. */
@@ -60,6 +66,12 @@ class SearchCallbacks {
   struct Kinds {
     bool branch = false, branch_without_solution = false, cut = false, node = false, heuristic = false,
          incumbent = false, solve = false, delete_node = false;
+
+    bool judge_solutions() const { return cut || incumbent; }
+    /* State, or rule out, what is not in the problem. */
+    bool shape_the_problem() const {
+      return branch || branch_without_solution || cut || heuristic || incumbent;
+    }
   };
   explicit SearchCallbacks(const Kinds& kinds) : kinds_(kinds) {}
   SearchCallbacks(const SearchCallbacks&) = delete;

@@ -89,7 +89,7 @@ Search::NodeResult Search::work_on(int slot, NodeEvent& event) {
     if (!std::exchange(learned, true)) learn_from_branch(tree_[slot], objective);
     const std::span<const double> x = worker_.relaxation->primal();
     x_.assign(x.begin(), x.end());
-    if (fix_by_reduced_costs()) {
+    if (presolves(slot) && fix_by_reduced_costs()) {
       if (!worker_.propagate()) return NodeResult::cutoff;
       if (relaxation_is_cut_off()) continue;
     }
@@ -102,6 +102,11 @@ Search::NodeResult Search::work_on(int slot, NodeEvent& event) {
       const NodeResult result = try_relaxation(slot, objective, &again);
       if (again) continue;
       return result;
+    }
+    if (global_.settings.node_presolve > 1 && !std::exchange(rounds_.probed, true)) {
+      const int before = worker_.domain.position();
+      if (!probe_node(shortfall)) return NodeResult::cutoff;
+      if (worker_.domain.position() > before) continue;
     }
     const bool before_cuts = tree_[slot].parent < 0 && !std::exchange(rounds_.tried_heuristics, true);
     if (before_cuts && try_heuristics(slot, true)) {
@@ -131,20 +136,6 @@ Outcome Search::solve_within(double cutoff, Detail detail) {
   return worker_.solve(limits, detail);
 }
 
-/* By the method that is wanted; whatever comes of it, the usual way goes on from there. */
-void Search::solve_root_first() {
-  const Settings& settings = global_.settings;
-  if (nodes_ > 0 || worker_.iterations > 0 || settings.root_method == RootMethod::dual) return;
-  worker_.flush();
-  lp::simplex::Relaxation& relaxation = *worker_.relaxation;
-  lp::simplex::Options options = settings.lp;
-  if (settings.root_method == RootMethod::sifting) options.sifting = lp::simplex::Sifting::always;
-  relaxation.set_options(options);
-  relaxation.solve(settings.root_method == RootMethod::primal ? lp::Method::primal : lp::Method::dual);
-  worker_.iterations += relaxation.counters().iterations;
-  relaxation.set_options(settings.lp);
-}
-
 /* branched: it has an optimum. Claims that would drop the node are proven, or made anew with more care. */
 Search::NodeResult Search::solve_relaxation() {
   if (asks(&SearchCallbacks::Kinds::solve)) {
@@ -152,7 +143,7 @@ Search::NodeResult Search::solve_relaxation() {
     if (callbacks_->wants_to_stop()) return NodeResult::stopped;
     if (result == OwnSolve::Result::no_solution) return NodeResult::undecided;
   }
-  solve_root_first();
+  solve_first();
   for (int attempt = 0; attempt < 3; ++attempt) {
     if (attempt == 2) worker_.relaxation->forget_basis();
     const Outcome outcome =
@@ -230,12 +221,11 @@ void Search::learn_from_branch(const Node& node, double objective) {
 
 /* The relaxation's solution lacks nothing. */
 Search::NodeResult Search::try_relaxation(int slot, double objective, bool* again) {
-  Solution solution;
   std::optional<double> value;
-  if (judge_.accept(x_, global_.cutoff, &solution)) {
-    switch (callbacks_ == nullptr ? Admission::admitted : admit(solution, true)) {
+  if (std::optional<Accepted> found = weigh(x_)) {
+    switch (callbacks_ == nullptr ? Admission::admitted : admit(*found, true)) {
       case Admission::cut_off:
-        use_cuts(solution.x);
+        use_cuts(found->point);
         *again = true;
         return NodeResult::branched;
       case Admission::rejected:
@@ -245,7 +235,7 @@ Search::NodeResult Search::try_relaxation(int slot, double objective, bool* agai
       default:
         break;
     }
-    value = take(std::move(solution), nullptr);
+    value = take(std::move(*found), nullptr);
   }
   if (value) {
     // No point of the node is better than its relaxation, whose value is known to its tolerances only.

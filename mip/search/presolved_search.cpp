@@ -95,13 +95,27 @@ std::vector<double> PresolvedSearch::crush(std::span<const double> x) const {
 }
 
 bool PresolvedSearch::accept(std::span<const double> x, double cutoff, Solution* solution) {
-  if (!judge_.accept(expand(x), cutoff, solution)) return false;
-  incumbent_ = *solution;
-  return true;
+  return judge_.accept(expand(x), cutoff, solution);
+}
+
+void PresolvedSearch::add_cut(const Cut& cut) {
+  Cut own = cut;
+  for (std::size_t k = stages_.size(); k-- > 0;) {
+    for (int& j : own.columns) j = stages_[k]->postsolve.column_map()[j];
+  }
+  judge_.add_cut(own);
+}
+
+void PresolvedSearch::set_callbacks(SearchCallbacks* callbacks) {
+  callbacks_ = callbacks;
+  if (search_ != nullptr) search_->set_callbacks(callbacks);
 }
 
 bool PresolvedSearch::offer(std::span<const double> x) {
   if (is_direct()) return search_->offer(x);
+  if (callbacks_ != nullptr && callbacks_->kinds().judge_solutions()) {
+    return !prepare() && search_->offer(crush(x));
+  }
   Solution found;
   if (!judge_.accept(x, std::min(settings_.cutoff, incumbent_.objective), &found)) return false;
   incumbent_ = std::move(found);
@@ -152,11 +166,15 @@ std::optional<Conclusion> PresolvedSearch::presolve_once(const Problem& problem)
            : stop == lp::Stop::tick_limit ? Conclusion::tick_limit
                                           : Conclusion::user_abort;
   }
-  if (listener_) listener_(*stage);
+  const bool again = !stages_.empty();
   is_infeasible_ = stage->infeasible;
-  if (is_infeasible_) return incumbent_.x.empty() ? Conclusion::infeasible : Conclusion::optimal;
+  if (is_infeasible_) {
+    if (listener_) listener_(*stage, again);
+    return no_more_solutions();
+  }
   crush_user_cuts(problem, *stage);
   stages_.push_back(std::move(stage));
+  if (listener_) listener_(*stages_.back(), again);
   return std::nullopt;
 }
 
@@ -184,14 +202,24 @@ std::optional<Conclusion> PresolvedSearch::restart() {
 void PresolvedSearch::make_search() {
   Origin* const origin = this;
   search_ = std::make_unique<Search>(stages_.back()->problem, of_search(), control_, observer_, origin);
+  search_->set_callbacks(callbacks_);
   if (!incumbent_.x.empty()) search_->inherit(incumbent_, crush(incumbent_.x));
 }
 
+Conclusion PresolvedSearch::no_more_solutions() const {
+  return incumbent_.x.empty() ? Conclusion::infeasible : Conclusion::optimal;
+}
+
+std::optional<Conclusion> PresolvedSearch::prepare() {
+  if (search_ != nullptr) return std::nullopt;
+  if (is_infeasible_) return no_more_solutions();
+  if (const std::optional<Conclusion> end = presolve_once(problem_)) return end;
+  make_search();
+  return std::nullopt;
+}
+
 Conclusion PresolvedSearch::run() {
-  if (search_ == nullptr) {
-    if (const std::optional<Conclusion> end = presolve_once(problem_)) return *end;
-    make_search();
-  }
+  if (const std::optional<Conclusion> end = prepare()) return *end;
   for (;;) {
     const Conclusion end = search_->run();
     if (end != Conclusion::restart) return end;

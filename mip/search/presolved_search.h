@@ -5,6 +5,10 @@
  * - Presolve runs when run() is called first, and again when the search asks for a restart at its root: then on what the
  *   last one has left, with the bounds that the root has found.
  * - Without presolve there are no stages: the search is on the problem itself.
+ * - With callbacks that state cuts, children or solutions, or refuse one (SearchCallbacks::Kinds::shape_the_problem), presolve
+ *   has to keep every feasible point and to leave every column a linear function of those that are searched
+ *   (PresolveSettings::keep_all_points); with any there may be no restarts. Where they judge solutions presolve runs with the
+ *   first point that is offered, so that they are asked about it too.
  * - A presolve that is stopped leaves no search; the next run() begins anew. */
 #pragma once
 
@@ -23,8 +27,8 @@ class PresolvedSearch : private Origin {
   PresolvedSearch(const Problem& problem, const Settings& settings, lp::Control& control, Observer& observer);
   ~PresolvedSearch() override;
 
-  /* Before run(). Null: none. Only without presolve. */
-  void set_callbacks(SearchCallbacks* callbacks) { search_->set_callbacks(callbacks); }
+  /* Before run() and what is offered. Null: none. */
+  void set_callbacks(SearchCallbacks* callbacks);
   bool has_search() const { return search_ != nullptr; }
   bool is_presolved() const { return settings_.presolve.on; }
   /* What is searched now; without presolve it is there from the beginning. */
@@ -35,7 +39,11 @@ class PresolvedSearch : private Origin {
   /* Between two runs: what was dropped so far does not count by these settings either. */
   bool can_go_on_with(const Settings& settings) const;
   bool offer(std::span<const double> x);
+  /* What was spent on points that were to be offered counts, too. */
+  void count_iterations(std::int64_t iterations) { earlier_.iterations += iterations; }
 
+  /* The problem that was given. */
+  const Problem& given() const { return problem_; }
   const Solution& incumbent() const { return is_direct() ? search_->incumbent() : incumbent_; }
   Progress progress();
   lp::simplex::Statistics relaxation_statistics() const;
@@ -43,10 +51,10 @@ class PresolvedSearch : private Origin {
 
   /* From the problem that is searched to the given one, and back. */
   std::vector<double> expand(std::span<const double> x) const;
-  std::vector<double> crush(std::span<const double> x) const;
+  std::vector<double> crush(std::span<const double> x) const override;
 
-  /* Called after each presolve. */
-  using Listener = std::function<void(const Presolved&)>;
+  /* Called after each presolve; again: it was not the first. */
+  using Listener = std::function<void(const Presolved&, bool again)>;
   void set_listener(Listener listener) { listener_ = std::move(listener); }
   /* The way from the problem that is searched to the given one, the first presolve's first; empty before run(). */
   std::span<const std::unique_ptr<Presolved>> stages() const { return stages_; }
@@ -54,6 +62,11 @@ class PresolvedSearch : private Origin {
  private:
   bool is_direct() const { return search_ != nullptr && stages_.empty(); }
   bool accept(std::span<const double> x, double cutoff, Solution* solution) override;
+  void take(const Solution& solution) override { incumbent_ = solution; }
+  void add_cut(const Cut& cut) override;
+  Conclusion no_more_solutions() const;
+  /* Presolve and what comes of it, where that is still to be done; what ends the run, if anything does. */
+  std::optional<Conclusion> prepare();
   std::int64_t iterations() const override { return judge_.iterations() - judged_; }
   /* One more stage; what ends the run, if anything does. */
   std::optional<Conclusion> presolve_once(const Problem& problem);
@@ -71,6 +84,7 @@ class PresolvedSearch : private Origin {
   Listener listener_;
   std::vector<std::unique_ptr<Presolved>> stages_;
   std::unique_ptr<Search> search_;
+  SearchCallbacks* callbacks_ = nullptr;
   Solution incumbent_;
   std::int64_t judged_ = 0;  // iterations of the judge that count as earlier
   int restarts_ = 0;

@@ -47,22 +47,30 @@ bool Search::offer(std::span<const double> x) {
   return judge(x, "start").has_value();
 }
 
-std::optional<double> Search::judge(std::span<const double> x, const char* found_by) {
-  Solution solution;
-  if (!judge_.accept(x, global_.cutoff, &solution)) return std::nullopt;
-  if (callbacks_ != nullptr && admit(solution, false) != Admission::admitted) return std::nullopt;
-  return take(std::move(solution), found_by);
+std::optional<Search::Accepted> Search::weigh(std::span<const double> x) {
+  constexpr double kRounding = 1e-9;  // relative, of an objective on the way to the origin
+  Accepted found;
+  if (!judge_.accept(x, global_.cutoff, &found.solution)) return std::nullopt;
+  found.point = found.solution.x;
+  if (origin_ == nullptr) return found;
+  const double room = kRounding * std::max(1.0, std::fabs(global_.cutoff));
+  const double cutoff = std::isinf(global_.cutoff) ? kInf : global_.cutoff + room;
+  if (!origin_->accept(found.point, cutoff, &found.solution)) return std::nullopt;
+  // What callbacks say of the solution is said of this point.
+  if (callbacks_ != nullptr) found.point = origin_->crush(found.solution.x);
+  return found;
 }
 
-std::optional<double> Search::take(Solution solution, const char* found_by) {
-  constexpr double kRounding = 1e-9;  // relative, of an objective on the way to the origin
-  const std::vector<double> point = solution.x;
-  if (origin_ != nullptr) {
-    const double room = kRounding * std::max(1.0, std::fabs(global_.cutoff));
-    const double cutoff = std::isinf(global_.cutoff) ? kInf : global_.cutoff + room;
-    if (!origin_->accept(point, cutoff, &solution)) return std::nullopt;
-  }
-  set_incumbent(std::move(solution), point);
+std::optional<double> Search::judge(std::span<const double> x, const char* found_by) {
+  std::optional<Accepted> found = weigh(x);
+  if (!found) return std::nullopt;
+  if (callbacks_ != nullptr && admit(*found, false) != Admission::admitted) return std::nullopt;
+  return take(std::move(*found), found_by);
+}
+
+double Search::take(Accepted found, const char* found_by) {
+  if (origin_ != nullptr) origin_->take(found.solution);
+  set_incumbent(std::move(found.solution), found.point);
   ++solutions_;
   new_incumbent_ = true;
   record_incumbent(found_by);
@@ -342,7 +350,7 @@ bool Search::install(int slot) {
     load_basis(*tree_[slot].basis);
   }
   const int before = domain.position();
-  if (!global_.settings.propagate) {
+  if (!global_.settings.propagate || !presolves(slot)) {
     domain.forget_queued_rows();
     return !domain.is_infeasible();
   }

@@ -39,6 +39,13 @@ class Origin {
   virtual ~Origin() = default;
   /* x: of the search's problem. False when no solution of the origin below the cutoff comes of it. */
   virtual bool accept(std::span<const double> x, double cutoff, Solution* solution) = 0;
+  /* A solution that was accepted is the incumbent. */
+  virtual void take(const Solution& solution) = 0;
+  /* The point of the search's problem that belongs to one of the origin. */
+  virtual std::vector<double> crush(std::span<const double> x) const = 0;
+  /* Of the search's problem: solutions that are accepted from now on satisfy it. Only where each of its columns is one of the
+   * origin. */
+  virtual void add_cut(const Cut& cut) = 0;
   virtual std::int64_t iterations() const = 0;  // of the simplex, spent on that
 };
 
@@ -104,12 +111,19 @@ class Search {
   int node_in_process() const { return in_process_; }  // slot; -1: none
   /* Between two runs; null: none. */
   void set_callbacks(SearchCallbacks* callbacks) { callbacks_ = callbacks; }
+  /* What it is at. */
+  Phase phase() const { return meter_.phase(); }
+  bool is_at_root() const { return nodes_ == 0; }
   /* For the child that a callback makes. */
   std::int64_t take_node_id() { return tree_.take_id(); }
   /* All open nodes go: there is nothing left to search. */
   void drop_all_nodes() { drop_nodes(-kInf); }
 
  private:
+  struct Accepted {
+    std::vector<double> point;  // of the problem
+    Solution solution;          // of the origin
+  };
   struct PathStep {
     std::int64_t id;
     int begin;  // position on the trail before the node's own changes
@@ -139,7 +153,12 @@ class Search {
   std::optional<Conclusion> process(int slot);
   NodeResult work_on(int slot, NodeEvent& event);
   NodeResult solve_relaxation();
-  void solve_root_first();
+  // What comes before the usual solve: before_solve.cpp.
+  bool presolves(int slot) const { return global_.settings.node_presolve >= 0 || tree_[slot].parent < 0; }
+  bool probe_node(const Shortfall& shortfall);
+  void solve_first();
+  void solve_root_presolved();
+  void solve_first_by(FirstMethod method);
   lp::Outcome solve_within(double cutoff, lp::simplex::Detail detail);
   NodeResult bound_node(int slot);
   double rounded_bound(double bound) const;
@@ -161,7 +180,7 @@ class Search {
     return callbacks_ != nullptr && callbacks_->kinds().*kind;
   }
   Sight sight_of_relaxation(double objective) const;
-  Admission admit(const Solution& solution, bool is_of_node);
+  Admission admit(const Accepted& found, bool is_of_node);
   void keep_cuts(OwnCuts cuts);
   bool use_cuts(std::span<const double> x);
   bool ask_for_cuts(double objective);
@@ -184,11 +203,12 @@ class Search {
   void load_basis(const StoredBasis& basis);
   bool try_heuristics(int slot, bool before_cuts);
   double estimate(const Shortfall& shortfall, double objective) const;
-  /* The value of the new incumbent that comes of the point; none: nothing comes of it. found_by: null for the relaxation of a
-   * node. */
+  /* What the judges make of a point of the problem, here and in the origin. */
+  std::optional<Accepted> weigh(std::span<const double> x);
+  /* The value of the new incumbent that comes of the point; none: nothing comes of it. */
   std::optional<double> judge(std::span<const double> x, const char* found_by);
-  /* The same of a point that the judge here has accepted. */
-  std::optional<double> take(Solution solution, const char* found_by);
+  /* found_by: null for the relaxation of a node. */
+  double take(Accepted found, const char* found_by);
   void set_incumbent(Solution solution, std::span<const double> x);
   void record_incumbent(const char* found_by);
   std::int64_t judges_iterations() const;
@@ -242,6 +262,7 @@ class Search {
     double objective = -kInf;        // before the last round
     double first_objective = -kInf;  // before the first, in the tree
     bool tried_heuristics = false;
+    bool probed = false;
     bool asked_for_solution = false;
     bool any = false;  // has brought rows
   } rounds_;           // of separation at the node

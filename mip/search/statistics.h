@@ -90,6 +90,7 @@ class PhaseMeter {
       : control_(control), statistics_(statistics) {}
   void begin();
   void end();
+  Phase phase() const { return phase_; }
   /* The phase that was left. precise: the clock is read at once. */
   Phase enter(Phase phase, bool precise);
   /* Of all runs up to now. */

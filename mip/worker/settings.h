@@ -24,13 +24,14 @@ struct CutSettings {
   Effort fractional = 0, rounding = 0, covers = 0, cliques = 0, flow_covers = 0, implied_bounds = 0,
          zero_half = 0, flow_paths = 0;
   int root_rounds = 0;              // -1 none, 0 automatic
+  int fractional_rounds = 0;        // at the root: 0 automatic
   Effort in_tree = 0;               // 0 at nodes that are taken from the queue, as it pays; 1 at each node
   double rows_factor = 4;           // rows with cuts by rows without them, where these are not few
   int most_of_a_class = kMostCuts;  // cuts that ever become rows
 };
 
-/* How the root's relaxation is first solved; after it the dual simplex goes on. */
-enum class RootMethod { dual, primal, sifting };
+/* How a relaxation is first solved; after it the dual simplex goes on. */
+enum class FirstMethod { dual, primal, sifting };
 
 enum class DiveKind { automatic, traditional, probing, guided };
 
@@ -63,7 +64,9 @@ struct Settings {
   double backtrack_share = 0.9999;  // of the gap, by which a child may be worse than the best node
   int first_direction = 0;          // -1 down, 0 automatic, 1 up
 
-  RootMethod root_method = RootMethod::dual;
+  FirstMethod root_method = FirstMethod::dual, node_method = FirstMethod::dual;
+  bool root_presolve = false;  // of the root's relaxation as an LP
+  int node_presolve = 0;       // below the root: -1 no propagation, 2 probing too
 
   // Branching.
   int variable_rule =

@@ -55,6 +55,18 @@ double value(const LinearForm& form, const std::vector<double>& x) {
   return sum;
 }
 
+/* Of some columns. */
+LinearForm any_form(const Problem& problem, support::Random& random) {
+  LinearForm form;
+  form.constant = random.pick(-2, 2);
+  for (int j = 0; j < problem.num_columns(); ++j) {
+    if (!random.chance(0.5)) continue;
+    form.columns.push_back(j);
+    form.values.push_back(random.pick(-4, 4));
+  }
+  return form;
+}
+
 void check_ways(const Problem& original, const Presolved& reduced, const std::vector<double>& y,
                 support::Random& random) {
   const std::vector<double> x = reduced.postsolve.expand(y);
@@ -67,13 +79,7 @@ void check_ways(const Problem& original, const Presolved& reduced, const std::ve
   const std::vector<double> back = reduced.postsolve.crush(x);
   ASSERT_EQ(back.size(), y.size());
   for (std::size_t j = 0; j < y.size(); ++j) EXPECT_NEAR(back[j], y[j], 1e-6 * (1 + std::fabs(y[j])));
-  LinearForm form;
-  form.constant = random.pick(-2, 2);
-  for (int j = 0; j < original.num_columns(); ++j) {
-    if (!random.chance(0.5)) continue;
-    form.columns.push_back(j);
-    form.values.push_back(random.pick(-4, 4));
-  }
+  const LinearForm form = any_form(original, random);
   if (const auto crushed = reduced.postsolve.crush(form)) {
     EXPECT_NEAR(value(*crushed, y), value(form, x), 1e-5 * (1 + std::fabs(value(form, x))));
   }
@@ -94,6 +100,71 @@ void check(const Problem& problem, const Best& truth, const PresolveSettings& se
   if (!best.truth.feasible || best.truth.unbounded) return;
   EXPECT_NEAR(best.truth.objective, truth.truth.objective, 1e-5 * (1 + std::fabs(truth.truth.objective)));
   check_ways(problem, reduced, best.x, random);
+}
+
+/* The problem with one more row and another objective, both given in its columns. */
+Problem with(Problem problem, const LinearForm& objective, const LinearForm& row, double side) {
+  tovik::lp::LpData& lp = problem.lp;
+  lp.cost.assign(lp.cost.size(), 0.0);
+  for (std::size_t k = 0; k < objective.columns.size(); ++k)
+    lp.cost[objective.columns[k]] += objective.values[k];
+  lp.offset = objective.constant;
+  std::vector<double> dense(lp.cost.size());
+  for (std::size_t k = 0; k < row.columns.size(); ++k) dense[row.columns[k]] += row.values[k];
+  const tovik::lp::Matrix old = lp.matrix;
+  tovik::lp::Matrix& m = lp.matrix;
+  m.index.clear();
+  m.value.clear();
+  m.start.assign(1, 0);
+  for (int j = 0; j < old.columns; ++j) {
+    for (int k = old.start[j]; k < old.start[j + 1]; ++k) {
+      m.index.push_back(old.index[k]);
+      m.value.push_back(old.value[k]);
+    }
+    if (dense[j] != 0) {
+      m.index.push_back(old.rows);
+      m.value.push_back(dense[j]);
+    }
+    m.start.push_back(static_cast<int>(m.index.size()));
+  }
+  ++m.rows;
+  lp.row_lower.push_back(-kInf);
+  lp.row_upper.push_back(side - row.constant);
+  return problem;
+}
+
+/* Whatever is asked for and demanded in addition, in columns of the original, has one answer in both spaces. */
+TEST(MipPresolve, KeepsEveryPointAndCrushesEveryFormWhereItIsToldTo) {
+  const int count = models(600);
+  int reduced_models = 0;
+  for (int k = 0; k < count && !HasFailure(); ++k) {
+    support::PlantedMip maker(support::fresh_seed() + static_cast<unsigned>(k));
+    support::Random& random = maker.random();
+    TRACE_RANDOM(random, k);
+    const Problem problem = maker.draw();
+    PresolveSettings settings;
+    settings.keep_all_points();
+    support::QuietControl control;
+    const Presolved reduced = presolve(problem, settings, {}, control);
+    if (reduced.infeasible) {
+      EXPECT_FALSE(enumerate(problem).truth.feasible);
+      continue;
+    }
+    if (!can_be_enumerated(reduced.problem)) continue;
+    reduced_models += reduced.problem.num_columns() < problem.num_columns() ? 1 : 0;
+    const LinearForm objective = any_form(problem, random), row = any_form(problem, random);
+    const double side = random.pick(-6, 6);
+    const std::optional<LinearForm> there = reduced.postsolve.crush(objective),
+                                    limit = reduced.postsolve.crush(row);
+    ASSERT_TRUE(there && limit);
+    const support::MipTruth own = enumerate(with(problem, objective, row, side)).truth,
+                            other = enumerate(with(reduced.problem, *there, *limit, side)).truth;
+    ASSERT_EQ(own.feasible, other.feasible);
+    ASSERT_EQ(own.unbounded, other.unbounded);
+    if (!own.feasible || own.unbounded) continue;
+    EXPECT_NEAR(own.objective, other.objective, 1e-5 * (1 + std::fabs(own.objective)));
+  }
+  EXPECT_GT(reduced_models, 0);
 }
 
 TEST(MipPresolve, KeepsTheOptimumAndFindsTheWayBackWhateverIsSwitchedOff) {

@@ -88,7 +88,7 @@ TEST(MipSearch, AgreesWithEnumerationWhateverIsSwitchedOff) {
         kAllPresolveRules & ~rule_bit(static_cast<PresolveRule>(maker.random().below(kPresolveRules)));
     settings.presolve.restarts = maker.random().pick(-1, 3);
     settings.presolve.probing = maker.random().pick(-1, 3);
-    switch (k % 10) {
+    switch (k % 11) {
       case 0:
         settings.propagate = false;
         break;
@@ -120,9 +120,15 @@ TEST(MipSearch, AgreesWithEnumerationWhateverIsSwitchedOff) {
         settings.cuts.root_rounds = 1;
         settings.heuristics.interval = settings.heuristics.neighbourhood_interval = -1;
         break;
+      case 9:
+        settings.root_presolve = true;
+        settings.node_presolve = maker.random().chance(0.7) ? 2 : -1;
+        settings.node_method = static_cast<FirstMethod>(maker.random().pick(0, 2));
+        settings.cuts.fractional_rounds = 1;
+        break;
       default:
         settings.first_direction = maker.random().pick(-1, 1);
-        settings.root_method = static_cast<RootMethod>(maker.random().pick(0, 2));
+        settings.root_method = static_cast<FirstMethod>(maker.random().pick(0, 2));
         settings.backtrack_share = maker.random().uniform(0, 1);
         settings.heuristics.pump = maker.random().pick(-1, 2);
     }

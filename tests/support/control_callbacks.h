@@ -105,6 +105,8 @@ class WithControl : public KnapsackModels {
     ASSERT_EQ(TVKsetintparam(env_, TVK_PARAM_CUTPASS, -1), 0);
     ASSERT_EQ(TVKsetintparam(env_, TVK_PARAM_HEURFREQ, -1), 0);
     ASSERT_EQ(TVKsetintparam(env_, TVK_PARAM_RINSHEUR, -1), 0);
+    // Callbacks speak of the model's own columns.
+    ASSERT_EQ(TVKsetintparam(env_, TVK_PARAM_MIPCBREDLP, 0), 0);
   }
   /* Of those that are there; the others are taken away. */
   void use(Control& c) {
