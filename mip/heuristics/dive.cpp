@@ -14,6 +14,7 @@ using lp::Outcome;
 namespace {
 
 constexpr std::size_t kFreeLevels = 10;   // where the number of fractions need not fall
+constexpr int kTurns = 10;                // of one dive, back to where there is another side
 constexpr std::size_t kStepDivisor = 10;  // share of the fractions that one step rounds
 
 bool round(Worker& worker, const Fraction& f, bool up) {
@@ -43,6 +44,7 @@ Verdict Dive::call(Worker& worker, const Moment& moment) {
   if (worker.solve({}) != Outcome::optimal) return Verdict::nothing;
   const int position = worker.domain.position();
   const auto checkpoint = worker.relaxation->save();
+  is_first_ = moment.first;
   const bool found = descend(worker, end);
   worker.backtrack(position);
   worker.relaxation->restore(*checkpoint);
@@ -51,6 +53,8 @@ Verdict Dive::call(Worker& worker, const Moment& moment) {
 }
 
 bool Dive::descend(Worker& worker, std::int64_t end) {
+  turns_.clear();
+  turns_left_ = is_first_ ? kTurns : 0;
   std::size_t first_count = 0;
   for (std::size_t depth = 0;; ++depth) {
     const std::span<const double> x = worker.relaxation->primal();
@@ -67,8 +71,9 @@ bool Dive::descend(Worker& worker, std::int64_t end) {
       }
     }
     if (depth == 0) first_count = count;
-    if (depth >= kFreeLevels && count + depth / 2 > first_count) return false;
-    if (!step(worker, shortfall.fractions, end)) return false;
+
+    if (!is_first_ && depth >= kFreeLevels && count + depth / 2 > first_count) return false;
+    if (!step(worker, shortfall.fractions, end) && !(is_first_ && turn(worker, end))) return false;
   }
 }
 
@@ -93,11 +98,26 @@ bool Dive::step(Worker& worker, std::span<const Fraction> fractions, std::int64_
       if (!round(worker, f, choices_[order_[k]].up)) worker.backtrack(mark);
     }
     const Outcome outcome = solve(worker, end);
-    if (outcome == Outcome::optimal) return true;
+    if (outcome == Outcome::optimal) {
+      turns_.push_back({before, first, up});
+      return true;
+    }
     if (outcome != Outcome::infeasible && outcome != Outcome::objective_limit) return false;
   }
   worker.backtrack(before);
   return round(worker, first, !up) && solve(worker, end) == Outcome::optimal;
+}
+
+/* Back to the last step that has another side, and there. */
+bool Dive::turn(Worker& worker, std::int64_t end) {
+  while (!turns_.empty() && turns_left_-- > 0) {
+    const Turn last = turns_.back();
+    turns_.pop_back();
+    worker.backtrack(last.position);
+    if (round(worker, last.fraction, !last.up) && solve(worker, end) == Outcome::optimal) return true;
+    if (worker.iterations >= end || worker.must_stop()) return false;
+  }
+  return false;
 }
 
 }  // namespace tovik::mip

@@ -29,7 +29,7 @@ double norm(std::span<const double> v) {
 }  // namespace
 
 Verdict FeasibilityPump::call(Worker& worker, const Moment& moment) {
-  if (worker.global.has_incumbent()) return Verdict::nothing;
+  if (!moment.first) return Verdict::nothing;
   const std::int64_t end = worker.iterations + moment.iterations;
   if (worker.solve({}) != Outcome::optimal) return Verdict::nothing;
   const int position = worker.domain.position();

@@ -3,7 +3,9 @@
 #include <utility>
 
 #include "mip/heuristics/diving_rules.h"
+#include "mip/heuristics/feasibility_jump.h"
 #include "mip/heuristics/feasibility_pump.h"
+#include "mip/heuristics/fix_and_propagate.h"
 #include "mip/heuristics/neighbourhood.h"
 #include "mip/heuristics/one_opt.h"
 #include "mip/heuristics/rounding.h"
@@ -13,6 +15,7 @@ namespace tovik::mip {
 std::vector<Heuristic> make_heuristics(const Global& global) {
   using Kind = Heuristic::Kind;
   using Place = Heuristic::Place;
+  using Need = Heuristic::Need;
   const HeuristicSettings& settings = global.settings.heuristics;
   std::vector<Heuristic> table;
   if (global.integer_columns.empty()) return table;
@@ -25,8 +28,12 @@ std::vector<Heuristic> make_heuristics(const Global& global) {
     add(settings.diving && wanted, settings.interval, {std::move(dive), Kind::dive, 10});
   };
   const int every = settings.interval;
+  add(settings.jumps, every, {std::make_unique<FeasibilityJump>(), Kind::start, 1, Place::root_only});
   add(settings.rounding, every, {std::make_unique<SimpleRounding>(), Kind::rounding, 1});
-  add(settings.rounding, every, {std::make_unique<PropagatedRounding>(), Kind::rounding, 5});
+  add(settings.rounding, every, {std::make_unique<PropagatedRounding>(), Kind::rounding, 10});
+  add(settings.jumps, every, {std::make_unique<Shifting>(), Kind::rounding, 10});
+  add(settings.fixing, every,
+      {std::make_unique<FixAndPropagate>(), Kind::rounding, 10, Place::everywhere, Need::first});
   add(settings.improvement, every, {std::make_unique<OneOpt>(), Kind::improvement, 1});
   const DiveKind dives = settings.dives;
   const bool traditional = dives == DiveKind::automatic || dives == DiveKind::traditional;
@@ -39,7 +46,13 @@ std::vector<Heuristic> make_heuristics(const Global& global) {
       {std::make_unique<FeasibilityPump>(), Kind::rescue, 1, Place::root_only});
   const int search_every = settings.neighbourhood_interval;
   add(true, search_every, {std::make_unique<Rens>(), Kind::neighbourhood, 1, Place::root_only});
-  add(true, search_every, {std::make_unique<Rins>(), Kind::neighbourhood, 100, Place::tree_only});
+  add(true, search_every,
+      {std::make_unique<ReducedCostNeighbourhood>(), Kind::neighbourhood, 1, Place::root_only,
+       Need::wide_gap});
+  add(true, search_every,
+      {std::make_unique<Rins>(), Kind::neighbourhood, 20, Place::everywhere, Need::wide_gap});
+  add(true, search_every, {std::make_unique<Crossover>(), Kind::neighbourhood, 20, Place::tree_only});
+  add(true, search_every, {std::make_unique<Region>(), Kind::neighbourhood, 20, Place::tree_only});
   return table;
 }
 

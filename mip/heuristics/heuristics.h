@@ -15,6 +15,7 @@ namespace tovik::mip {
 
 struct Heuristic {
   enum class Kind {
+    start,          // without a relaxation, once, before the root's
     rounding,       // of the relaxation's point: as cheap as a pass over the entries
     dive,           // one a node, in turn
     rescue,         // where dives have left the search without an incumbent
@@ -22,10 +23,16 @@ struct Heuristic {
     improvement     // of each new incumbent, once
   };
   enum class Place { everywhere, root_only, tree_only };
+  enum class Need {
+    none,
+    wide_gap,  // at the root
+    first      // no incumbent
+  };
   std::unique_ptr<Plugin> plugin;
   Kind kind;
   int interval;  // nodes between calls, at least; grows while it finds nothing
   Place place = Place::everywhere;
+  Need need = Need::none;
 };
 
 /* Those that the settings allow, cheap ones first. */

@@ -1,14 +1,18 @@
-/* Searches in a neighbourhood: integer columns are fixed to the values of a point where that says enough, the rest is left to
- * a small search of its own.
+/* Searches in a neighbourhood: integer columns are fixed to the values of a point, the rest is left to a small search of its own.
  *
- * - Rens (Berthold, Math. Programming Comp. 6 (2014)): the relaxation's point. What is whole there is fixed, what is not may
- *   take the next whole numbers on its two sides.
- * - Rins (Danna, Rothberg, Le Pape, Math. Programming 102 (2005)): what the relaxation and the incumbent agree on is fixed.
+ * - Rens (Math. Programming Comp. 6 (2014)): the relaxation's point. What is whole there is fixed, what is not may take
+ *   the next whole numbers on its two sides.
+ * - Rins (Math. Programming 102 (2005)): what the relaxation and the incumbent agree on is fixed.
+ * - ReducedCostNeighbourhood: whole columns of the relaxation, the larger the reduced cost the sooner.
+ * - Crossover: what the last incumbents agree on.
+ * - Region: all but the columns about one on which relaxation and incumbent differ, as rows connect them.
  * Fixings are tried one after another on a domain of its own that holds what holds globally, each is propagated, and one that
- * fails is left out. Too few fixings: no search. What the search spends counts as the worker's iterations. */
+ * fails is left out. Too few fixings: no search. Where a neighbourhood turns out to hold nothing the next one of its kind is
+ * larger, where its search could not be ended it is smaller. What the search spends counts as the worker's iterations. */
 #pragma once
 
 #include <span>
+#include <vector>
 
 #include "mip/worker/plugin.h"
 #include "mip/worker/worker.h"
@@ -20,37 +24,74 @@ class NeighbourhoodSearch : public Plugin {
   Verdict call(Worker& worker, const Moment& moment) final;
 
  protected:
-  explicit NeighbourhoodSearch(double least_fixed) : least_fixed_(least_fixed) {}
-  virtual bool applies(const Worker&) const { return true; }
-  struct Range {
+  /* Shares of the integer columns that are open globally: fixed at least, or there is no search; fixed at most, at first. */
+  NeighbourhoodSearch(double least_fixed, double most_fixed)
+      : least_fixed_(least_fixed), most_fixed_(most_fixed), first_most_fixed_(most_fixed) {}
+  struct Fixing {
+    int column;
     double lower, upper;
+    double rank;  // least first
   };
-  /* What an integer column may take, given its value in the relaxation. */
-  virtual Range range(const Worker& worker, int column, double value) const = 0;
+  /* What integer columns may take; those that are not named stay free. */
+  virtual void propose(Worker& worker, std::span<const double> x, std::vector<Fixing>& fixings) = 0;
 
  private:
-  bool restrict_domain(const Worker& worker, std::span<const double> x, Domain& domain) const;
+  bool restrict_domain(const Worker& worker, Domain& domain);
+  void adapt(bool found, bool exhausted);
 
-  double least_fixed_;  // share of the integer columns
+  double least_fixed_, most_fixed_, first_most_fixed_;
+  std::vector<Fixing> fixings_;
 };
 
 class Rens : public NeighbourhoodSearch {
  public:
-  Rens() : NeighbourhoodSearch(0.5) {}
+  Rens() : NeighbourhoodSearch(0.5, 1) {}
   const char* name() const override { return "relaxation neighbourhood"; }
 
  protected:
-  Range range(const Worker& worker, int column, double value) const override;
+  void propose(Worker& worker, std::span<const double> x, std::vector<Fixing>& fixings) override;
 };
 
 class Rins : public NeighbourhoodSearch {
  public:
-  Rins() : NeighbourhoodSearch(0.3) {}
+  Rins() : NeighbourhoodSearch(0.3, 1) {}
   const char* name() const override { return "incumbent neighbourhood"; }
 
  protected:
-  bool applies(const Worker& worker) const override { return worker.global.has_incumbent_point(); }
-  Range range(const Worker& worker, int column, double value) const override;
+  void propose(Worker& worker, std::span<const double> x, std::vector<Fixing>& fixings) override;
+};
+
+class ReducedCostNeighbourhood : public NeighbourhoodSearch {
+ public:
+  ReducedCostNeighbourhood() : NeighbourhoodSearch(0.5, 0.8) {}
+  const char* name() const override { return "reduced cost neighbourhood"; }
+
+ protected:
+  void propose(Worker& worker, std::span<const double> x, std::vector<Fixing>& fixings) override;
+};
+
+class Crossover : public NeighbourhoodSearch {
+ public:
+  Crossover() : NeighbourhoodSearch(0.3, 0.95) {}
+  const char* name() const override { return "crossover"; }
+
+ protected:
+  void propose(Worker& worker, std::span<const double> x, std::vector<Fixing>& fixings) override;
+};
+
+class Region : public NeighbourhoodSearch {
+ public:
+  Region() : NeighbourhoodSearch(0.1, 0.7) {}
+  const char* name() const override { return "region"; }
+
+ protected:
+  void propose(Worker& worker, std::span<const double> x, std::vector<Fixing>& fixings) override;
+
+ private:
+  void walk(const Worker& worker, int first);
+
+  std::vector<int> reached_;      // in order
+  std::vector<char> is_reached_;  // by column
 };
 
 }  // namespace tovik::mip

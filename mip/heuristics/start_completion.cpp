@@ -145,7 +145,7 @@ std::vector<double> StartCompletion::search(const Domain& domain, double cutoff)
   if (s.cuts.root_rounds == 0) s.cuts.root_rounds = kCutRounds;
   const SubSearchResult found = sub_search_.run(reduced.problem(), s, control_);
   iterations_ += found.iterations;
-  return found.x.empty() ? std::vector<double>() : reduced.expand(found.x);
+  return found.found ? reduced.expand(found.x) : std::vector<double>();
 }
 
 std::vector<double> StartCompletion::complete(double cutoff) {

@@ -1,14 +1,18 @@
 #include "mip/search/heuristic_schedule.h"
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 namespace tovik::mip {
 namespace {
 
-constexpr int kPatience = 4, kMostDoublings = 8;
-constexpr double kDiveShare = 0.1, kDiveShareAtFirst = 0.3;  // of the tree's iterations; without an incumbent
+constexpr int kPatience = 4, kPatienceWithSearches = 2, kMostDoublings = 8;
+constexpr double kDiveShare = 0.1, kDiveShareAtFirst = 0.5;  // of the tree's iterations; without an incumbent
 constexpr double kSubShare = 0.1, kSubShareAtFirst = 0.2;
+constexpr double kEntryShare = 0.05;  // of the entries that pivots touch
+constexpr double kEntriesAtFirst = 3e6, kTimesAtFirst = 100;
+constexpr double kWideGap = 0.01;  // relative
 constexpr std::int64_t kStart = 1000, kSubStart = 2000;
 
 }  // namespace
@@ -33,31 +37,57 @@ HeuristicSchedule::Account HeuristicSchedule::account(Heuristic::Kind kind) {
   }
 }
 
+bool HeuristicSchedule::has_wide_gap() const {
+  const double value = global_.incumbent_value;
+  return is_first() || value - bound_ > kWideGap * std::max(std::fabs(value), std::fabs(bound_));
+}
+
 bool HeuristicSchedule::is_due(const Entry& entry, const Moment& moment, std::int64_t nodes) const {
   const Heuristic& h = entry.heuristic;
+  if (moment.before_relaxation || h.kind == Heuristic::Kind::start) {
+    return moment.before_relaxation && h.kind == Heuristic::Kind::start && entry.last < 0;
+  }
   if (h.kind == Heuristic::Kind::improvement) {
     return global_.has_incumbent() && global_.incumbent_value < improved_value_;
   }
-  if (h.kind == Heuristic::Kind::rescue && global_.has_incumbent()) return false;
+  if ((h.kind == Heuristic::Kind::rescue || h.need == Heuristic::Need::first) && !is_first()) return false;
+  if (h.need == Heuristic::Need::wide_gap && moment.root && !has_wide_gap()) return false;
   if (moment.before_cuts) {
     return h.kind == Heuristic::Kind::rounding ||
-           (h.kind == Heuristic::Kind::dive && !global_.has_incumbent());
+           (is_first() && h.place != Heuristic::Place::tree_only &&
+            (h.kind == Heuristic::Kind::dive || h.kind == Heuristic::Kind::neighbourhood));
   }
   if (moment.root) return h.place != Heuristic::Place::tree_only && entry.last < 0;
   if (h.place == Heuristic::Place::root_only) return false;
+  const int patience = h.kind == Heuristic::Kind::neighbourhood ? kPatienceWithSearches : kPatience;
   const std::int64_t interval = static_cast<std::int64_t>(h.interval)
-                                << std::min(entry.failures / kPatience, kMostDoublings);
+                                << std::min(entry.failures / patience, kMostDoublings);
   return nodes - std::max<std::int64_t>(entry.last, 0) >= interval;
+}
+
+std::int64_t HeuristicSchedule::entries_touched(const Worker& worker) {
+  return worker.domain.work() + worker.propagator.work() + worker.out.work;
+}
+
+/* Whether those that ask no relaxation may go on: a pivot touches as many entries as there are rows and columns. */
+bool HeuristicSchedule::has_entries_left(const Worker& worker) const {
+  const lp::LpData& lp = global_.problem.lp;
+  const double pivot = lp.num_columns() + lp.num_rows();
+  const auto all = static_cast<double>(worker.iterations + strong_iterations_);
+  const double start = kEntriesAtFirst + kTimesAtFirst * static_cast<double>(lp.matrix.index.size());
+  return static_cast<double>(touched_) <= start + kEntryShare * pivot * all;
 }
 
 /* Simplex iterations that are left to spend. */
 std::int64_t HeuristicSchedule::allowance(Account account, const Worker& worker) const {
-  const std::int64_t tree = worker.iterations - in_worker_;
-  const bool first = !global_.has_incumbent();
+  const std::int64_t tree = worker.iterations - in_worker_ + strong_iterations_;
+  const bool first = is_first();
   const bool subs = account == sub_searches;
   const double share =
       subs ? (first ? kSubShareAtFirst : kSubShare) : (first ? kDiveShareAtFirst : kDiveShare);
-  const std::int64_t start = subs ? kSubStart + 2 * root_iterations_ : kStart + root_iterations_;
+  const std::int64_t start = subs    ? kSubStart + 2 * root_iterations_
+                             : first ? 5 * (kStart + root_iterations_)
+                                     : kStart + root_iterations_;
   std::int64_t left = start + static_cast<std::int64_t>(share * static_cast<double>(tree)) - spent_[account];
   if (global_.settings.iteration_limit < kNoLimit) {
     left = std::min(left, global_.settings.iteration_limit - worker.iterations);
@@ -68,14 +98,19 @@ std::int64_t HeuristicSchedule::allowance(Account account, const Worker& worker)
 bool HeuristicSchedule::call(Entry& entry, Worker& worker, const Moment& moment, const Taker& take) {
   const Account payer = account(entry.heuristic.kind);
   Moment now = moment;
+  now.first = is_first();
   now.iterations = allowance(payer, worker);
-  if (now.iterations <= 0) return false;
-  const std::int64_t before = worker.iterations;
+  if (payer == cheap && entry.touched > 0 && !has_entries_left(worker)) return false;
+  if (payer != cheap && now.iterations < least_to_begin(entry)) return false;
+  const std::int64_t before = worker.iterations, touched = entries_touched(worker);
   const TimedCall timed(entry.counts, worker.control);
   if (entry.heuristic.plugin->call(worker, now) != Verdict::found) worker.out.candidates.clear();
   const std::int64_t own = worker.iterations - before;
+  entry.iterations += own;
+  entry.touched += entries_touched(worker) - touched;
+  if (payer == cheap) touched_ += entries_touched(worker) - touched;
   in_worker_ += own;
-  spent_[payer] += own;
+  spent_[payer == cheap ? dives : payer] += own;
   bool better = false;
   for (Candidate& candidate : worker.out.candidates) candidate.found_by = entry.counts.name;
   for (const Candidate& candidate : std::exchange(worker.out.candidates, {})) {
@@ -89,6 +124,12 @@ bool HeuristicSchedule::call(Entry& entry, Worker& worker, const Moment& moment,
   return better;
 }
 
+/* What is cut short is wasted. */
+std::int64_t HeuristicSchedule::least_to_begin(const Entry& entry) const {
+  const std::int64_t calls = entry.counts.calls;
+  return 1 + (calls == 0 ? root_iterations_ / 4 : entry.iterations / calls / 2);
+}
+
 /* Of the dives that are due the one that has waited longest; -1: none. */
 int HeuristicSchedule::next_dive(const Moment& moment, std::int64_t nodes) const {
   int best = -1;
@@ -99,14 +140,35 @@ int HeuristicSchedule::next_dive(const Moment& moment, std::int64_t nodes) const
   return best;
 }
 
+/* Of the sub-searches that are due the one that has been worth most, a little more for those that have been tried seldom; -1:
+ * none. */
+int HeuristicSchedule::next_neighbourhood(const Moment& moment, std::int64_t nodes) const {
+  constexpr double kCurious = 2;
+  int best = -1;
+  double highest = 0;
+  for (int k = 0; k < static_cast<int>(entries_.size()); ++k) {
+    const Entry& entry = entries_[k];
+    if (entry.heuristic.kind != Heuristic::Kind::neighbourhood || !is_due(entry, moment, nodes)) continue;
+    const double score = (static_cast<double>(entry.counts.successes) + kCurious) /
+                         (static_cast<double>(entry.counts.calls) + kCurious);
+    if (best >= 0 && score <= highest) continue;
+    best = k;
+    highest = score;
+  }
+  return best;
+}
+
 std::vector<PluginCounts> HeuristicSchedule::plugin_counts() const {
   std::vector<PluginCounts> counts;
   for (const Entry& entry : entries_) counts.push_back(entry.counts);
   return counts;
 }
 
-bool HeuristicSchedule::run(Worker& worker, const Moment& moment, std::int64_t nodes, const Taker& take) {
-  if (root_iterations_ < 0) root_iterations_ = worker.iterations;
+bool HeuristicSchedule::run(Worker& worker, const Moment& moment, const Passed& passed, const Taker& take) {
+  const std::int64_t nodes = passed.nodes;
+  strong_iterations_ = passed.strong_iterations;
+  bound_ = passed.bound;
+  if (root_iterations_ < 0 && !moment.before_relaxation) root_iterations_ = worker.iterations;
   if (global_.incumbent_value < seen_value_) {
     // A new incumbent has a neighbourhood of its own.
     seen_value_ = global_.incumbent_value;
@@ -115,19 +177,22 @@ bool HeuristicSchedule::run(Worker& worker, const Moment& moment, std::int64_t n
     }
   }
   bool found = false, dived = false;
-  const int dive = next_dive(moment, nodes);
+  const int dive = next_dive(moment, nodes), neighbourhood = next_neighbourhood(moment, nodes);
+
   for (int k = 0; k < static_cast<int>(entries_.size()); ++k) {
     Entry& entry = entries_[k];
     const Heuristic::Kind kind = entry.heuristic.kind;
     if (!is_due(entry, moment, nodes)) continue;
     // At the root one dive after the other, until one has come to something.
     if (kind == Heuristic::Kind::dive && (moment.root ? dived && found : k != dive)) continue;
+    if (kind == Heuristic::Kind::neighbourhood && !moment.root && k != neighbourhood) continue;
     if (worker.must_stop()) break;
     dived |= kind == Heuristic::Kind::dive;
     if (!moment.before_cuts) entry.last = nodes;
     if (kind == Heuristic::Kind::improvement) improved_value_ = global_.incumbent_value;
     found |= call(entry, worker, moment, take);
   }
+  if (moment.before_relaxation && found) value_before_relaxation_ = global_.incumbent_value;
   return found;
 }
 

@@ -1,10 +1,14 @@
 /* When which heuristic is called, and what it may spend.
  *
- * - Before the root's cuts: roundings, and dives while there is no incumbent, so that a long root is not without one.
- * - Cheap ones come every few nodes, dives one a node in turn, improvements once an incumbent; what finds nothing four
- *   times in a row waits twice as long.
- * - Effort: simplex iterations of dives, and of the judge for them, are a share of the tree's, larger while there is no
- *   incumbent, and an allowance at the start of the order of the root's own; sub-searches have a share of their own.
+ * - Before the root's relaxation: those that need none. What they find counts as an incumbent of low worth: the first one that
+ *   the relaxation has a part in is still looked for.
+ * - Before the root's cuts: roundings; while a first incumbent is looked for also dives and sub-searches, so that a long root
+ *   is not without one.
+ * - Cheap ones come every few nodes, dives one a node in turn, sub-searches one a node, the one that has been worth most,
+ *   improvements once an incumbent; what finds nothing some times in a row waits twice as long.
+ * - Effort: simplex iterations of dives, and of the judge for them, are a share of all others, larger while a first incumbent
+ *   is looked for, and an allowance at the start of the order of the root's own; sub-searches have a share of their own. What is
+ *   left must be worth a call. Those that ask no relaxation have a share of the entries that pivots touch.
  * - Depends on counters only, never on the clock. */
 #pragma once
 
@@ -30,8 +34,14 @@ class HeuristicSchedule {
   };
   using Taker = std::function<Taken(const Candidate&)>;
 
-  /* At the relaxation's optimum of a node; nodes: processed so far. True when there is a new incumbent. */
-  bool run(Worker& worker, const Moment& moment, std::int64_t nodes, const Taker& take);
+  /* Of the search up to now. */
+  struct Passed {
+    std::int64_t nodes = 0;              // processed
+    double bound = -kInf;                // of all solutions
+    std::int64_t strong_iterations = 0;  // of branching's, which the worker does not count
+  };
+  /* At the relaxation's optimum of a node, or before the root's. True when there is a new incumbent. */
+  bool run(Worker& worker, const Moment& moment, const Passed& passed, const Taker& take);
 
   std::vector<PluginCounts> plugin_counts() const;
   std::int64_t iterations() const { return in_worker_; }
@@ -40,24 +50,36 @@ class HeuristicSchedule {
   struct Entry {
     Heuristic heuristic;
     PluginCounts counts{};
-    std::int64_t last = -1;  // node of the last call
-    int failures = 0;        // in a row
+    std::int64_t last = -1;                    // node of the last call
+    int failures = 0;                          // in a row
+    std::int64_t iterations = 0, touched = 0;  // of all calls
   };
   enum Account { cheap, dives, sub_searches, kAccounts };
 
+  /* No incumbent, or one of low worth. */
+  bool is_first() const { return global_.incumbent_value >= value_before_relaxation_; }
+  bool has_wide_gap() const;
   static Account account(Heuristic::Kind kind);
   bool is_due(const Entry& entry, const Moment& moment, std::int64_t nodes) const;
   std::int64_t allowance(Account account, const Worker& worker) const;
+  static std::int64_t entries_touched(const Worker& worker);
+  bool has_entries_left(const Worker& worker) const;
+  std::int64_t least_to_begin(const Entry& entry) const;
   bool call(Entry& entry, Worker& worker, const Moment& moment, const Taker& take);
   int next_dive(const Moment& moment, std::int64_t nodes) const;
+  int next_neighbourhood(const Moment& moment, std::int64_t nodes) const;
 
   const Global& global_;
   std::vector<Entry> entries_;
   std::array<std::int64_t, kAccounts> spent_{};
-  std::int64_t in_worker_ = 0;         // iterations of the worker that were heuristics'
-  std::int64_t root_iterations_ = -1;  // before the first call
-  double seen_value_ = kInf;           // incumbent at the last call
-  double improved_value_ = kInf;       // incumbent that improvements have seen
+  std::int64_t in_worker_ = 0;  // iterations of the worker that were heuristics'
+  std::int64_t touched_ = 0;    // entries, by those that ask no relaxation
+  std::int64_t strong_iterations_ = 0;
+  std::int64_t root_iterations_ = -1;      // before the first call
+  double bound_ = -kInf;                   // of all solutions, at the last call
+  double value_before_relaxation_ = kInf;  // what was found before the root's relaxation
+  double seen_value_ = kInf;               // incumbent at the last call
+  double improved_value_ = kInf;           // incumbent that improvements have seen
 };
 
 }  // namespace tovik::mip

@@ -338,13 +338,27 @@ bool Search::try_heuristics(int slot, bool before_cuts) {
   moment.before_cuts = before_cuts;
   moment.root = tree_[slot].parent < 0;
   moment.depth = tree_[slot].depth;
+  return run_heuristics(moment);
+}
+
+/* Where the caller takes part the root comes first. */
+void Search::try_before_relaxation() {
+  if (callbacks_ != nullptr) return;
+  Moment moment;
+  moment.root = moment.before_relaxation = true;
+  run_heuristics(moment);
+}
+
+bool Search::run_heuristics(const Moment& moment) {
   const Phase before = enter(Phase::heuristics);
-  const bool found = heuristics_.run(worker_, moment, nodes_, [this](const Candidate& candidate) {
-    if (has_enough_solutions()) return HeuristicSchedule::Taken{};
-    const std::int64_t iterations = judges_iterations();
-    const bool better = judge(candidate.x, candidate.found_by).has_value();
-    return HeuristicSchedule::Taken{better, judges_iterations() - iterations};
-  });
+  const bool found =
+      heuristics_.run(worker_, moment, {nodes_, open_bound(), branching_.strong_iterations()},
+                      [this](const Candidate& candidate) {
+                        if (has_enough_solutions()) return HeuristicSchedule::Taken{};
+                        const std::int64_t iterations = judges_iterations();
+                        const bool better = judge(candidate.x, candidate.found_by).has_value();
+                        return HeuristicSchedule::Taken{better, judges_iterations() - iterations};
+                      });
   enter(before);
   return found;
 }

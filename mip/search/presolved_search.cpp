@@ -203,11 +203,11 @@ void PresolvedSearch::make_search() {
   Origin* const origin = this;
   search_ = std::make_unique<Search>(stages_.back()->problem, of_search(), control_, observer_, origin);
   search_->set_callbacks(callbacks_);
-  if (!incumbent_.x.empty()) search_->inherit(incumbent_, crush(incumbent_.x));
+  if (has_incumbent()) search_->inherit(incumbent_, crush(incumbent_.x));
 }
 
 Conclusion PresolvedSearch::no_more_solutions() const {
-  return incumbent_.x.empty() ? Conclusion::infeasible : Conclusion::optimal;
+  return has_incumbent() ? Conclusion::optimal : Conclusion::infeasible;
 }
 
 std::optional<Conclusion> PresolvedSearch::prepare() {

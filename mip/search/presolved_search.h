@@ -45,6 +45,8 @@ class PresolvedSearch : private Origin {
   /* The problem that was given. */
   const Problem& given() const { return problem_; }
   const Solution& incumbent() const { return is_direct() ? search_->incumbent() : incumbent_; }
+  /* A solution of a problem without columns has no values. */
+  bool has_incumbent() const { return incumbent().objective < kInf; }
   Progress progress();
   lp::simplex::Statistics relaxation_statistics() const;
   SearchStatistics statistics() const;

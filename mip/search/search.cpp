@@ -13,6 +13,7 @@ using lp::Stop;
 
 namespace {
 
+constexpr std::size_t kEarlierIncumbents = 2;
 constexpr int kMostBacktracks = 100;   // of one plunge
 constexpr double kPlungeShare = 0.25;  // of the gap, above the best bound, in which a plunge goes on
 
@@ -72,6 +73,7 @@ double Search::take(Accepted found, const char* found_by) {
   if (origin_ != nullptr) origin_->take(found.solution);
   set_incumbent(std::move(found.solution), found.point);
   ++solutions_;
+  node_of_incumbent_ = nodes_;
   new_incumbent_ = true;
   record_incumbent(found_by);
   observer_.solution(incumbent_.objective, incumbent_.x);
@@ -105,6 +107,11 @@ void Search::set_incumbent(Solution solution, std::span<const double> x) {
   // The next better value is a step away, and bounds are rounded up to steps.
   if (global_.objective_step > 0) improvement = std::max(improvement, global_.objective_step * (1 - 1e-5));
   incumbent_ = std::move(solution);
+  if (global_.has_incumbent_point()) {
+    std::vector<std::vector<double>>& earlier = global_.earlier_incumbents;
+    if (earlier.size() == kEarlierIncumbents) earlier.pop_back();
+    earlier.insert(earlier.begin(), std::move(global_.incumbent));
+  }
   global_.incumbent.assign(x.begin(), x.end());
   global_.incumbent_value = u;
   global_.cutoff = std::min(global_.cutoff, u - improvement);
@@ -204,6 +211,7 @@ std::optional<Conclusion> Search::limit_reached() {
   if (has_enough_solutions()) return Conclusion::solution_limit;
   if (global_.incumbent_value <= settings.objective_stop) return Conclusion::objective_stop;
   if (nodes_ >= settings.node_limit) return Conclusion::node_limit;
+  if (nodes_ - node_of_incumbent_ >= settings.stall_limit) return Conclusion::node_limit;
   if (worker_.iterations >= settings.iteration_limit) return Conclusion::iteration_limit;
   if (tree_.bytes() > settings.tree_limit * 1048576) return Conclusion::tree_limit;
   return std::nullopt;
@@ -226,6 +234,7 @@ void Search::start() {
   if (!given_cuts_.empty()) separation_.add_rows(worker_, given_cuts_);
   given_cuts_.clear();
   separation_.take_counts();
+  try_before_relaxation();
   next_child_ = tree_.add({-kInf, -kInf, -kInf, -1, {}, {}, nullptr});
   next_child_id_ = tree_[next_child_].id;
 }

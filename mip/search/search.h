@@ -201,7 +201,9 @@ class Search {
   bool separate_in_tree(int slot, double objective);
   bool is_worthwhile(double gain, double from) const;
   void load_basis(const StoredBasis& basis);
+  void try_before_relaxation();
   bool try_heuristics(int slot, bool before_cuts);
+  bool run_heuristics(const Moment& moment);
   double estimate(const Shortfall& shortfall, double objective) const;
   /* What the judges make of a point of the problem, here and in the origin. */
   std::optional<Accepted> weigh(std::span<const double> x);
@@ -244,7 +246,7 @@ class Search {
   };
   std::vector<Sibling> plunge_;  // what the present plunge has left open, the deepest last
   int backtracks_ = 0;           // of the present plunge
-  std::int64_t nodes_ = 0, solutions_ = 0, picks_since_best_bound_ = 0;
+  std::int64_t nodes_ = 0, node_of_incumbent_ = 0, solutions_ = 0, picks_since_best_bound_ = 0;
   double undecided_bound_ = kInf;           // of nodes that nothing decides
   double lagrangian_bound_ = -kInf;         // of the node's last relaxation, not rounded
   double root_bound_ = -kInf;               // the same of the root

@@ -7,8 +7,14 @@ namespace tovik::mip {
 SubSearchResult TreeSubSearch::run(const Problem& problem, const Settings& settings, lp::Control& control) {
   SilentObserver silent;
   PresolvedSearch search(problem, settings, control, silent);
-  search.run();
-  return {search.incumbent().x, search.progress().iterations};
+  const Conclusion end = search.run();
+  SubSearchResult result;
+  result.found = search.has_incumbent();
+  result.x = search.incumbent().x;
+  result.exhausted =
+      end == Conclusion::optimal || end == Conclusion::within_gap || end == Conclusion::infeasible;
+  result.iterations = search.progress().iterations;
+  return result;
 }
 
 }  // namespace tovik::mip

@@ -32,6 +32,8 @@ struct Global {
   double objective_step = 0;  // every objective value is a multiple of it, the offset apart; 0: unknown
   PseudoCosts pseudo_costs;
   std::vector<double> incumbent;  // empty: none, or none that this problem's space has
+  // Those before it, the latest first, as far as this problem's space has them.
+  std::vector<std::vector<double>> earlier_incumbents;
   double incumbent_value = kInf;
   double cutoff = kInf;  // only solutions below are of interest
 

@@ -22,10 +22,12 @@ enum class Verdict {
 struct Moment {
   bool root = false;
   int depth = 0;
-  int round = 0;                // of separation at this node
-  bool before_cuts = false;     // the first relaxation of the root
-  std::int64_t budget = 0;      // entries that may be touched
-  std::int64_t iterations = 0;  // of the simplex that may be spent
+  int round = 0;                   // of separation at this node
+  bool before_relaxation = false;  // of the root: there is none yet
+  bool before_cuts = false;        // the first relaxation of the root
+  bool first = false;              // there is no incumbent, or one only that no relaxation has seen
+  std::int64_t budget = 0;         // entries that may be touched
+  std::int64_t iterations = 0;     // of the simplex that may be spent
 };
 
 class Plugin {

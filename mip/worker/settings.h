@@ -44,6 +44,8 @@ struct HeuristicSettings {
   int pump = 0;  // feasibility pump: -1 none, 0 automatic, 1 feasibility only, 2 objective too
   // What is switched on.
   bool rounding = true, diving = true, improvement = true;
+  bool jumps = true;   // local searches without a relaxation
+  bool fixing = true;  // fixing and propagation
 };
 
 struct Settings {
@@ -56,7 +58,8 @@ struct Settings {
   double objective_stop = -kInf;                                 // a solution as good as this ends the search
   double least_improvement = 0, least_relative_improvement = 0;  // of a new solution
   std::int64_t node_limit = kNoLimit, solution_limit = kNoLimit, iteration_limit = kNoLimit;
-  double tree_limit = 1e75;  // megabytes
+  std::int64_t stall_limit = kNoLimit;  // nodes since the last solution
+  double tree_limit = 1e75;             // megabytes
 
   // Order of the nodes.
   NodeRule node_rule = NodeRule::best_bound;

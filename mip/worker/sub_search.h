@@ -11,7 +11,9 @@
 namespace tovik::mip {
 
 struct SubSearchResult {
-  std::vector<double> x;  // best solution; empty: none
+  bool found = false;
+  std::vector<double> x;   // best solution, also where it has no columns
+  bool exhausted = false;  // there is no better one
   std::int64_t iterations = 0;
 };
 

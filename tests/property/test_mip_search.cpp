@@ -106,6 +106,8 @@ TEST(MipSearch, AgreesWithEnumerationWhateverIsSwitchedOff) {
         break;
       case 5:
         settings.heuristics.neighbourhood_interval = maker.random().chance(0.5) ? -1 : 1;
+        settings.heuristics.jumps = maker.random().chance(0.5);
+        settings.heuristics.fixing = maker.random().chance(0.5);
         break;
       case 6:
         settings.heuristics.dives = static_cast<DiveKind>(maker.random().pick(1, 3));

@@ -5,8 +5,11 @@
 
 #include "mip/domain/point.h"
 #include "mip/heuristics/diving_rules.h"
+#include "mip/heuristics/feasibility_jump.h"
 #include "mip/heuristics/feasibility_pump.h"
+#include "mip/heuristics/fix_and_propagate.h"
 #include "mip/heuristics/heuristics.h"
+#include "mip/heuristics/neighbourhood.h"
 #include "mip/heuristics/one_opt.h"
 #include "mip/heuristics/reduced_problem.h"
 #include "mip/heuristics/rounding.h"
@@ -67,7 +70,7 @@ struct Root {
 
 Moment generous() {
   Moment moment;
-  moment.root = true;
+  moment.root = moment.first = true;
   moment.iterations = 10000;
   return moment;
 }
@@ -111,6 +114,103 @@ TEST(MipHeuristics, LeaveTheWorkerAsItWas) {
     }
   }
   EXPECT_GT(called, 300);
+}
+
+/* Points of heuristics that claim to satisfy all rows do; of those that leave continuous columns to others, too. */
+TEST(MipHeuristics, WhatIsFoundIsASolution) {
+  std::vector<std::unique_ptr<Plugin>> plugins;
+  plugins.push_back(std::make_unique<FeasibilityJump>());
+  plugins.push_back(std::make_unique<Shifting>());
+  plugins.push_back(std::make_unique<FixAndPropagate>());
+  plugins.push_back(std::make_unique<Rens>());
+  plugins.push_back(std::make_unique<ReducedCostNeighbourhood>());
+  std::vector<int> found(plugins.size());
+  for (unsigned seed = 1; seed <= 3000 && !HasFailure(); ++seed) {
+    SCOPED_TRACE(seed);
+    const Problem problem = support::RandomMip(seed).draw();
+    if (problem.has_objects()) continue;
+    Root root(problem);
+    if (!root.solve()) continue;
+    for (std::size_t k = 0; k < plugins.size(); ++k) {
+      SCOPED_TRACE(plugins[k]->name());
+      root.worker.out.candidates.clear();
+      const Verdict verdict = plugins[k]->call(root.worker, generous());
+      ASSERT_EQ(verdict == Verdict::found, !root.worker.out.candidates.empty());
+      for (const Candidate& c : root.worker.out.candidates) {
+        EXPECT_TRUE(is_solution(problem, c.x));
+        ++found[k];
+      }
+    }
+  }
+  for (std::size_t k = 0; k < plugins.size(); ++k) EXPECT_GT(found[k], 50) << plugins[k]->name();
+}
+
+/* Neighbourhoods of an incumbent give points that are better than it, where they give any. */
+TEST(MipHeuristics, SearchesAroundAnIncumbentImproveIt) {
+  std::vector<int> found(3);
+  for (unsigned seed = 1; seed <= 4000 && !HasFailure(); ++seed) {
+    SCOPED_TRACE(seed);
+    const Problem problem = support::RandomMip(seed).draw();
+    Root root(problem);
+    if (problem.has_objects() || !root.solve()) continue;
+    if (FeasibilityJump().call(root.worker, generous()) != Verdict::found) continue;
+    root.global.incumbent = root.worker.out.candidates.back().x;
+    root.global.earlier_incumbents.assign(1, root.global.incumbent);
+    root.global.incumbent_value = objective(problem, root.global.incumbent);
+    root.global.cutoff = root.global.incumbent_value - 1e-6;
+    std::vector<std::unique_ptr<Plugin>> plugins;
+    plugins.push_back(std::make_unique<Rins>());
+    plugins.push_back(std::make_unique<Crossover>());
+    plugins.push_back(std::make_unique<Region>());
+    for (std::size_t k = 0; k < plugins.size(); ++k) {
+      SCOPED_TRACE(plugins[k]->name());
+      root.worker.out.candidates.clear();
+      plugins[k]->call(root.worker, generous());
+      for (const Candidate& c : root.worker.out.candidates) {
+        EXPECT_TRUE(is_solution(problem, c.x));
+        EXPECT_LT(objective(problem, c.x), root.global.incumbent_value);
+        ++found[k];
+      }
+    }
+  }
+  for (const int count : found) EXPECT_GT(count, 10);
+}
+
+/* Two of three columns, as equations say: what is left when two are fixed is nothing, and a solution. */
+TEST(MipHeuristics, ANeighbourhoodMayLeaveNoColumn) {
+  ProblemMaker maker({1, 2}, {1, 2});
+  maker.integer(1, 1, {1, 1}).integer(2, 1, {0, 1}).integer(0, 1, {1, 0});
+  Root root(maker.problem());
+  ASSERT_TRUE(root.solve());
+  ASSERT_EQ(Rens().call(root.worker, generous()), Verdict::found);
+  EXPECT_EQ(root.worker.out.candidates.back().x, (std::vector<double>{1, 1, 0}));
+}
+
+TEST(MipHeuristics, JumpsSolveRowsOfGeneralIntegersAndContinuousColumns) {
+  // 3 x + 5 y = 37 and x - z = 2.5, x and y whole, z continuous.
+  ProblemMaker maker({37, 2.5}, {37, 2.5});
+  maker.integer(1, 30, {3, 1}).integer(1, 30, {5, 0}).integer(0, 100, {0, -1});
+  Problem problem = maker.problem();
+  problem.is_integer[2] = 0;
+  Root root(problem);
+  ASSERT_EQ(FeasibilityJump().call(root.worker, generous()), Verdict::found);
+  EXPECT_TRUE(is_solution(problem, root.worker.out.candidates.back().x));
+  root.worker.out.candidates.clear();
+  ASSERT_TRUE(root.solve());
+  ASSERT_EQ(Shifting().call(root.worker, generous()), Verdict::found);
+  EXPECT_TRUE(is_solution(problem, root.worker.out.candidates.back().x));
+}
+
+/* Each row is covered by exactly one column of three, as a partition that greedy choices miss. */
+TEST(MipHeuristics, FixAndPropagateFindsAPartition) {
+  ProblemMaker maker({1, 1, 1, 1, 1, 1}, {1, 1, 1, 1, 1, 1});
+  maker.integer(1, 1, {1, 1, 0, 0, 0, 0}).integer(1, 1, {0, 0, 1, 1, 0, 0}).integer(9, 1, {0, 0, 0, 0, 1, 1});
+  maker.integer(1, 1, {0, 1, 1, 0, 0, 0}).integer(1, 1, {1, 0, 0, 0, 1, 0}).integer(1, 1, {0, 0, 0, 1, 0, 1});
+  maker.integer(1, 1, {1, 0, 1, 0, 0, 0}).integer(1, 1, {0, 1, 0, 0, 0, 1});
+  Root root(maker.problem());
+  ASSERT_TRUE(root.solve());
+  ASSERT_EQ(FixAndPropagate().call(root.worker, generous()), Verdict::found);
+  EXPECT_TRUE(is_solution(maker.problem(), root.worker.out.candidates.back().x));
 }
 
 /* What is left has the optimum that the whole has within the same bounds. */
@@ -217,18 +317,22 @@ TEST(MipHeuristics, SettingsSwitchFamiliesOff) {
     Settings settings;
     settings.heuristics = heuristics;
     const Global global(maker.problem(), settings);
-    std::vector<int> count(5);
+    std::vector<int> count(6);
     for (const Heuristic& h : make_heuristics(global)) ++count[static_cast<std::size_t>(h.kind)];
     return count;
   };
   HeuristicSettings settings;
-  EXPECT_EQ(kinds(settings), (std::vector<int>{2, 4, 1, 2, 1}));
+  EXPECT_EQ(kinds(settings), (std::vector<int>{1, 4, 4, 1, 5, 1}));
+  settings.jumps = false;
+  EXPECT_EQ(kinds(settings), (std::vector<int>{0, 3, 4, 1, 5, 1}));
+  settings.fixing = false;
+  EXPECT_EQ(kinds(settings), (std::vector<int>{0, 2, 4, 1, 5, 1}));
   settings.dives = DiveKind::probing;
-  EXPECT_EQ(kinds(settings), (std::vector<int>{2, 1, 0, 2, 1}));
+  EXPECT_EQ(kinds(settings), (std::vector<int>{0, 2, 1, 0, 5, 1}));
   settings.interval = -1;
-  EXPECT_EQ(kinds(settings), (std::vector<int>{0, 0, 0, 2, 0}));
+  EXPECT_EQ(kinds(settings), (std::vector<int>{0, 0, 0, 0, 5, 0}));
   settings.neighbourhood_interval = -1;
-  EXPECT_EQ(kinds(settings), (std::vector<int>{0, 0, 0, 0, 0}));
+  EXPECT_EQ(kinds(settings), (std::vector<int>{0, 0, 0, 0, 0, 0}));
 }
 
 }  // namespace
