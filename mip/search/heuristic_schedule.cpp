@@ -10,7 +10,8 @@ namespace {
 constexpr int kPatience = 4, kPatienceWithSearches = 2, kMostDoublings = 8;
 constexpr double kDiveShare = 0.1, kDiveShareAtFirst = 0.5;  // of the tree's iterations; without an incumbent
 constexpr double kSubShare = 0.1, kSubShareAtFirst = 0.2;
-constexpr double kEntryShare = 0.05;  // of the entries that pivots touch
+constexpr double kTickShare = 0.15, kTickShareAtFirst = 0.3;  // of all work, for sub-searches
+constexpr double kEntryShare = 0.05;                          // of the entries that pivots touch
 constexpr double kEntriesAtFirst = 3e6, kTimesAtFirst = 100;
 constexpr double kWideGap = 0.01;  // relative
 constexpr std::int64_t kStart = 1000, kSubStart = 2000;
@@ -78,6 +79,12 @@ bool HeuristicSchedule::has_entries_left(const Worker& worker) const {
   return static_cast<double>(touched_) <= start + kEntryShare * pivot * all;
 }
 
+/* Sub-searches spend more than iterations: presolve, cuts. */
+bool HeuristicSchedule::has_ticks_left() const {
+  const double share = is_first() ? kTickShareAtFirst : kTickShare;
+  return static_cast<double>(sub_ticks_) <= share * static_cast<double>(control_->ticks());
+}
+
 /* Simplex iterations that are left to spend. */
 std::int64_t HeuristicSchedule::allowance(Account account, const Worker& worker) const {
   const std::int64_t tree = worker.iterations - in_worker_ + strong_iterations_;
@@ -102,10 +109,13 @@ bool HeuristicSchedule::call(Entry& entry, Worker& worker, const Moment& moment,
   now.iterations = allowance(payer, worker);
   if (payer == cheap && entry.touched > 0 && !has_entries_left(worker)) return false;
   if (payer != cheap && now.iterations < least_to_begin(entry)) return false;
+  if (payer == sub_searches && !has_ticks_left()) return false;
   const std::int64_t before = worker.iterations, touched = entries_touched(worker);
+  const std::int64_t ticks = control_->ticks();
   const TimedCall timed(entry.counts, worker.control);
   if (entry.heuristic.plugin->call(worker, now) != Verdict::found) worker.out.candidates.clear();
   const std::int64_t own = worker.iterations - before;
+  if (payer == sub_searches) sub_ticks_ += control_->ticks() - ticks;
   entry.iterations += own;
   entry.touched += entries_touched(worker) - touched;
   if (payer == cheap) touched_ += entries_touched(worker) - touched;
@@ -168,6 +178,7 @@ bool HeuristicSchedule::run(Worker& worker, const Moment& moment, const Passed& 
   const std::int64_t nodes = passed.nodes;
   strong_iterations_ = passed.strong_iterations;
   bound_ = passed.bound;
+  control_ = passed.control;
   if (root_iterations_ < 0 && !moment.before_relaxation) root_iterations_ = worker.iterations;
   if (global_.incumbent_value < seen_value_) {
     // A new incumbent has a neighbourhood of its own.

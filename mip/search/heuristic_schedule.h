@@ -39,6 +39,7 @@ class HeuristicSchedule {
     std::int64_t nodes = 0;              // processed
     double bound = -kInf;                // of all solutions
     std::int64_t strong_iterations = 0;  // of branching's, which the worker does not count
+    const MeteredControl* control = nullptr;
   };
   /* At the relaxation's optimum of a node, or before the root's. True when there is a new incumbent. */
   bool run(Worker& worker, const Moment& moment, const Passed& passed, const Taker& take);
@@ -64,6 +65,7 @@ class HeuristicSchedule {
   std::int64_t allowance(Account account, const Worker& worker) const;
   static std::int64_t entries_touched(const Worker& worker);
   bool has_entries_left(const Worker& worker) const;
+  bool has_ticks_left() const;
   std::int64_t least_to_begin(const Entry& entry) const;
   bool call(Entry& entry, Worker& worker, const Moment& moment, const Taker& take);
   int next_dive(const Moment& moment, std::int64_t nodes) const;
@@ -74,6 +76,8 @@ class HeuristicSchedule {
   std::array<std::int64_t, kAccounts> spent_{};
   std::int64_t in_worker_ = 0;  // iterations of the worker that were heuristics'
   std::int64_t touched_ = 0;    // entries, by those that ask no relaxation
+  std::int64_t sub_ticks_ = 0;  // of sub-searches
+  const MeteredControl* control_ = nullptr;
   std::int64_t strong_iterations_ = 0;
   std::int64_t root_iterations_ = -1;      // before the first call
   double bound_ = -kInf;                   // of all solutions, at the last call

@@ -352,7 +352,7 @@ void Search::try_before_relaxation() {
 bool Search::run_heuristics(const Moment& moment) {
   const Phase before = enter(Phase::heuristics);
   const bool found =
-      heuristics_.run(worker_, moment, {nodes_, open_bound(), branching_.strong_iterations()},
+      heuristics_.run(worker_, moment, {nodes_, open_bound(), branching_.strong_iterations(), &control_},
                       [this](const Candidate& candidate) {
                         if (has_enough_solutions()) return HeuristicSchedule::Taken{};
                         const std::int64_t iterations = judges_iterations();

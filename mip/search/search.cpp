@@ -234,7 +234,6 @@ void Search::start() {
   if (!given_cuts_.empty()) separation_.add_rows(worker_, given_cuts_);
   given_cuts_.clear();
   separation_.take_counts();
-  try_before_relaxation();
   next_child_ = tree_.add({-kInf, -kInf, -kInf, -1, {}, {}, nullptr});
   next_child_id_ = tree_[next_child_].id;
 }
@@ -258,6 +257,10 @@ Conclusion Search::run_until_limit() {
     if (!apply_global_bounds()) drop_nodes(-kInf);
     if (tree_.empty() || gap_is_closed(open_bound())) return conclude();
     if (const std::optional<Conclusion> limit = limit_reached()) return *limit;
+    if (nodes_ == 0 && !std::exchange(tried_before_relaxation_, true)) {
+      try_before_relaxation();
+      continue;
+    }
     int slot = pick();
     if (asks(&SearchCallbacks::Kinds::node)) slot = ask_for_node(slot);
     if (const std::optional<Conclusion> end = process(slot)) return *end;

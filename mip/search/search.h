@@ -273,7 +273,7 @@ class Search {
     std::int64_t work = 0;
   } tree_cuts_;
   bool from_queue_ = false;  // the node in process was not reached by a plunge
-  bool started_ = false, new_incumbent_ = false;
+  bool started_ = false, tried_before_relaxation_ = false, new_incumbent_ = false;
   bool relaxation_was_taken_ = false;  // the relaxation of the node in process is an incumbent
   std::int64_t work_told_ = 0;         // entries of propagation that the control knows of
   lp::Stop stop_ = lp::Stop::none;
