@@ -70,9 +70,11 @@ std::optional<Conclusion> Search::process(int slot) {
 Search::NodeResult Search::work_on(int slot, NodeEvent& event) {
   bool learned = false;
   rounds_ = {};
+  const bool is_root = tree_[slot].parent < 0;
+  if (is_root && !std::exchange(tried_before_relaxation_, true)) try_before_relaxation();
   for (int looks = 0;; ++looks) {
     if (worker_.must_stop() || has_enough_solutions()) return NodeResult::stopped;
-    if (looks == 0 && tree_[slot].parent < 0) enter(Phase::root_relaxation);
+    if (looks == 0 && is_root) enter(Phase::root_relaxation);
     // Each look has moved a bound, a row or the incumbent; more of them than this are noise.
     if (looks > kMostLooks) return branch_anywhere(slot, tree_[slot].bound, true);
     if (const NodeResult solved = solve_relaxation(); solved != NodeResult::branched) {
@@ -108,7 +110,7 @@ Search::NodeResult Search::work_on(int slot, NodeEvent& event) {
       if (!probe_node(shortfall)) return NodeResult::cutoff;
       if (worker_.domain.position() > before) continue;
     }
-    const bool before_cuts = tree_[slot].parent < 0 && !std::exchange(rounds_.tried_heuristics, true);
+    const bool before_cuts = is_root && !std::exchange(rounds_.tried_heuristics, true);
     if (before_cuts && try_heuristics(slot, true)) {
       if (prunes(tree_[slot].bound)) return NodeResult::cutoff;
       continue;

@@ -257,10 +257,6 @@ Conclusion Search::run_until_limit() {
     if (!apply_global_bounds()) drop_nodes(-kInf);
     if (tree_.empty() || gap_is_closed(open_bound())) return conclude();
     if (const std::optional<Conclusion> limit = limit_reached()) return *limit;
-    if (nodes_ == 0 && !std::exchange(tried_before_relaxation_, true)) {
-      try_before_relaxation();
-      continue;
-    }
     int slot = pick();
     if (asks(&SearchCallbacks::Kinds::node)) slot = ask_for_node(slot);
     if (const std::optional<Conclusion> end = process(slot)) return *end;
