@@ -479,8 +479,9 @@ TVK_API int TVKgetlpcallbackfunc(ConstEnvHandle env, int (**func_p)(ConstEnvHand
                                  void **handle_p);
 
 /* Registers functions that TVKmipopt calls to tell how it stands (null: none). `wherefrom` says where it is: one of
- * TVK_CALLBACK_MIP (a node was processed, or some work has been done since the last call), TVK_CALLBACK_MIP_ROOT_CUTS (after
- * a round of cuts) and TVK_CALLBACK_MIP_INCUMBENT (a new solution was found). A result other than 0 stops the search with
+ * TVK_CALLBACK_MIP_PRESOLVE, TVK_CALLBACK_MIP (a node was processed, or some work has been done since the last call; in the
+ * phases that have a code of their own it is that), TVK_CALLBACK_MIP_ROOT_CUTS (a round of cuts has been added) and
+ * TVK_CALLBACK_MIP_INCUMBENT (a new solution was found). A result other than 0 stops the search with
  * TVK_STATUS_MIP_USER_ABORT or 114; the next call goes on with the tree. Both see the same; what they may call differs: from
  * the info callback everything gives 1804 but TVKgetcallbackincumbent and, of TVKgetcallbackinfo, the items 19, 101 to 106,
  * 109, 113, 114, 116, 118, 121, 123, 125 and 127 to 132. The mip callback may call what the LP callback may. */
@@ -508,9 +509,12 @@ TVK_API int TVKgettuningcallbackfunc(ConstEnvHandle env, int (**func_p)(ConstEnv
                                      void **handle_p);
 
 /* Where TVKmipopt calls from. */
-#define TVK_CALLBACK_MIP 101           /* informational: a node, or some work */
-#define TVK_CALLBACK_MIP_ROOT_CUTS 108 /* informational: a round of cuts at the root */
-#define TVK_CALLBACK_MIP_INCUMBENT 111 /* a solution */
+#define TVK_CALLBACK_MIP 101            /* informational: a node, or some work */
+#define TVK_CALLBACK_MIP_PRESOLVE 107   /* informational: presolve has ended, before the search or for a restart */
+#define TVK_CALLBACK_MIP_ROOT_CUTS 108  /* informational: a round of cuts at the root, or some work on it */
+#define TVK_CALLBACK_MIP_ROOT 109       /* informational: some work on the root's relaxation */
+#define TVK_CALLBACK_MIP_HEURISTICS 110 /* informational: some work of heuristics */
+#define TVK_CALLBACK_MIP_INCUMBENT 111  /* a solution */
 
 /* Items of TVKgetcallbackinfo, ints but where it says double. Numbers that the method does not have at that time are 1e20:
  * in the first phase of the dual simplex objective and primal infeasibility, in the first phase of the primal simplex dual
@@ -538,10 +542,30 @@ TVK_API int TVKgettuningcallbackfunc(ConstEnvHandle env, int (**func_p)(ConstEnv
 #define TVK_CALLBACK_INFO_CURRENT_SEQUENCE 107 /* sequence number of the node that is processed; 1006 without one */
 #define TVK_CALLBACK_INFO_CURRENT_DEPTH 108    /* its depth */
 #define TVK_CALLBACK_INFO_HAS_INCUMBENT 109  /* 1 when there is an incumbent */
+#define TVK_CALLBACK_INFO_THREADS 110        /* that search */
+#define TVK_CALLBACK_INFO_RESTARTS 111       /* of the search after another presolve */
+#define TVK_CALLBACK_INFO_OPEN_INTEGERS 112  /* searched integer columns that are not fixed at the node */
 #define TVK_CALLBACK_INFO_GAP 113            /* double: |bound - incumbent| / (1e-10 + |incumbent|), 1e75 without either */
 #define TVK_CALLBACK_INFO_SOLUTIONS 114      /* solutions found */
+#define TVK_CALLBACK_INFO_SEARCHED_ROWS 115  /* of the problem that is searched, without cuts */
 #define TVK_CALLBACK_INFO_CUT_ROWS 116       /* cuts that are rows of the relaxation now */
+#define TVK_CALLBACK_INFO_SEARCHED_COLUMNS 117
 #define TVK_CALLBACK_INFO_TREE_SIZE 118      /* double: megabytes of the open nodes */
+#define TVK_CALLBACK_INFO_ROOT_BOUND 119     /* double: that the root's relaxation has proven; +-1e75 before it is solved */
+#define TVK_CALLBACK_INFO_LARGEST_DEPTH 120  /* of a node processed */
+/* Cuts that have become rows so far, by class. */
+#define TVK_CALLBACK_INFO_COVER_CUTS 121
+#define TVK_CALLBACK_INFO_GUB_COVER_CUTS 122
+#define TVK_CALLBACK_INFO_FLOW_COVER_CUTS 123
+#define TVK_CALLBACK_INFO_FLOW_PATH_CUTS 124
+#define TVK_CALLBACK_INFO_CLIQUE_CUTS 125
+#define TVK_CALLBACK_INFO_DISJUNCTIVE_CUTS 126
+#define TVK_CALLBACK_INFO_FRACTIONAL_CUTS 127
+#define TVK_CALLBACK_INFO_ROUNDING_CUTS 128
+#define TVK_CALLBACK_INFO_IMPLIED_BOUND_CUTS 129
+#define TVK_CALLBACK_INFO_ZERO_HALF_CUTS 130
+#define TVK_CALLBACK_INFO_MULTI_COMMODITY_CUTS 131
+#define TVK_CALLBACK_INFO_USER_CUTS 132 /* of callbacks and of the model */
 
 /* For a callback while it runs, with its own `env`, `cbdata` and `wherefrom`: stores the item `whichinfo` in *result_p,
  * an int or a double. 1 to 6 are known in context 1, 13 to 16 in context 7, 101 and up in those of TVKmipopt, 17 and 19 in all. The infeasibilities cost a
@@ -565,8 +589,10 @@ TVK_API int TVKgetcallbackinfo(ConstEnvHandle env, void *cbdata, int wherefrom, 
  * TVKmipopt began is called until it ends. *useraction_p is TVK_CALLBACK_DEFAULT on entry; TVK_CALLBACK_SET tells that the
  * function has answered. While one of these is registered TVK_PARAM_MIPSEARCH may not be 2 (1805).
  *
- * Space: columns are counted as in the problem that is searched (TVKgetcallbacklp), or, with TVK_PARAM_MIPCBREDLP 0, as in the
- * problem itself. Objective values have the sense of the problem. The order at a node is: node selection; solve, in place of
+ * Space: columns are counted as in the problem that is searched (TVKgetcallbacklp), of which presolve may have removed
+ * columns, or, with TVK_PARAM_MIPCBREDLP 0, as in the problem itself: what is said of columns that left is then said of those
+ * that stay. Functions for cuts, branching, heuristics and incumbents leave presolve what keeps every feasible point and makes
+ * each column a linear function of those that stay; columns of TVKcopyprotected stay in any case. Objective values have the sense of the problem. The order at a node is: node selection; solve, in place of
  * each solve of the relaxation; cuts; heuristic; for each point that may become the incumbent, wherever it was found, cuts once
  * more, and incumbent; branch, or branch without a solution; node deletion.
  *
@@ -1126,15 +1152,15 @@ TVK_API int TVKgetticks(ConstEnvHandle env, ConstProbHandle lp, double *ticks_p)
 #define TVK_PARAM_MIPORDIND              2020 /* int 1, 0 to 1 */
 #define TVK_PARAM_RELOBJDIF              2022 /* double 0, 0 to 1 */
 #define TVK_PARAM_STARTALG               2025 /* int 0, 0 to 6 */
-#define TVK_PARAM_SUBALG                 2026 /* int 0, 0 to 5; stored only */
+#define TVK_PARAM_SUBALG                 2026 /* int 0, 0 to 5 */
 #define TVK_PARAM_TRELIM                 2027 /* double 1e75, 0 to 1e75 */
 #define TVK_PARAM_VARSEL                 2028 /* int 0, -1 to 4 */
 #define TVK_PARAM_BNDSTRENIND            2029 /* int -1, -1 to 1 */
 #define TVK_PARAM_HEURFREQ               2031 /* int 0, -1 to 2100000000 */
 #define TVK_PARAM_MIPORDTYPE             2032 /* int 0, 0 to 3 */
 #define TVK_PARAM_CUTSFACTOR             2033 /* double 4, 0 to 1e75 */
-#define TVK_PARAM_RELAXPREIND            2034 /* int -1, -1 to 1; stored only */
-#define TVK_PARAM_PRESLVND               2037 /* int 0, -1 to 2; stored only */
+#define TVK_PARAM_RELAXPREIND            2034 /* int -1, -1 to 1 */
+#define TVK_PARAM_PRESLVND               2037 /* int 0, -1 to 2 */
 #define TVK_PARAM_BBINTERVAL             2039 /* int 7, 0 to 2100000000 */
 #define TVK_PARAM_FLOWCOVERS             2040 /* int 0, -1 to 2 */
 #define TVK_PARAM_IMPLBD                 2041 /* int 0, -1 to 2 */
@@ -1144,7 +1170,7 @@ TVK_API int TVKgetticks(ConstEnvHandle env, ConstProbHandle lp, double *ticks_p)
 #define TVK_PARAM_STRONGITLIM            2046 /* int 0, 0 to 2100000000 */
 #define TVK_PARAM_FRACCAND               2048 /* int 200, 1 to 2100000000; stored only */
 #define TVK_PARAM_FRACCUTS               2049 /* int 0, -1 to 2 */
-#define TVK_PARAM_FRACPASS               2050 /* int 0, 0 to 2100000000; stored only */
+#define TVK_PARAM_FRACPASS               2050 /* int 0, 0 to 2100000000 */
 #define TVK_PARAM_FLOWPATHS              2051 /* int 0, -1 to 2 */
 #define TVK_PARAM_MIRCUTS                2052 /* int 0, -1 to 2 */
 #define TVK_PARAM_DISJCUTS               2053 /* int 0, -1 to 3; stored only */
@@ -1158,7 +1184,7 @@ TVK_API int TVKgetticks(ConstEnvHandle env, ConstProbHandle lp, double *ticks_p)
 #define TVK_PARAM_SUBMIPNODELIM          2062 /* int 500, 1 to 2100000000 */
 #define TVK_PARAM_LBHEUR                 2063 /* int 0, 0 to 1; stored only */
 #define TVK_PARAM_REPEATPRESOLVE         2064 /* int -1, -1 to 3 */
-#define TVK_PARAM_PROBETIME              2065 /* double 1e75, 0 to 1e75; stored only */
+#define TVK_PARAM_PROBETIME              2065 /* double 1e75, 0 to 1e75 */
 #define TVK_PARAM_POLISHTIME             2066 /* double 0, 0 to 1e75; stored only */
 #define TVK_PARAM_REPAIRTRIES            2067 /* int 0, -1 to 2100000000 */
 #define TVK_PARAM_EPRELAX                2073 /* double 1e-6, 0 to 1e20; stored only */

@@ -40,8 +40,8 @@ inline constexpr auto kMip = std::to_array<Entry>({
     integer(
         NAMED(STARTALG), 0, 0, 6,
         "Method at the root: 0 automatic, 1 primal, 2 dual, 3 network, 4 barrier, 5 sifting, 6 concurrent"),
-    unused(integer(NAMED(SUBALG), 0, 0, 5,
-                   "Method at the nodes: 0 automatic, 1 primal, 2 dual, 3 network, 4 barrier, 5 sifting")),
+    integer(NAMED(SUBALG), 0, 0, 5,
+            "Method at the nodes: 0 automatic, 1 primal, 2 dual, 3 network, 4 barrier, 5 sifting"),
     real(NAMED(TRELIM), 1e75, 0, 1e75, "Largest size of the tree, in megabytes"),
     integer(NAMED(VARSEL), 0, -1, 4,
             "Branching variable: -1 least fractional, 0 automatic, 1 most fractional, 2 pseudo-costs, 3 "
@@ -52,10 +52,8 @@ inline constexpr auto kMip = std::to_array<Entry>({
     integer(NAMED(MIPORDTYPE), 0, 0, 3,
             "Generated priority order: 0 none, 1 by cost, 2 by bounds, 3 by cost per entry"),
     real(NAMED(CUTSFACTOR), 4, 0, 1e75, "Rows with cuts may reach this multiple of the original rows"),
-    unused(
-        integer(NAMED(RELAXPREIND), -1, -1, 1, "Presolve of the root relaxation: -1 automatic, 0 off, 1 on")),
-    unused(integer(NAMED(PRESLVND), 0, -1, 2,
-                   "Presolve at nodes: -1 none, 0 automatic, 1 force, 2 with probing")),
+    integer(NAMED(RELAXPREIND), -1, -1, 1, "Presolve of the root relaxation: -1 automatic, 0 off, 1 on"),
+    integer(NAMED(PRESLVND), 0, -1, 2, "Presolve at nodes: -1 none, 0 and 1 propagation, 2 with probing"),
     hidden_real(2038),
     integer(NAMED(BBINTERVAL), 7, 0, kUnlimited,
             "Every how many nodes the best bound is taken when another node rule is in force: 0 never"),
@@ -70,7 +68,7 @@ inline constexpr auto kMip = std::to_array<Entry>({
     hidden_real(2047),
     unused(integer(NAMED(FRACCAND), 200, 1, kUnlimited, "Candidate rows for fractional cuts")),
     integer(NAMED(FRACCUTS), 0, -1, 2, "Fractional cuts: -1 none, 0 automatic, 1-2 ever more"),
-    unused(integer(NAMED(FRACPASS), 0, 0, kUnlimited, "Rounds of fractional cuts: 0 automatic")),
+    integer(NAMED(FRACPASS), 0, 0, kUnlimited, "Rounds of fractional cuts: 0 automatic"),
     integer(NAMED(FLOWPATHS), 0, -1, 2, "Flow path cuts: -1 none, 0 automatic, 1-2 ever more"),
     integer(NAMED(MIRCUTS), 0, -1, 2, "Mixed-integer rounding cuts: -1 none, 0 automatic, 1-2 ever more"),
     unused(integer(NAMED(DISJCUTS), 0, -1, 3, "Disjunctive cuts: -1 none, 0 automatic, 1-3 ever more")),
@@ -91,7 +89,7 @@ inline constexpr auto kMip = std::to_array<Entry>({
     integer(NAMED(REPEATPRESOLVE), -1, -1, 3,
             "Presolve again after the root: -1 automatic, 0 no, 1 without cuts, 2 with cuts, 3 with new root "
             "cuts"),
-    unused(real(NAMED(PROBETIME), 1e75, 0, 1e75, "Largest time of probing, in seconds")),
+    real(NAMED(PROBETIME), 1e75, 0, 1e75, "Largest time of probing, in seconds"),
     unused(real(NAMED(POLISHTIME), 0, 0, 1e75,
                 "Time of polishing after the search, in seconds; excludes the polish-after conditions")),
     integer(NAMED(REPAIRTRIES), 0, -1, kUnlimited,

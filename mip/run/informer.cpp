@@ -3,11 +3,25 @@
 #include <utility>
 
 #include "env/handles.h"
+#include "include/tovik.h"
 
 namespace tovik::mip::run {
 namespace {
 
 constexpr std::uint64_t kTicksBetween = 20000000;
+
+int context_of(Phase phase, const Search& search) {
+  switch (phase) {
+    case Phase::root_relaxation:
+      return TVK_CALLBACK_MIP_ROOT;
+    case Phase::heuristics:
+      return TVK_CALLBACK_MIP_HEURISTICS;
+    case Phase::cuts:
+      return search.is_at_root() ? TVK_CALLBACK_MIP_ROOT_CUTS : TVK_CALLBACK_MIP;
+    default:
+      return TVK_CALLBACK_MIP;
+  }
+}
 
 /* Most routines are refused from the info callback. */
 class InInfoCallback {
@@ -41,8 +55,9 @@ void Informer::inform(int wherefrom) {
   is_informing_ = false;
 }
 
-void Informer::inform_now_and_then(int wherefrom) {
-  if (scene_.env.work->ticks - last_ticks_ >= kTicksBetween) inform(wherefrom);
+void Informer::inform_now_and_then() {
+  if (scene_.env.work->ticks - last_ticks_ < kTicksBetween) return;
+  inform(scene_.has_search() ? context_of(scene_.search().phase(), scene_.search()) : TVK_CALLBACK_MIP);
 }
 
 }  // namespace tovik::mip::run

@@ -16,7 +16,7 @@ class Informer {
   /* wherefrom: a code of context. */
   void inform(int wherefrom);
   /* From within an algorithm, as often as it likes. */
-  void inform_now_and_then(int wherefrom);
+  void inform_now_and_then();
   bool asks_to_stop() const { return asks_to_stop_; }
 
  private:

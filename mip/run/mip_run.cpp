@@ -54,7 +54,7 @@ class CallControl : public lp::Control {
   }
   lp::Stop poll_clock() override { return control_->poll_clock(); }
   lp::Stop iteration_callback(const lp::ProgressSource&) override {
-    if (informer_ != nullptr) informer_->inform_now_and_then(TVK_CALLBACK_MIP);
+    if (informer_ != nullptr) informer_->inform_now_and_then();
     return lp::Stop::none;
   }
 
@@ -69,6 +69,7 @@ class Audience : public Observer {
  public:
   explicit Audience(NodeLog& log) : log_(log) {}
   void set(Informer* informer) { informer_ = informer; }
+  void presolve() { inform(TVK_CALLBACK_MIP_PRESOLVE); }
   void node(const NodeEvent& event) override {
     log_.node(event);
     if (!event.by_heuristic) inform(TVK_CALLBACK_MIP);  // of an incumbent solution() has told
@@ -114,6 +115,7 @@ struct KeptSearch : Derived {
     log.follow(search);
     search.set_listener([this, &env, &user](const Presolved& presolved, bool again) {
       write_presolve_lines(env, user, presolved, log.seconds(), again);
+      audience.presolve();
     });
   }
   bool has_callbacks() const { return functions.any(); }

@@ -30,6 +30,26 @@ double relative_gap(double incumbent, double bound) {
   return std::fabs(incumbent - bound) / (1e-10 + std::fabs(incumbent));
 }
 
+const mip::Problem& searched_problem(const PresolvedSearch& search) {
+  return search.stages().empty() ? search.given() : search.stages().back()->problem;
+}
+
+std::int64_t open_integers(const Search& search) {
+  const std::vector<int>& columns = search.global().integer_columns;
+  const Domain& domain = search.worker().domain;
+  return std::count_if(columns.begin(), columns.end(), [&](int j) { return !domain.is_fixed(j); });
+}
+
+/* item: from TVK_CALLBACK_INFO_COVER_CUTS to TVK_CALLBACK_INFO_USER_CUTS. */
+std::int64_t cuts_of_class(const PresolvedSearch& search, int item) {
+  constexpr CutClass kClasses[] = {
+      CutClass::cover,         CutClass::gub_cover,   CutClass::flow_cover,      CutClass::flow_path,
+      CutClass::clique,        CutClass::disjunctive, CutClass::fractional,      CutClass::mir,
+      CutClass::implied_bound, CutClass::zero_half,   CutClass::multi_commodity, CutClass::user};
+  const CutClass kind = kClasses[item - TVK_CALLBACK_INFO_COVER_CUTS];
+  return search.statistics().cuts[static_cast<std::size_t>(kind)];
+}
+
 }  // namespace
 
 double CallbackScene::sign() const {
@@ -170,8 +190,24 @@ Status SearchCallback::write(int item, void* result) {
       return !node() ? Status(TVK_ERROR_CALLBACK) : put(result, std::int64_t{node()->depth});
     case TVK_CALLBACK_INFO_TREE_SIZE:
       return put(result, search.progress().tree_bytes / kMegabyte);
+    case TVK_CALLBACK_INFO_THREADS:
+      return put(result, std::int64_t{1});
+    case TVK_CALLBACK_INFO_RESTARTS:
+      return put(result, std::max<std::int64_t>(1, static_cast<std::int64_t>(search.stages().size())) - 1);
+    case TVK_CALLBACK_INFO_OPEN_INTEGERS:
+      return put(result, scene_.has_search() ? open_integers(scene_.search()) : 0);
+    case TVK_CALLBACK_INFO_SEARCHED_ROWS:
+      return put(result, std::int64_t{searched_problem(search).num_rows()});
+    case TVK_CALLBACK_INFO_SEARCHED_COLUMNS:
+      return put(result, std::int64_t{searched_problem(search).num_columns()});
+    case TVK_CALLBACK_INFO_ROOT_BOUND:
+      return put(result, scene_.objective(search.statistics().root_bound_after_cuts));
+    case TVK_CALLBACK_INFO_LARGEST_DEPTH:
+      return put(result, std::int64_t{search.statistics().largest_depth});
     default:
-      return TVK_ERROR_BAD_ARGUMENT;
+      return item >= TVK_CALLBACK_INFO_COVER_CUTS && item <= TVK_CALLBACK_INFO_USER_CUTS
+                 ? put(result, cuts_of_class(search, item))
+                 : Status(TVK_ERROR_BAD_ARGUMENT);
   }
 }
 

@@ -30,6 +30,7 @@ void take_presolve(const tovik::Settings& s, PresolveSettings& out) {
   out.aggregator = s.integer(TVK_PARAM_AGGIND);
   out.fill = s.integer(TVK_PARAM_AGGFILL);
   out.probing = s.integer(TVK_PARAM_PROBE);
+  take_number(s.real(TVK_PARAM_PROBETIME), out.probing_seconds);
   out.restarts = s.integer(TVK_PARAM_REPEATPRESOLVE);
   out.coefficients = s.integer(TVK_PARAM_COEREDIND);
   if (s.integer(TVK_PARAM_BNDSTRENIND) == 0) out.rules &= ~rule_bit(PresolveRule::propagation);
@@ -98,6 +99,9 @@ Settings settings_of(const Environment& env, const tovik::Problem& problem) {
   take_number(s.real(TVK_PARAM_BTTOL), out.backtrack_share);
   out.first_direction = s.integer(TVK_PARAM_BRDIR);
   out.root_method = first_method(s.integer(TVK_PARAM_STARTALG));
+  out.node_method = first_method(s.integer(TVK_PARAM_SUBALG));
+  out.root_presolve = s.integer(TVK_PARAM_RELAXPREIND) > 0;
+  out.node_presolve = s.integer(TVK_PARAM_PRESLVND);
   out.variable_rule = s.integer(TVK_PARAM_VARSEL);
   out.strong_candidates = s.integer(TVK_PARAM_STRONGCANDLIM);
   out.strong_iterations = s.integer(TVK_PARAM_STRONGITLIM);
@@ -113,6 +117,7 @@ Settings settings_of(const Environment& env, const tovik::Problem& problem) {
   take_number(s.real(TVK_PARAM_CUTSFACTOR), out.cuts.rows_factor);
   out.cuts.most_of_a_class = s.integer(TVK_PARAM_EACHCUTLIM);
   out.cuts.root_rounds = s.integer(TVK_PARAM_CUTPASS);
+  out.cuts.fractional_rounds = s.integer(TVK_PARAM_FRACPASS);
   out.heuristics.interval = s.integer(TVK_PARAM_HEURFREQ);
   out.heuristics.neighbourhood_interval = s.integer(TVK_PARAM_RINSHEUR);
   out.heuristics.dives = static_cast<DiveKind>(s.integer(TVK_PARAM_DIVETYPE));
