@@ -172,7 +172,7 @@ inline constexpr auto kGeneral = std::to_array<Entry>({
     unused(integer(NAMED(PERFVAR_MEASURE), 0, 0, 1, "Performance-variability measure: 0 time, 1 work ticks")),
     hidden_integer(kRandomSeed, 201004084, 0, kUnlimited),
     hidden_text(1125),
-    hidden_integer(1126),
+    hidden_integer(kFollowStart, 0, 0, 1),
     hidden_real(kTickLimit, 1e75, 0, 1e75),
 });
 

@@ -25,6 +25,9 @@ inline constexpr int kReadCheckFirst = 1088;
 inline constexpr int kReadCheckSecond = 1108;
 /* int, default 201004084: where the engines' random numbers begin. */
 inline constexpr int kRandomSeed = 1124;
+/* int 0..1, default 0: 1 = a search does not use the first MIP start, which is complete and feasible, but tells on the
+ * warning channel which reduction, cut, bound or node loses it. For those who look for a fault in the search. */
+inline constexpr int kFollowStart = 1126;
 /* double >= 0, default 1e75: work ticks that one optimization may use. */
 inline constexpr int kTickLimit = 1127;
 /* int, default 0 = automatic, at most the processor count. */

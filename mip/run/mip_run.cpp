@@ -28,6 +28,7 @@
 #include "mip/run/statistics.h"
 #include "mip/search/presolved_search.h"
 #include "model/store/model.h"
+#include "param/hidden.h"
 
 namespace tovik::mip::run {
 namespace {
@@ -101,6 +102,13 @@ Settings settings_with_callbacks(const Environment& env, const tovik::Problem& p
   return settings;
 }
 
+Settings settings_of_search(Environment& env, const tovik::Problem& user, const mip::Problem& problem) {
+  Settings settings = settings_with_callbacks(env, user);
+  if (env.settings.integer(param::kFollowStart) != 0)
+    settings.witness = followed_start(env, user, problem, settings.tolerances);
+  return settings;
+}
+
 /* A search that stays with its problem. */
 struct KeptSearch : Derived {
   KeptSearch(Environment& env, const tovik::Problem& user, mip::Problem built, lp::Control& first)
@@ -110,7 +118,7 @@ struct KeptSearch : Derived {
         control(&first),
         log(env, user),
         audience(log),
-        search(problem, settings_with_callbacks(env, user), control, audience),
+        search(problem, settings_of_search(env, user, problem), control, audience),
         spaces(user.model->num_columns(), problem.num_columns(), search) {
     log.follow(search);
     search.set_listener([this, &env, &user](const Presolved& presolved, bool again) {
@@ -266,7 +274,7 @@ std::unique_ptr<KeptSearch> new_search(Environment& env, const tovik::Problem& p
 void try_starts(Environment& env, const tovik::Problem& problem, lp::Control& control, KeptSearch& kept,
                 bool is_new) {
   const std::uint64_t starts = identity_of_starts(*problem.model);
-  if (!is_new && starts == kept.tried_starts) return;
+  if ((!is_new && starts == kept.tried_starts) || env.settings.integer(param::kFollowStart) != 0) return;
   kept.tried_starts = starts;
   StartTrial trial{env, problem, kept.problem, settings_of(env, problem), control};
   trial.cutoff = std::min(trial.settings.cutoff, kept.search.incumbent().objective);
@@ -314,7 +322,7 @@ Status run_branch_and_cut(Environment& env, tovik::Problem& problem) {
     made = new_search(env, problem, control);
     kept = made.get();
   } else {
-    kept->search.change_settings(settings_with_callbacks(env, problem));
+    kept->search.change_settings(settings_of_search(env, problem, kept->problem));
   }
   const CallbackScene scene{env,
                             problem,

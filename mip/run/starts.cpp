@@ -10,6 +10,7 @@
 #include "env/channel.h"
 #include "env/method_code.h"
 #include "include/tovik.h"
+#include "mip/domain/point.h"
 #include "mip/heuristics/start_completion.h"
 #include "mip/search/sub_search.h"
 
@@ -76,6 +77,28 @@ void try_mip_starts(const StartTrial& trial) {
     message(trial.env.results_channel, "MIP start '%.255s' gives no%s solution.\n",
             name_of_start(starts, k).c_str(), taken == Taken::nothing ? "" : " better");
   }
+}
+
+Witness followed_start(Environment& env, const tovik::Problem& user, const mip::Problem& problem,
+                       const Tolerances& tolerances) {
+  const model::MipStarts& starts = user.model->families().starts;
+  if (starts.size() == 0) return {};
+  const model::VectorView values = starts.values(0);
+  Witness witness;
+  witness.x.assign(static_cast<std::size_t>(problem.num_columns()), 0.0);
+  for (int i = 0; i < values.count; ++i)
+    witness.x[static_cast<std::size_t>(values.index[i])] = values.value[i];
+  const PointViolation v = measure(problem, witness.x);
+  if (values.count < problem.num_columns() || v.primal() > tolerances.feasibility ||
+      v.object > tolerances.feasibility || v.integrality > tolerances.integrality) {
+    message(env.warning_channel, "Warning:  MIP start '%.255s' is no solution that could be followed.\n",
+            name_of_start(starts, 0).c_str());
+    return {};
+  }
+  witness.complain = [&env](const std::string& who) {
+    message(env.warning_channel, "Warning:  Followed MIP start lost: %.255s.\n", who.c_str());
+  };
+  return witness;
 }
 
 std::uint64_t identity_of_starts(const model::Model& model) {

@@ -30,6 +30,10 @@ struct StartTrial {
 
 /* Unless TVK_PARAM_ADVIND is 0. Columns that were added since are not given. */
 void try_last_solution(const StartTrial& trial);
+/* The first MIP start as what a search is to follow, with complaints on the warning channel; one that is not complete or not
+ * feasible is told, and followed by nobody. */
+Witness followed_start(Environment& env, const tovik::Problem& user, const mip::Problem& problem,
+                       const Tolerances& tolerances);
 void try_mip_starts(const StartTrial& trial);
 
 /* Changes with the values and the efforts of the starts. */

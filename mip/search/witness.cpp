@@ -9,6 +9,7 @@ namespace tovik::mip {
 namespace {
 
 constexpr double kTolerance = 1e-5;  // relative, by which the solution may miss a bound or a cut
+constexpr double kEqual = 1e-6;      // relative, within which the incumbent is as good as the solution
 
 bool exceeds(double value, double limit) {
   return value > limit + kTolerance * std::max(1.0, std::fabs(limit));
@@ -16,6 +17,10 @@ bool exceeds(double value, double limit) {
 
 bool misses(const BoundMove& move, double value) {
   return move.side == Side::lower ? exceeds(-value, -move.value) : exceeds(value, move.value);
+}
+
+bool is_better(double value, double cutoff) {
+  return value < cutoff - kEqual * std::max(1.0, std::fabs(value));
 }
 
 const char* name_of(Reason::Kind kind) {
@@ -44,7 +49,7 @@ const char* name_of(Reason::Kind kind) {
 /* The last `count` cut rows. */
 void Search::watch_cuts(int count) const {
   const Witness& witness = global_.settings.witness;
-  if (!witness.is_watched() || objective(problem_, witness.x) >= global_.cutoff) return;
+  if (!witness.is_watched() || !is_better(objective(problem_, witness.x), global_.cutoff)) return;
   for (std::size_t k = worker_.cut_rows.size() - static_cast<std::size_t>(count); k < worker_.cut_rows.size();
        ++k) {
     const Cut& cut = worker_.cut_rows[k];
@@ -63,7 +68,7 @@ void Search::watch_node(int slot, NodeResult result) const {
   const Witness& witness = global_.settings.witness;
   if (!witness.is_watched()) return;
   const double value = objective(problem_, witness.x);
-  if (value >= global_.cutoff) return;
+  if (!is_better(value, global_.cutoff)) return;
   for (int s = slot; s >= 0; s = tree_[s].parent) {
     for (const NodeChange& change : tree_[s].changes) {
       if (misses({change.column, change.side, change.value, 0, -1, {}}, witness.x[change.column])) return;
