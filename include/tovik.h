@@ -1168,13 +1168,13 @@ TVK_API int TVKgetticks(ConstEnvHandle env, ConstProbHandle lp, double *ticks_p)
 #define TVK_PARAM_GUBCOVERS              2044 /* int 0, -1 to 2; stored only */
 #define TVK_PARAM_STRONGCANDLIM          2045 /* int 10, 1 to 2100000000 */
 #define TVK_PARAM_STRONGITLIM            2046 /* int 0, 0 to 2100000000 */
-#define TVK_PARAM_FRACCAND               2048 /* int 200, 1 to 2100000000; stored only */
+#define TVK_PARAM_FRACCAND               2048 /* int 200, 1 to 2100000000 */
 #define TVK_PARAM_FRACCUTS               2049 /* int 0, -1 to 2 */
 #define TVK_PARAM_FRACPASS               2050 /* int 0, 0 to 2100000000 */
 #define TVK_PARAM_FLOWPATHS              2051 /* int 0, -1 to 2 */
 #define TVK_PARAM_MIRCUTS                2052 /* int 0, -1 to 2 */
 #define TVK_PARAM_DISJCUTS               2053 /* int 0, -1 to 3; stored only */
-#define TVK_PARAM_AGGCUTLIM              2054 /* int 3, 0 to 2100000000; stored only */
+#define TVK_PARAM_AGGCUTLIM              2054 /* int 3, 0 to 2100000000 */
 #define TVK_PARAM_MIPCBREDLP             2055 /* int 1, 0 to 1 */
 #define TVK_PARAM_CUTPASS                2056 /* int 0, -1 to 2100000000 */
 #define TVK_PARAM_MIPEMPHASIS            2058 /* int 0, 0 to 4 */

@@ -8,7 +8,6 @@
 namespace tovik::mip {
 namespace {
 
-constexpr int kAggregations = 5;
 constexpr int kFailures = 100;  // starts in a row without a cut
 constexpr double kTight = 0.1;  // slack of a row relative to its norm
 constexpr double kZero = 1e-9;
@@ -104,9 +103,10 @@ bool AggregatedRounding::from_start(Worker& worker, int start, RowSum& sum, Roun
   sum.clear();
   if (!sum.add(worker, start, 1, worker.relaxation->primal())) return false;
   const int densest = kDenseAtLeast + static_cast<int>(kDensest * worker.global.problem.num_columns());
-  for (int k = 0; k <= kAggregations; ++k) {
+  const int aggregations = worker.global.settings.cuts.aggregations;
+  for (int k = 0; k <= aggregations; ++k) {
     if (try_both_signs(worker, sum, rounding)) return true;
-    if (k == kAggregations || static_cast<int>(sum.columns().size()) > densest || !aggregate(worker, sum))
+    if (k == aggregations || static_cast<int>(sum.columns().size()) > densest || !aggregate(worker, sum))
       return false;
   }
   return false;

@@ -11,13 +11,13 @@ namespace {
 constexpr double kLeastFraction = 0.005;
 constexpr double kSmallMultiplier = 1e-9, kWidestMultipliers = 1e6;
 constexpr int kHighestRank = 20;
-constexpr std::size_t kRows = 500;  // tableau rows a round
 
 }  // namespace
 
 Verdict GomoryCuts::call(Worker& worker, const Moment& moment) {
-  const int rounds = worker.global.settings.cuts.fractional_rounds;
-  if (rounds > 0 && moment.root && moment.round >= rounds) return Verdict::nothing;
+  const CutSettings& settings = worker.global.settings.cuts;
+  if (settings.fractional_rounds > 0 && moment.root && moment.round >= settings.fractional_rounds)
+    return Verdict::nothing;
   const std::span<const double> x = worker.relaxation->primal();
   const std::span<const int> head = worker.relaxation->basis_head();
   struct Position {
@@ -33,7 +33,7 @@ Verdict GomoryCuts::call(Worker& worker, const Moment& moment) {
   }
   std::stable_sort(positions.begin(), positions.end(),
                    [](const Position& a, const Position& b) { return a.fraction > b.fraction; });
-  if (positions.size() > kRows) positions.resize(kRows);
+  positions.resize(std::min(positions.size(), static_cast<std::size_t>(settings.fractional_candidates)));
   RowSum sum(worker.global.problem.num_columns());
   Rounding rounding(worker);
   bool found = false;

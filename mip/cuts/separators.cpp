@@ -11,13 +11,13 @@
 
 namespace tovik::mip {
 
-std::vector<std::unique_ptr<Plugin>> make_separators(const Global& global) {
+std::vector<SeparatorEntry> make_separators(const Global& global) {
   const CutSettings& cuts = global.settings.cuts;
-  std::vector<std::unique_ptr<Plugin>> table;
+  std::vector<SeparatorEntry> table;
   const auto add = [&]<class Separator>(Effort effort, std::unique_ptr<Separator> separator) {
-    if (effort >= 0) table.push_back(std::move(separator));
+    if (effort >= 0) table.push_back({effort, std::move(separator)});
   };
-  if (!global.problem.user_cuts.empty()) table.push_back(std::make_unique<UserCuts>());
+  if (!global.problem.user_cuts.empty()) add(0, std::make_unique<UserCuts>());
   add(cuts.implied_bounds, std::make_unique<ImpliedBounds>());
   add(cuts.cliques, std::make_unique<CliqueCuts>());
   add(cuts.covers, std::make_unique<CoverCuts>(global));

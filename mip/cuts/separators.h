@@ -9,7 +9,12 @@
 
 namespace tovik::mip {
 
+struct SeparatorEntry {
+  Effort effort;
+  std::unique_ptr<Plugin> plugin;
+};
+
 /* Those that the settings allow, in the order in which they are called: cheap ones first. */
-std::vector<std::unique_ptr<Plugin>> make_separators(const Global& global);
+std::vector<SeparatorEntry> make_separators(const Global& global);
 
 }  // namespace tovik::mip

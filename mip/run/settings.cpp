@@ -114,6 +114,9 @@ Settings settings_of(const Environment& env, const tovik::Problem& problem) {
   out.cuts.flow_paths = s.integer(TVK_PARAM_FLOWPATHS);
   out.cuts.implied_bounds = s.integer(TVK_PARAM_IMPLBD);
   out.cuts.zero_half = s.integer(TVK_PARAM_ZEROHALFCUTS);
+  out.cuts.fractional_candidates = s.integer(TVK_PARAM_FRACCAND);
+  out.cuts.fractional_rounds = s.integer(TVK_PARAM_FRACPASS);
+  out.cuts.aggregations = s.integer(TVK_PARAM_AGGCUTLIM);
   take_number(s.real(TVK_PARAM_CUTSFACTOR), out.cuts.rows_factor);
   out.cuts.most_of_a_class = s.integer(TVK_PARAM_EACHCUTLIM);
   out.cuts.root_rounds = s.integer(TVK_PARAM_CUTPASS);

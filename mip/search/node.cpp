@@ -292,18 +292,28 @@ bool Search::is_worthwhile(double gain, double from) const {
   return gain > (std::isinf(gap) ? kWorthwhileGain * std::max(1.0, std::fabs(from)) : kTreeGain * gap);
 }
 
-/* At a node from the queue, below which much may be left: while a round closes a share of its gap. What brings nothing is
- * tried ever more seldom, and the work stays a share of the simplex's. */
-bool Search::separate_in_tree(int slot, double objective) {
-  const CutSettings& cuts = global_.settings.cuts;
-  const bool always = cuts.in_tree > 0;
-  if ((!from_queue_ && !always) || cuts.in_tree < 0 || cuts.root_rounds < 0) return false;
-  if (local_rows_made_ > 0) return false;  // what is made of them would hold where they do only
-  if (rounds_.round == 0) {
+/* The least effort of the families that are due at a node in the tree; -1: none are. All are at nodes from the queue, below
+ * which much may be left; what brings nothing is tried ever more seldom, and the work stays a share of the simplex's. */
+Effort Search::due_in_tree() {
+  if (global_.settings.cuts.in_tree > 0) return 0;
+  if (from_queue_) {
     const double pivot = problem_.num_columns() + worker_.num_rows();
     const double most = kTreeShare * pivot * static_cast<double>(worker_.iterations);
-    if (!always && (tree_cuts_.waits > 0 || static_cast<double>(tree_cuts_.work) > most)) {
-      tree_cuts_.waits = std::max(0, tree_cuts_.waits - 1);
+    if (tree_cuts_.waits <= 0 && static_cast<double>(tree_cuts_.work) <= most) return 0;
+    tree_cuts_.waits = std::max(0, tree_cuts_.waits - 1);
+  }
+  const Effort whatever_it_costs = from_queue_ ? 2 : 3;
+  return separation_.most_effort() >= whatever_it_costs ? whatever_it_costs : -1;
+}
+
+/* While a round closes a share of the node's gap. */
+bool Search::separate_in_tree(int slot, double objective) {
+  const CutSettings& cuts = global_.settings.cuts;
+  if (cuts.in_tree < 0 || cuts.root_rounds < 0) return false;
+  if (local_rows_made_ > 0) return false;  // what is made of them would hold where they do only
+  if (rounds_.round == 0) {
+    rounds_.least_effort = due_in_tree();
+    if (rounds_.least_effort < 0) {
       rounds_.round = -1;
       return false;
     }
@@ -315,6 +325,7 @@ bool Search::separate_in_tree(int slot, double objective) {
     separation_.drop_slack_rows(worker_, false);
     Moment moment;
     moment.depth = tree_[slot].depth;
+    moment.least_effort = rounds_.least_effort;
     moment.round = rounds_.round++;
     const std::int64_t before = separation_.work();
     ++statistics_.tree_cut_rounds;

@@ -198,6 +198,7 @@ class Search {
   bool wants_restart(int slot) const;
   void watch_cuts(int count) const;
   void watch_node(int slot, NodeResult result) const;
+  Effort due_in_tree();
   bool separate_in_tree(int slot, double objective);
   bool is_worthwhile(double gain, double from) const;
   void load_basis(const StoredBasis& basis);
@@ -261,6 +262,7 @@ class Search {
   Shortfall shortfall_;                     // of x_; kept where the caller takes part
   struct {
     int round = 0, stalled = 0;
+    Effort least_effort = 0;         // of the families, in the tree
     double objective = -kInf;        // before the last round
     double first_objective = -kInf;  // before the first, in the tree
     bool tried_heuristics = false;

@@ -16,13 +16,14 @@ constexpr int kFailures = 3;          // of a separator before it waits
 constexpr int kRootCuts = 2000, kNodeCuts = 100;
 constexpr double kRoomShare = 0.25;  // of all rows that may be; with less left, slack ones leave at once
 constexpr std::int64_t kBudget = 20000000;  // entries that one separator may touch in a round
+constexpr int kEffortShift = 1;             // twice as many for each degree of effort
 
 }  // namespace
 
 Separation::Separation(const Global& global) : global_(global), pool_(global.problem) {
-  for (std::unique_ptr<Plugin>& plugin : make_separators(global)) {
-    const char* name = plugin->name();
-    separators_.push_back({std::move(plugin)});
+  for (SeparatorEntry& entry : make_separators(global)) {
+    const char* name = entry.plugin->name();
+    separators_.push_back({entry.effort, std::move(entry.plugin)});
     separators_.back().counts.name = name;
   }
 }
@@ -68,8 +69,9 @@ Verdict Separation::call(Separator& separator, Worker& worker, const Moment& mom
 
 void Separation::call_separators(Worker& worker, const Moment& moment) {
   Moment now = moment;
-  now.budget = kBudget;
   for (Separator& separator : separators_) {
+    if (separator.effort < moment.least_effort) continue;
+    now.budget = kBudget << (kEffortShift * separator.effort);
     if (separator.waits > 0) {
       --separator.waits;
       continue;
@@ -77,8 +79,14 @@ void Separation::call_separators(Worker& worker, const Moment& moment) {
     const Verdict verdict = call(separator, worker, now);
     if (verdict == Verdict::infeasible) break;
     separator.failures = verdict == Verdict::found ? 0 : separator.failures + 1;
-    if (separator.failures >= kFailures) separator.waits = separator.failures;
+    if (separator.failures >= kFailures && separator.effort == 0) separator.waits = separator.failures;
   }
+}
+
+Effort Separation::most_effort() const {
+  Effort most = 0;
+  for (const Separator& separator : separators_) most = std::max(most, separator.effort);
+  return most;
 }
 
 /* Few rows may have more cuts than their number says. */

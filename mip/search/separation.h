@@ -41,11 +41,14 @@ class Separation {
   std::shared_ptr<const std::vector<std::int64_t>> row_numbers();
   /* Entries touched so far. */
   std::int64_t work() const { return work_told_; }
+  /* Of the families that take part. */
+  Effort most_effort() const;
   int rows() const { return static_cast<int>(slack_for_.size()); }
 
  private:
-  /* A separator that finds nothing again and again is called ever more seldom. */
+  /* A separator that finds nothing again and again is called ever more seldom, unless more effort is wanted. */
   struct Separator {
+    Effort effort;
     std::unique_ptr<Plugin> plugin;
     int failures = 0, waits = 0;  // rounds
     PluginCounts counts{};

@@ -26,6 +26,7 @@ struct Moment {
   bool before_relaxation = false;  // of the root: there is none yet
   bool before_cuts = false;        // the first relaxation of the root
   bool first = false;              // there is no incumbent, or one only that no relaxation has seen
+  int least_effort = 0;            // of the families of cuts that are called
   std::int64_t budget = 0;         // entries that may be touched
   std::int64_t iterations = 0;     // of the simplex that may be spent
 };

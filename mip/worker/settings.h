@@ -14,7 +14,8 @@ inline constexpr std::int64_t kNoLimit = INT64_MAX;
 
 enum class NodeRule { depth_first, best_bound, best_estimate, best_estimate_by_gap };
 
-/* -1 never, 0 as it pays, larger values ever more. */
+/* -1 never, 0 as it pays; 1 in every round and with a larger budget; 2 in the tree, too, whatever it costs, at nodes from the
+ * queue; 3 at every node. */
 using Effort = int;
 
 inline constexpr int kMostCuts = 2100000000;
@@ -28,6 +29,8 @@ struct CutSettings {
   Effort in_tree = 0;               // 0 at nodes that are taken from the queue, as it pays; 1 at each node
   double rows_factor = 4;           // rows with cuts by rows without them, where these are not few
   int most_of_a_class = kMostCuts;  // cuts that ever become rows
+  int fractional_candidates = 200;  // rows of the tableau a round
+  int aggregations = 3;             // of rows for rounding and flow covers
 };
 
 /* How a relaxation is first solved; after it the dual simplex goes on. */

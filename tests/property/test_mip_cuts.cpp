@@ -42,7 +42,7 @@ std::vector<Cut> cuts_of(const Problem& problem, const CutSettings& cuts) {
   if (!worker.propagator.run_all(worker.domain)) return {};
   worker.domain.commit();
   worker.propagator.went_back(worker.domain);
-  const std::vector<std::unique_ptr<Plugin>> separators = make_separators(global);
+  const std::vector<tovik::mip::SeparatorEntry> separators = make_separators(global);
   Separation separation(global);
   std::vector<Cut> all;
   for (int round = 0; round < kRounds; ++round) {
@@ -53,7 +53,7 @@ std::vector<Cut> cuts_of(const Problem& problem, const CutSettings& cuts) {
     moment.root = true;
     moment.round = round;
     moment.budget = 1000000;
-    for (const std::unique_ptr<Plugin>& separator : separators) separator->call(worker, moment);
+    for (const auto& separator : separators) separator.plugin->call(worker, moment);
     all.insert(all.end(), worker.out.cuts.begin(), worker.out.cuts.end());
     worker.out.cuts.clear();
     if (separation.round(worker, x, moment) == 0) break;
