@@ -31,6 +31,7 @@ struct Reason {
     set,
     indicator,
     reduced_cost,
+    objective,
     probing,
     known,  // holds globally
   };

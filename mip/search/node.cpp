@@ -472,7 +472,7 @@ Search::NodeResult Search::add_children(int slot, const Branching& branching, do
 }
 
 void Search::tell_work() {
-  const std::int64_t work = worker_.domain.work() + worker_.propagator.work();
+  const std::int64_t work = worker_.domain.work() + worker_.propagator.work() + worker_.objective.work();
   control_.add_work(static_cast<std::uint64_t>(work - work_told_));
   work_told_ = work;
 }

@@ -37,6 +37,8 @@ const char* name_of(Reason::Kind kind) {
       return "indicator";
     case Reason::Kind::reduced_cost:
       return "reduced cost";
+    case Reason::Kind::objective:
+      return "objective";
     case Reason::Kind::probing:
       return "probing";
     default:

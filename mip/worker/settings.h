@@ -83,7 +83,7 @@ struct Settings {
       100000;  // iterations of strong branching that need not stand against those of the tree
 
   // What is switched on.
-  bool propagate = true, fix_by_reduced_cost = true;
+  bool propagate = true, fix_by_reduced_cost = true, propagate_objective = true;
   PresolveSettings presolve;
   CutSettings cuts;
   HeuristicSettings heuristics;

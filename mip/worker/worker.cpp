@@ -8,6 +8,12 @@
 
 namespace tovik::mip {
 
+namespace {
+
+constexpr int kObjectiveRounds = 5;  // of rows and objective in turn
+
+}  // namespace
+
 void append_row(const Cut& cut, lp::simplex::RowBlock& rows) {
   lp::Matrix& entries = rows.entries;
   entries.index.insert(entries.index.end(), cut.columns.begin(), cut.columns.end());
@@ -24,8 +30,18 @@ Worker::Worker(const Global& shared, std::unique_ptr<lp::simplex::Relaxation> en
       control(stop_control),
       domain(shared.problem, shared.settings.tolerances),
       propagator(shared.problem),
+      objective(shared.problem),
       relaxation(std::move(engine)),
       random(shared.settings.seed) {}
+
+bool Worker::propagate() {
+  if (!propagator.run(domain)) return false;
+  for (int round = 0; round < kObjectiveRounds && global.settings.propagate_objective; ++round) {
+    if (!objective.run(domain, global.cutoff)) break;
+    if (!propagator.run(domain)) return false;
+  }
+  return !domain.is_infeasible();
+}
 
 void Worker::backtrack(int position) {
   domain.backtrack(position);

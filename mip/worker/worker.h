@@ -12,6 +12,7 @@
 #include "lp/simplex/engine_random.h"
 #include "lp/simplex/relaxation.h"
 #include "mip/pool/cut.h"
+#include "mip/propagate/objective.h"
 #include "mip/propagate/propagator.h"
 #include "mip/worker/global.h"
 #include "mip/worker/sub_search.h"
@@ -56,6 +57,7 @@ struct Worker {
   lp::Control& control;
   Domain domain;
   Propagator propagator;
+  ObjectivePropagator objective;
   std::unique_ptr<lp::simplex::Relaxation> relaxation;
   lp::simplex::EngineRandom random;
   Out out;
@@ -70,7 +72,8 @@ struct Worker {
   bool must_stop() const {
     return control.poll() != lp::Stop::none || control.poll_clock() != lp::Stop::none;
   }
-  bool propagate() { return propagator.run(domain); }
+  /* Rows, objects and the cutoff. False when the domain holds nothing better than the cutoff. */
+  bool propagate();
   void backtrack(int position);
   /* Gives the domain's bounds of discrete columns to the relaxation. */
   void flush();

@@ -93,7 +93,8 @@ TEST(MipSearch, AgreesWithEnumerationWhateverIsSwitchedOff) {
         settings.propagate = false;
         break;
       case 1:
-        settings.fix_by_reduced_cost = false;
+        settings.fix_by_reduced_cost = maker.random().chance(0.5);
+        settings.propagate_objective = maker.random().chance(0.5);
         break;
       case 2:
         settings.variable_rule = maker.random().pick(-1, 4);
