@@ -25,7 +25,7 @@ ObjectivePropagator::ObjectivePropagator(const Problem& problem) : problem_(prob
 }
 
 bool ObjectivePropagator::run(Domain& domain, double cutoff) {
-  if (std::isinf(cutoff) || columns_.empty()) return false;
+  if (std::isinf(cutoff)) return false;
   const std::vector<double>& cost = problem_.lp.cost;
   double least = problem_.lp.offset, terms = std::fabs(least);
   for (const int j : columns_) {
