@@ -20,6 +20,8 @@ ObjectivePropagator::ObjectivePropagator(const Problem& problem) : problem_(prob
   const auto integers = std::stable_partition(columns_.begin(), columns_.end(),
                                               [&](int j) { return problem.is_integer[j] == 0; });
   continuous_ = static_cast<int>(integers - columns_.begin());
+  for (auto j = integers; j != columns_.end(); ++j)
+    widest_ = std::max(widest_, problem.lp.upper[*j] - problem.lp.lower[*j]);
   std::stable_sort(integers, columns_.end(),
                    [&](int a, int b) { return std::fabs(cost[a]) > std::fabs(cost[b]); });
 }
@@ -45,7 +47,7 @@ bool ObjectivePropagator::run(Domain& domain, double cutoff) {
     const int j = columns_[k];
     const double lower = domain.lower(j), upper = domain.upper(j), step = room / std::fabs(cost[j]);
     const bool is_continuous = static_cast<int>(k) < continuous_;
-    if (!is_continuous && step >= 1) break;
+    if (!is_continuous && step >= widest_) break;
     if (!(upper - lower > step)) continue;
     const double bound = cost[j] > 0 ? lower + step : upper - step;
     const double move = cost[j] > 0 ? upper - bound : bound - lower;
