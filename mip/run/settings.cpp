@@ -120,7 +120,6 @@ Settings settings_of(const Environment& env, const tovik::Problem& problem) {
   take_number(s.real(TVK_PARAM_CUTSFACTOR), out.cuts.rows_factor);
   out.cuts.most_of_a_class = s.integer(TVK_PARAM_EACHCUTLIM);
   out.cuts.root_rounds = s.integer(TVK_PARAM_CUTPASS);
-  out.cuts.fractional_rounds = s.integer(TVK_PARAM_FRACPASS);
   out.heuristics.interval = s.integer(TVK_PARAM_HEURFREQ);
   out.heuristics.neighbourhood_interval = s.integer(TVK_PARAM_RINSHEUR);
   out.heuristics.dives = static_cast<DiveKind>(s.integer(TVK_PARAM_DIVETYPE));
