@@ -45,12 +45,18 @@ bool is_active(const Indicator& indicator, std::span<const double> x) {
   return std::fabs(x[indicator.switch_column] - indicator.active_value) < 0.5;
 }
 
+void round_integers(const Problem& problem, std::vector<double>& x) {
+  for (int j = 0; j < problem.num_columns(); ++j) {
+    if (problem.is_integer[j] != 0) x[j] = std::round(x[j]) + 0.0;
+  }
+}
+
 }  // namespace
 
 void Judge::snap(std::vector<double>& x) const {
   const lp::LpData& lp = problem_.lp;
+  round_integers(problem_, x);
   for (int j = 0; j < lp.num_columns(); ++j) {
-    if (problem_.is_integer[j] != 0) x[j] = std::round(x[j]);
     x[j] = std::clamp(x[j], lp.lower[j], std::max(lp.lower[j], lp.upper[j])) + 0.0;
   }
   for (const SemiColumn& semi : problem_.semi_columns) {
@@ -140,23 +146,23 @@ bool Judge::accept(std::span<const double> x, double cutoff, Solution* solution)
   const auto counts = [&](const std::vector<double>& p) {
     return holds(p) && objective(problem_, p) < cutoff;
   };
+  const auto take = [&](std::vector<double>& p) {
+    solution->objective = objective(problem_, p);
+    solution->x = std::move(p);
+    return true;
+  };
   const bool as_it_is = counts(point);
   const bool is_exact = as_it_is && measure(problem_, point).primal() <= kExact;
-  if (!is_exact && has_continuous) {
-    std::vector<double> completed = point;
-    if (complete(completed)) {
-      snap(completed);
-      if (counts(completed)) {
-        solution->objective = objective(problem_, completed);
-        solution->x = std::move(completed);
-        return true;
-      }
-    }
+  std::vector<double> completed = point;
+  if (!is_exact && has_continuous && complete(completed)) {
+    std::vector<double> snapped = completed;
+    snap(snapped);
+    if (counts(snapped)) return take(snapped);
+    // A column put back on its bound may have carried a row beyond the tolerance, within which the LP had it.
+    round_integers(problem_, completed);
+    if (counts(completed)) return take(completed);
   }
-  if (!as_it_is) return false;
-  solution->objective = objective(problem_, point);
-  solution->x = std::move(point);
-  return true;
+  return as_it_is && take(point);
 }
 
 }  // namespace tovik::mip

@@ -218,9 +218,10 @@ std::optional<Conclusion> Search::limit_reached() {
 }
 
 Conclusion Search::conclude() {
-  if (!std::isinf(undecided_bound_) && !gap_is_closed(undecided_bound_)) return Conclusion::failed;
+  const bool all_decided = undecided_bound_ == kInf;  // below all, -inf, where the node has no bound
+  if (!all_decided && !gap_is_closed(undecided_bound_)) return Conclusion::failed;
   if (!global_.has_incumbent()) return Conclusion::infeasible;
-  return tree_.empty() && std::isinf(undecided_bound_) ? Conclusion::optimal : Conclusion::within_gap;
+  return tree_.empty() && all_decided ? Conclusion::optimal : Conclusion::within_gap;
 }
 
 /* Bounds that hold everywhere, and the root as the only node. */

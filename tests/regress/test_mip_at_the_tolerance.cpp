@@ -1,0 +1,28 @@
+// Solutions of mixed-integer problems that hold within the tolerance and no better.
+#include <gtest/gtest.h>
+
+#include "support/mip_fixture.h"
+
+namespace {
+
+constexpr int kRandomSeed = 1124;
+
+using MipAtTheTolerance = support::MipModels;
+
+/* The set's column has its bound from the row, moved by the tolerance: a relaxation that ends there leaves nothing to the other
+ * columns, and the point was refused once z was put back to 0. What nobody could decide was called infeasible then, for a
+ * node that is unbounded has no bound of its own. */
+TEST_F(MipAtTheTolerance, AnUnboundedProblemIsNotCalledInfeasible) {
+  ProbHandle lp = read(
+      "min\n 5 x + 0.65023568463672365 y + 4 z\nst\n a: 2.5 y - 3.9847534372317952 z <= 0.9847534372317952\n"
+      " b: -12.877920028262899 x + 20 z >= -20\nbounds\n x <= 4\n -inf <= y <= 4\n -inf <= z <= 0\nsos\n"
+      " s: S2:: x:1\nend");
+  ASSERT_EQ(TVKsetintparam(env_, TVK_PARAM_PREIND, 0), 0);
+  for (int seed = 0; seed < 12; ++seed) {
+    ASSERT_EQ(TVKsetintparam(env_, kRandomSeed, seed), 0);
+    ASSERT_EQ(TVKsetintparam(env_, TVK_PARAM_ADVIND, 0), 0);
+    EXPECT_EQ(solve(lp), TVK_STATUS_MIP_UNBOUNDED) << seed;
+  }
+}
+
+}  // namespace
