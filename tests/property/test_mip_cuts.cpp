@@ -2,13 +2,13 @@
 // enumeration of the integers and of the objects' decisions, and an LP that maximizes the cut over the rest.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <functional>
 #include <memory>
 #include <vector>
 
 #include "mip/cuts/separators.h"
 #include "mip/search/separation.h"
+#include "tests/support/models.h"
 #include "tests/support/random_mip.h"
 #include "tests/support/structured_mip.h"
 
@@ -17,11 +17,6 @@ namespace {
 using namespace tovik::mip;
 
 constexpr int kRounds = 6;
-
-int models(int otherwise) {
-  const char* wanted = std::getenv("TOVIK_MODELS");
-  return wanted != nullptr ? std::atoi(wanted) : otherwise;
-}
 
 CutSettings no_cuts() {
   CutSettings cuts;
@@ -102,7 +97,7 @@ class Cuts : public ::testing::Test {
   static void run(const std::function<void(CutSettings&)>& choose) {
     CutSettings cuts = no_cuts();
     choose(cuts);
-    const int count = models(400);
+    const int count = support::models(400);
     std::size_t found = 0;
     for (int k = 0; (k < count || (found == 0 && k < 50 * count)) && !HasFailure(); ++k) {
       const unsigned seed = support::fresh_seed() + static_cast<unsigned>(k);

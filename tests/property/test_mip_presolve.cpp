@@ -2,22 +2,17 @@
 // spaces.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <vector>
 
 #include "mip/domain/point.h"
 #include "mip/presolve/presolve.h"
+#include "tests/support/models.h"
 #include "tests/support/planted_mip.h"
 
 namespace {
 
 using namespace tovik::mip;
 using tovik::lp::kInf;
-
-int models(int otherwise) {
-  const char* wanted = std::getenv("TOVIK_MODELS");
-  return wanted != nullptr ? std::atoi(wanted) : otherwise;
-}
 
 struct Best {
   support::MipTruth truth;
@@ -168,7 +163,7 @@ TEST(MipPresolve, KeepsEveryPointAndCrushesEveryFormWhereItIsToldTo) {
 }
 
 TEST(MipPresolve, KeepsTheOptimumAndFindsTheWayBackWhateverIsSwitchedOff) {
-  const int count = models(1500);
+  const int count = support::models(1500);
   for (int k = 0; k < count && !HasFailure(); ++k) {
     support::PlantedMip maker(support::fresh_seed() + static_cast<unsigned>(k));
     TRACE_RANDOM(maker.random(), k);

@@ -1,41 +1,18 @@
-// Branch and cut against enumeration on random small problems of every kind.
+// Branch and cut against enumeration on random small problems of every kind, and against itself on larger ones.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <string>
 
-#include "mip/domain/point.h"
 #include "mip/search/presolved_search.h"
+#include "tests/support/equivalent_mip.h"
+#include "tests/support/models.h"
 #include "tests/support/planted_mip.h"
+#include "tests/support/searched_mip.h"
+#include "tests/support/textbook_mip.h"
 
 namespace {
 
 using namespace tovik::mip;
-
-int models(int otherwise) {
-  const char* wanted = std::getenv("TOVIK_MODELS");
-  return wanted != nullptr ? std::atoi(wanted) : otherwise;
-}
-
-void check(const Problem& problem, const support::MipTruth& truth, Settings settings) {
-  settings.relative_gap = settings.absolute_gap = 0;
-  support::QuietControl control;
-  SilentObserver observer;
-  PresolvedSearch search(problem, settings, control, observer);
-  const Conclusion end = search.run();
-  if (truth.unbounded) {
-    EXPECT_EQ(end, Conclusion::unbounded);
-    return;
-  }
-  ASSERT_EQ(end, truth.feasible ? Conclusion::optimal : Conclusion::infeasible);
-  if (!truth.feasible) return;
-  const Solution& found = search.incumbent();
-  EXPECT_NEAR(found.objective, truth.objective, 1e-5 * (1 + std::fabs(truth.objective)));
-  const PointViolation v = measure(problem, found.x);
-  EXPECT_EQ(v.integrality, 0);
-  EXPECT_LE(v.primal(), 1e-6);
-  EXPECT_LE(v.object, 1e-6);
-}
 
 /* An optimal solution, as far as there is one. */
 std::vector<double> solution_of(const Problem& problem) {
@@ -54,7 +31,7 @@ std::vector<double> solution_of(const Problem& problem) {
 }
 
 TEST(MipSearch, NobodyCutsOffAKnownSolution) {
-  const int count = models(300);
+  const int count = support::models(300);
   for (int k = 0; k < count && !HasFailure(); ++k) {
     support::PlantedMip maker(support::fresh_seed() + static_cast<unsigned>(k));
     TRACE_RANDOM(maker.random(), k);
@@ -72,70 +49,148 @@ TEST(MipSearch, NobodyCutsOffAKnownSolution) {
   }
 }
 
+/* The k-th of the settings that differ from `settings` by a feature that is off, or works all the time. */
+void vary(Settings& settings, int k, support::Random& random) {
+  switch (k % 11) {
+    case 0:
+      settings.propagate = false;
+      break;
+    case 1:
+      settings.fix_by_reduced_cost = random.chance(0.5);
+      settings.propagate_objective = random.chance(0.5);
+      break;
+    case 2:
+      settings.variable_rule = random.pick(-1, 4);
+      break;
+    case 3:
+      settings.node_rule = static_cast<NodeRule>(random.pick(0, 3));
+      break;
+    case 4:
+      settings.heuristics.interval = random.chance(0.5) ? -1 : 1;
+      break;
+    case 5:
+      settings.heuristics.neighbourhood_interval = random.chance(0.5) ? -1 : 1;
+      settings.heuristics.jumps = random.chance(0.5);
+      settings.heuristics.fixing = random.chance(0.5);
+      break;
+    case 6:
+      settings.heuristics.dives = static_cast<DiveKind>(random.pick(1, 3));
+      settings.heuristics.interval = 1;
+      settings.heuristics.rounding = false;
+      break;
+    case 7:
+      settings.heuristics.diving = settings.heuristics.improvement = false;
+      break;
+    case 8:
+      settings.cuts.in_tree = 1;
+      settings.cuts.root_rounds = 1;
+      settings.heuristics.interval = settings.heuristics.neighbourhood_interval = -1;
+      break;
+    case 9:
+      settings.root_presolve = true;
+      settings.node_presolve = random.chance(0.7) ? 2 : -1;
+      settings.node_method = static_cast<FirstMethod>(random.pick(0, 2));
+      settings.cuts.fractional_rounds = 1;
+      break;
+    default:
+      settings.first_direction = random.pick(-1, 1);
+      settings.root_method = static_cast<FirstMethod>(random.pick(0, 2));
+      settings.backtrack_share = random.uniform(0, 1);
+      settings.heuristics.pump = random.pick(-1, 2);
+  }
+}
+
+void vary_presolve(PresolveSettings& presolve, support::Random& random) {
+  presolve.on = random.chance(0.5);
+  presolve.rules = kAllPresolveRules & ~rule_bit(static_cast<PresolveRule>(random.below(kPresolveRules)));
+  presolve.restarts = random.pick(-1, 3);
+  presolve.probing = random.pick(-1, 3);
+}
+
+void vary_seeds(Settings& settings, support::Random& random) {
+  settings.seed = settings.lp.seed = static_cast<std::uint64_t>(random.pick(0, 1000000));
+}
+
 TEST(MipSearch, AgreesWithEnumerationWhateverIsSwitchedOff) {
-  const int count = models(400);
+  const int count = support::models(400);
   for (int k = 0; k < count && !HasFailure(); ++k) {
     support::PlantedMip maker(support::fresh_seed() + static_cast<unsigned>(k));
     TRACE_RANDOM(maker.random(), k);
     const Problem problem = maker.draw();
     const support::MipTruth truth = support::Enumeration(problem).run();
     Settings settings;
-    check(problem, truth, settings);
+    support::expect_same(truth, support::searched(problem, settings));
     settings.presolve.on = false;
-    check(problem, truth, settings);
-    settings.presolve.on = maker.random().chance(0.5);
-    settings.presolve.rules =
-        kAllPresolveRules & ~rule_bit(static_cast<PresolveRule>(maker.random().below(kPresolveRules)));
-    settings.presolve.restarts = maker.random().pick(-1, 3);
-    settings.presolve.probing = maker.random().pick(-1, 3);
-    switch (k % 11) {
-      case 0:
-        settings.propagate = false;
-        break;
-      case 1:
-        settings.fix_by_reduced_cost = maker.random().chance(0.5);
-        settings.propagate_objective = maker.random().chance(0.5);
-        break;
-      case 2:
-        settings.variable_rule = maker.random().pick(-1, 4);
-        break;
-      case 3:
-        settings.node_rule = static_cast<NodeRule>(maker.random().pick(0, 3));
-        break;
-      case 4:
-        settings.heuristics.interval = maker.random().chance(0.5) ? -1 : 1;
-        break;
-      case 5:
-        settings.heuristics.neighbourhood_interval = maker.random().chance(0.5) ? -1 : 1;
-        settings.heuristics.jumps = maker.random().chance(0.5);
-        settings.heuristics.fixing = maker.random().chance(0.5);
-        break;
-      case 6:
-        settings.heuristics.dives = static_cast<DiveKind>(maker.random().pick(1, 3));
-        settings.heuristics.interval = 1;
-        settings.heuristics.rounding = false;
-        break;
-      case 7:
-        settings.heuristics.diving = settings.heuristics.improvement = false;
-        break;
-      case 8:
-        settings.cuts.in_tree = 1;
-        settings.cuts.root_rounds = 1;
-        settings.heuristics.interval = settings.heuristics.neighbourhood_interval = -1;
-        break;
-      case 9:
-        settings.root_presolve = true;
-        settings.node_presolve = maker.random().chance(0.7) ? 2 : -1;
-        settings.node_method = static_cast<FirstMethod>(maker.random().pick(0, 2));
-        settings.cuts.fractional_rounds = 1;
-        break;
-      default:
-        settings.first_direction = maker.random().pick(-1, 1);
-        settings.root_method = static_cast<FirstMethod>(maker.random().pick(0, 2));
-        settings.backtrack_share = maker.random().uniform(0, 1);
-        settings.heuristics.pump = maker.random().pick(-1, 2);
+    support::expect_same(truth, support::searched(problem, settings));
+    vary_presolve(settings.presolve, maker.random());
+    vary(settings, k, maker.random());
+    support::expect_same(truth, support::searched(problem, settings));
+  }
+}
+
+TEST(MipSearch, AgreesWithEnumerationHoweverTheProblemIsSaid) {
+  const int count = support::models(400);
+  for (int k = 0; k < count && !HasFailure(); ++k) {
+    support::PlantedMip maker(support::fresh_seed() + static_cast<unsigned>(k));
+    TRACE_RANDOM(maker.random(), k);
+    const Problem problem = maker.draw();
+    const support::MipTruth truth = support::Enumeration(problem).run();
+    for (int said = 0; said < 2; ++said) {
+      const support::EquivalentMip other(problem, maker.random());
+      Settings settings;
+      settings.presolve.on = said == 0;
+      vary_seeds(settings, maker.random());
+      support::expect_same(truth, support::searched(other.problem(), settings));
     }
-    check(problem, truth, settings);
+  }
+}
+
+/* Nothing but branching and bounding, without which no search can do. */
+Settings bare() {
+  Settings settings;
+  settings.presolve.on = settings.propagate = settings.fix_by_reduced_cost = false;
+  settings.propagate_objective = false;
+  settings.cuts.root_rounds = settings.cuts.in_tree = -1;
+  settings.heuristics.interval = settings.heuristics.neighbourhood_interval = settings.heuristics.pump = -1;
+  settings.heuristics.rounding = settings.heuristics.diving = settings.heuristics.improvement = false;
+  settings.heuristics.jumps = settings.heuristics.fixing = false;
+  settings.variable_rule = 1;
+  return settings;
+}
+
+Settings eager(support::Random& random) {
+  Settings settings;
+  CutSettings& cuts = settings.cuts;
+  cuts.fractional = cuts.rounding = cuts.covers = cuts.cliques = cuts.flow_covers = cuts.implied_bounds =
+      cuts.zero_half = cuts.flow_paths = 2;
+  cuts.in_tree = 1;
+  cuts.rows_factor = 30;
+  settings.presolve.on = random.chance(0.5);
+  settings.presolve.probing = settings.presolve.restarts = 3;
+  settings.heuristics.interval = settings.heuristics.neighbourhood_interval = random.pick(0, 2);
+  return settings;
+}
+
+TEST(MipSearch, AgreesWithABareOneOnProblemsBeyondEnumeration) {
+  const int count = support::models(60);
+  for (int k = 0; k < count && !HasFailure(); ++k) {
+    support::TextbookMip maker(support::fresh_seed() + static_cast<unsigned>(k));
+    TRACE_RANDOM(maker.random(), k);
+    support::Random& random = maker.random();
+    const Problem problem = maker.draw();
+    const support::MipTruth truth = support::searched(problem, bare());
+    Settings settings;
+    support::expect_same(truth, support::searched(problem, settings));
+    support::expect_same(truth, support::searched(problem, eager(random)));
+    vary_presolve(settings.presolve, random);
+    vary(settings, random.pick(0, 10), random);
+    support::expect_same(truth, support::searched(problem, settings));
+    for (int said = 0; said < 2; ++said) {
+      Settings other = said == 0 ? Settings() : eager(random);
+      vary_seeds(other, random);
+      support::expect_same(truth,
+                           support::searched(support::EquivalentMip(problem, random).problem(), other));
+    }
   }
 }
 

@@ -3,23 +3,18 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
 #include <limits>
 #include <vector>
 
 #include "mip/domain/point.h"
 #include "mip/heuristics/start_completion.h"
 #include "mip/search/sub_search.h"
+#include "tests/support/models.h"
 #include "tests/support/random_mip.h"
 
 namespace {
 
 using namespace tovik::mip;
-
-int models(int otherwise) {
-  const char* wanted = std::getenv("TOVIK_MODELS");
-  return wanted != nullptr ? std::atoi(wanted) : otherwise;
-}
 
 constexpr double kNotGiven = std::numeric_limits<double>::quiet_NaN();
 
@@ -90,7 +85,7 @@ void expect_solution(const Problem& problem, const std::vector<double>& x) {
 }
 
 TEST(MipStarts, PartsAreCompletedWheneverTheyCanBe) {
-  const int count = models(400);
+  const int count = support::models(400);
   for (int k = 0; k < count && !HasFailure(); ++k) {
     support::RandomMip maker(support::fresh_seed() + static_cast<unsigned>(k));
     TRACE_RANDOM(maker.random(), k);
@@ -120,7 +115,7 @@ TEST(MipStarts, PartsAreCompletedWheneverTheyCanBe) {
 }
 
 TEST(MipStarts, WholePointsAreCheckedAndFixedOnesSolved) {
-  const int count = models(400);
+  const int count = support::models(400);
   int held = 0;
   for (int k = 0; k < count && !HasFailure(); ++k) {
     support::RandomMip maker(support::fresh_seed() + static_cast<unsigned>(k));
@@ -166,7 +161,7 @@ TEST(MipStarts, WholePointsAreCheckedAndFixedOnesSolved) {
 }
 
 TEST(MipStarts, RepairEndsAtASolutionOfTheProblem) {
-  const int count = models(400);
+  const int count = support::models(400);
   int wrong = 0, repaired = 0;
   for (int k = 0; k < count && !HasFailure(); ++k) {
     support::RandomMip maker(support::fresh_seed() + static_cast<unsigned>(k));

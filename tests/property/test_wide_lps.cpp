@@ -1,19 +1,16 @@
 /* Random LPs of widely spread numbers: each ends with an answer that carries its proof, by every method, with and
- * without presolve. TOVIK_MODELS asks for more of them. */
-#include <cstdlib>
-
+ * without presolve. */
 #include "support/environment_fixture.h"
+#include "support/models.h"
 #include "support/wide_lp.h"
 
 namespace {
 
 unsigned number_of_models() {
-  if (const char* wish = std::getenv("TOVIK_MODELS"); wish != nullptr)
-    return static_cast<unsigned>(std::atoi(wish));
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-  return 300;
+  return static_cast<unsigned>(support::models(300));
 #else
-  return 3000;
+  return static_cast<unsigned>(support::models(3000));
 #endif
 }
 
