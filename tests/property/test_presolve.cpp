@@ -2,12 +2,12 @@
  * reduced problem, larger ones against the simplex method without presolve. */
 #include <gtest/gtest.h>
 
-#include <random>
 #include <string>
 
 #include "support/planted_lps.h"
 #include "support/presolve_pipeline.h"
 #include "support/presolve_proof.h"
+#include "support/random.h"
 #include "support/structured_lps.h"
 
 namespace support {
@@ -29,11 +29,6 @@ constexpr std::uint32_t kCheapRules = rule_bit(Rule::empty_row) | rule_bit(Rule:
                                       rule_bit(Rule::singleton_row) | rule_bit(Rule::forcing_row) |
                                       rule_bit(Rule::empty_column) | rule_bit(Rule::fixed_column);
 
-unsigned seed() {
-  static const unsigned value = std::random_device()();
-  return value;
-}
-
 template <class Lps>
 void vary(Lps& lps, Settings& settings, std::int64_t& polls) {
   if (lps.chance(0.2)) settings.limit = lps.pick(1, 8);
@@ -47,7 +42,7 @@ void vary(Lps& lps, Settings& settings, std::int64_t& polls) {
 }
 
 std::string told(const LpData& lp, const Settings& settings, const std::string& fault) {
-  return fault + "\nseed " + std::to_string(seed()) + ", rules " + std::to_string(settings.rules) +
+  return fault + "\nseed " + std::to_string(fresh_seed()) + ", rules " + std::to_string(settings.rules) +
          ", limit " + std::to_string(settings.limit) + "\n" + describe(lp);
 }
 
@@ -55,7 +50,7 @@ class PresolveRule : public testing::TestWithParam<int> {};
 
 TEST_P(PresolveRule, EveryOptimalBasisComesBack) {
   const auto rule = static_cast<Rule>(GetParam());
-  PlantedLps lps(seed() + static_cast<unsigned>(GetParam()));
+  PlantedLps lps(fresh_seed() + static_cast<unsigned>(GetParam()));
   PresolveProof proof;
   for (int k = 0; k < 4000 / kShare; ++k) {
     std::vector<Rule> planted{rule};
@@ -80,7 +75,7 @@ INSTANTIATE_TEST_SUITE_P(All, PresolveRule, testing::Range(0, kRules), [](const 
 });
 
 TEST(Presolve, RulesThatMeetEachOtherGiveBackEveryOptimalBasis) {
-  PlantedLps lps(seed());
+  PlantedLps lps(fresh_seed());
   PresolveProof proof;
   for (int k = 0; k < 20000 / kShare; ++k) {
     std::vector<Rule> planted;
@@ -100,7 +95,7 @@ TEST(Presolve, RulesThatMeetEachOtherGiveBackEveryOptimalBasis) {
 
 /* Everything on, one rule alone or without it, and settings at random; each problem also in disguise. */
 void run_structured(bool wide, int count, int& runs, int& doubts) {
-  StructuredLps lps(seed() + (wide ? 1 : 0));
+  StructuredLps lps(fresh_seed() + (wide ? 1 : 0));
   for (int k = 0; k < count; ++k) {
     const DenseLp plain_form = lps.make(wide);
     const Reference plain = solve_plain(plain_form.data());

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <random>
 #include <string>
 #include <vector>
 
@@ -23,11 +22,6 @@ constexpr int kShare = 10;  // one in so many
 #else
 constexpr int kShare = 1;
 #endif
-
-unsigned seed() {
-  static const unsigned value = std::random_device()();
-  return value;
-}
 
 bool same(const LpData& a, const LpData& b) {
   return a.matrix.start == b.matrix.start && a.matrix.index == b.matrix.index &&
@@ -147,7 +141,7 @@ class PresolveChange : public testing::TestWithParam<int> {
       ASSERT_TRUE(same(original, table.data())) << describe(original) << "instead of\n"
                                                 << describe(table.data());
       const std::string fault = proof_.fault_after_change(original, reduction);
-      ASSERT_EQ(fault, "") << "seed " << seed() << ", rules " << settings.rules << ", change "
+      ASSERT_EQ(fault, "") << "seed " << fresh_seed() << ", rules " << settings.rules << ", change "
                            << static_cast<int>(change) << "\nbefore:\n"
                            << describe(original_before) << "reduced before:\n"
                            << describe(reduced_before) << "after:\n"
@@ -164,7 +158,7 @@ class PresolveChange : public testing::TestWithParam<int> {
 
 TEST_P(PresolveChange, IsTakenOverOnlyWhenConclusionsHold) {
   const auto rule = static_cast<Rule>(GetParam());
-  PlantedLps lps(seed() + static_cast<unsigned>(GetParam()));
+  PlantedLps lps(fresh_seed() + static_cast<unsigned>(GetParam()));
   for (int k = 0; k < 4000 / kShare && !HasFatalFailure(); ++k) run(lps, rule);
   const presolve::ChangeSet& holds = presolve::kRuleTable[static_cast<size_t>(rule)].holds_after;
   for (size_t k = 0; k < kChanges.size(); ++k) {
