@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "lp/base/sum.h"
+#include "mip/domain/common_step.h"
 #include "mip/presolve/rules.h"
 
 namespace tovik::mip {
@@ -20,40 +21,15 @@ bool has_integers_only(PresolveState& state, const View& row) {
   return true;
 }
 
-double greatest_common_divisor(double a, double b) {
-  while (b > 0.5) {
-    a = std::fmod(a, b);
-    std::swap(a, b);
-  }
-  return a;
-}
-
-/* The factor that makes the row's coefficients whole numbers without a common divisor; 0: none is known. */
-double whole_factor(const View& row) {
-  constexpr double kScales[] = {1, 2, 3, 4, 5, 6, 8, 10, 12, 20, 24, 60, 100, 120, 1000, 10000};
-  constexpr double kLargest = 1e9;
-  for (const double scale : kScales) {
-    double divisor = 0;
-    int k = 0;
-    for (; k < row.length; ++k) {
-      const double scaled = std::fabs(row.value[k]) * scale;
-      const double whole = std::round(scaled);
-      if (!(scaled < kLargest) || whole < 1 || std::fabs(scaled - whole) > 1e-12 * whole) break;
-      divisor = greatest_common_divisor(std::max(divisor, whole), std::min(divisor, whole));
-    }
-    if (k == row.length) return scale / divisor;
-  }
-  return 0;
-}
-
 void reduce_divisor(PresolveState& state, int i) {
   constexpr double kRounding = 1e-12;  // of a side
   Workspace& ws = state.ws();
   const View row = ws.row(i);
   ws.add_work(row.length);
   if (row.length < 2 || !has_integers_only(state, row)) return;
-  const double factor = whole_factor(row);
-  if (factor == 0) return;
+  const CommonStep step = common_step({row.value, static_cast<std::size_t>(row.length)});
+  if (!step.is_known()) return;
+  const double factor = step.scale / step.divisor;
   const double lower = ws.row_lower[i] * factor, upper = ws.row_upper[i] * factor;
   if (std::max(std::isinf(lower) ? 0 : std::fabs(lower), std::isinf(upper) ? 0 : std::fabs(upper)) > 1e9)
     return;

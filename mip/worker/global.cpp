@@ -1,7 +1,9 @@
 #include "mip/worker/global.h"
 
 #include <algorithm>
-#include <utility>
+#include <cmath>
+
+#include "mip/domain/common_step.h"
 
 namespace tovik::mip {
 namespace {
@@ -46,37 +48,12 @@ std::vector<char> find_integral_rows(const Problem& problem) {
   return integral;
 }
 
-double greatest_common_divisor(double a, double b) {
-  while (b > 0.5) {
-    a = std::fmod(a, b);
-    std::swap(a, b);
-  }
-  return a;
-}
-
-/* The common divisor of all costs times `scale` where these are whole numbers, else 0. */
-double common_divisor(const lp::LpData& lp, double scale) {
-  constexpr double kLargest = 1e9;
-  double divisor = 0;
-  for (const double c : lp.cost) {
-    if (c == 0) continue;
-    const double scaled = std::fabs(c) * scale;
-    const double whole = std::round(scaled);
-    if (!(scaled < kLargest) || whole < 1 || std::fabs(scaled - whole) > 1e-12 * whole) return 0;
-    divisor = greatest_common_divisor(std::max(divisor, whole), std::min(divisor, whole));
-  }
-  return divisor;
-}
-
 double find_objective_step(const Problem& problem) {
-  constexpr double kScales[] = {1, 2, 3, 4, 5, 6, 8, 10, 12, 20, 24, 60, 100, 120, 1000, 10000};
   for (int j = 0; j < problem.num_columns(); ++j) {
     if (problem.lp.cost[j] != 0 && problem.is_integer[j] == 0) return 0;
   }
-  for (const double scale : kScales) {
-    if (const double divisor = common_divisor(problem.lp, scale); divisor > 0) return divisor / scale;
-  }
-  return 0;
+  const CommonStep step = common_step(problem.lp.cost);
+  return step.is_known() ? step.divisor / step.scale : 0;
 }
 
 }  // namespace
