@@ -150,36 +150,16 @@ int TVKcutcallbackaddlocal(ConstEnvHandle env, void* cbdata, int wherefrom, int 
 int TVKbranchcallbackbranchbds(ConstEnvHandle env, void* cbdata, int wherefrom, double nodeest, int cnt,
                                const int* indices, const char* lu, const double* bd, void* userhandle,
                                int* seqnum_p) {
-  return add_child(env, {cbdata,
-                         wherefrom,
-                         nodeest,
-                         cnt,
-                         indices,
-                         lu,
-                         bd,
-                         {0, 0, nullptr, nullptr, nullptr},
-                         nullptr,
-                         nullptr,
-                         userhandle,
-                         seqnum_p});
+  return TVKbranchcallbackbranchgeneral(env, cbdata, wherefrom, nodeest, cnt, indices, lu, bd, 0, 0, nullptr,
+                                        nullptr, nullptr, nullptr, nullptr, userhandle, seqnum_p);
 }
 
 int TVKbranchcallbackbranchconstraints(ConstEnvHandle env, void* cbdata, int wherefrom, double nodeest,
                                        int rcnt, int nzcnt, const double* rhs, const char* sense,
                                        const int* rmatbeg, const int* rmatind, const double* rmatval,
                                        void* userhandle, int* seqnum_p) {
-  return add_child(env, {cbdata,
-                         wherefrom,
-                         nodeest,
-                         0,
-                         nullptr,
-                         nullptr,
-                         nullptr,
-                         {rcnt, nzcnt, rmatbeg, rmatind, rmatval},
-                         rhs,
-                         sense,
-                         userhandle,
-                         seqnum_p});
+  return TVKbranchcallbackbranchgeneral(env, cbdata, wherefrom, nodeest, 0, nullptr, nullptr, nullptr, rcnt,
+                                        nzcnt, rhs, sense, rmatbeg, rmatind, rmatval, userhandle, seqnum_p);
 }
 
 int TVKbranchcallbackbranchgeneral(ConstEnvHandle env, void* cbdata, int wherefrom, double nodeest,

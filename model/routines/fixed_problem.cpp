@@ -1,6 +1,8 @@
 #include "model/routines/fixed_problem.h"
 
+#include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <span>
 #include <utility>
 #include <vector>
@@ -21,15 +23,20 @@ const Fixing* fixing_of(const Problem& problem) {
   return problem.fixed() ? dynamic_cast<const Fixing*>(problem.mip.get()) : nullptr;
 }
 
-int refusal(int fixed_type) {
-  switch (fixed_type) {
-    case TVK_PROBTYPE_FIXED_MIQP:
-      return TVK_ERROR_NOT_MIQP;
-    case TVK_PROBTYPE_FIXED_MIQCP:
-      return TVK_ERROR_NOT_MIQCP;
-    default:
-      return TVK_ERROR_NOT_MILP;
-  }
+struct FixedType {
+  int type, before, refusal;  // the mixed-integer type that it is made of, the error where that is not there
+};
+constexpr FixedType kFixedTypes[] = {
+    {TVK_PROBTYPE_FIXED_MILP, TVK_PROBTYPE_MILP, TVK_ERROR_NOT_MILP},
+    {TVK_PROBTYPE_FIXED_MIQP, TVK_PROBTYPE_MIQP, TVK_ERROR_NOT_MIQP},
+    {TVK_PROBTYPE_FIXED_MIQCP, TVK_PROBTYPE_MIQCP, TVK_ERROR_NOT_MIQCP},
+};
+
+/* Null: no fixed type. */
+const FixedType* find_fixed_type(int type) {
+  const auto found = std::find_if(std::begin(kFixedTypes), std::end(kFixedTypes),
+                                  [type](const FixedType& t) { return t.type == type; });
+  return found == std::end(kFixedTypes) ? nullptr : found;
 }
 
 bool has_incumbent(const Problem& problem) {
@@ -124,16 +131,8 @@ void set_bounds(Model& model, std::span<const double> lower, std::span<const dou
 }  // namespace
 
 int type_before_fixing(int fixed_type) {
-  switch (fixed_type) {
-    case TVK_PROBTYPE_FIXED_MILP:
-      return TVK_PROBTYPE_MILP;
-    case TVK_PROBTYPE_FIXED_MIQP:
-      return TVK_PROBTYPE_MIQP;
-    case TVK_PROBTYPE_FIXED_MIQCP:
-      return TVK_PROBTYPE_MIQCP;
-    default:
-      return -1;
-  }
+  const FixedType* const found = find_fixed_type(fixed_type);
+  return found == nullptr ? -1 : found->before;
 }
 
 Status fix_problem(Environment& env, Problem& problem, int fixed_type) {
@@ -145,7 +144,8 @@ Status fix_problem(Environment& env, Problem& problem, int fixed_type) {
     return {};
   }
   update_solution(problem);
-  if (problem.type != type_before_fixing(fixed_type) || !has_incumbent(problem)) return refusal(fixed_type);
+  const FixedType& wanted = *find_fixed_type(fixed_type);
+  if (problem.type != wanted.before || !has_incumbent(problem)) return wanted.refusal;
   Model& model = *problem.model;
   const std::span<const double> x = problem.solution->x;
   const FixedBounds bounds(model, x);
