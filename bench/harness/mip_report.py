@@ -1,10 +1,13 @@
 """Judging mixed-integer runs against the known answers, and printing tables."""
 
 import math
+from functools import partial
 
+from . import report
 from .mip_solvers import GAP
 
 SHIFT_SECONDS = 1.0
+shifted_mean = partial(report.shifted_mean, shift=SHIFT_SECONDS)
 SMALL = 1e-6  # absolute, of objectives
 PHASES = ("presolve", "root_lp", "cuts", "heuristics", "branching", "tree")
 
@@ -86,12 +89,6 @@ def root_gap_closed(model, run):
 def charged(model, run, settings, kind):
     """Seconds that count in a mean: a run without the answer counts as the whole limit."""
     return min(run.time(kind), settings.limit) if verdict(model, run) in ("ok", "?") else settings.limit
-
-
-def shifted_mean(values):
-    if not values:
-        return math.nan
-    return math.exp(sum(math.log(value + SHIFT_SECONDS) for value in values) / len(values)) - SHIFT_SECONDS
 
 
 def header(names):

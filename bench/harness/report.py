@@ -44,10 +44,10 @@ def charged(model, run, settings, kind):
     return settings.limit if verdict(model, run) else min(run.time(kind), settings.limit)
 
 
-def shifted_mean(values):
+def shifted_mean(values, shift=SHIFT_SECONDS):
     if not values:
         return math.nan
-    return math.exp(sum(math.log(value + SHIFT_SECONDS) for value in values) / len(values)) - SHIFT_SECONDS
+    return math.exp(sum(math.log(value + shift) for value in values) / len(values)) - shift
 
 
 def header(solvers):

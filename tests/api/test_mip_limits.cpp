@@ -39,6 +39,10 @@ class MipLimits : public support::MipModels {
     set(TVK_PARAM_HEURFREQ, -1);
     set(TVK_PARAM_RINSHEUR, -1);
   }
+  void no_gaps() {
+    set(TVK_PARAM_EPGAP, 0.0);
+    set(TVK_PARAM_EPAGAP, 0.0);
+  }
   double best_of(ProbHandle lp) {
     int status = 0;
     ProbHandle other = TVKcloneprob(env_, lp, &status);
@@ -50,8 +54,7 @@ class MipLimits : public support::MipModels {
 };
 
 TEST_F(MipLimits, EachHasItsStatusAndTheSearchGoesOnToTheSameAnswer) {
-  set(TVK_PARAM_EPGAP, 0.0);
-  set(TVK_PARAM_EPAGAP, 0.0);
+  no_gaps();
   struct Case {
     const char* what;
     int parameter;
@@ -114,8 +117,7 @@ TEST_F(MipLimits, EachHasItsStatusAndTheSearchGoesOnToTheSameAnswer) {
 }
 
 TEST_F(MipLimits, EverySolutionLimitInTurnLeadsToTheOptimum) {
-  set(TVK_PARAM_EPGAP, 0.0);
-  set(TVK_PARAM_EPAGAP, 0.0);
+  no_gaps();
   ProbHandle lp = read(long_model(12));
   const double best = best_of(lp);
   double last = 1e20;
@@ -134,8 +136,7 @@ TEST_F(MipLimits, EverySolutionLimitInTurnLeadsToTheOptimum) {
 
 TEST_F(MipLimits, ASmallerGapGoesOnWithTheTree) {
   ProbHandle lp = read(long_model(12));
-  set(TVK_PARAM_EPAGAP, 0.0);
-  set(TVK_PARAM_EPGAP, 0.0);
+  no_gaps();
   const double best = best_of(lp);
   ASSERT_GT(best, 0);
   set(TVK_PARAM_EPAGAP, best + 30);
@@ -154,8 +155,7 @@ TEST_F(MipLimits, ASmallerGapGoesOnWithTheTree) {
 
 TEST_F(MipLimits, WhatATreeHasDroppedIsSearchedAgainWhenItMayCount) {
   ProbHandle lp = read(long_model(12));
-  set(TVK_PARAM_EPAGAP, 0.0);
-  set(TVK_PARAM_EPGAP, 0.0);
+  no_gaps();
   const double best = best_of(lp);
   no_heuristics();
   // A cutoff below every solution, taken away in the middle.
