@@ -2,7 +2,7 @@
  * Columns are seen as distances from their nearer bounds, the inequality is divided by the coefficient of a
  * fractional integer column, and the deepest cut over several such divisors is kept. Valid for every integer
  * point of the model.
- * Paper: Marchand, Wolsey, Operations Research 49 (2001). */
+ * Paper: "Aggregation and mixed integer rounding to solve MIPs", Operations Research 49 (2001). */
 #pragma once
 
 #include <span>

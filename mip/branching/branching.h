@@ -1,6 +1,6 @@
 /* Where to branch when the relaxation's solution is no solution.
  *
- * Columns: reliability branching (Achterberg, Koch, Martin, Oper. Res. Letters 33 (2005)): pseudo-costs where there is
+ * Columns: reliability branching ("Branching rules revisited", Oper. Res. Letters 33 (2005)): pseudo-costs where there is
  * enough history, strong branching by bounded dual simplex runs where there is not, the best product of the two gains.
  * Objects are branched on as they are: semi-continuous columns into 0 and the interval, sets into their two ends, indicators
  * by their switch, or a fixed slack. Each child is a list of bound changes. */

@@ -1,7 +1,7 @@
 /* Mixed-integer rounding of single rows and of sums of few rows: a row is a start where it is tight and has fractional columns;
- * while no cut is found, the continuous column farthest from its bounds is eliminated with another tight row (Marchand and
- * Wolsey, Oper. Res. 49 (2001)). With the bounds that binary columns set it finds flow covers, without them the other roundings;
- * these are two families, each an object of its own. */
+ * while no cut is found, the continuous column farthest from its bounds is eliminated with another tight row
+ * ("Aggregation and mixed integer rounding to solve MIPs", Oper. Res. 49 (2001)). With the bounds that binary columns set it
+ * finds flow covers, without them the other roundings; these are two families, each an object of its own. */
 #pragma once
 
 #include <utility>

@@ -1,6 +1,6 @@
 /* Clique cuts: of literals that exclude each other pairwise at most one is true. Pairs come from the clique table; cliques are
- * sought among literals whose value is fractional, by the largest sum of values (Carraghan and Pardalos, OR Letters 9
- * (1990), with limits), and extended by literals of value 0. */
+ * sought among literals whose value is fractional, by the largest sum of values ("An exact algorithm for the maximum
+ * clique problem", Oper. Res. Letters 9 (1990), with limits), and extended by literals of value 0. */
 #pragma once
 
 #include <vector>

@@ -1,6 +1,6 @@
 /* Lifted cover cuts: of the items of a knapsack row, sum a_j x_j <= b over binaries, a set whose weights exceed b cannot be
  * taken whole. The set is chosen by the relaxation's values; its members at 1 are lifted down, all others up, one after
- * the other and exactly (Balas, Math. Programming 8 (1975); Gu, Nemhauser, Savelsbergh, INFORMS J. Computing 10 (1998)).
+ * the other and exactly ("Lifted cover inequalities for 0-1 integer programs: computation", INFORMS J. Computing 10 (1998)).
  * A row's other columns stand at their best bounds, or at bounds that a binary column sets; negative weights are
  * complemented. */
 #pragma once

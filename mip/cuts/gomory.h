@@ -1,6 +1,6 @@
 /* Gomory's mixed-integer cuts, and what other roundings of the same rows give: each fractional basic integer column names the
- * combination of rows that is its tableau row (Gomory 1960; Balas, Ceria, Cornuejols, Natraj, OR Letters 19 (1996)). The
- * tableau only chooses multipliers; the combination is summed from the rows. */
+ * combination of rows that is its tableau row ("Gomory cuts revisited", Oper. Res. Letters 19 (1996)). The tableau only
+ * chooses multipliers; the combination is summed from the rows. */
 #pragma once
 
 #include "mip/cuts/rounding.h"

@@ -1,4 +1,4 @@
-/* Complemented mixed-integer rounding (Marchand and Wolsey, Oper. Res. 49 (2001)).
+/* Complemented mixed-integer rounding ("Aggregation and mixed integer rounding to solve MIPs", Oper. Res. 49 (2001)).
  *
  * From sum_j a_j x_j + sum_i h_i t_i <= side, x within its bounds, t >= 0: columns are shifted to a bound, so that all
  * variables are >= 0; the inequality is divided by some delta; then with f0 = frac(side / delta), f = frac(a / delta)

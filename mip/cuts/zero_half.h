@@ -1,8 +1,8 @@
-/* Zero-half cuts (Caprara and Fischetti, Math. Programming 74 (1996); Koster, Zymolka, Kutschka, Algorithmica 55 (2009)):
- * integral rows are added with weights 1/2 so that the side becomes a half and few coefficients do. Only parities matter: a
- * row is the set of its columns with odd coefficient that are not at a bound, the parity of its side once those at a
- * bound are shifted away, and its slack. Elimination modulo 2 looks for odd sides with little slack; the sum of rows it
- * names is then rounded like any other. */
+/* Zero-half cuts ("{0,1/2}-Chvatal-Gomory cuts", Math. Programming 74 (1996); "Algorithms to separate {0,1/2}-Chvatal-Gomory
+ * cuts", Algorithmica 55 (2009)): integral rows are added with weights 1/2 so that the side becomes a half and few
+ * coefficients do. Only parities matter: a row is the set of its columns with odd coefficient that are not at a bound, the
+ * parity of its side once those at a bound are shifted away, and its slack. Elimination modulo 2 looks for odd sides with
+ * little slack; the sum of rows it names is then rounded like any other. */
 #pragma once
 
 #include <span>

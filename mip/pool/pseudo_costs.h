@@ -1,6 +1,6 @@
 /* What branching on a column has brought so far: gain of the bound per unit of distance, and how often a branch was
  * infeasible or beyond the cutoff, and how much it moved elsewhere. Averages over all columns stand in for columns
- * without history. Reliability branching: Achterberg, Koch, Martin, Oper. Res. Letters 33 (2005). */
+ * without history. Reliability branching: "Branching rules revisited", Oper. Res. Letters 33 (2005). */
 #pragma once
 
 #include <algorithm>

@@ -1,5 +1,5 @@
 /* Bounds that follow from one row: each column may take what the others leave of the row's sides at their best
- * (Brearley, Mitra, Williams, Math. Programming 8 (1975); Savelsbergh, ORSA J. Computing 6 (1994)).
+ * ("Preprocessing and probing techniques for mixed integer programming problems", ORSA J. Computing 6 (1994)).
  *
  * A bound is derived with the row's sides widened by the feasibility tolerance, so that no point that keeps the
  * tolerances is cut off. Bounds of continuous columns are taken only where they move by a fair part of the range, or were

@@ -1,8 +1,8 @@
 /* The cuts of a search: separators, pool, and the rows of the relaxation that are cuts.
  *
  * One round: every separator that is due looks at the relaxation's optimum, the pool gets what they find, the best violated
- * cuts become rows, as far as the limits on rows and on the cuts of a class allow. Rows that have stood slack for some solves, or at the end of the root, leave.
- * The caller solves the relaxation before and after. */
+ * cuts become rows, as far as the limits allow; rows that have stood slack for some solves, or at the end of the root, leave.
+ * Every cut holds everywhere: separators reckon with global bounds, in the tree too. The caller solves before and after. */
 #pragma once
 
 #include <memory>
@@ -31,8 +31,8 @@ class Separation {
   void remove_rows(Worker& worker, Which which);  // which: bool(const Cut&)
   /* Rows of the caller that left for being slack, since the last call. */
   std::vector<Cut> take_left() { return std::exchange(left_, {}); }
-  /* Changes with the rows. */
-  /* Cuts by class since the last call. */
+  /* Cuts that became rows, by class, since the last call:
+   * what the node log tells of a round. */
   CutCounts take_counts();
   /* Of all rounds: by separator, and the cuts that became rows. */
   std::vector<PluginCounts> plugin_counts() const;

@@ -47,7 +47,8 @@ Shortfall undecided_objects(const Worker& worker, std::vector<double>& x) {
 
 /* A direction of the relaxation improves for ever. Where objects are open they are branched on first, for they may forbid
  * it; where none is, the problem is unbounded if the node has any solution at all, which a search without an objective
- * finds out: directions with rational data lead to integer points (Meyer, Math. Programming 7 (1974)). */
+ * finds out: directions with rational data lead to integer points ("On the existence of optimal solutions
+ * to integer and mixed-integer programming problems", Math. Programming 7 (1974)). */
 Search::NodeResult Search::branch_unbounded(int slot, bool* again) {
   std::vector<double> x;
   const Shortfall open = undecided_objects(worker_, x);

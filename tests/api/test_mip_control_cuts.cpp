@@ -52,7 +52,7 @@ class Tours : public support::WithControl {
               0);
     return lp;
   }
-  /* Held and Karp. */
+  /* By the best path through each set of cities to each of its members. */
   double shortest_tour() const {
     const int sets = 1 << (kCities - 1);
     std::vector<std::vector<double>> best(sets, std::vector<double>(kCities, INFINITY));
