@@ -248,7 +248,11 @@ Search::NodeResult Search::try_relaxation(int slot, double objective, bool* agai
   } else if (objective >= global_.cutoff - kBoundTrust * std::max(1.0, std::fabs(objective))) {
     return NodeResult::cutoff;
   }
-  return branch_anywhere(slot, objective, true);
+  const NodeResult result = branch_anywhere(slot, objective, true);
+  // Where nothing is left to branch on, the point is better than its solution by what tolerances are worth.
+  if (result != NodeResult::undecided) return result;
+  Solution known;
+  return value || judge_.accept(x_, kInf, &known) ? NodeResult::integral : result;
 }
 
 /* Adds cuts while the root's bound moves. True when the relaxation has other rows than before. */
