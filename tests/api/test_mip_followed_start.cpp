@@ -60,6 +60,7 @@ TEST_F(MipFollowedStart, IsReportedWithWhatLosesIt) {
   follow(lp, {1, 1, 0, 0});
   ASSERT_EQ(TVKsetintparam(env_, TVK_PARAM_PREIND, 0), 0);
   ASSERT_EQ(TVKsetintparam(env_, TVK_PARAM_HEURFREQ, -1), 0);
+  ASSERT_EQ(TVKsetintparam(env_, TVK_PARAM_RINSHEUR, -1), 0);
   solve(lp);
   EXPECT_NE(warnings().find("Followed MIP start lost: cut of class"), std::string::npos) << warnings();
 }

@@ -130,7 +130,7 @@ Problem with(Problem problem, const LinearForm& objective, const LinearForm& row
 
 /* Whatever is asked for and demanded in addition, in columns of the original, has one answer in both spaces. */
 TEST(MipPresolve, KeepsEveryPointAndCrushesEveryFormWhereItIsToldTo) {
-  const int count = models(600);
+  const int count = support::models(600);
   int reduced_models = 0;
   for (int k = 0; k < count && !HasFailure(); ++k) {
     support::PlantedMip maker(support::fresh_seed() + static_cast<unsigned>(k));
