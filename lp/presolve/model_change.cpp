@@ -1,6 +1,7 @@
 #include "lp/presolve/model_change.h"
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 #include "lp/presolve/operations.h"
@@ -8,6 +9,8 @@
 
 namespace tovik::lp::presolve {
 namespace {
+
+constexpr double kMeeting = 1e-9;  // relative
 
 /* Does each of `changes` concern a column or row that was kept? */
 template <class Changes, class Index>
@@ -17,7 +20,8 @@ bool all_kept(const std::vector<int>& map, const Changes& changes, Index index) 
 }
 
 /* A bound that changes must become tighter, and it must be the one that the reduced column has. The bounds
- * may not meet when one came from a row: undo would not know that the sign of the dual tells them apart. */
+ * may not meet, but for rounding, when one came from a row: undo would not know that the sign of the dual tells them
+ * apart. */
 bool tightens(const Reduction& reduction, const LpData& original, const NewRange& fresh) {
   const LpData& reduced = reduction.lp;
   const int j = fresh.index, at = reduced_index(reduction.column_map, j);
@@ -28,7 +32,9 @@ bool tightens(const Reduction& reduction, const LpData& original, const NewRange
   const double lower = std::max(fresh.lower, reduced.lower[at]);
   const double upper = std::min(fresh.upper, reduced.upper[at]);
   const bool own = lower == fresh.lower && upper == fresh.upper;
-  return lower_fits && upper_fits && (lower < upper || (lower == upper && own));
+  const double smaller = std::min(std::fabs(lower), std::fabs(upper));
+  const bool apart = std::isinf(smaller) ? lower < upper : upper - lower > kMeeting * std::max(1.0, smaller);
+  return lower_fits && upper_fits && (own ? lower <= upper : apart);
 }
 
 bool same_type(const NewRange& fresh, double lower, double upper) {
