@@ -113,8 +113,11 @@ def objective_constant(path):
             if line[:1] != b" ":
                 break
             fields = line.split()
-            if objective in fields[:-1]:
-                return -float(fields[fields.index(objective) + 1])
+            # A name of the vector may stand first; then pairs of row and value.
+            pairs = fields[len(fields) % 2 :]
+            for row, value in zip(pairs[::2], pairs[1::2]):
+                if row == objective:
+                    return -float(value)
     return 0.0
 
 
