@@ -14,6 +14,7 @@ constexpr int kLookahead = 9;          // candidates without a new best that end
 constexpr int kProbeIterations = 100;  // of one strong branching run
 constexpr double kScoreWeight = 1e-9;  // of history where gains are equal
 constexpr double kStrongShare = 0.5;   // of the tree's iterations
+constexpr double kStartWork = 1e8;     // entries, rows and columns, which a pivot may all touch
 constexpr double kZeroCost = 1e-9;     // reduced costs below count as 0
 constexpr double kLargeShare = 0.8, kLargeRatio = 2;  // of a degenerate face
 constexpr double kInferenceWeight = 1e-3, kCutoffWeight = 1e-3;
@@ -192,13 +193,19 @@ std::optional<Branching> BranchingRule::probe(Worker& worker, const Fraction& f,
   return std::nullopt;
 }
 
+/* Of strong branching, whatever the tree has: fewer where they are dear. */
+double BranchingRule::start_iterations() const {
+  const lp::LpData& lp = global_.problem.lp;
+  const double pivot = lp.num_columns() + lp.num_rows() + static_cast<double>(lp.matrix.index.size());
+  return std::min(kStartWork / pivot, static_cast<double>(global_.settings.strong_start));
+}
+
 /* The best of the candidates, looked at in the order of their scores until several in a row are no better. */
 Branching BranchingRule::on_columns(Worker& worker, const std::vector<Fraction>& fractions,
                                     double node_objective, PseudoCosts& seen) {
   const Settings& settings = global_.settings;
   const std::vector<Scored> candidates = score(fractions, seen);
-  const double most_iterations =
-      kStrongShare * static_cast<double>(worker.iterations) + static_cast<double>(settings.strong_start);
+  const double most_iterations = kStrongShare * static_cast<double>(worker.iterations) + start_iterations();
   const int lookahead =
       settings.variable_rule == 3 ? std::max(kLookahead, settings.strong_candidates) : kLookahead;
   const bool compares_gains = settings.variable_rule == 0 || settings.variable_rule == 3;

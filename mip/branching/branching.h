@@ -75,6 +75,7 @@ class BranchingRule {
                                  PseudoCosts& seen, Prospect* prospect);
   Branching on_columns(Worker& worker, const std::vector<Fraction>& fractions, double node_objective,
                        PseudoCosts& seen);
+  double start_iterations() const;
   int first_child(const Fraction& f) const;
   static bool is_degenerate(const Worker& worker);
 
