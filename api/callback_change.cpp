@@ -47,7 +47,8 @@ int add_cut(ConstEnvHandle env, const CutCall& call) {
   return api::with_context(env, call.cbdata, [&](Environment& e, SearchCallback& callback) -> Status {
     if (callback.view().sight == nullptr) return TVK_ERROR_NOT_MIP;
     const bool is_here = call.wherefrom == TVK_CALLBACK_MIP_CUT && callback.view().cuts != nullptr;
-    if (call.row.count < 0 || !is_here) return TVK_ERROR_BAD_ARGUMENT;
+    if (!is_here) return TVK_ERROR_BAD_ARGUMENT;
+    if (const Status s = model::check_count({call.row.count}); !s.ok()) return s;
     if (call.row.columns == nullptr || call.row.values == nullptr) return TVK_ERROR_NULL_POINTER;
     mip::Cut cut;
     if (const Status s = make_cut(e, callback.scene(), call.row, &cut); !s.ok()) return s;
@@ -116,8 +117,9 @@ int add_child(ConstEnvHandle env, const ChildCall& call) {
     if (callback.view().sight == nullptr) return TVK_ERROR_NOT_MIP;
     std::vector<mip::NewChild>* const children = callback.view().children;
     const bool is_here = callback.wherefrom() == call.wherefrom && children != nullptr;
-    if (call.bounds < 0 || call.rows.vectors < 0 || call.rows.entries < 0 || !is_here)
-      return TVK_ERROR_BAD_ARGUMENT;
+    if (!is_here) return TVK_ERROR_BAD_ARGUMENT;
+    if (const Status s = model::check_count({call.bounds, call.rows.vectors, call.rows.entries}); !s.ok())
+      return s;
     if (lacks_an_array(call) || call.seqnum_p == nullptr) return TVK_ERROR_NULL_POINTER;
     if (children->size() >= kMostChildren) return TVK_ERROR_CALLBACK;
     const CallbackScene& scene = callback.scene();

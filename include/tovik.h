@@ -721,8 +721,8 @@ TVK_API int TVKgetcallbacklp(ConstEnvHandle env, void *cbdata, int wherefrom, Co
 
 /* From a cut callback: adds a row that every solution satisfies (TVKcutcallbackadd), or every one below the node (..local).
  * `sense`: L, E or G. It is kept as long as the search lasts, as a row of the relaxation from when it is first violated on; with a
- * `cutclass` other than 0 it may leave the relaxation while it is slack. Errors besides: 1003 nzcnt < 0; 1215 sense; 1201 column; 1225,
- * 1233 numbers; 1001. */
+ * `cutclass` other than 0 it may leave the relaxation while it is slack. Errors besides: 1003 nzcnt < 0; 1012 nzcnt > 2100000000; 1215
+ * sense; 1201 column; 1225, 1233 numbers; 1001. */
 TVK_API int TVKcutcallbackadd(ConstEnvHandle env, void *cbdata, int wherefrom, int nzcnt, double rhs, int sense,
                               const int *cutind, const double *cutval, int cutclass);
 TVK_API int TVKcutcallbackaddlocal(ConstEnvHandle env, void *cbdata, int wherefrom, int nzcnt, double rhs, int sense,
@@ -731,7 +731,8 @@ TVK_API int TVKcutcallbackaddlocal(ConstEnvHandle env, void *cbdata, int wherefr
 /* From a branch callback: creates a child of the node, by `cnt` bounds (lu[k] L, U or B: lower, upper or both become bd[k],
  * where that is tighter), by `rcnt` rows (as for TVKaddrows, without ranges), or by both. `nodeest`: an estimate of the best
  * objective value in it; `userhandle` goes with the child. *seqnum_p: its sequence number, -1 after an error. Errors besides: 1003 a
- * negative count; 1006 two children exist already; 1201 column; 1229 lu; 1215 sense; 1200 rmatbeg; 1225, 1233 numbers; 1001. */
+ * negative count; 1012 one above 2100000000; 1006 two children exist already; 1201 column; 1229 lu; 1215 sense; 1200 rmatbeg; 1225,
+ * 1233 numbers; 1001. */
 TVK_API int TVKbranchcallbackbranchbds(ConstEnvHandle env, void *cbdata, int wherefrom, double nodeest, int cnt,
                                        const int *indices, const char *lu, const double *bd, void *userhandle,
                                        int *seqnum_p);

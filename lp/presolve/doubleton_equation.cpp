@@ -110,7 +110,7 @@ void undo_doubleton(const Doubleton& record, Undo& undo) {
   const int i = record.row, j = record.leaves, k = record.stays;
   const double a = record.a, b = record.b;
   Answer& p = undo.point;
-  CleanSum rest(undo.cost(record.cost));
+  CleanSum rest = undo.sum_from(undo.cost(record.cost));
   undo.each_entry(record.entries, j, [&](int r, double value) { rest.subtract(value * p.y[r]); });
   p.y[i] = rest.value() / a;
   p.x[j] = (record.beta - b * p.x[k]) / a;
@@ -121,7 +121,7 @@ void undo_doubleton(const Doubleton& record, Undo& undo) {
     p.column_status[k] = at = Undo::own_side(at, p.d[k], record.tighter_lower, record.tighter_upper);
   if ((at == BasisStatus::lower && record.tighter_lower) ||
       (at == BasisStatus::upper && record.tighter_upper)) {
-    CleanSum y(p.y[i]);
+    CleanSum y = undo.sum_from(p.y[i]);
     y.subtract(-p.d[k] / b);
     p.y[i] = y.value();
     p.d[j] = -(a / b) * p.d[k];

@@ -106,7 +106,7 @@ bool fix_by_signs(Workspace& ws, int j) {
 void undo_fixed_column(const FixedColumn& record, Undo& undo) {
   const int j = record.column;
   Answer& p = undo.point;
-  CleanSum d(undo.cost(record.cost));
+  CleanSum d = undo.sum_from(undo.cost(record.cost));
   undo.each_entry(record.entries, j, [&](int i, double a) { d.subtract(a * p.y[i]); });
   p.x[j] = record.value;
   p.d[j] = d.value();

@@ -30,10 +30,11 @@ Entries select(const Workspace& ws, const std::vector<int>& index, const std::ve
 
 /* Reduced costs after the row took the dual y; where the bounds are equal the sign says where the column
  * stands. */
-void move_reduced_costs(const View& entries, double y, bool by_sign, Answer& p) {
+void move_reduced_costs(const View& entries, double y, bool by_sign, Undo& undo) {
+  Answer& p = undo.point;
   for (int k = 0; k < entries.length; ++k) {
     const int j = entries.index[k];
-    CleanSum d(p.d[j]);
+    CleanSum d = undo.sum_from(p.d[j]);
     d.subtract(entries.value[k] * y);
     p.d[j] = d.value();
     if (by_sign) p.column_status[j] = Undo::side(p.column_status[j], p.d[j]);
@@ -91,8 +92,8 @@ void undo_forcing_row(const ForcingRow& record, Undo& undo) {
     return;
   }
   p.row_status[i] = record.at_lower ? BasisStatus::lower : BasisStatus::upper;
-  move_reduced_costs(moving, worst, undo.homogeneous, p);
-  move_reduced_costs(record.frozen, worst, true, p);
+  move_reduced_costs(moving, worst, undo.homogeneous, undo);
+  move_reduced_costs(record.frozen, worst, true, undo);
   p.column_status[entering] = BasisStatus::basic;
   p.d[entering] = 0;
 }

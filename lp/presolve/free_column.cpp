@@ -69,7 +69,7 @@ void undo_free_column(const FreeColumn& record, Undo& undo) {
   const int i = record.row, s = record.column;
   const View& row = record.row_entries;
   double x = record.beta, pivot = 0;
-  CleanSum y(undo.cost(record.cost));
+  CleanSum y = undo.sum_from(undo.cost(record.cost));
   Answer& p = undo.point;
   for (int k = 0; k < row.length; ++k) {
     if (row.index[k] == s) {

@@ -96,7 +96,7 @@ std::vector<double> postsolve_proof(const LpData& original, const Reduction& red
   }
   const Matrix& matrix = lp.matrix;
   for (int j = 0; j < matrix.columns; ++j) {
-    CleanSum d(0);
+    CleanSum d(0, CleanSum::kProofNoise);
     for (int k = matrix.start[j]; k < matrix.start[j + 1]; ++k)
       d.subtract(matrix.value[k] * reduced.y[matrix.index[k]]);
     reduced.d[j] = d.value();

@@ -102,7 +102,10 @@ bool sparsify_rows(Workspace& ws) {
 }
 
 void undo_row_addition(const RowAddition& record, Undo& undo) {
-  undo.point.y[record.source] += record.factor * undo.point.y[record.target];
+  double& y = undo.point.y[record.source];
+  CleanSum sum = undo.sum_from(y);
+  sum.subtract(-record.factor * undo.point.y[record.target]);
+  y = sum.value();
 }
 
 void duals_of_row_addition(const RowAddition& record, std::vector<double>& y) {

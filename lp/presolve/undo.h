@@ -25,16 +25,19 @@ namespace tovik::lp::presolve {
  * stands, and in a proof of infeasibility a free column needs exactly zero. */
 class CleanSum {
  public:
-  explicit CleanSum(double first) : sum_(first), size_(std::fabs(first)) {}
+  static constexpr double kNoise = 1e-14;
+  static constexpr double kProofNoise = 1e-12;  // of multipliers that come out of a solve, relative
+
+  explicit CleanSum(double first, double noise = kNoise)
+      : sum_(first), size_(std::fabs(first)), noise_(noise) {}
   void subtract(double term) {
     sum_ -= term;
     size_ += std::fabs(term);
   }
-  double value() const { return std::fabs(sum_) <= kNoise * size_ ? 0.0 : sum_; }
+  double value() const { return std::fabs(sum_) <= noise_ * size_ ? 0.0 : sum_; }
 
  private:
-  static constexpr double kNoise = 1e-14;
-  double sum_, size_;
+  double sum_, size_, noise_;
 };
 
 struct Undo {
@@ -44,6 +47,9 @@ struct Undo {
   bool homogeneous = false;
 
   double cost(double c) const { return homogeneous ? 0.0 : c; }
+  CleanSum sum_from(double first) const {
+    return CleanSum(first, homogeneous ? CleanSum::kProofNoise : CleanSum::kNoise);
+  }
   /* f(row, value) for each entry of column j, as it was when its record was written. */
   template <class F>
   void each_entry(const ColumnEntries& column, int j, F f) const {

@@ -1,4 +1,5 @@
 /* What control callbacks may ask and do, what has which error, the two spaces. */
+#include <climits>
 #include <cmath>
 #include <numeric>
 #include <string>
@@ -150,6 +151,7 @@ TEST_F(MipControlQueries, MisuseHasItsCodes) {
     EXPECT_EQ(add(&control, 106, 2, 'L', ind, val), TVK_ERROR_NO_ENVIRONMENT);
     EXPECT_EQ(add(c.cbdata, 105, 2, 'L', ind, val), TVK_ERROR_BAD_ARGUMENT);
     EXPECT_EQ(add(c.cbdata, 106, -1, 'L', ind, val), TVK_ERROR_BAD_ARGUMENT);
+    EXPECT_EQ(add(c.cbdata, 106, INT_MAX, 'L', ind, val), TVK_ERROR_SIZE_LIMITS_TOO_LARGE);
     EXPECT_EQ(add(c.cbdata, 106, 2, 'L', nullptr, val), TVK_ERROR_NULL_POINTER);
     EXPECT_EQ(add(c.cbdata, 106, 2, 'L', ind, nullptr), TVK_ERROR_NULL_POINTER);
     errors();
@@ -195,6 +197,7 @@ TEST_F(MipControlQueries, MisuseHasItsCodes) {
     EXPECT_EQ(child(nullptr, 102, 1, ind, "U", val), TVK_ERROR_NOT_MIP);
     EXPECT_EQ(child(c.cbdata, 106, 1, ind, "U", val), TVK_ERROR_BAD_ARGUMENT);
     EXPECT_EQ(child(c.cbdata, 102, -1, ind, "U", val), TVK_ERROR_BAD_ARGUMENT);
+    EXPECT_EQ(child(c.cbdata, 102, INT_MAX, ind, "U", val), TVK_ERROR_SIZE_LIMITS_TOO_LARGE);
     EXPECT_EQ(child(c.cbdata, 102, 1, nullptr, "U", val), TVK_ERROR_NULL_POINTER);
     EXPECT_EQ(child(c.cbdata, 102, 1, ind, nullptr, val), TVK_ERROR_NULL_POINTER);
     EXPECT_EQ(child(c.cbdata, 102, 1, ind, "U", nullptr), TVK_ERROR_NULL_POINTER);
