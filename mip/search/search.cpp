@@ -15,7 +15,8 @@ namespace {
 
 constexpr std::size_t kEarlierIncumbents = 2;
 constexpr int kMostBacktracks = 100;   // of one plunge
-constexpr double kPlungeShare = 0.25;  // of the gap, above the best bound, in which a plunge goes on
+constexpr double kPlungeShare = 0.25;  // of the gap, above the best bound, in which a plunge goes on ...
+constexpr int kLeastPlunge = 5;        // ... after as many nodes that need not stay in it
 
 }  // namespace
 
@@ -289,16 +290,21 @@ bool Search::goes_on_with(int child) {
   if (gap_is_closed(bound)) return false;
   if (!global_.has_incumbent()) return true;
   const double best = std::min(tree_.best_bound(), bound);
-  return bound - best <= global_.settings.backtrack_share * (global_.incumbent_value - best);
+  double share = global_.settings.backtrack_share;
+  const bool may_end = plunged_ >= kLeastPlunge && global_.settings.node_rule != NodeRule::depth_first;
+  if (may_end) share = std::min(share, kPlungeShare);
+  return bound - best <= share * (global_.incumbent_value - best);
 }
 
 /* The child of the plunge, else the queue's best. Nodes within the gap only hold the bound up. */
 int Search::pick() {
   from_queue_ = false;
+  ++plunged_;
   const int child = std::exchange(next_child_, -1);
   if (child >= 0 && tree_.is_open(child, next_child_id_) && goes_on_with(child)) return child;
   if (const int left = next_of_plunge(); left >= 0) return left;
   from_queue_ = true;
+  plunged_ = 0;
   const Settings& settings = global_.settings;
   const bool by_bound = settings.node_rule == NodeRule::best_bound ||
                         (settings.best_bound_interval > 0 && settings.node_rule != NodeRule::depth_first &&

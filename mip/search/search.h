@@ -247,6 +247,7 @@ class Search {
   };
   std::vector<Sibling> plunge_;  // what the present plunge has left open, the deepest last
   int backtracks_ = 0;           // of the present plunge
+  int plunged_ = 0;              // nodes of the present plunge
   std::int64_t nodes_ = 0, node_of_incumbent_ = 0, solutions_ = 0, picks_since_best_bound_ = 0;
   double undecided_bound_ = kInf;           // of nodes that nothing decides
   double lagrangian_bound_ = -kInf;         // of the node's last relaxation, not rounded
