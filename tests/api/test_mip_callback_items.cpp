@@ -106,6 +106,16 @@ TEST_F(MipCallbackItems, EveryItemHasItsValueInEveryContext) {
   EXPECT_EQ(last(TVK_CALLBACK_INFO_USER_CUTS), 0);
 }
 
+/* Some work has to be done between two calls, which small models do not have in these phases. */
+TEST_F(MipCallbackItems, LongPhasesAtTheRootHaveContextsOfTheirOwn) {
+  ProbHandle lp = knapsacks(1000, 100, 5);
+  ASSERT_EQ(TVKsetintparam(env_, TVK_PARAM_CUTPASS, -1), 0);
+  ASSERT_EQ(TVKsetintparam(env_, TVK_PARAM_NODELIM, 1), 0);
+  const Items items = watch(lp, TVK_STATUS_MIP_NODE_LIMIT);
+  EXPECT_GT(items.contexts.count(TVK_CALLBACK_MIP_ROOT), 0U);
+  EXPECT_GT(items.contexts.count(TVK_CALLBACK_MIP_HEURISTICS), 0U);
+}
+
 extern "C" int read_items_in_info(ConstEnvHandle env, void* cbdata, int wherefrom, void* handle) {
   Items& items = *static_cast<Items*>(handle);
   ++items.contexts[wherefrom];
@@ -235,7 +245,7 @@ TEST_F(MipCallbackItems, PresolveAtNodesAndMethodsSteerTheSearch) {
 }
 
 TEST_F(MipCallbackItems, IterationsOfStartsCount) {
-  ASSERT_EQ(TVKsetintparam(env_, TVK_PARAM_NODELIM, 0), 0);
+  ASSERT_EQ(TVKsetintparam(env_, TVK_PARAM_NODELIM, 1), 0);
   ProbHandle lp = knapsacks(30, 6, 2);
   EXPECT_EQ(solve(lp), TVK_STATUS_MIP_NODE_LIMIT_NO_SOLUTION);
   EXPECT_EQ(TVKgetitcnt(env_, lp), 0);
