@@ -245,7 +245,7 @@ TEST_F(MipCallbackItems, PresolveAtNodesAndMethodsSteerTheSearch) {
 }
 
 TEST_F(MipCallbackItems, IterationsOfStartsCount) {
-  ASSERT_EQ(TVKsetintparam(env_, TVK_PARAM_NODELIM, 1), 0);
+  ASSERT_EQ(TVKsetintparam(env_, TVK_PARAM_NODELIM, 0), 0);
   ProbHandle lp = knapsacks(30, 6, 2);
   EXPECT_EQ(solve(lp), TVK_STATUS_MIP_NODE_LIMIT_NO_SOLUTION);
   EXPECT_EQ(TVKgetitcnt(env_, lp), 0);
