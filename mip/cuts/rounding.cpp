@@ -16,6 +16,14 @@ double frac(double v) {
   return v - std::floor(v);
 }
 
+/* Of an integer term's coefficient a after rounding. A fraction that exceeds f0 by no more than rounding does not: to take less
+ * is valid, and a cut that is left with such a share alone would be scaled up to one that forbids integer points. */
+double rounded(double a, double f0) {
+  const double whole = std::floor(a);
+  const double excess = a - whole - f0;
+  return excess > kZero ? whole + excess / (1 - f0) : whole;
+}
+
 }  // namespace
 
 Rounding::Rounding(const Worker& worker, Substitution substitution)
@@ -31,6 +39,7 @@ void Rounding::add(int j, double a, double factor) {
     listed_.push_back(j);
   }
   value_[j].add_product(a, factor);
+  largest_term_ = std::max(largest_term_, std::fabs(a * factor));
 }
 
 /* All variables >= 0. False where a column has no bound on the side that is needed. Continuous columns come first: they may
@@ -164,8 +173,7 @@ double Rounding::efficacy(double delta) const {
   double norm = continuous_norm_ * per_delta * per_delta * share * share;
   for (const std::size_t k : active_) {
     const double a = terms_[k].coefficient * per_delta;
-    const double whole = std::floor(a);
-    const double c = whole + std::max(0.0, a - whole - f0) * share;
+    const double c = rounded(a, f0);
     activity += c * terms_[k].value;
     norm += c * c;
   }
@@ -227,12 +235,12 @@ bool Rounding::separate(const RowSum& sum, double sign, std::span<const double> 
 /* Shifts back: each variable by its bound, slacks by their rows. */
 bool Rounding::build(const RowSum& sum, double delta, Cut* cut) {
   const double f0 = frac(side_ / delta);
+  largest_term_ = 0;
   lp::CompensatedSum side;
   side.add(std::floor(side_ / delta));
   for (const Term& t : terms_) {
     const double a = t.coefficient / delta;
-    const double c =
-        t.is_integer ? std::floor(a) + std::max(0.0, frac(a) - f0) / (1 - f0) : std::min(0.0, a) / (1 - f0);
+    const double c = t.is_integer ? rounded(a, f0) : std::min(0.0, a) / (1 - f0);
     if (c == 0) continue;
     switch (t.at) {
       case At::slack: {
@@ -263,6 +271,7 @@ bool Rounding::build(const RowSum& sum, double delta, Cut* cut) {
   std::sort(listed_.begin(), listed_.end());
   cut->columns.clear();
   cut->values.clear();
+  double largest = 0;
   for (const int j : listed_) {
     const double v = value_[j].value();
     value_[j] = {};
@@ -270,10 +279,11 @@ bool Rounding::build(const RowSum& sum, double delta, Cut* cut) {
     if (v == 0) continue;
     cut->columns.push_back(j);
     cut->values.push_back(v);
+    largest = std::max(largest, std::fabs(v));
   }
   listed_.clear();
   cut->side = side.value();
-  return !cut->columns.empty();
+  return largest > kZero * largest_term_;  // else everything has cancelled
 }
 
 }  // namespace tovik::mip

@@ -59,6 +59,7 @@ class Rounding {
   double continuous_activity_ = 0,
          continuous_norm_ = 0;  // of negative continuous terms that do not stand at 0
   double side_ = 0, largest_ = 0;
+  double largest_term_ = 0;  // that went into a sum of the cut in the making
   bool used_variable_bound_ = false;
   // Work space by column, clean between calls.
   std::vector<lp::CompensatedSum> value_;

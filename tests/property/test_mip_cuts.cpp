@@ -105,18 +105,29 @@ class Cuts : public ::testing::Test {
       support::RandomMip any(seed);
       TRACE_RANDOM(any.random(), k);
       const Problem problem = k % 4 == 3 ? any.draw() : structured.draw();
-      const std::vector<Cut> all = cuts_of(problem, cuts);
-      found += all.size();
-      if (all.empty()) continue;
-      support::EachLeaf leaves(problem, [&all](const tovik::lp::LpData& leaf) { check_leaf(leaf, all); });
-      leaves.run();
+      found += check(problem, cuts);
     }
     EXPECT_GT(found, 0u);
+  }
+  /* The number of cuts. */
+  static std::size_t check(const Problem& problem, const CutSettings& cuts) {
+    const std::vector<Cut> all = cuts_of(problem, cuts);
+    if (all.empty()) return 0;
+    support::EachLeaf leaves(problem, [&all](const tovik::lp::LpData& leaf) { check_leaf(leaf, all); });
+    leaves.run();
+    return all.size();
   }
 };
 
 TEST_F(Cuts, RoundingHoldsEverywhere) {
   run([](CutSettings& cuts) { cuts.rounding = 0; });
+}
+
+/* A side of 6 - 9e-16 divided by 20 leaves 6/20 a share of 8e-17, which was scaled up to a bound. */
+TEST_F(Cuts, RoundingMakesNoCutOfNoise) {
+  CutSettings cuts = no_cuts();
+  cuts.rounding = 0;
+  EXPECT_GT(check(support::StructuredMip(80804854).draw(), cuts), 0u);
 }
 
 TEST_F(Cuts, GomoryHoldsEverywhere) {
