@@ -18,3 +18,8 @@ add_executable(bench_nodes ${node_sources})
 target_link_libraries(bench_nodes PRIVATE tovik_inner CLI11::CLI11 nlohmann_json::nlohmann_json ${CMAKE_DL_LIBS})
 target_compile_definitions(bench_nodes PRIVATE TOVIK_SOURCE_DIR="${CMAKE_CURRENT_SOURCE_DIR}")
 tovik_warnings(bench_nodes)
+
+file(GLOB cholesky_sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/bench/cholesky/*.cpp)
+add_executable(bench_cholesky ${cholesky_sources})
+target_link_libraries(bench_cholesky PRIVATE tovik_inner CLI11::CLI11)
+tovik_warnings(bench_cholesky)

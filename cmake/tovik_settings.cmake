@@ -21,6 +21,9 @@ find_package(Threads REQUIRED)
 find_package(EXPAT REQUIRED)
 find_package(ZLIB REQUIRED)
 find_package(BZip2 REQUIRED)
+find_package(AMD REQUIRED)
+find_package(METIS REQUIRED)
+include(tovik_blas)
 
 # Everything is compiled and linked alike, third-party headers apart, so that sanitizers see the whole program.
 if(TOVIK_SANITIZE)

@@ -3,7 +3,8 @@
 # Usage: scripts/install_packages.sh build|test
 set -euo pipefail
 
-build=(g++ cmake ninja-build libexpat1-dev zlib1g-dev libbz2-dev libcli11-dev nlohmann-json3-dev)
+build=(g++ cmake ninja-build libexpat1-dev zlib1g-dev libbz2-dev libopenblas-serial-dev libmetis-dev libsuitesparse-dev
+  libcli11-dev nlohmann-json3-dev)
 test=("${build[@]}" bzip2 gzip xz-utils zstd git python3 ccache libgtest-dev clang-format-14 pkg-config binutils locales)
 
 case "${1:-}" in

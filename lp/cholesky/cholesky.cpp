@@ -1,0 +1,129 @@
+#include "lp/cholesky/cholesky.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <new>
+#include <optional>
+
+#include "lp/cholesky/elimination.h"
+#include "lp/cholesky/numeric.h"
+#include "lp/cholesky/ordering.h"
+#include "lp/cholesky/solve.h"
+#include "lp/cholesky/supernodes.h"
+
+namespace tovik::lp::cholesky {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+/* Nested dissection takes some microseconds an edge, a factorization is repeated some forty times: it is tried when a third
+ * of the operations saved would pay for it, and where L is much fuller than K. */
+constexpr double kOperationsWorthAnEdge = 2000;
+constexpr double kOperationsWorthTrying = 2e7;
+constexpr double kLeastFill = 2;
+
+std::int64_t machine_memory() {
+  return static_cast<std::int64_t>(sysconf(_SC_PHYS_PAGES)) * sysconf(_SC_PAGESIZE);
+}
+
+bool dissection_may_pay(const Graph& graph, const Elimination& by_degree) {
+  const double edges = static_cast<double>(graph.start.back());
+  return by_degree.flops > kOperationsWorthTrying + kOperationsWorthAnEdge * edges &&
+         static_cast<double>(by_degree.entries) > kLeastFill * (edges / 2 + graph.size);
+}
+
+}  // namespace
+
+struct Cholesky::Inner {
+  Counts counts;
+  int threads = 1;
+  Symbolic symbolic;
+  std::optional<Numeric> numeric;
+
+  State analyze(const Pattern& pattern, const Options& options, Control& control);
+  std::optional<Elimination> order(const Graph& graph, Ordering wanted, Control& control);
+};
+
+std::optional<Elimination> Cholesky::Inner::order(const Graph& graph, Ordering wanted, Control& control) {
+  std::optional<Elimination> best;
+  // False if the ordering was stopped.
+  auto offer = [&](Ordering ordering, const std::vector<int>& permutation) {
+    if (permutation.size() != static_cast<std::size_t>(graph.size)) return false;
+    Elimination made = eliminate(graph, permutation);
+    control.add_work(static_cast<std::uint64_t>(graph.start.back() + graph.size));
+    if (best && best->flops <= made.flops) return true;
+    best = std::move(made);
+    counts.used = ordering;
+    return true;
+  };
+  if (wanted == Ordering::minimum_degree || wanted == Ordering::automatic)
+    offer(Ordering::minimum_degree, minimum_degree_order(graph));
+  if (wanted == Ordering::minimum_fill && !offer(Ordering::minimum_fill, minimum_fill_order(graph, control)))
+    return std::nullopt;
+  if (wanted == Ordering::nested_dissection ||
+      (wanted == Ordering::automatic && dissection_may_pay(graph, *best)))
+    if (!offer(Ordering::nested_dissection, nested_dissection_order(graph, control))) return std::nullopt;
+  return best;
+}
+
+State Cholesky::Inner::analyze(const Pattern& pattern, const Options& options, Control& control) {
+  const auto begin = Clock::now();
+  counts = {};
+  counts.rows = pattern.size;
+  threads = std::max(1, options.threads);
+  std::optional<Elimination> elimination;
+  {
+    const Graph graph = graph_of(pattern);
+    elimination = order(graph, options.ordering, control);
+  }
+  if (!elimination) return State::stopped;
+  counts.ordering_seconds = std::chrono::duration<double>(Clock::now() - begin).count();
+  counts.entries = elimination->entries;
+  counts.flops = elimination->flops;
+  symbolic = make_symbolic(pattern, find_supernodes(*elimination, true));
+  numeric.emplace(symbolic, threads);
+  counts.supernodes = symbolic.supernodes();
+  counts.largest_front = symbolic.largest_front;
+  counts.integers = static_cast<std::int64_t>(symbolic.rows.size());
+  counts.stored = symbolic.panel.back();
+  counts.bytes = numeric->bytes();
+  control.add_work(static_cast<std::uint64_t>(symbolic.rows.size() + pattern.index.size()));
+  if (counts.bytes > machine_memory()) return State::out_of_memory;
+  return control.poll_clock() == Stop::none ? State::done : State::stopped;
+}
+
+Cholesky::Cholesky() = default;
+Cholesky::~Cholesky() = default;
+Cholesky::Cholesky(Cholesky&&) noexcept = default;
+Cholesky& Cholesky::operator=(Cholesky&&) noexcept = default;
+
+State Cholesky::analyze(const Pattern& pattern, const Options& options, Control& control) {
+  try {
+    inner_ = std::make_unique<Inner>();
+    return inner_->analyze(pattern, options, control);
+  } catch (const std::bad_alloc&) {
+    return State::out_of_memory;
+  }
+}
+
+const Counts& Cholesky::counts() const {
+  return inner_->counts;
+}
+
+State Cholesky::factorize(const double* values, const signed char* signs, const Pivoting& pivoting,
+                          Control& control, Report* report) {
+  Report own;
+  try {
+    return inner_->numeric->factorize(values, signs, pivoting, control, report == nullptr ? own : *report);
+  } catch (const std::bad_alloc&) {
+    return State::out_of_memory;
+  }
+}
+
+void Cholesky::solve(double* x, int columns) const {
+  cholesky::solve(inner_->symbolic, *inner_->numeric, x, columns);
+}
+
+}  // namespace tovik::lp::cholesky

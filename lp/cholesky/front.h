@@ -1,0 +1,69 @@
+/* Dense elimination of the first columns of a front.
+ * Panel   front x width numbers by columns, its lower trapezoid used: on entry assembled, on return L below the unit diagonal,
+ *         and D on the diagonal (0 where a pivot is infinite).
+ * Square  (front - width)^2, lower triangle: receives minus what the eliminated columns take away from the rest.
+ * Sizes of all products depend on the front alone, so that digits do not depend on the number of workers. */
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "lp/cholesky/cholesky.h"
+#include "lp/cholesky/pulse.h"
+#include "lp/cholesky/team.h"
+
+namespace tovik::lp::cholesky {
+
+/* What a worker keeps from front to front. */
+struct Workspace {
+  std::vector<double> scaled;  // kTile * widest: L D, transposed for products
+  std::vector<int> run;        // largest front: see assembly
+  std::int64_t replaced = 0;
+  double smallest_pivot = 0, largest_pivot = 0;  // 0: none yet
+};
+
+inline constexpr int kTile = 128;  // most columns of one product
+
+class FrontElimination {
+ public:
+  struct Front {
+    double* panel;
+    int rows, width;
+    const signed char* signs;  // of its columns; nullptr: all +1
+    double* inverse;           // of its pivots
+  };
+  /* `team` may be nullptr; then `worker` does everything. */
+  FrontElimination(const Front& front, const Pivoting& pivoting, std::vector<Workspace>& workspaces,
+                   int worker, Team* team, Pulse& pulse)
+      : front_(front),
+        pivoting_(pivoting),
+        workspaces_(workspaces),
+        worker_(worker),
+        team_(team),
+        pulse_(pulse) {}
+
+  void eliminate_panel() { eliminate(0, front_.width); }
+  void update_square(double* square);
+
+ private:
+  double* at(int row, int column) const {
+    return front_.panel + row + static_cast<std::int64_t>(column) * front_.rows;
+  }
+  template <class Work>
+  void share(int pieces, double operations, const Work& work);
+  void eliminate(int begin, int end);
+  void eliminate_leaf(int begin, int end);
+  void pivot(int column);
+  void update(int begin, int middle, int end);
+  void scale_rows(int first, int last, int begin, int end, double* scaled) const;
+  void solve_rows(int first, int last, int begin, int end);
+
+  Front front_;
+  const Pivoting& pivoting_;
+  std::vector<Workspace>& workspaces_;
+  int worker_;
+  Team* team_;
+  Pulse& pulse_;
+};
+
+}  // namespace tovik::lp::cholesky

@@ -1,0 +1,196 @@
+#include "lp/cholesky/numeric.h"
+
+#include <algorithm>
+#include <cstring>
+#include <new>
+
+namespace tovik::lp::cholesky {
+namespace {
+
+constexpr double kOperationsPerAssembled = 16;
+constexpr double kOperationsPerFront = 5000, kOperationsPerColumn = 200;
+constexpr int kRunWorth = 4;  // rows a run must have on average for adding run by run
+
+std::unique_ptr<double[]> numbers(std::int64_t count) {
+  return std::unique_ptr<double[]>(new double[static_cast<std::size_t>(count)]);
+}
+
+}  // namespace
+
+struct Numeric::Job {
+  const double* values;
+  const signed char* signs;  // by position
+  const Pivoting& pivoting;
+  Pulse& pulse;
+};
+
+Numeric::Numeric(const Symbolic& symbolic, int threads)
+    : symbolic_(symbolic), threads_(threads), plan_(make_plan(symbolic, threads)) {}
+
+std::int64_t Numeric::bytes() const {
+  const int used = plan_.tasks.empty() ? 0 : threads_;
+  return 8 * (symbolic_.panel.back() + plan_.top_peak + plan_.held + used * plan_.task_peak +
+              static_cast<std::int64_t>(threads_) * kTile * symbolic_.widest) +
+         17 * static_cast<std::int64_t>(symbolic_.size);
+}
+
+void Numeric::allocate() {
+  if (panels_ != nullptr) return;
+  inverse_.resize(symbolic_.size);
+  square_.assign(symbolic_.supernodes(), nullptr);
+  workspaces_.resize(threads_);
+  for (Workspace& workspace : workspaces_) {
+    workspace.scaled.resize(static_cast<std::size_t>(kTile) * symbolic_.widest);
+    workspace.run.reserve(static_cast<std::size_t>(symbolic_.largest_front) + 1);
+  }
+  auto stacks = [](std::int64_t size) {
+    Stacks made;
+    made.size = size;
+    made.memory = numbers(size);
+    return made;
+  };
+  top_stacks_ = stacks(plan_.top_peak);
+  task_stacks_.clear();
+  for (int worker = 0; worker < threads_ && !plan_.tasks.empty(); ++worker)
+    task_stacks_.push_back(stacks(plan_.task_peak));
+  held_ = numbers(plan_.held);
+  panels_ = numbers(symbolic_.panel.back());
+}
+
+State Numeric::factorize(const double* values, const signed char* signs, const Pivoting& pivoting,
+                         Control& control, Report& report) {
+  allocate();
+  signs_.clear();
+  for (int k = 0; signs != nullptr && k < symbolic_.size; ++k) signs_.push_back(signs[symbolic_.order[k]]);
+  for (Workspace& workspace : workspaces_)
+    workspace.replaced = 0, workspace.smallest_pivot = workspace.largest_pivot = 0;
+  Pulse pulse(control);
+  Job job{values, signs == nullptr ? nullptr : signs_.data(), pivoting, pulse};
+  Team team(plan_.tasks.empty() ? 1 : threads_);
+  std::int64_t place = 0;
+  for (const int root : plan_.roots) {
+    square_[root] = held_.get() + place;
+    place += symbolic_.square(root);
+  }
+  team.run(
+      static_cast<int>(plan_.tasks.size()),
+      [&](int piece, int worker) { run_task(job, plan_.tasks[piece], worker); }, [&] { pulse.look(); });
+  top_stacks_.low = 0;
+  top_stacks_.high = top_stacks_.size;
+  for (const int s : plan_.top) {
+    if (pulse.stopped()) break;
+    process(job, s, 0, top_stacks_, &team);
+  }
+  pulse.look();
+  if (pulse.stopped()) return State::stopped;
+  report = {};
+  for (const Workspace& workspace : workspaces_) {
+    report.replaced += workspace.replaced;
+    report.largest_pivot = std::max(report.largest_pivot, workspace.largest_pivot);
+    if (workspace.smallest_pivot > 0 &&
+        (report.smallest_pivot == 0 || workspace.smallest_pivot < report.smallest_pivot))
+      report.smallest_pivot = workspace.smallest_pivot;
+  }
+  return State::done;
+}
+
+void Numeric::run_task(Job& job, const Plan::Task& task, int worker) {
+  Stacks& stacks = task_stacks_[worker];
+  for (int k = task.first; k <= task.last; ++k) {
+    stacks.low = 0;
+    stacks.high = stacks.size;
+    for (int s = symbolic_.first_below[plan_.roots[k]]; s <= plan_.roots[k]; ++s) {
+      if (job.pulse.stopped()) return;
+      process(job, s, worker, stacks, nullptr);
+    }
+  }
+}
+
+void Numeric::process(Job& job, int s, int worker, Stacks& stacks, Team* team) {
+  const int width = symbolic_.width(s), first = symbolic_.start[s];
+  double* const panel = panels_.get() + symbolic_.panel[s];
+  double* const square = push(s, stacks);
+  std::vector<int>& run = workspaces_[worker].run;
+  assemble_entries(job, s);
+  double assembled = static_cast<double>(symbolic_.panel[s + 1] - symbolic_.panel[s]);
+  for (int c = symbolic_.first_child[s]; c >= 0; c = symbolic_.sibling[c]) {
+    assemble_child(c, s, panel, true, run);
+    assembled += static_cast<double>(symbolic_.square(c));
+  }
+  FrontElimination front({panel, symbolic_.front(s), width,
+                          job.signs == nullptr ? nullptr : job.signs + first, inverse_.data() + first},
+                         job.pivoting, workspaces_, worker, team, job.pulse);
+  front.eliminate_panel();
+  front.update_square(square);
+  for (int c = symbolic_.first_child[s]; c >= 0; c = symbolic_.sibling[c])
+    assemble_child(c, s, square, false, run);
+  pop_children(s, stacks);
+  job.pulse.add(kOperationsPerAssembled * assembled + kOperationsPerFront + kOperationsPerColumn * width,
+                worker);
+}
+
+void Numeric::assemble_entries(const Job& job, int s) {
+  double* column = panels_.get() + symbolic_.panel[s];
+  std::memset(column, 0,
+              sizeof(double) * static_cast<std::size_t>(symbolic_.panel[s + 1] - symbolic_.panel[s]));
+  for (int j = symbolic_.start[s]; j < symbolic_.start[s + 1]; ++j, column += symbolic_.front(s))
+    for (std::int64_t e = symbolic_.entry_start[j]; e < symbolic_.entry_start[j + 1]; ++e)
+      column[symbolic_.entry_row[e]] += job.values[symbolic_.entry[e]];
+}
+
+/* Adds the columns of the child's contribution that belong to the parent's panel, or those that belong to its square. */
+void Numeric::assemble_child(int child, int parent, double* target, bool to_panel, std::vector<int>& run) {
+  const int rows = symbolic_.below(child), width = symbolic_.width(parent);
+  if (rows == 0) return;
+  const int* const place = symbolic_.relative.data() + symbolic_.row_start[child];
+  const int split = static_cast<int>(std::lower_bound(place, place + rows, width) - place);
+  const int begin = to_panel ? 0 : split, end = to_panel ? split : rows;
+  if (begin == end) return;
+  const int offset = to_panel ? 0 : width, stride = symbolic_.front(parent) - offset;
+  run.clear();  // begins of runs of consecutive places
+  for (int i = begin; i < rows; ++i)
+    if (i == begin || place[i] != place[i - 1] + 1) run.push_back(i);
+  const bool by_runs = static_cast<std::size_t>(rows - begin) >= kRunWorth * run.size();
+  run.push_back(rows);
+  std::size_t current = 0;
+  for (int j = begin; j < end; ++j) {
+    const double* const from = square_[child] + static_cast<std::int64_t>(j) * rows;
+    double* const to = target + static_cast<std::int64_t>(place[j] - offset) * stride - offset;
+    if (!by_runs) {
+      for (int i = j; i < rows; ++i) to[place[i]] += from[i];
+      continue;
+    }
+    while (run[current + 1] <= j) ++current;
+    for (std::size_t k = current; k + 1 < run.size(); ++k) {
+      const int i_begin = std::max(run[k], j), count = run[k + 1] - i_begin;
+      double* const sum = to + place[i_begin];
+      const double* const term = from + i_begin;
+      for (int i = 0; i < count; ++i) sum[i] += term[i];
+    }
+  }
+}
+
+double* Numeric::push(int s, Stacks& stacks) {
+  if (!plan_.is_root.empty() && plan_.is_root[s]) return square_[s];
+  const std::int64_t size = symbolic_.square(s);
+  if (symbolic_.depth[s] % 2 == 0) {
+    square_[s] = stacks.memory.get() + stacks.low;
+    stacks.low += size;
+  } else {
+    stacks.high -= size;
+    square_[s] = stacks.memory.get() + stacks.high;
+  }
+  return square_[s];
+}
+
+void Numeric::pop_children(int s, Stacks& stacks) {
+  for (int c = symbolic_.first_child[s]; c >= 0; c = symbolic_.sibling[c]) {
+    if (!plan_.is_root.empty() && plan_.is_root[c]) continue;
+    if (symbolic_.depth[c] % 2 == 0)
+      stacks.low -= symbolic_.square(c);
+    else
+      stacks.high += symbolic_.square(c);
+  }
+}
+
+}  // namespace tovik::lp::cholesky
