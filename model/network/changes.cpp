@@ -74,6 +74,7 @@ Status copy_network(Environment& env, NetworkProblem& problem, int sense, const 
   fresh->add_nodes(nodes.count, nodes.supply, nodes.names);
   fresh->add_arcs(arcs);
   problem.network = std::move(fresh);
+  problem.structure_changed();
   return {};
 }
 
@@ -87,6 +88,7 @@ Status add_nodes(Environment& env, NetworkProblem& problem, const NewNodes& node
     if (Status s = check_content(env, nodes); !s.ok()) return s;
   }
   network.add_nodes(nodes.count, nodes.supply, nodes.names);
+  problem.structure_changed();
   return {};
 }
 
@@ -102,37 +104,49 @@ Status add_arcs(Environment& env, NetworkProblem& problem, const NewArcs& arcs) 
   }
   if (Status s = check_ends(env, nodes_of(network), arcs.count, arcs.tail, arcs.head); !s.ok()) return s;
   network.add_arcs(arcs);
+  problem.structure_changed();
   return {};
 }
 
 Status delete_nodes(Environment& env, NetworkProblem& problem, int begin, int end) {
   Network& network = *problem.network;
   if (Status s = check_range(env, "TVKNETdelnodes", begin, end, network.num_nodes()); !s.ok()) return s;
-  if (begin <= end) network.delete_nodes(begin, end);
+  if (begin > end) return {};
+  network.delete_nodes(begin, end);
+  problem.structure_changed();
   return {};
 }
 
 Status delete_arcs(Environment& env, NetworkProblem& problem, int begin, int end) {
   Network& network = *problem.network;
   if (Status s = check_range(env, "TVKNETdelarcs", begin, end, network.num_arcs()); !s.ok()) return s;
-  if (begin <= end) network.delete_arcs(begin, end);
+  if (begin > end) return {};
+  network.delete_arcs(begin, end);
+  problem.structure_changed();
   return {};
 }
 
 Status delete_node_set(NetworkProblem& problem, int* delstat) {
   Network& network = *problem.network;
-  return delete_set(network.num_nodes(), delstat, [&](auto marks) { network.delete_marked_nodes(marks); });
+  return delete_set(network.num_nodes(), delstat, [&](auto marks) {
+    network.delete_marked_nodes(marks);
+    problem.structure_changed();
+  });
 }
 
 Status delete_arc_set(NetworkProblem& problem, int* delstat) {
   Network& network = *problem.network;
-  return delete_set(network.num_arcs(), delstat, [&](auto marks) { network.delete_marked_arcs(marks); });
+  return delete_set(network.num_arcs(), delstat, [&](auto marks) {
+    network.delete_marked_arcs(marks);
+    problem.structure_changed();
+  });
 }
 
 Status change_supply(Environment& env, NetworkProblem& problem, const ValueChanges& changes) {
   Network& network = *problem.network;
   if (Status s = check_changes(env, changes, nodes_of(network)); !s.ok()) return s;
   for (int k = 0; k < changes.count; ++k) network.set_supply(changes.indices[k], changes.values[k]);
+  if (changes.count > 0) problem.values_changed();
   return {};
 }
 
@@ -140,6 +154,7 @@ Status change_costs(Environment& env, NetworkProblem& problem, const ValueChange
   Network& network = *problem.network;
   if (Status s = check_changes(env, changes, arcs_of(network)); !s.ok()) return s;
   for (int k = 0; k < changes.count; ++k) network.set_cost(changes.indices[k], changes.values[k]);
+  if (changes.count > 0) problem.values_changed();
   return {};
 }
 
@@ -156,6 +171,7 @@ Status change_arc_bounds(Environment& env, NetworkProblem& problem, const BoundC
       if (const auto value = new_upper_bound(env, changes.bounds[k])) network.set_upper(arc, *value);
     }
   }
+  if (changes.count > 0) problem.values_changed();
   return {};
 }
 
@@ -170,6 +186,7 @@ Status change_arc_ends(Environment& env, NetworkProblem& problem, const EndChang
   if (!ends.ok()) return ends;
   for (int k = 0; k < changes.count; ++k)
     network.set_ends(changes.indices[k], changes.tail[k], changes.head[k]);
+  problem.structure_changed();
   return {};
 }
 

@@ -1,0 +1,123 @@
+#include "lp/network/pricing.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace tovik::lp::network {
+namespace {
+
+int share_of_root(int arcs, double factor, int least) {
+  return std::max(least, static_cast<int>(factor * std::sqrt(static_cast<double>(arcs))));
+}
+
+}  // namespace
+
+Pricing::Pricing(const WorkingArcs& arcs, const std::vector<double>& potential, FlowPricing rule,
+                 double tolerance)
+    : arcs_(arcs),
+      potential_(potential),
+      rule_(rule),
+      tolerance_(tolerance),
+      block_(share_of_root(arcs.count(), 1.0, 20)),
+      list_length_(static_cast<std::size_t>(share_of_root(arcs.count(), 0.25, 10))),
+      minor_limit_(share_of_root(arcs.count(), 0.025, 3)) {
+  if (rule == FlowPricing::sorted_list) list_length_ = 40;
+}
+
+int Pricing::choose() {
+  switch (rule_) {
+    case FlowPricing::candidate_list:
+      return choose_from_list();
+    case FlowPricing::sorted_list:
+      return choose_from_sorted_list();
+    default:
+      return choose_by_blocks();
+  }
+}
+
+/* Visits arcs from position_ on, `count` at a time, until visit() is true after a batch; false when all were seen. */
+template <class Visit>
+bool Pricing::scan(int count, Visit&& visit) {
+  const int all = arcs_.count();
+  for (int seen = 0; seen < all;) {
+    const int batch = std::min({count, all - seen, all - position_});
+    const int end = position_ + batch;
+    work_ += static_cast<std::uint64_t>(batch);
+    seen += batch;
+    const bool done = visit(position_, end);
+    position_ = end == all ? 0 : end;
+    if (done) return true;
+  }
+  return false;
+}
+
+int Pricing::choose_by_blocks() {
+  double best = tolerance_;
+  int arc = kNone;
+  const WorkingArc* const arcs = arcs_.arcs().data();
+  const signed char* const states = arcs_.states().data();
+  const double* const potential = potential_.data();
+  scan(block_, [&](int begin, int end) {
+    for (int a = begin; a < end; ++a) {
+      const double gain = states[a] * (potential[arcs[a].tail] - potential[arcs[a].head] - arcs[a].cost);
+      if (gain > best) {
+        best = gain;
+        arc = a;
+      }
+    }
+    return arc != kNone;
+  });
+  return arc;
+}
+
+/* Looks at the kept arcs again and drops those that have nothing to give. */
+void Pricing::refresh_list() {
+  work_ += list_.size();
+  std::erase_if(list_, [&](Candidate& c) {
+    c.gain = gain(c.arc);
+    return c.gain <= tolerance_;
+  });
+}
+
+int Pricing::choose_from_list() {
+  const auto less = [](const Candidate& a, const Candidate& b) { return a.gain < b.gain; };
+  if (minor_ < minor_limit_) {
+    refresh_list();
+    if (!list_.empty()) {
+      ++minor_;
+      return std::ranges::max_element(list_, less)->arc;
+    }
+  }
+  list_.clear();
+  minor_ = 1;
+  scan(block_, [&](int begin, int end) {
+    for (int a = begin; a < end; ++a)
+      if (const double g = gain(a); g > tolerance_) list_.push_back({g, a});
+    return list_.size() >= list_length_;
+  });
+  return list_.empty() ? kNone : std::ranges::max_element(list_, less)->arc;
+}
+
+int Pricing::choose_from_sorted_list() {
+  refresh_list();
+  scan(block_, [&](int begin, int end) {
+    for (int a = begin; a < end; ++a)
+      if (const double g = gain(a); g > tolerance_) list_.push_back({g, a});
+    return !list_.empty();
+  });
+  if (list_.empty()) return kNone;
+  const auto better = [](const Candidate& a, const Candidate& b) {
+    return a.gain > b.gain || (a.gain == b.gain && a.arc < b.arc);
+  };
+  if (list_.size() > list_length_) {
+    std::ranges::nth_element(list_, list_.begin() + static_cast<std::ptrdiff_t>(list_length_), better);
+    list_.resize(list_length_);
+  }
+  const auto best = std::ranges::min_element(list_, better);
+  const int arc = best->arc;
+  *best = list_.back();
+  list_.pop_back();
+  return arc;
+}
+
+}  // namespace tovik::lp::network

@@ -1,0 +1,182 @@
+#include "lp/network/solve.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "lp/base/sum.h"
+#include "lp/network/flow_simplex.h"
+
+namespace tovik::lp::network {
+namespace {
+
+std::size_t at(int k) {
+  return static_cast<std::size_t>(k);
+}
+
+bool bounds_cross(const FlowProblem& problem, int a, double tolerance) {
+  return problem.lower[at(a)] > problem.upper[at(a)] + tolerance;
+}
+
+/* Flows, statuses and rays of what the simplex leaves; then what follows from them. */
+class AnswerMaker {
+ public:
+  AnswerMaker(const FlowProblem& problem, const FlowOptions& options, FlowAnswer& answer)
+      : problem_(problem), options_(options), answer_(answer) {
+    const std::size_t arcs = at(problem.num_arcs()), nodes = at(problem.num_nodes());
+    answer_.flow.assign(arcs, 0);
+    answer_.reduced_cost.assign(arcs, 0);
+    answer_.basis.arcs.assign(arcs, BasisStatus::lower);
+    answer_.potential.assign(nodes, 0);
+    answer_.basis.nodes.assign(nodes, BasisStatus::basic);
+  }
+
+  void take(const FlowSimplex& simplex) {
+    const WorkingArcs& arcs = simplex.arcs();
+    for (int a = 0; a < arcs.count(); ++a) {
+      add_flow(arcs, a, arcs.original_bound(a));
+      BasisStatus& status = answer_.basis.arcs[at(arcs.origin(a))];
+      if (status != BasisStatus::basic) status = status_of(arcs, a);
+    }
+    const SpanningTree& tree = simplex.tree();
+    for (int v = 0; v < tree.root(); ++v) {
+      const SpanningTree::Node& node = tree[v];
+      if (node.is_artificial()) continue;
+      answer_.basis.nodes[at(v)] = BasisStatus::lower;
+      answer_.basis.arcs[at(arcs.origin(node.arc()))] = BasisStatus::basic;
+      add_flow(arcs, node.arc(), arcs.original_flow(node.arc(), node.points_up() ? node.down : node.up));
+    }
+    take_potentials(simplex);
+    for (const FlowSimplex::RayArc& part : simplex.ray()) {
+      answer_.ray.resize(answer_.flow.size());
+      const bool reversed = arcs.is_reversed(part.arc);
+      answer_.ray[at(arcs.origin(part.arc))] += reversed ? -part.direction : part.direction;
+    }
+  }
+
+  /* All flows at the bounds next to zero. */
+  void take_bounds() {
+    for (int a = 0; a < problem_.num_arcs(); ++a) place(a);
+  }
+
+  void place_loops() {
+    for (int a = 0; a < problem_.num_arcs(); ++a)
+      if (problem_.tail[at(a)] == problem_.head[at(a)]) place_at_better_bound(a);
+  }
+
+  void complete() {
+    CompensatedSum objective;
+    std::vector<CompensatedSum> balance(answer_.potential.size());
+    for (std::size_t i = 0; i < balance.size(); ++i) balance[i].add(problem_.supply[i]);
+    for (std::size_t a = 0; a < answer_.flow.size(); ++a) {
+      const int tail = problem_.tail[a], head = problem_.head[a];
+      answer_.reduced_cost[a] = problem_.cost[a];
+      objective.add_product(problem_.cost[a], answer_.flow[a]);
+      if (tail == head) continue;
+      answer_.reduced_cost[a] += answer_.potential[at(head)] - answer_.potential[at(tail)];
+      if (answer_.basis.arcs[a] == BasisStatus::basic) answer_.reduced_cost[a] = 0;
+      balance[at(tail)].add(-answer_.flow[a]);
+      balance[at(head)].add(answer_.flow[a]);
+    }
+    answer_.objective = objective.value();
+    double worst = 0;
+    for (const CompensatedSum& missing : balance) {
+      const double amount = std::fabs(missing.value());
+      worst = std::max(worst, amount);
+      answer_.infeasibility += amount;
+    }
+    const double allowed = options_.feasibility;
+    answer_.primal_feasible = worst <= allowed && answer_.crossed_arc < 0;
+    if (answer_.primal_feasible && answer_.infeasibility <= allowed) answer_.infeasibility = 0;
+    answer_.dual_feasible = true;
+    for (std::size_t a = 0; a < answer_.flow.size(); ++a) {
+      const double d = answer_.reduced_cost[a];
+      if ((d < -2 * options_.optimality && answer_.flow[a] < problem_.upper[a]) ||
+          (d > 2 * options_.optimality && answer_.flow[a] > problem_.lower[a]))
+        answer_.dual_feasible = false;
+    }
+  }
+
+ private:
+  static BasisStatus status_of(const WorkingArcs& arcs, int a) {
+    if (arcs.is_free(a)) return BasisStatus::free;
+    return (arcs.state(a) < 0) != arcs.is_reversed(a) ? BasisStatus::upper : BasisStatus::lower;
+  }
+
+  void add_flow(const WorkingArcs& arcs, int a, double flow) {
+    double& whole = answer_.flow[at(arcs.origin(a))];
+    whole = arcs.is_free(a) ? whole + flow : flow;
+  }
+
+  /* From the true costs; nodes under the root have none. Those of an infeasible problem are its proof. */
+  void take_potentials(const FlowSimplex& simplex) {
+    const SpanningTree& tree = simplex.tree();
+    const WorkingArcs& arcs = simplex.arcs();
+    if (answer_.outcome == Outcome::infeasible) {
+      for (int v = 0; v < tree.root(); ++v)
+        answer_.farkas.push_back(simplex.potential(v) - simplex.potential(tree.root()));
+    }
+    for (int v = tree[tree.root()].next; v != tree.root(); v = tree[v].next) {
+      const SpanningTree::Node& node = tree[v];
+      if (node.is_artificial()) continue;
+      const int a = node.arc();
+      const double cost =
+          arcs.is_reversed(a) ? -problem_.cost[at(arcs.origin(a))] : problem_.cost[at(arcs.origin(a))];
+      answer_.potential[at(v)] = answer_.potential[at(node.parent)] + (node.points_up() ? cost : -cost);
+    }
+  }
+
+  void place(int a) {
+    const double lower = problem_.lower[at(a)], upper = problem_.upper[at(a)];
+    answer_.flow[at(a)] = lower > -kInf ? lower : upper < kInf ? upper : 0;
+    answer_.basis.arcs[at(a)] = lower > -kInf  ? BasisStatus::lower
+                                : upper < kInf ? BasisStatus::upper
+                                               : BasisStatus::free;
+  }
+
+  /* A loop carries what its cost says and touches no balance. */
+  void place_at_better_bound(int a) {
+    const double cost = problem_.cost[at(a)], lower = problem_.lower[at(a)], upper = problem_.upper[at(a)];
+    place(a);
+    if (std::fabs(cost) <= options_.optimality) return;
+    const double wanted = cost < 0 ? upper : lower;
+    if (std::isfinite(wanted)) {
+      answer_.flow[at(a)] = wanted;
+      answer_.basis.arcs[at(a)] = cost < 0 ? BasisStatus::upper : BasisStatus::lower;
+    } else if (answer_.outcome == Outcome::optimal) {
+      answer_.outcome = Outcome::unbounded;
+      answer_.ray.assign(answer_.flow.size(), 0);
+      answer_.ray[at(a)] = cost < 0 ? 1 : -1;
+    }
+  }
+
+  const FlowProblem& problem_;
+  const FlowOptions& options_;
+  FlowAnswer& answer_;
+};
+
+}  // namespace
+
+FlowAnswer solve(const FlowProblem& problem, const FlowBasis& start, const FlowOptions& options,
+                 Control& control, FlowObserver* observer) {
+  FlowAnswer answer;
+  AnswerMaker maker(problem, options, answer);
+  for (int a = 0; a < problem.num_arcs() && answer.crossed_arc < 0; ++a)
+    if (bounds_cross(problem, a, options.feasibility)) answer.crossed_arc = a;
+  if (answer.crossed_arc >= 0) {
+    answer.outcome = Outcome::infeasible;
+    maker.take_bounds();
+  } else {
+    FlowSimplex simplex(problem, start, options, control, observer);
+    answer.outcome = simplex.run();
+    answer.iterations = simplex.iterations();
+    answer.phase1_iterations = simplex.is_feasible() ? simplex.phase1_iterations() : simplex.iterations();
+    maker.take(simplex);
+    maker.place_loops();
+  }
+  maker.complete();
+  if (answer.outcome == Outcome::optimal && !(answer.primal_feasible && answer.dual_feasible))
+    answer.outcome = Outcome::numerical_failure;
+  return answer;
+}
+
+}  // namespace tovik::lp::network
