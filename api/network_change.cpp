@@ -75,7 +75,9 @@ int TVKNETchgarcends(ConstEnvHandle env, NetProbHandle net, int cnt, const int* 
 
 int TVKNETchgobjsen(ConstEnvHandle env, NetProbHandle net, int objsense) {
   return with_network(env, net, [&](Environment&, NetworkProblem& p) -> Status {
-    p.network->set_objective_sense(objsense < 0 ? -1 : 1);
+    const int sense = objsense < 0 ? -1 : 1;
+    if (sense != p.network->objective_sense()) p.values_changed();
+    p.network->set_objective_sense(sense);
     return {};
   });
 }

@@ -41,7 +41,7 @@ const std::vector<Shorthand>& shorthands() {
       {"--ticks", "--ticks", "Limit on deterministic work, in ticks", {kTickLimit}},
       {"--threads",
        "--threads",
-       "Most threads to use; 0, or more than there are: all processors (in this version one works)",
+       "Most threads to use; 0, or more than there are: all processors (the concurrent method only)",
        {"THREADS"}},
       {"--nodes", "--nodes", "Nodes that a mixed-integer search may process", {"NODELIM"}},
       {"--gap", "--gap", "Relative gap at which a mixed-integer search may end", {"EPGAP"}},
@@ -90,8 +90,7 @@ void add_parameter_options(CLI::App& app, Options& options) {
                       options.assignments.push_back({shorthand.origin, name, value});
                   });
   }
-  add_assigning(app, "--method", "NAME",
-                "auto, primal, dual or sifting; network and barrier run the dual, concurrent is auto",
+  add_assigning(app, "--method", "NAME", "auto, primal, dual, network, barrier, sifting or concurrent",
                 [&options](const std::string& name) {
                   const auto method = methods().find(CLI::detail::to_lower(name));
                   if (method == methods().end())

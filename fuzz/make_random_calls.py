@@ -16,7 +16,7 @@ LEFT_OUT = {
 
 # Number of items that begin..end, indices and marks of a routine speak of.
 ITEMS = [
-    (r"NET.*(node|supply)", "nodes"), (r"NET", "arcs"), (r"sos", "sets"), (r"indconstr", "indicators"),
+    (r"NET.*(node|supply|getpi|getslack)", "nodes"), (r"NET", "arcs"), (r"sos", "sets"), (r"indconstr", "indicators"),
     (r"usercut", "user_cuts"), (r"lazyconstraint", "lazy_constraints"), (r"mipstart", "starts"),
     (r"qconstr", "quadratic_rows"),
     (r"(getpi|getslack|getax|rowinfeas|rows|getrhs|chgrhs|sense|rngval|rowname|rhssens|baseinv|tableaurow|origrowind|pivotin)$",
@@ -55,6 +55,7 @@ SIZED = [
     (r"TVKgetprestat", "ocstat", "reduced_columns"), (r"TVKgetprestat", "orstat", "reduced_rows"),
     (r"TVKgetcallbackbranchconstraints", "rhs|sense|rmatbeg|rmatind|rmatval", "columns"),
     (r"TVKgetbasehead", "x|head", "rows"), (r"TVKgetdnorms", "norm|head", "rows"),
+    (r"TVKNET", "astat|x|dj", "arcs"), (r"TVKNET", "nstat|pi|slack", "nodes"),
     (r"", "cstat|pcstat|cprim|cdual|dj|x|ray|columns|qsepvec|qmatbeg|qmatcnt|ctype", "columns"),
     (r"", "rstat|prstat|rprim|rdual|pi|slack|dnorm|row|column|slacks|vector|y", "rows"),
 ]

@@ -23,7 +23,7 @@ extern "C" {
  *   a model, at once      TVKreadcopyprob, TVKcopylp, TVKcopylpwnames; TVKgetreadwarnings
  *   ... and in pieces     TVKnewcols, TVKnewrows, TVKaddcols, TVKaddrows, TVKchgcoef, TVKchgbds, TVKchgobj, TVKchgrhs
  *   integers and more     TVKcopyctype, TVKaddsos, TVKEaddindconstr, TVKaddlazyconstraints, TVKaddusercuts, TVKaddmipstarts
- *   solve                 TVKlpopt, TVKdualopt, TVKprimopt, TVKsiftopt; TVKmipopt; TVKpresolve
+ *   solve                 TVKlpopt, TVKdualopt, TVKprimopt, TVKsiftopt, TVKbaropt; TVKmipopt; TVKNETprimopt; TVKpresolve
  *   the answer            TVKgetstat, TVKsolution, TVKgetobjval, TVKgetx, TVKgetpi, TVKgetdj, TVKgetslack, TVKsolninfo
  *   why there is none     TVKgetfarkas, TVKgetray, TVKgetquality, TVKgetrowinfeas, TVKgetcolinfeas
  *   what if               TVKgetobjsens, TVKgetrhssens, TVKgetboundsens, TVKgetsensobjval
@@ -496,12 +496,15 @@ TVK_API int TVKsetinfocallbackfunc(EnvHandle env,
 TVK_API int TVKgetinfocallbackfunc(ConstEnvHandle env, int (**func_p)(ConstEnvHandle, void *, int, void *),
                                    void **handle_p);
 
-/* Registered and read back only: no optimizer calls them. */
+/* TVKNETprimopt calls it at each iteration with `wherefrom` 3 and, as `cbdata`, what TVKgetcallbackinfo takes; the items are
+ * those of the simplex. A result other than 0 stops the optimization with status TVK_STATUS_USER_ABORT. */
 TVK_API int TVKsetnetcallbackfunc(EnvHandle env,
                                   int (*func)(ConstEnvHandle env, void *cbdata, int wherefrom, void *handle),
                                   void *handle);
 TVK_API int TVKgetnetcallbackfunc(ConstEnvHandle env, int (**func_p)(ConstEnvHandle, void *, int, void *),
                                   void **handle_p);
+
+/* Registered and read back only: no optimizer calls it. */
 TVK_API int TVKsettuningcallbackfunc(EnvHandle env,
                                      int (*func)(ConstEnvHandle env, void *cbdata, int wherefrom, void *handle),
                                      void *handle);
@@ -1089,7 +1092,7 @@ TVK_API int TVKgetticks(ConstEnvHandle env, ConstProbHandle lp, double *ticks_p)
 #define TVK_PARAM_SIMDISPLAY             1019 /* int 1, 0 to 2 */
 #define TVK_PARAM_ITLIM                  1020 /* int 2100000000, 0 to 2100000000 */
 #define TVK_PARAM_ROWREADLIM             1021 /* int 30000, 0 to 524999999; stored only */
-#define TVK_PARAM_NETFIND                1022 /* int 2, 1 to 3; stored only */
+#define TVK_PARAM_NETFIND                1022 /* int 2, 1 to 3 */
 #define TVK_PARAM_COLREADLIM             1023 /* int 60000, 0 to 524999999; stored only */
 #define TVK_PARAM_NZREADLIM              1024 /* int 250000, 0 to 524999999; stored only */
 #define TVK_PARAM_OBJLLIM                1025 /* double -1e75, any */
@@ -1114,7 +1117,7 @@ TVK_API int TVKgetticks(ConstEnvHandle env, ConstProbHandle lp, double *ticks_p)
 #define TVK_PARAM_QPMETHOD               1063 /* int 0, 0 to 6; stored only */
 #define TVK_PARAM_WORKDIR                1064 /* string "."; stored only */
 #define TVK_PARAM_WORKMEM                1065 /* double 128, 0 to 1e75; stored only */
-#define TVK_PARAM_THREADS                1067 /* int 0, from 0; stored only */
+#define TVK_PARAM_THREADS                1067 /* int 0, from 0 */
 #define TVK_PARAM_CONFLICTDISPLAY        1074 /* int 1, 0 to 2; stored only */
 #define TVK_PARAM_SIFTDISPLAY            1076 /* int 1, 0 to 2; stored only */
 #define TVK_PARAM_SIFTALG                1077 /* int 0, 0 to 4; stored only */
@@ -1123,7 +1126,7 @@ TVK_API int TVKgetticks(ConstEnvHandle env, ConstProbHandle lp, double *ticks_p)
 #define TVK_PARAM_MEMORYEMPHASIS         1082 /* int 0, 0 to 1 */
 #define TVK_PARAM_NUMERICALEMPHASIS      1083 /* int 0, 0 to 1; stored only */
 #define TVK_PARAM_FEASOPTMODE            1084 /* int 0, 0 to 5; stored only */
-#define TVK_PARAM_PARALLELMODE           1109 /* int 0, -1 to 1; stored only */
+#define TVK_PARAM_PARALLELMODE           1109 /* int 0, -1 to 1 */
 #define TVK_PARAM_TUNINGMEASURE          1110 /* int 1, 1 to 2; stored only */
 #define TVK_PARAM_TUNINGREPEAT           1111 /* int 1, 1 to 2100000000; stored only */
 #define TVK_PARAM_TUNINGTILIM            1112 /* double 10000, 1 to 1e75; stored only */
@@ -1209,27 +1212,27 @@ TVK_API int TVKgetticks(ConstEnvHandle env, ConstProbHandle lp, double *ticks_p)
 #define TVK_PARAM_MIPKAPPASTATS          2137 /* int 0, -1 to 2; stored only */
 #define TVK_PARAM_AUXROOTTHREADS         2139 /* int 0, from -1; stored only */
 /* Barrier optimizer: 3001-3034 */
-#define TVK_PARAM_BAREPCOMP              3002 /* double 1e-8, 1e-12 to 1e75; stored only */
-#define TVK_PARAM_BARGROWTH              3003 /* double 1e12, 1 to 1e75; stored only */
-#define TVK_PARAM_BAROBJRNG              3004 /* double 1e20, 0 to 1e75; stored only */
-#define TVK_PARAM_BARALG                 3007 /* int 0, 0 to 3; stored only */
-#define TVK_PARAM_BARCOLNZ               3009 /* int 0, 0 to 2100000000; stored only */
-#define TVK_PARAM_BARDISPLAY             3010 /* int 1, 0 to 2; stored only */
-#define TVK_PARAM_BARITLIM               3012 /* int 2100000000, 0 to 2100000000; stored only */
-#define TVK_PARAM_BARMAXCOR              3013 /* int -1, -1 to 2100000000; stored only */
-#define TVK_PARAM_BARORDER               3014 /* int 0, 0 to 3; stored only */
-#define TVK_PARAM_BARSTARTALG            3017 /* int 1, 1 to 4; stored only */
-#define TVK_PARAM_BARCROSSALG            3018 /* int 0, -1 to 2; stored only */
+#define TVK_PARAM_BAREPCOMP              3002 /* double 1e-8, 1e-12 to 1e75 */
+#define TVK_PARAM_BARGROWTH              3003 /* double 1e12, 1 to 1e75 */
+#define TVK_PARAM_BAROBJRNG              3004 /* double 1e20, 0 to 1e75 */
+#define TVK_PARAM_BARALG                 3007 /* int 0, 0 to 3 */
+#define TVK_PARAM_BARCOLNZ               3009 /* int 0, 0 to 2100000000 */
+#define TVK_PARAM_BARDISPLAY             3010 /* int 1, 0 to 2 */
+#define TVK_PARAM_BARITLIM               3012 /* int 2100000000, 0 to 2100000000 */
+#define TVK_PARAM_BARMAXCOR              3013 /* int -1, -1 to 2100000000 */
+#define TVK_PARAM_BARORDER               3014 /* int 0, 0 to 3 */
+#define TVK_PARAM_BARSTARTALG            3017 /* int 1, 1 to 4 */
+#define TVK_PARAM_BARCROSSALG            3018 /* int 0, -1 to 2 */
 #define TVK_PARAM_BARQCPEPCOMP           3020 /* double 1e-7, 1e-12 to 1e75; stored only */
 /* Quadratic programs: 4001-4010 */
 #define TVK_PARAM_QPNZREADLIM            4001 /* int 5000, 0 to 524999999; stored only */
 #define TVK_PARAM_QPMAKEPSDIND           4010 /* int 1, 0 to 1; stored only */
 /* Network optimizer: 5001-5005 */
-#define TVK_PARAM_NETITLIM               5001 /* int 2100000000, 0 to 2100000000; stored only */
-#define TVK_PARAM_NETEPOPT               5002 /* double 1e-6, 1e-11 to 0.1; stored only */
-#define TVK_PARAM_NETEPRHS               5003 /* double 1e-6, 1e-11 to 0.1; stored only */
-#define TVK_PARAM_NETPPRIIND             5004 /* int 0, 0 to 3; stored only */
-#define TVK_PARAM_NETDISPLAY             5005 /* int 2, 0 to 2; stored only */
+#define TVK_PARAM_NETITLIM               5001 /* int 2100000000, 0 to 2100000000 */
+#define TVK_PARAM_NETEPOPT               5002 /* double 1e-6, 1e-11 to 0.1 */
+#define TVK_PARAM_NETEPRHS               5003 /* double 1e-6, 1e-11 to 0.1 */
+#define TVK_PARAM_NETPPRIIND             5004 /* int 0, 0 to 3 */
+#define TVK_PARAM_NETDISPLAY             5005 /* int 2, 0 to 2 */
 
 /* Type codes that TVKgetparamtype answers. */
 #define TVK_PARAMTYPE_NONE 0   /* no parameter has this number */
@@ -1677,8 +1680,8 @@ TVK_API int TVKgetqconstrindex(ConstEnvHandle env, ConstProbHandle lp, const cha
  *     int tail[] = {0, 1, 0}, head[] = {1, 2, 2};
  *     NetProbHandle net = TVKNETcreateprob(env, &status, "shipping");
  *     TVKNETcopynet(env, net, TVK_MIN, 3, supply, NULL, 3, tail, head, cost, NULL, ub, NULL);
- *     TVKcopynettolp(env, lp, net);
- *     TVKlpopt(env, lp);             // 3 units through node 1, 1 unit directly: 11
+ *     TVKNETprimopt(env, net);       // 3 units through node 1, 1 unit directly: 11
+ *     TVKNETgetx(env, net, flow, 0, 2);
  *     TVKNETfreeprob(env, &net); */
 
 /* Creates an empty network (minimize); frees one and sets `*net_p` to null. Codes as in TVKcreateprob, TVKfreeprob. */
@@ -1746,6 +1749,38 @@ TVK_API int TVKNETgetarcname(ConstEnvHandle env, ConstNetProbHandle net, char **
 TVK_API int TVKNETgetnodeindex(ConstEnvHandle env, ConstNetProbHandle net, const char *name, int *index_p);
 TVK_API int TVKNETgetarcindex(ConstEnvHandle env, ConstNetProbHandle net, const char *name, int *index_p);
 TVK_API int TVKNETgetprobname(ConstEnvHandle env, ConstNetProbHandle net, char *buffer, int space, int *surplus_p);
+
+/* Solves the network by the network simplex, from its basis where it has one and TVK_PARAM_ADVIND is not 0. Parameters:
+ * TVK_PARAM_NETPPRIIND, NETEPOPT, NETEPRHS, NETITLIM, NETDISPLAY, TILIM; TVKsetterminate and TVKsetnetcallbackfunc stop it.
+ * Flows are whole where supplies and bounds are whole and costs too. Errors: 1225, 1233 data that are no numbers.
+ *
+ *     TVKNETprimopt(env, net);
+ *     if (TVKNETgetstat(env, net) == TVK_STATUS_OPTIMAL) TVKNETgetx(env, net, flow, 0, TVKNETgetnumarcs(env, net) - 1); */
+TVK_API int TVKNETprimopt(ConstEnvHandle env, NetProbHandle net);
+
+/* The answer, as TVKgetstat, TVKsolution, TVKsolninfo and their kin for problems: statuses 1, 2, 3, 6, 10, 11, 900 and 13. Values
+ * are there after every optimization until the network changes (1217 else): x is the flow of each arc, pi the potential of
+ * each node (change of the objective value per unit of supply), slack what a node's balance misses of its supply,
+ * dj = obj - pi[tail] + pi[head]. */
+TVK_API int TVKNETgetstat(ConstEnvHandle env, ConstNetProbHandle net);
+TVK_API int TVKNETsolution(ConstEnvHandle env, ConstNetProbHandle net, int *netstat_p, double *objval_p, double *x,
+                           double *pi, double *slack, double *dj);
+TVK_API int TVKNETsolninfo(ConstEnvHandle env, ConstNetProbHandle net, int *pfeasind_p, int *dfeasind_p);
+TVK_API int TVKNETgetobjval(ConstEnvHandle env, ConstNetProbHandle net, double *objval_p);
+TVK_API int TVKNETgetx(ConstEnvHandle env, ConstNetProbHandle net, double *x, int begin, int end);
+TVK_API int TVKNETgetpi(ConstEnvHandle env, ConstNetProbHandle net, double *pi, int begin, int end);
+TVK_API int TVKNETgetslack(ConstEnvHandle env, ConstNetProbHandle net, double *slack, int begin, int end);
+TVK_API int TVKNETgetdj(ConstEnvHandle env, ConstNetProbHandle net, double *dj, int begin, int end);
+/* Iterations of the last optimization, and those until its flow was feasible; 0 after an error. */
+TVK_API int TVKNETgetitcnt(ConstEnvHandle env, ConstNetProbHandle net);
+TVK_API int TVKNETgetphase1cnt(ConstEnvHandle env, ConstNetProbHandle net);
+
+/* The basis that the next optimization starts from, one status for each arc (astat) and node (nstat), as for columns and
+ * rows: a basic node is one without an arc above it in the tree. It stays while nodes and arcs and their ends do. Any
+ * statuses are accepted; the optimizer completes what is no tree. Errors: 1262 no basis; 1004; 1253 an entry outside
+ * 0..3. The arrays of TVKNETgetbase may be null. */
+TVK_API int TVKNETgetbase(ConstEnvHandle env, ConstNetProbHandle net, int *astat, int *nstat);
+TVK_API int TVKNETcopybase(ConstEnvHandle env, NetProbHandle net, const int *astat, const int *nstat);
 
 /* ==== Section: files ==== */
 
@@ -2024,13 +2059,16 @@ TVK_API int TVKreadcopymipstarts(ConstEnvHandle env, ProbHandle lp, const char *
 
 /* ==== Section: optimizers, bases, rays, sensitivity, quality ==== */
 
-/* Optimizes a continuous linear problem by the method that TVK_PARAM_LPMETHOD names: 0 and 6 automatic, 1 primal simplex, 2 dual
- * simplex, 5 sifting; 3 and 4 run the dual simplex. Leaves a solution and its status in the problem (TVKgetstat, TVKsolution): a
- * limit, infeasibility and unboundedness are statuses, not errors. Starts from the problem's basis when TVK_PARAM_ADVIND is
- * not 0. Without one, or with TVK_PARAM_ADVIND 0 or 2, and while TVK_PARAM_PREIND is 1, a smaller problem is made and solved
- * first (see Presolve); solution and basis are those of the problem itself. Errors: 1017 mixed-integer, 1018 and 1031
- * quadratic problems, 1225 and 1233 data that is not a number or infinite (found here when the data check was off), 1256
- * singular beyond repair, 1001. */
+/* Optimizes a continuous linear problem by the method that TVK_PARAM_LPMETHOD names: 0 automatic, 1 primal simplex, 2 dual
+ * simplex, 4 barrier with the crossover of TVK_PARAM_BARCROSSALG, 5 sifting, 6 several at once, each on a thread, of which the first
+ * to come to a conclusion counts; 3 as TVKhybnetopt with 'd'. With two threads or more (TVK_PARAM_THREADS; by default as many as
+ * the machine has) automatic is 6, unless TVK_PARAM_MEMORYEMPHASIS is 1: a simplex begins, and barrier joins it after a while;
+ * TVK_PARAM_PARALLELMODE 0 and 1 repeat digit for digit, -1 is faster by the clock. Leaves a solution and its
+ * status in the problem (TVKgetstat, TVKsolution): a limit, infeasibility and unboundedness are statuses, not errors. Starts
+ * from the problem's basis when TVK_PARAM_ADVIND is not 0. Without one, or with TVK_PARAM_ADVIND 0 or 2, and while
+ * TVK_PARAM_PREIND is 1, a smaller problem is made and solved first (see Presolve); solution and basis are those of the problem
+ * itself. Errors: 1017 mixed-integer, 1018 and 1031 quadratic problems, 1225 and 1233 data that is not a number or infinite
+ * (found here when the data check was off), 1256 singular beyond repair, 1234 no thread for 6, 1001. */
 TVK_API int TVKlpopt(ConstEnvHandle env, ProbHandle lp);
 
 /* Primal and dual simplex; otherwise as TVKlpopt. */
@@ -2041,6 +2079,24 @@ TVK_API int TVKdualopt(ConstEnvHandle env, ProbHandle lp);
  * out, then the primal simplex makes sure of the answer; otherwise as TVKlpopt. For problems with many more columns than
  * rows; TVKlpopt begins like this by itself where it promises much. */
 TVK_API int TVKsiftopt(ConstEnvHandle env, ProbHandle lp);
+
+/* Interior point method, without crossover whatever TVK_PARAM_BARCROSSALG says: the solution has values and duals (type 2 of
+ * TVKsolninfo) and no basis, so that routines that need one fail with 1262 (1550 for basis files). Presolves while
+ * TVK_PARAM_PREIND is 1. Statuses besides those of TVKlpopt: 20 unbounded optimal face, 21 and 22 objective beyond
+ * TVK_PARAM_BAROBJRNG, 5 optimal but for violations of absolute size; 6 where no progress was made, with the best point.
+ * Otherwise as TVKlpopt. */
+TVK_API int TVKbaropt(ConstEnvHandle env, ProbHandle lp);
+
+/* The same, and then the crossover that `method` asks for: -1 or 'n' none; 1, 'o', 'O', 'p' or 'P' primal; 2, 'd', 'D', 't'
+ * or 'T' dual; 0 as TVK_PARAM_BARCROSSALG says, whose 0 is primal. With crossover the solution is basic. Errors besides
+ * those of TVKlpopt: 1292 another method. */
+TVK_API int TVKhybbaropt(ConstEnvHandle env, ProbHandle lp, int method);
+
+/* The network in the problem, as TVK_PARAM_NETFIND says what counts as one, is solved by the network simplex, and the simplex
+ * algorithm `method` goes on from its basis with the whole problem: 1, 'o', 'O', 'p', 'P' primal; 2, 'd', 'D', 't', 'T' dual.
+ * The parameters of the network optimizer steer the first part, which reports how it ended where TVK_PARAM_NETDISPLAY is not 0.
+ * Otherwise as TVKlpopt, and 1292 for any other method. */
+TVK_API int TVKhybnetopt(ConstEnvHandle env, ProbHandle lp, int method);
 
 /* Solves a mixed-integer linear problem (type 1; else 3003, 1018 or 9002 for quadratic parts) by branch and cut, with the
  * node log on the results channel (TVK_PARAM_MIPDISPLAY, TVK_PARAM_MIPINTERVAL). Integer columns, semi-continuous and

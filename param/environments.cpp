@@ -27,20 +27,27 @@ Status open_environment(std::unique_ptr<Environment>& opened) {
   return 0;
 }
 
+Status open_clone(Environment& master, std::unique_ptr<Environment>& opened) {
+  auto clone = std::make_unique<Environment>();
+  if (Status status = install(*clone); !status.ok()) return status;
+  clone->settings = master.settings;
+  clone->callbacks = master.callbacks;
+  clone->binding_handle = master.binding_handle;
+  /* It counts for itself, from where the master stands, so that tick deadlines compare and no two threads write one
+   * counter. */
+  clone->own_work = *master.work;
+  clone->ready = true;
+  opened = std::move(clone);
+  return 0;
+}
+
 Status open_child(Environment& parent, Environment*& opened) {
   if (parent.parent != nullptr) return TVK_ERROR_CHILD_OF_CHILD;
   if (parent.children.size() >= static_cast<std::size_t>(thread_limit())) return TVK_ERROR_THREAD_LIMIT;
-  auto child = std::make_unique<Environment>();
-  if (Status status = install(*child); !status.ok()) return status;
-  child->settings = parent.settings;
-  child->callbacks = parent.callbacks;
-  child->binding_handle = parent.binding_handle;
+  std::unique_ptr<Environment> child;
+  if (Status status = open_clone(parent, child); !status.ok()) return status;
   child->parent = &parent;
   child->thread_number = free_thread_number(parent);
-  /* The child counts for itself, from where the parent stands, so that tick deadlines compare and no two
-   * threads write one counter. */
-  child->own_work = *parent.work;
-  child->ready = true;
   opened = child.get();
   parent.children.push_back(std::move(child));
   return 0;

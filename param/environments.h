@@ -14,4 +14,8 @@ Status open_environment(std::unique_ptr<Environment>& opened);
  * where the parent has as many as the machine has threads. */
 Status open_child(Environment& parent, Environment*& opened);
 
+/* One that its opener owns, for a thread of an optimizer: with settings and callbacks of the master and a counter of its
+ * own, which begins where the master's stands. */
+Status open_clone(Environment& master, std::unique_ptr<Environment>& opened);
+
 }  // namespace tovik::param

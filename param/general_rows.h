@@ -41,9 +41,9 @@ inline constexpr auto kGeneral = std::to_array<Entry>({
     integer(NAMED(ITLIM), kUnlimited, 0, kUnlimited,
             "Largest number of simplex iterations of one optimization"),
     unused(integer(NAMED(ROWREADLIM), 30000, 0, kReadLimit, "Rows that a reader is expected to meet")),
-    unused(integer(
+    integer(
         NAMED(NETFIND), 2, 1, 3,
-        "Which network the network method extracts: 1 natural, 2 with reflected rows, 3 with scaled rows")),
+        "Which network the network method extracts: 1 natural, 2 with reflected rows, 3 with scaled rows"),
     unused(integer(NAMED(COLREADLIM), 60000, 0, kReadLimit, "Columns that a reader is expected to meet")),
     unused(
         integer(NAMED(NZREADLIM), 250000, 0, kReadLimit, "Matrix entries that a reader is expected to meet")),
@@ -95,10 +95,9 @@ inline constexpr auto kGeneral = std::to_array<Entry>({
     hidden_integer(1059),
     hidden_integer(1060),
     hidden_integer(1061),
-    integer(
-        NAMED(LPMETHOD), 0, 0, 6,
-        "Method for linear programs: 0 and 6 automatic, 1 primal, 2 dual, 5 sifting; 3 network and 4 barrier "
-        "run the dual in this version"),
+    integer(NAMED(LPMETHOD), 0, 0, 6,
+            "Method for linear programs: 0 automatic, 1 primal, 2 dual, 4 barrier, 5 sifting, 6 concurrent; "
+            "3 network runs the dual in this version"),
     unused(integer(
         NAMED(QPMETHOD), 0, 0, 6,
         "Method for quadratic programs: 0 automatic, 1 primal, 2 dual, 3 network, 4 barrier, 5 sifting, "
@@ -106,8 +105,8 @@ inline constexpr auto kGeneral = std::to_array<Entry>({
     unused(text(NAMED(WORKDIR), ".", "Directory for temporary files")),
     unused(real(NAMED(WORKMEM), 128, 0, 1e75, "Working storage before data moves to files, in megabytes")),
     hidden_real(1066),
-    unused(integer(NAMED(THREADS), 0, 0, Ceiling::threads,
-                   "Threads of a parallel optimization: 0 as many as the machine has")),
+    integer(NAMED(THREADS), 0, 0, Ceiling::threads,
+            "Threads of a parallel optimization: 0 as many as the machine has"),
     hidden_text(1068),
     hidden_integer(1069),
     hidden_integer(1070),
@@ -151,8 +150,7 @@ inline constexpr auto kGeneral = std::to_array<Entry>({
     hidden_integer(1106),
     hidden_integer(1107),
     hidden_integer(kReadCheckSecond, 0, 0, 1),
-    unused(integer(NAMED(PARALLELMODE), 0, -1, 1,
-                   "Parallel runs: -1 opportunistic, 0 automatic, 1 deterministic")),
+    integer(NAMED(PARALLELMODE), 0, -1, 1, "Concurrent runs: -1 opportunistic, 0 and 1 deterministic"),
     unused(integer(NAMED(TUNINGMEASURE), 1, 1, 2,
                    "Tuning goal over several models: 1 mean time, 2 largest time")),
     unused(integer(NAMED(TUNINGREPEAT), 1, 1, kUnlimited,

@@ -101,19 +101,12 @@ def find_solvers(names, tovik, highs, folder):
         if name == "tovik":
             solvers.append(MixedTovik(tovik))
             continue
-        program = shutil.which("cbc") if name == "cbc" else _find_highs(highs, folder)
+        program = shutil.which("cbc") if name == "cbc" else find_highs(highs, folder)
         if program:
             solvers.append((Cbc if name == "cbc" else Highs)(program))
         else:
             missing.append(name)
     return solvers, missing
-
-
-def _find_highs(given, folder):
-    """As given, $HIGHS, in a folder `peers` beside one that holds the models, on the PATH."""
-    beside = [parent / "peers" / "highs" for parent in Path(folder).resolve().parents]
-    candidates = [given, os.environ.get("HIGHS"), *beside, shutil.which("highs")]
-    return next((str(Path(c).resolve()) for c in candidates if c and Path(c).is_file()), None)
 
 
 def _value(text):

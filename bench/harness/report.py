@@ -91,13 +91,19 @@ def _means(results, settings, kind):
         iterations = sum(runs[name].iterations or 0 for _, runs in results)
         lines.append(f"{name:>8}: {right} of {len(results)} answered right, shifted mean {shifted_mean(times):.4f} s, "
                      f"sum {sum(times):.1f} s, {iterations} iterations")
-    if len(names) == 2:
-        comparable = [(model, runs) for model, runs in results if verdict(model, runs[names[1]]) in ("", "limit")]
-        hard = [(model, runs) for model, runs in comparable if charged(model, runs[names[1]], settings, kind) > HARD_SECONDS]
-        for label, part in ((f"all models that {names[1]} answers right or runs out of time on", comparable), (f"models where {names[1]} needs > {HARD_SECONDS:g} s", hard)):
-            if part:
-                ours, peer = ([charged(model, runs[name], settings, kind) for model, runs in part] for name in names)
-                lines.append(f"   ratio: {shifted_mean(ours) / max(shifted_mean(peer), 1e-9):.3f} over {label} ({len(part)})")
+    if len(names) < 2:
+        return lines
+    # Several peers: the fastest of those that are right, model by model.
+    fastest = {model.name: min(charged(model, runs[name], settings, kind) for name in names[1:]) for model, runs in results}
+    comparable = [(model, runs) for model, runs in results
+                  if any(verdict(model, runs[name]) in ("", "limit") for name in names[1:])]
+    hard = [(model, runs) for model, runs in comparable if fastest[model.name] > HARD_SECONDS]
+    peers = names[1] if len(names) == 2 else "the better of " + ", ".join(names[1:])
+    for label, part in ((f"all models that {peers} answers right or runs out of time on", comparable), (f"models where {peers} needs > {HARD_SECONDS:g} s", hard)):
+        if part:
+            ours = [charged(model, runs[names[0]], settings, kind) for model, runs in part]
+            peer = [fastest[model.name] for model, _ in part]
+            lines.append(f"   ratio: {shifted_mean(ours) / max(shifted_mean(peer), 1e-9):.3f} over {label} ({len(part)})")
     return lines
 
 

@@ -156,15 +156,58 @@ class Clp(Solver):
             run.note = _last_line(out)
 
 
-def find_solvers(only_tovik, only_clp, tovik_path):
-    solvers = []
-    if not only_clp:
-        solvers.append(Tovik(tovik_path))
-    if not only_tovik:
-        clp = shutil.which("clp")
-        if clp:
-            solvers.append(Clp(clp))
-    return solvers
+class Highs(Solver):
+    """HiGHS with one of its LP solvers; integer marks are ignored. Its time limit is wall clock: where processor time counts it is stopped from outside."""
+
+    stops_itself = False
+    _STATUS = {"Optimal": "optimal", "Infeasible": "infeasible", "Unbounded": "unbounded",
+               "Primal infeasible or unbounded": "inf-or-unbd", "Time limit reached": "limit"}
+
+    def __init__(self, program, algorithm):
+        self.program = program
+        self.name = self.algorithm = algorithm
+        handle, self.options = tempfile.mkstemp(prefix="highs-", suffix=".options")
+        with os.fdopen(handle, "w") as stream:
+            stream.write(f"threads = 1\nparallel = off\nsolve_relaxation = true\nlog_file = {os.devnull}\n")
+
+    def command(self, path, model, settings):
+        command = [self.program, "--options_file", self.options, "--solver", self.algorithm]
+        if not settings.cpu_clock:
+            command += ["--time_limit", f"{settings.limit:g}"]
+        if settings.presolve != "default":
+            command += ["--presolve", settings.presolve]
+        return command + [str(path)]
+
+    def read(self, run, out, err):
+        found = re.search(r"^Model status\s*: (.*?)\s*$", out, re.MULTILINE)
+        run.status = self._STATUS.get(found.group(1), "numerical") if found else "error"
+        found = re.search(r"^Objective value\s*:\s*(\S+)", out, re.MULTILINE)
+        if found and run.status == "optimal":
+            run.objective = float(found.group(1))
+        counts = re.findall(r"^(?:Simplex|IPM|Crossover)\s+iterations: (\d+)", out, re.MULTILINE)
+        run.iterations = sum(map(int, counts)) if counts else None
+
+
+def find_highs(given, folder):
+    """As given, $HIGHS, in a folder `peers` beside one that holds the models, on the PATH."""
+    beside = [parent / "peers" / "highs" for parent in Path(folder).resolve().parents]
+    candidates = [given, os.environ.get("HIGHS"), *beside, shutil.which("highs")]
+    return next((str(Path(c).resolve()) for c in candidates if c and Path(c).is_file()), None)
+
+
+def find_solvers(names, tovik_path, folder):
+    """Those of `names` that are installed, in their order; the names of those that are not."""
+    solvers, missing = [], []
+    for name in names:
+        if name == "tovik":
+            solvers.append(Tovik(tovik_path))
+            continue
+        program = shutil.which("clp") if name == "clp" else find_highs(None, folder)
+        if program:
+            solvers.append(Clp(program) if name == "clp" else Highs(program, name))
+        else:
+            missing.append(name)
+    return solvers, missing
 
 
 def solve(model, programs, settings, repeat, kind):

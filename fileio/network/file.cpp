@@ -43,6 +43,7 @@ Status read_network_file(Environment& env, NetworkProblem& problem, const char* 
   std::string title = std::move(data.problem_name);
   if (title.empty()) title = name;
   problem.network = std::make_unique<model::Network>(std::move(data));
+  problem.structure_changed();
   problem.name.swap(title);
   return {};
 }

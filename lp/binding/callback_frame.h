@@ -9,8 +9,8 @@
 
 namespace tovik::lp::run {
 
-/* What the LP callback is told about where it is called from. */
-enum class CalledFrom { simplex = 1, presolve = 7 };
+/* What the LP callback, or that of networks, is told about where it is called from. */
+enum class CalledFrom { simplex = 1, network = 3, presolve = 7 };
 
 /* Which problem an engine's numbers speak of. */
 enum class Numbers {

@@ -6,37 +6,39 @@
 
 namespace tovik::lp::run {
 
-EngineControl::EngineControl(Environment& env, Problem& problem, CalledFrom called_from, Numbers numbers)
-    : env_(env), problem_(problem), called_from_(called_from), numbers_(numbers), start_(clock_seconds(env)) {
+EngineLimits::EngineLimits(Environment& env) : env_(env), start_(clock_seconds(env)) {
   env.limits.note_thread();
 }
 
-void EngineControl::log(const char* text) {
+void EngineLimits::log(const char* text) {
   message(env_.results_channel, "%s", text);
 }
 
-void EngineControl::flush() {
+void EngineLimits::flush() {
   if (env_.results_channel != nullptr) env_.results_channel->flush();
 }
 
-double EngineControl::seconds() {
+double EngineLimits::seconds() {
   return clock_seconds(env_) - start_;
 }
 
-Stop EngineControl::poll() {
+Stop EngineLimits::poll() {
   if (env_.callbacks.terminate != nullptr && *env_.callbacks.terminate != 0) return Stop::user_abort;
   const LimitFrame* frame = env_.limits.top();
   if (frame != nullptr && env_.work->ticks >= frame->tick_deadline) return Stop::tick_limit;
   return Stop::none;
 }
 
-Stop EngineControl::poll_clock() {
+Stop EngineLimits::poll_clock() {
   if (env_.terminate_function != nullptr && env_.terminate_function() != 0) return Stop::user_abort;
   const LimitFrame* frame = env_.limits.top();
   if (frame != nullptr && frame->deadline < 1e75 && clock_seconds(env_) >= frame->deadline)
     return Stop::time_limit;
   return Stop::none;
 }
+
+EngineControl::EngineControl(Environment& env, Problem& problem, CalledFrom called_from, Numbers numbers)
+    : EngineLimits(env), problem_(problem), called_from_(called_from), numbers_(numbers) {}
 
 Stop EngineControl::iteration_callback(const ProgressSource& now) {
   const auto& slot = env_.callbacks.lp;

@@ -9,24 +9,34 @@
 
 namespace tovik::lp::run {
 
-class EngineControl : public Control {
+/* Whatever the record is that the engine works for. */
+class EngineLimits : public Control {
  public:
-  EngineControl(Environment& env, Problem& problem, CalledFrom called_from,
-                Numbers numbers = Numbers::of_problem);
+  explicit EngineLimits(Environment& env);
   void log(const char* text) override;
   void flush() override;
   void add_work(std::uint64_t ticks) override { env_.work->ticks += ticks; }
   double seconds() override;
   Stop poll() override;
   Stop poll_clock() override;
+
+ protected:
+  Environment& env_;
+
+ private:
+  double start_;
+};
+
+class EngineControl : public EngineLimits {
+ public:
+  EngineControl(Environment& env, Problem& problem, CalledFrom called_from,
+                Numbers numbers = Numbers::of_problem);
   Stop iteration_callback(const ProgressSource& now) override;
 
  private:
-  Environment& env_;
   Problem& problem_;
   CalledFrom called_from_;
   Numbers numbers_;
-  double start_;
 };
 
 }  // namespace tovik::lp::run

@@ -10,7 +10,10 @@
 #include "lp/presolve/crush.h"
 #include "lp/presolve/dualize.h"
 #include "lp/presolve_record/presolved.h"
+#include "lp/run/barrier_run.h"
+#include "lp/run/concurrent.h"
 #include "lp/run/iteration_log.h"
+#include "lp/run/network_start_run.h"
 #include "lp/run/optimizer.h"
 #include "lp/run/simplex_run.h"
 #include "lp/run/user_point.h"
@@ -49,9 +52,14 @@ class PresolvedRun {
     if (record_->conclusion == Conclusion::infeasible) return store_infeasible();
     if (!reduction.changed && reduction.stop == Stop::none) {
       own_record_.reset();
+      if (algorithm_.concurrent)
+        return run_concurrent_unpresolved(env_, problem_, algorithm_, {.before = &before_});
+      if (begins_with_barrier()) return cross_over_unpresolved(env_, problem_, algorithm_);
+      if (algorithm_.from_network) return start_from_network_unpresolved(env_, problem_, algorithm_);
       return run_simplex(env_, problem_, algorithm_, {.before = &before_});
     }
     const Outcome outcome = solve_reduced();
+    if (!failure_.ok()) return failure_;
     switch (outcome) {
       case Outcome::infeasible:
         if (proves_infeasible(record_->original,
@@ -81,7 +89,10 @@ class PresolvedRun {
       return false;
     }
     record_ = own_record_.get();
-    if (env_.settings.integer(TVK_PARAM_SIMDISPLAY) != 0)
+    const int display = begins_with_barrier()     ? TVK_PARAM_BARDISPLAY
+                        : algorithm_.from_network ? TVK_PARAM_NETDISPLAY
+                                                  : TVK_PARAM_SIMDISPLAY;
+    if (env_.settings.integer(display) != 0)
       message(env_.results_channel, "Presolve time = %7.2f sec.\n", record_->seconds);
     return true;
   }
@@ -94,30 +105,71 @@ class PresolvedRun {
       answer_.method = algorithm_.method;
       return Outcome::optimal;
     }
-    if (wants_dual_form()) return solve_dual_form();
-    EngineControl control(env_, problem_, CalledFrom::simplex);
+    Algorithm algorithm = algorithm_;
+    algorithm.dual_form = wants_dual_form();
+    if (algorithm.dual_form) announce_dual_form();
+    if (algorithm.concurrent && reduction.stop == Stop::none) return solve_all_at_once(algorithm);
+    EngineControl control(env_, problem_, CalledFrom::simplex,
+                          algorithm.dual_form ? Numbers::of_dual_form : Numbers::of_problem);
     IterationLog log(env_, problem_, env_.settings.integer(TVK_PARAM_SIMDISPLAY));
     log.set_origin(reduction.row_map, reduction.column_map);
-    const RunContext context{env_, problem_, algorithm_, control, &log};
-    std::unique_ptr<Optimizer> optimizer = take_kept_optimizer();
-    const bool is_kept = optimizer != nullptr;
-    if (!is_kept) optimizer = make_optimizer(reduction.lp, context);
-    install_start(*optimizer, is_kept);
+    const RunContext context{env_, problem_, algorithm, control, algorithm.dual_form ? nullptr : &log};
+    std::unique_ptr<Optimizer> optimizer = take_ready_optimizer(algorithm);
+    if (optimizer == nullptr) {
+      optimizer = make_optimizer(reduction.lp, context);
+      install_start(*optimizer, false);
+    }
     Outcome outcome = outcome_of(reduction.stop);
     if (reduction.stop == Stop::none) {
       outcome = optimizer->optimize(context);
     } else {
       optimizer->evaluate_start();
     }
+    take_answer(std::move(optimizer), outcome);
+    return outcome;
+  }
+
+  void announce_dual_form() {
+    if (env_.settings.integer(param::kPresolveDisplay) != 0)
+      message(env_.results_channel, "DUAL formed by presolve\n");
+    before_.presolve->dual_form = true;
+  }
+
+  void take_answer(std::unique_ptr<Optimizer> optimizer, Outcome outcome) {
     before_.simplex = optimizer->statistics();
-    if (keeps_optimizer(outcome)) {
+    if (keeps_optimizer(outcome) && optimizer->fits(env_)) {
+      const presolve::Reduction& reduction = record_->reduction;
       record_->optimizer_changes.start(reduction.row_map.size(), reduction.column_map.size());
       answer_ = optimizer->answer();
       optimizer_ = std::move(optimizer);
     } else {
       answer_ = optimizer->release_answer();
     }
-    return outcome;
+  }
+
+  Outcome solve_all_at_once(const Algorithm& algorithm) {
+    const presolve::Reduction& reduction = record_->reduction;
+    Basis start;
+    if (starts_from_basis()) start = presolve::crush_basis(reduction, starting_basis(problem_));
+    Question question{.lp = reduction.lp,
+                      .start = starts_from_basis() ? &start : nullptr,
+                      .origin = {&reduction.row_map, &reduction.column_map},
+                      .dual_form = algorithm.dual_form,
+                      .ready = take_ready_optimizer(algorithm)};
+    Contest contest = solve_concurrently(env_, problem_, algorithm.method, std::move(question));
+    failure_ = contest.status;
+    if (!failure_.ok()) return Outcome::user_abort;
+    if (algorithm_.barrier != nullptr) *algorithm_.barrier = contest.barrier;
+    take_answer(std::move(contest.optimizer), contest.outcome);
+    return contest.outcome;
+  }
+
+  /* The one that solved the reduced problem before, at its start; null where there is none that fits. */
+  std::unique_ptr<Optimizer> take_ready_optimizer(const Algorithm& algorithm) {
+    std::unique_ptr<Optimizer> kept = take_kept_optimizer();
+    if (algorithm.dual_form || algorithm.from_network) kept.reset();
+    if (kept != nullptr) install_start(*kept, true);
+    return kept;
   }
 
   /* The one that solved the reduced problem before, up to date with it. It is gone unless this run ends in order. */
@@ -142,56 +194,15 @@ class PresolvedRun {
     constexpr double kNoLimit = 1e75;
     const Settings& s = env_.settings;
     const int wish = s.integer(TVK_PARAM_PREDUAL);
-    if (wish < 0 || record_->reduction.stop != Stop::none || starts_from_basis() ||
+    if (wish < 0 || begins_with_barrier() || algorithm_.from_network ||
+        record_->reduction.stop != Stop::none || starts_from_basis() ||
         s.real(TVK_PARAM_OBJULIM) < kNoLimit || s.real(TVK_PARAM_OBJLLIM) > -kNoLimit) {
       return false;
     }
     return wish > 0 || presolve::dualization_pays(record_->reduction.lp);
   }
 
-  /* As solve_reduced, by the dual form: its dual simplex is the primal's on the reduced problem and the other
-   * way round. A run that a limit ends has no point of the reduced problem but that of the slack basis. */
-  Outcome solve_dual_form() {
-    const LpData& reduced = record_->reduction.lp;
-    if (env_.settings.integer(param::kPresolveDisplay) != 0)
-      message(env_.results_channel, "DUAL formed by presolve\n");
-    record_->optimizer.reset();
-    const presolve::DualForm form = presolve::dualize(reduced);
-    EngineControl control(env_, problem_, CalledFrom::simplex, Numbers::of_dual_form);
-    const Algorithm algorithm{algorithm_.method == Method::dual ? Method::primal : Method::dual,
-                              algorithm_.sift};
-    const RunContext context{env_, problem_, algorithm, control, nullptr};
-    const std::unique_ptr<Optimizer> optimizer = make_optimizer(form.lp, context);
-    const Outcome outcome = optimizer->optimize(context);
-    before_.simplex = optimizer->statistics();
-    before_.presolve->dual_form = true;
-    const Answer dual = optimizer->release_answer();
-    answer_ = Answer{};
-    answer_.method = algorithm_.method;
-    switch (outcome) {
-      case Outcome::optimal:
-        answer_ = presolve::undualize(reduced, form, dual);
-        answer_.method = algorithm_.method;
-        return outcome;
-      case Outcome::unbounded:
-        answer_.farkas = presolve::row_multipliers(form, dual.ray);
-        return Outcome::infeasible;
-      case Outcome::infeasible:
-        return Outcome::infeasible_or_unbounded;
-      default:
-        take_slack_basis(reduced);
-        return outcome;
-    }
-  }
-
-  void take_slack_basis(const LpData& lp) {
-    EngineControl control(env_, problem_, CalledFrom::simplex);
-    const std::unique_ptr<Optimizer> optimizer =
-        make_optimizer(lp, {env_, problem_, algorithm_, control, nullptr});
-    optimizer->evaluate_start();
-    answer_ = optimizer->release_answer();
-    answer_.method = algorithm_.method;
-  }
+  bool begins_with_barrier() const { return algorithm_.barrier != nullptr && !algorithm_.concurrent; }
 
   bool starts_from_basis() const {
     return env_.settings.integer(TVK_PARAM_ADVIND) != 0 && problem_.start.has_statuses();
@@ -238,16 +249,7 @@ class PresolvedRun {
 
   /* The point of an infeasible problem: all rows basic, columns at their bounds. */
   Status store_infeasible() {
-    const LpData& lp = record_->original;
-    Answer point;
-    point.x.assign(lp.cost.size(), 0.0);
-    point.y.assign(lp.row_lower.size(), 0.0);
-    point.row_status.assign(lp.row_lower.size(), BasisStatus::basic);
-    for (int j = 0; j < lp.num_columns(); ++j)
-      point.column_status.push_back(lp.lower[j] > -kInf  ? BasisStatus::lower
-                                    : lp.upper[j] < kInf ? BasisStatus::upper
-                                                         : BasisStatus::free);
-    answer_ = complete_point(lp, std::move(point));
+    answer_ = slack_point(record_->original);
     answer_.method = algorithm_.method;
     answer_.farkas = record_->proof.multipliers;
     answer_.farkas_gap = record_->proof.gap;
@@ -287,6 +289,7 @@ class PresolvedRun {
   Presolved* record_;                     // the one that the problem keeps, or own_record_
   std::unique_ptr<Optimizer> optimizer_;  // to be kept with the record
   Answer answer_;
+  Status failure_;  // of a run that has none
 };
 
 }  // namespace

@@ -25,6 +25,8 @@ class SimplexOptimizer final : public Optimizer {
     return counted;
   }
 
+  simplex::Solver& engine() { return engine_; }
+
  private:
   simplex::Relaxation engine_;
 };

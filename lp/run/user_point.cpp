@@ -49,6 +49,18 @@ Answer complete_point(const LpData& lp, Answer point) {
   return answer;
 }
 
+Answer slack_point(const LpData& lp) {
+  Answer point;
+  point.x.assign(lp.cost.size(), 0.0);
+  point.y.assign(lp.row_lower.size(), 0.0);
+  point.row_status.assign(lp.row_lower.size(), BasisStatus::basic);
+  for (int j = 0; j < lp.num_columns(); ++j)
+    point.column_status.push_back(lp.lower[j] > -kInf  ? BasisStatus::lower
+                                  : lp.upper[j] < kInf ? BasisStatus::upper
+                                                       : BasisStatus::free);
+  return complete_point(lp, std::move(point));
+}
+
 bool is_final(const LpData& lp, const Answer& answer, const simplex::Options& options) {
   if (!(answer.violation.primal() <= options.primal_tolerance) ||
       !(answer.violation.dual <= options.dual_tolerance) || !std::isfinite(answer.objective))

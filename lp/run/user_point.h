@@ -13,6 +13,9 @@ namespace tovik::lp::run {
  * and violations computed anew with compensated sums. */
 Answer complete_point(const LpData& lp, Answer point);
 
+/* That of the slack basis: rows basic, columns at a bound, multipliers 0. */
+Answer slack_point(const LpData& lp);
+
 /* Whether the answer is an optimal basic solution within the tolerances: as many basics as rows, nonbasics
  * where their statuses say, bounds and signs kept. Does not look at the basis matrix. */
 bool is_final(const LpData& lp, const Answer& answer, const simplex::Options& options);

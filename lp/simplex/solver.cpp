@@ -153,6 +153,17 @@ void Solver::set_dual_norms(const std::vector<double>& norms, const std::vector<
   keep_norms_ = true;
 }
 
+/* No working costs or bounds of an earlier solve, no claim of it. */
+void Solver::begin_at_rest() {
+  prepare();
+  reoptimization_.forget();
+  values_are_fresh_ = false;
+  keep_norms_ = false;
+  core_->use_original_bounds();
+  core_->use_original_costs();
+  core_->ensure_rows();
+}
+
 void Solver::forget_basis() {
   reoptimization_.forget();
   core_->use_original_bounds();

@@ -51,6 +51,13 @@ class Solver {
   bool has_dual_norms() const { return keep_norms_; }  // weights of the present basis
   void forget_basis();
   bool has_basis() const { return has_basis_; }
+  /* Another method leaves a factored basis in the core: leave_basis(core). The next solve goes on from it. */
+  template <class F>
+  void take_basis(F leave_basis) {
+    begin_at_rest();
+    leave_basis(*core_);
+    has_basis_ = true;
+  }
 
   Outcome solve(Method method);
   const Answer& answer() const { return answer_; }
@@ -154,6 +161,7 @@ class Solver {
   bool verify_ray();
   std::vector<double> new_row_lengths(const ModelEdit& change);
   void prepare();
+  void begin_at_rest();
   bool bounds_cross();
 
   Options options_;

@@ -35,6 +35,8 @@ class NoNumberWithBasis : public support::WithSolves {
         [&] { return TVKprimopt(env_, lp); },
         [&] { return TVKdualopt(env_, lp); },
         [&] { return TVKsiftopt(env_, lp); },
+        [&] { return TVKbaropt(env_, lp); },
+        [&] { return TVKhybbaropt(env_, lp, 'd'); },
         [&] { return TVKgetbasehead(env_, lp, nullptr, x.data()); },
         [&] { return TVKftran(env_, lp, x.data()); },
         [&] { return TVKcheckpfeas(env_, lp, &worst); },

@@ -1,0 +1,46 @@
+/* The interior point method as an optimizer of runs: a point, and where a basis is asked for crossover and the simplex
+ * from where that ends. */
+#pragma once
+
+#include <utility>
+
+#include "lp/barrier/options.h"
+#include "lp/run/optimizer.h"
+
+namespace tovik::lp::run {
+
+/* The parameters. */
+barrier::Options barrier_options(const Environment& env);
+
+/* Runs the method on an LP without crossed bounds, with its log. */
+barrier::Result run_interior_point(const Environment& env, const Problem& problem, const LpData& lp,
+                                   Control& control);
+
+/* Some column's or row's lower limit lies above its upper one: no interior point is asked. */
+bool has_crossed_bounds(const LpData& lp);
+
+/* x and y of a result completed: activities, reduced costs, objective, statuses of a basis near them. */
+Answer answer_near(const LpData& lp, barrier::Result& result);
+
+class BarrierOptimizer final : public Optimizer {
+ public:
+  explicit BarrierOptimizer(LpData lp) : lp_(std::move(lp)) {}
+  bool fits(const Environment&) const override { return false; }  // it goes on from nothing
+  bool synchronize(const LpData&, const Journal&) override { return false; }
+  void set_start(const Basis&) override {}
+  void forget_start() override {}
+  Outcome optimize(const RunContext& context) override;
+  void evaluate_start() override;
+  const Answer& answer() const override { return answer_; }
+  Answer release_answer() override { return std::move(answer_); }
+  simplex::Statistics statistics() const override { return statistics_; }
+  bool ran_out_of_memory() const { return ran_out_of_memory_; }
+
+ private:
+  LpData lp_;
+  Answer answer_;
+  simplex::Statistics statistics_;
+  bool ran_out_of_memory_ = false;
+};
+
+}  // namespace tovik::lp::run
