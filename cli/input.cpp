@@ -2,10 +2,13 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
+#include <cctype>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <string_view>
 #include <system_error>
 #include <vector>
@@ -87,10 +90,25 @@ Input::Input(const std::string& file) : path_(file) {
 
 Input::~Input() = default;
 
+bool is_network_file(const std::string& file) {
+  std::filesystem::path path(file);
+  const auto extension = [&path] {
+    std::string text = path.extension().string();
+    std::ranges::transform(text, text.begin(), [](unsigned char c) { return std::tolower(c); });
+    return text;
+  };
+  const auto is_one_of = [](const std::string& text, std::initializer_list<const char*> names) {
+    return std::ranges::find(names, text) != names.end();
+  };
+  if (is_one_of(extension(), {".gz", ".bz2", ".z", ".xz", ".zst"})) path.replace_extension();
+  return is_one_of(extension(), {".net", ".min", ".dimacs", ".dmx"});
+}
+
 void read_model_file(const Model& model, const std::string& file) {
   const Input input(file);
   const Environment& environment = model.environment();
-  environment.check(TVKreadcopyprob(environment.handle(), model.handle(), input.path().c_str(), nullptr));
+  const char* const type = is_network_file(file) ? "NET" : nullptr;
+  environment.check(TVKreadcopyprob(environment.handle(), model.handle(), input.path().c_str(), type));
 }
 
 void refuse_dropped_text(const Model::ReadWarnings& warnings, bool lenient) {

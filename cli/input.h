@@ -34,6 +34,9 @@ struct DroppedText : std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+/* Whether the name is that of a network file: .net, .min, .dimacs or .dmx, compressed or not. */
+bool is_network_file(const std::string& file);
+
 /* Reads a model file, "-" is standard input. LibraryError, std::system_error. */
 void read_model_file(const Model& model, const std::string& file);
 /* DroppedText where the last reading ignored text and nobody asked to be `lenient`. */

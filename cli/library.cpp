@@ -124,21 +124,48 @@ std::optional<int> Model::threads() const {
   return nlohmann::json::parse(text).at("threads").get<int>();
 }
 
-std::vector<std::string> Model::names(NameQuery query, const char* word, int begin, int end) const {
+namespace {
+/* Names begin..end of any family; where there are none, `word` and the position, counted from `first`. */
+template <class Handle, class Query>
+std::vector<std::string> query_names(const Environment& environment, Handle handle, Query query,
+                                     const char* word, int first, int begin, int end) {
   std::vector<std::string> result;
   if (begin > end) return result;
   int surplus = 0;
-  const int asked = query(environment_.handle(), handle_, nullptr, nullptr, 0, &surplus, begin, end);
-  if (asked != TVK_ERROR_ARRAY_TOO_SHORT) {  // a model without names: positions stand for them
-    for (int k = begin; k <= end; ++k) result.push_back(word + std::to_string(k));
+  const int asked = query(environment.handle(), handle, nullptr, nullptr, 0, &surplus, begin, end);
+  if (asked != TVK_ERROR_ARRAY_TOO_SHORT) {
+    for (int k = begin; k <= end; ++k) result.push_back(word + std::to_string(k + first));
     return result;
   }
   std::vector<char*> name(static_cast<std::size_t>(end - begin + 1));
   std::vector<char> store(static_cast<std::size_t>(-surplus));
-  environment_.check(
-      query(environment_.handle(), handle_, name.data(), store.data(), -surplus, &surplus, begin, end));
+  environment.check(
+      query(environment.handle(), handle, name.data(), store.data(), -surplus, &surplus, begin, end));
   result.assign(name.begin(), name.end());
   return result;
+}
+}  // namespace
+
+std::vector<std::string> Model::names(NameQuery query, const char* word, int begin, int end) const {
+  return query_names(environment_, handle_, query, word, 0, begin, end);
+}
+
+Network::Network(const Environment& environment, const std::string& name) : environment_(environment) {
+  int status = 0;
+  handle_ = TVKNETcreateprob(environment.handle(), &status, name.c_str());
+  if (handle_ == nullptr) environment.check(status);
+}
+
+Network::~Network() {
+  TVKNETfreeprob(environment_.handle(), &handle_);
+}
+
+std::vector<std::string> Network::node_names(int begin, int end) const {
+  return query_names(environment_, handle_, TVKNETgetnodename, "n", 1, begin, end);
+}
+
+std::vector<std::string> Network::arc_names(int begin, int end) const {
+  return query_names(environment_, handle_, TVKNETgetarcname, "a", 1, begin, end);
 }
 
 }  // namespace tovik::cli

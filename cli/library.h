@@ -38,6 +38,14 @@ class Environment {
   EnvHandle handle_ = nullptr;
 };
 
+/* A range query for the first `count` of something, of a problem or a network. */
+template <class Value, class Handle, class Query>
+std::vector<Value> query_all(const Environment& environment, Handle handle, Query query, int count) {
+  std::vector<Value> values(static_cast<std::size_t>(count));
+  if (count > 0) environment.check(query(environment.handle(), handle, values.data(), 0, count - 1));
+  return values;
+}
+
 /* One problem object of an environment, which must outlive it. */
 class Model {
  public:
@@ -70,9 +78,7 @@ class Model {
   /* A range query over all rows or all columns. */
   template <class Value, class Query>
   std::vector<Value> all(Query query, int count) const {
-    std::vector<Value> values(static_cast<std::size_t>(count));
-    if (count > 0) environment_.check(query(environment_.handle(), handle_, values.data(), 0, count - 1));
-    return values;
+    return query_all<Value>(environment_, handle_, query, count);
   }
   std::vector<std::string> column_names() const { return names(TVKgetcolname, "column ", 0, columns() - 1); }
   std::vector<std::string> row_names() const { return names(TVKgetrowname, "row ", 0, rows() - 1); }
@@ -86,6 +92,33 @@ class Model {
  private:
   const Environment& environment_;
   ProbHandle handle_ = nullptr;
+};
+
+/* One network object of an environment, which must outlive it. */
+class Network {
+ public:
+  Network(const Environment& environment, const std::string& name);
+  ~Network();
+  Network(const Network&) = delete;
+  Network& operator=(const Network&) = delete;
+
+  NetProbHandle handle() const { return handle_; }
+  const Environment& environment() const { return environment_; }
+  int nodes() const { return TVKNETgetnumnodes(environment_.handle(), handle_); }
+  int arcs() const { return TVKNETgetnumarcs(environment_.handle(), handle_); }
+
+  /* A range query over all nodes or all arcs. */
+  template <class Query>
+  std::vector<double> all(Query query, int count) const {
+    return query_all<double>(environment_, handle_, query, count);
+  }
+  /* Where the network has no names: n1 ... and a1 .... */
+  std::vector<std::string> node_names(int begin, int end) const;
+  std::vector<std::string> arc_names(int begin, int end) const;
+
+ private:
+  const Environment& environment_;
+  NetProbHandle handle_ = nullptr;
 };
 
 }  // namespace tovik::cli

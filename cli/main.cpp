@@ -23,8 +23,6 @@ namespace tovik::cli {
 
 namespace {
 
-constexpr int kFewColumns = 20;  // up to here values are printed unasked
-
 /* The models of one run. on_interrupt(), which may run on another thread, reports the file in work. */
 class Run {
  public:
@@ -52,18 +50,20 @@ class Run {
  private:
   ExitStatus one(const std::string& file) {
     set_current(file);
-    const auto show = [this](const Model& model, const Outcome& outcome) {
-      if (options_.quiet && options_.models.size() > 1) console_.print("\nModel       " + outcome.file);
-      console_.print(closing_block(model, outcome));
-      const bool asked = options_.print_values || (model.columns() <= kFewColumns && !options_.quiet);
-      if (outcome.feasible && asked) console_.print(value_table(model, outcome, options_.print_values));
-      if (!outcome.statistics.empty() && !options_.json) console_.print(statistics_block(outcome));
-    };
-    const Outcome outcome = solve_file({environment_, console_, signals_, options_}, file, show);
+    const Outcome outcome = solve_file({environment_, console_, signals_, options_}, file);
+    if (outcome.complete) show(outcome);
     set_current("");
-    if (options_.json) std::fputs(json_line(outcome, options_.statistics).c_str(), stdout);
+    if (options_.json) std::fputs(json_line(outcome, json_parts()).c_str(), stdout);
     return options_.exit_zero ? with_exit_zero(outcome.exit_status) : outcome.exit_status;
   }
+
+  void show(const Outcome& outcome) {
+    if (options_.quiet && options_.models.size() > 1) console_.print("\nModel       " + outcome.file);
+    console_.print(closing_block(outcome));
+    console_.print(value_table(outcome));
+    if (!outcome.statistics.empty() && !options_.json) console_.print(statistics_block(outcome));
+  }
+  JsonParts json_parts() const { return {options_.print_values, options_.statistics}; }
 
   void set_current(const std::string& file) {
     const std::lock_guard guard(mutex_);
@@ -78,7 +78,7 @@ class Run {
       outcome.file = current_;
       outcome.error = "interrupted";
       outcome.peak_memory_mb = peak_memory_mb();
-      if (options_.json) std::fputs(json_line(outcome, options_.statistics).c_str(), stdout);
+      if (options_.json) std::fputs(json_line(outcome, json_parts()).c_str(), stdout);
       std::fprintf(stderr, "%s: interrupted, no solution\n", current_.c_str());
     }
     std::fflush(stdout);

@@ -109,6 +109,8 @@ const char kSolveFooter[] =
     "Each model is read (LP, MPS, SAV or network format, compressed too; - reads standard input), optimized, "
     "and\n"
     "checked. This version solves linear and mixed-integer linear models; --relax ignores integrality.\n"
+    "Network files (.net, .min, .dimacs) are solved by the network simplex: flows of arcs, potentials of "
+    "nodes.\n"
     "\n"
     "Examples:    tovik plan.mps.gz -t 60 --solution plan.sol\n"
     "             tovik *.lp --json -q\n"

@@ -25,7 +25,8 @@ enum class ExitStatus {
 /* The largest of some violations and where it is. */
 struct LargestViolation {
   double amount = 0;
-  int index = -1;  // row or column; -1 when nothing is violated
+  int index = -1;    // row or column; -1 when nothing is violated
+  std::string name;  // of that row or column, once it was asked for
   void update(double violation, int where) {
     if (violation > amount || violation != violation) {
       amount = violation;
@@ -71,6 +72,8 @@ struct Value {
 
 struct Outcome {
   std::string file;
+  bool complete = false;  // no error before the answer was known
+  bool network = false;   // rows are nodes, columns are arcs
   std::optional<int> rows, columns, nonzeros, problem_type;
   std::optional<int> status;
   std::string status_text;
@@ -83,7 +86,7 @@ struct Outcome {
   Proof proof;                  // of an infeasible model
   std::vector<Movement> ray;    // of an unbounded one
   bool so_far = false;          // a limit came before feasibility: the violations are those of the last point
-  std::vector<Value> column_values, row_values;  // for JSON, where they are asked for
+  std::vector<Value> column_values, row_values;  // where they are asked for
   std::string method;
   std::optional<double> read_seconds, presolve_seconds, solve_seconds;
   double peak_memory_mb = 0;

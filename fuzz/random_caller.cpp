@@ -190,7 +190,7 @@ bool Caller::step() {
   lp_ = {}, net_ = {}, env_ = nullptr;
   changes_ = false;
   trace_.push_back(std::string(static_cast<std::size_t>(2 * depth_), ' ') + call.name);
-  if (trace_.size() > 60) trace_.erase(trace_.begin());
+  while (trace_.size() > 60) trace_.erase(trace_.begin());
   /* The problem is drawn by the call itself: a copy of the generator draws it first, to look at it before. */
   bool holds = true;
   std::string before;

@@ -14,20 +14,23 @@ using tovik::fuzz::Caller;
 using tovik::fuzz::the_caller;
 
 extern "C" void __sanitizer_set_death_callback(void (*)()) __attribute__((weak));
+extern "C" void __sanitizer_print_stack_trace() __attribute__((weak));
 
 namespace {
 
-constexpr unsigned kLongestCall = 60;  // seconds
+unsigned longest_call = 60;  // seconds
 std::uint64_t seed = 1;
 
 void print_trace() {
-  std::fprintf(stderr, "random_calls --seed %llu, the last calls:\n%s", static_cast<unsigned long long>(seed),
-               the_caller != nullptr ? the_caller->trace().c_str() : "");
+  std::fprintf(stderr, "The last calls:\n%sRepeat them with random_calls --seed %llu\n",
+               the_caller != nullptr ? the_caller->trace().c_str() : "",
+               static_cast<unsigned long long>(seed));
 }
 
 extern "C" void on_alarm(int) {
-  std::fprintf(stderr, "A call does not end.\n");
   print_trace();
+  if (__sanitizer_print_stack_trace != nullptr) __sanitizer_print_stack_trace();
+  std::fprintf(stderr, "A call does not end.\n");
   std::abort();
 }
 
@@ -40,6 +43,7 @@ int main(int count, char** arguments) {
     const std::string option = arguments[k];
     if (option == "--seconds") seconds = std::atof(arguments[k + 1]);
     if (option == "--seed") seed = std::strtoull(arguments[k + 1], nullptr, 10);
+    if (option == "--longest") longest_call = static_cast<unsigned>(std::atoi(arguments[k + 1]));
     if (option == "--calls") calls = std::strtoull(arguments[k + 1], nullptr, 10);
   }
   if (__sanitizer_set_death_callback != nullptr) __sanitizer_set_death_callback(print_trace);
@@ -62,7 +66,7 @@ int main(int count, char** arguments) {
   {
     Caller caller(seed, folder);
     for (; holds && done < calls && (done % 16 != 0 || elapsed() < seconds); ++done) {
-      alarm(kLongestCall);
+      alarm(longest_call);
       holds = caller.step();
     }
     alarm(0);

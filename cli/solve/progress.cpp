@@ -14,7 +14,7 @@ constexpr double kFirst = 1.0, kLeastBetween = 2.0, kMostBetween = 60.0;  // sec
 constexpr double kNoValue = 1e75;                                         // values from here on are none
 constexpr double kShareBetween = 0.1;                                     // of the time so far
 constexpr double kMostBetweenNodes = 3.0;  // of a search, without a line of its log
-constexpr int kInSimplex = 1, kInPresolve = 7;
+constexpr int kInSimplex = 1, kInNetwork = 3, kInPresolve = 7;
 
 /* One callback's answers. */
 class Asked {
@@ -54,6 +54,14 @@ std::string simplex_text(const Asked& asked) {
   return text;
 }
 
+std::string network_text(const Asked& asked) {
+  std::string text = format("network simplex phase %d, iteration %d", asked.count(TVK_CALLBACK_INFO_PHASE),
+                            asked.count(TVK_CALLBACK_INFO_ITERATIONS));
+  if (const auto objective = asked.number(TVK_CALLBACK_INFO_OBJECTIVE))
+    text += format(", objective %.9g", *objective);
+  return text;
+}
+
 std::string presolve_text(const Asked& asked) {
   return "presolve, " + counted(asked.count(TVK_CALLBACK_INFO_ROWS_REMOVED), "row") + " and " +
          counted(asked.count(TVK_CALLBACK_INFO_COLUMNS_REMOVED), "column") + " removed";
@@ -79,11 +87,13 @@ ProgressLines::ProgressLines(const Environment& environment, Console& console)
     : environment_(environment), console_(console), next_(kFirst) {
   environment.check(TVKsetlpcallbackfunc(environment.handle(), on_call, this));
   environment.check(TVKsetmipcallbackfunc(environment.handle(), on_search, this));
+  environment.check(TVKsetnetcallbackfunc(environment.handle(), on_call, this));
 }
 
 ProgressLines::~ProgressLines() {
   TVKsetlpcallbackfunc(environment_.handle(), nullptr, nullptr);
   TVKsetmipcallbackfunc(environment_.handle(), nullptr, nullptr);
+  TVKsetnetcallbackfunc(environment_.handle(), nullptr, nullptr);
 }
 
 /* The node log tells how a search stands; lines of ours stand where it has nothing to say. */
@@ -110,9 +120,11 @@ int ProgressLines::on_call(ConstEnvHandle env, void* cbdata, int wherefrom, void
 void ProgressLines::tell(ConstEnvHandle env, void* cbdata, int wherefrom, double seconds) {
   next_ = seconds + std::clamp(kShareBetween * seconds, kLeastBetween, kMostBetween);
   const Asked asked(env, cbdata, wherefrom);
-  if (wherefrom != kInSimplex && wherefrom != kInPresolve) return;
-  console_.progress(format("%8.1f s  ", seconds) +
-                    (wherefrom == kInSimplex ? simplex_text(asked) : presolve_text(asked)) + "\n");
+  const std::string text = wherefrom == kInSimplex    ? simplex_text(asked)
+                           : wherefrom == kInNetwork  ? network_text(asked)
+                           : wherefrom == kInPresolve ? presolve_text(asked)
+                                                      : "";
+  if (!text.empty()) console_.progress(format("%8.1f s  ", seconds) + text + "\n");
 }
 
 }  // namespace tovik::cli

@@ -1,7 +1,7 @@
 /* Lines that tell how far a solve is: method, phase, objective and the infeasibility that is left. A solve of a second has
  * none; a longer one gets the first after a second and then one every two seconds, later every tenth of the time so far. A
  * mixed-integer search gets one, with nodes, bound and incumbent, when its log has shown nothing for three seconds.
- * It hangs on the LP callback and the informational MIP callback of the environment while it lives: what an application
+ * It hangs on the LP, the network and the informational MIP callback of the environment while it lives: what an application
  * does, the program does. */
 #pragma once
 

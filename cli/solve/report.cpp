@@ -13,30 +13,35 @@ namespace {
 constexpr int kSchema =
     1;  // of the JSON object; a key that is added leaves it, one that changes its meaning does not
 
+/* What the two dimensions of a model are called. */
+struct Words {
+  const char *row, *rows, *column, *bounds;
+};
+Words words_of(const Outcome& outcome) {
+  if (outcome.network) return {"node", "nodes", "arc", "bounds"};
+  return {"row", "rows", "column", "bounds"};
+}
+
 /* "rows 1.2e-09 (R17)": an amount and the name of its place. */
-template <class NameOf>
-std::string worst(const char* what, const LargestViolation& largest, NameOf name_of) {
+std::string worst(const char* what, const LargestViolation& largest) {
   std::string text = format("%s %.2g", what, largest.amount);
-  return largest.index < 0 ? text : text + " (" + name_of(largest.index) + ")";
+  return largest.index < 0 ? text : text + " (" + largest.name + ")";
 }
 
 /* The point at which a limit came. */
-std::string so_far_line(const Model& model, const Violations& violations) {
-  return "Violated    " + worst("rows", violations.row, [&model](int i) { return model.row_name(i); }) +
-         ", " + worst("bounds", violations.bound, [&model](int j) { return model.column_name(j); }) +
+std::string so_far_line(const Words& words, const Violations& violations) {
+  return "Violated    " + worst(words.rows, violations.row) + ", " + worst(words.bounds, violations.bound) +
          " at the last point\n";
 }
 
-std::string checked_line(const Model& model, const Violations& violations) {
-  const auto row = [&model](int i) { return model.row_name(i); };
-  const auto column = [&model](int j) { return model.column_name(j); };
+std::string checked_line(const Words& words, const Violations& violations) {
   std::string line =
-      "Checked     " + worst("rows", violations.row, row) + ", " + worst("bounds", violations.bound, column);
-  if (violations.has_integers) line += ", " + worst("integers", violations.integrality, column);
+      "Checked     " + worst(words.rows, violations.row) + ", " + worst(words.bounds, violations.bound);
+  if (violations.has_integers) line += ", " + worst("integers", violations.integrality);
   if (violations.has_duals) {
     line += violations.dual_row.amount > violations.dual_column.amount
-                ? ", " + worst("duals", violations.dual_row, row)
-                : ", " + worst("duals", violations.dual_column, column);
+                ? ", " + worst("duals", violations.dual_row)
+                : ", " + worst("duals", violations.dual_column);
   }
   if (violations.failed)
     line += format("; objective %.2g\n            FAILED: more than the tolerances allow",
@@ -127,65 +132,71 @@ Json values_json(const std::vector<Value>& values, const char* value_key, const 
   return all;
 }
 
+std::string model_kind(const Outcome& outcome) {
+  return outcome.network ? "network" : type_name(outcome.problem_type.value_or(-1));
+}
+
 }  // namespace
 
 std::string size_line(const Outcome& outcome) {
-  return outcome.file + ": " + type_name(outcome.problem_type.value_or(-1)) + ", " +
-         counted(outcome.rows.value_or(0), "row") + ", " + counted(outcome.columns.value_or(0), "column") +
-         ", " + counted(outcome.nonzeros.value_or(0), "nonzero") +
-         format(", read in %.2f s\n", outcome.read_seconds.value_or(0));
+  const Words words = words_of(outcome);
+  std::string line = outcome.file + ": " + model_kind(outcome) + ", " +
+                     counted(outcome.rows.value_or(0), words.row) + ", " +
+                     counted(outcome.columns.value_or(0), words.column);
+  if (!outcome.network) line += ", " + counted(outcome.nonzeros.value_or(0), "nonzero");
+  return line + format(", read in %.2f s\n", outcome.read_seconds.value_or(0));
 }
 
-std::string closing_block(const Model& model, const Outcome& outcome) {
+std::string closing_block(const Outcome& outcome) {
+  const Words words = words_of(outcome);
   std::string block =
       format("\nStatus      %s (%d)\n", outcome.status_text.c_str(), outcome.status.value_or(0));
   if (outcome.objective) block += format("Objective   %.12g\n", *outcome.objective);
-  if (outcome.best_bound && model.mixed_integer()) {
+  if (outcome.best_bound && outcome.nodes) {
     block += format("Bound       %.12g", *outcome.best_bound);
     block += outcome.gap ? format(", gap %.2g %%\n", 100 * *outcome.gap) : std::string("\n");
   }
   if (outcome.best_bound && outcome.so_far)
     block += format("Bound       %.12g so far\n", *outcome.best_bound);
-  if (outcome.so_far) block += so_far_line(model, *outcome.violations);
-  if (outcome.violations && !outcome.so_far) block += checked_line(model, *outcome.violations);
+  if (outcome.so_far) block += so_far_line(words, *outcome.violations);
+  if (outcome.violations && !outcome.so_far) block += checked_line(words, *outcome.violations);
   if (!outcome.proof.empty()) block += proof_text(outcome.proof);
   if (!outcome.ray.empty()) block += ray_text(outcome.ray);
   if (outcome.exit_status == ExitStatus::infeasible_or_unbounded)
     block += "Advice      --set PREIND=0 tells which of the two\n";
+  if (outcome.network && outcome.exit_status == ExitStatus::infeasible)
+    block += "Advice      --method dual tells which nodes and arcs contradict each other\n";
   block += work_line(outcome);
   for (const std::string& file : outcome.written) block += "Written     " + file + "\n";
   return block;
 }
 
-std::string value_table(const Model& model, const Outcome& outcome, bool with_rows) {
+std::string value_table(const Outcome& outcome) {
   const bool duals = outcome.violations && outcome.violations->has_duals;
-  const auto section = [duals](const char* head, const char* dual_head, const std::vector<std::string>& names,
-                               const std::vector<double>& values, const std::vector<double>& dual_values) {
+  const auto section = [duals](const char* head, const char* value_head, const char* dual_head,
+                               const std::vector<Value>& values) {
+    if (values.empty()) return std::string();
     std::string lines =
-        format("\n%-24s %20s", head, "value") + (duals ? format(" %20s", dual_head) : "") + "\n";
-    for (std::size_t k = 0; k < names.size(); ++k) {
-      lines += names[k] + std::string(names[k].size() < 24 ? 24 - names[k].size() : 0, ' ') +
-               format(" %20.12g", values[k]);
-      lines += (duals ? format(" %20.12g", dual_values[k]) : "") + "\n";
+        format("\n%-24s %20s", head, value_head) + (duals ? format(" %20s", dual_head) : "") + "\n";
+    for (const Value& item : values) {
+      lines += item.name + std::string(item.name.size() < 24 ? 24 - item.name.size() : 0, ' ') +
+               format(" %20.12g", item.value);
+      lines += (duals ? format(" %20.12g", item.dual.value_or(0)) : "") + "\n";
     }
     return lines;
   };
-  const int columns = model.columns(), rows = model.rows();
-  std::string table =
-      section("Column", "reduced cost", model.column_names(), model.all<double>(TVKgetx, columns),
-              duals ? model.all<double>(TVKgetdj, columns) : std::vector<double>());
-  if (with_rows && rows > 0) {
-    table += section("Row", "dual value", model.row_names(), model.all<double>(TVKgetax, rows),
-                     duals ? model.all<double>(TVKgetpi, rows) : std::vector<double>());
-  }
-  return table;
+  if (outcome.network)
+    return section("Arc", "flow", "reduced cost", outcome.column_values) +
+           section("Node", "net supply", "potential", outcome.row_values);
+  return section("Column", "value", "reduced cost", outcome.column_values) +
+         section("Row", "value", "dual value", outcome.row_values);
 }
 
 std::string statistics_block(const Outcome& outcome) {
   return "\n" + Json::parse(outcome.statistics).dump(2) + "\n";
 }
 
-std::string json_line(const Outcome& outcome, bool with_statistics) {
+std::string json_line(const Outcome& outcome, JsonParts with) {
   const auto& found = outcome.violations;
   Json object;
   object["schema"] = kSchema;
@@ -193,7 +204,8 @@ std::string json_line(const Outcome& outcome, bool with_statistics) {
   object["rows"] = number(outcome.rows);
   object["cols"] = number(outcome.columns);
   object["nonzeros"] = number(outcome.nonzeros);
-  object["problem_type"] = outcome.problem_type ? Json(type_name(*outcome.problem_type)) : Json(nullptr);
+  object["problem_type"] =
+      outcome.network || outcome.problem_type ? Json(model_kind(outcome)) : Json(nullptr);
   object["status"] = number(outcome.status);
   object["status_text"] = text(outcome.status_text);
   object["objective"] = number(outcome.objective);
@@ -217,12 +229,12 @@ std::string json_line(const Outcome& outcome, bool with_statistics) {
   object["warnings"] = outcome.warnings;
   if (!outcome.proof.empty()) object["proof"] = proof_json(outcome.proof);
   if (!outcome.ray.empty()) object["ray"] = ray_json(outcome.ray);
-  if (!outcome.column_values.empty())
+  if (with.values && !outcome.column_values.empty())
     object["column_values"] = values_json(outcome.column_values, "value", "reduced_cost");
-  if (!outcome.row_values.empty())
+  if (with.values && !outcome.row_values.empty())
     object["row_values"] = values_json(outcome.row_values, "activity", "dual_value");
   object["error"] = text(outcome.error);
-  if (with_statistics)
+  if (with.statistics)
     object["statistics"] = outcome.statistics.empty() ? Json(nullptr) : Json::parse(outcome.statistics);
   return object.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
 }

@@ -1,6 +1,5 @@
 #include "cli/solve/solve.h"
 
-#include <chrono>
 #include <cmath>
 #include <new>
 #include <optional>
@@ -9,23 +8,15 @@
 #include "cli/input.h"
 #include "cli/solve/evidence.h"
 #include "cli/solve/files.h"
+#include "cli/solve/network.h"
 #include "cli/solve/progress.h"
 #include "cli/solve/report.h"
+#include "cli/solve/stopwatch.h"
 #include "cli/solve/violations.h"
 
 namespace tovik::cli {
 
 namespace {
-
-class Stopwatch {
- public:
-  double seconds() const {
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start_).count();
-  }
-
- private:
-  std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
-};
 
 const char* method_name(int method) {
   switch (method) {
@@ -136,7 +127,7 @@ void collect(const SolveContext& context, const Model& model, Outcome& outcome) 
   if (outcome.violations->failed) outcome.exit_status = ExitStatus::numerical_failure;
 }
 
-/* Values for the JSON object, which is made when the model is gone. */
+/* Values for the reports, which are made when the model is gone. */
 std::vector<Value> values(const std::vector<std::string>& names, const std::vector<double>& value,
                           const std::vector<double>& dual) {
   std::vector<Value> all;
@@ -146,17 +137,16 @@ std::vector<Value> values(const std::vector<std::string>& names, const std::vect
 }
 
 void collect_values(const SolveContext& context, const Model& model, Outcome& outcome) {
-  if (!outcome.feasible || !context.options.json || !context.options.print_values) return;
+  if (!outcome.feasible || !wants_values(context.options, model.columns())) return;
   const bool duals = outcome.violations && outcome.violations->has_duals;
   const int columns = model.columns(), rows = model.rows();
   const std::vector<double> none;
   outcome.column_values = values(model.column_names(), model.all<double>(TVKgetx, columns),
                                  duals ? model.all<double>(TVKgetdj, columns) : none);
+  if (!context.options.print_values) return;
   outcome.row_values = values(model.row_names(), model.all<double>(TVKgetax, rows),
                               duals ? model.all<double>(TVKgetpi, rows) : none);
 }
-
-enum class Stage { reading, solving, writing };
 
 ExitStatus exit_status_of(Stage stage, int code) {
   if (stage == Stage::reading) return exit_status_of_read_error(code);
@@ -174,31 +164,39 @@ void write_what_was_found(const SolveContext& context, const Model& model, Outco
   context.console.set_label("");
 }
 
+void solve_model(const SolveContext& context, const std::string& file, Outcome& outcome, Stage& stage) {
+  Model model(context.environment, file);
+  read_model(context, model, file, outcome);
+  context.console.log(size_line(outcome));
+  stage = Stage::writing;
+  write_model(context, model, outcome);
+  stage = Stage::reading;
+  read_starts(context, model);
+  stage = Stage::solving;
+  optimize(context, model, outcome);
+  collect(context, model, outcome);
+  collect_values(context, model, outcome);
+  if (context.options.statistics) outcome.statistics = model.statistics();
+  write_what_was_found(context, model, outcome);
+  outcome.peak_memory_mb = peak_memory_mb();
+}
+
 }  // namespace
 
-Outcome solve_file(const SolveContext& context, const std::string& file,
-                   const std::function<void(const Model&, const Outcome&)>& show) {
+bool wants_values(const Options& options, int columns) {
+  constexpr int kFewColumns = 20;  // up to here values are printed unasked
+  return options.print_values || (columns <= kFewColumns && !options.quiet);
+}
+
+Outcome solve_file(const SolveContext& context, const std::string& file) {
   Outcome outcome;
   outcome.file = file;
   context.console.begin_model("");
-  std::optional<Model> model;
   Stage stage = Stage::reading;
   try {
-    model.emplace(context.environment, file);
-    read_model(context, *model, file, outcome);
-    context.console.log(size_line(outcome));
-    stage = Stage::writing;
-    write_model(context, *model, outcome);
-    stage = Stage::reading;
-    read_starts(context, *model);
-    stage = Stage::solving;
-    optimize(context, *model, outcome);
-    collect(context, *model, outcome);
-    collect_values(context, *model, outcome);
-    if (context.options.statistics) outcome.statistics = model->statistics();
-    write_what_was_found(context, *model, outcome);
-    outcome.peak_memory_mb = peak_memory_mb();
-    show(*model, outcome);
+    const auto solve = is_solved_as_network(context, file) ? solve_network : solve_model;
+    solve(context, file, outcome, stage);
+    outcome.complete = true;
   } catch (const LibraryError& error) {
     outcome.error = context.console.first_error().empty() ? error.what() : context.console.first_error();
     outcome.exit_status = exit_status_of(stage, error.code);

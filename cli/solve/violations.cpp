@@ -27,13 +27,29 @@ double residual(double value, double lower, double upper, double cost) {
   return infinite(bound) ? std::abs(cost) : std::min(std::abs(cost), std::max(0.0, std::abs(value - bound)));
 }
 
-class Check {
+/* The judge of violations: what they may amount to. */
+class Allowance {
+ public:
+  /* Parameters of the feasibility and of the optimality tolerance. */
+  Allowance(const Environment& environment, int feasibility, int optimality)
+      : feasibility_(kAllowance * environment.double_parameter(feasibility)),
+        optimality_(kAllowance * environment.double_parameter(optimality)) {}
+
+ protected:
+  void require_within(double violation, double allowed) {
+    if (!(violation <= allowed)) result_.failed = true;  // also when it is not a number
+  }
+
+  const double feasibility_, optimality_;
+  Violations result_;
+};
+
+class Check : Allowance {
  public:
   Check(const Model& model, const CheckRequest& request)
-      : model_(model),
+      : Allowance(model.environment(), TVK_PARAM_EPRHS, TVK_PARAM_EPOPT),
+        model_(model),
         request_(request),
-        feasibility_(kAllowance * model.environment().double_parameter(TVK_PARAM_EPRHS)),
-        optimality_(kAllowance * model.environment().double_parameter(TVK_PARAM_EPOPT)),
         x_(model.all<double>(TVKgetx, model.columns())),
         bounds_(column_bounds(model)),
         cost_(model.all<double>(TVKgetobj, model.columns())),
@@ -115,26 +131,104 @@ class Check {
     });
   }
 
-  void require_within(double violation, double allowed) {
-    if (!(violation <= allowed)) result_.failed = true;  // also when it is not a number
-  }
-
   const Model& model_;
   const CheckRequest request_;
-  const double feasibility_, optimality_;
   const std::vector<double> x_;
   const Limits bounds_;
   const std::vector<double> cost_;
   const Limits rows_;
   std::vector<char> type_;
   std::vector<Sum> activity_;
-  Violations result_;
 };
+
+class FlowCheck : Allowance {
+ public:
+  FlowCheck(const Network& network, const CheckRequest& request)
+      : Allowance(network.environment(), TVK_PARAM_NETEPRHS, TVK_PARAM_NETEPOPT),
+        network_(network),
+        request_(request),
+        tail_(static_cast<std::size_t>(network.arcs())),
+        head_(tail_.size()) {
+    if (tail_.empty()) return;
+    network.environment().check(TVKNETgetarcends(network.environment().handle(), network.handle(),
+                                                 tail_.data(), head_.data(), 0, network.arcs() - 1));
+  }
+
+  Violations run() {
+    arcs();
+    nodes();
+    return result_;
+  }
+
+ private:
+  void arcs() {
+    const int count = network_.arcs(), nodes = network_.nodes();
+    const auto flow = network_.all(TVKNETgetx, count), cost = network_.all(TVKNETgetobj, count);
+    const auto lower = network_.all(TVKNETgetlb, count), upper = network_.all(TVKNETgetub, count);
+    const auto pi = request_.with_duals ? network_.all(TVKNETgetpi, nodes) : std::vector<double>();
+    const bool maximizes = TVKNETgetobjsen(network_.environment().handle(), network_.handle()) < 0;
+    result_.has_duals = request_.with_duals;
+    outflow_.resize(static_cast<std::size_t>(nodes));
+    Sum objective;
+    for (std::size_t a = 0; a < flow.size(); ++a) {
+      const auto tail = static_cast<std::size_t>(tail_[a]), head = static_cast<std::size_t>(head_[a]);
+      const double violation = outside(flow[a], lower[a], upper[a]);
+      result_.bound.update(violation, static_cast<int>(a));
+      require_within(violation, feasibility_ * std::max(1.0, std::abs(flow[a])));
+      outflow_[tail].add(1.0, flow[a]);
+      outflow_[head].add(-1.0, flow[a]);
+      objective.add(cost[a], flow[a]);
+      if (pi.empty()) continue;
+      Sum reduced;
+      reduced.add(cost[a], 1.0);
+      reduced.add(-pi[tail], 1.0);
+      reduced.add(pi[head], 1.0);
+      const double wrong =
+          residual(flow[a], lower[a], upper[a], maximizes ? -reduced.value() : reduced.value());
+      result_.dual_column.update(wrong, static_cast<int>(a));
+      require_within(wrong, optimality_ * reduced.size());
+    }
+    result_.objective_difference = std::abs(objective.value() - request_.objective) / objective.size();
+    require_within(result_.objective_difference, kObjectiveTolerance);
+  }
+
+  void nodes() {
+    const auto supply = network_.all(TVKNETgetsupply, network_.nodes());
+    for (std::size_t v = 0; v < supply.size(); ++v) {
+      const double violation = outside(outflow_[v].value(), supply[v], supply[v]);
+      result_.row.update(violation, static_cast<int>(v));
+      require_within(violation, feasibility_ * std::max(outflow_[v].size(), std::abs(supply[v])));
+    }
+  }
+
+  const Network& network_;
+  const CheckRequest request_;
+  std::vector<int> tail_, head_;
+  std::vector<Sum> outflow_;
+};
+
+/* The worst places get their names; `row_name` and `column_name` tell them. */
+template <class RowName, class ColumnName>
+Violations with_names(Violations found, RowName row_name, ColumnName column_name) {
+  for (LargestViolation* largest : {&found.row, &found.dual_row})
+    if (largest->index >= 0) largest->name = row_name(largest->index);
+  for (LargestViolation* largest : {&found.bound, &found.integrality, &found.dual_column})
+    if (largest->index >= 0) largest->name = column_name(largest->index);
+  return found;
+}
 
 }  // namespace
 
 Violations check_solution(const Model& model, const CheckRequest& request) {
-  return Check(model, request).run();
+  return with_names(
+      Check(model, request).run(), [&](int i) { return model.row_name(i); },
+      [&](int j) { return model.column_name(j); });
+}
+
+Violations check_flow(const Network& network, const CheckRequest& request) {
+  return with_names(
+      FlowCheck(network, request).run(), [&](int v) { return network.node_names(v, v).front(); },
+      [&](int a) { return network.arc_names(a, a).front(); });
 }
 
 }  // namespace tovik::cli

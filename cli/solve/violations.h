@@ -21,4 +21,8 @@ struct CheckRequest {
 
 Violations check_solution(const Model& model, const CheckRequest& request);
 
+/* Flows and, where they claim to be optimal, potentials of a network, in the same manner: rows are the balances of the
+ * nodes. */
+Violations check_flow(const Network& network, const CheckRequest& request);
+
 }  // namespace tovik::cli
