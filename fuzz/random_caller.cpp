@@ -15,8 +15,8 @@ namespace {
 
 /* What may run long or leave no problem to compare, as its contract says. */
 bool is_optimizer(const std::string& name) {
-  static const char* const kNames[] = {"lpopt",  "mipopt",   "primopt", "dualopt",     "siftopt",
-                                       "baropt", "presolve", "pivot",   "strongbranch"};
+  static const char* const kNames[] = {"lpopt",  "mipopt", "primopt",  "dualopt", "siftopt",
+                                       "baropt", "netopt", "presolve", "pivot",   "strongbranch"};
   return std::any_of(std::begin(kNames), std::end(kNames),
                      [&](const char* part) { return name.find(part) != std::string::npos; });
 }
@@ -159,9 +159,10 @@ void Caller::search_with_callbacks() {
   TVKsetincumbentcallbackfunc(env, function(60), this);
   TVKsetsolvecallbackfunc(env, function(70), this);
   TVKsetdeletenodecallbackfunc(env, function(60), this);
-  limit_runs();
-  TVKmipopt(env, lp);
-  if (chance(50)) TVKmipopt(env, lp);
+  for (int k = below(2); k >= 0; --k) {
+    limit_runs();  // anew: a callback may have changed the parameters
+    TVKmipopt(env, lp);
+  }
 }
 
 /* In a callback with a context the routines that want one come more often. */
@@ -180,7 +181,11 @@ const RandomCall& Caller::any_call() {
 }
 
 bool Caller::step() {
-  if (++calls_ % 64 == 0) refill();
+  ++calls_;
+  if (depth_ == 0 && calls_ >= next_refill_) {
+    refill();
+    next_refill_ = calls_ + 64;
+  }
   if (depth_ == 0 && calls_ % 50 == 7) search_with_callbacks();
   const RandomCall& call = any_call();
   const std::vector<void*> outer = std::exchange(arrays_, {});

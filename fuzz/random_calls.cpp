@@ -56,7 +56,7 @@ int main(int count, char** arguments) {
   const std::filesystem::path place =
       std::filesystem::is_directory(memory) ? memory : std::filesystem::temp_directory_path();
   std::string folder = place / "tovik-calls-XXXXXX";
-  if (mkdtemp(folder.data()) == nullptr) return 2;
+  if (mkdtemp(folder.data()) == nullptr || chdir(folder.c_str()) != 0) return 2;
   const auto begin = std::chrono::steady_clock::now();
   const auto elapsed = [&] {
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();

@@ -192,6 +192,7 @@ class Caller {
   Callback callback_;  // that is running
   int code_ = 0, depth_ = 0, deliveries_ = 0;
   std::uint64_t calls_ = 0, nested_calls_ = 0, succeeded_ = 0;
+  std::uint64_t next_refill_ = 1;  // in calls
   bool changes_ = false, quiet_ = false;
 };
 
