@@ -467,7 +467,8 @@ TVK_API void TVKEgeneric_unlock(void *lock);
 /* ---- Callbacks and stopping ---- */
 
 /* Registers the function that the continuous optimizers call while they run (null: none): `wherefrom` is 1 on each
- * simplex iteration and 7 during presolve, `handle` is the pointer given here. A result other than 0 stops the
+ * simplex iteration, 3 on each of the network simplex in TVKhybnetopt, 4 and 5 during the primal and the dual pushes of
+ * crossover, 6 on each barrier iteration and 7 during presolve, `handle` is the pointer given here. A result other than 0 stops the
  * optimization, which then ends with status TVK_STATUS_USER_ABORT. `cbdata` is opaque, for TVKgetcallbackinfo. The
  * function may ask the problem that is being optimized for what it holds; changing, optimizing or freeing it gives 1804,
  * and so does what needs a factored basis. */
@@ -521,13 +522,16 @@ TVK_API int TVKgettuningcallbackfunc(ConstEnvHandle env, int (**func_p)(ConstEnv
 
 /* Items of TVKgetcallbackinfo, ints but where it says double. Numbers that the method does not have at that time are 1e20:
  * in the first phase of the dual simplex objective and primal infeasibility, in the first phase of the primal simplex dual
- * infeasibility. While sifting all are those of the working problem. */
+ * infeasibility. While sifting all are those of the working problem. From barrier come the items 1 to 3 (infeasibilities
+ * being the largest of any row or column), 6 and 8, from crossover 6 and 7. */
 #define TVK_CALLBACK_INFO_OBJECTIVE 1        /* double: of the point, or the bound that the dual simplex has reached */
 #define TVK_CALLBACK_INFO_PRIMAL_INFEAS 2    /* double: sum of bound and row violations, scaled and presolved */
 #define TVK_CALLBACK_INFO_DUAL_INFEAS 3      /* double: sum of reduced costs of the wrong sign, likewise */
 #define TVK_CALLBACK_INFO_PHASE 4            /* 1 or 2; 0 where a claim is made sure of by auxiliary problems */
 #define TVK_CALLBACK_INFO_METHOD 5           /* 1 primal, 2 dual simplex */
-#define TVK_CALLBACK_INFO_ITERATIONS 6       /* of the simplex that is running */
+#define TVK_CALLBACK_INFO_ITERATIONS 6       /* of the simplex or barrier that is running; exchanges of crossover */
+#define TVK_CALLBACK_INFO_PUSHES_LEFT 7      /* of crossover: of the kind that is at work */
+#define TVK_CALLBACK_INFO_DUAL_OBJECTIVE 8   /* double: of barrier */
 #define TVK_CALLBACK_INFO_ROWS_REMOVED 13    /* by presolve so far, substitutions included */
 #define TVK_CALLBACK_INFO_COLUMNS_REMOVED 14
 #define TVK_CALLBACK_INFO_SUBSTITUTIONS 15
@@ -1042,8 +1046,13 @@ TVK_API int TVKgetcrossdexchcnt(ConstEnvHandle env, ConstProbHandle lp);
  *           by entries of the basis, null without a factor) and kernel (the order of what singletons leave); of all of them
  *           builds, updates, refused_updates; triangles solved with only where there are values (sparse_sweeps), as a whole
  *           (plain_sweeps) or in one way after the other (switched_sweeps), and joint_solves, vectors solved for several at once
- * ticks     deterministic work by kind: presolve, sifting, factor_builds, factor_solves, factor_updates, and simplex, all the
- *           rest. Sifting's working problems are counted under sifting alone
+ * barrier   only where it ran: iterations, factorizations, solves, rows of the system that was factored, factor_nonzeros,
+ *           factor_flops (of one factorization), ordering_seconds, seconds; with it crossover: primal_pushes,
+ *           primal_exchanges, dual_pushes, dual_exchanges, seconds
+ * network   only of TVKhybnetopt and its method: nodes and arcs that were found, iterations, phase1_iterations,
+ *           extraction_seconds, seconds
+ * ticks     deterministic work by kind: presolve, sifting, factor_builds, factor_solves, factor_updates, barrier, network, and
+ *           simplex, all the rest, crossover too. Sifting's working problems are counted under sifting alone
  * mip       only of a mixed-integer search, all runs of a tree together; objectives and bounds in the sense of the problem, null
  *           where there is none, seconds by the clock that TVK_PARAM_CLOCKTYPE names: seconds, nodes, nodes_left,
  *           nodes_per_second behind the root, largest_depth, tree_cut_rounds, solutions, best_bound; iterations: all, and those of

@@ -14,7 +14,8 @@ constexpr double kFirst = 1.0, kLeastBetween = 2.0, kMostBetween = 60.0;  // sec
 constexpr double kNoValue = 1e75;                                         // values from here on are none
 constexpr double kShareBetween = 0.1;                                     // of the time so far
 constexpr double kMostBetweenNodes = 3.0;  // of a search, without a line of its log
-constexpr int kInSimplex = 1, kInNetwork = 3, kInPresolve = 7;
+constexpr int kInSimplex = 1, kInNetwork = 3, kInPrimalCrossover = 4, kInDualCrossover = 5, kInBarrier = 6,
+              kInPresolve = 7;
 
 /* One callback's answers. */
 class Asked {
@@ -39,6 +40,15 @@ class Asked {
   int wherefrom_;
 };
 
+std::string infeasibilities(const Asked& asked) {
+  std::string text;
+  if (const auto primal = asked.number(TVK_CALLBACK_INFO_PRIMAL_INFEAS))
+    text += format(", primal infeasibility %.3g", *primal);
+  if (const auto dual = asked.number(TVK_CALLBACK_INFO_DUAL_INFEAS))
+    text += format(", dual infeasibility %.3g", *dual);
+  return text;
+}
+
 std::string simplex_text(const Asked& asked) {
   const int phase = asked.count(TVK_CALLBACK_INFO_PHASE);
   if (phase == 0) return "making sure of the answer";
@@ -47,11 +57,7 @@ std::string simplex_text(const Asked& asked) {
              phase, asked.count(TVK_CALLBACK_INFO_ITERATIONS));
   if (const auto objective = asked.number(TVK_CALLBACK_INFO_OBJECTIVE))
     text += format(", objective %.9g", *objective);
-  if (const auto primal = asked.number(TVK_CALLBACK_INFO_PRIMAL_INFEAS))
-    text += format(", primal infeasibility %.3g", *primal);
-  if (const auto dual = asked.number(TVK_CALLBACK_INFO_DUAL_INFEAS))
-    text += format(", dual infeasibility %.3g", *dual);
-  return text;
+  return text + infeasibilities(asked);
 }
 
 std::string network_text(const Asked& asked) {
@@ -62,9 +68,41 @@ std::string network_text(const Asked& asked) {
   return text;
 }
 
+std::string barrier_text(const Asked& asked) {
+  std::string text = format("barrier, iteration %d", asked.count(TVK_CALLBACK_INFO_ITERATIONS));
+  if (const auto objective = asked.number(TVK_CALLBACK_INFO_OBJECTIVE))
+    text += format(", objective %.9g", *objective);
+  if (const auto objective = asked.number(TVK_CALLBACK_INFO_DUAL_OBJECTIVE))
+    text += format(", dual objective %.9g", *objective);
+  return text + infeasibilities(asked);
+}
+
+std::string crossover_text(const Asked& asked, const char* kind) {
+  return format("crossover, %s pushes left %d", kind, asked.count(TVK_CALLBACK_INFO_PUSHES_LEFT));
+}
+
 std::string presolve_text(const Asked& asked) {
   return "presolve, " + counted(asked.count(TVK_CALLBACK_INFO_ROWS_REMOVED), "row") + " and " +
          counted(asked.count(TVK_CALLBACK_INFO_COLUMNS_REMOVED), "column") + " removed";
+}
+
+std::string text_of(const Asked& asked, int wherefrom) {
+  switch (wherefrom) {
+    case kInSimplex:
+      return simplex_text(asked);
+    case kInNetwork:
+      return network_text(asked);
+    case kInPrimalCrossover:
+      return crossover_text(asked, "primal");
+    case kInDualCrossover:
+      return crossover_text(asked, "dual");
+    case kInBarrier:
+      return barrier_text(asked);
+    case kInPresolve:
+      return presolve_text(asked);
+    default:
+      return "";
+  }
 }
 
 std::string search_text(const Asked& asked) {
@@ -119,11 +157,7 @@ int ProgressLines::on_call(ConstEnvHandle env, void* cbdata, int wherefrom, void
 
 void ProgressLines::tell(ConstEnvHandle env, void* cbdata, int wherefrom, double seconds) {
   next_ = seconds + std::clamp(kShareBetween * seconds, kLeastBetween, kMostBetween);
-  const Asked asked(env, cbdata, wherefrom);
-  const std::string text = wherefrom == kInSimplex    ? simplex_text(asked)
-                           : wherefrom == kInNetwork  ? network_text(asked)
-                           : wherefrom == kInPresolve ? presolve_text(asked)
-                                                      : "";
+  const std::string text = text_of({env, cbdata, wherefrom}, wherefrom);
   if (!text.empty()) console_.progress(format("%8.1f s  ", seconds) + text + "\n");
 }
 

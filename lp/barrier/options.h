@@ -102,6 +102,7 @@ struct Result {
   std::int64_t iterations = 0;
   double factor_seconds = 0, solve_seconds = 0;
   std::int64_t factorizations = 0, solves = 0;
+  Setup setup;
 };
 
 }  // namespace tovik::lp::barrier

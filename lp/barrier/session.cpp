@@ -42,11 +42,9 @@ bool Session::prepare() {
   constexpr int kLargest = 10;
   corrections_ = options.correctors >= 0 ? std::min(options.correctors, kLargest)
                                          : corrections_by_cost(kkt.factor_cost(), kkt.solve_cost());
-  if (observer != nullptr) {
-    Setup setup = kkt.setup();
-    setup.correctors = corrections_;
-    observer->setup(setup);
-  }
+  result.setup = kkt.setup();
+  result.setup.correctors = corrections_;
+  if (observer != nullptr) observer->setup(result.setup);
   return true;
 }
 
@@ -231,9 +229,19 @@ bool Session::proves_unbounded(const std::vector<double>& x, Ending ending) {
   return false;
 }
 
+Progress Session::progress() const {
+  return BarrierProgress{.iterations = result.iterations,
+                         .primal_objective = now_.primal_objective,
+                         .dual_objective = now_.dual_objective,
+                         .primal_infeasibility = std::max(now_.primal, now_.upper),
+                         .dual_infeasibility = now_.dual};
+}
+
 bool Session::must_stop() {
-  const Stop now = control.poll();
-  switch (now != Stop::none ? now : control.poll_clock()) {
+  Stop now = control.poll();
+  if (now == Stop::none) now = control.poll_clock();
+  if (now == Stop::none && std::exchange(is_news_, false)) now = control.iteration_callback(*this);
+  switch (now) {
     case Stop::time_limit:
       end(Ending::time_limit);
       return true;
@@ -284,6 +292,8 @@ void Session::end(Ending ending) {
 }
 
 void Session::log(const Quality& q, double mean_product, std::optional<double> ratio) {
+  now_ = q;
+  is_news_ = true;
   if (observer == nullptr) return;
   Iteration now;
   now.number = result.iterations;

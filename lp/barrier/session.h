@@ -20,7 +20,7 @@ struct Quality {
   double worst() const { return std::max({relative_primal, relative_dual, gap}); }
 };
 
-class Session {
+class Session : private ProgressSource {
  public:
   Session(const LpData& lp, const Options& options, Control& control, Observer* observer);
 
@@ -71,6 +71,11 @@ class Session {
   bool proves_infeasible(const std::vector<double>& y);
   bool proves_unbounded(const std::vector<double>& x, Ending ending);
 
+  CallOrigin origin() const override { return CallOrigin::barrier; }
+  Progress progress() const override;
+
+  Quality now_;           // of the point at hand
+  bool is_news_ = false;  // the callback does not know it yet
   Point best_;
   double best_tau_ = 1;
   bool has_best_ = false;

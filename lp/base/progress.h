@@ -22,11 +22,34 @@ struct PresolveProgress {
   int bounds_improved = 0;
 };
 
-using Progress = std::variant<SimplexProgress, PresolveProgress>;
+/* Infeasibilities are the largest of any row or column. */
+struct BarrierProgress {
+  std::int64_t iterations = 0;
+  double primal_objective = 0, dual_objective = 0;  // of the minimization form
+  double primal_infeasibility = 0, dual_infeasibility = 0;
+};
+
+struct CrossoverProgress {
+  std::int64_t exchanges = 0;
+  int left = 0;  // pushes of the kind at work
+};
+
+using Progress = std::variant<SimplexProgress, PresolveProgress, BarrierProgress, CrossoverProgress>;
+
+/* What is at work; the numbers are those that callbacks are told. */
+enum class CallOrigin {
+  simplex = 1,
+  network = 3,
+  primal_crossover = 4,
+  dual_crossover = 5,
+  barrier = 6,
+  presolve = 7
+};
 
 class ProgressSource {
  public:
   virtual ~ProgressSource() = default;
+  virtual CallOrigin origin() const { return CallOrigin::simplex; }
   virtual Progress progress() const = 0;
 };
 

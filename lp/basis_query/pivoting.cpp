@@ -38,7 +38,7 @@ Status pivot_in(Environment& env, Problem& problem, const int* rows, int count) 
   BasisView view;
   if (const Status status = view.open(env, problem); !status.ok()) return status;
   EngineGuard guard(problem);
-  EngineControl control(env, problem, CalledFrom::simplex);
+  EngineControl control(env, problem);
   view.engine().set_control(control, nullptr);
   if (!view.engine().pivot_rows_in({rows, static_cast<size_t>(count)}))
     return Status(TVK_ERROR_BASIS_SINGULAR);
@@ -60,7 +60,7 @@ Status pivot_out(Environment& env, Problem& problem, const int* columns, int cou
   BasisView view;
   if (const Status status = view.open(env, problem); !status.ok()) return status;
   EngineGuard guard(problem);
-  EngineControl control(env, problem, CalledFrom::simplex);
+  EngineControl control(env, problem);
   view.engine().set_control(control, nullptr);
   if (!view.engine().pivot_columns_out({columns, static_cast<size_t>(count)}))
     return Status(TVK_ERROR_BASIS_SINGULAR);
@@ -85,7 +85,7 @@ Status strong_branch(Environment& env, Problem& problem, const Branching& reques
   if (const Status status = view.open(env, problem); !status.ok()) return status;
   simplex::Relaxation& engine = view.engine();
   EngineGuard guard(problem);
-  EngineControl control(env, problem, CalledFrom::simplex);
+  EngineControl control(env, problem);
   const double sign = problem.model->objective_sense();
   Status result;
   const auto branch = [&](int j, double bound, simplex::Side side) {

@@ -35,18 +35,62 @@ Status write_presolve(int item, const PresolveProgress& now, void* result) {
   }
 }
 
+int count_of(std::int64_t count) {
+  return static_cast<int>(std::min<std::int64_t>(count, 2100000000));
+}
+
+Status write_barrier(int item, const BarrierProgress& now, void* result) {
+  switch (item) {
+    case TVK_CALLBACK_INFO_OBJECTIVE:
+      return put(result, now.primal_objective);
+    case TVK_CALLBACK_INFO_DUAL_OBJECTIVE:
+      return put(result, now.dual_objective);
+    case TVK_CALLBACK_INFO_PRIMAL_INFEAS:
+      return put(result, now.primal_infeasibility);
+    case TVK_CALLBACK_INFO_DUAL_INFEAS:
+      return put(result, now.dual_infeasibility);
+    case TVK_CALLBACK_INFO_ITERATIONS:
+      return put(result, count_of(now.iterations));
+    default:
+      return TVK_ERROR_BAD_ARGUMENT;
+  }
+}
+
+Status write_crossover(int item, const CrossoverProgress& now, void* result) {
+  switch (item) {
+    case TVK_CALLBACK_INFO_ITERATIONS:
+      return put(result, count_of(now.exchanges));
+    case TVK_CALLBACK_INFO_PUSHES_LEFT:
+      return put(result, now.left);
+    default:
+      return TVK_ERROR_BAD_ARGUMENT;
+  }
+}
+
 }  // namespace
 
-CallbackFrame::CallbackFrame(Environment& env, const void* cbdata, CalledFrom from, Numbers numbers,
+CallbackFrame::CallbackFrame(Environment& env, const void* cbdata, Numbers numbers,
                              const ProgressSource& source, double objective_sense)
-    : RunningCallback(env.running_callback, cbdata, static_cast<int>(from)),
+    : RunningCallback(env.running_callback, cbdata, static_cast<int>(source.origin())),
       env_(env),
       numbers_(numbers),
       source_(source),
       objective_sense_(objective_sense) {}
 
+void CallbackFrame::measure_barrier(BarrierProgress& now) const {
+  if (numbers_ == Numbers::of_dual_form) {
+    std::swap(now.primal_infeasibility, now.dual_infeasibility);
+    std::swap(now.primal_objective, now.dual_objective);
+    now.primal_objective = -now.primal_objective;
+    now.dual_objective = -now.dual_objective;
+  }
+  now.primal_objective *= objective_sense_;
+  now.dual_objective *= objective_sense_;
+}
+
 void CallbackFrame::measure() {
   measured_ = source_.progress();
+  if (auto* barrier = std::get_if<BarrierProgress>(&*measured_)) measure_barrier(*barrier);
   auto* now = std::get_if<SimplexProgress>(&*measured_);
   if (now == nullptr) return;
   if (numbers_ == Numbers::of_dual_form) {
@@ -70,7 +114,7 @@ Status CallbackFrame::write_simplex(int item, const SimplexProgress& now, void* 
     case TVK_CALLBACK_INFO_METHOD:
       return put(result, now.dual ? 2 : 1);
     case TVK_CALLBACK_INFO_ITERATIONS:
-      return put(result, static_cast<int>(std::min<std::int64_t>(now.iterations, 2100000000)));
+      return put(result, count_of(now.iterations));
     default:
       return TVK_ERROR_BAD_ARGUMENT;
   }
@@ -85,6 +129,10 @@ Status CallbackFrame::write(int item, void* result) {
   if (!measured_) measure();
   if (const auto* presolve = std::get_if<PresolveProgress>(&*measured_))
     return write_presolve(item, *presolve, result);
+  if (const auto* barrier = std::get_if<BarrierProgress>(&*measured_))
+    return write_barrier(item, *barrier, result);
+  if (const auto* crossover = std::get_if<CrossoverProgress>(&*measured_))
+    return write_crossover(item, *crossover, result);
   SimplexProgress now = std::get<SimplexProgress>(*measured_);
   if (numbers_ == Numbers::hidden)
     now.objective = now.primal_infeasibility = now.dual_infeasibility = TVK_INFBOUND;

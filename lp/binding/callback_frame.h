@@ -9,9 +9,6 @@
 
 namespace tovik::lp::run {
 
-/* What the LP callback, or that of networks, is told about where it is called from. */
-enum class CalledFrom { simplex = 1, network = 3, presolve = 7 };
-
 /* Which problem an engine's numbers speak of. */
 enum class Numbers {
   of_problem,
@@ -21,12 +18,13 @@ enum class Numbers {
 
 class CallbackFrame : public RunningCallback {
  public:
-  CallbackFrame(Environment& env, const void* cbdata, CalledFrom from, Numbers numbers,
-                const ProgressSource& source, double objective_sense);
+  CallbackFrame(Environment& env, const void* cbdata, Numbers numbers, const ProgressSource& source,
+                double objective_sense);
   Status write(int item, void* result) override;
 
  private:
   void measure();
+  void measure_barrier(BarrierProgress& now) const;
   Status write_simplex(int item, const SimplexProgress& now, void* result) const;
 
   Environment& env_;

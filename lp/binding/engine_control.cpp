@@ -37,16 +37,17 @@ Stop EngineLimits::poll_clock() {
   return Stop::none;
 }
 
-EngineControl::EngineControl(Environment& env, Problem& problem, CalledFrom called_from, Numbers numbers)
-    : EngineLimits(env), problem_(problem), called_from_(called_from), numbers_(numbers) {}
+EngineControl::EngineControl(Environment& env, Problem& problem, Numbers numbers)
+    : EngineLimits(env), problem_(problem), numbers_(numbers) {}
 
 Stop EngineControl::iteration_callback(const ProgressSource& now) {
   const auto& slot = env_.callbacks.lp;
   if (!slot) return Stop::none;
-  const CallbackFrame frame(env_, &problem_, called_from_, numbers_, now, problem_.model->objective_sense());
+  const CallbackFrame frame(env_, &problem_, numbers_, now, problem_.model->objective_sense());
   const int asks_to_stop =
-      slot.function(to_handle(&env_), &problem_, static_cast<int>(called_from_), slot.handle);
-  return asks_to_stop != 0 ? Stop::user_abort : Stop::none;
+      slot.function(to_handle(&env_), &problem_, static_cast<int>(now.origin()), slot.handle);
+  if (asks_to_stop != 0) is_stopped_ = true;
+  return is_stopped_ ? Stop::user_abort : Stop::none;
 }
 
 }  // namespace tovik::lp::run

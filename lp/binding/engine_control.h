@@ -29,13 +29,14 @@ class EngineLimits : public Control {
 
 class EngineControl : public EngineLimits {
  public:
-  EngineControl(Environment& env, Problem& problem, CalledFrom called_from,
-                Numbers numbers = Numbers::of_problem);
+  EngineControl(Environment& env, Problem& problem, Numbers numbers = Numbers::of_problem);
+  /* A callback that has asked to stop has asked all that follows in the run. */
+  Stop poll() override { return is_stopped_ ? Stop::user_abort : EngineLimits::poll(); }
   Stop iteration_callback(const ProgressSource& now) override;
 
  private:
+  bool is_stopped_ = false;
   Problem& problem_;
-  CalledFrom called_from_;
   Numbers numbers_;
 };
 

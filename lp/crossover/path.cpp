@@ -165,11 +165,19 @@ bool Path::must_stop() {
   if (result.stop == Stop::none && core.total_work() >= next_clock_) {
     next_clock_ = core.total_work() + kClockTicks;
     result.stop = core.control->poll_clock();
+    if (result.stop == Stop::none) result.stop = core.control->iteration_callback(*this);
   }
   return result.stop != Stop::none;
 }
 
+lp::Progress Path::progress() const {
+  return CrossoverProgress{.exchanges = result.counts.primal_exchanges + result.counts.dual_exchanges,
+                           .left = left_};
+}
+
 void Path::tell(bool primal, int left) {
+  primal_ = primal;
+  left_ = left;
   if (observer == nullptr) return;
   const double now = core.control->seconds();
   if (now < last_told_ + kTellSeconds) return;

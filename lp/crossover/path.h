@@ -14,7 +14,7 @@
 
 namespace tovik::lp::crossover {
 
-class Path {
+class Path : private ProgressSource {
  public:
   Path(simplex::Core& core, const ComplementaryStart& start, Observer* observer);
 
@@ -70,6 +70,10 @@ class Path {
   Result result;
 
  private:
+  CallOrigin origin() const override {
+    return primal_ ? CallOrigin::primal_crossover : CallOrigin::dual_crossover;
+  }
+  lp::Progress progress() const override;
   void place(const ComplementaryStart& start, int j);
   double bound(int j, int move) const {
     return move > 0 ? core.model.lower(j) : move < 0 ? core.model.upper(j) : kInf;
@@ -84,6 +88,8 @@ class Path {
   int repairs_left_ = 1000;  // exchanges
   std::int64_t next_clock_ = 0;
   double last_told_ = 0;
+  bool primal_ = false;  // what tell() was told last
+  int left_ = 0;
 };
 
 }  // namespace tovik::lp::crossover

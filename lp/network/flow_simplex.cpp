@@ -301,12 +301,13 @@ void FlowSimplex::store_ray(const Cycle& cycle) {
 Stop FlowSimplex::poll() {
   work_ += pricing_.work();
   if (const Stop stop = control_.iteration_callback(*this); stop != Stop::none) return stop;
-  if (work_ < kPollWork) return Stop::none;
+  const bool first = iterations_ == 0;  // small networks, too, know their limits
+  if (work_ < kPollWork && !first) return Stop::none;
   control_.add_work(work_);
   clock_work_ += work_;
   work_ = 0;
   if (const Stop stop = control_.poll(); stop != Stop::none) return stop;
-  if (clock_work_ < kClockWork) return Stop::none;
+  if (clock_work_ < kClockWork && !first) return Stop::none;
   clock_work_ = 0;
   return control_.poll_clock();
 }

@@ -48,6 +48,7 @@ class FlowSimplex : private ProgressSource {
   /* What the artificial arcs carry. */
   double infeasibility() const;
   FlowProgress flow_progress() const;
+  CallOrigin origin() const override { return CallOrigin::network; }
 
  private:
   enum class Phase { penalty, infeasibility, cost };

@@ -35,6 +35,7 @@ struct Activity {
 
 class Workspace : public ProgressSource {
  public:
+  CallOrigin origin() const override { return CallOrigin::presolve; }
   /* The original outlives the workspace. protected_columns: empty, or one flag for each column. */
   Workspace(const LpData& original, const Settings& settings, Control& control,
             const std::vector<char>& protected_columns);

@@ -86,7 +86,7 @@ presolve::Settings presolve_settings(const Environment& env) {
 
 std::unique_ptr<Presolved> make_presolved(Environment& env, Problem& problem) {
   auto record = std::make_unique<Presolved>();
-  EngineControl control(env, problem, CalledFrom::presolve);
+  EngineControl control(env, problem);
   record->original = build_lp(*problem.model);
   record->sign = problem.model->objective_sense();
   const presolve::Settings settings = presolve_settings(env);

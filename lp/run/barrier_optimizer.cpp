@@ -71,13 +71,24 @@ barrier::Options barrier_options(const Environment& env) {
 }
 
 barrier::Result run_interior_point(const Environment& env, const Problem& problem, const LpData& lp,
-                                   Control& control) {
+                                   Control& control, BarrierCounts& counts) {
   const barrier::Options options = barrier_options(env);
   BarrierLog log(env, problem, options);
   log.begin();
   const double begin = control.seconds();
+  const std::uint64_t work_begin = env.work->ticks;
   barrier::Result result = barrier::solve(lp, options, control, &log);
-  log.end(result.ending, control.seconds() - begin);
+  const double seconds = control.seconds() - begin;
+  log.end(result.ending, seconds);
+  counts.iterations += static_cast<int>(result.iterations);
+  counts.factorizations += result.factorizations;
+  counts.solves += result.solves;
+  counts.rows = result.setup.counts.rows;
+  counts.factor_entries = result.setup.counts.entries;
+  counts.factor_flops = result.setup.counts.flops;
+  counts.ordering_seconds += result.setup.counts.ordering_seconds;
+  counts.seconds += seconds;
+  counts.ticks += static_cast<std::int64_t>(env.work->ticks - work_begin);
   return result;
 }
 
@@ -116,13 +127,13 @@ Answer answer_near(const LpData& lp, barrier::Result& result) {
 
 Outcome BarrierOptimizer::optimize(const RunContext& context) {
   statistics_ = {};
+  BarrierCounts& counts = *context.algorithm.barrier;
   barrier::Result result;
   if (has_crossed_bounds(lp_)) {
     result.ending = barrier::Ending::no_progress;
   } else {
-    result = run_interior_point(context.env, context.problem, lp_, context.control);
+    result = run_interior_point(context.env, context.problem, lp_, context.control, counts);
   }
-  context.algorithm.barrier->iterations += static_cast<int>(result.iterations);
   ran_out_of_memory_ = result.ending == barrier::Ending::out_of_memory;
   if (const Outcome ended = outcome_of(result.ending); ended != Outcome::optimal) {
     answer_ = answer_near(lp_, result);
@@ -138,7 +149,8 @@ Outcome BarrierOptimizer::optimize(const RunContext& context) {
     optimizer.set_start({near.column_status, near.row_status, {}});
   } else if (result.has_point) {
     const CrossedOver crossed = cross_over(context, result, optimizer.engine());
-    context.algorithm.barrier->crossover = crossed.counts;
+    counts.crossover = crossed.counts;
+    counts.crossover_seconds += context.control.seconds() - begin;
     simplex.method = crossed.clean_up;
   }
   const Outcome outcome = optimizer.optimize(rest);

@@ -12,9 +12,9 @@ namespace tovik::lp::run {
 /* The parameters. */
 barrier::Options barrier_options(const Environment& env);
 
-/* Runs the method on an LP without crossed bounds, with its log. */
+/* Runs the method on an LP without crossed bounds, with its log, and adds what it did to `counts`. */
 barrier::Result run_interior_point(const Environment& env, const Problem& problem, const LpData& lp,
-                                   Control& control);
+                                   Control& control, BarrierCounts& counts);
 
 /* Some column's or row's lower limit lies above its upper one: no interior point is asked. */
 bool has_crossed_bounds(const LpData& lp);

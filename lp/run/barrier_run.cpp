@@ -58,13 +58,42 @@ Judgement judge(const LpData& lp, const Answer& answer) {
   return found;
 }
 
+/* From presolve to the end, with what was done before added up in `counts`. */
+Status cross_over(Environment& env, Problem& problem, Method method, BarrierCounts& counts) {
+  const Algorithm algorithm{method, false, &counts};
+  const Status status = env.settings.integer(TVK_PARAM_PREIND) != 0
+                            ? run_presolved(env, problem, algorithm)
+                            : cross_over_unpresolved(env, problem, algorithm);
+  if (status.ok()) store_counts(counts, problem);
+  return status;
+}
+
+/* Tells, when it ends, how long its run by several threads has taken. */
+class TotalTime {
+ public:
+  explicit TotalTime(const Environment& env)
+      : env_(env), threads_(barrier_options(env).factorization.threads), begin_(clock_seconds(env)) {}
+  ~TotalTime() {
+    if (threads_ > 1 && env_.settings.integer(TVK_PARAM_BARDISPLAY) > 0)
+      message(env_.results_channel, "\nTotal real time on %d threads = %7.2f sec.\n", threads_,
+              clock_seconds(env_) - begin_);
+  }
+  TotalTime(const TotalTime&) = delete;
+  TotalTime& operator=(const TotalTime&) = delete;
+
+ private:
+  const Environment& env_;
+  const int threads_;
+  const double begin_;
+};
+
 class BarrierRun {
  public:
   BarrierRun(Environment& env, Problem& problem)
       : env_(env),
         problem_(problem),
         options_(barrier_options(env)),
-        control_(env, problem, CalledFrom::simplex),
+        control_(env, problem),
         record_(kept_record(problem)) {}
 
   Status run() {
@@ -88,8 +117,7 @@ class BarrierRun {
                     : reduction.stop == Stop::tick_limit ? Ending::tick_limit
                                                          : Ending::user_abort;
     if (result.ending == Ending::optimal && !record_->all_removed())
-      result = run_interior_point(env_, problem_, reduction.lp, control_);
-    iterations_ += static_cast<int>(result.iterations);
+      result = run_interior_point(env_, problem_, reduction.lp, control_, counts_);
     return conclude_presolved(result);
   }
 
@@ -147,8 +175,7 @@ class BarrierRun {
   Status solve_original() {
     const LpData lp = record_ != nullptr ? record_->original : build_lp(*problem_.model);
     if (has_crossed_bounds(lp)) return run_simplex(env_, problem_, {Method::dual});
-    barrier::Result result = run_interior_point(env_, problem_, lp, control_);
-    iterations_ += static_cast<int>(result.iterations);
+    barrier::Result result = run_interior_point(env_, problem_, lp, control_, counts_);
     if (result.ending == Ending::out_of_memory) return Status(TVK_ERROR_OUT_OF_MEMORY);
     return conclude(lp, result, false);
   }
@@ -203,12 +230,11 @@ class BarrierRun {
 
   /* No point was good enough: a vertex is, and stands here as a point like another. */
   Status settle_by_vertex() {
-    if (const Status status = run_barrier_with_crossover(env_, problem_, Method::primal); !status.ok())
-      return status;
+    const Status status = cross_over(env_, problem_, Method::primal, counts_);
+    if (!status.ok()) return status;
     if (problem_.solution == nullptr) return {};
     drop_basis();
     problem_.solution->method = method_code::kBarrier;
-    problem_.solution->barrier_iterations += iterations_;
     return {};
   }
 
@@ -228,8 +254,9 @@ class BarrierRun {
     store_answer(problem_, answer_, {});
     drop_basis();
     problem_.solution->method = method_code::kBarrier;
-    problem_.solution->barrier_iterations = iterations_;
+    problem_.solution->barrier_iterations = counts_.iterations;
     problem_.status = status;
+    counted.barrier = counts_;
     statistics = counted;
     return {};
   }
@@ -244,7 +271,7 @@ class BarrierRun {
   std::unique_ptr<Presolved> own_record_;
   Presolved* record_;
   Answer answer_;
-  int iterations_ = 0;
+  BarrierCounts counts_;
 };
 
 }  // namespace
@@ -252,13 +279,14 @@ class BarrierRun {
 Status run_barrier(Environment& env, Problem& problem) {
   const bool with_matrix = kept_record(problem) == nullptr;
   if (const Status finite = check_finite(env, *problem.model, with_matrix); !finite.ok()) return finite;
+  const TotalTime total(env);
   return BarrierRun(env, problem).run();
 }
 
 Status cross_over_unpresolved(Environment& env, Problem& problem, const Algorithm& algorithm) {
   const LpData lp = build_lp(*problem.model);
   if (has_crossed_bounds(lp)) return run_simplex(env, problem, {algorithm.method});
-  EngineControl control(env, problem, CalledFrom::simplex);
+  EngineControl control(env, problem);
   IterationLog log(env, problem, env.settings.integer(TVK_PARAM_SIMDISPLAY));
   OptimizationStatistics before;
   Outcome outcome;
@@ -283,15 +311,11 @@ Status cross_over_unpresolved(Environment& env, Problem& problem, const Algorith
 }
 
 Status run_barrier_with_crossover(Environment& env, Problem& problem, Method method) {
-  BarrierCounts counts;
-  const Algorithm algorithm{method, false, &counts};
   const bool with_matrix = kept_record(problem) == nullptr;
   if (const Status finite = check_finite(env, *problem.model, with_matrix); !finite.ok()) return finite;
-  const Status status = env.settings.integer(TVK_PARAM_PREIND) != 0
-                            ? run_presolved(env, problem, algorithm)
-                            : cross_over_unpresolved(env, problem, algorithm);
-  if (status.ok()) store_counts(counts, problem);
-  return status;
+  const TotalTime total(env);
+  BarrierCounts counts;
+  return cross_over(env, problem, method, counts);
 }
 
 Status resolve_crossover(const Environment& env, int argument, Crossover* crossover) {

@@ -17,7 +17,7 @@ Status BasisView::open(Environment& env, Problem& problem) {
   if (basic(problem.start.column_status) + basic(problem.start.row_status) != problem.model->num_rows())
     return Status(TVK_ERROR_BASIS_SINGULAR);
   EngineGuard guard(problem);
-  EngineControl control(env, problem, CalledFrom::simplex);
+  EngineControl control(env, problem);
   const Status status = warm_simplex(env, problem, {engine_options(env), control}, &warm_);
   if (!status.ok()) {
     guard.commit();

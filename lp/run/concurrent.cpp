@@ -57,7 +57,7 @@ class CloneControl : public EngineControl {
  public:
   CloneControl(Environment& env, Problem& problem, Numbers numbers, const FinishLine& line, int clone,
                std::uint64_t handicap)
-      : EngineControl(env, problem, CalledFrom::simplex, numbers),
+      : EngineControl(env, problem, numbers),
         work_(*env.work),
         begin_(env.work->ticks),
         line_(line),

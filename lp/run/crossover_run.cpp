@@ -4,6 +4,7 @@
 #include "env/method_code.h"
 #include "include/tovik.h"
 #include "lp/crossover/crossover.h"
+#include "lp/run/statistics.h"
 
 namespace tovik::lp::run {
 namespace {
@@ -56,6 +57,7 @@ CrossedOver cross_over(const RunContext& context, const barrier::Result& point, 
 }
 
 void store_counts(const BarrierCounts& counts, Problem& problem) {
+  if (counts.ran()) statistics_of(problem).barrier = counts;
   if (problem.solution == nullptr) return;
   Solution& solution = *problem.solution;
   solution.barrier_iterations = counts.iterations;

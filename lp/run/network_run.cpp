@@ -30,9 +30,8 @@ class NetworkControl final : public EngineLimits {
   Stop iteration_callback(const ProgressSource& now) override {
     const auto& slot = env_.callbacks.network;
     if (!slot) return Stop::none;
-    const int from = static_cast<int>(CalledFrom::network);
-    const CallbackFrame frame(env_, &problem_, CalledFrom::network, Numbers::of_problem, now,
-                              problem_.network->objective_sense());
+    const CallbackFrame frame(env_, &problem_, Numbers::of_problem, now, problem_.network->objective_sense());
+    const int from = static_cast<int>(now.origin());
     return slot.function(to_handle(&env_), &problem_, from, slot.handle) != 0 ? Stop::user_abort : Stop::none;
   }
 

@@ -12,22 +12,6 @@
 namespace tovik::lp::run {
 namespace {
 
-/* Limits are those of the run; the callback is the simplex's, which knows the LP's numbers. */
-class QuietCallback final : public Control {
- public:
-  explicit QuietCallback(Control& outside) : outside_(outside) {}
-  void log(const char* text) override { outside_.log(text); }
-  void flush() override { outside_.flush(); }
-  void add_work(std::uint64_t ticks) override { outside_.add_work(ticks); }
-  double seconds() override { return outside_.seconds(); }
-  Stop poll() override { return outside_.poll(); }
-  Stop poll_clock() override { return outside_.poll_clock(); }
-  Stop iteration_callback(const ProgressSource&) override { return Stop::none; }
-
- private:
-  Control& outside_;
-};
-
 const char* ending(Outcome outcome) {
   switch (outcome) {
     case Outcome::optimal:
@@ -64,17 +48,26 @@ void report(const Environment& env, const network::FlowAnswer& answer, double se
 Basis network_basis(const LpData& lp, const RunContext& context) {
   const Environment& env = context.env;
   const int display = env.settings.integer(TVK_PARAM_NETDISPLAY);
-  QuietCallback control(context.control);
+  Control& control = context.control;
+  NetworkCounts& counts = *context.algorithm.network;
   const double begin = control.seconds();
+  const std::uint64_t work_begin = env.work->ticks;
   const network::ExtractedNetwork found = network::extract_network(
       lp, static_cast<network::Reach>(env.settings.integer(TVK_PARAM_NETFIND)), control);
   const double extracted = control.seconds();
+  counts.extraction_seconds += extracted - begin;
   if (display != 0) message(env.results_channel, "Extraction time = %7.2f sec.\n", extracted - begin);
   const double sense = context.problem.model->objective_sense();
   const network::FlowProblem problem = found.problem();
   NetworkLog log(env, control, sense, display);
   const network::FlowAnswer answer = network::solve(
       problem, {}, flow_options(env, problem.num_arcs(), display), control, display != 0 ? &log : nullptr);
+  counts.nodes = problem.num_nodes();
+  counts.arcs = problem.num_arcs();
+  counts.iterations += answer.iterations;
+  counts.phase1_iterations += answer.phase1_iterations;
+  counts.seconds += control.seconds() - extracted;
+  counts.ticks += static_cast<std::int64_t>(env.work->ticks - work_begin);
   if (display != 0) report(env, answer, sense, control.seconds() - extracted);
   return network::basis_of_lp(lp, found, answer.basis);
 }

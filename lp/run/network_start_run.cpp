@@ -19,7 +19,7 @@ namespace tovik::lp::run {
 Status start_from_network_unpresolved(Environment& env, Problem& problem, const Algorithm& algorithm) {
   const LpData lp = build_lp(*problem.model);
   if (has_crossed_bounds(lp)) return run_simplex(env, problem, {algorithm.method});
-  EngineControl control(env, problem, CalledFrom::simplex);
+  EngineControl control(env, problem);
   IterationLog log(env, problem, env.settings.integer(TVK_PARAM_SIMDISPLAY));
   NetworkStartOptimizer optimizer(lp);
   const Outcome outcome = optimizer.optimize({env, problem, algorithm, control, &log});
@@ -41,12 +41,15 @@ Status start_from_network_unpresolved(Environment& env, Problem& problem, const 
 }
 
 Status run_from_network(Environment& env, Problem& problem, Method simplex) {
-  const Algorithm algorithm{.method = simplex, .from_network = true};
+  NetworkCounts counts;
+  const Algorithm algorithm{.method = simplex, .network = &counts};
   const bool with_matrix = kept_record(problem) == nullptr;
   if (const Status finite = check_finite(env, *problem.model, with_matrix); !finite.ok()) return finite;
-  return env.settings.integer(TVK_PARAM_PREIND) != 0
-             ? run_presolved(env, problem, algorithm)
-             : start_from_network_unpresolved(env, problem, algorithm);
+  const Status status = env.settings.integer(TVK_PARAM_PREIND) != 0
+                            ? run_presolved(env, problem, algorithm)
+                            : start_from_network_unpresolved(env, problem, algorithm);
+  if (status.ok()) statistics_of(problem).network = counts;
+  return status;
 }
 
 Status resolve_simplex(int argument, Method* method) {

@@ -12,7 +12,7 @@ namespace tovik::lp::run {
 
 std::unique_ptr<Optimizer> make_optimizer(LpData lp, const RunContext& context) {
   if (context.algorithm.barrier != nullptr) return std::make_unique<BarrierOptimizer>(std::move(lp));
-  if (context.algorithm.from_network) return std::make_unique<NetworkStartOptimizer>(std::move(lp));
+  if (context.algorithm.network != nullptr) return std::make_unique<NetworkStartOptimizer>(std::move(lp));
   if (context.algorithm.dual_form) return std::make_unique<DualFormOptimizer>(std::move(lp));
   return std::make_unique<SimplexOptimizer>(std::move(lp), context);
 }

@@ -21,18 +21,12 @@
 #include "lp/base/basis.h"
 #include "lp/base/control.h"
 #include "lp/base/lp_data.h"
-#include "lp/crossover/options.h"
+#include "lp/run/start_counts.h"
 #include "lp/simplex/observer.h"
 #include "lp/simplex/statistics.h"
 #include "lp/simplex/types.h"
 
 namespace tovik::lp::run {
-
-/* What the interior point method and its crossover have done. */
-struct BarrierCounts {
-  int iterations = 0;
-  crossover::Counts crossover;
-};
 
 /* What a call asks for. */
 struct Algorithm {
@@ -41,9 +35,10 @@ struct Algorithm {
   /* Not null: begin with the interior point method, and count here what it does; `method` says which crossover then
    * makes a vertex of its point. */
   BarrierCounts* barrier = nullptr;
-  bool concurrent = false;    // several at once, `method` among them
-  bool from_network = false;  // `method` begins at the basis of the network in the LP
-  bool dual_form = false;     // the simplex works on the LP's dual
+  /* Not null: `method` begins at the basis of the network in the LP, and what the network simplex does is counted here. */
+  NetworkCounts* network = nullptr;
+  bool concurrent = false;  // several at once, `method` among them
+  bool dual_form = false;   // the simplex works on the LP's dual
 };
 
 /* Whose run it is. */

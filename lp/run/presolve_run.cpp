@@ -55,7 +55,7 @@ class PresolvedRun {
       if (algorithm_.concurrent)
         return run_concurrent_unpresolved(env_, problem_, algorithm_, {.before = &before_});
       if (begins_with_barrier()) return cross_over_unpresolved(env_, problem_, algorithm_);
-      if (algorithm_.from_network) return start_from_network_unpresolved(env_, problem_, algorithm_);
+      if (algorithm_.network != nullptr) return start_from_network_unpresolved(env_, problem_, algorithm_);
       return run_simplex(env_, problem_, algorithm_, {.before = &before_});
     }
     const Outcome outcome = solve_reduced();
@@ -89,9 +89,9 @@ class PresolvedRun {
       return false;
     }
     record_ = own_record_.get();
-    const int display = begins_with_barrier()     ? TVK_PARAM_BARDISPLAY
-                        : algorithm_.from_network ? TVK_PARAM_NETDISPLAY
-                                                  : TVK_PARAM_SIMDISPLAY;
+    const int display = begins_with_barrier()           ? TVK_PARAM_BARDISPLAY
+                        : algorithm_.network != nullptr ? TVK_PARAM_NETDISPLAY
+                                                        : TVK_PARAM_SIMDISPLAY;
     if (env_.settings.integer(display) != 0)
       message(env_.results_channel, "Presolve time = %7.2f sec.\n", record_->seconds);
     return true;
@@ -109,8 +109,7 @@ class PresolvedRun {
     algorithm.dual_form = wants_dual_form();
     if (algorithm.dual_form) announce_dual_form();
     if (algorithm.concurrent && reduction.stop == Stop::none) return solve_all_at_once(algorithm);
-    EngineControl control(env_, problem_, CalledFrom::simplex,
-                          algorithm.dual_form ? Numbers::of_dual_form : Numbers::of_problem);
+    EngineControl control(env_, problem_, algorithm.dual_form ? Numbers::of_dual_form : Numbers::of_problem);
     IterationLog log(env_, problem_, env_.settings.integer(TVK_PARAM_SIMDISPLAY));
     log.set_origin(reduction.row_map, reduction.column_map);
     const RunContext context{env_, problem_, algorithm, control, algorithm.dual_form ? nullptr : &log};
@@ -167,7 +166,7 @@ class PresolvedRun {
   /* The one that solved the reduced problem before, at its start; null where there is none that fits. */
   std::unique_ptr<Optimizer> take_ready_optimizer(const Algorithm& algorithm) {
     std::unique_ptr<Optimizer> kept = take_kept_optimizer();
-    if (algorithm.dual_form || algorithm.from_network) kept.reset();
+    if (algorithm.dual_form || algorithm.network != nullptr) kept.reset();
     if (kept != nullptr) install_start(*kept, true);
     return kept;
   }
@@ -194,7 +193,7 @@ class PresolvedRun {
     constexpr double kNoLimit = 1e75;
     const Settings& s = env_.settings;
     const int wish = s.integer(TVK_PARAM_PREDUAL);
-    if (wish < 0 || begins_with_barrier() || algorithm_.from_network ||
+    if (wish < 0 || begins_with_barrier() || algorithm_.network != nullptr ||
         record_->reduction.stop != Stop::none || starts_from_basis() ||
         s.real(TVK_PARAM_OBJULIM) < kNoLimit || s.real(TVK_PARAM_OBJLLIM) > -kNoLimit) {
       return false;

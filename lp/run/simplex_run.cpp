@@ -193,6 +193,8 @@ void write_statistics(const simplex::Solver& solver, const OptimizationStatistic
                       OptimizationStatistics& statistics) {
   solver.write_statistics(statistics.simplex);
   statistics.search.reset();
+  statistics.barrier.reset();
+  statistics.network.reset();
   if (before == nullptr) {
     statistics.presolve.reset();
   } else {
@@ -207,7 +209,7 @@ Status run_simplex(Environment& env, Problem& problem, const Algorithm& algorith
                    const Continuation& continuation) {
   OptimizationStatistics& statistics = statistics_of(problem);
   EngineGuard guard(problem);
-  EngineControl control(env, problem, CalledFrom::simplex);
+  EngineControl control(env, problem);
   IterationLog log(env, problem, env.settings.integer(TVK_PARAM_SIMDISPLAY));
   WarmSimplex* engine = nullptr;
   if (const Status status = warm_simplex(env, problem, {options_of(env, algorithm), control, &log}, &engine);
@@ -230,7 +232,7 @@ Status run_simplex(Environment& env, Problem& problem, const Algorithm& algorith
   }
   if (env.callbacks.lp) warm.solver.invalidate();  // it is called by the algorithms
   const Outcome outcome = warm.solver.solve(algorithm.method);
-  EngineControl auxiliary(env, problem, CalledFrom::simplex, Numbers::hidden);
+  EngineControl auxiliary(env, problem, Numbers::hidden);
   const std::unique_ptr<const SettledRun> settled = settle_run(warm.solver, outcome, auxiliary);
   warm.solver.detach();
   write_statistics(warm.solver, continuation.before, statistics);

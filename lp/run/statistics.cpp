@@ -104,6 +104,38 @@ void write_factor(JsonWriter& out, const simplex::Statistics& simplex) {
   });
 }
 
+void write_barrier(JsonWriter& out, const BarrierCounts& barrier) {
+  out.object("barrier", [&] {
+    out.count("iterations", barrier.iterations);
+    out.count("factorizations", barrier.factorizations);
+    out.count("solves", barrier.solves);
+    out.count("rows", barrier.rows);
+    out.count("factor_nonzeros", barrier.factor_entries);
+    out.ratio("factor_flops", barrier.factor_flops);
+    out.ratio("ordering_seconds", barrier.ordering_seconds);
+    out.ratio("seconds", barrier.seconds);
+  });
+  const crossover::Counts& crossover = barrier.crossover;
+  out.object("crossover", [&] {
+    out.count("primal_pushes", crossover.primal_pushes);
+    out.count("primal_exchanges", crossover.primal_exchanges);
+    out.count("dual_pushes", crossover.dual_pushes);
+    out.count("dual_exchanges", crossover.dual_exchanges);
+    out.ratio("seconds", barrier.crossover_seconds);
+  });
+}
+
+void write_network(JsonWriter& out, const NetworkCounts& network) {
+  out.object("network", [&] {
+    out.count("nodes", network.nodes);
+    out.count("arcs", network.arcs);
+    out.count("iterations", network.iterations);
+    out.count("phase1_iterations", network.phase1_iterations);
+    out.ratio("extraction_seconds", network.extraction_seconds);
+    out.ratio("seconds", network.seconds);
+  });
+}
+
 void write_ticks(JsonWriter& out, const OptimizationStatistics& statistics) {
   const simplex::Work& work = statistics.simplex.work;
   const std::int64_t presolve = statistics.presolve ? statistics.presolve->counts.ticks : 0;
@@ -114,6 +146,8 @@ void write_ticks(JsonWriter& out, const OptimizationStatistics& statistics) {
     out.count("factor_solves", work.factor.solve_ticks);
     out.count("factor_updates", work.factor.update_ticks);
     out.count("simplex", work.other_ticks);
+    out.count("barrier", statistics.barrier ? statistics.barrier->ticks : 0);
+    out.count("network", statistics.network ? statistics.network->ticks : 0);
   });
 }
 
@@ -123,8 +157,10 @@ std::int64_t total_ticks(const OptimizationStatistics& statistics) {
   if (statistics.search != nullptr) return statistics.search->ticks();
   const simplex::Work& work = statistics.simplex.work;
   const std::int64_t presolve = statistics.presolve ? statistics.presolve->counts.ticks : 0;
-  return presolve + work.sifting_ticks + work.factor.build_ticks + work.factor.solve_ticks +
-         work.factor.update_ticks + work.other_ticks;
+  const std::int64_t barrier = statistics.barrier ? statistics.barrier->ticks : 0;
+  const std::int64_t network = statistics.network ? statistics.network->ticks : 0;
+  return presolve + barrier + network + work.sifting_ticks + work.factor.build_ticks +
+         work.factor.solve_ticks + work.factor.update_ticks + work.other_ticks;
 }
 
 OptimizationStatistics& statistics_of(Problem& problem) {
@@ -156,6 +192,8 @@ std::string json_text(const OptimizationStatistics& statistics) {
   } else {
     out.null("presolve");
   }
+  if (statistics.barrier) write_barrier(out, *statistics.barrier);
+  if (statistics.network) write_network(out, *statistics.network);
   write_simplex(out, statistics.simplex);
   write_factor(out, statistics.simplex);
   write_ticks(out, statistics);

@@ -14,6 +14,7 @@
 #include "env/problem.h"
 #include "lp/presolve_record/presolved.h"
 #include "lp/run/json_writer.h"
+#include "lp/run/start_counts.h"
 #include "lp/simplex/statistics.h"
 
 namespace tovik::lp::run {
@@ -41,6 +42,8 @@ struct FurtherStatistics {
 struct OptimizationStatistics {
   std::optional<PresolveStatistics> presolve;  // where it ran, or had run before
   simplex::Statistics simplex;                 // of a search: of the relaxation of its tree
+  std::optional<BarrierCounts> barrier;        // where it ran
+  std::optional<NetworkCounts> network;        // likewise
   std::shared_ptr<const FurtherStatistics> search;
   int threads = 0;  // that worked
 };

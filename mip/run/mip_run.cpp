@@ -305,7 +305,7 @@ Status check_mixed_integer(const tovik::Problem& problem) {
 
 Status run_branch_and_cut(Environment& env, tovik::Problem& problem) {
   if (const Status status = lp::run::check_finite(env, *problem.model, true); !status.ok()) return status;
-  lp::run::EngineControl control(env, problem, lp::run::CalledFrom::simplex);
+  lp::run::EngineControl control(env, problem);
   const ControlCallbacks functions = env.callbacks.control;
   if (functions.any() && env.settings.integer(TVK_PARAM_MIPSEARCH) == kDynamicSearch)
     return TVK_ERROR_SEARCH_VERSUS_CALLBACKS;

@@ -1,8 +1,10 @@
 /* The barrier optimizer through the public header: solutions with and without a basis, log, limits, errors. */
 #include <cmath>
+#include <map>
 #include <string>
 
 #include "support/solve_fixture.h"
+#include "support/statistics.h"
 
 namespace {
 
@@ -122,6 +124,7 @@ TEST_F(Barrier, LogsWhatItDoes) {
   const Lp model = assignment(9, TVK_MIN);
   set(TVK_PARAM_PREIND, 0);
   set(TVK_PARAM_BARORDER, 1);
+  set(TVK_PARAM_THREADS, 1);
   ProbHandle lp = load(model);
   const std::string log = said([&] { EXPECT_EQ(TVKbaropt(env_, lp), 0); });
   std::size_t at = 0;
@@ -138,6 +141,10 @@ TEST_F(Barrier, LogsWhatItDoes) {
     ASSERT_NE(found, std::string::npos) << line << "in\n" << log;
     at = found;
   }
+  EXPECT_EQ(log.find("Total real time"), std::string::npos) << log;
+  set(TVK_PARAM_THREADS, 2);
+  EXPECT_NE(said([&] { EXPECT_EQ(TVKbaropt(env_, lp), 0); }).find("\nTotal real time on 2 threads = "),
+            std::string::npos);
   set(TVK_PARAM_BARITLIM, 2);
   EXPECT_NE(said([&] { EXPECT_EQ(TVKbaropt(env_, lp), 0); }).find(" Barrier iteration limit exceeded.\n"),
             std::string::npos);
@@ -164,6 +171,69 @@ TEST_F(Barrier, StopsWhenItIsTold) {
   ASSERT_EQ(TVKsetdblparam(env_, TVK_PARAM_TILIM, 0), 0);
   EXPECT_EQ(TVKbaropt(env_, lp), 0);
   EXPECT_EQ(TVKgetstat(env_, lp), TVK_STATUS_TIME_LIMIT);
+}
+
+/* What an LP callback hears of an optimization, and when it stops it. */
+struct Heard {
+  static int listen(ConstEnvHandle env, void* cbdata, int wherefrom, void* handle) {
+    auto& heard = *static_cast<Heard*>(handle);
+    ++heard.calls[wherefrom];
+    int count = -1;
+    double primal = 0, dual = 0;
+    if (wherefrom == 6) {
+      EXPECT_EQ(TVKgetcallbackinfo(env, cbdata, wherefrom, TVK_CALLBACK_INFO_ITERATIONS, &count), 0);
+      EXPECT_EQ(count, ++heard.iteration);
+      EXPECT_EQ(TVKgetcallbackinfo(env, cbdata, wherefrom, TVK_CALLBACK_INFO_OBJECTIVE, &primal), 0);
+      EXPECT_EQ(TVKgetcallbackinfo(env, cbdata, wherefrom, TVK_CALLBACK_INFO_DUAL_OBJECTIVE, &dual), 0);
+      heard.gap = std::fabs(primal - dual) / (1 + std::fabs(primal));
+      EXPECT_EQ(TVKgetcallbackinfo(env, cbdata, wherefrom, TVK_CALLBACK_INFO_PUSHES_LEFT, &count), 1003);
+    }
+    return wherefrom == 6 && heard.iteration == heard.stop_at;
+  }
+  std::map<int, int> calls;
+  int iteration = -1, stop_at = -2;
+  double gap = 1;
+};
+
+TEST_F(Barrier, TheCallbackHearsEachIterationAndStopsIt) {
+  const Lp model = assignment(20, TVK_MAX);
+  ProbHandle lp = load(model);
+  set(TVK_PARAM_THREADS, 1);
+  for (const bool crossover : {false, true}) {
+    const auto optimize = [&] { return crossover ? TVKhybbaropt(env_, lp, 'p') : TVKbaropt(env_, lp); };
+    Heard heard, stopper{.calls = {}, .stop_at = 2};
+    ASSERT_EQ(TVKsetlpcallbackfunc(env_, Heard::listen, &heard), 0);
+    EXPECT_EQ(optimize(), 0);
+    EXPECT_EQ(heard.calls[6], heard.iteration + 1);
+    EXPECT_GE(heard.iteration, TVKgetbaritcnt(env_, lp) - 1);
+    EXPECT_GT(heard.calls[7], 0) << "presolve";
+    EXPECT_LT(heard.gap, 1e-2);
+    ASSERT_EQ(TVKsetlpcallbackfunc(env_, Heard::listen, &stopper), 0);
+    EXPECT_EQ(optimize(), 0);
+    EXPECT_EQ(TVKgetstat(env_, lp), TVK_STATUS_USER_ABORT);
+    EXPECT_EQ(TVKgetbaritcnt(env_, lp), 2);
+    ASSERT_EQ(TVKsetlpcallbackfunc(env_, nullptr, nullptr), 0);
+  }
+}
+
+TEST_F(Barrier, StatisticsTellItsWork) {
+  const Lp model = assignment(20, TVK_MIN);
+  ProbHandle lp = load(model);
+  set(TVK_PARAM_PREIND, 0);
+  for (const bool crossover : {false, true}) {
+    ASSERT_EQ(crossover ? TVKhybbaropt(env_, lp, 'p') : TVKbaropt(env_, lp), 0);
+    const auto s = support::statistics(env_, lp);
+    EXPECT_EQ(s["barrier"]["iterations"], TVKgetbaritcnt(env_, lp));
+    EXPECT_GE(s["barrier"]["factorizations"].get<int>(), TVKgetbaritcnt(env_, lp));
+    EXPECT_EQ(s["crossover"]["primal_pushes"], TVKgetcrossppushcnt(env_, lp));
+    EXPECT_GT(s["ticks"]["barrier"], 0);
+    double all = 0, kinds = 0;
+    ASSERT_EQ(TVKgetticks(env_, lp, &all), 0);
+    for (const auto& kind : s["ticks"]) kinds += kind.get<double>();
+    EXPECT_EQ(all, kinds);
+  }
+  ASSERT_EQ(TVKdualopt(env_, lp), 0);
+  EXPECT_FALSE(support::statistics(env_, lp).contains("barrier"));
 }
 
 TEST_F(Barrier, LimitsEndItAnywhereAndWhatThereIsStays) {

@@ -5,6 +5,7 @@
 
 #include "support/random.h"
 #include "support/solve_fixture.h"
+#include "support/statistics.h"
 
 namespace {
 
@@ -76,6 +77,57 @@ TEST_F(NetworkStart, TakesItsLettersOnlyAndStopsInTime) {
     EXPECT_EQ(TVKgetstat(env_, lp), TVK_STATUS_USER_ABORT);
   }
   ASSERT_EQ(TVKsetterminate(env_, nullptr), 0);
+}
+
+TEST_F(NetworkStart, EachEndingOfTheNetworkIsReported) {
+  const Lp model = support::assignment(30, TVK_MIN);
+  set(TVK_PARAM_PREIND, 0);
+  const auto said = [&](ProbHandle lp) {
+    text_.clear();
+    EXPECT_EQ(TVKhybnetopt(env_, lp, 'd'), 0);
+    return text_;
+  };
+  ProbHandle lp = load(model);
+  set(TVK_PARAM_NETITLIM, 7);
+  EXPECT_NE(said(lp).find("Network - Iteration limit exceeded:  "), std::string::npos) << text_;
+  EXPECT_NE(text_.find("Iterations = 7 ("), std::string::npos) << text_;
+  EXPECT_EQ(TVKgetstat(env_, lp), TVK_STATUS_OPTIMAL) << "the simplex goes on from there";
+  EXPECT_GT(TVKgetitcnt(env_, lp), 0);
+  set(TVK_PARAM_NETITLIM, 2100000000);
+
+  constexpr int kTickLimit = 1127;
+  ASSERT_EQ(TVKsetdblparam(env_, kTickLimit, 1.0), 0);
+  EXPECT_NE(said(lp).find("Network - Deterministic time limit exceeded:  "), std::string::npos) << text_;
+  EXPECT_EQ(TVKgetstat(env_, lp), TVK_STATUS_TICK_LIMIT);
+  ASSERT_EQ(TVKsetdblparam(env_, kTickLimit, 1e75), 0);
+  ASSERT_EQ(TVKsetdblparam(env_, TVK_PARAM_TILIM, 0.0), 0);
+  EXPECT_NE(said(lp).find("Network - Time limit exceeded:  "), std::string::npos) << text_;
+  EXPECT_EQ(TVKgetstat(env_, lp), TVK_STATUS_TIME_LIMIT);
+  ASSERT_EQ(TVKsetdblparam(env_, TVK_PARAM_TILIM, 1e75), 0);
+
+  int calls = 0;
+  const auto stop_third = [](ConstEnvHandle, void*, int wherefrom, void* handle) {
+    return wherefrom == 3 && ++*static_cast<int*>(handle) == 3 ? 1 : 0;
+  };
+  ASSERT_EQ(TVKsetlpcallbackfunc(env_, stop_third, &calls), 0);
+  EXPECT_NE(said(lp).find("Network - Aborted:  "), std::string::npos) << text_;
+  EXPECT_EQ(calls, 3);
+  EXPECT_EQ(TVKgetstat(env_, lp), TVK_STATUS_USER_ABORT);
+  ASSERT_EQ(TVKsetlpcallbackfunc(env_, nullptr, nullptr), 0);
+
+  const int row = 0;
+  const double more = 50, rhs = model.rhs[0];
+  ASSERT_EQ(TVKchgrhs(env_, lp, 1, &row, &more), 0);
+  EXPECT_NE(said(lp).find("Network - Infeasible:  Infeasibility = "), std::string::npos) << text_;
+  EXPECT_EQ(TVKgetstat(env_, lp), TVK_STATUS_INFEASIBLE);
+  EXPECT_GT(support::statistics(env_, lp)["network"]["arcs"], 0);
+  ASSERT_EQ(TVKchgrhs(env_, lp, 1, &row, &rhs), 0);
+  // To and fro between two rows, at a gain.
+  const double cost[] = {-1000, 0}, value[] = {1, -1, -1, 1};
+  const int begin[] = {0, 2}, rows[] = {0, 1, 0, 1};
+  ASSERT_EQ(TVKaddcols(env_, lp, 2, 4, cost, begin, rows, value, nullptr, nullptr, nullptr), 0);
+  EXPECT_NE(said(lp).find("Network - Unbounded:  "), std::string::npos) << text_;
+  EXPECT_EQ(TVKgetstat(env_, lp), TVK_STATUS_UNBOUNDED);
 }
 
 }  // namespace
