@@ -1124,8 +1124,8 @@ TVK_API int TVKgetticks(ConstEnvHandle env, ConstProbHandle lp, double *ticks_p)
 #define TVK_PARAM_PRELINEAR              1058 /* int 1, 0 to 1 */
 #define TVK_PARAM_LPMETHOD               1062 /* int 0, 0 to 6 */
 #define TVK_PARAM_QPMETHOD               1063 /* int 0, 0 to 6; stored only */
-#define TVK_PARAM_WORKDIR                1064 /* string "."; stored only */
-#define TVK_PARAM_WORKMEM                1065 /* double 128, 0 to 1e75; stored only */
+#define TVK_PARAM_WORKDIR                1064 /* string "." */
+#define TVK_PARAM_WORKMEM                1065 /* double 128, 0 to 1e75 */
 #define TVK_PARAM_THREADS                1067 /* int 0, from 0 */
 #define TVK_PARAM_CONFLICTDISPLAY        1074 /* int 1, 0 to 2; stored only */
 #define TVK_PARAM_SIFTDISPLAY            1076 /* int 1, 0 to 2; stored only */
@@ -2077,7 +2077,8 @@ TVK_API int TVKreadcopymipstarts(ConstEnvHandle env, ProbHandle lp, const char *
  * from the problem's basis when TVK_PARAM_ADVIND is not 0. Without one, or with TVK_PARAM_ADVIND 0 or 2, and while
  * TVK_PARAM_PREIND is 1, a smaller problem is made and solved first (see Presolve); solution and basis are those of the problem
  * itself. Errors: 1017 mixed-integer, 1018 and 1031 quadratic problems, 1225 and 1233 data that is not a number or infinite
- * (found here when the data check was off), 1256 singular beyond repair, 1234 no thread for 6, 1001. */
+ * (found here when the data check was off), 1256 singular beyond repair, 1234 no thread for 6, 1801 to 1803 as TVKbaropt for 4,
+ * 1001. */
 TVK_API int TVKlpopt(ConstEnvHandle env, ProbHandle lp);
 
 /* Primal and dual simplex; otherwise as TVKlpopt. */
@@ -2093,7 +2094,10 @@ TVK_API int TVKsiftopt(ConstEnvHandle env, ProbHandle lp);
  * TVKsolninfo) and no basis, so that routines that need one fail with 1262 (1550 for basis files). Presolves while
  * TVK_PARAM_PREIND is 1. Statuses besides those of TVKlpopt: 20 unbounded optimal face, 21 and 22 objective beyond
  * TVK_PARAM_BAROBJRNG, 5 optimal but for violations of absolute size; 6 where no progress was made, with the best point.
- * Otherwise as TVKlpopt. */
+ * A Cholesky factor of more than TVK_PARAM_WORKMEM megabytes is kept in a temporary file in a directory that is made for it in
+ * TVK_PARAM_WORKDIR; both are invisible as soon as they are open and gone when the call ends, however it ends. Errors besides
+ * those of TVKlpopt: 1801 the directory or file cannot be made, 1802 it cannot be read, 1803 it cannot be written or the disk has
+ * not room enough; the problem is as it was, without a solution. Otherwise as TVKlpopt. */
 TVK_API int TVKbaropt(ConstEnvHandle env, ProbHandle lp);
 
 /* The same, and then the crossover that `method` asks for: -1 or 'n' none; 1, 'o', 'O', 'p' or 'P' primal; 2, 'd', 'D', 't'

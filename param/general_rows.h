@@ -102,8 +102,8 @@ inline constexpr auto kGeneral = std::to_array<Entry>({
         NAMED(QPMETHOD), 0, 0, 6,
         "Method for quadratic programs: 0 automatic, 1 primal, 2 dual, 3 network, 4 barrier, 5 sifting, "
         "6 concurrent")),
-    unused(text(NAMED(WORKDIR), ".", "Directory for temporary files")),
-    unused(real(NAMED(WORKMEM), 128, 0, 1e75, "Working storage before data moves to files, in megabytes")),
+    text(NAMED(WORKDIR), ".", "Directory for temporary files"),
+    real(NAMED(WORKMEM), 128, 0, 1e75, "Working storage before data moves to files, in megabytes"),
     hidden_real(1066),
     integer(NAMED(THREADS), 0, 0, Ceiling::threads,
             "Threads of a parallel optimization: 0 as many as the machine has"),

@@ -10,15 +10,13 @@ namespace tovik::lp::barrier {
 
 namespace {
 
-Result run(const LpData& lp, const Options& options, Control& control, Observer* observer) {
-  Session session(lp, options, control, observer);
-  if (!session.prepare()) return session.release();
+void run_methods(Session& session) {
   const auto stuck = [&session] { return session.result.ending == Ending::no_progress; };
   const auto embed = [&session](bool from_estimate) {
     session.regularization = Regularization{};
     run_embedding(session, from_estimate);
   };
-  switch (options.algorithm) {
+  switch (session.options.algorithm) {
     case Algorithm::embedding_from_estimate:
       embed(true);
       if (stuck()) embed(false);
@@ -33,6 +31,15 @@ Result run(const LpData& lp, const Options& options, Control& control, Observer*
     default:
       run_predictor_corrector(session);
       if (stuck() || session.result.ending == Ending::unbounded_face) embed(false);
+  }
+}
+
+Result run(const LpData& lp, const Options& options, Control& control, Observer* observer) {
+  Session session(lp, options, control, observer);
+  try {
+    if (session.prepare()) run_methods(session);
+  } catch (const cholesky::FileError&) {
+    session.end(Ending::file_not_read);
   }
   return session.release();
 }

@@ -12,9 +12,9 @@
  * Vanderbei, Symmetric quasi-definite matrices, 1995). Whether the others are eliminated is decided by counted work of
  * both: slacks always are.
  *
- * Order: analyze() once, factorize() for each D, solve() as often as wanted.
+ * Order: analyze() once, allocate(), factorize() for each D, solve() as often as wanted.
  * Cost: factorize() flops(), solve() twice the entries of the factor. Both are added to Control's work.
- * Errors: the states of cholesky; bad_alloc passes through. */
+ * Errors: the states of cholesky; bad_alloc passes through, and its FileError out of solve(). */
 #pragma once
 
 #include <vector>
@@ -40,6 +40,7 @@ class Kkt {
   explicit Kkt(const Form& form) : form_(form) {}
 
   cholesky::State analyze(const Options& options, Control& control, Observer* observer);
+  cholesky::State allocate() { return factor_.allocate(); }
   cholesky::State factorize(const std::vector<double>& d, const Regularization& regularization,
                             Control& control);
   /* primal: size m, becomes dy. dual: size n, becomes dx. */
@@ -53,6 +54,7 @@ class Kkt {
              Control& control) const;
 
   const Setup& setup() const { return setup_; }
+  const cholesky::Storage& storage() const { return factor_.storage(); }
   const cholesky::Report& report() const { return report_; }
   double solve_cost() const;   // multiplications
   double factor_cost() const;  // flops, those that form the matrix included

@@ -57,7 +57,9 @@ enum class Ending {
   tick_limit,
   user_abort,
   out_of_memory,
-  disk_full
+  file_not_opened,  // the factor's temporary one
+  file_not_read,
+  file_not_written
 };
 
 /* One line of the log. Infeasibilities are the largest of any row or column. */
@@ -85,6 +87,7 @@ class Observer {
   virtual ~Observer() = default;
   virtual void dense_columns(int limit, int found) = 0;  // before the ordering
   virtual void setup(const Setup& setup) = 0;
+  virtual void out_of_core(const cholesky::Storage& storage) = 0;  // where the factor does not fit
   virtual void iteration(const Iteration& now) = 0;
   /* `pairs`: whose products lay too far from the target. */
   virtual void corrections(std::int64_t iteration, int count, std::int64_t pairs) = 0;

@@ -45,6 +45,8 @@ bool Session::prepare() {
   result.setup = kkt.setup();
   result.setup.correctors = corrections_;
   if (observer != nullptr) observer->setup(result.setup);
+  if (failed(kkt.allocate())) return false;
+  if (observer != nullptr && kkt.storage().out_of_core) observer->out_of_core(kkt.storage());
   return true;
 }
 
@@ -278,8 +280,14 @@ bool Session::failed(cholesky::State state) {
     case cholesky::State::out_of_memory:
       end(Ending::out_of_memory);
       return true;
-    case cholesky::State::disk_full:
-      end(Ending::disk_full);
+    case cholesky::State::file_not_opened:
+      end(Ending::file_not_opened);
+      return true;
+    case cholesky::State::file_not_read:
+      end(Ending::file_not_read);
+      return true;
+    case cholesky::State::file_not_written:
+      end(Ending::file_not_written);
       return true;
     default:
       if (!must_stop()) end(Ending::user_abort);

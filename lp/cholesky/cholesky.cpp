@@ -38,13 +38,22 @@ bool dissection_may_pay(const Graph& graph, const Elimination& by_degree) {
 
 struct Cholesky::Inner {
   Counts counts;
-  int threads = 1;
+  Options options;
   Symbolic symbolic;
   std::optional<Numeric> numeric;
+  bool allocated = false;
 
-  State analyze(const Pattern& pattern, const Options& options, Control& control);
+  State analyze(const Pattern& pattern, const Options& wishes, Control& control);
+  State allocate();
   std::optional<Elimination> order(const Graph& graph, Ordering wanted, Control& control);
 };
+
+State Cholesky::Inner::allocate() {
+  if (allocated) return State::done;
+  const State state = numeric->allocate(options.work_directory);
+  allocated = state == State::done;
+  return state;
+}
 
 std::optional<Elimination> Cholesky::Inner::order(const Graph& graph, Ordering wanted, Control& control) {
   std::optional<Elimination> best;
@@ -68,11 +77,11 @@ std::optional<Elimination> Cholesky::Inner::order(const Graph& graph, Ordering w
   return best;
 }
 
-State Cholesky::Inner::analyze(const Pattern& pattern, const Options& options, Control& control) {
+State Cholesky::Inner::analyze(const Pattern& pattern, const Options& wishes, Control& control) {
   const auto begin = Clock::now();
-  counts = {};
+  options = wishes;
+  options.threads = std::max(1, options.threads);
   counts.rows = pattern.size;
-  threads = std::max(1, options.threads);
   std::optional<Elimination> elimination;
   {
     const Graph graph = graph_of(pattern);
@@ -83,7 +92,7 @@ State Cholesky::Inner::analyze(const Pattern& pattern, const Options& options, C
   counts.entries = elimination->entries;
   counts.flops = elimination->flops;
   symbolic = make_symbolic(pattern, find_supernodes(*elimination, true));
-  numeric.emplace(symbolic, threads);
+  numeric.emplace(symbolic, options.threads, options.work_memory);
   counts.supernodes = symbolic.supernodes();
   counts.largest_front = symbolic.largest_front;
   counts.integers = static_cast<std::int64_t>(symbolic.rows.size());
@@ -112,10 +121,23 @@ const Counts& Cholesky::counts() const {
   return inner_->counts;
 }
 
+const Storage& Cholesky::storage() const {
+  return inner_->numeric->storage();
+}
+
+State Cholesky::allocate() {
+  try {
+    return inner_->allocate();
+  } catch (const std::bad_alloc&) {
+    return State::out_of_memory;
+  }
+}
+
 State Cholesky::factorize(const double* values, const signed char* signs, const Pivoting& pivoting,
                           Control& control, Report* report) {
   Report own;
   try {
+    if (const State state = inner_->allocate(); state != State::done) return state;
     return inner_->numeric->factorize(values, signs, pivoting, control, report == nullptr ? own : *report);
   } catch (const std::bad_alloc&) {
     return State::out_of_memory;

@@ -7,12 +7,14 @@
  * Holds   the permutation, the structure of L by supernodes, and the numbers of the last factorization.
  * Method  multifrontal over the supernodal elimination tree; the dense work of a front is BLAS on the calling threads only.
  * Threads `Options::threads` of them work in factorize(); the same digits for any number. No two calls at once, except solves.
- * Memory  is counted by analyze() before factorize() allocates it: `Counts::bytes`.
+ * Memory  is counted by analyze() before allocate() takes it: `Counts::bytes`. Where L does not fit into Options::work_memory
+ *         most of it goes to a temporary file, from which solves read; the digits are the same.
  * Stops   Control is asked a few times a second, and told of the work in ticks that depend on the pattern alone.
- * Errors  State; solve() may throw std::bad_alloc. */
+ * Errors  State; solve() may throw std::bad_alloc and FileError. */
 #pragma once
 
 #include <cstdint>
+#include <exception>
 #include <memory>
 #include <string>
 #include <vector>
@@ -33,7 +35,7 @@ enum class Ordering { automatic, minimum_degree, minimum_fill, nested_dissection
 struct Options {
   Ordering ordering = Ordering::automatic;
   int threads = 1;
-  double work_memory = 128e6;  // bytes of factor kept in memory
+  double work_memory = 128.0 * 1024 * 1024;  // bytes that L may take in memory
   std::string work_directory = ".";
 };
 
@@ -62,7 +64,22 @@ struct Report {
   double smallest_pivot = 0, largest_pivot = 0;  // magnitudes, without the replaced ones; 0 if there are none
 };
 
-enum class State { done, out_of_memory, stopped, disk_full };
+/* Where the numbers of L stand. */
+struct Storage {
+  bool out_of_core = false;
+  double work_memory = 0;  // bytes that were allowed
+  double needed = 0;       // bytes in memory out of core; above work_memory where less does not do
+  double file_bytes = 0;   // bytes of L that are written
+  std::string directory;   // made for the file, and gone already; from allocate() on
+};
+
+enum class State { done, out_of_memory, stopped, file_not_opened, file_not_read, file_not_written };
+
+/* What was written to the temporary file cannot be read any more. */
+class FileError : public std::exception {
+ public:
+  const char* what() const noexcept override { return "the factor cannot be read from its temporary file"; }
+};
 
 class Cholesky {
  public:
@@ -73,6 +90,9 @@ class Cholesky {
 
   [[nodiscard]] State analyze(const Pattern& pattern, const Options& options, Control& control);
   const Counts& counts() const;
+  const Storage& storage() const;
+  /* The memory and the file, which factorize() takes otherwise. */
+  [[nodiscard]] State allocate();
   /* `values` go with the pattern's entries. `signs` by row of K; nullptr: all +1. `report` may be nullptr. */
   [[nodiscard]] State factorize(const double* values, const signed char* signs, const Pivoting& pivoting,
                                 Control& control, Report* report);

@@ -1,6 +1,7 @@
 #include "lp/cholesky/numeric.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cstring>
 #include <new>
 
@@ -22,20 +23,38 @@ struct Numeric::Job {
   const signed char* signs;  // by position
   const Pivoting& pivoting;
   Pulse& pulse;
+  std::atomic<State> failure = State::done;
+
+  /* False, and everybody ends, unless it is done. */
+  bool went_well(State state) {
+    if (state == State::done) return true;
+    failure = state;
+    pulse.stop();
+    return false;
+  }
 };
 
-Numeric::Numeric(const Symbolic& symbolic, int threads)
-    : symbolic_(symbolic), threads_(threads), plan_(make_plan(symbolic, threads)) {}
+Numeric::Numeric(const Symbolic& symbolic, int threads, double work_memory)
+    : symbolic_(symbolic),
+      threads_(threads),
+      plan_(make_plan(symbolic, threads)),
+      panels_(symbolic, {.workers = plan_.tasks.empty() ? 1 : threads,
+                         .largest_task = plan_.largest_panel,
+                         .work_memory = work_memory,
+                         .beside = bytes_beside()}) {}
 
-std::int64_t Numeric::bytes() const {
+std::int64_t Numeric::bytes_beside() const {
   const int used = plan_.tasks.empty() ? 0 : threads_;
-  return 8 * (symbolic_.panel.back() + plan_.top_peak + plan_.held + used * plan_.task_peak +
+  return 8 * (plan_.top_peak + plan_.held + used * plan_.task_peak +
               static_cast<std::int64_t>(threads_) * kTile * symbolic_.widest) +
          17 * static_cast<std::int64_t>(symbolic_.size);
 }
 
-void Numeric::allocate() {
-  if (panels_ != nullptr) return;
+std::int64_t Numeric::bytes() const {
+  return static_cast<std::int64_t>(panels_.storage().needed);
+}
+
+State Numeric::allocate(const std::string& directory) {
   inverse_.resize(symbolic_.size);
   square_.assign(symbolic_.supernodes(), nullptr);
   workspaces_.resize(threads_);
@@ -54,12 +73,11 @@ void Numeric::allocate() {
   for (int worker = 0; worker < threads_ && !plan_.tasks.empty(); ++worker)
     task_stacks_.push_back(stacks(plan_.task_peak));
   held_ = numbers(plan_.held);
-  panels_ = numbers(symbolic_.panel.back());
+  return panels_.allocate(directory);
 }
 
 State Numeric::factorize(const double* values, const signed char* signs, const Pivoting& pivoting,
                          Control& control, Report& report) {
-  allocate();
   signs_.clear();
   for (int k = 0; signs != nullptr && k < symbolic_.size; ++k) signs_.push_back(signs[symbolic_.order[k]]);
   for (Workspace& workspace : workspaces_)
@@ -67,6 +85,7 @@ State Numeric::factorize(const double* values, const signed char* signs, const P
   Pulse pulse(control);
   Job job{values, signs == nullptr ? nullptr : signs_.data(), pivoting, pulse};
   Team team(plan_.tasks.empty() ? 1 : threads_);
+  panels_.restart();
   std::int64_t place = 0;
   for (const int root : plan_.roots) {
     square_[root] = held_.get() + place;
@@ -81,6 +100,8 @@ State Numeric::factorize(const double* values, const signed char* signs, const P
     if (pulse.stopped()) break;
     process(job, s, 0, top_stacks_, &team);
   }
+  if (!pulse.stopped()) job.went_well(panels_.flush(0));
+  if (job.failure != State::done) return job.failure;
   pulse.look();
   if (pulse.stopped()) return State::stopped;
   report = {};
@@ -104,14 +125,16 @@ void Numeric::run_task(Job& job, const Plan::Task& task, int worker) {
       process(job, s, worker, stacks, nullptr);
     }
   }
+  job.went_well(panels_.flush(worker));
 }
 
 void Numeric::process(Job& job, int s, int worker, Stacks& stacks, Team* team) {
   const int width = symbolic_.width(s), first = symbolic_.start[s];
-  double* const panel = panels_.get() + symbolic_.panel[s];
+  double* panel = nullptr;
+  if (!job.went_well(panels_.begin(s, worker, &panel))) return;
   double* const square = push(s, stacks);
   std::vector<int>& run = workspaces_[worker].run;
-  assemble_entries(job, s);
+  assemble_entries(job, s, panel);
   double assembled = static_cast<double>(symbolic_.panel[s + 1] - symbolic_.panel[s]);
   for (int c = symbolic_.first_child[s]; c >= 0; c = symbolic_.sibling[c]) {
     assemble_child(c, s, panel, true, run);
@@ -122,6 +145,7 @@ void Numeric::process(Job& job, int s, int worker, Stacks& stacks, Team* team) {
                          job.pivoting, workspaces_, worker, team, job.pulse);
   front.eliminate_panel();
   front.update_square(square);
+  panels_.finish(s, panel);
   for (int c = symbolic_.first_child[s]; c >= 0; c = symbolic_.sibling[c])
     assemble_child(c, s, square, false, run);
   pop_children(s, stacks);
@@ -129,8 +153,8 @@ void Numeric::process(Job& job, int s, int worker, Stacks& stacks, Team* team) {
                 worker);
 }
 
-void Numeric::assemble_entries(const Job& job, int s) {
-  double* column = panels_.get() + symbolic_.panel[s];
+void Numeric::assemble_entries(const Job& job, int s, double* panel) const {
+  double* column = panel;
   std::memset(column, 0,
               sizeof(double) * static_cast<std::size_t>(symbolic_.panel[s + 1] - symbolic_.panel[s]));
   for (int j = symbolic_.start[s]; j < symbolic_.start[s + 1]; ++j, column += symbolic_.front(s))

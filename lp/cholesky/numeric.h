@@ -2,13 +2,16 @@
  * parent in a fixed order. Large subtrees are independent tasks; above them the threads share the work of each front.
  * Contributions stand on two stacks that grow towards each other in one piece of memory, by the parity of the depth: those of
  * the children lie on top of the one stack while the parent's is put on the other, so nothing is ever moved.
+ * Panels stand where `panels.h` says; contributions are in memory always.
  * Paper   "The multifrontal method for sparse matrix solution: theory and practice", SIAM Review 34 (1992). */
 #pragma once
 
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "lp/cholesky/front.h"
+#include "lp/cholesky/panels.h"
 #include "lp/cholesky/symbolic.h"
 
 namespace tovik::lp::cholesky {
@@ -24,19 +27,22 @@ struct Plan {
   std::vector<int> top;       // supernodes above, ascending
   std::vector<bool> is_root;  // by supernode; empty if there are no tasks
   std::int64_t task_peak = 0, top_peak = 0,
-               held = 0;  // numbers: stacks of a task, of the top, contributions between
+               held = 0;           // numbers: stacks of a task, of the top, contributions between
+  std::int64_t largest_panel = 0;  // of tasks, numbers
 };
 
 Plan make_plan(const Symbolic& symbolic, int threads);
 
 class Numeric {
  public:
-  Numeric(const Symbolic& symbolic, int threads);
+  Numeric(const Symbolic& symbolic, int threads, double work_memory);
 
-  std::int64_t bytes() const;  // that factorize() will hold
+  std::int64_t bytes() const;  // that allocate() takes
+  const Storage& storage() const { return panels_.storage(); }
+  [[nodiscard]] State allocate(const std::string& directory);
   State factorize(const double* values, const signed char* signs, const Pivoting& pivoting, Control& control,
                   Report& report);
-  const double* panel(int s) const { return panels_.get() + symbolic_.panel[s]; }
+  const Panels& panels() const { return panels_; }
   const double* inverse() const { return inverse_.data(); }  // of the pivots, by position
 
  private:
@@ -46,10 +52,10 @@ class Numeric {
   };
   struct Job;
 
-  void allocate();
+  std::int64_t bytes_beside() const;  // the panels
   void run_task(Job& job, const Plan::Task& task, int worker);
   void process(Job& job, int s, int worker, Stacks& stacks, Team* team);
-  void assemble_entries(const Job& job, int s);
+  void assemble_entries(const Job& job, int s, double* panel) const;
   void assemble_child(int child, int parent, double* target, bool to_panel, std::vector<int>& runs);
   double* push(int s, Stacks& stacks);
   void pop_children(int s, Stacks& stacks);
@@ -57,7 +63,7 @@ class Numeric {
   const Symbolic& symbolic_;
   int threads_;
   Plan plan_;
-  std::unique_ptr<double[]> panels_;
+  Panels panels_;
   std::vector<double> inverse_;
   std::vector<signed char> signs_;  // by position
   std::vector<double*> square_;     // contribution by supernode, while it lives

@@ -68,7 +68,10 @@ Plan make_plan(const Symbolic& symbolic, int threads) {
   std::vector<int> inside;
   for (const int root : plan.roots) {
     inside.clear();
-    for (int s = symbolic.first_below[root]; s <= root; ++s) inside.push_back(s);
+    for (int s = symbolic.first_below[root]; s <= root; ++s) {
+      inside.push_back(s);
+      plan.largest_panel = std::max(plan.largest_panel, symbolic.panel[s + 1] - symbolic.panel[s]);
+    }
     plan.task_peak = std::max(plan.task_peak, peak_of(symbolic, plan, inside));
   }
   for (int s = 0, k = 0; s < n; ++s) {

@@ -71,6 +71,7 @@ class Solve {
   Solve(const Symbolic& symbolic, const Numeric& numeric, int columns)
       : symbolic_(symbolic),
         numeric_(numeric),
+        reader_(numeric.panels()),
         columns_(columns),
         x_(static_cast<std::size_t>(symbolic.size) * columns),
         below_(static_cast<std::size_t>(symbolic.largest_front) * columns) {}
@@ -94,7 +95,7 @@ class Solve {
 
   void forward(int s) {
     const int rows = symbolic_.front(s), width = symbolic_.width(s), below = rows - width;
-    const double* const panel = numeric_.panel(s);
+    const double* const panel = reader_.panel(s);
     double* const x = &at(symbolic_.start[s], 0);
     std::fill_n(below_.begin(), static_cast<std::size_t>(below) * columns_, 0.0);
     if (columns_ == 1) {
@@ -116,7 +117,7 @@ class Solve {
 
   void backward(int s) {
     const int rows = symbolic_.front(s), width = symbolic_.width(s), below = rows - width;
-    const double* const panel = numeric_.panel(s);
+    const double* const panel = reader_.panel(s);
     double* const x = &at(symbolic_.start[s], 0);
     const int* const row = symbolic_.rows.data() + symbolic_.row_start[s];
     for (int c = 0; c < columns_; ++c) {
@@ -134,6 +135,7 @@ class Solve {
 
   const Symbolic& symbolic_;
   const Numeric& numeric_;
+  PanelReader reader_;
   int columns_;
   std::vector<double> x_, below_;  // by position and right-hand side; the rows below of one supernode
 };

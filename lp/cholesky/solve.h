@@ -1,4 +1,4 @@
-/* Solves with L, D and L' for one or several right-hand sides, by supernodes. */
+/* Solves with L, D and L' for one or several right-hand sides, by supernodes. Errors: std::bad_alloc, FileError. */
 #pragma once
 
 #include "lp/cholesky/numeric.h"

@@ -4,6 +4,7 @@
 
 #include "env/channel.h"
 #include "include/tovik.h"
+#include "lp/run/barrier_optimizer.h"
 #include "model/store/model.h"
 
 namespace tovik::lp::run {
@@ -61,6 +62,21 @@ void BarrierLog::setup(const barrier::Setup& setup) {
   message(env_.results_channel, "  Total FP ops to factor    = %.0f\n", counts.flops);
   if (display_ > 1)
     message(env_.results_channel, "Max number of central corrections is %d\n", setup.correctors);
+}
+
+void BarrierLog::out_of_core(const cholesky::Storage& storage) {
+  if (display_ == 0) return;
+  Channel* const channel = env_.results_channel;
+  message(channel, "Creating directory %s for Barrier out-of-core files\n", storage.directory.c_str());
+  message(channel, "Out-of-core factorization with %.0fMB of working storage\n",
+          storage.work_memory / kMegabyte);
+  if (storage.needed > storage.work_memory) {
+    message(channel, "WARNING: not enough working storage allocated,");
+    message(channel, "increasing to %.2fMB\n", storage.needed / kMegabyte);
+  }
+  constexpr double kUpdatesInFile = 0;  // contributions stay in memory
+  message(channel, "Writing %.0fMB factor matrix and %.0fMB update matrix\n", storage.file_bytes / kMegabyte,
+          kUpdatesInFile);
 }
 
 void BarrierLog::heading(bool with_ratio) {

@@ -14,6 +14,7 @@ class BarrierLog : public barrier::Observer {
   void begin();
   void dense_columns(int limit, int found) override;
   void setup(const barrier::Setup& setup) override;
+  void out_of_core(const cholesky::Storage& storage) override;
   void iteration(const barrier::Iteration& now) override;
   void corrections(std::int64_t iteration, int count, std::int64_t pairs) override;
   /* The ending, and the time since begin(). */

@@ -67,6 +67,9 @@ barrier::Options barrier_options(const Environment& env) {
   options.objective_range = number_or(s.real(TVK_PARAM_BAROBJRNG), options.objective_range);
   options.factorization.ordering = static_cast<cholesky::Ordering>(s.integer(TVK_PARAM_BARORDER));
   options.factorization.threads = barrier_threads(env);
+  options.factorization.work_memory =
+      number_or(kMegabyte * s.real(TVK_PARAM_WORKMEM), options.factorization.work_memory);
+  options.factorization.work_directory = s.text(TVK_PARAM_WORKDIR);
   return options;
 }
 
@@ -90,6 +93,21 @@ barrier::Result run_interior_point(const Environment& env, const Problem& proble
   counts.seconds += seconds;
   counts.ticks += static_cast<std::int64_t>(env.work->ticks - work_begin);
   return result;
+}
+
+Status status_of(barrier::Ending ending) {
+  switch (ending) {
+    case barrier::Ending::out_of_memory:
+      return Status(TVK_ERROR_OUT_OF_MEMORY);
+    case barrier::Ending::file_not_opened:
+      return Status(TVK_ERROR_TEMPORARY_FILE_OPEN);
+    case barrier::Ending::file_not_read:
+      return Status(TVK_ERROR_TEMPORARY_FILE_READ);
+    case barrier::Ending::file_not_written:
+      return Status(TVK_ERROR_TEMPORARY_FILE_WRITE);
+    default:
+      return {};
+  }
 }
 
 bool has_crossed_bounds(const LpData& lp) {
@@ -134,7 +152,8 @@ Outcome BarrierOptimizer::optimize(const RunContext& context) {
   } else {
     result = run_interior_point(context.env, context.problem, lp_, context.control, counts);
   }
-  ran_out_of_memory_ = result.ending == barrier::Ending::out_of_memory;
+  failure_ = status_of(result.ending);
+  if (!failure_.ok()) return Outcome::numerical_failure;
   if (const Outcome ended = outcome_of(result.ending); ended != Outcome::optimal) {
     answer_ = answer_near(lp_, result);
     answer_.method = context.algorithm.method;

@@ -4,10 +4,13 @@
 
 #include <utility>
 
+#include "env/error.h"
 #include "lp/barrier/options.h"
 #include "lp/run/optimizer.h"
 
 namespace tovik::lp::run {
+
+inline constexpr double kMegabyte = 1024 * 1024;  // of TVK_PARAM_WORKMEM
 
 /* The parameters. */
 barrier::Options barrier_options(const Environment& env);
@@ -15,6 +18,9 @@ barrier::Options barrier_options(const Environment& env);
 /* Runs the method on an LP without crossed bounds, with its log, and adds what it did to `counts`. */
 barrier::Result run_interior_point(const Environment& env, const Problem& problem, const LpData& lp,
                                    Control& control, BarrierCounts& counts);
+
+/* 1001 and the codes of temporary files: endings that are errors of the call. */
+Status status_of(barrier::Ending ending);
 
 /* Some column's or row's lower limit lies above its upper one: no interior point is asked. */
 bool has_crossed_bounds(const LpData& lp);
@@ -34,13 +40,13 @@ class BarrierOptimizer final : public Optimizer {
   const Answer& answer() const override { return answer_; }
   Answer release_answer() override { return std::move(answer_); }
   simplex::Statistics statistics() const override { return statistics_; }
-  bool ran_out_of_memory() const { return ran_out_of_memory_; }
+  Status failure() const override { return failure_; }
 
  private:
   LpData lp_;
   Answer answer_;
   simplex::Statistics statistics_;
-  bool ran_out_of_memory_ = false;
+  Status failure_;
 };
 
 }  // namespace tovik::lp::run

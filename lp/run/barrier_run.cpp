@@ -136,10 +136,9 @@ class BarrierRun {
   }
 
   Status conclude_presolved(barrier::Result& result) {
+    if (const Status status = status_of(result.ending); !status.ok()) return status;
     const presolve::Reduction& reduction = record_->reduction;
     switch (result.ending) {
-      case Ending::out_of_memory:
-        return Status(TVK_ERROR_OUT_OF_MEMORY);
       case Ending::infeasible: {
         verify::FarkasProof proof;
         if (!proves_infeasible(record_->original,
@@ -176,7 +175,7 @@ class BarrierRun {
     const LpData lp = record_ != nullptr ? record_->original : build_lp(*problem_.model);
     if (has_crossed_bounds(lp)) return run_simplex(env_, problem_, {Method::dual});
     barrier::Result result = run_interior_point(env_, problem_, lp, control_, counts_);
-    if (result.ending == Ending::out_of_memory) return Status(TVK_ERROR_OUT_OF_MEMORY);
+    if (const Status status = status_of(result.ending); !status.ok()) return status;
     return conclude(lp, result, false);
   }
 
@@ -192,11 +191,11 @@ class BarrierRun {
     if (ending == Ending::optimal && may_try_again && !(near && answer_.primal_feasible))
       return solve_original();
     answer_.ray = std::move(ray);
-    return store(status_of(ending, judgement, near));
+    return store(solution_status(ending, judgement, near));
   }
 
   /* `optimal` is told of what the problem's own data bear out. */
-  int status_of(Ending ending, const Judgement& judgement, bool near) const {
+  int solution_status(Ending ending, const Judgement& judgement, bool near) const {
     switch (ending) {
       case Ending::optimal:
         if (near && answer_.primal_feasible) return TVK_STATUS_OPTIMAL;
@@ -294,7 +293,7 @@ Status cross_over_unpresolved(Environment& env, Problem& problem, const Algorith
   {
     BarrierOptimizer optimizer(lp);
     outcome = optimizer.optimize({env, problem, algorithm, control, &log});
-    if (optimizer.ran_out_of_memory()) return Status(TVK_ERROR_OUT_OF_MEMORY);
+    if (const Status status = optimizer.failure(); !status.ok()) return status;
     before.simplex = optimizer.statistics();
     answer = optimizer.release_answer();
   }

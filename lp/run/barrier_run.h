@@ -12,7 +12,7 @@
 
 namespace tovik::lp::run {
 
-/* 1001 where the factor does not fit into memory; else status and solution are in the problem. */
+/* 1001 where the factor does not fit into memory, 1801 to 1803 where its temporary file fails; else status and solution are in the problem. */
 Status run_barrier(Environment& env, Problem& problem);
 
 /* The crossover `method` makes a basic solution of the point, and the simplex that has the least to do from there ends it. */

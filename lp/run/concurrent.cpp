@@ -285,6 +285,12 @@ class ContestRun {
         message(channel, " solved model.\n\n");
       }
     }
+    for (const Clone& clone : clones_) {
+      const int failure = clone.optimizer == nullptr ? 0 : clone.optimizer->failure().code();
+      if (failure != 0)
+        message(env_.warning_channel, "Warning: concurrent optimization goes on without barrier: %s.\n",
+                error_text(failure));
+    }
     contest.outcome = first.outcome;
     contest.barrier = first.barrier;
     contest.optimizer = std::move(first.optimizer);

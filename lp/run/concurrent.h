@@ -10,7 +10,8 @@
  * - TVK_PARAM_PARALLELMODE: deterministic (0, 1), where the least work decides and every run ends alike, or opportunistic
  *   (-1), where the clock does. TVK_PARAM_THREADS limits the clones.
  * - Work: the caller's counter has grown by that of the winner.
- * - Errors: 1001 and 1234 (no thread) of a clone are those of the call; all threads have ended then. */
+ * - Errors: 1001 and 1234 (no thread) of a clone are those of the call; all threads have ended then. A barrier whose factor finds
+ *   no room in memory or in its temporary file leaves the others alone, with a warning. */
 #pragma once
 
 #include <memory>

@@ -7,7 +7,7 @@
  *   the LP by synchronize().
  * - Order: make_optimizer(); after changes synchronize(); set_start() or forget_start() unless it is to go on from where
  *   it stands; optimize() or evaluate_start(); answer().
- * - Errors: bad_alloc passes through, and the object is to be thrown away then.
+ * - Errors: failure(); bad_alloc passes through, and the object is to be thrown away then.
  *
  * Another algorithm is a file with a class of this interface, a value of Method and its branch in make_optimizer(). */
 #pragma once
@@ -15,6 +15,7 @@
 #include <memory>
 
 #include "env/environment.h"
+#include "env/error.h"
 #include "env/journal.h"
 #include "env/problem.h"
 #include "lp/base/answer.h"
@@ -62,6 +63,7 @@ class Optimizer : public Derived {
   virtual void forget_start() = 0;
 
   virtual Outcome optimize(const RunContext& context) = 0;
+  virtual Status failure() const { return {}; }  // of the last call; an error that is no outcome
   /* The answer at the start, without a step. */
   virtual void evaluate_start() = 0;
   virtual const Answer& answer() const = 0;

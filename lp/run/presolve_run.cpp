@@ -121,6 +121,8 @@ class PresolvedRun {
     Outcome outcome = outcome_of(reduction.stop);
     if (reduction.stop == Stop::none) {
       outcome = optimizer->optimize(context);
+      failure_ = optimizer->failure();
+      if (!failure_.ok()) return outcome;
     } else {
       optimizer->evaluate_start();
     }

@@ -465,6 +465,7 @@ TEST(Barrier, DenseColumnsStayOutOfTheNormalEquations) {
     barrier::Setup seen;
     void dense_columns(int, int) override {}
     void setup(const barrier::Setup& setup) override { seen = setup; }
+    void out_of_core(const cholesky::Storage&) override {}
     void iteration(const Iteration&) override {}
     void corrections(std::int64_t, int, std::int64_t) override {}
   } looking;
