@@ -5,8 +5,6 @@
 
 #include <csignal>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <utility>
 #include <vector>
@@ -28,7 +26,6 @@ class BarrierStorage : public support::WithSolves {
     directory_ = name;
     work_in(name);
     ASSERT_EQ(TVKaddfuncdest(env_, results_, &results_text_, support::keep_text), 0);
-    ASSERT_EQ(TVKaddfuncdest(env_, warnings_, &warnings_text_, support::keep_text), 0);
   }
   void TearDown() override {
     fs::remove_all(directory_);
@@ -46,7 +43,7 @@ class BarrierStorage : public support::WithSolves {
   }
 
   fs::path directory_;
-  std::string results_text_, warnings_text_;
+  std::string results_text_;
 };
 
 constexpr int kArguments[] = {-1, 'p', 'd'};  // of TVKhybbaropt
@@ -132,29 +129,25 @@ TEST_F(BarrierStorage, FailuresAreErrorsAfterWhichAllGoesOn) {
   EXPECT_EQ(TVKfreeprob(env_, &right), 0);
 }
 
-/* Large enough for every optimizer to begin; the simplex answers where the barrier cannot. */
+/* The simplex may not go far enough: what the barrier finds counts, and where it drops out the simplex' limit. */
 TEST_F(BarrierStorage, ClonesOfTheConcurrentOptimizerUseTheCallersDirectory) {
-  const Lp model = assignment(150, TVK_MIN);
+  const Lp model = assignment(30, TVK_MIN);
   set_memory(0);
   set(TVK_PARAM_LPMETHOD, 6);
   set(TVK_PARAM_THREADS, 2);
-  set(TVK_PARAM_PREIND, 0);
-  double value[2];
+  set(TVK_PARAM_ITLIM, 20);
   for (const bool is_there : {true, false}) {
     SCOPED_TRACE(is_there);
     if (!is_there) work_in((directory_ / "missing").string());
     ProbHandle lp = load(model);
-    ASSERT_EQ(TVKlpopt(env_, lp), 0);
-    EXPECT_EQ(TVKgetstat(env_, lp), TVK_STATUS_OPTIMAL);
-    value[is_there] = objective(lp);
+    EXPECT_EQ(TVKlpopt(env_, lp), 0);
+    EXPECT_EQ(TVKgetstat(env_, lp), is_there ? TVK_STATUS_OPTIMAL : TVK_STATUS_ITERATION_LIMIT);
+    EXPECT_EQ(warnings(), is_there ? ""
+                                   : "Warning: concurrent optimization goes on without barrier: Could not "
+                                     "open temporary file.\n");
     EXPECT_TRUE(fs::is_empty(directory_));
-    EXPECT_EQ(std::exchange(warnings_text_, {}),
-              is_there ? ""
-                       : "Warning: concurrent optimization goes on without barrier: Could not open temporary "
-                         "file.\n");
     EXPECT_EQ(TVKfreeprob(env_, &lp), 0);
   }
-  EXPECT_NEAR(value[0], value[1], 1e-6 * value[1]);
 }
 
 }  // namespace
