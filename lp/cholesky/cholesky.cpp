@@ -67,8 +67,9 @@ std::optional<Elimination> Cholesky::Inner::order(const Graph& graph, Ordering w
     counts.used = ordering;
     return true;
   };
-  if (wanted == Ordering::minimum_degree || wanted == Ordering::automatic)
-    offer(Ordering::minimum_degree, minimum_degree_order(graph));
+  if ((wanted == Ordering::minimum_degree || wanted == Ordering::automatic) &&
+      !offer(Ordering::minimum_degree, minimum_degree_order(graph, control)))
+    return std::nullopt;
   if (wanted == Ordering::minimum_fill && !offer(Ordering::minimum_fill, minimum_fill_order(graph, control)))
     return std::nullopt;
   if (wanted == Ordering::nested_dissection ||

@@ -1,5 +1,6 @@
 #include <metis.h>
 
+#include <cstdlib>
 #include <limits>
 #include <mutex>
 #include <new>
@@ -10,15 +11,29 @@
 namespace tovik::lp::cholesky {
 namespace {
 
-/* Graphs above this size are cut one separator at a time, so that a stop waits for one cut only. */
-constexpr int kWholeSize = 20000;
+/* Graphs above these sizes are cut one separator at a time, so that a stop waits for one cut only. */
+constexpr std::size_t kWholeSize = 20000, kWholeEntries = 4000000;
 
-/* The package draws its random numbers from the one generator of the process: a lock keeps two threads from taking turns,
- * which would make orders depend on time. */
-std::mutex& package() {
-  static std::mutex mutex;
-  return mutex;
-}
+/* The package seeds and draws from rand(), the one generator of the process, which belongs to the application. While it works
+ * the generator has another state, and the application's sequence goes on afterwards as if nothing had been; a lock keeps two
+ * threads from taking turns, which would make orders depend on time. (Where rand() and random() are one generator, as in the GNU
+ * library. What is left: another thread of the application that calls rand() meanwhile draws from that state, too.) */
+class Package {
+ public:
+  Package() : alone_(mutex()), before_(::initstate(1, state_, sizeof state_)) {}
+  ~Package() { ::setstate(before_); }
+  Package(const Package&) = delete;
+  Package& operator=(const Package&) = delete;
+
+ private:
+  static std::mutex& mutex() {
+    static std::mutex made;
+    return made;
+  }
+  std::scoped_lock<std::mutex> alone_;
+  char state_[128];
+  char* before_;
+};
 
 void require(int status) {
   if (status != METIS_OK) throw std::bad_alloc();  // input is valid here: what is left is memory
@@ -49,7 +64,7 @@ class Dissection {
       waiting_.pop_back();
       span(part);
       control_.add_work(part.neighbour.size());
-      if (part.vertices.size() <= kWholeSize)
+      if (part.vertices.size() <= kWholeSize && part.neighbour.size() <= kWholeEntries)
         order_whole(part);
       else
         cut(part);
@@ -78,7 +93,7 @@ class Dissection {
       return;
     }
     std::vector<idx_t> order(n), place(n);
-    const std::scoped_lock alone(package());
+    const Package package;
     require(METIS_NodeND(&n, part.start.data(), part.neighbour.data(), nullptr, nullptr, order.data(),
                          place.data()));
     for (int k = 0; k < n; ++k) order_[first + k] = part.vertices[order[k]];
@@ -88,7 +103,7 @@ class Dissection {
     idx_t n = static_cast<idx_t>(part.vertices.size()), separator = 0;
     std::vector<idx_t> side(n);
     {
-      const std::scoped_lock alone(package());
+      const Package package;
       require(METIS_ComputeVertexSeparator(&n, part.start.data(), part.neighbour.data(), nullptr, nullptr,
                                            &separator, side.data()));
     }

@@ -12,7 +12,7 @@
 
 namespace tovik::lp::cholesky {
 
-std::vector<int> minimum_degree_order(const Graph& graph);
+std::vector<int> minimum_degree_order(const Graph& graph, Control& control);
 /* Least fill per vertex, of all pairs of neighbours but those of the newest clique. */
 std::vector<int> minimum_fill_order(const Graph& graph, Control& control);
 std::vector<int> nested_dissection_order(const Graph& graph, Control& control);

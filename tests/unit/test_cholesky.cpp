@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <functional>
 #include <set>
 #include <string>
@@ -11,6 +12,7 @@
 #include "lp/cholesky/cholesky.h"
 #include "lp/cholesky/elimination.h"
 #include "lp/cholesky/ordering.h"
+#include "lp/cholesky/quotient_graph.h"
 #include "lp/cholesky/supernodes.h"
 #include "lp/cholesky/symbolic.h"
 #include "support/quiet_control.h"
@@ -263,10 +265,50 @@ TEST(Cholesky, OrderingsArePermutations) {
     SCOPED_TRACE(named.name);
     const Graph graph = graph_of(pattern_of(named.make(random)));
     QuietControl control;
-    expect_permutation(minimum_degree_order(graph), graph.size);
+    expect_permutation(minimum_degree_order(graph, control), graph.size);
     expect_permutation(nested_dissection_order(graph, control), graph.size);
     expect_permutation(minimum_fill_order(graph, control), graph.size);
   }
+}
+
+/* Large graphs are ordered by our own least degree, small ones by the package's. */
+TEST(Cholesky, LeastDegreeIsAsGoodAsThePackages) {
+  Random random(4719);
+  double ratio = 1;
+  int shapes = 0;
+  for (const NamedShape& named : kShapes) {
+    SCOPED_TRACE(named.name);
+    const Graph graph = graph_of(pattern_of(named.make(random)));
+    QuietControl control;
+    const std::vector<int> order = least_score_order(graph, Score::degree, control);
+    expect_permutation(order, graph.size);
+    if (graph.size == 0) continue;
+    const double flops = eliminate(graph, order).flops;
+    const double package = eliminate(graph, minimum_degree_order(graph, control)).flops;
+    EXPECT_LE(flops, 1.5 * package);
+    ratio *= flops / package;
+    ++shapes;
+  }
+  EXPECT_LE(std::pow(ratio, 1.0 / shapes), 1.05);
+}
+
+TEST(Cholesky, OrderingsLeaveTheApplicationsRandomNumbersAlone) {
+  Random random(4720);
+  const Graph graph = graph_of(pattern_of(grid(30, 30, 1)));
+  QuietControl control;
+  const auto draw = [&](unsigned seed, bool with_ordering, std::vector<int>* order) {
+    std::srand(seed);
+    std::vector<int> drawn;
+    for (int k = 0; k < 50; ++k) {
+      if (k == 20 && with_ordering) *order = nested_dissection_order(graph, control);
+      drawn.push_back(std::rand());
+    }
+    return drawn;
+  };
+  std::vector<int> one, other;
+  EXPECT_EQ(draw(1, true, &one), draw(1, false, nullptr));
+  EXPECT_EQ(draw(2, true, &other), draw(2, false, nullptr));
+  EXPECT_EQ(one, other) << "nor do they depend on them";
 }
 
 /* With merged supernodes and without: each row list holds the pattern of K and, but for the parent's columns, lies in the
@@ -277,7 +319,8 @@ TEST(Cholesky, SupernodesAreClosedUnderTheTree) {
     SCOPED_TRACE(named.name);
     const Pattern pattern = pattern_of(named.make(random));
     const Graph graph = graph_of(pattern);
-    const Elimination elimination = eliminate(graph, minimum_degree_order(graph));
+    QuietControl control;
+    const Elimination elimination = eliminate(graph, minimum_degree_order(graph, control));
     std::int64_t stored[2];
     int supernodes[2];
     for (const bool merge : {false, true}) {
@@ -398,6 +441,11 @@ TEST(Cholesky, StopsWhenAsked) {
     Options options;
     options.ordering = ordering;
     EXPECT_EQ(factor.analyze(model.pattern, options, at_once), State::stopped);
+  }
+  const Graph graph = graph_of(model.pattern);
+  for (const Score score : {Score::fill, Score::degree}) {
+    StoppingControl later(1);
+    EXPECT_TRUE(least_score_order(graph, score, later).empty());
   }
   QuietControl control;
   Cholesky factor;

@@ -1,3 +1,5 @@
+#include "lp/cholesky/quotient_graph.h"
+
 #include <algorithm>
 #include <cmath>
 #include <numeric>
@@ -72,8 +74,9 @@ class ScoreHeap {
  * are one. */
 class QuotientGraph {
  public:
-  QuotientGraph(const Graph& graph, Control& control)
+  QuotientGraph(const Graph& graph, Score score, Control& control)
       : control_(control),
+        score_(score),
         size_(graph.size),
         start_(graph.start.begin(), graph.start.end() - 1),
         list_(graph.neighbour),
@@ -128,8 +131,9 @@ class QuotientGraph {
       if (weight_[i] > 0) heap_.put(i, score(i, degree_[i], 0));
   }
 
-  /* Fill per vertex that elimination would cause: pairs of neighbours, but those of one clique are neighbours already. */
+  /* Of fill, what elimination would cause: pairs of neighbours, but those of one clique are neighbours already. */
   double score(int i, double degree, double clique) const {
+    if (score_ == Score::degree) return degree;
     return (degree * (degree - 1) - clique * (clique - 1)) / weight_[i];
   }
 
@@ -288,6 +292,7 @@ class QuotientGraph {
   }
 
   Control& control_;
+  Score score_;
   int size_;
   std::vector<std::int64_t> start_;
   std::vector<int> list_;               // by variable: elements, then variables
@@ -310,8 +315,12 @@ class QuotientGraph {
 
 }  // namespace
 
+std::vector<int> least_score_order(const Graph& graph, Score score, Control& control) {
+  return QuotientGraph(graph, score, control).order();
+}
+
 std::vector<int> minimum_fill_order(const Graph& graph, Control& control) {
-  return QuotientGraph(graph, control).order();
+  return least_score_order(graph, Score::fill, control);
 }
 
 }  // namespace tovik::lp::cholesky
