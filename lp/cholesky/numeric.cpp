@@ -5,6 +5,8 @@
 #include <cstring>
 #include <new>
 
+#include "lp/cholesky/flush_to_zero.h"
+
 namespace tovik::lp::cholesky {
 namespace {
 
@@ -78,6 +80,7 @@ State Numeric::allocate(const std::string& directory) {
 
 State Numeric::factorize(const double* values, const signed char* signs, const Pivoting& pivoting,
                          Control& control, Report& report) {
+  const FlushToZero flush;
   signs_.clear();
   for (int k = 0; signs != nullptr && k < symbolic_.size; ++k) signs_.push_back(signs[symbolic_.order[k]]);
   for (Workspace& workspace : workspaces_)

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "lp/cholesky/blas.h"
+#include "lp/cholesky/flush_to_zero.h"
 
 namespace tovik::lp::cholesky {
 namespace {
@@ -143,6 +144,7 @@ class Solve {
 }  // namespace
 
 void solve(const Symbolic& symbolic, const Numeric& numeric, double* x, int columns) {
+  const FlushToZero flush;
   if (symbolic.size > 0 && columns > 0) Solve(symbolic, numeric, columns).run(x);
 }
 

@@ -1,6 +1,9 @@
 #include "lp/cholesky/team.h"
 
 #include <chrono>
+#include <system_error>
+
+#include "lp/cholesky/flush_to_zero.h"
 
 namespace tovik::lp::cholesky {
 
@@ -57,6 +60,7 @@ void Team::run(int pieces, const Piece& work, const Idle& idle) {
 }
 
 void Team::follow(int worker) {
+  const FlushToZero flush;
   std::unique_lock lock(mutex_);
   while (true) {
     begun_.wait(lock, [&] { return closing_ || next_ < pieces_; });

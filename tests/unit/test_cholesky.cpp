@@ -421,6 +421,32 @@ TEST(Cholesky, PositiveDefiniteNeedsNoSigns) {
   }
 }
 
+/* Entries of L far from the diagonal are tiny: on the way they count as 0, whoever works, and for the caller they do not. */
+TEST(Cholesky, NumbersTooSmallToBeNormalCountAsZeroInsideOnly) {
+  constexpr int kSize = 2600;
+  Shape shape(kSize);
+  for (int i = 0; i + 1 < kSize; ++i) shape.edge(i, i + 1);
+  for (int i = 0; i < 2; ++i) shape.edge(i * 40, kSize - 1);
+  Model model;
+  model.pattern = pattern_of(shape);
+  for (int j = 0; j < kSize; ++j) {
+    const std::int64_t begin = model.pattern.start[j], end = model.pattern.start[j + 1];
+    for (std::int64_t k = begin; k < end; ++k) model.values.push_back(k == begin ? 1 : 1e-12);
+  }
+  QuietControl control;
+  Cholesky factor;
+  ASSERT_EQ(factor.analyze(model.pattern, {}, control), State::done);
+  ASSERT_EQ(factor.factorize(model.values.data(), nullptr, {}, control, nullptr), State::done);
+  std::vector<double> b(kSize, 0.0);
+  b[kSize / 2] = 1;
+  const std::vector<double> x = solution(factor, b);
+  EXPECT_NEAR(x[kSize / 2], 1, 1e-15);
+  for (const double value : x)
+    EXPECT_TRUE(value == 0 || std::isnormal(value)) << value << ": no denormal number is left";
+  volatile double tiny = 1e-300, share = 1e-12;
+  EXPECT_GT(tiny * share, 0) << "the caller's arithmetic is what it was";
+}
+
 /* Asks to stop at the n-th look. */
 class StoppingControl : public QuietControl {
  public:
