@@ -24,7 +24,7 @@ double largest_amount(const FlowProblem& problem) {
 }
 
 bool all_whole(std::span<const double> values) {
-  return std::ranges::all_of(values, [](double v) { return std::floor(v) == v && std::fabs(v) <= 1e12; });
+  return std::ranges::all_of(values, is_exactly_added);
 }
 
 }  // namespace
@@ -42,7 +42,7 @@ FlowSimplex::FlowSimplex(const FlowProblem& problem, const FlowBasis& start, con
       penalty_((1 + arcs_.largest_cost()) * std::min(1e5, 1.0 + problem.num_nodes())) {
   if (!arcs_.is_integral() || !all_whole(problem.supply)) snap_ = kSnap * largest_amount(problem);
   if (start.empty()) {
-    start_from_artificial_arcs();
+    start_from_shortest_paths();
   } else {
     start_from(start);
   }
@@ -57,11 +57,11 @@ double FlowSimplex::artificial_cost(const SpanningTree::Node& node) const {
 void FlowSimplex::compute_potentials() {
   const int root = tree_.root();
   potential_[static_cast<std::size_t>(root)] = 0;
-  for (int v = tree_[root].next; v != root; v = tree_[v].next) {
+  for (int v = tree_.next(root); v != root; v = tree_.next(v)) {
     const SpanningTree::Node& node = tree_[v];
     const double step = node.is_artificial() ? artificial_cost(node)
-                        : node.points_up()   ? arcs_[node.arc()].cost
-                                             : -arcs_[node.arc()].cost;
+                        : node.points_up()   ? arcs_.cost(node.arc())
+                                             : -arcs_.cost(node.arc());
     potential_[static_cast<std::size_t>(v)] = potential_[static_cast<std::size_t>(node.parent)] + step;
   }
   work_ += static_cast<std::uint64_t>(root);
@@ -71,7 +71,7 @@ double FlowSimplex::infeasibility() const {
   if (phase_ == Phase::cost) return 0;
   double sum = 0;
   const int root = tree_.root();
-  for (int v = tree_[root].next; v != root; v = tree_[tree_[v].last].next)
+  for (int v = tree_.next(root); v != root; v = tree_.next(tree_[v].last))
     if (tree_[v].is_artificial()) sum += tree_[v].points_up() ? tree_[v].down : tree_[v].up;
   return sum;
 }
@@ -79,14 +79,15 @@ double FlowSimplex::infeasibility() const {
 void FlowSimplex::compute_objective() {
   double sum = 0;
   for (int a = 0; a < arcs_.count(); ++a)
-    if (arcs_.state(a) < 0) sum += arcs_[a].cost * arcs_.capacity(a);
+    if (arcs_.state(a) < 0) sum += arcs_.cost(a) * arcs_.capacity(a);
   for (int v = 0; v < tree_.root(); ++v) {
     const SpanningTree::Node& node = tree_[v];
     const double flow = node.points_up() ? node.down : node.up;
-    sum += flow * (!node.is_artificial() ? arcs_[node.arc()].cost : phase_ == Phase::cost ? 0 : penalty_);
+    sum += flow * (!node.is_artificial() ? arcs_.cost(node.arc()) : phase_ == Phase::cost ? 0 : penalty_);
   }
   // What shifted bounds cost.
-  for (int a = 0; phase_ != Phase::infeasibility && a < arcs_.count(); ++a) {
+  const bool shifted = phase_ != Phase::infeasibility && arcs_.has_other_bounds();
+  for (int a = 0; shifted && a < arcs_.count(); ++a) {
     const double base = arcs_.original_flow(a, 0);
     if (base != 0) sum += problem_.cost[static_cast<std::size_t>(arcs_.origin(a))] * base;
   }
@@ -111,9 +112,9 @@ void FlowSimplex::begin_phase(Phase phase) {
 void FlowSimplex::begin_cost_phase_if_feasible() {
   const int root = tree_.root();
   const double allowed = snap_ > 0 ? options_.feasibility : 0;
-  for (int v = tree_[root].next; v != root; v = tree_[tree_[v].last].next)
+  for (int v = tree_.next(root); v != root; v = tree_.next(tree_[v].last))
     if (tree_[v].is_artificial() && (tree_[v].points_up() ? tree_[v].down : tree_[v].up) > allowed) return;
-  for (int v = tree_[root].next; v != root; v = tree_[tree_[v].last].next)
+  for (int v = tree_.next(root); v != root; v = tree_.next(tree_[v].last))
     if (tree_[v].is_artificial()) tree_.set_parent_arc(v, {kArtificial, true, kInf, 0});
   phase1_iterations_ = iterations_;
   begin_phase(Phase::cost);
@@ -190,10 +191,9 @@ FlowSimplex::Step FlowSimplex::iterate() {
  * equal steps is to be chosen: the first path must offer less than what was found, the second one as much. */
 FlowSimplex::Cycle FlowSimplex::find_cycle(int arc) const {
   const bool forward = arcs_.state(arc) > 0;
-  const WorkingArc& entering = arcs_[arc];
   Cycle cycle{arc,
-              forward ? entering.tail : entering.head,
-              forward ? entering.head : entering.tail,
+              forward ? arcs_.tail(arc) : arcs_.head(arc),
+              forward ? arcs_.head(arc) : arcs_.tail(arc),
               0,
               arcs_.capacity(arc),
               kNoNode,
@@ -260,7 +260,7 @@ void FlowSimplex::exchange(const Cycle& cycle, double gain) {
   const double capacity = arcs_.capacity(cycle.arc);
   const double flow = arcs_.state(cycle.arc) > 0 ? cycle.step : snapped(capacity - cycle.step);
   const double room = capacity == kInf ? kInf : snapped(capacity - flow);
-  const bool points_up = arcs_[cycle.arc].tail == inner;
+  const bool points_up = arcs_.tail(cycle.arc) == inner;
   const double reduced_cost = -gain * arcs_.state(cycle.arc);
   tree_.move({cycle.out,
               inner,
@@ -274,16 +274,21 @@ void FlowSimplex::exchange(const Cycle& cycle, double gain) {
 /* Of the subtree, or of all others the other way: only differences count. */
 void FlowSimplex::shift_potentials(int top, double shift) {
   const int size = tree_[top].size, all = tree_.root() + 1;
-  int v = top, count = size;
+  int first = top, last = tree_[top].last, count = size;
   if (2 * size > all) {
-    v = tree_[tree_[top].last].next;
+    first = tree_.next(last);
+    last = tree_.previous(top);
     count = all - size;
     shift = -shift;
   }
-  for (int k = count; k > 0; --k) {
-    potential_[static_cast<std::size_t>(v)] += shift;
-    v = tree_[v].next;
+  // From both ends at once: the memory answers two walks as fast as one.
+  for (int k = count / 2; k > 0; --k) {
+    potential_[static_cast<std::size_t>(first)] += shift;
+    potential_[static_cast<std::size_t>(last)] += shift;
+    first = tree_.next(first);
+    last = tree_.previous(last);
   }
+  if (count % 2 != 0) potential_[static_cast<std::size_t>(first)] += shift;
   work_ += 2 * static_cast<std::uint64_t>(count);
 }
 

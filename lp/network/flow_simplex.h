@@ -16,6 +16,7 @@
 #pragma once
 
 #include <cstdint>
+#include <unordered_map>
 #include <vector>
 
 #include "lp/base/control.h"
@@ -29,7 +30,7 @@ namespace tovik::lp::network {
 
 class FlowSimplex : private ProgressSource {
  public:
-  /* Starts from `start`, or from artificial arcs alone where it is empty. */
+  /* Starts from `start`, or from shortest paths where it is empty. */
   FlowSimplex(const FlowProblem& problem, const FlowBasis& start, const FlowOptions& options,
               Control& control, FlowObserver* observer);
   Outcome run();
@@ -55,8 +56,18 @@ class FlowSimplex : private ProgressSource {
   enum class Step { pivot, no_candidate, endless };
 
   // ---- Starts
-  void start_from_artificial_arcs();
+  /* Parents before children in `order`; parent n is the root. */
+  struct StartTree {
+    explicit StartTree(int nodes)
+        : parent(static_cast<std::size_t>(nodes), kNoNode),
+          arc(static_cast<std::size_t>(nodes), kArtificial) {
+      order.reserve(static_cast<std::size_t>(nodes));
+    }
+    std::vector<int> parent, arc, order;
+  };
+  void start_from_shortest_paths();
   void start_from(const FlowBasis& start);
+  void plant(StartTree& draft, std::vector<double> excess, const std::unordered_map<int, int>& halves);
   void hang_on_root(int v, double excess);
 
   // ---- Phases

@@ -6,6 +6,9 @@
 namespace tovik::lp::network {
 namespace {
 
+/* Of the root of the number of arcs. Smaller blocks make more pivots than they save looks, larger ones the reverse. */
+constexpr double kBlockShare = 4;
+
 int share_of_root(int arcs, double factor, int least) {
   return std::max(least, static_cast<int>(factor * std::sqrt(static_cast<double>(arcs))));
 }
@@ -14,11 +17,11 @@ int share_of_root(int arcs, double factor, int least) {
 
 Pricing::Pricing(const WorkingArcs& arcs, const std::vector<double>& potential, FlowPricing rule,
                  double tolerance)
-    : arcs_(arcs),
-      potential_(potential),
+    : arcs_(arcs.priced(potential.data())),
+      count_(arcs.count()),
       rule_(rule),
       tolerance_(tolerance),
-      block_(share_of_root(arcs.count(), 1.0, 20)),
+      block_(share_of_root(arcs.count(), kBlockShare, 20)),
       list_length_(static_cast<std::size_t>(share_of_root(arcs.count(), 0.25, 10))),
       minor_limit_(share_of_root(arcs.count(), 0.025, 3)) {
   if (rule == FlowPricing::sorted_list) list_length_ = 40;
@@ -38,7 +41,7 @@ int Pricing::choose() {
 /* Visits arcs from position_ on, `count` at a time, until visit() is true after a batch; false when all were seen. */
 template <class Visit>
 bool Pricing::scan(int count, Visit&& visit) {
-  const int all = arcs_.count();
+  const int all = count_;
   for (int seen = 0; seen < all;) {
     const int batch = std::min({count, all - seen, all - position_});
     const int end = position_ + batch;
@@ -52,19 +55,9 @@ bool Pricing::scan(int count, Visit&& visit) {
 }
 
 int Pricing::choose_by_blocks() {
-  double best = tolerance_;
   int arc = kNone;
-  const WorkingArc* const arcs = arcs_.arcs().data();
-  const signed char* const states = arcs_.states().data();
-  const double* const potential = potential_.data();
   scan(block_, [&](int begin, int end) {
-    for (int a = begin; a < end; ++a) {
-      const double gain = states[a] * (potential[arcs[a].tail] - potential[arcs[a].head] - arcs[a].cost);
-      if (gain > best) {
-        best = gain;
-        arc = a;
-      }
-    }
+    arc = best_arc(arcs_, begin, end, tolerance_).arc;
     return arc != kNone;
   });
   return arc;

@@ -21,7 +21,7 @@ namespace tovik::lp::network {
 
 class Pricing {
  public:
-  static constexpr int kNone = -1;
+  static constexpr int kNone = kNoArc;
 
   Pricing(const WorkingArcs& arcs, const std::vector<double>& potential, FlowPricing rule, double tolerance);
   int choose();
@@ -30,11 +30,7 @@ class Pricing {
   std::uint64_t work() { return std::exchange(work_, 0); }
 
   /* By how much arc a may lower the cost per unit of flow; negative where it would raise it. */
-  double gain(int a) const {
-    const WorkingArc& arc = arcs_[a];
-    return -arcs_.state(a) * (arc.cost - potential_[static_cast<std::size_t>(arc.tail)] +
-                              potential_[static_cast<std::size_t>(arc.head)]);
-  }
+  double gain(int a) const { return arcs_.gain(a); }
 
  private:
   struct Candidate {
@@ -48,8 +44,8 @@ class Pricing {
   template <class Visit>
   bool scan(int count, Visit&& visit);
 
-  const WorkingArcs& arcs_;
-  const std::vector<double>& potential_;
+  const PricedArcs arcs_;
+  const int count_;
   FlowPricing rule_;
   double tolerance_;
   int block_;

@@ -21,21 +21,27 @@ bool bounds_cross(const FlowProblem& problem, int a, double tolerance) {
 class AnswerMaker {
  public:
   AnswerMaker(const FlowProblem& problem, const FlowOptions& options, FlowAnswer& answer)
-      : problem_(problem), options_(options), answer_(answer) {
-    const std::size_t arcs = at(problem.num_arcs()), nodes = at(problem.num_nodes());
-    answer_.flow.assign(arcs, 0);
-    answer_.reduced_cost.assign(arcs, 0);
-    answer_.basis.arcs.assign(arcs, BasisStatus::lower);
+      : problem_(problem), options_(options), answer_(answer) {}
+
+  /* All flows at the bounds next to zero, and no arc basic. Called once a solve's own arrays are at their largest, so
+   * that the answer comes on top of no start. */
+  void take_bounds() {
+    const std::size_t arcs = at(problem_.num_arcs()), nodes = at(problem_.num_nodes());
+    answer_.flow.resize(arcs);
+    answer_.reduced_cost.resize(arcs);
+    answer_.basis.arcs.resize(arcs);
     answer_.potential.assign(nodes, 0);
     answer_.basis.nodes.assign(nodes, BasisStatus::basic);
+    for (int a = 0; a < problem_.num_arcs(); ++a) place(a);
   }
 
   void take(const FlowSimplex& simplex) {
+    take_bounds();
     const WorkingArcs& arcs = simplex.arcs();
     for (int a = 0; a < arcs.count(); ++a) {
-      add_flow(arcs, a, arcs.original_bound(a));
-      BasisStatus& status = answer_.basis.arcs[at(arcs.origin(a))];
-      if (status != BasisStatus::basic) status = status_of(arcs, a);
+      if (arcs.state(a) >= 0) continue;
+      answer_.flow[at(arcs.origin(a))] = arcs.original_bound(a);
+      answer_.basis.arcs[at(arcs.origin(a))] = arcs.is_reversed(a) ? BasisStatus::lower : BasisStatus::upper;
     }
     const SpanningTree& tree = simplex.tree();
     for (int v = 0; v < tree.root(); ++v) {
@@ -53,11 +59,6 @@ class AnswerMaker {
     }
   }
 
-  /* All flows at the bounds next to zero. */
-  void take_bounds() {
-    for (int a = 0; a < problem_.num_arcs(); ++a) place(a);
-  }
-
   void place_loops() {
     for (int a = 0; a < problem_.num_arcs(); ++a)
       if (problem_.tail[at(a)] == problem_.head[at(a)]) place_at_better_bound(a);
@@ -67,15 +68,22 @@ class AnswerMaker {
     CompensatedSum objective;
     std::vector<CompensatedSum> balance(answer_.potential.size());
     for (std::size_t i = 0; i < balance.size(); ++i) balance[i].add(problem_.supply[i]);
+    answer_.dual_feasible = true;
     for (std::size_t a = 0; a < answer_.flow.size(); ++a) {
       const int tail = problem_.tail[a], head = problem_.head[a];
-      answer_.reduced_cost[a] = problem_.cost[a];
-      objective.add_product(problem_.cost[a], answer_.flow[a]);
+      const double flow = answer_.flow[a];
+      double d = problem_.cost[a];
+      if (tail != head) d += answer_.potential[at(head)] - answer_.potential[at(tail)];
+      if (tail != head && answer_.basis.arcs[a] == BasisStatus::basic) d = 0;
+      answer_.reduced_cost[a] = d;
+      if ((d < -2 * options_.optimality && flow < problem_.upper[a]) ||
+          (d > 2 * options_.optimality && flow > problem_.lower[a]))
+        answer_.dual_feasible = false;
+      if (flow == 0) continue;
+      objective.add_product(problem_.cost[a], flow);
       if (tail == head) continue;
-      answer_.reduced_cost[a] += answer_.potential[at(head)] - answer_.potential[at(tail)];
-      if (answer_.basis.arcs[a] == BasisStatus::basic) answer_.reduced_cost[a] = 0;
-      balance[at(tail)].add(-answer_.flow[a]);
-      balance[at(head)].add(answer_.flow[a]);
+      balance[at(tail)].add(-flow);
+      balance[at(head)].add(flow);
     }
     answer_.objective = objective.value();
     double worst = 0;
@@ -87,21 +95,9 @@ class AnswerMaker {
     const double allowed = options_.feasibility;
     answer_.primal_feasible = worst <= allowed && answer_.crossed_arc < 0;
     if (answer_.primal_feasible && answer_.infeasibility <= allowed) answer_.infeasibility = 0;
-    answer_.dual_feasible = true;
-    for (std::size_t a = 0; a < answer_.flow.size(); ++a) {
-      const double d = answer_.reduced_cost[a];
-      if ((d < -2 * options_.optimality && answer_.flow[a] < problem_.upper[a]) ||
-          (d > 2 * options_.optimality && answer_.flow[a] > problem_.lower[a]))
-        answer_.dual_feasible = false;
-    }
   }
 
  private:
-  static BasisStatus status_of(const WorkingArcs& arcs, int a) {
-    if (arcs.is_free(a)) return BasisStatus::free;
-    return (arcs.state(a) < 0) != arcs.is_reversed(a) ? BasisStatus::upper : BasisStatus::lower;
-  }
-
   void add_flow(const WorkingArcs& arcs, int a, double flow) {
     double& whole = answer_.flow[at(arcs.origin(a))];
     whole = arcs.is_free(a) ? whole + flow : flow;
@@ -115,7 +111,7 @@ class AnswerMaker {
       for (int v = 0; v < tree.root(); ++v)
         answer_.farkas.push_back(simplex.potential(v) - simplex.potential(tree.root()));
     }
-    for (int v = tree[tree.root()].next; v != tree.root(); v = tree[v].next) {
+    for (int v = tree.next(tree.root()); v != tree.root(); v = tree.next(v)) {
       const SpanningTree::Node& node = tree[v];
       if (node.is_artificial()) continue;
       const int a = node.arc();

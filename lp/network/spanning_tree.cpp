@@ -4,7 +4,8 @@
 
 namespace tovik::lp::network {
 
-SpanningTree::SpanningTree(int nodes) : nodes_(static_cast<std::size_t>(nodes) + 1) {
+SpanningTree::SpanningTree(int nodes)
+    : nodes_(static_cast<std::size_t>(nodes) + 1), next_(nodes_.size()), previous_(nodes_.size()) {
   const std::vector<int> star(static_cast<std::size_t>(nodes), nodes);
   set_parents(star);
   for (int v = 0; v < nodes; ++v) set_parent_arc(v, {});
@@ -58,10 +59,10 @@ int SpanningTree::turn_over(const Move& move) {
   ParentArc arc = move.arc;
   int parent = move.outer, v = move.inner;
   Node* node = &(*this)[v];
-  int tail = node->last;          // of the new order so far
-  int below_last = node->last;    // of v's old subtree,
-  int rest = (*this)[tail].next;  // what followed it
-  int previous = node->previous;  // and what stood before it
+  int tail = node->last;        // of the new order so far
+  int below_last = node->last;  // of v's old subtree,
+  int rest = next(tail);        // what followed it
+  int before = previous(v);     // and what stood before it
   int below_size = node->size;
   node->size = total;
   for (;;) {
@@ -71,12 +72,12 @@ int SpanningTree::turn_over(const Move& move) {
     set_parent_arc(v, arc);
     if (v == move.top) break;
     Node& up = (*this)[above];
-    const int up_last = up.last, up_previous = up.previous, up_size = up.size;
-    int end = previous;
+    const int up_last = up.last, up_before = previous(above), up_size = up.size;
+    int end = before;
     if (up_last != below_last) {
       end = up_last;
-      const int after = (*this)[up_last].next;
-      link(previous, rest);
+      const int after = next(up_last);
+      link(before, rest);
       rest = after;
     }
     link(tail, above);
@@ -84,7 +85,7 @@ int SpanningTree::turn_over(const Move& move) {
     up.size = total - below_size;
     below_size = up_size;
     below_last = up_last;
-    previous = up_previous;
+    before = up_before;
     arc = old;
     parent = v;
     v = above;
@@ -97,7 +98,7 @@ int SpanningTree::turn_over(const Move& move) {
 void SpanningTree::move(const Move& move) {
   Node& top = (*this)[move.top];
   const int total = top.size, old_parent = top.parent, old_last = top.last;
-  const int before = top.previous, after = (*this)[old_last].next;
+  const int before = previous(move.top), after = next(old_last);
   const int tail = turn_over(move);
 
   link(before, after);
@@ -105,7 +106,7 @@ void SpanningTree::move(const Move& move) {
     (*this)[v].last = before;
   for (int v = old_parent; v != move.join; v = (*this)[v].parent) (*this)[v].size -= total;
 
-  link(tail, (*this)[move.outer].next);
+  link(tail, next(move.outer));
   link(move.outer, move.inner);
   for (int v = move.outer; v != kNoNode && (*this)[v].last == move.outer; v = (*this)[v].parent)
     (*this)[v].last = tail;

@@ -1,7 +1,10 @@
 /* The first tree of the network simplex. */
 #include <algorithm>
+#include <functional>
 #include <numeric>
+#include <queue>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "lp/network/flow_simplex.h"
@@ -42,13 +45,33 @@ class Forest {
   Forest(const WorkingArcs& arcs, const std::vector<int>& members, int nodes)
       : start_(static_cast<std::size_t>(nodes) + 1), arc_(2 * members.size()) {
     for (const int a : members) {
-      ++start_[static_cast<std::size_t>(arcs[a].tail)];
-      ++start_[static_cast<std::size_t>(arcs[a].head)];
+      ++start_[static_cast<std::size_t>(arcs.tail(a))];
+      ++start_[static_cast<std::size_t>(arcs.head(a))];
     }
     std::partial_sum(start_.begin(), start_.end(), start_.begin());
     for (const int a : members)
-      for (const int v : {arcs[a].tail, arcs[a].head})
+      for (const int v : {arcs.tail(a), arcs.head(a)})
         arc_[static_cast<std::size_t>(--start_[static_cast<std::size_t>(v)])] = a;
+  }
+  std::span<const int> arcs_of(int v) const {
+    const auto k = static_cast<std::size_t>(v);
+    return std::span(arc_).subspan(static_cast<std::size_t>(start_[k]),
+                                   static_cast<std::size_t>(start_[k + 1] - start_[k]));
+  }
+
+ private:
+  std::vector<int> start_, arc_;
+};
+
+/* Arcs as lists by head. */
+class ArcsByHead {
+ public:
+  ArcsByHead(const WorkingArcs& arcs, int nodes)
+      : start_(static_cast<std::size_t>(nodes) + 1), arc_(static_cast<std::size_t>(arcs.count())) {
+    for (int a = 0; a < arcs.count(); ++a) ++start_[static_cast<std::size_t>(arcs.head(a))];
+    std::partial_sum(start_.begin(), start_.end(), start_.begin());
+    for (int a = arcs.count(); a-- > 0;)
+      arc_[static_cast<std::size_t>(--start_[static_cast<std::size_t>(arcs.head(a))])] = a;
   }
   std::span<const int> arcs_of(int v) const {
     const auto k = static_cast<std::size_t>(v);
@@ -63,7 +86,7 @@ class Forest {
 /* The second halves of free arcs that the basis takes, by arc of the problem. */
 std::unordered_map<int, int> second_halves(const FlowBasis& start, const WorkingArcs& arcs) {
   std::unordered_map<int, int> second;
-  for (int a = 0; a < arcs.count(); ++a) {
+  for (int a = 0; arcs.has_other_bounds() && a < arcs.count(); ++a) {
     const int origin = arcs.origin(a);
     if (arcs.is_reversed(a) && arcs.is_free(a) &&
         start.arcs[static_cast<std::size_t>(origin)] == BasisStatus::basic)
@@ -80,6 +103,7 @@ std::vector<double> excesses(const FlowProblem& problem, const WorkingArcs& arcs
     excess[static_cast<std::size_t>(head)] += flow;
   };
   for (int a = 0; a < arcs.count(); ++a) {
+    if (arcs.state(a) >= 0 && !arcs.has_other_bounds()) continue;
     const auto k = static_cast<std::size_t>(arcs.origin(a));
     const double flow = arcs.original_flow(a, arcs.state(a) < 0 ? arcs.capacity(a) : 0.0);
     if (flow != 0) carry(problem.tail[k], problem.head[k], flow);
@@ -94,7 +118,7 @@ std::vector<int> choose_members(const FlowBasis& start, WorkingArcs& arcs, int n
   for (int a = 0; a < arcs.count(); ++a) {
     const BasisStatus status = start.arcs[static_cast<std::size_t>(arcs.origin(a))];
     const bool second_of_free = arcs.is_reversed(a) && arcs.is_free(a);
-    if (status == BasisStatus::basic && !second_of_free && components.join(arcs[a].tail, arcs[a].head)) {
+    if (status == BasisStatus::basic && !second_of_free && components.join(arcs.tail(a), arcs.head(a))) {
       members.push_back(a);
       arcs.set_state(a, 0);
     } else {
@@ -117,33 +141,24 @@ void FlowSimplex::hang_on_root(int v, double excess) {
   }
 }
 
-void FlowSimplex::start_from_artificial_arcs() {
-  const std::vector<double> excess = excesses(problem_, arcs_);
-  for (int v = 0; v < problem_.num_nodes(); ++v) hang_on_root(v, excess[static_cast<std::size_t>(v)]);
-}
-
-/* The trees that the basis makes, each hung on the root; cut where an arc would have to carry more than it can or
- * could not take more towards the root. So a basis near the optimum keeps nearly all of its arcs. */
+/* The trees that the basis makes, each hung on the root. So a basis near the optimum keeps nearly all of its arcs. */
 void FlowSimplex::start_from(const FlowBasis& start) {
   const int n = problem_.num_nodes();
   const Forest forest(arcs_, choose_members(start, arcs_, n), n);
   std::vector<double> excess = excesses(problem_, arcs_);
-  std::vector<int> parent(static_cast<std::size_t>(n), kNoNode),
-      arc(static_cast<std::size_t>(n), kArtificial);
-  std::vector<int> order;
-  order.reserve(static_cast<std::size_t>(n));
+  StartTree draft(n);
   const auto grow_from = [&](int top) {
-    if (parent[static_cast<std::size_t>(top)] != kNoNode) return;
-    parent[static_cast<std::size_t>(top)] = n;
-    order.push_back(top);
-    for (std::size_t k = order.size() - 1; k < order.size(); ++k) {
-      const int v = order[k];
+    if (draft.parent[static_cast<std::size_t>(top)] != kNoNode) return;
+    draft.parent[static_cast<std::size_t>(top)] = n;
+    draft.order.push_back(top);
+    for (std::size_t k = draft.order.size() - 1; k < draft.order.size(); ++k) {
+      const int v = draft.order[k];
       for (const int a : forest.arcs_of(v)) {
-        const int w = arcs_[a].tail == v ? arcs_[a].head : arcs_[a].tail;
-        if (parent[static_cast<std::size_t>(w)] != kNoNode) continue;
-        parent[static_cast<std::size_t>(w)] = v;
-        arc[static_cast<std::size_t>(w)] = a;
-        order.push_back(w);
+        const int w = arcs_.tail(a) == v ? arcs_.head(a) : arcs_.tail(a);
+        if (draft.parent[static_cast<std::size_t>(w)] != kNoNode) continue;
+        draft.parent[static_cast<std::size_t>(w)] = v;
+        draft.arc[static_cast<std::size_t>(w)] = a;
+        draft.order.push_back(w);
       }
     }
   };
@@ -151,8 +166,58 @@ void FlowSimplex::start_from(const FlowBasis& start) {
     if (start.nodes[static_cast<std::size_t>(v)] == BasisStatus::basic) grow_from(v);
   for (int v = 0; v < n; ++v) grow_from(v);
 
-  // A free arc carries flow the other way by its second half.
-  const std::unordered_map<int, int> halves = second_halves(start, arcs_);
+  plant(draft, std::move(excess), second_halves(start, arcs_));
+}
+
+/* Every node that can send to one with a demand is hung on its shortest path there, and its supply follows it as far as
+ * capacities allow. Where a cost is negative it counts as zero: this is a start and need not be optimal. */
+void FlowSimplex::start_from_shortest_paths() {
+  const int n = problem_.num_nodes();
+  std::vector<double> excess = excesses(problem_, arcs_);
+  StartTree draft(n);
+  const ArcsByHead into(arcs_, n);
+  std::vector<double> distance(static_cast<std::size_t>(n), kInf);
+  using Reached = std::pair<double, int>;
+  std::priority_queue<Reached, std::vector<Reached>, std::greater<>> queue;
+  for (int v = 0; v < n; ++v) {
+    if (excess[static_cast<std::size_t>(v)] >= 0) continue;
+    distance[static_cast<std::size_t>(v)] = 0;
+    queue.emplace(0, v);
+  }
+  while (!queue.empty()) {
+    const auto [length, v] = queue.top();
+    queue.pop();
+    if (draft.parent[static_cast<std::size_t>(v)] != kNoNode) continue;
+    const int a = draft.arc[static_cast<std::size_t>(v)];
+    draft.parent[static_cast<std::size_t>(v)] = a == kArtificial ? n : arcs_.head(a);
+    draft.order.push_back(v);
+    for (const int b : into.arcs_of(v)) {
+      const int u = arcs_.tail(b);
+      const double by_here = length + std::max(arcs_.cost(b), 0.0);
+      if (by_here >= distance[static_cast<std::size_t>(u)] || arcs_.capacity(b) <= 0) continue;
+      distance[static_cast<std::size_t>(u)] = by_here;
+      draft.arc[static_cast<std::size_t>(u)] = b;
+      queue.emplace(by_here, u);
+    }
+  }
+  for (int v = 0; v < n; ++v) {
+    if (draft.parent[static_cast<std::size_t>(v)] != kNoNode) continue;
+    draft.parent[static_cast<std::size_t>(v)] = n;
+    draft.order.push_back(v);
+  }
+  for (const int a : draft.arc)
+    if (a != kArtificial) arcs_.set_state(a, 0);
+  work_ += 4 * static_cast<std::uint64_t>(arcs_.count()) + 20 * static_cast<std::uint64_t>(n);
+  plant(draft, std::move(excess), {});
+}
+
+/* The flows that the tree must carry, from its leaves up. It is cut where an arc would have to carry more than it can or
+ * could not take more towards the root. A free arc carries flow the other way by its second half. */
+void FlowSimplex::plant(StartTree& draft, std::vector<double> excess,
+                        const std::unordered_map<int, int>& halves) {
+  const int n = problem_.num_nodes();
+  std::vector<int>&parent = draft.parent, &arc = draft.arc;
+  const std::vector<int>& order = draft.order;
   for (std::size_t k = order.size(); k-- > 0;) {
     const int v = order[k];
     int a = arc[static_cast<std::size_t>(v)];
@@ -162,7 +227,7 @@ void FlowSimplex::start_from(const FlowBasis& start) {
       continue;
     }
     double& above = excess[static_cast<std::size_t>(parent[static_cast<std::size_t>(v)])];
-    bool points_up = arcs_[a].tail == v;
+    bool points_up = arcs_.tail(a) == v;
     double wanted = points_up ? own : -own;
     if (const auto second = halves.find(arcs_.origin(a));
         second != halves.end() && (wanted < 0 || (wanted == 0 && !points_up))) {

@@ -8,59 +8,58 @@
 namespace tovik::lp::network {
 namespace {
 
-/* Whole numbers up to here stay exact when many are added. */
-constexpr double kExact = 1e12;
 constexpr std::size_t kMostArcs = std::size_t{1} << 30;
-
-bool is_whole(double value) {
-  return std::fabs(value) <= kExact && std::floor(value) == value;
-}
 
 }  // namespace
 
 WorkingArcs::WorkingArcs(const FlowProblem& problem) : problem_(problem) {
-  std::size_t count = 0;
-  for (std::size_t a = 0; a < problem.tail.size(); ++a) {
-    if (problem.tail[a] == problem.head[a]) continue;
-    count += problem.lower[a] == -kInf && problem.upper[a] == kInf ? 2 : 1;
-  }
-  if (count > kMostArcs) throw std::bad_alloc();
-  origin_.reserve(count);
-  for (int a = 0; a < problem.num_arcs(); ++a) {
-    if (problem.tail[at(a)] == problem.head[at(a)]) continue;
-    const bool has_lower = problem.lower[at(a)] > -kInf;
-    origin_.push_back(2 * a + static_cast<int>(!has_lower && problem.upper[at(a)] < kInf));
-    if (!has_lower && problem.upper[at(a)] == kInf) origin_.push_back(2 * a + 1);
-  }
-  spread();
-  arcs_.resize(count);
+  list_origins();
+  const std::size_t count = origin_.size();
+  tail_.resize(count);
+  head_.resize(count);
+  cost_.resize(count);
   capacity_.resize(count);
-  state_.assign(count, 1);
-  for (int a = 0; a < this->count(); ++a) {
-    const std::size_t k = at(origin(a));
-    const bool reversed = is_reversed(a);
-    const double capacity = problem.upper[k] - problem.lower[k];
-    arcs_[at(a)] = {reversed ? problem.head[k] : problem.tail[k],
-                    reversed ? problem.tail[k] : problem.head[k], 0};
-    capacity_[at(a)] = capacity;
-    if (capacity <= 0) state_[at(a)] = 0;
-    for (const double bound : {problem.lower[k], problem.upper[k]})
-      if (std::isfinite(bound) && !is_whole(bound)) integral_ = false;
-    if (!is_whole(problem.cost[k])) integral_ = false;
-    largest_cost_ = std::max(largest_cost_, std::fabs(problem.cost[k]));
+  state_.resize(count);
+  for (std::size_t a = 0; a < count; ++a) {
+    const std::size_t k = at(origin_[a] >> 1);
+    const bool reversed = (origin_[a] & 1) != 0;
+    const double lower = problem.lower[k], upper = problem.upper[k], cost = problem.cost[k];
+    tail_[a] = reversed ? problem.head[k] : problem.tail[k];
+    head_[a] = reversed ? problem.tail[k] : problem.head[k];
+    cost_[a] = reversed ? -cost : cost;
+    capacity_[a] = upper - lower;
+    state_[a] = capacity_[a] > 0 ? 1 : 0;
+    if (lower != 0) other_bounds_ = true;
+    integral_ = integral_ && is_exactly_added(cost) && (is_exactly_added(lower) || lower == -kInf) &&
+                (is_exactly_added(upper) || upper == kInf);
+    largest_cost_ = std::max(largest_cost_, std::fabs(cost));
   }
-  restore_costs();
 }
 
-/* Takes every k-th arc, from each of the first k. */
-void WorkingArcs::spread() {
-  const std::size_t count = origin_.size();
+/* One entry an arc, two a free one, none a loop; then every k-th of them, from each of the first k. */
+void WorkingArcs::list_origins() {
+  std::size_t count = 0, simple = 0;
+  for (std::size_t a = 0; a < problem_.tail.size(); ++a) {
+    const bool is_loop = problem_.tail[a] == problem_.head[a], bounded = problem_.lower[a] > -kInf;
+    const bool free = !bounded && problem_.upper[a] == kInf;
+    count += is_loop ? 0 : free ? 2 : 1;
+    simple += !is_loop && bounded ? 1 : 0;
+  }
+  if (count > kMostArcs) throw std::bad_alloc();
+  std::vector<int> in_order;
+  const bool all_simple = simple == problem_.tail.size();
+  if (!all_simple) in_order.reserve(count);
+  for (int a = 0; !all_simple && a < problem_.num_arcs(); ++a) {
+    if (problem_.tail[at(a)] == problem_.head[at(a)]) continue;
+    const bool has_lower = problem_.lower[at(a)] > -kInf;
+    in_order.push_back(2 * a + static_cast<int>(!has_lower && problem_.upper[at(a)] < kInf));
+    if (!has_lower && problem_.upper[at(a)] == kInf) in_order.push_back(2 * a + 1);
+  }
   const auto stride = static_cast<std::size_t>(std::max(std::sqrt(static_cast<double>(count)), 10.0));
-  std::vector<int> spread;
-  spread.reserve(count);
+  origin_.reserve(count);
   for (std::size_t first = 0; first < std::min(stride, count); ++first)
-    for (std::size_t k = first; k < count; k += stride) spread.push_back(origin_[k]);
-  origin_ = std::move(spread);
+    for (std::size_t k = first; k < count; k += stride)
+      origin_.push_back(all_simple ? 2 * static_cast<int>(k) : in_order[k]);
 }
 
 bool WorkingArcs::is_free(int a) const {
@@ -80,13 +79,13 @@ double WorkingArcs::original_bound(int a) const {
 }
 
 void WorkingArcs::clear_costs() {
-  for (WorkingArc& arc : arcs_) arc.cost = 0;
+  std::ranges::fill(cost_, 0);
 }
 
 void WorkingArcs::restore_costs() {
   for (int a = 0; a < count(); ++a) {
     const double cost = problem_.cost[at(origin(a))];
-    arcs_[at(a)].cost = is_reversed(a) ? -cost : cost;
+    cost_[at(a)] = is_reversed(a) ? -cost : cost;
   }
 }
 

@@ -8,27 +8,34 @@
  * - Errors: bad_alloc. */
 #pragma once
 
+#include <cmath>
+#include <cstdint>
 #include <span>
 #include <vector>
 
+#include "lp/network/block_scan.h"
 #include "lp/network/flow_problem.h"
 
 namespace tovik::lp::network {
 
-struct WorkingArc {
-  int tail, head;
-  double cost;
-};
+/* A whole number so small that many are added without rounding. */
+inline bool is_exactly_added(double value) {
+  return std::fabs(value) <= 1e12 && static_cast<double>(static_cast<std::int64_t>(value)) == value;
+}
 
 class WorkingArcs {
  public:
   /* Bounds of the problem must not cross. */
   explicit WorkingArcs(const FlowProblem& problem);
 
-  int count() const { return static_cast<int>(arcs_.size()); }
-  const WorkingArc& operator[](int a) const { return arcs_[at(a)]; }
-  std::span<const WorkingArc> arcs() const { return arcs_; }
-  std::span<const signed char> states() const { return state_; }
+  int count() const { return static_cast<int>(tail_.size()); }
+  int tail(int a) const { return tail_[at(a)]; }
+  int head(int a) const { return head_[at(a)]; }
+  double cost(int a) const { return cost_[at(a)]; }
+  /* For pricing with these potentials; holds until the arcs go. */
+  PricedArcs priced(const double* potential) const {
+    return {tail_.data(), head_.data(), cost_.data(), state_.data(), potential};
+  }
   double capacity(int a) const { return capacity_[at(a)]; }
   int state(int a) const { return state_[at(a)]; }
   void set_state(int a, int state) { state_[at(a)] = static_cast<signed char>(state); }
@@ -49,20 +56,23 @@ class WorkingArcs {
   void clear_costs();
   void restore_costs();
 
+  /* Some lower bound is not zero. */
+  bool has_other_bounds() const { return other_bounds_; }
   double largest_cost() const { return largest_cost_; }
   /* All capacities and costs are whole numbers that doubles add up without rounding. */
   bool is_integral() const { return integral_; }
 
  private:
   static std::size_t at(int a) { return static_cast<std::size_t>(a); }
-  void spread();
+  void list_origins();
 
   const FlowProblem& problem_;
-  std::vector<WorkingArc> arcs_;
-  std::vector<double> capacity_;
+  std::vector<int> tail_, head_;
+  std::vector<double> cost_, capacity_;
   std::vector<signed char> state_;
   std::vector<int> origin_;  // 2 * arc + reversed
   double largest_cost_ = 0;
+  bool other_bounds_ = false;
   bool integral_ = true;
 };
 
