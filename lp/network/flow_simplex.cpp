@@ -8,6 +8,8 @@ namespace {
 
 constexpr std::uint64_t kPollWork = 20000;
 constexpr std::uint64_t kClockWork = 1000000;
+/* In arcs looked at: steps up the tree wait for the memory. */
+constexpr std::uint64_t kWorkPerPivot = 200, kWorkPerStep = 8;
 /* Residuals below this share of the largest amount are rounding. */
 constexpr double kSnap = 1e-13;
 
@@ -167,6 +169,7 @@ FlowSimplex::Step FlowSimplex::iterate() {
   const int arc = pricing_.choose();
   if (arc == Pricing::kNone) return Step::no_candidate;
   const double gain = pricing_.gain(arc);
+  const std::uint64_t before = work_;
   const Cycle cycle = find_cycle(arc);
   if (cycle.step == kInf) {
     store_ray(cycle);
@@ -180,6 +183,7 @@ FlowSimplex::Step FlowSimplex::iterate() {
   } else {
     exchange(cycle, gain);
   }
+  pricing_.learn_pivot_work(work_ - before);
   if (phase_ != Phase::cost && cycle.join == tree_.root() && cycle.step > 0 &&
       running_infeasibility_ <= 1e-3 * options_.feasibility + static_cast<double>(tree_.root()) * snap_)
     begin_cost_phase_if_feasible();
@@ -189,7 +193,7 @@ FlowSimplex::Step FlowSimplex::iterate() {
 
 /* In the order of the flow, from the join, stand the first path, the entering arc and the second path, and the last of
  * equal steps is to be chosen: the first path must offer less than what was found, the second one as much. */
-FlowSimplex::Cycle FlowSimplex::find_cycle(int arc) const {
+FlowSimplex::Cycle FlowSimplex::find_cycle(int arc) {
   const bool forward = arcs_.state(arc) > 0;
   Cycle cycle{arc,
               forward ? arcs_.tail(arc) : arcs_.head(arc),
@@ -201,7 +205,8 @@ FlowSimplex::Cycle FlowSimplex::find_cycle(int arc) const {
               kNoNode,
               kNoNode};
   int u = cycle.first, v = cycle.second;
-  while (u != v) {
+  std::uint64_t length = 0;
+  for (; u != v; ++length) {
     if (tree_[u].size < tree_[v].size) {
       const SpanningTree::Node& node = tree_[u];
       if (node.down < cycle.step - snap_) {
@@ -223,12 +228,12 @@ FlowSimplex::Cycle FlowSimplex::find_cycle(int arc) const {
     }
   }
   cycle.join = u;
+  work_ += kWorkPerPivot + kWorkPerStep * length;
   return cycle;
 }
 
 void FlowSimplex::push(const Cycle& cycle) {
   const double step = cycle.step;
-  std::uint64_t length = 0;
   if (step > 0) {
     if (phase_ != Phase::cost && cycle.join == tree_.root()) {
       // On the way down flow goes root -> top_first, on the way up top_second -> root.
@@ -237,18 +242,17 @@ void FlowSimplex::push(const Cycle& cycle) {
         if (top != kNoNode && tree_[top].is_artificial())
           running_infeasibility_ += tree_[top].points_up() == downwards ? -step : step;
     }
-    for (int v = cycle.first; v != cycle.join; v = tree_[v].parent, ++length) {
+    for (int v = cycle.first; v != cycle.join; v = tree_[v].parent) {
       SpanningTree::Node& node = tree_[v];
       node.down = snapped(node.down - step);
       node.up += step;
     }
-    for (int v = cycle.second; v != cycle.join; v = tree_[v].parent, ++length) {
+    for (int v = cycle.second; v != cycle.join; v = tree_[v].parent) {
       SpanningTree::Node& node = tree_[v];
       node.up = snapped(node.up - step);
       node.down += step;
     }
   }
-  work_ += 8 * length + 20;
 }
 
 void FlowSimplex::exchange(const Cycle& cycle, double gain) {
@@ -289,7 +293,7 @@ void FlowSimplex::shift_potentials(int top, double shift) {
     last = tree_.previous(last);
   }
   if (count % 2 != 0) potential_[static_cast<std::size_t>(first)] += shift;
-  work_ += 2 * static_cast<std::uint64_t>(count);
+  work_ += static_cast<std::uint64_t>(count);
 }
 
 void FlowSimplex::store_ray(const Cycle& cycle) {

@@ -88,7 +88,7 @@ class FlowSimplex : private ProgressSource {
     int top_first, top_second;  // last nodes before the join
   };
   Step iterate();
-  Cycle find_cycle(int arc) const;
+  Cycle find_cycle(int arc);
   void push(const Cycle& cycle);
   void exchange(const Cycle& cycle, double gain);
   void shift_potentials(int top, double shift);

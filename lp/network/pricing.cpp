@@ -6,8 +6,11 @@
 namespace tovik::lp::network {
 namespace {
 
-/* Of the root of the number of arcs. Smaller blocks make more pivots than they save looks, larger ones the reverse. */
-constexpr double kBlockShare = 4;
+/* Bounds of a block, times the root of the number of arcs. */
+constexpr double kLeastBlock = 1.5, kMostBlock = 32;
+/* Four times the block saves a third of the pivots or more: looks may cost as much as the rest of a pivot. */
+constexpr double kLooksPerWork = 1.5;
+constexpr double kLearningRate = 0.01;
 
 int share_of_root(int arcs, double factor, int least) {
   return std::max(least, static_cast<int>(factor * std::sqrt(static_cast<double>(arcs))));
@@ -21,10 +24,19 @@ Pricing::Pricing(const WorkingArcs& arcs, const std::vector<double>& potential, 
       count_(arcs.count()),
       rule_(rule),
       tolerance_(tolerance),
-      block_(share_of_root(arcs.count(), kBlockShare, 20)),
-      list_length_(static_cast<std::size_t>(share_of_root(arcs.count(), 0.25, 10))),
-      minor_limit_(share_of_root(arcs.count(), 0.025, 3)) {
+      least_block_(share_of_root(count_, kLeastBlock, 20)),
+      most_block_(share_of_root(count_, kMostBlock, 20)),
+      block_(rule == FlowPricing::block ? least_block_ : share_of_root(count_, 1.0, 20)),
+      pivot_work_(least_block_),
+      list_length_(static_cast<std::size_t>(share_of_root(count_, 0.25, 10))),
+      minor_limit_(share_of_root(count_, 0.025, 3)) {
   if (rule == FlowPricing::sorted_list) list_length_ = 40;
+}
+
+void Pricing::learn_pivot_work(std::uint64_t work) {
+  if (rule_ != FlowPricing::block) return;
+  pivot_work_ += kLearningRate * (static_cast<double>(work) - pivot_work_);
+  block_ = std::clamp(static_cast<int>(kLooksPerWork * pivot_work_), least_block_, most_block_);
 }
 
 int Pricing::choose() {

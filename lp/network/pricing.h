@@ -1,6 +1,7 @@
 /* Choice of the entering arc.
  *
  * - Reads: arcs, their states and the potentials, which are those of the last pivot. Writes nothing outside.
+ * - Blocks: as long as a pivot is dear, within limits, since longer ones save pivots.
  * - Rules: `block` takes the best arc of the first block that has one, in turn; `candidate_list` keeps the arcs that a
  *   scan has found and takes the best of them until a few pivots are done or none is left; `sorted_list` keeps the best
  *   ones of several blocks in order, looks at them again and takes the best before it scans on.
@@ -27,6 +28,8 @@ class Pricing {
   int choose();
   /* Costs or potentials have changed all over. */
   void restart() { list_.clear(); }
+  /* What the last pivot cost beside pricing, in arcs that could have been looked at instead. */
+  void learn_pivot_work(std::uint64_t work);
   std::uint64_t work() { return std::exchange(work_, 0); }
 
   /* By how much arc a may lower the cost per unit of flow; negative where it would raise it. */
@@ -48,7 +51,9 @@ class Pricing {
   const int count_;
   FlowPricing rule_;
   double tolerance_;
+  const int least_block_, most_block_;
   int block_;
+  double pivot_work_;  // of late
   int position_ = 0;
   std::size_t list_length_;
   int minor_limit_, minor_ = 0;

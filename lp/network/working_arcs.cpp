@@ -9,6 +9,8 @@ namespace tovik::lp::network {
 namespace {
 
 constexpr std::size_t kMostArcs = std::size_t{1} << 30;
+/* Neighbours that stay together: what they read shares lines of the cache. */
+constexpr std::size_t kGroup = 8;
 
 }  // namespace
 
@@ -36,7 +38,7 @@ WorkingArcs::WorkingArcs(const FlowProblem& problem) : problem_(problem) {
   }
 }
 
-/* One entry an arc, two a free one, none a loop; then every k-th of them, from each of the first k. */
+/* One entry an arc, two a free one, none a loop; then every k-th group of them, from each of the first k. */
 void WorkingArcs::list_origins() {
   std::size_t count = 0, simple = 0;
   for (std::size_t a = 0; a < problem_.tail.size(); ++a) {
@@ -55,11 +57,13 @@ void WorkingArcs::list_origins() {
     in_order.push_back(2 * a + static_cast<int>(!has_lower && problem_.upper[at(a)] < kInf));
     if (!has_lower && problem_.upper[at(a)] == kInf) in_order.push_back(2 * a + 1);
   }
-  const auto stride = static_cast<std::size_t>(std::max(std::sqrt(static_cast<double>(count)), 10.0));
+  const std::size_t groups = (count + kGroup - 1) / kGroup;
+  const auto stride = static_cast<std::size_t>(std::max(std::sqrt(static_cast<double>(groups)), 3.0));
   origin_.reserve(count);
-  for (std::size_t first = 0; first < std::min(stride, count); ++first)
-    for (std::size_t k = first; k < count; k += stride)
-      origin_.push_back(all_simple ? 2 * static_cast<int>(k) : in_order[k]);
+  for (std::size_t first = 0; first < std::min(stride, groups); ++first)
+    for (std::size_t g = first; g < groups; g += stride)
+      for (std::size_t k = g * kGroup; k < std::min(count, (g + 1) * kGroup); ++k)
+        origin_.push_back(all_simple ? 2 * static_cast<int>(k) : in_order[k]);
 }
 
 bool WorkingArcs::is_free(int a) const {
