@@ -27,12 +27,12 @@ class AnswerMaker {
    * that the answer comes on top of no start. */
   void take_bounds() {
     const std::size_t arcs = at(problem_.num_arcs()), nodes = at(problem_.num_nodes());
-    answer_.flow.resize(arcs);
-    answer_.reduced_cost.resize(arcs);
-    answer_.basis.arcs.resize(arcs);
+    answer_.flow.assign(problem_.lower.begin(), problem_.lower.end());
+    answer_.basis.arcs.assign(arcs, BasisStatus::lower);
     answer_.potential.assign(nodes, 0);
     answer_.basis.nodes.assign(nodes, BasisStatus::basic);
-    for (int a = 0; a < problem_.num_arcs(); ++a) place(a);
+    for (int a = 0; a < problem_.num_arcs(); ++a)
+      if (problem_.lower[at(a)] == -kInf) place(a);
   }
 
   void take(const FlowSimplex& simplex) {
@@ -69,13 +69,14 @@ class AnswerMaker {
     std::vector<CompensatedSum> balance(answer_.potential.size());
     for (std::size_t i = 0; i < balance.size(); ++i) balance[i].add(problem_.supply[i]);
     answer_.dual_feasible = true;
+    answer_.reduced_cost.reserve(answer_.flow.size());
     for (std::size_t a = 0; a < answer_.flow.size(); ++a) {
       const int tail = problem_.tail[a], head = problem_.head[a];
       const double flow = answer_.flow[a];
       double d = problem_.cost[a];
       if (tail != head) d += answer_.potential[at(head)] - answer_.potential[at(tail)];
       if (tail != head && answer_.basis.arcs[a] == BasisStatus::basic) d = 0;
-      answer_.reduced_cost[a] = d;
+      answer_.reduced_cost.push_back(d);
       if ((d < -2 * options_.optimality && flow < problem_.upper[a]) ||
           (d > 2 * options_.optimality && flow > problem_.lower[a]))
         answer_.dual_feasible = false;

@@ -1,5 +1,6 @@
 /* The first tree of the network simplex. */
 #include <algorithm>
+#include <cstdlib>
 #include <functional>
 #include <numeric>
 #include <queue>
@@ -63,15 +64,17 @@ class Forest {
   std::vector<int> start_, arc_;
 };
 
-/* Arcs as lists by head. */
+/* Arcs with room as lists by head. */
 class ArcsByHead {
  public:
-  ArcsByHead(const WorkingArcs& arcs, int nodes)
-      : start_(static_cast<std::size_t>(nodes) + 1), arc_(static_cast<std::size_t>(arcs.count())) {
-    for (int a = 0; a < arcs.count(); ++a) ++start_[static_cast<std::size_t>(arcs.head(a))];
+  ArcsByHead(const WorkingArcs& arcs, int nodes) : start_(static_cast<std::size_t>(nodes) + 1) {
+    for (int a = 0; a < arcs.count(); ++a)
+      start_[static_cast<std::size_t>(arcs.head(a))] += std::abs(arcs.state(a));
     std::partial_sum(start_.begin(), start_.end(), start_.begin());
+    arc_.resize(static_cast<std::size_t>(start_.back()));
     for (int a = arcs.count(); a-- > 0;)
-      arc_[static_cast<std::size_t>(--start_[static_cast<std::size_t>(arcs.head(a))])] = a;
+      if (arcs.state(a) != 0)
+        arc_[static_cast<std::size_t>(--start_[static_cast<std::size_t>(arcs.head(a))])] = a;
   }
   std::span<const int> arcs_of(int v) const {
     const auto k = static_cast<std::size_t>(v);
@@ -81,6 +84,76 @@ class ArcsByHead {
 
  private:
   std::vector<int> start_, arc_;
+};
+
+/* Shortest paths to the nodes with a demand: the length from each node, and the arc that its path begins with. Costs below
+ * zero count as zero. */
+class ShortestPaths {
+ public:
+  ShortestPaths(const WorkingArcs& arcs, std::span<const double> excess)
+      : arcs_(arcs), length_(excess.size(), kInf), arc_(excess.size(), kArtificial) {
+    for (std::size_t v = 0; v < excess.size(); ++v)
+      if (excess[v] < 0) length_[v] = 0;
+    // Where arcs lead to such nodes alone one look at each is enough.
+    if (!take_last_steps()) search();
+    std::vector<bool> listed(excess.size());
+    for (const int v : order_) listed[static_cast<std::size_t>(v)] = true;
+    for (std::size_t v = 0; v < excess.size(); ++v)
+      if (!listed[v]) order_.push_back(static_cast<int>(v));
+  }
+  std::vector<int>& first_arcs() { return arc_; }
+  /* All nodes, each behind the one that its first arc leads to. */
+  std::vector<int>& order() { return order_; }
+
+ private:
+  using Reached = std::pair<double, int>;
+
+  bool take_last_steps() {
+    std::vector<double> length = length_;
+    order_.reserve(length.size());
+    for (std::size_t v = 0; v < length.size(); ++v)
+      if (length[v] == 0) order_.push_back(static_cast<int>(v));
+    for (int a = 0; a < arcs_.count(); ++a) {
+      if (arcs_.state(a) == 0) continue;
+      if (length_[static_cast<std::size_t>(arcs_.head(a))] != 0) return false;
+      relax(a, 0, length);
+    }
+    return true;
+  }
+
+  /* Dijkstra's algorithm. */
+  void search() {
+    std::ranges::fill(arc_, kArtificial);
+    order_.clear();
+    const ArcsByHead into(arcs_, static_cast<int>(length_.size()));
+    std::priority_queue<Reached, std::vector<Reached>, std::greater<>> queue;
+    for (std::size_t v = 0; v < length_.size(); ++v)
+      if (length_[v] == 0) queue.emplace(0, static_cast<int>(v));
+    while (!queue.empty()) {
+      const auto [length, v] = queue.top();
+      queue.pop();
+      if (length > length_[static_cast<std::size_t>(v)]) continue;
+      order_.push_back(v);
+      for (const int a : into.arcs_of(v))
+        if (relax(a, length, length_)) {
+          const int u = arcs_.tail(a);
+          queue.emplace(length_[static_cast<std::size_t>(u)], u);
+        }
+    }
+  }
+
+  bool relax(int a, double from_head, std::vector<double>& length) {
+    const auto u = static_cast<std::size_t>(arcs_.tail(a));
+    const double by_here = from_head + std::max(arcs_.cost(a), 0.0);
+    if (by_here >= length[u]) return false;
+    length[u] = by_here;
+    arc_[u] = a;
+    return true;
+  }
+
+  const WorkingArcs& arcs_;
+  std::vector<double> length_;
+  std::vector<int> arc_, order_;
 };
 
 /* The second halves of free arcs that the basis takes, by arc of the problem. */
@@ -175,35 +248,12 @@ void FlowSimplex::start_from_shortest_paths() {
   const int n = problem_.num_nodes();
   std::vector<double> excess = excesses(problem_, arcs_);
   StartTree draft(n);
-  const ArcsByHead into(arcs_, n);
-  std::vector<double> distance(static_cast<std::size_t>(n), kInf);
-  using Reached = std::pair<double, int>;
-  std::priority_queue<Reached, std::vector<Reached>, std::greater<>> queue;
+  ShortestPaths paths(arcs_, excess);
+  draft.arc = std::move(paths.first_arcs());
+  draft.order = std::move(paths.order());
   for (int v = 0; v < n; ++v) {
-    if (excess[static_cast<std::size_t>(v)] >= 0) continue;
-    distance[static_cast<std::size_t>(v)] = 0;
-    queue.emplace(0, v);
-  }
-  while (!queue.empty()) {
-    const auto [length, v] = queue.top();
-    queue.pop();
-    if (draft.parent[static_cast<std::size_t>(v)] != kNoNode) continue;
     const int a = draft.arc[static_cast<std::size_t>(v)];
     draft.parent[static_cast<std::size_t>(v)] = a == kArtificial ? n : arcs_.head(a);
-    draft.order.push_back(v);
-    for (const int b : into.arcs_of(v)) {
-      const int u = arcs_.tail(b);
-      const double by_here = length + std::max(arcs_.cost(b), 0.0);
-      if (by_here >= distance[static_cast<std::size_t>(u)] || arcs_.capacity(b) <= 0) continue;
-      distance[static_cast<std::size_t>(u)] = by_here;
-      draft.arc[static_cast<std::size_t>(u)] = b;
-      queue.emplace(by_here, u);
-    }
-  }
-  for (int v = 0; v < n; ++v) {
-    if (draft.parent[static_cast<std::size_t>(v)] != kNoNode) continue;
-    draft.parent[static_cast<std::size_t>(v)] = n;
-    draft.order.push_back(v);
   }
   for (const int a : draft.arc)
     if (a != kArtificial) arcs_.set_state(a, 0);

@@ -17,20 +17,18 @@ constexpr std::size_t kGroup = 8;
 WorkingArcs::WorkingArcs(const FlowProblem& problem) : problem_(problem) {
   list_origins();
   const std::size_t count = origin_.size();
-  tail_.resize(count);
-  head_.resize(count);
-  cost_.resize(count);
-  capacity_.resize(count);
-  state_.resize(count);
-  for (std::size_t a = 0; a < count; ++a) {
-    const std::size_t k = at(origin_[a] >> 1);
-    const bool reversed = (origin_[a] & 1) != 0;
+  tail_.reserve(count);
+  head_.reserve(count);
+  cost_.reserve(count);
+  state_.reserve(count);
+  for (const int code : origin_) {
+    const std::size_t k = at(code >> 1);
+    const bool reversed = (code & 1) != 0;
     const double lower = problem.lower[k], upper = problem.upper[k], cost = problem.cost[k];
-    tail_[a] = reversed ? problem.head[k] : problem.tail[k];
-    head_[a] = reversed ? problem.tail[k] : problem.head[k];
-    cost_[a] = reversed ? -cost : cost;
-    capacity_[a] = upper - lower;
-    state_[a] = capacity_[a] > 0 ? 1 : 0;
+    tail_.push_back(reversed ? problem.head[k] : problem.tail[k]);
+    head_.push_back(reversed ? problem.tail[k] : problem.head[k]);
+    cost_.push_back(reversed ? -cost : cost);
+    state_.push_back(upper - lower > 0 ? 1 : 0);
     if (lower != 0) other_bounds_ = true;
     integral_ = integral_ && is_exactly_added(cost) && (is_exactly_added(lower) || lower == -kInf) &&
                 (is_exactly_added(upper) || upper == kInf);

@@ -36,11 +36,14 @@ class WorkingArcs {
   PricedArcs priced(const double* potential) const {
     return {tail_.data(), head_.data(), cost_.data(), state_.data(), potential};
   }
-  double capacity(int a) const { return capacity_[at(a)]; }
+  double capacity(int a) const {
+    const std::size_t k = at(origin(a));
+    return problem_.upper[k] - problem_.lower[k];
+  }
   int state(int a) const { return state_[at(a)]; }
   void set_state(int a, int state) { state_[at(a)] = static_cast<signed char>(state); }
   void set_nonbasic(int a, bool at_capacity) {
-    state_[at(a)] = static_cast<signed char>(capacity_[at(a)] <= 0 ? 0 : at_capacity ? -1 : 1);
+    state_[at(a)] = static_cast<signed char>(capacity(a) <= 0 ? 0 : at_capacity ? -1 : 1);
   }
 
   /* Arc of the problem. */
@@ -68,7 +71,7 @@ class WorkingArcs {
 
   const FlowProblem& problem_;
   std::vector<int> tail_, head_;
-  std::vector<double> cost_, capacity_;
+  std::vector<double> cost_;
   std::vector<signed char> state_;
   std::vector<int> origin_;  // 2 * arc + reversed
   double largest_cost_ = 0;
