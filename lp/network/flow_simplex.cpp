@@ -64,7 +64,7 @@ void FlowSimplex::compute_potentials() {
     const double step = node.is_artificial() ? artificial_cost(node)
                         : node.points_up()   ? arcs_.cost(node.arc())
                                              : -arcs_.cost(node.arc());
-    potential_[static_cast<std::size_t>(v)] = potential_[static_cast<std::size_t>(node.parent)] + step;
+    potential_[static_cast<std::size_t>(v)] = potential_[static_cast<std::size_t>(tree_.parent(v))] + step;
   }
   work_ += static_cast<std::uint64_t>(root);
 }
@@ -73,7 +73,7 @@ double FlowSimplex::infeasibility() const {
   if (phase_ == Phase::cost) return 0;
   double sum = 0;
   const int root = tree_.root();
-  for (int v = tree_.next(root); v != root; v = tree_.next(tree_[v].last))
+  for (int v = tree_.next(root); v != root; v = tree_.next(tree_.last(v)))
     if (tree_[v].is_artificial()) sum += tree_[v].points_up() ? tree_[v].down : tree_[v].up;
   return sum;
 }
@@ -114,9 +114,9 @@ void FlowSimplex::begin_phase(Phase phase) {
 void FlowSimplex::begin_cost_phase_if_feasible() {
   const int root = tree_.root();
   const double allowed = snap_ > 0 ? options_.feasibility : 0;
-  for (int v = tree_.next(root); v != root; v = tree_.next(tree_[v].last))
+  for (int v = tree_.next(root); v != root; v = tree_.next(tree_.last(v)))
     if (tree_[v].is_artificial() && (tree_[v].points_up() ? tree_[v].down : tree_[v].up) > allowed) return;
-  for (int v = tree_.next(root); v != root; v = tree_.next(tree_[v].last))
+  for (int v = tree_.next(root); v != root; v = tree_.next(tree_.last(v)))
     if (tree_[v].is_artificial()) tree_.set_parent_arc(v, {kArtificial, true, kInf, 0});
   phase1_iterations_ = iterations_;
   begin_phase(Phase::cost);
@@ -192,7 +192,8 @@ FlowSimplex::Step FlowSimplex::iterate() {
 }
 
 /* In the order of the flow, from the join, stand the first path, the entering arc and the second path, and the last of
- * equal steps is to be chosen: the first path must offer less than what was found, the second one as much. */
+ * equal steps is to be chosen: the first path must offer less than what was found, the second one as much. A step of
+ * zero is thus the first one met on the way from `first`, and there is none on the second path of a strongly feasible tree. */
 FlowSimplex::Cycle FlowSimplex::find_cycle(int arc) {
   const bool forward = arcs_.state(arc) > 0;
   Cycle cycle{arc,
@@ -204,32 +205,41 @@ FlowSimplex::Cycle FlowSimplex::find_cycle(int arc) {
               false,
               kNoNode,
               kNoNode};
+  find_join(cycle);
+  for (int u = cycle.first; u != cycle.join && cycle.step > 0; u = tree_.parent(u)) {
+    if (tree_[u].down < cycle.step - snap_) {
+      cycle.step = tree_[u].down;
+      cycle.out = u;
+      cycle.out_on_first = true;
+    }
+  }
+  if (cycle.step == 0) return cycle;
+  for (int v = cycle.second; v != cycle.join; v = tree_.parent(v)) {
+    const double up = tree_[v].up;
+    if (up <= cycle.step + snap_ && up < kInf) {
+      cycle.step = std::min(cycle.step, up);
+      cycle.out = v;
+      cycle.out_on_first = false;
+    }
+  }
+  return cycle;
+}
+
+/* The node with fewer nodes below it is no ancestor of the other. */
+void FlowSimplex::find_join(Cycle& cycle) {
   int u = cycle.first, v = cycle.second;
   std::uint64_t length = 0;
   for (; u != v; ++length) {
-    if (tree_[u].size < tree_[v].size) {
-      const SpanningTree::Node& node = tree_[u];
-      if (node.down < cycle.step - snap_) {
-        cycle.step = node.down;
-        cycle.out = u;
-        cycle.out_on_first = true;
-      }
+    if (tree_.size(u) < tree_.size(v)) {
       cycle.top_first = u;
-      u = node.parent;
+      u = tree_.parent(u);
     } else {
-      const SpanningTree::Node& node = tree_[v];
-      if (node.up <= cycle.step + snap_ && node.up < kInf) {
-        cycle.step = std::min(cycle.step, node.up);
-        cycle.out = v;
-        cycle.out_on_first = false;
-      }
       cycle.top_second = v;
-      v = node.parent;
+      v = tree_.parent(v);
     }
   }
   cycle.join = u;
   work_ += kWorkPerPivot + kWorkPerStep * length;
-  return cycle;
 }
 
 void FlowSimplex::push(const Cycle& cycle) {
@@ -242,12 +252,12 @@ void FlowSimplex::push(const Cycle& cycle) {
         if (top != kNoNode && tree_[top].is_artificial())
           running_infeasibility_ += tree_[top].points_up() == downwards ? -step : step;
     }
-    for (int v = cycle.first; v != cycle.join; v = tree_[v].parent) {
+    for (int v = cycle.first; v != cycle.join; v = tree_.parent(v)) {
       SpanningTree::Node& node = tree_[v];
       node.down = snapped(node.down - step);
       node.up += step;
     }
-    for (int v = cycle.second; v != cycle.join; v = tree_[v].parent) {
+    for (int v = cycle.second; v != cycle.join; v = tree_.parent(v)) {
       SpanningTree::Node& node = tree_[v];
       node.up = snapped(node.up - step);
       node.down += step;
@@ -277,8 +287,8 @@ void FlowSimplex::exchange(const Cycle& cycle, double gain) {
 
 /* Of the subtree, or of all others the other way: only differences count. */
 void FlowSimplex::shift_potentials(int top, double shift) {
-  const int size = tree_[top].size, all = tree_.root() + 1;
-  int first = top, last = tree_[top].last, count = size;
+  const int size = tree_.size(top), all = tree_.root() + 1;
+  int first = top, last = tree_.last(top), count = size;
   if (2 * size > all) {
     first = tree_.next(last);
     last = tree_.previous(top);
@@ -299,9 +309,9 @@ void FlowSimplex::shift_potentials(int top, double shift) {
 void FlowSimplex::store_ray(const Cycle& cycle) {
   ray_.clear();
   ray_.push_back({cycle.arc, arcs_.state(cycle.arc)});
-  for (int v = cycle.first; v != cycle.join; v = tree_[v].parent)
+  for (int v = cycle.first; v != cycle.join; v = tree_.parent(v))
     if (!tree_[v].is_artificial()) ray_.push_back({tree_[v].arc(), tree_[v].points_up() ? -1 : 1});
-  for (int v = cycle.second; v != cycle.join; v = tree_[v].parent)
+  for (int v = cycle.second; v != cycle.join; v = tree_.parent(v))
     if (!tree_[v].is_artificial()) ray_.push_back({tree_[v].arc(), tree_[v].points_up() ? 1 : -1});
 }
 

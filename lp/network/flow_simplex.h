@@ -89,6 +89,7 @@ class FlowSimplex : private ProgressSource {
   };
   Step iterate();
   Cycle find_cycle(int arc);
+  void find_join(Cycle& cycle);
   void push(const Cycle& cycle);
   void exchange(const Cycle& cycle, double gain);
   void shift_potentials(int top, double shift);

@@ -118,7 +118,7 @@ class AnswerMaker {
       const int a = node.arc();
       const double cost =
           arcs.is_reversed(a) ? -problem_.cost[at(arcs.origin(a))] : problem_.cost[at(arcs.origin(a))];
-      answer_.potential[at(v)] = answer_.potential[at(node.parent)] + (node.points_up() ? cost : -cost);
+      answer_.potential[at(v)] = answer_.potential[at(tree.parent(v))] + (node.points_up() ? cost : -cost);
     }
   }
 

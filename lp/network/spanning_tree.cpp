@@ -5,7 +5,11 @@
 namespace tovik::lp::network {
 
 SpanningTree::SpanningTree(int nodes)
-    : nodes_(static_cast<std::size_t>(nodes) + 1), next_(nodes_.size()), previous_(nodes_.size()) {
+    : nodes_(static_cast<std::size_t>(nodes) + 1),
+      climb_(nodes_.size()),
+      next_(nodes_.size()),
+      previous_(nodes_.size()),
+      last_(nodes_.size()) {
   const std::vector<int> star(static_cast<std::size_t>(nodes), nodes);
   set_parents(star);
   for (int v = 0; v < nodes; ++v) set_parent_arc(v, {});
@@ -18,31 +22,31 @@ void SpanningTree::set_parent_arc(int v, const ParentArc& arc) {
   node.down = arc.down;
 }
 
-void SpanningTree::set_parents(std::span<const int> parent) {
+void SpanningTree::set_parents(std::span<const int> parents) {
   const int n = root();
   // Children by lists: first child and next sibling.
   std::vector<int> child(nodes_.size(), kNoNode), sibling(nodes_.size(), kNoNode);
   for (int v = n; v-- > 0;) {
-    const int p = parent[static_cast<std::size_t>(v)];
-    (*this)[v].parent = p;
+    const int p = parents[static_cast<std::size_t>(v)];
+    climb_[at(v)].parent = p;
     sibling[static_cast<std::size_t>(v)] = std::exchange(child[static_cast<std::size_t>(p)], v);
   }
-  (*this)[n].parent = kNoNode;
+  climb_[at(n)].parent = kNoNode;
   int before = n, v = n;
   for (;;) {
-    (*this)[v].size = 1;
+    climb_[at(v)].size = 1;
     if (int below = child[static_cast<std::size_t>(v)]; below != kNoNode) {
       v = below;
     } else {
-      (*this)[v].last = v;
+      last_[at(v)] = v;
       while (v != n && sibling[static_cast<std::size_t>(v)] == kNoNode) {
-        const int p = (*this)[v].parent;
-        (*this)[p].size += (*this)[v].size;
-        (*this)[p].last = (*this)[v].last;
+        const int p = parent(v);
+        climb_[at(p)].size += size(v);
+        last_[at(p)] = last(v);
         v = p;
       }
       if (v == n) break;
-      (*this)[(*this)[v].parent].size += (*this)[v].size;
+      climb_[at(parent(v))].size += size(v);
       v = sibling[static_cast<std::size_t>(v)];
     }
     link(before, v);
@@ -55,62 +59,56 @@ void SpanningTree::set_parents(std::span<const int> parent) {
  * them, and the order of the walk, in which the subtree of each node of the path but for what lies below the path
  * follows that of the one before. Returns the last node of the new order; the ends of the stretch are left loose. */
 int SpanningTree::turn_over(const Move& move) {
-  const int total = (*this)[move.top].size;
+  const int total = size(move.top);
   ParentArc arc = move.arc;
-  int parent = move.outer, v = move.inner;
-  Node* node = &(*this)[v];
-  int tail = node->last;        // of the new order so far
-  int below_last = node->last;  // of v's old subtree,
-  int rest = next(tail);        // what followed it
+  int outside = move.outer, v = move.inner;
+  int below_last = last(v);     // of v's old subtree,
+  int tail = below_last;        // of the new order so far,
+  int rest = next(below_last);  // what followed the old subtree
   int before = previous(v);     // and what stood before it
-  int below_size = node->size;
-  node->size = total;
+  int below_size = size(v);
+  climb_[at(v)].size = total;
   for (;;) {
-    const ParentArc old{node->arc(), !node->points_up(), node->down, node->up};
-    const int above = node->parent;
-    node->parent = parent;
+    const Node& node = (*this)[v];
+    const ParentArc old{node.arc(), !node.points_up(), node.down, node.up};
+    const int above = std::exchange(climb_[at(v)].parent, outside);
     set_parent_arc(v, arc);
     if (v == move.top) break;
-    Node& up = (*this)[above];
-    const int up_last = up.last, up_before = previous(above), up_size = up.size;
+    const int above_last = last(above), above_before = previous(above), above_size = size(above);
     int end = before;
-    if (up_last != below_last) {
-      end = up_last;
-      const int after = next(up_last);
+    if (above_last != below_last) {
+      end = above_last;
+      const int after = next(above_last);
       link(before, rest);
       rest = after;
     }
     link(tail, above);
     tail = end;
-    up.size = total - below_size;
-    below_size = up_size;
-    below_last = up_last;
-    before = up_before;
+    climb_[at(above)].size = total - below_size;
+    below_size = above_size;
+    below_last = above_last;
+    before = above_before;
     arc = old;
-    parent = v;
+    outside = v;
     v = above;
-    node = &up;
   }
-  for (v = move.top; v != move.outer; v = (*this)[v].parent) (*this)[v].last = tail;
+  for (v = move.top; v != move.outer; v = parent(v)) last_[at(v)] = tail;
   return tail;
 }
 
 void SpanningTree::move(const Move& move) {
-  Node& top = (*this)[move.top];
-  const int total = top.size, old_parent = top.parent, old_last = top.last;
+  const int total = size(move.top), old_parent = parent(move.top), old_last = last(move.top);
   const int before = previous(move.top), after = next(old_last);
   const int tail = turn_over(move);
 
   link(before, after);
-  for (int v = old_parent; v != kNoNode && (*this)[v].last == old_last; v = (*this)[v].parent)
-    (*this)[v].last = before;
-  for (int v = old_parent; v != move.join; v = (*this)[v].parent) (*this)[v].size -= total;
+  for (int v = old_parent; v != kNoNode && last(v) == old_last; v = parent(v)) last_[at(v)] = before;
+  for (int v = old_parent; v != move.join; v = parent(v)) climb_[at(v)].size -= total;
 
   link(tail, next(move.outer));
   link(move.outer, move.inner);
-  for (int v = move.outer; v != kNoNode && (*this)[v].last == move.outer; v = (*this)[v].parent)
-    (*this)[v].last = tail;
-  for (int v = move.outer; v != move.join; v = (*this)[v].parent) (*this)[v].size += total;
+  for (int v = move.outer; v != kNoNode && last(v) == move.outer; v = parent(v)) last_[at(v)] = tail;
+  for (int v = move.outer; v != move.join; v = parent(v)) climb_[at(v)].size += total;
 }
 
 }  // namespace tovik::lp::network

@@ -30,12 +30,9 @@ struct ParentArc {
 
 class SpanningTree {
  public:
-  /* What a climb to the root reads: half a cache line. */
-  struct alignas(32) Node {
+  /* The arc to the parent. */
+  struct Node {
     double up = 0, down = 0;
-    int parent = kNoNode;
-    int size = 1;       // nodes of the subtree
-    int last = 0;       // of the subtree, in the walk
     int coded_arc = 0;  // see code()
 
     bool is_artificial() const { return coded_arc < 0; }
@@ -49,12 +46,17 @@ class SpanningTree {
   int root() const { return static_cast<int>(nodes_.size()) - 1; }
   Node& operator[](int v) { return nodes_[static_cast<std::size_t>(v)]; }
   const Node& operator[](int v) const { return nodes_[static_cast<std::size_t>(v)]; }
+  int parent(int v) const { return climb_[at(v)].parent; }
+  /* Nodes of the subtree. */
+  int size(int v) const { return climb_[at(v)].size; }
   /* In the walk, which is a ring. */
-  int next(int v) const { return next_[static_cast<std::size_t>(v)]; }
-  int previous(int v) const { return previous_[static_cast<std::size_t>(v)]; }
+  int next(int v) const { return next_[at(v)]; }
+  int previous(int v) const { return previous_[at(v)]; }
+  /* Of the subtree, in the walk. */
+  int last(int v) const { return last_[at(v)]; }
 
   /* The tree with these parents (root() for children of the root); parent arcs stay as they are. */
-  void set_parents(std::span<const int> parent);
+  void set_parents(std::span<const int> parents);
   void set_parent_arc(int v, const ParentArc& arc);
 
   /* The subtree of `top` leaves its parent; `inner`, a node of it, becomes its top and hangs below `outer`, which is
@@ -70,13 +72,19 @@ class SpanningTree {
     return (arc == kArtificial ? -2 : 2 * arc) | static_cast<int>(points_up);
   }
   void link(int before, int after) {
-    next_[static_cast<std::size_t>(before)] = after;
-    previous_[static_cast<std::size_t>(after)] = before;
+    next_[at(before)] = after;
+    previous_[at(after)] = before;
   }
   int turn_over(const Move& move);
 
+  static std::size_t at(int v) { return static_cast<std::size_t>(v); }
+
+  struct Climb {
+    int parent = kNoNode, size = 1;
+  };
   std::vector<Node> nodes_;
-  std::vector<int> next_, previous_;
+  std::vector<Climb> climb_;
+  std::vector<int> next_, previous_, last_;
 };
 
 }  // namespace tovik::lp::network
