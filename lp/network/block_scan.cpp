@@ -1,7 +1,5 @@
 #include "lp/network/block_scan.h"
 
-#include <cstring>
-
 #if defined(__x86_64__)
 #include <immintrin.h>
 #endif
@@ -9,38 +7,47 @@
 namespace tovik::lp::network {
 namespace {
 
-BestArc go_on(const PricedArcs& arcs, int begin, int end, BestArc best) {
-  for (int a = begin; a < end; ++a)
-    if (const double gain = arcs.gain(a); gain > best.gain) best = {gain, a};
-  return best;
+LaneBests nothing_above(double floor) {
+  LaneBests bests;
+  bests.gain.fill(floor);
+  bests.arc.fill(kNoArc);
+  return bests;
 }
 
-BestArc one_by_one(const PricedArcs& arcs, int begin, int end, double floor) {
-  return go_on(arcs, begin, end, {floor, kNoArc});
+void look_at(const PricedArcs& arcs, int a, std::size_t lane, LaneBests& bests) {
+  if (const double gain = arcs.gain(a); gain > bests.gain[lane]) {
+    bests.gain[lane] = gain;
+    bests.arc[lane] = a;
+  }
 }
 
-using Scan = BestArc (*)(const PricedArcs&, int, int, double);
+void finish(const PricedArcs& arcs, int a, int end, LaneBests& bests) {
+  for (std::size_t lane = 0; a < end; ++a, ++lane) look_at(arcs, a, lane, bests);
+}
+
+using Scan = LaneBests (*)(const PricedArcs&, int, int, double);
+
+LaneBests one_by_one(const PricedArcs& arcs, int begin, int end, double floor) {
+  LaneBests bests = nothing_above(floor);
+  int a = begin;
+  for (; a + kLanes <= end; a += kLanes)
+    for (int lane = 0; lane < kLanes; ++lane) look_at(arcs, a + lane, static_cast<std::size_t>(lane), bests);
+  finish(arcs, a, end, bests);
+  return bests;
+}
 
 #if defined(__x86_64__)
-/* Registers of four lanes are no faster than one arc after the other: gathers take the time.
- * The best of some lanes, each with the first arc that is the best of its own. */
-BestArc best_lane(const double* gain, const int* arc, int lanes) {
-  BestArc best{gain[0], arc[0]};
-  for (int k = 1; k < lanes; ++k)
-    if (gain[k] > best.gain || (gain[k] == best.gain && arc[k] != kNoArc && arc[k] < best.arc))
-      best = {gain[k], arc[k]};
-  return best;
-}
-
-__attribute__((target("avx512f,avx512vl"))) BestArc by_eights(const PricedArcs& arcs, int begin, int end,
-                                                              double floor) {
-  __m512d best = _mm512_set1_pd(floor);
-  __m256i best_at = _mm256_set1_epi32(kNoArc);
-  __m256i here = _mm256_add_epi32(_mm256_set1_epi32(begin), _mm256_setr_epi32(0, 1, 2, 3, 4, 5, 6, 7));
-  const __m256i eight = _mm256_set1_epi32(8);
+/* Registers of four lanes are no faster than one arc after the other, as gathers take the time; those of eight are. */
+__attribute__((target("avx512f,avx512vl"))) LaneBests by_eights(const PricedArcs& arcs, int begin, int end,
+                                                                double floor) {
+  static_assert(kLanes == 8);
   // Masked forms with full masks: of the others GCC 12 says that they read what was never set.
   constexpr __mmask8 kAll = 0xff;
   const __m512d none = _mm512_setzero_pd();
+  const __m256i eight = _mm256_set1_epi32(8);
+  __m512d best = _mm512_set1_pd(floor);
+  __m256i best_at = _mm256_set1_epi32(kNoArc);
+  __m256i here = _mm256_add_epi32(_mm256_set1_epi32(begin), _mm256_setr_epi32(0, 1, 2, 3, 4, 5, 6, 7));
   int a = begin;
   for (; a + 8 <= end; a += 8) {
     const __m256i tail = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(arcs.tail + a));
@@ -56,11 +63,11 @@ __attribute__((target("avx512f,avx512vl"))) BestArc by_eights(const PricedArcs& 
     best_at = _mm256_mask_mov_epi32(best_at, better, here);
     here = _mm256_add_epi32(here, eight);
   }
-  double gain[8];
-  int arc[8];
-  _mm512_storeu_pd(gain, best);
-  _mm256_storeu_si256(reinterpret_cast<__m256i*>(arc), best_at);
-  return go_on(arcs, a, end, best_lane(gain, arc, 8));
+  LaneBests bests;
+  _mm512_storeu_pd(bests.gain.data(), best);
+  _mm256_storeu_si256(reinterpret_cast<__m256i*>(bests.arc.data()), best_at);
+  finish(arcs, a, end, bests);
+  return bests;
 }
 
 Scan fastest() {
@@ -78,7 +85,17 @@ const Scan kScan = fastest();
 
 }  // namespace
 
-BestArc best_arc(const PricedArcs& arcs, int begin, int end, double floor) {
+int LaneBests::best_lane() const {
+  int best = -1;
+  for (int lane = 0; lane < kLanes; ++lane) {
+    const auto k = static_cast<std::size_t>(lane), b = static_cast<std::size_t>(best);
+    if (arc[k] == kNoArc) continue;
+    if (best < 0 || gain[k] > gain[b] || (gain[k] == gain[b] && arc[k] < arc[b])) best = lane;
+  }
+  return best;
+}
+
+LaneBests best_arcs(const PricedArcs& arcs, int begin, int end, double floor) {
   return kScan(arcs, begin, end, floor);
 }
 

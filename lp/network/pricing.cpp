@@ -7,9 +7,9 @@ namespace tovik::lp::network {
 namespace {
 
 /* Bounds of a block, times the root of the number of arcs. */
-constexpr double kLeastBlock = 1.5, kMostBlock = 32;
-/* Four times the block saves a third of the pivots or more: looks may cost as much as the rest of a pivot. */
-constexpr double kLooksPerWork = 1.5;
+constexpr double kLeastBlock = 1, kMostBlock = 32;
+/* Half of what a pivot costs beside: twice the block saves a quarter of the pivots or so. */
+constexpr double kLooksPerWork = 0.75;
 constexpr double kLearningRate = 0.01;
 
 int share_of_root(int arcs, double factor, int least) {
@@ -22,6 +22,7 @@ Pricing::Pricing(const WorkingArcs& arcs, const std::vector<double>& potential, 
                  double tolerance)
     : arcs_(arcs.priced(potential.data())),
       count_(arcs.count()),
+      kept_(arcs_),
       rule_(rule),
       tolerance_(tolerance),
       least_block_(share_of_root(count_, kLeastBlock, 20)),
@@ -67,11 +68,20 @@ bool Pricing::scan(int count, Visit&& visit) {
 }
 
 int Pricing::choose_by_blocks() {
-  int arc = kNone;
+  work_ += KeptArcs::kKept;
+  const KeptArcs::Choice kept = kept_.best(tolerance_);
+  int arc = kept.arc;
   scan(block_, [&](int begin, int end) {
-    arc = best_arc(arcs_, begin, end, tolerance_).arc;
-    return arc != kNone;
+    const LaneBests found = best_arcs(arcs_, begin, end, tolerance_);
+    const int lane = found.best_lane();
+    if (lane < 0) return arc != kNone;
+    const auto k = static_cast<std::size_t>(lane);
+    const bool is_better = found.gain[k] > kept.gain;
+    if (is_better) arc = found.arc[k];
+    kept_.offer(found, is_better ? lane : -1);
+    return true;
   });
+  if (arc != kNone && arc == kept.arc) kept_.take(kept);
   return arc;
 }
 

@@ -16,6 +16,7 @@
 #include <utility>
 #include <vector>
 
+#include "lp/network/kept_arcs.h"
 #include "lp/network/working_arcs.h"
 
 namespace tovik::lp::network {
@@ -27,7 +28,10 @@ class Pricing {
   Pricing(const WorkingArcs& arcs, const std::vector<double>& potential, FlowPricing rule, double tolerance);
   int choose();
   /* Costs or potentials have changed all over. */
-  void restart() { list_.clear(); }
+  void restart() {
+    list_.clear();
+    kept_.clear();
+  }
   /* What the last pivot cost beside pricing, in arcs that could have been looked at instead. */
   void learn_pivot_work(std::uint64_t work);
   std::uint64_t work() { return std::exchange(work_, 0); }
@@ -49,6 +53,7 @@ class Pricing {
 
   const PricedArcs arcs_;
   const int count_;
+  KeptArcs kept_;
   FlowPricing rule_;
   double tolerance_;
   const int least_block_, most_block_;
