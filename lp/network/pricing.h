@@ -1,8 +1,8 @@
 /* Choice of the entering arc.
  *
  * - Reads: arcs, their states and the potentials, which are those of the last pivot. Writes nothing outside.
- * - Blocks: as long as a pivot is dear, within limits, since longer ones save pivots.
- * - Rules: `block` takes the best arc of the first block that has one, in turn; `candidate_list` keeps the arcs that a
+ * - Rules: `block` takes the best arc of the next block and of those kept from earlier ones, or of the first block that
+ *   has one; blocks are long where pivots are dear, since looking at more arcs saves pivots. `candidate_list` keeps the arcs that a
  *   scan has found and takes the best of them until a few pivots are done or none is left; `sorted_list` keeps the best
  *   ones of several blocks in order, looks at them again and takes the best before it scans on.
  * - Answer: an arc whose reduced cost has the wrong sign by more than the tolerance, or kNone when a whole round has
