@@ -4,6 +4,7 @@
 #include <functional>
 #include <numeric>
 #include <queue>
+#include <ranges>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -64,17 +65,43 @@ class Forest {
   std::vector<int> start_, arc_;
 };
 
-/* Arcs with room as lists by head. */
+/* What an arc out of each node may cost so that of many arcs about kEnough are left, were costs spread evenly. */
+std::vector<double> cost_ceilings(const WorkingArcs& arcs, int nodes) {
+  constexpr double kEnough = 8;
+  struct Costs {
+    double least = kInf, sum = 0, count = 0;
+  };
+  std::vector<Costs> leaving(static_cast<std::size_t>(nodes));
+  for (int a = 0; a < arcs.count(); ++a) {
+    Costs& costs = leaving[static_cast<std::size_t>(arcs.tail(a))];
+    costs.least = std::min(costs.least, arcs.cost(a));
+    costs.sum += arcs.cost(a);
+    costs.count += 1;
+  }
+  std::vector<double> ceilings(static_cast<std::size_t>(nodes), kInf);
+  for (std::size_t v = 0; v < ceilings.size(); ++v) {
+    const Costs& costs = leaving[v];
+    if (costs.count > 2 * kEnough)
+      ceilings[v] = costs.least + (costs.sum / costs.count - costs.least) * 2 * kEnough / costs.count;
+  }
+  return ceilings;
+}
+
+/* Arcs with room and below their ceilings as lists by head. */
 class ArcsByHead {
  public:
   ArcsByHead(const WorkingArcs& arcs, int nodes) : start_(static_cast<std::size_t>(nodes) + 1) {
-    for (int a = 0; a < arcs.count(); ++a)
-      start_[static_cast<std::size_t>(arcs.head(a))] += std::abs(arcs.state(a));
+    const std::vector<double> ceilings = cost_ceilings(arcs, nodes);
+    std::vector<int> kept;
+    for (int a = 0; a < arcs.count(); ++a) {
+      if (arcs.state(a) == 0 || arcs.cost(a) > ceilings[static_cast<std::size_t>(arcs.tail(a))]) continue;
+      kept.push_back(a);
+      ++start_[static_cast<std::size_t>(arcs.head(a))];
+    }
     std::partial_sum(start_.begin(), start_.end(), start_.begin());
-    arc_.resize(static_cast<std::size_t>(start_.back()));
-    for (int a = arcs.count(); a-- > 0;)
-      if (arcs.state(a) != 0)
-        arc_[static_cast<std::size_t>(--start_[static_cast<std::size_t>(arcs.head(a))])] = a;
+    arc_.resize(kept.size());
+    for (const int a : kept | std::views::reverse)
+      arc_[static_cast<std::size_t>(--start_[static_cast<std::size_t>(arcs.head(a))])] = a;
   }
   std::span<const int> arcs_of(int v) const {
     const auto k = static_cast<std::size_t>(v);
