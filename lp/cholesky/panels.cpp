@@ -4,7 +4,9 @@
 #include <array>
 #include <atomic>
 #include <cstring>
+#include <limits>
 #include <new>
+#include <numeric>
 #include <semaphore>
 #include <system_error>
 #include <thread>
@@ -56,17 +58,19 @@ void PanelMemory::Free::operator()(double* memory) const {
   ::operator delete (memory, std::align_val_t{kLine * kNumber});
 }
 
-Panels::Panels(const Symbolic& symbolic, const Use& use)
-    : symbolic_(symbolic), use_(use), total_(kNumber * symbolic.panel.back()) {
+Panels::Panels(const Symbolic& symbolic, const Use& use) : symbolic_(symbolic), use_(use) {
+  const std::int64_t total = kNumber * symbolic_.panel.back();
   storage_.work_memory = use_.work_memory;
-  storage_.out_of_core = static_cast<double>(total_) > use_.work_memory;
-  storage_.needed = static_cast<double>(total_ + use_.beside);
-  if (!storage_.out_of_core) return;
-  choose_residents();
-  make_blocks();
-  const std::int64_t file = kNumber * symbolic_.panel[first_resident_];
-  storage_.file_bytes = static_cast<double>(file);
-  storage_.needed = static_cast<double>(total_ - file + buffers() + use_.beside);
+  storage_.out_of_core = static_cast<double>(total) > use_.work_memory;
+  in_file_.assign(static_cast<std::size_t>(symbolic_.supernodes()), storage_.out_of_core);
+  if (storage_.out_of_core) {
+    choose_residents();
+  } else {
+    kept_ = total;
+  }
+  give_places();
+  storage_.needed = needed();
+  storage_.file_bytes = static_cast<double>(kNumber * file_size_);
 }
 
 std::int64_t Panels::window_size(int worker) const {
@@ -76,38 +80,66 @@ std::int64_t Panels::window_size(int worker) const {
 }
 
 std::int64_t Panels::buffers() const {
+  if (!storage_.out_of_core) return 0;
   std::int64_t sum = 2 * window_size(0);  // a block is at most as large
   for (int worker = 0; worker < use_.workers; ++worker) sum += window_size(worker);
   return kNumber * sum;
 }
 
-/* From the last on, as many as fit. */
-void Panels::choose_residents() {
-  const int n = symbolic_.supernodes();
-  std::vector<std::int64_t> largest_before(static_cast<std::size_t>(n) + 1, 0);
-  for (int s = 0; s < n; ++s) largest_before[s + 1] = std::max(largest_before[s], size(s));
-  for (first_resident_ = n; first_resident_ > 0; --first_resident_) {
-    largest_in_file_ = largest_before[first_resident_ - 1];
-    const std::int64_t kept = total_ - kNumber * symbolic_.panel[first_resident_ - 1];
-    if (static_cast<double>(kept + buffers() + use_.beside) > use_.work_memory) break;
-  }
-  largest_in_file_ = largest_before[first_resident_];
+void Panels::keep(int s) {
+  in_file_[s] = false;
+  kept_ += kNumber * size(s);
 }
 
-void Panels::make_blocks() {
+/* One is in the file in any case. */
+void Panels::choose_residents() {
+  const int n = symbolic_.supernodes();
+  std::vector<int> by_size(static_cast<std::size_t>(n));
+  std::iota(by_size.begin(), by_size.end(), 0);
+  std::stable_sort(by_size.begin(), by_size.end(), [this](int a, int b) { return size(a) > size(b); });
+  int best = 0;
+  double least = std::numeric_limits<double>::infinity();
+  for (int k = 0; k < n; ++k) {  // what is needed if the k largest ones stay
+    largest_in_file_ = size(by_size[k]);
+    if (needed() < least) {
+      least = needed();
+      best = k;
+    }
+    kept_ += kNumber * size(by_size[k]);
+  }
+  kept_ = 0;
+  for (int k = 0; k < best; ++k) keep(by_size[k]);
+  largest_in_file_ = size(by_size[best]);
+  for (int s = n - 1; s > 0; --s) {
+    if (!in_file_[s]) continue;
+    if (needed() + static_cast<double>(kNumber * size(s)) > use_.work_memory) break;
+    keep(s);
+  }
+}
+
+void Panels::give_places() {
+  constexpr std::int64_t kLine = PanelMemory::kLine;
   const std::int64_t most = window_size(0);
-  for (int s = 0; s < first_resident_; ++s)
-    if (block_.empty() || symbolic_.panel[s + 1] - symbolic_.panel[block_.back()] > most) block_.push_back(s);
-  block_.push_back(first_resident_);
+  place_.resize(in_file_.size());
+  for (int s = 0; s < symbolic_.supernodes(); ++s) {
+    std::int64_t& next = in_file_[s] ? file_size_ : resident_size_;
+    next += ((symbolic_.panel[s] - next) % kLine + kLine) % kLine;
+    place_[s] = next;
+    next += size(s);
+    if (!in_file_[s]) continue;
+    if (blocks_.empty() || next - blocks_.back().first > most) blocks_.push_back({s, s, place_[s], 0});
+    blocks_.back().end = s + 1;
+    blocks_.back().last = next;
+  }
 }
 
 State Panels::allocate(const std::string& directory) {
-  resident_.allocate(symbolic_.panel.back() - symbolic_.panel[first_resident_]);
+  resident_.allocate(resident_size_);
   if (!storage_.out_of_core) return State::done;
-  checksum_.assign(static_cast<std::size_t>(first_resident_), 0);
+  checksum_.assign(in_file_.size(), 0);
   windows_.resize(static_cast<std::size_t>(use_.workers));
   for (int worker = 0; worker < use_.workers; ++worker) windows_[worker].memory.allocate(window_size(worker));
-  const State state = file_.open(directory, kNumber * symbolic_.panel[first_resident_]);
+  const State state = file_.open(directory, kNumber * file_size_);
   storage_.directory = file_.directory();
   return state;
 }
@@ -117,23 +149,27 @@ void Panels::restart() {
 }
 
 State Panels::begin(int s, int worker, double** panel) {
-  if (!in_file(s)) {
+  if (!in_file_[s]) {
     *panel = resident(s);
     return State::done;
   }
   Window& window = windows_[worker];
-  const std::int64_t first = symbolic_.panel[s];
-  if (window.first + window.used != first || window.used + size(s) > window_size(worker)) {
+  const std::int64_t gap = place_[s] - window.first - window.used;
+  const bool follows = window.used > 0 && gap >= 0 && gap < PanelMemory::kLine;
+  if (!follows || place_[s] + size(s) - window.first > window_size(worker)) {
     if (const State state = flush(worker); state != State::done) return state;
-    window.first = first;
+    window.first = place_[s];
   }
-  *panel = window.memory.at(window.first) + window.used;
-  window.used += size(s);
+  double* const memory = window.memory.at(window.first);
+  const std::int64_t offset = place_[s] - window.first;
+  std::fill(memory + window.used, memory + offset, 0.0);
+  window.used = offset + size(s);
+  *panel = memory + offset;
   return State::done;
 }
 
 void Panels::finish(int s, const double* panel) {
-  if (in_file(s)) checksum_[s] = checksum(panel, size(s));
+  if (in_file_[s]) checksum_[s] = checksum(panel, size(s));
 }
 
 State Panels::flush(int worker) {
@@ -143,19 +179,18 @@ State Panels::flush(int worker) {
   return file_.write(kNumber * window.first, window.memory.at(window.first), kNumber * used);
 }
 
-State Panels::load(int block, double* to) const {
-  const int begin = block_[block], end = block_[block + 1];
-  const std::int64_t first = symbolic_.panel[begin];
-  const State state = file_.read(kNumber * first, to, kNumber * (symbolic_.panel[end] - first));
+State Panels::load(const Block& block, double* to) const {
+  const State state = file_.read(kNumber * block.first, to, kNumber * (block.last - block.first));
   if (state != State::done) return state;
-  for (int s = begin; s < end; ++s)
-    if (checksum(to + (symbolic_.panel[s] - first), size(s)) != checksum_[s]) return State::file_not_read;
+  for (int s = block.begin; s < block.end; ++s)
+    if (in_file_[s] && checksum(to + (place_[s] - block.first), size(s)) != checksum_[s])
+      return State::file_not_read;
   return State::done;
 }
 
 /* The way through the blocks: 0, 1, ... last, last - 1, ... 0. Step k is read into buffer k % 2 once step k - 2 is done with. */
 struct PanelReader::Ahead {
-  explicit Ahead(const Panels& of) : panels(of), blocks(static_cast<int>(of.block_.size()) - 1) {
+  explicit Ahead(const Panels& of) : panels(of), blocks(static_cast<int>(of.blocks_.size())) {
     for (PanelMemory& buffer : memory) buffer.allocate(panels.window_size(0));
     try {
       thread = std::thread([this] {
@@ -175,14 +210,14 @@ struct PanelReader::Ahead {
     empty.release(2);
     thread.join();
   }
-  int block(int k) const { return k < blocks ? k : 2 * blocks - 2 - k; }
+  const Panels::Block& block(int k) const { return panels.blocks_[k < blocks ? k : 2 * blocks - 2 - k]; }
+  double* numbers(int k) const { return memory[k % 2].at(block(k).first); }
   void read(int k) { state[k % 2] = panels.load(block(k), numbers(k)); }
-  double* numbers(int k) const { return memory[k % 2].at(first(k)); }
-  std::int64_t first(int k) const { return panels.symbolic_.panel[panels.block_[block(k)]]; }
+  bool holds(int s) const { return step >= 0 && s >= block(step).begin && s < block(step).end; }
 
   /* To the block of s; State of what is there then. */
   State advance_to(int s) {
-    while (step < 0 || s < panels.block_[block(step)] || s >= panels.block_[block(step) + 1]) {
+    while (!holds(s)) {
       if (++step > 0 && thread.joinable()) empty.release();
       if (thread.joinable()) {
         full.acquire();
@@ -205,14 +240,14 @@ struct PanelReader::Ahead {
 };
 
 PanelReader::PanelReader(const Panels& panels) : panels_(panels) {
-  if (panels_.first_resident_ > 0) ahead_ = std::make_unique<Ahead>(panels);
+  if (!panels_.blocks_.empty()) ahead_ = std::make_unique<Ahead>(panels);
 }
 
 PanelReader::~PanelReader() = default;
 
 const double* PanelReader::from_file(int s) {
   if (ahead_->advance_to(s) != State::done) throw FileError();
-  return ahead_->numbers(ahead_->step) + (panels_.symbolic_.panel[s] - ahead_->first(ahead_->step));
+  return ahead_->numbers(ahead_->step) + (panels_.place_[s] - ahead_->block(ahead_->step).first);
 }
 
 }  // namespace tovik::lp::cholesky

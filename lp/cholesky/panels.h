@@ -1,8 +1,8 @@
 /* The numbers of L by supernodes, where they are made and where they stand.
  * In core      all in memory.
- * Out of core  those of the last supernodes, which are eliminated last and solved with last and first, in memory as far as that
- *              reaches; all before them in a file. A worker eliminates in a window of its own; consecutive panels share it
- *              and are written together when it is full.
+ * Out of core  in a file, but the largest stay where the buffers that they need would take more memory than they do, and those
+ *              of the last supernodes as far as the memory reaches. A worker eliminates in a window of its own; panels that
+ *              follow each other share it and are written together when it is full.
  * Trust        a checksum by panel, made when it is finished and compared when it is read: what the system tells of a disk's
  *              errors late or never shows here. */
 #pragma once
@@ -16,15 +16,16 @@
 
 namespace tovik::lp::cholesky {
 
-/* Room for numbers first .. first + count - 1 of all panels, at addresses that are the same modulo a cache line wherever it
- * is: BLAS sums in an order that depends on them. */
+/* Room for the numbers at places first .. first + count - 1, at addresses that are the same modulo a cache line wherever it is:
+ * BLAS sums in an order that depends on them. */
 class PanelMemory {
  public:
+  static constexpr std::int64_t kLine = 8;  // numbers
+
   void allocate(std::int64_t count);  // whatever the first is
   double* at(std::int64_t first) const { return memory_.get() + first % kLine; }
 
  private:
-  static constexpr std::int64_t kLine = 8;  // numbers
   struct Free {
     void operator()(double* memory) const;
   };
@@ -60,32 +61,36 @@ class Panels {
   friend class PanelReader;
   struct Window {
     PanelMemory memory;
-    std::int64_t first = 0, used = 0;  // numbers: which part of all panels it holds
+    std::int64_t first = 0, used = 0;  // numbers: which part of the file it holds
+  };
+  struct Block {  // what is read at once
+    int begin, end;
+    std::int64_t first, last;  // places
   };
 
   std::int64_t size(int s) const { return symbolic_.panel[s + 1] - symbolic_.panel[s]; }
-  double* resident(int s) const {
-    const std::int64_t first = symbolic_.panel[first_resident_];
-    return resident_.at(first) + (symbolic_.panel[s] - first);
-  }
-  bool in_file(int s) const { return s < first_resident_; }
+  double* resident(int s) const { return resident_.at(0) + place_[s]; }
   std::int64_t window_size(int worker) const;  // numbers
   std::int64_t buffers() const;                // bytes of windows, and of blocks that are read
+  double needed() const { return static_cast<double>(kept_ + buffers() + use_.beside); }
+  void keep(int s);
   void choose_residents();
-  void make_blocks();
-  [[nodiscard]] State load(int block, double* to) const;
+  void give_places();
+  [[nodiscard]] State load(const Block& block, double* to) const;
 
   const Symbolic& symbolic_;
   const Use use_;
   Storage storage_;
-  std::int64_t total_ = 0;            // bytes of all panels
-  std::int64_t largest_in_file_ = 0;  // numbers of a panel
-  int first_resident_ = 0;
+  std::int64_t kept_ = 0;                           // bytes of panels in memory
+  std::int64_t largest_in_file_ = 0;                // numbers; no panel there is larger
+  std::vector<bool> in_file_;                       // by supernode
+  std::vector<std::int64_t> place_;                 // in memory or in the file, symbolic.panel modulo a line
+  std::int64_t file_size_ = 0, resident_size_ = 0;  // numbers
+  std::vector<Block> blocks_;
   PanelMemory resident_;
   ScratchFile file_;
   std::vector<Window> windows_;
-  std::vector<std::uint64_t> checksum_;  // by supernode that is in the file
-  std::vector<int> block_;  // supernodes with which blocks that are read at once begin; the last one's end
+  std::vector<std::uint64_t> checksum_;  // by supernode
 };
 
 /* Panels in the order of one forward and one backward solve: ascending, then descending. Blocks are read ahead by a thread of
@@ -98,7 +103,7 @@ class PanelReader {
   PanelReader& operator=(const PanelReader&) = delete;
 
   /* Valid until the next call. */
-  const double* panel(int s) { return s >= panels_.first_resident_ ? panels_.resident(s) : from_file(s); }
+  const double* panel(int s) { return panels_.in_file_[s] ? from_file(s) : panels_.resident(s); }
 
  private:
   struct Ahead;
