@@ -126,7 +126,7 @@ void undo_doubleton(const Doubleton& record, Undo& undo) {
     p.y[i] = y.value();
     p.d[j] = -(a / b) * p.d[k];
     p.d[k] = 0;
-    p.x[j] = at == BasisStatus::lower ? record.at_lower : record.at_upper;
+    if (!undo.interior) p.x[j] = at == BasisStatus::lower ? record.at_lower : record.at_upper;
     p.column_status[j] =
         ((a > 0) == (b > 0)) == (at == BasisStatus::lower) ? BasisStatus::upper : BasisStatus::lower;
     p.column_status[k] = BasisStatus::basic;

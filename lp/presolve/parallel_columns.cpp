@@ -135,7 +135,8 @@ void undo_parallel_columns(const ParallelColumns& record, Undo& undo) {
   const double lower_k = record.gone_lower, upper_k = record.gone_upper;
   Answer& p = undo.point;
   p.d[k] = g * p.d[j];
-  if (p.column_status[j] != BasisStatus::basic) {
+  const BasisStatus present = p.column_status[j];
+  if (present != BasisStatus::basic && !undo.interior) {
     const bool low = p.column_status[j] == BasisStatus::lower, low_k = low == (g > 0);
     p.column_status[k] = low_k ? BasisStatus::lower : BasisStatus::upper;
     p.x[j] = low ? lower_j : upper_j;
@@ -158,6 +159,9 @@ void undo_parallel_columns(const ParallelColumns& record, Undo& undo) {
   attempt(upper_j, (z - upper_j) / g, BasisStatus::upper, BasisStatus::basic);
   attempt(z - g * lower_k, lower_k, BasisStatus::basic, BasisStatus::lower);
   attempt(z - g * upper_k, upper_k, BasisStatus::basic, BasisStatus::upper);
+  if (!undo.interior) return;
+  p.column_status[j] = present;
+  p.column_status[k] = Undo::side(BasisStatus::basic, p.d[k]);
 }
 
 void point_of_parallel_columns(const ParallelColumns& record, std::vector<double>& x) {

@@ -73,6 +73,20 @@ Answer postsolve(const LpData& original, const Reduction& reduction, const Answe
   return point;
 }
 
+Answer postsolve_interior(const LpData& original, const Reduction& reduction, Answer reduced) {
+  const auto by_signs = [](const std::vector<double>& duals) {
+    std::vector<BasisStatus> statuses;
+    for (const double dual : duals) statuses.push_back(Undo::side(BasisStatus::basic, dual));
+    return statuses;
+  };
+  reduced.column_status = by_signs(reduced.d);
+  reduced.row_status = by_signs(reduced.y);
+  Answer point = scatter(original, reduction, reduced);
+  Undo undo{original, point, false, true};
+  undo_all(reduction.stack, undo);
+  return point;
+}
+
 std::vector<double> infeasibility_proof(const LpData& original, const Reduction& reduction) {
   if (!reduction.status.primal_infeasible() || reduction.status.multipliers.empty()) return {};
   std::vector<double> y(static_cast<size_t>(original.num_rows()), 0.0);

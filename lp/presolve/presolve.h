@@ -38,6 +38,10 @@ Reduction presolve(const LpData& original, const Settings& settings, Control& co
  * of an answer. */
 Answer postsolve(const LpData& original, const Reduction& reduction, const Answer& reduced);
 
+/* The same of a point that belongs to no basis: x, d and y. Its statuses are not looked at, and those of the result mean
+ * nothing. */
+Answer postsolve_interior(const LpData& original, const Reduction& reduction, Answer reduced);
+
 /* Row multipliers of the original problem that prove it infeasible, from the status's: to be checked. Empty
  * when the status has none. */
 std::vector<double> infeasibility_proof(const LpData& original, const Reduction& reduction);

@@ -126,15 +126,14 @@ void undo_slack_in_equation(const SlackInEquation& record, Undo& undo) {
   const double y = p.y[i];
   p.y[i] = y + undo.cost(price);
   p.d[s] = -a * y;
-  if (p.row_status[i] == BasisStatus::basic) {
+  const bool basic = p.row_status[i] == BasisStatus::basic;
+  const bool up = (p.row_status[i] == BasisStatus::lower) == (a > 0);
+  p.x[s] = up ? upper : lower;
+  p.column_status[s] = basic ? BasisStatus::basic : up ? BasisStatus::upper : BasisStatus::lower;
+  if (basic || undo.interior) {
     double x = beta;
     for (int k = 0; k < rest.length; ++k) x -= rest.value[k] * p.x[rest.index[k]];
     p.x[s] = x / a;
-    p.column_status[s] = BasisStatus::basic;
-  } else {
-    const bool up = (p.row_status[i] == BasisStatus::lower) == (a > 0);
-    p.x[s] = up ? upper : lower;
-    p.column_status[s] = up ? BasisStatus::upper : BasisStatus::lower;
   }
   p.row_status[i] = side == BasisStatus::free ? Undo::side(BasisStatus::lower, p.y[i]) : side;
 }
@@ -165,12 +164,19 @@ void undo_slack_in_row(const SlackInRow& record, Undo& undo) {
     p.column_status[s] = at;
     p.x[s] = at == BasisStatus::lower ? lower : upper;
   };
-  if (p.row_status[i] != BasisStatus::basic) {
+  const bool basic = p.row_status[i] == BasisStatus::basic;
+  if (!basic) {
     stand((p.row_status[i] == BasisStatus::lower) == (a > 0) ? BasisStatus::upper : BasisStatus::lower);
-    return;
+    if (!undo.interior) return;
   }
   double activity = 0;
   for (int k = 0; k < rest.length; ++k) activity += rest.value[k] * p.x[rest.index[k]];
+  if (!basic) {
+    const double reached = activity + a * p.x[s];
+    if (reached < row_lower) p.x[s] = (row_lower - activity) / a;
+    if (reached > row_upper) p.x[s] = (row_upper - activity) / a;
+    return;
+  }
   for (const BasisStatus at : {BasisStatus::lower, BasisStatus::upper}) {
     const double bound = at == BasisStatus::lower ? lower : upper;
     const double reached = activity + a * bound;

@@ -4,7 +4,8 @@
  * Signs: rows and columns obey one rule. The dual y_i of a row and the reduced cost d_j = c_j - a_j'y of a
  * column are >= 0 when the row's activity (the column) stands at its lower bound, <= 0 at its upper bound, 0
  * when basic or free. Every undo that brings back k rows makes exactly k rows or columns basic, so a basis
- * stays a basis. An undo looks at statuses, then at signs, then at values, never at tolerances. The
+ * stays a basis. An undo looks at statuses, then at signs, then at values, never at tolerances. Of interior points it
+ * keeps the distances to bounds, and with them the complementarity: what comes back stands at its bound where it can. The
  * transformations follow Andersen and Andersen (1995) and Gondzio (1997) for primal and dual values; the
  * statuses are derived from the same tables.
  *
@@ -45,6 +46,8 @@ struct Undo {
   Answer& point;
   /* Costs count as zero: for certificates of infeasibility. */
   bool homogeneous = false;
+  /* The point is none of a basis: statuses tell the signs of duals and reduced costs, and no value. */
+  bool interior = false;
 
   double cost(double c) const { return homogeneous ? 0.0 : c; }
   CleanSum sum_from(double first) const {

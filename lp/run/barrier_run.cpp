@@ -157,7 +157,7 @@ class BarrierRun {
     }
     std::vector<double> farkas = std::move(result.farkas);
     const Answer reduced = answer_near(reduction.lp, result);
-    Answer point = presolve::postsolve(record_->original, reduction, reduced);
+    Answer point = presolve::postsolve_interior(record_->original, reduction, reduced);
     barrier::Result original;
     original.has_point = true;
     original.ending = result.ending;
