@@ -213,7 +213,7 @@ class BarrierRun {
       case Ending::dual_objective_limit:
         return TVK_STATUS_DUAL_OBJECTIVE_LIMIT;
       case Ending::unbounded_face:
-        return TVK_STATUS_OPTIMAL_FACE_UNBOUNDED;
+        return near && answer_.primal_feasible ? TVK_STATUS_OPTIMAL_FACE_UNBOUNDED : TVK_STATUS_NON_OPTIMAL;
       case Ending::iteration_limit:
         return TVK_STATUS_ITERATION_LIMIT;
       case Ending::time_limit:
