@@ -11,6 +11,7 @@ namespace {
 constexpr double kToBoundary = 0.995;  // share of the longest step
 constexpr double kLeastCentring = 1e-4;
 constexpr int kPatience = 25;  // iterations without a better point
+constexpr int kStill = 2;      // ... that are no accident
 constexpr double kSettledMean =
     1e-22;  // share of the first mean product from which on nothing more is to be had
 
@@ -69,7 +70,7 @@ class Embedding {
     const Quality quality = session_.measure(at_, missing_, tau_);
     session_.log(quality, mean_ / (tau_ * tau_), tau_ / kappa_);
     waited_ = session_.keep_if_better(at_, tau_, quality, mean_) ? 0 : waited_ + 1;
-    if (session_.settle(at_, tau_, quality)) return true;
+    if (session_.settle(at_, tau_, quality, waited_ >= kStill)) return true;
     if (session_.try_farkas(at_) || session_.try_ray(at_, quality) || session_.must_stop()) return true;
     if (std::isfinite(mean_) && waited_ < kPatience && mean_ > kSettledMean * first_mean_) return false;
     session_.end(Ending::no_progress);

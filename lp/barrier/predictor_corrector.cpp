@@ -15,6 +15,7 @@ constexpr double kLongEnough = 0.95;  // steps that are not corrected
 constexpr double kShort = 0.1;        // steps that call for centring
 constexpr double kCentring = 0.5;     // its target, share of the mean product
 constexpr int kPatience = 15;         // iterations without a better point until the next rung of the ladder
+constexpr int kStill = 2;             // iterations without a better point that are no accident
 constexpr int kRungs = 2;
 constexpr double kMoreRegularization = 100;
 constexpr int kMoreRefinements = 6;
@@ -49,7 +50,7 @@ class PredictorCorrector {
     session_.log(quality, mean_, {});
     least_mean_ = least_useful_mean(quality);
     waited_ = session_.keep_if_better(at_, 1, quality, mean_) ? 0 : waited_ + 1;
-    if (session_.settle(at_, 1, quality)) return true;
+    if (session_.settle(at_, 1, quality, waited_ >= kStill)) return true;
     if (session_.try_farkas(at_) || session_.try_ray(at_, quality) || session_.beyond_range(quality))
       return true;
     if (detects_unbounded_face(quality) || session_.must_stop()) return true;

@@ -74,13 +74,18 @@ void Session::begin() {
   newton.set_refinements(Newton::kRefinements);
 }
 
-bool Session::settle(const Point& at, double tau, const Quality& quality) {
+bool Session::is_within_tolerances(const Quality& q) const {
+  return q.gap <= options.tolerance && std::max(q.primal, q.upper) <= options.primal_tolerance &&
+         q.dual <= options.dual_tolerance;
+}
+
+bool Session::settle(const Point& at, double tau, const Quality& quality, bool stands_still) {
   constexpr int kMore = 8;  // iterations that may go on for the absolute tolerances
   constexpr int kWithoutGain = 3;
   const bool good = is_optimal(quality);
-  if (settling_ == 0 && !good) return false;
-  ++settling_;
-  if (good) {
+  const bool near = !good && stands_still && is_within_tolerances(quality);
+  if (settling_ == 0 && !good && !near) return false;
+  if (good || near) {
     Point scaled = at;
     for (double& v : scaled.x) v /= tau;
     for (double& v : scaled.y) v /= tau;
@@ -94,6 +99,7 @@ bool Session::settle(const Point& at, double tau, const Quality& quality) {
         verify::measure_violation(lp, {x, activity, d, y, {}, {}}, options.primal_tolerance);
     const double excess =
         std::max(violation.primal() / options.primal_tolerance, violation.dual / options.dual_tolerance);
+    if (near && excess > 1) return false;
     if (excess < best_violation_) {
       unsettled_ = 0;
       best_violation_ = excess;
@@ -105,6 +111,7 @@ bool Session::settle(const Point& at, double tau, const Quality& quality) {
       result.at.dual_objective = quality.dual_objective;
     }
   }
+  ++settling_;
   ++unsettled_;
   if (best_violation_ > 1 && settling_ <= kMore && unsettled_ <= kWithoutGain) return false;
   end(Ending::optimal);

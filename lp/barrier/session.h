@@ -34,8 +34,10 @@ class Session : private ProgressSource {
   Quality measure(const Point& at, const Blocks& missing, double tau) const;
   /* Optimal within the tolerance, relative. */
   bool is_optimal(const Quality& quality) const;
-  /* As is_optimal, and within the absolute tolerances where some more iterations reach them. True: the call is over. */
-  bool settle(const Point& at, double tau, const Quality& quality);
+  /* As is_optimal, and within the absolute tolerances where some more iterations reach them. Where points `stand still`
+   * because rounding has the size of the relative residuals (huge multipliers), the absolute tolerances alone count.
+   * True: the call is over. */
+  bool settle(const Point& at, double tau, const Quality& quality, bool stands_still);
 
   /* Remembers the point where it is clearly better than all before. True when it is. */
   bool keep_if_better(const Point& at, double tau, const Quality& quality, double mean_product);
@@ -68,6 +70,7 @@ class Session : private ProgressSource {
   Regularization regularization;
 
  private:
+  bool is_within_tolerances(const Quality& quality) const;
   bool proves_infeasible(const std::vector<double>& y);
   bool proves_unbounded(const std::vector<double>& x, Ending ending);
 
