@@ -55,8 +55,8 @@ bool merge(Workspace& ws, int j, int k, double g) {
   if (ws.settings.linear_only || ws.is_protected(j) || ws.is_protected(k)) return false;
   if (!finite(ws.lower[j], ws.upper[j]) || !finite(ws.lower[k], ws.upper[k])) return false;
   if (std::fabs(ws.cost[k] - g * ws.cost[j]) > kSameCost * std::fabs(ws.cost[k])) return false;
-  const double least = ws.lower[j] + g * (g > 0 ? ws.lower[k] : ws.upper[k]);
-  const double most = ws.upper[j] + g * (g > 0 ? ws.upper[k] : ws.lower[k]);
+  const double least = moved(ws.lower[j], g * (g > 0 ? ws.lower[k] : ws.upper[k]));
+  const double most = moved(ws.upper[j], g * (g > 0 ? ws.upper[k] : ws.lower[k]));
   if (std::max(std::fabs(least), std::fabs(most)) > kHugeMove || !ws.allow(Rule::parallel_columns))
     return false;
   ws.stack.push(ParallelColumns{.kept = j,
