@@ -1,8 +1,8 @@
 # The BLAS that the library is linked with: target BLAS::BLAS. BLA_VENDOR and BLA_STATIC choose as FindBLAS says; it must
 # bear calls from several threads at once. Without them OpenBLAS's archive without threads is taken where it is installed:
 # loading it is quick and starts no threads, as the shared one with threads does before anybody can forbid it. The one thing
-# in it that two threads must not do at once, asking for a buffer, goes through lp/cholesky/blas_buffers.cpp then
-# (TOVIK_BLAS_LINK_OPTIONS).
+# in it that two threads must not do at once, asking for a buffer, goes through lp/cholesky/blas_buffers.cpp then, and which
+# kernels it takes is said by lp/cholesky/blas_kernels.cpp (TOVIK_BLAS_LINK_OPTIONS).
 set(TOVIK_BLAS_LINK_OPTIONS "")
 if(NOT BLA_VENDOR)
   set(BLA_VENDOR OpenBLAS)
@@ -18,6 +18,7 @@ if(NOT BLAS_FOUND)
 endif()
 if("${BLAS_LIBRARIES}" MATCHES "openblas[^;]*\\.a")
   # -u takes them out of an archive that stands before the one in need of them.
-  set(TOVIK_BLAS_LINK_OPTIONS -Wl,--wrap=blas_memory_alloc,--wrap=blas_memory_free -Wl,-u,__wrap_blas_memory_alloc)
+  set(TOVIK_BLAS_LINK_OPTIONS -Wl,--wrap=blas_memory_alloc,--wrap=blas_memory_free,--wrap=getenv
+      -Wl,-u,__wrap_blas_memory_alloc,-u,__wrap_getenv)
   set_property(TARGET BLAS::BLAS APPEND PROPERTY INTERFACE_LINK_OPTIONS ${TOVIK_BLAS_LINK_OPTIONS})
 endif()

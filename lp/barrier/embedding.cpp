@@ -37,7 +37,7 @@ class Embedding {
     while (!is_over()) {
       if (session_.failed(session_.newton.prepare(at_, session_.regularization, session_.control))) return;
       ++session_.result.factorizations;
-      session_.newton.solve(sides_, homogeneous_, session_.control);
+      session_.newton.solve(sides_, Newton::kFull, homogeneous_, session_.control);
       find_direction(1, 0, false);
       const double predicted = longest_step();
       const double centring =
@@ -90,7 +90,7 @@ class Embedding {
       if (form_.has_upper[j])
         wanted_.upper_pairs[j] = target - at_.w[j] * at_.v[j] - (second_order ? step_.w[j] * step_.v[j] : 0);
     }
-    session_.newton.solve(wanted_, step_, session_.control);
+    session_.newton.solve(wanted_, Newton::kFull, step_, session_.control);
     /* dkappa + c'dx - b'dy + u'dv = -eta * missing_gap and kappa dtau + tau dkappa = pair_of_tau. */
     const auto slope = [&](const Point& d) { return primal_value(form_, d) - dual_value(form_, d); };
     const double denominator = kappa_ / tau_ - slope(homogeneous_);

@@ -92,35 +92,40 @@ cholesky::State Kkt::analyze(const Options& options, Control& control, Observer*
   }
   if (observer != nullptr) observer->dense_columns(setup_.dense_limit, setup_.dense_columns);
 
-  /* The augmented system is looked at only where the normal equations are not sure to be the cheaper ones. */
+  /* The augmented system is looked at only where the normal equations are not sure to be the cheaper ones. Both are
+   * compared by a quick ordering, and only the one that is taken has more time for a better one. */
   constexpr double kHopeless = 2e9;  // entries not even formed to be counted
-  constexpr double kCheap = 30;      // factor's work by entry of A up to which nobody asks for another system
+  constexpr double kCheap = 300;     // factor's work by entry of A up to which nobody asks for another system
   constexpr double kAdvantage =
       2;  // of the augmented system's work, for which the normal equations are given up
-  const auto take = [&](const std::vector<char>& keep) {
-    layout_ = make_layout(keep);
-    return factor_.analyze(layout_.pattern, options.factorization, control);
+  const auto preview = [&](const Layout& layout, cholesky::Cholesky& factor, double& work) {
+    const cholesky::State state = factor.preview(layout.pattern, options.factorization, control);
+    work = state == cholesky::State::done ? factor.counts().flops + 2 * layout.forming : kInf;
+    return state == cholesky::State::stopped ? state : cholesky::State::done;
   };
-  const auto count = [&] { return factor_.counts().flops + 2 * layout_.forming; };
   setup_.augmented =
       options.system == System::augmented || (options.system == System::automatic && normal_work > kHopeless);
-  cholesky::State state = take(setup_.augmented ? may_stay : must_stay);
-  if (options.system == System::automatic && !setup_.augmented &&
-      (state == cholesky::State::out_of_memory ||
-       (state == cholesky::State::done && count() > kCheap * static_cast<double>(form_.a.index.size())))) {
-    const double normal = state == cholesky::State::done ? count() : kInf;
-    Layout other = make_layout(may_stay);
-    cholesky::Cholesky augmented;
-    const cholesky::State second = augmented.analyze(other.pattern, options.factorization, control);
-    if (second == cholesky::State::done &&
-        kAdvantage * (augmented.counts().flops + 2 * other.forming) < normal) {
-      layout_ = std::move(other);
-      factor_ = std::move(augmented);
-      setup_.augmented = true;
-      state = second;
-    } else if (second == cholesky::State::stopped) {
-      state = second;
+  layout_ = make_layout(setup_.augmented ? may_stay : must_stay);
+  if (options.system == System::automatic && !setup_.augmented) {
+    double normal = 0, other = 0;
+    if (preview(layout_, factor_, normal) == cholesky::State::stopped) return cholesky::State::stopped;
+    if (normal > kCheap * static_cast<double>(form_.a.index.size())) {
+      Layout layout = make_layout(may_stay);
+      cholesky::Cholesky augmented;
+      if (preview(layout, augmented, other) == cholesky::State::stopped) return cholesky::State::stopped;
+      if (kAdvantage * other < normal) {
+        layout_ = std::move(layout);
+        factor_ = std::move(augmented);
+        setup_.augmented = true;
+      }
     }
+  }
+  cholesky::State state = factor_.analyze(layout_.pattern, options.factorization, control);
+  if (state == cholesky::State::out_of_memory && options.system == System::automatic && !setup_.augmented) {
+    layout_ = make_layout(may_stay);
+    factor_ = cholesky::Cholesky();
+    setup_.augmented = true;
+    state = factor_.analyze(layout_.pattern, options.factorization, control);
   }
   if (state != cholesky::State::done) return state;
   setup_.counts = factor_.counts();

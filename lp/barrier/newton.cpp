@@ -6,8 +6,6 @@
 
 namespace tovik::lp::barrier {
 namespace {
-constexpr double kGoodEnough = 1e-10;
-constexpr double kPoor = 1e-6;
 constexpr double kLargestWeight = 1e24;  // of a column in the factor
 }  // namespace
 
@@ -70,7 +68,9 @@ double Newton::measure(const Blocks& wanted, const Point& step) {
       pairs_left = std::max(pairs_left, std::fabs(left_.upper_pairs[j]) / terms);
     }
   }
-  const double primal_terms = std::max(largest_magnitude(wanted.primal), 1e-3 * largest_magnitude(step.x));
+  const double primal_terms =
+      std::max(largest_magnitude(wanted.primal),
+               std::min(1e-3 * largest_magnitude(step.x), 1 + largest_magnitude(form_.b)));
   const auto share = [](double part, double whole) { return part > 0 ? part / std::max(whole, 1e-300) : 0; };
   const double worst = std::max(
       {share(largest_magnitude(left_.primal), primal_terms), share(dual_left, dual_terms), pairs_left});
@@ -94,14 +94,14 @@ bool Newton::improve(const Blocks& wanted, Kkt::Accuracy accuracy, Point& step, 
   return enough;
 }
 
-void Newton::solve(const Blocks& wanted, Point& step, Control& control) {
+void Newton::solve(const Blocks& wanted, const Precision& precision, Point& step, Control& control) {
   constexpr int kIteratedRounds = 2;
   solve_once(wanted, Kkt::Accuracy::of_factor, step, control);
   trust_ = measure(wanted, step);
-  for (int round = 0; round < refinements_ && trust_ > kGoodEnough && trust_ < kInf; ++round) {
+  for (int round = 0; round < refinements_ && trust_ > precision.enough && trust_ < kInf; ++round) {
     if (!improve(wanted, Kkt::Accuracy::of_factor, step, control)) break;
   }
-  for (int round = 0; round < kIteratedRounds && trust_ > kPoor && trust_ < kInf; ++round) {
+  for (int round = 0; round < kIteratedRounds && trust_ > precision.poor && trust_ < kInf; ++round) {
     if (!improve(wanted, Kkt::Accuracy::iterated, step, control)) break;
   }
 }

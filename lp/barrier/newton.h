@@ -26,7 +26,13 @@ class Newton {
         primal_(form.m, 0.0) {}
 
   cholesky::State prepare(const Point& at, const Regularization& regularization, Control& control);
-  void solve(const Blocks& wanted, Point& step, Control& control);
+  /* What a step may miss, relative: with more it is refined by the factor, with more than `poor` by Krylov steps. Directions
+   * that only tell where to aim, or which are corrections of another, need few digits. */
+  struct Precision {
+    double enough, poor;
+  };
+  static constexpr Precision kFull{1e-10, 1e-6}, kStep{1e-8, 1e-6}, kCorrection{1e-4, 1e-3}, kAim{1e-3, 1e-3};
+  void solve(const Blocks& wanted, const Precision& precision, Point& step, Control& control);
 
   static constexpr int kRefinements = 3;
   void set_refinements(int count) { refinements_ = count; }

@@ -32,6 +32,8 @@ struct Options {
   double tolerance = 1e-8;         // relative: complementarity and residuals
   double primal_tolerance = 1e-6;  // absolute: aimed at beyond the relative ones, where iterations reach it
   double dual_tolerance = 1e-6;
+  bool absolute =
+      true;  // false: the point is no answer yet, so none beyond the relative tolerance is aimed at
   std::int64_t iteration_limit = 2100000000;
   Algorithm algorithm = Algorithm::automatic;
   Start start = Start::estimate_zero_dual;

@@ -70,6 +70,32 @@ Steps longest_steps(const Form& form, const Point& at, const Point& step, double
   return {std::min(limit, pairs.primal.step), std::min(limit, pairs.dual.step)};
 }
 
+std::array<Steps, kWeights> longest_steps(const Form& form, const Point& at, const Point& step,
+                                          const Point& extra, const Weights& weights) {
+  Weights primal, dual;  // largest shares of a value that a whole step takes away
+  primal.fill(1);
+  dual.fill(1);
+  const auto look = [&weights](double value, double change, double more, Weights& largest) {
+    constexpr double kNoSmaller = 1e-300;  // its inverse is finite
+    const double share = -1 / std::max(value, kNoSmaller);
+    for (int k = 0; k < kWeights; ++k) {
+      const double taken = share * (change + weights[k] * more);
+      largest[k] = largest[k] > taken ? largest[k] : taken;
+    }
+  };
+  for (int j = 0; j < form.n; ++j) {
+    if (!form.has_lower[j]) continue;
+    look(at.x[j], step.x[j], extra.x[j], primal);
+    look(at.z[j], step.z[j], extra.z[j], dual);
+    if (!form.has_upper[j]) continue;
+    look(at.w[j], step.w[j], extra.w[j], primal);
+    look(at.v[j], step.v[j], extra.v[j], dual);
+  }
+  std::array<Steps, kWeights> steps;
+  for (int k = 0; k < kWeights; ++k) steps[k] = {1 / primal[k], 1 / dual[k]};
+  return steps;
+}
+
 Steps interior_steps(const Form& form, const Point& at, const Point& step) {
   constexpr double kTargetShare = 0.1;  // of the mean product at the boundary
   if (form.pairs == 0) return {};

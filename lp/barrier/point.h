@@ -7,6 +7,7 @@
  * Entries of z, w and v where there is no such bound are 0 and stay so. */
 #pragma once
 
+#include <array>
 #include <vector>
 
 #include "lp/barrier/form.h"
@@ -55,6 +56,12 @@ struct Steps {
 
 /* The longest steps, at most 1 (or `limit`), that leave all pairs nonnegative. */
 Steps longest_steps(const Form& form, const Point& at, const Point& step, double limit = 1);
+
+/* The same for step + weight * extra, by weight. */
+inline constexpr int kWeights = 8;
+using Weights = std::array<double, kWeights>;
+std::array<Steps, kWeights> longest_steps(const Form& form, const Point& at, const Point& step,
+                                          const Point& extra, const Weights& weights);
 
 /* Steps a little short of the boundary, such that the products of the blocking pairs stay near the rest (S. Mehrotra, On
  * the implementation of a primal-dual interior point method, 1992). */

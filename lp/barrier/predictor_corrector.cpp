@@ -23,11 +23,12 @@ constexpr double kUsable = 1e-3;  // what a direction may miss, relative
 constexpr double kGood = 1e-9;
 constexpr int kAttempts = 2;  // to find a better one at the same point
 constexpr int kRaises = 4;    // of the regularization, altogether
+constexpr int kReturns = 4;   // to the best point, from steps that lost it
 
 class PredictorCorrector {
  public:
   explicit PredictorCorrector(Session& session)
-      : session_(session), form_(session.form), missing_(form_), step_(form_), trial_(form_), extra_(form_) {}
+      : session_(session), form_(session.form), missing_(form_), step_(form_), extra_(form_) {}
 
   void run() {
     session_.begin();
@@ -44,9 +45,13 @@ class PredictorCorrector {
  private:
   /* Looks at the point, logs it, and tells whether the call ends here. */
   bool is_over() {
-    measure_residuals(form_, at_, 1, missing_);
-    mean_ = form_.pairs > 0 ? sum_of_products(at_) / form_.pairs : 0;
-    const Quality quality = session_.measure(at_, missing_, 1);
+    Quality quality = measure();
+    if (session_.is_lost(quality) && ++lost_ <= kReturns) {
+      at_ = session_.best();
+      raise_regularization();
+      too_short_ = true;
+      quality = measure();
+    }
     session_.log(quality, mean_, {});
     least_mean_ = least_useful_mean(quality);
     waited_ = session_.keep_if_better(at_, 1, quality, mean_) ? 0 : waited_ + 1;
@@ -56,6 +61,12 @@ class PredictorCorrector {
     if (detects_unbounded_face(quality) || session_.must_stop()) return true;
     if (std::isfinite(quality.worst()) && std::isfinite(mean_) && waited_ < kPatience) return false;
     return !climb();
+  }
+
+  Quality measure() {
+    measure_residuals(form_, at_, 1, missing_);
+    mean_ = form_.pairs > 0 ? sum_of_products(at_) / form_.pairs : 0;
+    return session_.measure(at_, missing_, 1);
   }
 
   /* Products smaller than that gain nothing, and cost the digits of the next systems. */
@@ -82,13 +93,16 @@ class PredictorCorrector {
       session_.end(Ending::no_progress);
       return false;
     }
-    if (raised_ < kRaises) {
-      session_.regularization.multiply(kMoreRegularization);
-      ++raised_;
-    }
+    raise_regularization();
     session_.newton.set_refinements(kMoreRefinements);
     too_short_ = true;
     return true;
+  }
+
+  void raise_regularization() {
+    if (raised_ == kRaises) return;
+    session_.regularization.multiply(kMoreRegularization);
+    ++raised_;
   }
 
   /* A direction that misses much is found anew with more regularization; false when the call is over. */
@@ -104,15 +118,14 @@ class PredictorCorrector {
         --raised_;
       }
       if (trust < kUsable || attempt == kAttempts || raised_ == kRaises) return true;
-      session_.regularization.multiply(kMoreRegularization);
-      ++raised_;
+      raise_regularization();
       measure_residuals(form_, at_, 1, missing_);
     }
   }
 
   void find_direction() {
     set_targets(0);
-    session_.newton.solve(missing_, step_, session_.control);
+    session_.newton.solve(missing_, form_.pairs > 0 ? Newton::kAim : Newton::kStep, step_, session_.control);
     const Steps longest = longest_steps(form_, at_, step_);
     if (form_.pairs == 0) return;
     const double reached = sum_of_products(form_, at_, step_, longest.primal, longest.dual) / form_.pairs;
@@ -121,7 +134,7 @@ class PredictorCorrector {
     if (too_short_) centring = std::max(centring, kCentring);
     const double target = std::max(centring * mean_, least_mean_);
     set_second_order_targets(target);
-    session_.newton.solve(missing_, step_, session_.control);
+    session_.newton.solve(missing_, Newton::kStep, step_, session_.control);
     correct(target);
   }
 
@@ -150,7 +163,7 @@ class PredictorCorrector {
       if (now.primal > kLongEnough && now.dual > kLongEnough) break;
       const Steps goal{std::min(1.0, now.primal + kLonger), std::min(1.0, now.dual + kLonger)};
       outliers += set_outliers(target, goal, wanted);
-      session_.newton.solve(wanted, extra_, session_.control);
+      session_.newton.solve(wanted, Newton::kCorrection, extra_, session_.control);
       if (!take_best_weight(now)) break;
     }
     if (done > 0 && session_.observer != nullptr)
@@ -183,22 +196,20 @@ class PredictorCorrector {
 
   /* Adds as much of the correction to either side as lengthens its step most; false where none does. */
   bool take_best_weight(const Steps& now) {
-    constexpr int kWeights = 9;
     const double least = now.primal * now.dual;
+    Weights weights;
+    for (int k = 0; k < kWeights; ++k) weights[k] = least + (1 - least) * k / (kWeights - 1);
+    const std::array<Steps, kWeights> steps = longest_steps(form_, at_, step_, extra_, weights);
     Steps best = now;
     double primal_weight = 0, dual_weight = 0;
     for (int k = 0; k < kWeights; ++k) {
-      const double weight = least + (1 - least) * k / (kWeights - 1);
-      trial_ = step_;
-      add(form_, weight, extra_, trial_);
-      const Steps steps = longest_steps(form_, at_, trial_);
-      if (steps.primal > best.primal) {
-        best.primal = steps.primal;
-        primal_weight = weight;
+      if (steps[k].primal > best.primal) {
+        best.primal = steps[k].primal;
+        primal_weight = weights[k];
       }
-      if (steps.dual > best.dual) {
-        best.dual = steps.dual;
-        dual_weight = weight;
+      if (steps[k].dual > best.dual) {
+        best.dual = steps[k].dual;
+        dual_weight = weights[k];
       }
     }
     if (best.primal < now.primal + kGain && best.dual < now.dual + kGain) return false;
@@ -216,11 +227,11 @@ class PredictorCorrector {
   const Form& form_;
   Point at_;
   Blocks missing_;
-  Point step_, trial_, extra_;
+  Point step_, extra_;
   double mean_ = 0;        // of the products
   double least_mean_ = 0;  // no target is smaller
   bool too_short_ = false;
-  int waited_ = 0, rung_ = 0, raised_ = 0;
+  int waited_ = 0, rung_ = 0, raised_ = 0, lost_ = 0;
 };
 
 }  // namespace

@@ -83,8 +83,12 @@ bool Session::settle(const Point& at, double tau, const Quality& quality, bool s
   constexpr int kMore = 8;  // iterations that may go on for the absolute tolerances
   constexpr int kWithoutGain = 3;
   const bool good = is_optimal(quality);
-  const bool near = !good && stands_still && is_within_tolerances(quality);
+  const bool near = !good && (stands_still || !options.absolute) && is_within_tolerances(quality);
   if (settling_ == 0 && !good && !near) return false;
+  if (!options.absolute) {
+    end(Ending::optimal);
+    return true;
+  }
   if (good || near) {
     Point scaled = at;
     for (double& v : scaled.x) v /= tau;
@@ -132,6 +136,12 @@ bool Session::keep_if_better(const Point& at, double tau, const Quality& quality
   result.at.dual_objective = quality.dual_objective;
   result.at.complementarity = mean_product;
   return true;
+}
+
+bool Session::is_lost(const Quality& quality) const {
+  constexpr double kNearlyOptimal = 1e-4, kMuchWorse = 1e3;
+  return has_best_ && result.worst_residual < kNearlyOptimal &&
+         !(quality.worst() <= kMuchWorse * std::max(result.worst_residual, options.tolerance));
 }
 
 namespace {

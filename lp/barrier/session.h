@@ -42,6 +42,10 @@ class Session : private ProgressSource {
   /* Remembers the point where it is clearly better than all before. True when it is. */
   bool keep_if_better(const Point& at, double tau, const Quality& quality, double mean_product);
 
+  /* Whether a step has thrown away what an earlier point, nearly optimal, had: then best() is where to go on. */
+  bool is_lost(const Quality& quality) const;
+  const Point& best() const { return best_; }
+
   /* Whether y proves infeasibility, x unboundedness; looked at only where the directions are nearly such. True: the call
    * is over. */
   bool try_farkas(const Point& at);

@@ -43,9 +43,12 @@ struct Cholesky::Inner {
   std::optional<Numeric> numeric;
   bool allocated = false;
 
+  std::optional<Elimination> elimination;  // the best so far, until it is analyzed
+
+  State preview(const Graph& graph, const Options& wishes, Control& control);
   State analyze(const Pattern& pattern, const Options& wishes, Control& control);
   State allocate();
-  std::optional<Elimination> order(const Graph& graph, Ordering wanted, Control& control);
+  bool order(const Graph& graph, Ordering ordering, Control& control);
 };
 
 State Cholesky::Inner::allocate() {
@@ -55,44 +58,47 @@ State Cholesky::Inner::allocate() {
   return state;
 }
 
-std::optional<Elimination> Cholesky::Inner::order(const Graph& graph, Ordering wanted, Control& control) {
-  std::optional<Elimination> best;
-  // False if the ordering was stopped.
-  auto offer = [&](Ordering ordering, const std::vector<int>& permutation) {
-    if (permutation.size() != static_cast<std::size_t>(graph.size)) return false;
-    Elimination made = eliminate(graph, permutation);
-    control.add_work(static_cast<std::uint64_t>(graph.start.back() + graph.size));
-    if (best && best->flops <= made.flops) return true;
-    best = std::move(made);
-    counts.used = ordering;
-    return true;
-  };
-  if ((wanted == Ordering::minimum_degree || wanted == Ordering::automatic) &&
-      !offer(Ordering::minimum_degree, minimum_degree_order(graph, control)))
-    return std::nullopt;
-  if (wanted == Ordering::minimum_fill && !offer(Ordering::minimum_fill, minimum_fill_order(graph, control)))
-    return std::nullopt;
-  if (wanted == Ordering::nested_dissection ||
-      (wanted == Ordering::automatic && dissection_may_pay(graph, *best)))
-    if (!offer(Ordering::nested_dissection, nested_dissection_order(graph, control))) return std::nullopt;
-  return best;
+/* Keeps the order if it needs less work than the one before; false if it was stopped. */
+bool Cholesky::Inner::order(const Graph& graph, Ordering ordering, Control& control) {
+  const std::vector<int> permutation =
+      ordering == Ordering::nested_dissection ? nested_dissection_order(graph, control)
+      : ordering == Ordering::minimum_fill    ? minimum_fill_order(graph, control)
+                                              : minimum_degree_order(graph, control);
+  if (permutation.size() != static_cast<std::size_t>(graph.size)) return false;
+  Elimination made = eliminate(graph, permutation);
+  control.add_work(static_cast<std::uint64_t>(graph.start.back() + graph.size));
+  if (elimination && elimination->flops <= made.flops) return true;
+  elimination = std::move(made);
+  counts.used = ordering;
+  counts.entries = elimination->entries;
+  counts.flops = elimination->flops;
+  return true;
 }
 
-State Cholesky::Inner::analyze(const Pattern& pattern, const Options& wishes, Control& control) {
+State Cholesky::Inner::preview(const Graph& graph, const Options& wishes, Control& control) {
   const auto begin = Clock::now();
   options = wishes;
   options.threads = std::max(1, options.threads);
-  counts.rows = pattern.size;
-  std::optional<Elimination> elimination;
+  counts.rows = graph.size;
+  const Ordering first =
+      options.ordering == Ordering::automatic ? Ordering::minimum_degree : options.ordering;
+  if (!order(graph, first, control)) return State::stopped;
+  counts.ordering_seconds += std::chrono::duration<double>(Clock::now() - begin).count();
+  return State::done;
+}
+
+State Cholesky::Inner::analyze(const Pattern& pattern, const Options& wishes, Control& control) {
   {
     const Graph graph = graph_of(pattern);
-    elimination = order(graph, options.ordering, control);
+    if (!elimination && preview(graph, wishes, control) != State::done) return State::stopped;
+    const auto begin = Clock::now();
+    if (options.ordering == Ordering::automatic && dissection_may_pay(graph, *elimination) &&
+        !order(graph, Ordering::nested_dissection, control))
+      return State::stopped;
+    counts.ordering_seconds += std::chrono::duration<double>(Clock::now() - begin).count();
   }
-  if (!elimination) return State::stopped;
-  counts.ordering_seconds = std::chrono::duration<double>(Clock::now() - begin).count();
-  counts.entries = elimination->entries;
-  counts.flops = elimination->flops;
   symbolic = make_symbolic(pattern, find_supernodes(*elimination, true));
+  elimination.reset();
   numeric.emplace(symbolic, options.threads, options.work_memory);
   counts.supernodes = symbolic.supernodes();
   counts.largest_front = symbolic.largest_front;
@@ -109,9 +115,18 @@ Cholesky::~Cholesky() = default;
 Cholesky::Cholesky(Cholesky&&) noexcept = default;
 Cholesky& Cholesky::operator=(Cholesky&&) noexcept = default;
 
-State Cholesky::analyze(const Pattern& pattern, const Options& options, Control& control) {
+State Cholesky::preview(const Pattern& pattern, const Options& options, Control& control) {
   try {
     inner_ = std::make_unique<Inner>();
+    return inner_->preview(graph_of(pattern), options, control);
+  } catch (const std::bad_alloc&) {
+    return State::out_of_memory;
+  }
+}
+
+State Cholesky::analyze(const Pattern& pattern, const Options& options, Control& control) {
+  try {
+    if (!inner_ || !inner_->elimination) inner_ = std::make_unique<Inner>();
     return inner_->analyze(pattern, options, control);
   } catch (const std::bad_alloc&) {
     return State::out_of_memory;

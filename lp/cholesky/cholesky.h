@@ -2,7 +2,7 @@
  * the caller knows its signs (all +1: K is positive definite; -1 and +1: K is strongly factorizable in any order, see
  * "Symmetric quasi-definite matrices", SIAM J. Optim. 5, 1995).
  *
- * Order   analyze() once for a pattern, then factorize() for any number of values, after each of them any number of solves.
+ * Order   analyze() once for a pattern (preview() before it, if wanted), then factorize() for any number of values, after each of them any number of solves.
  *         Each call begins anew: a factorize() that did not end with State::done leaves nothing to solve with.
  * Holds   the permutation, the structure of L by supernodes, and the numbers of the last factorization.
  * Method  multifrontal over the supernodal elimination tree; the dense work of a front is BLAS on the calling threads only.
@@ -88,6 +88,9 @@ class Cholesky {
   Cholesky(Cholesky&&) noexcept;
   Cholesky& operator=(Cholesky&&) noexcept;
 
+  /* Before analyze(), where several patterns are to be compared: entries and flops of counts() by the first ordering that
+   * the options have tried. analyze() of the same pattern with the same options goes on from there. */
+  [[nodiscard]] State preview(const Pattern& pattern, const Options& options, Control& control);
   [[nodiscard]] State analyze(const Pattern& pattern, const Options& options, Control& control);
   const Counts& counts() const;
   const Storage& storage() const;

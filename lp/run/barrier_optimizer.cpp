@@ -74,8 +74,7 @@ barrier::Options barrier_options(const Environment& env) {
 }
 
 barrier::Result run_interior_point(const Environment& env, const Problem& problem, const LpData& lp,
-                                   Control& control, BarrierCounts& counts) {
-  const barrier::Options options = barrier_options(env);
+                                   const barrier::Options& options, Control& control, BarrierCounts& counts) {
   BarrierLog log(env, problem, options);
   log.begin();
   const double begin = control.seconds();
@@ -150,7 +149,9 @@ Outcome BarrierOptimizer::optimize(const RunContext& context) {
   if (has_crossed_bounds(lp_)) {
     result.ending = barrier::Ending::no_progress;
   } else {
-    result = run_interior_point(context.env, context.problem, lp_, context.control, counts);
+    barrier::Options options = barrier_options(context.env);
+    options.absolute = false;  // that is the simplex's concern
+    result = run_interior_point(context.env, context.problem, lp_, options, context.control, counts);
   }
   failure_ = status_of(result.ending);
   if (!failure_.ok()) return Outcome::numerical_failure;

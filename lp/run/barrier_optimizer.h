@@ -17,7 +17,7 @@ barrier::Options barrier_options(const Environment& env);
 
 /* Runs the method on an LP without crossed bounds, with its log, and adds what it did to `counts`. */
 barrier::Result run_interior_point(const Environment& env, const Problem& problem, const LpData& lp,
-                                   Control& control, BarrierCounts& counts);
+                                   const barrier::Options& options, Control& control, BarrierCounts& counts);
 
 /* 1001 and the codes of temporary files: endings that are errors of the call. */
 Status status_of(barrier::Ending ending);

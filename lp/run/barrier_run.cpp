@@ -117,7 +117,7 @@ class BarrierRun {
                     : reduction.stop == Stop::tick_limit ? Ending::tick_limit
                                                          : Ending::user_abort;
     if (result.ending == Ending::optimal && !record_->all_removed())
-      result = run_interior_point(env_, problem_, reduction.lp, control_, counts_);
+      result = run_interior_point(env_, problem_, reduction.lp, options_, control_, counts_);
     return conclude_presolved(result);
   }
 
@@ -174,7 +174,7 @@ class BarrierRun {
   Status solve_original() {
     const LpData lp = record_ != nullptr ? record_->original : build_lp(*problem_.model);
     if (has_crossed_bounds(lp)) return run_simplex(env_, problem_, {Method::dual});
-    barrier::Result result = run_interior_point(env_, problem_, lp, control_, counts_);
+    barrier::Result result = run_interior_point(env_, problem_, lp, options_, control_, counts_);
     if (const Status status = status_of(result.ending); !status.ok()) return status;
     return conclude(lp, result, false);
   }
