@@ -11,7 +11,9 @@ namespace tovik::lp::barrier {
 namespace {
 
 void run_methods(Session& session) {
-  const auto stuck = [&session] { return session.result.ending == Ending::no_progress; };
+  const auto stuck = [&session] {
+    return session.result.ending == Ending::no_progress && !session.is_near_enough();
+  };
   const auto embed = [&session](bool from_estimate) {
     session.regularization = Regularization{};
     run_embedding(session, from_estimate);

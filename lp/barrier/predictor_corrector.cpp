@@ -15,6 +15,7 @@ constexpr double kLongEnough = 0.95;  // steps that are not corrected
 constexpr double kShort = 0.1;        // steps that call for centring
 constexpr double kCentring = 0.5;     // its target, share of the mean product
 constexpr int kPatience = 15;         // iterations without a better point until the next rung of the ladder
+constexpr int kLittlePatience = 4;    // ... where the best point would do
 constexpr int kStill = 2;             // iterations without a better point that are no accident
 constexpr int kRungs = 2;
 constexpr double kMoreRegularization = 100;
@@ -59,7 +60,8 @@ class PredictorCorrector {
     if (session_.try_farkas(at_) || session_.try_ray(at_, quality) || session_.beyond_range(quality))
       return true;
     if (detects_unbounded_face(quality) || session_.must_stop()) return true;
-    if (std::isfinite(quality.worst()) && std::isfinite(mean_) && waited_ < kPatience) return false;
+    const int patience = session_.is_near_enough() ? kLittlePatience : kPatience;
+    if (std::isfinite(quality.worst()) && std::isfinite(mean_) && waited_ < patience) return false;
     return !climb();
   }
 

@@ -138,6 +138,11 @@ bool Session::keep_if_better(const Point& at, double tau, const Quality& quality
   return true;
 }
 
+bool Session::is_near_enough() const {
+  constexpr double kNear = 1e-5;  // worst relative residual
+  return !options.absolute && has_best_ && result.worst_residual <= kNear;
+}
+
 bool Session::is_lost(const Quality& quality) const {
   constexpr double kNearlyOptimal = 1e-4, kMuchWorse = 1e3;
   return has_best_ && result.worst_residual < kNearlyOptimal &&

@@ -39,6 +39,9 @@ class Session : private ProgressSource {
    * True: the call is over. */
   bool settle(const Point& at, double tau, const Quality& quality, bool stands_still);
 
+  /* No answer is wanted but a point to cross over from, and the best one is near enough for that. */
+  bool is_near_enough() const;
+
   /* Remembers the point where it is clearly better than all before. True when it is. */
   bool keep_if_better(const Point& at, double tau, const Quality& quality, double mean_product);
 
