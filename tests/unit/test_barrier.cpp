@@ -239,7 +239,7 @@ TEST(Barrier, DirectionsMeetAllBlocksInEitherSystem) {
       Newton newton(form, kkt);
       ASSERT_EQ(newton.prepare(at, Regularization{}, control), cholesky::State::done);
       Point& step = steps[system == System::augmented];
-      newton.solve(wanted, step, control);
+      newton.solve(wanted, Newton::kFull, step, control);
       if (newton.trust() > 1e-9) continue;  // rows that depend on each other
       EXPECT_LT(largest_miss(form, at, wanted, step), 1e-7);
     }
@@ -293,6 +293,20 @@ TEST(Barrier, StepsLeaveEveryPairPositive) {
       EXPECT_GE(value + longest.primal * dvalue, -1e-12);
       EXPECT_GE(multiplier + longest.dual * dmultiplier, -1e-12);
     });
+    Point extra = step;  // a correction: the same blocks, other numbers
+    for (std::vector<double>* v : {&extra.x, &extra.z, &extra.w, &extra.v}) {
+      for (double& entry : *v) entry *= random.uniform(-2, 2);
+    }
+    Weights weights;
+    for (double& weight : weights) weight = random.uniform(0, 1);
+    const auto weighted = longest_steps(form, at, step, extra, weights);
+    for (int k = 0; k < kWeights; ++k) {
+      Point sum = step;
+      add(form, weights[k], extra, sum);
+      const Steps alone = longest_steps(form, at, sum);
+      EXPECT_NEAR(weighted[k].primal, alone.primal, 1e-12);
+      EXPECT_NEAR(weighted[k].dual, alone.dual, 1e-12);
+    }
   }
 }
 

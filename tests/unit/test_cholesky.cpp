@@ -259,6 +259,34 @@ TEST(Cholesky, CountsColumnsAsEliminationDoes) {
   }
 }
 
+/* The archive of OpenBLAS asks the environment which kernels it is to take, and is answered in lp/cholesky/blas_kernels. */
+extern "C" char* openblas_get_corename() __attribute__((weak));
+
+TEST(Cholesky, ProductsUseWhatTheProcessorCanDo) {
+#if defined(__x86_64__)
+  if (openblas_get_corename == nullptr) GTEST_SKIP() << "another BLAS";
+  if (!__builtin_cpu_supports("avx2") || !__builtin_cpu_supports("fma")) GTEST_SKIP() << "an old processor";
+  EXPECT_STRNE(openblas_get_corename(), "Prescott");
+#endif
+}
+
+TEST(Cholesky, PreviewCountsWhatAnalyzeGoesOnFrom) {
+  QuietControl control;
+  const Pattern pattern = pattern_of(grid(9, 9, 9));
+  for (const Ordering ordering : kOrderings) {
+    Options options;
+    options.ordering = ordering;
+    Cholesky previewed, direct;
+    ASSERT_EQ(previewed.preview(pattern, options, control), State::done);
+    const double first = previewed.counts().flops;
+    ASSERT_EQ(previewed.analyze(pattern, options, control), State::done);
+    ASSERT_EQ(direct.analyze(pattern, options, control), State::done);
+    EXPECT_LE(previewed.counts().flops, first);
+    EXPECT_EQ(previewed.counts().flops, direct.counts().flops);
+    EXPECT_EQ(previewed.counts().used, direct.counts().used);
+  }
+}
+
 TEST(Cholesky, OrderingsArePermutations) {
   Random random(4713);
   for (const NamedShape& named : kShapes) {
