@@ -41,6 +41,7 @@ EngineControl::EngineControl(Environment& env, Problem& problem, Numbers numbers
     : EngineLimits(env), problem_(problem), numbers_(numbers) {}
 
 Stop EngineControl::iteration_callback(const ProgressSource& now) {
+  if (is_stopped_) return Stop::user_abort;
   const auto& slot = env_.callbacks.lp;
   if (!slot) return Stop::none;
   const CallbackFrame frame(env_, &problem_, numbers_, now, problem_.model->objective_sense());
