@@ -113,6 +113,15 @@ bool is_stop(Outcome outcome) {
   return is_limit(outcome) && outcome != Outcome::iteration_limit;
 }
 
+void announce_winner(const Environment& env, const char* name) {
+  message(env.results_channel, "\n%s", name);
+  message(env.results_channel, " solved model.\n\n");
+}
+
+const char* simplex_name(bool primal) {
+  return primal ? "Primal simplex" : "Dual simplex";
+}
+
 /* Seconds and ticks that are left to the caller are left to the clone. */
 void hand_on_limits(const Environment& env, Environment& clone) {
   constexpr double kUnlimited = 1e75;
@@ -270,20 +279,17 @@ class ContestRun {
   }
 
   static const char* name_of(const Clone& clone) {
-    if (clone.algorithm.barrier != nullptr) return "\nBarrier";
-    return clone.optimizer->answer().method == Method::primal ? "\nPrimal simplex" : "\nDual simplex";
+    if (clone.algorithm.barrier != nullptr) return "Barrier";
+    return simplex_name(clone.optimizer->answer().method == Method::primal);
   }
 
   void finish(Contest& contest) {
     const int winner = std::max(0, line_.winner());
     Clone& first = clones_[static_cast<std::size_t>(winner)];
     env_.work->ticks = begin_ + first.control->work();
-    if (line_.winner() >= 0 && displays(env_)) {
-      for (const Clone& clone : clones_) {
-        Channel* const channel = clone.env->results_channel;
-        message(channel, name_of(first));
-        message(channel, " solved model.\n\n");
-      }
+    // A limit of the objective ends a run too, but the model is not solved.
+    if (line_.winner() >= 0 && first.outcome != Outcome::objective_limit && displays(env_)) {
+      for (const Clone& clone : clones_) announce_winner(*clone.env, name_of(first));
     }
     for (const Clone& clone : clones_) {
       const int failure = clone.optimizer == nullptr ? 0 : clone.optimizer->failure().code();
@@ -353,6 +359,9 @@ bool is_solved_at_once(Environment& env, Problem& problem, Method method, const 
   }
   env.limits.pop();
   env.limits.note_thread();
+  if (status.ok() && problem.status >= TVK_STATUS_OPTIMAL &&
+      problem.status <= TVK_STATUS_OPTIMAL_UNSCALED_INFEASIBLE && displays(env))
+    announce_winner(env, simplex_name(problem.solution->method == method_code::kPrimal));
   if (!status.ok() || problem.status != TVK_STATUS_TICK_LIMIT) return true;
   const LimitFrame* const frame = env.limits.top();
   return frame != nullptr && env.work->ticks >= frame->tick_deadline;

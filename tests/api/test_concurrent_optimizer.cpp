@@ -111,6 +111,24 @@ TEST_F(ConcurrentOptimizer, TellsWhatItDoesAndWhoHasWon) {
   set(TVK_PARAM_SIMDISPLAY, 0);
   ASSERT_EQ(TVKlpopt(env_, prob), 0);
   EXPECT_FALSE(told("Parallel mode"));
+  EXPECT_FALSE(told("solved model"));
+}
+
+TEST_F(ConcurrentOptimizer, OnlySolvedModelsAreToldSolved) {
+  set(TVK_PARAM_ADVIND, 0);
+  for (const int presolve : {0, 1}) {
+    set(TVK_PARAM_PREIND, presolve);
+    ProbHandle prob = load(support::assignment(12, TVK_MIN));
+    ASSERT_EQ(TVKsetdblparam(env_, TVK_PARAM_OBJULIM, 0), 0);
+    ASSERT_EQ(TVKlpopt(env_, prob), 0);
+    EXPECT_EQ(TVKgetstat(env_, prob), TVK_STATUS_OBJECTIVE_LIMIT);
+    EXPECT_FALSE(told("solved model"));
+    ASSERT_EQ(TVKsetdblparam(env_, TVK_PARAM_OBJULIM, 1e75), 0);
+    ASSERT_EQ(TVKlpopt(env_, prob), 0);
+    EXPECT_EQ(TVKgetstat(env_, prob), TVK_STATUS_OPTIMAL);
+    EXPECT_TRUE(told("\nDual simplex solved model.\n\n"));
+    log();
+  }
 }
 
 TEST_F(ConcurrentOptimizer, ClonesLogToFilesOfTheirOwn) {
