@@ -173,7 +173,7 @@ class BarrierRun {
 
   Status solve_original() {
     const LpData lp = record_ != nullptr ? record_->original : build_lp(*problem_.model);
-    if (has_crossed_bounds(lp)) return run_simplex(env_, problem_, {Method::dual});
+    if (has_crossed_bounds(lp)) return as_point(run_simplex(env_, problem_, {Method::dual}));
     barrier::Result result = run_interior_point(env_, problem_, lp, options_, control_, counts_);
     if (const Status status = status_of(result.ending); !status.ok()) return status;
     return conclude(lp, result, false);
@@ -228,10 +228,11 @@ class BarrierRun {
   }
 
   /* No point was good enough: a vertex is, and stands here as a point like another. */
-  Status settle_by_vertex() {
-    const Status status = cross_over(env_, problem_, Method::primal, counts_);
-    if (!status.ok()) return status;
-    if (problem_.solution == nullptr) return {};
+  Status settle_by_vertex() { return as_point(cross_over(env_, problem_, Method::primal, counts_)); }
+
+  /* What a run by the simplex has left. */
+  Status as_point(Status status) {
+    if (!status.ok() || problem_.solution == nullptr) return status;
     drop_basis();
     problem_.solution->method = method_code::kBarrier;
     return {};

@@ -61,7 +61,7 @@ void store_counts(const BarrierCounts& counts, Problem& problem) {
   if (problem.solution == nullptr) return;
   Solution& solution = *problem.solution;
   solution.barrier_iterations = counts.iterations;
-  if (counts.iterations > 0) solution.method = method_code::kBarrier;
+  if (counts.ran()) solution.method = method_code::kBarrier;
   solution.crossover_primal_pushes = counts.crossover.primal_pushes;
   solution.crossover_primal_exchanges = counts.crossover.primal_exchanges;
   solution.crossover_dual_pushes = counts.crossover.dual_pushes;
