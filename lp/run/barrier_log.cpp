@@ -5,6 +5,7 @@
 #include "env/channel.h"
 #include "include/tovik.h"
 #include "lp/run/barrier_optimizer.h"
+#include "lp/run/numbers.h"
 #include "model/store/model.h"
 
 namespace tovik::lp::run {
@@ -95,7 +96,7 @@ void BarrierLog::iteration(const barrier::Iteration& now) {
   if (display_ == 0) return;
   if (!has_heading_ || heading_has_ratio_ != now.has_ratio) heading(now.has_ratio);
   const int number = static_cast<int>(now.number);
-  const double primal = sense_ * now.primal_objective, dual = sense_ * now.dual_objective;
+  const double primal = times(sense_, now.primal_objective), dual = times(sense_, now.dual_objective);
   if (with_complementarity_) {
     message(env_.results_channel, " %3d %15.7e %15.7e %9.2e %9.2e %9.2e\n", number, primal, dual,
             std::max(now.primal_infeasibility, now.upper_infeasibility), now.dual_infeasibility,

@@ -1,7 +1,6 @@
 #include "lp/run/barrier_optimizer.h"
 
 #include <algorithm>
-#include <cmath>
 
 #include "env/channel.h"
 #include "include/tovik.h"
@@ -9,6 +8,7 @@
 #include "lp/barrier/basis_guess.h"
 #include "lp/run/barrier_log.h"
 #include "lp/run/crossover_run.h"
+#include "lp/run/numbers.h"
 #include "lp/run/simplex_optimizer.h"
 #include "lp/verify/point.h"
 #include "param/hidden.h"
@@ -19,11 +19,6 @@ namespace {
 /* Largest relative residual of a point from which pushes lead near an optimum; from others a guessed basis is as good and
  * comes cheaper. */
 constexpr double kNearEnough = 1e-4;
-
-/* What is no number steers nothing. */
-double number_or(double value, double otherwise) {
-  return std::isnan(value) ? otherwise : value;
-}
 
 int barrier_threads(const Environment& env) {
   const int wanted = env.settings.integer(param::kBarrierThreads);

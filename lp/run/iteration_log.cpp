@@ -5,6 +5,7 @@
 #include <string>
 
 #include "env/channel.h"
+#include "lp/run/numbers.h"
 #include "lp/simplex/core.h"
 #include "lp/simplex/progress.h"
 #include "model/store/model.h"
@@ -92,7 +93,7 @@ void IterationLog::brief(const simplex::Core& core, const simplex::IterationEven
   const int number = static_cast<int>(count);
   if (phase == 2) {
     message(env_.results_channel, "Iteration: %5d    Objective     = %20.6f\n", number,
-            problem_.model->objective_sense() * event.objective);
+            times(problem_.model->objective_sense(), event.objective));
   } else {
     message(
         env_.results_channel,
@@ -128,7 +129,7 @@ void IterationLog::detailed(const simplex::Core& core, const simplex::IterationE
                 static_cast<int>(count));
   std::string line = buffer;
   const double shown = event.phase1 ? phase1_infeasibility(core, event.dual)
-                                    : problem_.model->objective_sense() * event.objective;
+                                    : times(problem_.model->objective_sense(), event.objective);
   std::snprintf(buffer, sizeof buffer, std::fabs(shown) < kWideObjective ? "%20.6f" : "%20.6e", shown);
   line += buffer;
   line += variable(core, event.entering, true);

@@ -2,6 +2,7 @@
 
 #include "env/channel.h"
 #include "include/tovik.h"
+#include "lp/run/numbers.h"
 
 namespace tovik::lp::run {
 namespace {
@@ -26,10 +27,10 @@ void NetworkLog::report(const network::FlowProgress& now) {
   const int count = static_cast<int>(now.iterations);
   if (now.phase1) {
     message(env_.results_channel, "Iteration:%6d   Infeasibility     = %20.6f (%g)\n", count,
-            now.infeasibility, sense_ * (display_ == 1 ? now.objective : now.penalized));
+            now.infeasibility, times(sense_, display_ == 1 ? now.objective : now.penalized));
   } else {
     message(env_.results_channel, "Iteration:%6d   Objective         = %20.6f\n", count,
-            sense_ * now.objective);
+            times(sense_, now.objective));
   }
   control_.flush();
 }
@@ -37,8 +38,8 @@ void NetworkLog::report(const network::FlowProgress& now) {
 network::FlowOptions flow_options(const Environment& env, int arcs, int display) {
   using network::FlowPricing;
   network::FlowOptions options;
-  options.optimality = env.settings.real(TVK_PARAM_NETEPOPT);
-  options.feasibility = env.settings.real(TVK_PARAM_NETEPRHS);
+  options.optimality = number_or(env.settings.real(TVK_PARAM_NETEPOPT), options.optimality);
+  options.feasibility = number_or(env.settings.real(TVK_PARAM_NETEPRHS), options.feasibility);
   options.iteration_limit = env.settings.integer(TVK_PARAM_NETITLIM);
   const int rule = env.settings.integer(TVK_PARAM_NETPPRIIND);
   options.pricing = rule == 2   ? FlowPricing::candidate_list

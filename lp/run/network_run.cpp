@@ -16,6 +16,7 @@
 #include "lp/binding/engine_control.h"
 #include "lp/network/solve.h"
 #include "lp/run/network_log.h"
+#include "lp/run/numbers.h"
 #include "lp/run/simplex_run.h"
 #include "model/network/network.h"
 #include "model/routines/check.h"
@@ -64,10 +65,6 @@ network::FlowBasis start_basis(const Environment& env, const NetworkProblem& pro
   for (const int code : problem.arc_status) basis.arcs.push_back(static_cast<BasisStatus>(code));
   for (const int code : problem.node_status) basis.nodes.push_back(static_cast<BasisStatus>(code));
   return basis;
-}
-
-double times(double sign, double value) {
-  return value == 0 ? 0 : sign * value;
 }
 
 void store(const model::Network& network, network::FlowAnswer&& answer, NetworkProblem& problem) {

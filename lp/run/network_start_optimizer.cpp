@@ -5,6 +5,7 @@
 #include "lp/network/extraction.h"
 #include "lp/network/solve.h"
 #include "lp/run/network_log.h"
+#include "lp/run/numbers.h"
 #include "lp/run/simplex_optimizer.h"
 #include "lp/run/user_point.h"
 #include "model/store/model.h"
@@ -39,7 +40,7 @@ void report(const Environment& env, const network::FlowAnswer& answer, double se
   if (answer.infeasibility > 0) {
     message(channel, "Infeasibility = %19.10e\n", answer.infeasibility);
   } else {
-    message(channel, "Objective = %19.10e\n", sense * answer.objective);
+    message(channel, "Objective = %19.10e\n", times(sense, answer.objective));
   }
   message(channel, "Network time = %7.2f sec.  Iterations = %d (%d)\n", seconds,
           static_cast<int>(answer.iterations), static_cast<int>(answer.phase1_iterations));

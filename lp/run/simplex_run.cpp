@@ -8,6 +8,7 @@
 #include "include/tovik.h"
 #include "lp/binding/engine_control.h"
 #include "lp/run/iteration_log.h"
+#include "lp/run/numbers.h"
 #include "lp/run/simplex_optimizer.h"
 #include "lp/run/unsettled.h"
 #include "lp/run/warm_simplex.h"
@@ -25,11 +26,6 @@ int start_code(BasisStatus at) {
 int row_start_code(BasisStatus at, char sense) {
   if (at == BasisStatus::basic || sense == 'R') return start_code(at);
   return start_code(BasisStatus::lower);
-}
-
-/* The user's signs; never -0. */
-double times(double sign, double value) {
-  return value == 0 ? 0 : sign * value;
 }
 
 }  // namespace

@@ -75,6 +75,25 @@ TEST_F(Barrier, WithoutCrossoverThereIsASolutionOfItsOwnType) {
   }
 }
 
+TEST_F(Barrier, CrossedBoundsLeaveNoBasisEither) {
+  for (const double distance : {1.0, 1e-8}) {
+    Lp model = assignment(3, TVK_MIN);
+    model.lb[2] = 1;
+    model.ub[2] = 1 - distance;
+    for (const int presolve : {0, 1}) {
+      set(TVK_PARAM_PREIND, presolve);
+      ProbHandle lp = load(model);
+      ASSERT_EQ(TVKbaropt(env_, lp), 0);
+      EXPECT_EQ(TVKgetstat(env_, lp), distance == 1 ? TVK_STATUS_INFEASIBLE : TVK_STATUS_OPTIMAL);
+      int method = 0, type = 0;
+      EXPECT_EQ(TVKsolninfo(env_, lp, &method, &type, nullptr, nullptr), 0);
+      EXPECT_EQ(method, 4);
+      EXPECT_EQ(type, 2);
+      EXPECT_EQ(TVKgetbase(env_, lp, nullptr, nullptr), TVK_ERROR_NO_BASIS);
+    }
+  }
+}
+
 TEST_F(Barrier, CrossoverIsChosenByArgumentAndParameter) {
   const Lp model = assignment(7, TVK_MIN);
   struct {
@@ -171,6 +190,19 @@ TEST_F(Barrier, StopsWhenItIsTold) {
   ASSERT_EQ(TVKsetdblparam(env_, TVK_PARAM_TILIM, 0), 0);
   EXPECT_EQ(TVKbaropt(env_, lp), 0);
   EXPECT_EQ(TVKgetstat(env_, lp), TVK_STATUS_TIME_LIMIT);
+  set(TVK_PARAM_PREIND, 0);
+  ASSERT_EQ(TVKhybbaropt(env_, lp, 'p'), 0);
+  EXPECT_EQ(TVKgetmethod(env_, lp), 4) << "before the first iteration too";
+}
+
+TEST_F(Barrier, ZeroObjectivesHaveNoSign) {
+  Lp model = assignment(3, TVK_MAX);
+  model.obj.assign(model.obj.size(), 0.0);
+  ProbHandle lp = load(model);
+  set(TVK_PARAM_PREIND, 0);
+  const std::string text = said([&] { EXPECT_EQ(TVKbaropt(env_, lp), 0); });
+  EXPECT_NE(text.find(" 0.0000000e+00"), std::string::npos) << text;
+  EXPECT_EQ(text.find("-0.0000000e+00"), std::string::npos) << text;
 }
 
 /* What an LP callback hears of an optimization, and when it stops it. */

@@ -211,4 +211,18 @@ TEST_F(NetworkOptimize, PricingRulesAgree) {
   }
 }
 
+TEST_F(NetworkOptimize, TolerancesThatAreNoNumbersSteerNothing) {
+  ASSERT_EQ(TVKsetintparam(env_, TVK_PARAM_ADVIND, 0), 0);
+  ASSERT_EQ(support::copy(env_, net_, transportation(10)), 0);
+  ASSERT_EQ(TVKNETprimopt(env_, net_), 0);
+  const double expected = objective();
+  for (const int tolerance : {TVK_PARAM_NETEPOPT, TVK_PARAM_NETEPRHS}) {
+    ASSERT_EQ(TVKsetdblparam(env_, tolerance, NAN), 0);
+    ASSERT_EQ(TVKNETprimopt(env_, net_), 0);
+    EXPECT_EQ(TVKNETgetstat(env_, net_), TVK_STATUS_OPTIMAL);
+    EXPECT_EQ(objective(), expected);
+    ASSERT_EQ(TVKsetdblparam(env_, tolerance, 1e-6), 0);
+  }
+}
+
 }  // namespace
