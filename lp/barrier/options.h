@@ -97,11 +97,12 @@ class Observer {
 
 struct Result {
   Ending ending = Ending::no_progress;
-  bool has_point = false;      // x, y are set: the best iterate, within its column bounds
-  std::vector<double> x, y;    // columns; rows
-  Iteration at;                // of that point
-  double worst_residual = 0;   // its largest relative residual or gap
-  std::vector<double> farkas;  // by row: maximum over the box of y'Ax below what the rows demand
+  bool has_point = false;         // x, y are set: the best iterate, within its column bounds
+  std::vector<double> x, y;       // columns; rows
+  Iteration at;                   // of that point
+  double worst_residual = 0;      // its largest relative residual or gap
+  double gap_without_offset = 0;  // of an optimal point: relative to the objective without its constant part
+  std::vector<double> farkas;     // by row: maximum over the box of y'Ax below what the rows demand
   double farkas_gap = 0;
   std::vector<double> ray;  // by column
   std::int64_t iterations = 0;

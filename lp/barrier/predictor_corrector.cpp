@@ -74,8 +74,8 @@ class PredictorCorrector {
   /* Products smaller than that gain nothing, and cost the digits of the next systems. */
   double least_useful_mean(const Quality& quality) const {
     constexpr double kShare = 1e-6;  // of the gap that is allowed
-    const double size = 1 + std::fabs(quality.primal_objective);
-    return kShare * session_.options.tolerance * size / (form_.objective_unit * std::max(1, form_.pairs));
+    return kShare * session_.options.tolerance * quality.objective_size /
+           (form_.objective_unit * std::max(1, form_.pairs));
   }
 
   /* Nearly optimal, and still the point grows. */

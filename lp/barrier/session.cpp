@@ -55,12 +55,19 @@ Quality Session::measure(const Point& at, const Blocks& missing, double tau) con
   q.primal = largest_scaled(missing.primal, form.residual_unit) / tau;
   q.upper = largest_scaled(missing.upper, form.value_unit) / tau;
   q.dual = largest_scaled(missing.dual, form.cost_unit) / tau;
-  q.primal_objective = form.objective_unit * primal_value(form, at) / tau + form.offset;
-  q.dual_objective = form.objective_unit * dual_value(form, at) / tau + form.offset;
+  const double primal = form.objective_unit * primal_value(form, at) / tau;
+  const double dual = form.objective_unit * dual_value(form, at) / tau;
+  q.primal_objective = primal + form.offset;
+  q.dual_objective = dual + form.offset;
   q.relative_primal = std::max(q.primal, q.upper) / (1 + form.largest_side);
   q.relative_dual = q.dual / (1 + form.largest_cost);
-  q.gap = std::fabs(q.primal_objective - q.dual_objective) /
-          (1 + 0.5 * std::fabs(q.primal_objective + q.dual_objective));
+  // A large constant makes any gap relatively small: it counts up to a share only.
+  constexpr double kMostByOffset = 1e3;
+  const double varying = 1 + 0.5 * std::fabs(primal + dual);
+  const double whole = 1 + 0.5 * std::fabs(q.primal_objective + q.dual_objective);
+  q.gap = std::fabs(primal - dual) / std::min(whole, kMostByOffset * varying);
+  q.objective_size = std::min(1 + std::fabs(q.primal_objective), kMostByOffset * (1 + std::fabs(primal)));
+  q.gap_without_offset = std::fabs(primal - dual) / varying;
   return q;
 }
 
@@ -111,6 +118,7 @@ bool Session::settle(const Point& at, double tau, const Quality& quality, bool s
       best_tau_ = tau;
       has_best_ = true;
       result.worst_residual = quality.worst();
+      result.gap_without_offset = quality.gap_without_offset;
       result.at.primal_objective = quality.primal_objective;
       result.at.dual_objective = quality.dual_objective;
     }

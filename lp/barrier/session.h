@@ -17,6 +17,8 @@ struct Quality {
   double primal = 0, upper = 0, dual = 0;  // largest residuals
   double primal_objective = 0, dual_objective = 0;
   double relative_primal = 0, relative_dual = 0, gap = 0;  // what is compared with the tolerance
+  double gap_without_offset = 0;                           // relative to what of the objective can vary
+  double objective_size = 1;  // of the point: what its gap is compared with when that is small
   double worst() const { return std::max({relative_primal, relative_dual, gap}); }
 };
 

@@ -116,8 +116,13 @@ void BarrierLog::corrections(std::int64_t iteration, int count, std::int64_t pai
           static_cast<int>(iteration), count, static_cast<int>(pairs));
 }
 
-void BarrierLog::end(barrier::Ending ending, double seconds) {
+void BarrierLog::end(const barrier::Result& result, double seconds) {
   using barrier::Ending;
+  constexpr double kClearly = 10;  // times the tolerance
+  const Ending ending = result.ending;
+  if (ending == Ending::optimal && result.gap_without_offset > kClearly * options_.tolerance)
+    message(env_.warning_channel,
+            "\nWarning:  Barrier optimality criterion affected by large objective shift.\n");
   if (ending == Ending::no_progress)
     message(env_.warning_channel, with_complementarity_ ? "Numerical difficulties encountered.\n"
                                                         : "Numerical difficulties in barrier algorithm.\n");

@@ -18,7 +18,7 @@ class BarrierLog : public barrier::Observer {
   void iteration(const barrier::Iteration& now) override;
   void corrections(std::int64_t iteration, int count, std::int64_t pairs) override;
   /* The ending, and the time since begin(). */
-  void end(barrier::Ending ending, double seconds);
+  void end(const barrier::Result& result, double seconds);
 
  private:
   void heading(bool with_ratio);

@@ -76,7 +76,7 @@ barrier::Result run_interior_point(const Environment& env, const Problem& proble
   const std::uint64_t work_begin = env.work->ticks;
   barrier::Result result = barrier::solve(lp, options, control, &log);
   const double seconds = control.seconds() - begin;
-  log.end(result.ending, seconds);
+  log.end(result, seconds);
   counts.iterations += static_cast<int>(result.iterations);
   counts.factorizations += result.factorizations;
   counts.solves += result.solves;

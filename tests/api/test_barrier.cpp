@@ -195,6 +195,45 @@ TEST_F(Barrier, StopsWhenItIsTold) {
   EXPECT_EQ(TVKgetmethod(env_, lp), 4) << "before the first iteration too";
 }
 
+TEST_F(Barrier, LargeConstantsDoNotPassForAccuracy) {
+  const Lp model = assignment(9, TVK_MIN);
+  ProbHandle lp = load(model), other = load(model);
+  ASSERT_EQ(TVKdualopt(env_, other), 0);
+  const double optimum = objective(other);
+  for (const int algorithm : {0, 1, 2, 3}) {
+    set(TVK_PARAM_BARALG, algorithm);
+    for (const double offset : {0.0, 1e9, -1e12}) {
+      SCOPED_TRACE(offset);
+      ASSERT_EQ(TVKchgobjoffset(env_, lp, offset), 0);
+      ASSERT_EQ(TVKbaropt(env_, lp), 0);
+      EXPECT_EQ(TVKgetstat(env_, lp), TVK_STATUS_OPTIMAL);
+      EXPECT_LE(TVKgetbaritcnt(env_, lp), 30);
+      double found = 0;
+      std::vector<double> x(model.obj.size());
+      ASSERT_EQ(TVKgetx(env_, lp, x.data(), 0, model.columns - 1), 0);
+      for (std::size_t j = 0; j < x.size(); ++j) found += model.obj[j] * x[j];
+      EXPECT_NEAR(found, optimum, 1e-4 * std::fabs(optimum));
+      EXPECT_EQ(warnings(), "");
+    }
+  }
+  // Where little accuracy is asked for, they may.
+  set(TVK_PARAM_BARALG, 0);
+  int warned = 0;
+  for (int size = 4; size < 20; ++size) {
+    ProbHandle prob = load(assignment(size, TVK_MIN));
+    ASSERT_EQ(TVKchgobjoffset(env_, prob, 1e12), 0);
+    for (double tolerance = 1e-2; tolerance > 1e-9; tolerance /= 2) {
+      ASSERT_EQ(TVKsetdblparam(env_, TVK_PARAM_BAREPCOMP, tolerance), 0);
+      ASSERT_EQ(TVKbaropt(env_, prob), 0);
+      const std::string warning = warnings();
+      if (warning.empty()) continue;
+      EXPECT_EQ(warning, "\nWarning:  Barrier optimality criterion affected by large objective shift.\n");
+      ++warned;
+    }
+  }
+  EXPECT_GT(warned, 0);
+}
+
 TEST_F(Barrier, ZeroObjectivesHaveNoSign) {
   Lp model = assignment(3, TVK_MAX);
   model.obj.assign(model.obj.size(), 0.0);
