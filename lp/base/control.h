@@ -17,7 +17,7 @@ class Control {
   virtual void add_work(std::uint64_t ticks) = 0;
   virtual double seconds() = 0;   // since the start of the call
   virtual Stop poll() = 0;        // terminate flag and deterministic limit: cheap, each iteration
-  virtual Stop poll_clock() = 0;  // also reads the clock
+  virtual Stop poll_clock() = 0;  // terminate flag and clock
   virtual Stop iteration_callback(const ProgressSource& now) = 0;  // the LP callback, once per iteration
 };
 

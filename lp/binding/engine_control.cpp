@@ -22,14 +22,19 @@ double EngineLimits::seconds() {
   return clock_seconds(env_) - start_;
 }
 
+bool EngineLimits::is_flagged() const {
+  return env_.callbacks.terminate != nullptr && *env_.callbacks.terminate != 0;
+}
+
 Stop EngineLimits::poll() {
-  if (env_.callbacks.terminate != nullptr && *env_.callbacks.terminate != 0) return Stop::user_abort;
+  if (is_flagged()) return Stop::user_abort;
   const LimitFrame* frame = env_.limits.top();
   if (frame != nullptr && env_.work->ticks >= frame->tick_deadline) return Stop::tick_limit;
   return Stop::none;
 }
 
 Stop EngineLimits::poll_clock() {
+  if (is_flagged()) return Stop::user_abort;
   if (env_.terminate_function != nullptr && env_.terminate_function() != 0) return Stop::user_abort;
   const LimitFrame* frame = env_.limits.top();
   if (frame != nullptr && frame->deadline < 1e75 && clock_seconds(env_) >= frame->deadline)

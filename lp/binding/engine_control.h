@@ -24,6 +24,8 @@ class EngineLimits : public Control {
   Environment& env_;
 
  private:
+  bool is_flagged() const;
+
   double start_;
 };
 

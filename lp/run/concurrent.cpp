@@ -70,6 +70,7 @@ class CloneControl : public EngineControl {
     if (start_others_ && work() >= head_start_) std::exchange(start_others_, nullptr)();
     return is_beaten() ? Stop::user_abort : EngineControl::poll();
   }
+  Stop poll_clock() override { return is_beaten() ? Stop::user_abort : EngineControl::poll_clock(); }
   /* `start` is called once, from the clone's thread, when so much work is done. */
   void after(std::uint64_t ticks, std::function<void()> start) {
     head_start_ = ticks;

@@ -244,6 +244,29 @@ TEST_F(Barrier, ZeroObjectivesHaveNoSign) {
   EXPECT_EQ(text.find("-0.0000000e+00"), std::string::npos) << text;
 }
 
+/* Raises the flag when a line is told. */
+struct Flag {
+  static void raise(void* handle, const char* text) {
+    auto& flag = *static_cast<Flag*>(handle);
+    flag.text += text;
+    if (flag.text.find("Looking for dense columns") != std::string::npos) flag.up = 1;
+  }
+  std::string text;
+  volatile int up = 0;
+};
+
+TEST_F(Barrier, TheFlagIsLookedAtBeforeTheFirstFactorizationEnds) {
+  Flag flag;
+  ProbHandle lp = load(assignment(20, TVK_MIN));
+  ASSERT_EQ(TVKsetterminate(env_, &flag.up), 0);
+  ASSERT_EQ(TVKaddfuncdest(env_, results_, &flag, Flag::raise), 0);
+  EXPECT_EQ(TVKbaropt(env_, lp), 0);
+  ASSERT_EQ(TVKdelfuncdest(env_, results_, &flag, Flag::raise), 0);
+  ASSERT_EQ(TVKsetterminate(env_, nullptr), 0);
+  EXPECT_EQ(TVKgetstat(env_, lp), TVK_STATUS_USER_ABORT);
+  EXPECT_EQ(flag.text.find("Itn"), std::string::npos) << flag.text;
+}
+
 /* What an LP callback hears of an optimization, and when it stops it. */
 struct Heard {
   static int listen(ConstEnvHandle env, void* cbdata, int wherefrom, void* handle) {
