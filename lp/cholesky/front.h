@@ -22,7 +22,7 @@ struct Workspace {
   double smallest_pivot = 0, largest_pivot = 0;  // 0: none yet
 };
 
-inline constexpr int kTile = 128;  // most columns of one product
+inline constexpr int kTile = 256;  // most columns of one product
 
 class FrontElimination {
  public:
