@@ -9,7 +9,7 @@ namespace tovik {
 namespace {
 
 enum Dropped : unsigned {
-  kStatus = 1u << 0,        // the solution status becomes 0: queries find no solution
+  kStatus = 1u << 0,        // the solution status becomes 0: queries find no solution; the pool goes
   kWorking = 1u << 1,       // working problem, after its solution was carried back
   kSecond = 1u << 2,        // second nested problem
   kPresolve = 1u << 3,      // presolved copy
@@ -92,7 +92,10 @@ void discard(Problem& problem, const Rule& rule, bool engine_follows) noexcept {
   if (drops(kMixedInteger)) problem.mip.reset();
   if (drops(kNorms)) problem.norms = Norms{};
   if (drops(kSolution)) problem.solution.reset();
-  if (drops(kStatus)) problem.status = TVK_STATUS_NONE;
+  if (drops(kStatus)) {
+    problem.status = TVK_STATUS_NONE;
+    problem.pool.reset();
+  }
   problem.start.change_level = std::max(problem.start.change_level, rule.level);
 }
 

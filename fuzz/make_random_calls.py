@@ -18,7 +18,8 @@ LEFT_OUT = {
 ITEMS = [
     (r"NET.*(node|supply|getpi|getslack)", "nodes"), (r"NET", "arcs"), (r"sos", "sets"), (r"indconstr", "indicators"),
     (r"usercut", "user_cuts"), (r"lazyconstraint", "lazy_constraints"), (r"mipstart", "starts"),
-    (r"qconstr", "quadratic_rows"),
+    (r"qconstr", "quadratic_rows"), (r"(del|delset)solnpoolsolns", "pool_members"),
+    (r"solnpoolslack", "rows"),
     (r"(getpi|getslack|getax|rowinfeas|rows|getrhs|chgrhs|sense|rngval|rowname|rhssens|baseinv|tableaurow|origrowind|pivotin)$",
      "rows"),
     (r"", "columns"),

@@ -153,6 +153,7 @@ int Caller::integer(const std::string& name, int items) {
   if (is("what")) return below(70);
   if (is("i") || is("j") || is("ij") || is("which") || is("position") || is("indvar"))
     return below(items + 2) - 1;
+  if (is("soln")) return below(pool_members() + 2) - 1;
   if (is("itlim")) return below(50);
   return below(5);
 }
@@ -197,7 +198,7 @@ const char* Caller::text(const std::string& name) {
   if (name == "pattern") return zero_terminated(pick({"*", "x*", "?1", "", "**?*", "[a"}));
   if (chance(3)) return zero_terminated(std::string(300, 'n'));
   return zero_terminated(
-      pick({"x1", "c1", "x2", "", "a b", "TVK_PARAM_ITLIM", "s1", "\xc3\xa9", "\n", "%s%d", "e9"}));
+      pick({"x1", "c1", "x2", "", "a b", "TVK_PARAM_ITLIM", "s1", "p1", "\xc3\xa9", "\n", "%s%d", "e9"}));
 }
 
 const char* Caller::letters(const std::string& name, std::size_t count) {
@@ -298,6 +299,9 @@ int Caller::lazy_constraints() {
 }
 int Caller::starts() {
   return count_of(TVKgetnummipstarts);
+}
+int Caller::pool_members() {
+  return count_of(TVKgetsolnpoolnumsolns);
 }
 int Caller::quadratic_rows() {
   return count_of(TVKgetnumqconstrs);

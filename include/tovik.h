@@ -1203,10 +1203,10 @@ TVK_API int TVKgetticks(ConstEnvHandle env, ConstProbHandle lp, double *ticks_p)
 #define TVK_PARAM_EPRELAX                2073 /* double 1e-6, 0 to 1e20; stored only */
 #define TVK_PARAM_FPHEUR                 2098 /* int 0, -1 to 2 */
 #define TVK_PARAM_EACHCUTLIM             2102 /* int 2100000000, 0 to 2100000000 */
-#define TVK_PARAM_SOLNPOOLCAPACITY       2103 /* int 2100000000, 0 to 2100000000; stored only */
-#define TVK_PARAM_SOLNPOOLREPLACE        2104 /* int 0, 0 to 2; stored only */
-#define TVK_PARAM_SOLNPOOLGAP            2105 /* double 1e75, 0 to 1e75; stored only */
-#define TVK_PARAM_SOLNPOOLAGAP           2106 /* double 1e75, 0 to 1e75; stored only */
+#define TVK_PARAM_SOLNPOOLCAPACITY       2103 /* int 2100000000, 0 to 2100000000 */
+#define TVK_PARAM_SOLNPOOLREPLACE        2104 /* int 0, 0 to 2 */
+#define TVK_PARAM_SOLNPOOLGAP            2105 /* double 1e75, 0 to 1e75 */
+#define TVK_PARAM_SOLNPOOLAGAP           2106 /* double 1e75, 0 to 1e75 */
 #define TVK_PARAM_SOLNPOOLINTENSITY      2107 /* int 0, 0 to 4; stored only */
 #define TVK_PARAM_POPULATELIM            2108 /* int 20, 1 to 2100000000; stored only */
 #define TVK_PARAM_MIPSEARCH              2109 /* int 0, 0 to 2 */
@@ -2039,6 +2039,13 @@ TVK_API int TVKsolwrite(ConstEnvHandle env, ConstProbHandle lp, const char *file
 /* The same with as many digits, up to 17, as read back as the very numbers. */
 TVK_API int TVKsolwriteexact(ConstEnvHandle env, ConstProbHandle lp, const char *filename);
 
+/* A member of the solution pool, with its name and number in the header; member -1, the incumbent, is called "incumbent". All
+ * members as one file with several solutions, which TVKreadsolution reads one by one; the same as MIP starts, which
+ * TVKreadcopymipstarts reads. Errors: 3024 no pool, 1200 no such member, 1217 no member at all. */
+TVK_API int TVKsolwritesolnpool(ConstEnvHandle env, ConstProbHandle lp, int soln, const char *filename);
+TVK_API int TVKsolwritesolnpoolall(ConstEnvHandle env, ConstProbHandle lp, const char *filename);
+TVK_API int TVKmstwritesolnpoolall(ConstEnvHandle env, ConstProbHandle lp, const char *filename);
+
 /* Reads the first solution of a file: a start of the next optimization for a continuous problem (TVKcopystart; basis and
  * values as far as the file has them for all rows and columns), a MIP start for a mixed-integer one. */
 TVK_API int TVKreadcopysol(ConstEnvHandle env, ProbHandle lp, const char *filename);
@@ -2136,6 +2143,43 @@ TVK_API int TVKgetmiprelgap(ConstEnvHandle env, ConstProbHandle lp, double *gap_
 TVK_API int TVKgetnodecnt(ConstEnvHandle env, ConstProbHandle lp);
 TVK_API int TVKgetnodeleftcnt(ConstEnvHandle env, ConstProbHandle lp);
 TVK_API int TVKgetmipsolcnt(ConstEnvHandle env, ConstProbHandle lp);
+
+/* ---- Solution pool: solutions that the search has met besides the incumbent ----
+ * TVKmipopt fills the pool of its problem with what it meets: incumbents, MIP starts that hold, and points of heuristics that are no
+ * better. Each holds as an incumbent does. Members differ in the value of an integer column (where there is none, in which
+ * columns are zero); of the solutions that differ in other columns only the best stays. TVK_PARAM_SOLNPOOLGAP and
+ * TVK_PARAM_SOLNPOOLAGAP say how much worse than the best a member may be: relative to 1e-10 + |best|, and absolute; both must
+ * allow it. Where TVK_PARAM_SOLNPOOLCAPACITY members are there, TVK_PARAM_SOLNPOOLREPLACE says which of them leaves for one more: 0 the
+ * oldest, 1 the one with the worst objective, unless the new one is no better, 2 the one that is nearest to another, by the sum of
+ * the differences of integer columns; the new one itself may be it.
+ *
+ * A search that begins anew begins with an empty pool; one that goes on keeps it. A change of the model that discards the solution
+ * discards the pool. Members have numbers 0 .. TVKgetsolnpoolnumsolns - 1 in the order in which they came; those behind a
+ * member that goes move up, while names stay. Member -1 is the incumbent, which may have left the pool, or been deleted.
+ * Errors of all that follow: 3024 there is no pool; 1200 there is no such member; of member -1: 1217 no solution. */
+
+/* 0 without a pool. The second one: members that left a full pool for others. */
+TVK_API int TVKgetsolnpoolnumsolns(ConstEnvHandle env, ConstProbHandle lp);
+TVK_API int TVKgetsolnpoolnumreplaced(ConstEnvHandle env, ConstProbHandle lp);
+
+/* As TVKgetobjval, TVKgetx, TVKgetslack and TVKgetquality of a member; measures of dual values and of a basis: 1017. */
+TVK_API int TVKgetsolnpoolobjval(ConstEnvHandle env, ConstProbHandle lp, int soln, double *objval_p);
+TVK_API int TVKgetsolnpoolx(ConstEnvHandle env, ConstProbHandle lp, int soln, double *x, int begin, int end);
+TVK_API int TVKgetsolnpoolslack(ConstEnvHandle env, ConstProbHandle lp, int soln, double *slack, int begin, int end);
+TVK_API int TVKgetsolnpoolquality(ConstEnvHandle env, ConstProbHandle lp, int soln, int what, double *value_p,
+                                  int *index_p);
+/* Mean of the members' objective values. Error: 1217 there is none. */
+TVK_API int TVKgetsolnpoolmeanobjval(ConstEnvHandle env, ConstProbHandle lp, double *meanobjval_p);
+
+/* Names are p1, p2, .. by the order in which members came; no name is given twice while the pool lives. The name by the surplus
+ * protocol; the index: 1210 there is none. */
+TVK_API int TVKgetsolnpoolsolnname(ConstEnvHandle env, ConstProbHandle lp, char *buffer, int space, int *surplus_p,
+                                   int soln);
+TVK_API int TVKgetsolnpoolsolnindex(ConstEnvHandle env, ConstProbHandle lp, const char *name, int *soln_p);
+
+/* Delete members begin..end, or those whose entry of delstat is exactly 1. The incumbent stays. */
+TVK_API int TVKdelsolnpoolsolns(ConstEnvHandle env, ProbHandle lp, int begin, int end);
+TVK_API int TVKdelsetsolnpoolsolns(ConstEnvHandle env, ProbHandle lp, int *delstat);
 
 /* Tests the starting basis for primal feasibility within TVK_PARAM_EPRHS: *infeas_p receives the index of the most
  * infeasible basic variable (column j, or number of columns + i for the slack of row i), or 2100000000 when there is none.

@@ -16,10 +16,6 @@
 namespace tovik::fileio {
 namespace {
 
-WriteLevel write_level(const Environment& env) {
-  return static_cast<WriteLevel>(std::max(1, env.settings.integer(TVK_PARAM_WRITELEVEL)));
-}
-
 bool is_complete(const std::vector<int>& statuses, std::size_t count) {
   return statuses.size() == count && std::ranges::none_of(statuses, [](int s) { return s < 0; });
 }
@@ -76,6 +72,10 @@ Start start_of(const Problem& problem, const SolutionFile& solution) {
 
 }  // namespace
 
+WriteLevel write_level(const Environment& env) {
+  return static_cast<WriteLevel>(std::max(1, env.settings.integer(TVK_PARAM_WRITELEVEL)));
+}
+
 Status describe_solution(const Environment& env, const Problem& problem, SolutionReport& report) {
   Status why;
   report.solution = find_solution(problem, SolutionPart::values, why);
@@ -99,6 +99,14 @@ Status write_solution_file(Environment& env, const Problem& problem, const Solut
                            const char* name) {
   return write_file(env, name, [&](TextWriter& out) {
     return write_solution({*problem.model, problem.name}, report, out);
+  });
+}
+
+Status write_several_solutions(Environment& env, const Problem& problem, const char* name, SeveralAs form,
+                               int count, const std::function<SolutionReport(int)>& report) {
+  return write_file(env, name, [&](TextWriter& out) {
+    const auto write = form == SeveralAs::solutions ? write_solutions : write_solutions_as_starts;
+    return write({*problem.model, problem.name}, write_level(env), count, report, out);
   });
 }
 

@@ -2,6 +2,7 @@
  * brought back as MIP starts of the problem or as a start, which the caller installs. */
 #pragma once
 
+#include <functional>
 #include <vector>
 
 #include "env/error.h"
@@ -16,6 +17,12 @@ Status describe_solution(const Environment& env, const Problem& problem, Solutio
 /* Codes of write_file() and write_solution(). */
 Status write_solution_file(Environment& env, const Problem& problem, const SolutionReport& report,
                            const char* name);
+/* One document for all of them, as solutions or as MIP starts. */
+enum class SeveralAs { solutions, starts };
+Status write_several_solutions(Environment& env, const Problem& problem, const char* name, SeveralAs form,
+                               int count, const std::function<SolutionReport(int)>& report);
+/* The level that the parameters ask for. */
+WriteLevel write_level(const Environment& env);
 /* MIP starts begin..end. 3020 there are none; 1200 with 1205 or 1206 for a range outside of them. */
 Status write_start_file(Environment& env, const Problem& problem, const char* name, int begin, int end);
 

@@ -7,6 +7,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <span>
 #include <string>
 #include <utility>
@@ -24,6 +25,8 @@ enum class WriteLevel { all = 1, discrete = 2, nonzero = 3, discrete_nonzero = 4
 
 struct SolutionReport {
   const Solution* solution;
+  std::string name;  // of a solution of the pool, with its position there; empty: of none
+  int index = -1;
   bool mixed_integer = false;
   int type = 0;            // 1 basic, 2 primal and dual values, 3 primal values
   int status = 0;          // solution status (TVK_STATUS_...) and its text
@@ -37,6 +40,12 @@ struct SolutionReport {
 
 /* 1650 for a value that is not finite. */
 int write_solution(const WriteSource& source, const SolutionReport& report, TextWriter& out);
+/* Several solutions as one document; report(k) holds until the next call. */
+int write_solutions(const WriteSource& source, WriteLevel level, int count,
+                    const std::function<SolutionReport(int)>& report, TextWriter& out);
+/* The same as MIP starts. */
+int write_solutions_as_starts(const WriteSource& source, WriteLevel level, int count,
+                              const std::function<SolutionReport(int)>& report, TextWriter& out);
 /* MIP starts begin..end of the model. */
 int write_starts(const WriteSource& source, int begin, int end, WriteLevel level, TextWriter& out);
 

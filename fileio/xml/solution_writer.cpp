@@ -12,6 +12,7 @@ namespace tovik::fileio {
 namespace {
 
 constexpr const char* kRoot = "TOVIKSolution";
+constexpr const char* kSeveral = "TOVIKSolutions";
 constexpr const char* kVersion = "1.2";
 constexpr const char* kStatusWords[] = {"LL", "BS", "UL", "SB"};
 
@@ -57,6 +58,11 @@ class Writer {
 
   int write(const SolutionReport& report);
   int write(int begin, int end);
+  /* element: void(int) */
+  template <class Element>
+  int write_several(int count, Element&& element);
+  void write_one(const SolutionReport& report);
+  void write_as_start(const SolutionReport& report);
 
  private:
   void write_header(const SolutionReport& report);
@@ -68,6 +74,8 @@ class Writer {
   void write_family(const char* element, const model::NameTable& names, int count, Slack&& slack);
   void write_columns(const SolutionReport& report);
   void write_start(int k);
+  void write_start_header(std::string_view name, int index, int effort);
+  void write_value(int j, double value);
   void write_identity(const model::NameTable& names, int k);
   bool is_written(int j, double value) const;
   int result() const { return xml_.finite() ? 0 : TVK_ERROR_NUMBER_NOT_REPRESENTABLE; }
@@ -96,6 +104,10 @@ void Writer::write_header(const SolutionReport& report) {
   const Solution& solution = *report.solution;
   xml_.begin("header", true);
   xml_.attribute("problemName", title(source_.name));
+  if (!report.name.empty()) {
+    xml_.attribute("solutionName", title(report.name));
+    xml_.attribute("solutionIndex", report.index);
+  }
   xml_.attribute("objectiveValue", solution.objective);
   xml_.attribute("solutionTypeValue", report.type);
   xml_.attribute("solutionTypeString", type_word(report.type));
@@ -195,6 +207,11 @@ void Writer::write_columns(const SolutionReport& report) {
 
 int Writer::write(const SolutionReport& report) {
   if (report.all_digits) xml_.use_all_digits();
+  write_one(report);
+  return result();
+}
+
+void Writer::write_one(const SolutionReport& report) {
   xml_.open_with_version(kRoot, kVersion);
   write_header(report);
   write_quality(report);
@@ -202,34 +219,57 @@ int Writer::write(const SolutionReport& report) {
   write_families(report);
   write_columns(report);
   xml_.close(kRoot);
+}
+
+template <class Element>
+int Writer::write_several(int count, Element&& element) {
+  xml_.open(kSeveral);
+  for (int k = 0; k < count; ++k) element(k);
+  xml_.close(kSeveral);
   return result();
+}
+
+void Writer::write_start_header(std::string_view name, int index, int effort) {
+  xml_.begin("header", true);
+  xml_.attribute("problemName", title(source_.name));
+  if (!name.empty()) xml_.attribute("solutionName", title(name));
+  xml_.attribute("solutionIndex", index);
+  xml_.attribute("MIPStartEffortLevel", std::max(0, effort));
+  xml_.attribute("writeLevel", static_cast<int>(level_));
+  xml_.end();
+}
+
+void Writer::write_value(int j, double value) {
+  if (!is_written(j, value)) return;
+  xml_.begin("variable");
+  write_identity(model_.column_names(), j);
+  xml_.attribute("value", value);
+  xml_.end();
 }
 
 void Writer::write_start(int k) {
   const model::MipStarts& starts = model_.families().starts;
   xml_.open_with_version(kRoot, kVersion);
-  xml_.begin("header", true);
-  xml_.attribute("problemName", title(source_.name));
-  if (!starts.names().empty()) xml_.attribute("solutionName", title(starts.names().name(k)));
-  xml_.attribute("solutionIndex", k);
-  xml_.attribute("MIPStartEffortLevel", std::max(0, starts.effort()[static_cast<std::size_t>(k)]));
-  xml_.attribute("writeLevel", static_cast<int>(level_));
-  xml_.end();
+  write_start_header(starts.names().empty() ? std::string_view() : starts.names().name(k), k,
+                     starts.effort()[static_cast<std::size_t>(k)]);
   xml_.open("variables");
   const model::VectorView values = starts.values(k);
-  for (int e = 0; e < values.count; ++e) {
-    if (!is_written(values.index[e], values.value[e])) continue;
-    xml_.begin("variable");
-    write_identity(model_.column_names(), values.index[e]);
-    xml_.attribute("value", values.value[e]);
-    xml_.end();
-  }
+  for (int e = 0; e < values.count; ++e) write_value(values.index[e], values.value[e]);
+  xml_.close("variables");
+  xml_.close(kRoot);
+}
+
+void Writer::write_as_start(const SolutionReport& report) {
+  xml_.open_with_version(kRoot, kVersion);
+  write_start_header(report.name, report.index, 0);
+  xml_.open("variables");
+  for (int j = 0; j < model_.num_columns(); ++j)
+    write_value(j, report.solution->x[static_cast<std::size_t>(j)]);
   xml_.close("variables");
   xml_.close(kRoot);
 }
 
 int Writer::write(int begin, int end) {
-  constexpr const char* kSeveral = "TOVIKSolutions";
   if (begin != end) xml_.open(kSeveral);
   for (int k = begin; k <= end; ++k) write_start(k);
   if (begin != end) xml_.close(kSeveral);
@@ -240,6 +280,18 @@ int Writer::write(int begin, int end) {
 
 int write_solution(const WriteSource& source, const SolutionReport& report, TextWriter& out) {
   return Writer(source, report.level, out).write(report);
+}
+
+int write_solutions(const WriteSource& source, WriteLevel level, int count,
+                    const std::function<SolutionReport(int)>& report, TextWriter& out) {
+  Writer writer(source, level, out);
+  return writer.write_several(count, [&](int k) { writer.write_one(report(k)); });
+}
+
+int write_solutions_as_starts(const WriteSource& source, WriteLevel level, int count,
+                              const std::function<SolutionReport(int)>& report, TextWriter& out) {
+  Writer writer(source, level, out);
+  return writer.write_several(count, [&](int k) { writer.write_as_start(report(k)); });
 }
 
 int write_starts(const WriteSource& source, int begin, int end, WriteLevel level, TextWriter& out) {

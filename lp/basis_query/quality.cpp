@@ -129,18 +129,8 @@ void each(const std::vector<double>& values, bool rows, Gather& gather) {
     gather.add(values[k], rows ? -static_cast<int>(k) - 1 : static_cast<int>(k));
 }
 
-}  // namespace
-
-Status measure_quality(Environment& env, Problem& problem, int what, Measure* result) {
-  if (what == TVK_QUALITY_KAPPA) return basis_kappa(env, problem, &result->value);
-  Status why;
-  if (find_solution(problem, SolutionPart::values, why) == nullptr) return why;
-  const Data data{*problem.model, *problem.solution, static_cast<double>(problem.model->objective_sense())};
-  const bool dual = what == TVK_QUALITY_MAX_DUAL_INFEAS || what == TVK_QUALITY_SUM_DUAL_INFEAS ||
-                    what == TVK_QUALITY_MAX_DUAL_RESIDUAL || what == TVK_QUALITY_SUM_DUAL_RESIDUAL ||
-                    what == TVK_QUALITY_MAX_COMP_SLACK || what == TVK_QUALITY_SUM_COMP_SLACK ||
-                    what == TVK_QUALITY_MAX_PI || what == TVK_QUALITY_MAX_RED_COST;
-  if (dual && find_solution(problem, SolutionPart::duals, why) == nullptr) return why;
+/* what: of those that the solution has the arrays for. */
+Status gather(const Data& data, int what, Measure* result) {
   Gather largest(false);
   Gather sum(true);
   switch (what) {
@@ -200,6 +190,29 @@ Status measure_quality(Environment& env, Problem& problem, int what, Measure* re
                       what == TVK_QUALITY_SUM_COMP_SLACK || what == TVK_QUALITY_SUM_INT_INFEAS;
   *result = summed ? sum.result() : largest.result();
   return {};
+}
+
+bool needs_duals(int what) {
+  return what == TVK_QUALITY_MAX_DUAL_INFEAS || what == TVK_QUALITY_SUM_DUAL_INFEAS ||
+         what == TVK_QUALITY_MAX_DUAL_RESIDUAL || what == TVK_QUALITY_SUM_DUAL_RESIDUAL ||
+         what == TVK_QUALITY_MAX_COMP_SLACK || what == TVK_QUALITY_SUM_COMP_SLACK ||
+         what == TVK_QUALITY_MAX_PI || what == TVK_QUALITY_MAX_RED_COST;
+}
+
+}  // namespace
+
+Status measure_point(const model::Model& model, const Solution& solution, int what, Measure* result) {
+  if (needs_duals(what) || what == TVK_QUALITY_KAPPA) return Status(TVK_ERROR_NOT_FOR_MIP);
+  return gather({model, solution, static_cast<double>(model.objective_sense())}, what, result);
+}
+
+Status measure_quality(Environment& env, Problem& problem, int what, Measure* result) {
+  if (what == TVK_QUALITY_KAPPA) return basis_kappa(env, problem, &result->value);
+  Status why;
+  if (find_solution(problem, SolutionPart::values, why) == nullptr) return why;
+  const Data data{*problem.model, *problem.solution, static_cast<double>(problem.model->objective_sense())};
+  if (needs_duals(what) && find_solution(problem, SolutionPart::duals, why) == nullptr) return why;
+  return gather(data, what, result);
 }
 
 Status basis_kappa(Environment& env, Problem& problem, double* kappa) {

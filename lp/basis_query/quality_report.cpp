@@ -52,4 +52,16 @@ std::vector<std::pair<const char*, double>> quality_report(Environment& env, Pro
   return report;
 }
 
+std::vector<std::pair<const char*, double>> quality_of_point(const Environment& env, const Problem& problem,
+                                                             const Solution& solution) {
+  std::vector<std::pair<const char*, double>> report{{"epInt", env.settings.real(TVK_PARAM_EPINT)},
+                                                     {"epRHS", env.settings.real(TVK_PARAM_EPRHS)}};
+  for (const auto& [name, what] : kMixedIntegerQuality) {
+    Measure measure;
+    if (measure_point(*problem.model, solution, what, &measure).ok())
+      report.emplace_back(name, measure.value);
+  }
+  return report;
+}
+
 }  // namespace tovik::lp::run

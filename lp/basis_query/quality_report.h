@@ -18,4 +18,8 @@ struct QualityScope {
 std::vector<std::pair<const char*, double>> quality_report(Environment& env, Problem& problem,
                                                            const QualityScope& scope);
 
+/* The same of a solution of a mixed-integer problem that is not the stored one. */
+std::vector<std::pair<const char*, double>> quality_of_point(const Environment& env, const Problem& problem,
+                                                             const Solution& solution);
+
 }  // namespace tovik::lp::run

@@ -11,17 +11,16 @@
 
 #include "env/channel.h"
 #include "env/handles.h"
-#include "env/method_code.h"
 #include "include/tovik.h"
 #include "lp/binding/build_lp.h"
 #include "lp/binding/engine_control.h"
 #include "lp/run/statistics.h"
-#include "lp/verify/point.h"
 #include "mip/run/build_problem.h"
 #include "mip/run/caller_callbacks.h"
 #include "mip/run/generated_order.h"
 #include "mip/run/informer.h"
 #include "mip/run/node_log.h"
+#include "mip/run/pool.h"
 #include "mip/run/presolve_lines.h"
 #include "mip/run/settings.h"
 #include "mip/run/starts.h"
@@ -161,14 +160,17 @@ bool leaves_a_tree(Conclusion end) {
 /* While a call works with a search; what an error leaves of it is not gone on with. */
 class CallScope {
  public:
-  CallScope(KeptSearch& kept, lp::Control& control, Informer& informer, CallerCallbacks* callbacks)
+  CallScope(KeptSearch& kept, lp::Control& control, Informer& informer, CallerCallbacks* callbacks,
+            SolutionSink& sink)
       : kept_(kept) {
+    kept_.search.set_sink(&sink);
     kept_.control.set(&control, &informer, callbacks);
     if (callbacks != nullptr) kept_.search.set_callbacks(callbacks);
     kept_.audience.set(&informer);
     kept_.may_go_on = false;
   }
   ~CallScope() {
+    kept_.search.set_sink(nullptr);
     kept_.control.set(nullptr, nullptr, nullptr);
     if (kept_.has_callbacks()) kept_.search.set_callbacks(nullptr);
     kept_.audience.set(nullptr);
@@ -227,20 +229,10 @@ int status_code(Conclusion end, bool has_solution) {
 /* The incumbent in the user's columns; null without one. */
 std::unique_ptr<tovik::Solution> solution_of(const tovik::Problem& problem, const mip::Solution& incumbent) {
   if (incumbent.x.empty()) return nullptr;
-  const model::Model& model = *problem.model;
-  auto solution = std::make_unique<tovik::Solution>();
-  solution->x.assign(incumbent.x.begin(), incumbent.x.begin() + model.num_columns());
-  const auto entries = [&](int j, auto f) {
-    const model::ColumnView column = model.column(j);
-    for (int k = 0; k < column.count; ++k) f(column.index[k], column.value[k]);
-  };
-  const std::vector<double> activity = lp::verify::activities(model.num_rows(), entries, solution->x);
-  solution->slack.resize(activity.size());
-  for (std::size_t i = 0; i < activity.size(); ++i) solution->slack[i] = model.rhs()[i] - activity[i] + 0.0;
-  solution->objective = model.objective_sense() * incumbent.objective + 0.0;
-  solution->method = method_code::kMixedInteger;
-  solution->primal_feasible = true;
-  return solution;
+  const auto columns = static_cast<std::size_t>(problem.model->num_columns());
+  std::vector<double> x(incumbent.x.begin(), incumbent.x.begin() + static_cast<std::ptrdiff_t>(columns));
+  const double objective = problem.model->objective_sense() * incumbent.objective + 0.0;
+  return std::make_unique<tovik::Solution>(whole_solution(problem, std::move(x), objective));
 }
 
 /* The model's order, or one that is generated. */
@@ -321,6 +313,7 @@ Status run_branch_and_cut(Environment& env, tovik::Problem& problem) {
     problem.mip.reset();
     made = new_search(env, problem, control);
     kept = made.get();
+    problem.pool = empty_pool(problem);
   } else {
     kept->search.change_settings(settings_of_search(env, problem, kept->problem));
   }
@@ -333,7 +326,8 @@ Status run_branch_and_cut(Environment& env, tovik::Problem& problem) {
   Informer informer(scene);
   std::optional<CallerCallbacks> callbacks;
   if (functions.any()) callbacks.emplace(scene, functions);
-  const CallScope scope(*kept, control, informer, callbacks ? &*callbacks : nullptr);
+  PoolFeed feed(env, problem);
+  const CallScope scope(*kept, control, informer, callbacks ? &*callbacks : nullptr, feed);
   kept->log.begin();
   try_starts(env, problem, control, *kept, made != nullptr);
   kept->log.set_in_search(true);

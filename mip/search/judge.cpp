@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "lp/base/sum.h"
 #include "mip/domain/point.h"
@@ -134,6 +135,15 @@ bool Judge::complete(std::vector<double>& x) {
   if (outcome != lp::Outcome::optimal) return false;
   const std::span<const double> found = fixed_->primal();
   x.assign(found.begin(), found.end());
+  return true;
+}
+
+bool Judge::accept_as_it_is(std::span<const double> x, Solution* solution) const {
+  std::vector<double> point(x.begin(), x.end());
+  snap(point);
+  if (!holds(point)) return false;
+  solution->objective = objective(problem_, point);
+  solution->x = std::move(point);
   return true;
 }
 

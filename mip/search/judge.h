@@ -29,6 +29,8 @@ class Judge {
 
   /* x: of the original problem. False when no solution below the cutoff comes of it. */
   bool accept(std::span<const double> x, double cutoff, Solution* solution);
+  /* The point with its integers and objects as they are meant, whatever its objective; no LP is solved. */
+  bool accept_as_it_is(std::span<const double> x, Solution* solution) const;
   /* From now on it must hold too. */
   void add_cut(const Cut& cut) { cuts_.push_back(cut); }
   bool satisfies_cuts(std::span<const double> x) const;

@@ -98,6 +98,10 @@ bool PresolvedSearch::accept(std::span<const double> x, double cutoff, Solution*
   return judge_.accept(expand(x), cutoff, solution);
 }
 
+bool PresolvedSearch::accept_as_it_is(std::span<const double> x, Solution* solution) const {
+  return judge_.accept_as_it_is(expand(x), solution);
+}
+
 void PresolvedSearch::add_cut(const Cut& cut) {
   Cut own = cut;
   for (std::size_t k = stages_.size(); k-- > 0;) {
@@ -111,13 +115,22 @@ void PresolvedSearch::set_callbacks(SearchCallbacks* callbacks) {
   if (search_ != nullptr) search_->set_callbacks(callbacks);
 }
 
+void PresolvedSearch::set_sink(SolutionSink* sink) {
+  sink_ = sink;
+  if (search_ != nullptr) search_->set_sink(sink);
+}
+
 bool PresolvedSearch::offer(std::span<const double> x) {
   if (is_direct()) return search_->offer(x);
   if (callbacks_ != nullptr && callbacks_->kinds().judge_solutions()) {
     return !prepare() && search_->offer(crush(x));
   }
   Solution found;
-  if (!judge_.accept(x, std::min(settings_.cutoff, incumbent_.objective), &found)) return false;
+  if (!judge_.accept(x, std::min(settings_.cutoff, incumbent_.objective), &found)) {
+    if (sink_ != nullptr && judge_.accept_as_it_is(x, &found)) sink_->add(found);
+    return false;
+  }
+  if (sink_ != nullptr) sink_->add(found);
   incumbent_ = std::move(found);
   ++earlier_.solutions;
   earlier_statistics_.incumbents.push_back({control_.seconds(), 0, incumbent_.objective, "start"});
@@ -203,6 +216,7 @@ void PresolvedSearch::make_search() {
   Origin* const origin = this;
   search_ = std::make_unique<Search>(stages_.back()->problem, of_search(), control_, observer_, origin);
   search_->set_callbacks(callbacks_);
+  search_->set_sink(sink_);
   if (has_incumbent()) search_->inherit(incumbent_, crush(incumbent_.x));
 }
 

@@ -29,6 +29,8 @@ class PresolvedSearch : private Origin {
 
   /* Before run() and what is offered. Null: none. */
   void set_callbacks(SearchCallbacks* callbacks);
+  /* Null: none. */
+  void set_sink(SolutionSink* sink);
   bool has_search() const { return search_ != nullptr; }
   bool is_presolved() const { return settings_.presolve.on; }
   /* What is searched now; without presolve it is there from the beginning. */
@@ -64,6 +66,7 @@ class PresolvedSearch : private Origin {
  private:
   bool is_direct() const { return search_ != nullptr && stages_.empty(); }
   bool accept(std::span<const double> x, double cutoff, Solution* solution) override;
+  bool accept_as_it_is(std::span<const double> x, Solution* solution) const override;
   void take(const Solution& solution) override { incumbent_ = solution; }
   void add_cut(const Cut& cut) override;
   Conclusion no_more_solutions() const;
@@ -87,6 +90,7 @@ class PresolvedSearch : private Origin {
   std::vector<std::unique_ptr<Presolved>> stages_;
   std::unique_ptr<Search> search_;
   SearchCallbacks* callbacks_ = nullptr;
+  SolutionSink* sink_ = nullptr;
   Solution incumbent_;
   std::int64_t judged_ = 0;  // iterations of the judge that count as earlier
   int restarts_ = 0;

@@ -65,12 +65,25 @@ std::optional<Search::Accepted> Search::weigh(std::span<const double> x) {
 
 std::optional<double> Search::judge(std::span<const double> x, const char* found_by) {
   std::optional<Accepted> found = weigh(x);
-  if (!found) return std::nullopt;
+  if (!found) {
+    keep_for_pool(x);
+    return std::nullopt;
+  }
   if (callbacks_ != nullptr && admit(*found, false) != Admission::admitted) return std::nullopt;
   return take(std::move(*found), found_by);
 }
 
+/* A solution that is no better than the incumbent. Callbacks are asked about better ones only. */
+void Search::keep_for_pool(std::span<const double> x) const {
+  if (sink_ == nullptr || callbacks_ != nullptr) return;
+  Solution solution;
+  if (!judge_.accept_as_it_is(x, &solution)) return;
+  if (origin_ != nullptr && !origin_->accept_as_it_is(std::vector<double>(solution.x), &solution)) return;
+  sink_->add(solution);
+}
+
 double Search::take(Accepted found, const char* found_by) {
+  if (sink_ != nullptr) sink_->add(found.solution);
   if (origin_ != nullptr) origin_->take(found.solution);
   set_incumbent(std::move(found.solution), found.point);
   ++solutions_;

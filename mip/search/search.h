@@ -22,6 +22,7 @@
 #include "mip/search/heuristic_schedule.h"
 #include "mip/search/judge.h"
 #include "mip/search/separation.h"
+#include "mip/search/solution_sink.h"
 #include "mip/search/statistics.h"
 #include "mip/search/sub_search.h"
 #include "mip/search/tree.h"
@@ -39,6 +40,8 @@ class Origin {
   virtual ~Origin() = default;
   /* x: of the search's problem. False when no solution of the origin below the cutoff comes of it. */
   virtual bool accept(std::span<const double> x, double cutoff, Solution* solution) = 0;
+  /* As accept() without a cutoff, of a point whose continuous columns stay as they are. */
+  virtual bool accept_as_it_is(std::span<const double> x, Solution* solution) const = 0;
   /* A solution that was accepted is the incumbent. */
   virtual void take(const Solution& solution) = 0;
   /* The point of the search's problem that belongs to one of the origin. */
@@ -111,6 +114,8 @@ class Search {
   int node_in_process() const { return in_process_; }  // slot; -1: none
   /* Between two runs; null: none. */
   void set_callbacks(SearchCallbacks* callbacks) { callbacks_ = callbacks; }
+  /* Between two runs; null: none. */
+  void set_sink(SolutionSink* sink) { sink_ = sink; }
   /* What it is at. */
   Phase phase() const { return meter_.phase(); }
   bool is_at_root() const { return nodes_ == 0; }
@@ -213,6 +218,7 @@ class Search {
   /* found_by: null for the relaxation of a node. */
   double take(Accepted found, const char* found_by);
   void set_incumbent(Solution solution, std::span<const double> x);
+  void keep_for_pool(std::span<const double> x) const;
   void record_incumbent(const char* found_by);
   std::int64_t judges_iterations() const;
   Phase enter(Phase phase);
@@ -226,6 +232,7 @@ class Search {
   PhaseMeter meter_;
   Observer& observer_;
   SearchCallbacks* callbacks_ = nullptr;
+  SolutionSink* sink_ = nullptr;
   Global global_;
   Worker worker_;
   Judge judge_;
