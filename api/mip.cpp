@@ -9,21 +9,22 @@
 #include "include/tovik.h"
 #include "lp/run/statistics.h"
 #include "mip/run/mip_run.h"
+#include "mip/run/populate.h"
 
 using namespace tovik;
 
-int TVKmipopt(ConstEnvHandle env, ProbHandle lp) {
+namespace {
+
+int optimize(ConstEnvHandle env, ProbHandle lp, Status (*run)(Environment&, Problem&)) {
   return with_problem(env, lp, [&](Environment& e, Problem& p) -> Status {
     if (const Status status = mip::run::check_mixed_integer(p); !status.ok()) return status;
     const api::OptimizerFrame frame(e);
     const api::Profile profile(e, 0);
-    const Status status = mip::run::run_branch_and_cut(e, p);
+    const Status status = run(e, p);
     if (status.ok()) lp::run::note_threads(p, e.limits.top()->threads.count());
     return status;
   });
 }
-
-namespace {
 
 int counted(std::int64_t count) {
   return static_cast<int>(std::min<std::int64_t>(count, INT_MAX));
@@ -37,6 +38,14 @@ int count_of_search(ConstEnvHandle env, ConstProbHandle lp, std::int64_t mip::ru
 }
 
 }  // namespace
+
+int TVKmipopt(ConstEnvHandle env, ProbHandle lp) {
+  return optimize(env, lp, mip::run::run_branch_and_cut);
+}
+
+int TVKpopulate(ConstEnvHandle env, ProbHandle lp) {
+  return optimize(env, lp, mip::run::run_populate);
+}
 
 int TVKgetbestobjval(ConstEnvHandle env, ConstProbHandle lp, double* bound_p) {
   return with_problem(env, lp, [&](Environment&, Problem& p) -> Status {

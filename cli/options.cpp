@@ -156,6 +156,14 @@ void describe_solve(CLI::App& app, Options& options) {
            "Write the solution to this file (XML); - is standard output, and the log goes to standard error");
   app.add_flag("--exact", options.exact,
                "The solution file with up to 17 digits, which read back as the same numbers");
+  add_assigning(
+      app, "--populate", "N",
+      "Look for N more solutions of a mixed-integer model (parameters SOLNPOOLGAP, SOLNPOOLINTENSITY ...)",
+      [&options](const std::string& value) {
+        options.populate = true;
+        options.assignments.push_back({"--populate", "POPULATELIM", value});
+      });
+  add_file("--pool-solutions", options.pool_file, "Write all solutions that were met to this file");
   add_file("--write-basis", options.new_basis_file, "Write the last basis to this file");
   add_file("--write-model", options.model_file, "Write the model as it is solved (.lp, .mps, .sav, .gz ...)");
   app.add_option("--log", options.log_file, "Write the log to this file as well")->type_name("FILE");
@@ -341,7 +349,7 @@ std::string near_options(const CLI::App& app, const std::vector<std::string>& wo
 /* Each of these files belongs to one model. */
 bool names_one_model_file(const Options& options) {
   for (const std::string* file : {&options.basis_file, &options.start_file, &options.solution_file,
-                                  &options.new_basis_file, &options.model_file}) {
+                                  &options.pool_file, &options.new_basis_file, &options.model_file}) {
     if (!file->empty()) return true;
   }
   return false;

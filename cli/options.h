@@ -28,6 +28,8 @@ struct Options {
   std::string params_file;
   std::string basis_file, start_file;                     // to read before the solve
   std::string solution_file, new_basis_file, model_file;  // to write
+  std::string pool_file;                                  // the same: all solutions of the pool
+  bool populate = false;                                  // fill the pool
   bool exact = false;                                     // the solution with every digit
   std::string log_file;
   bool relax = false;

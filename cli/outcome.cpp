@@ -27,6 +27,7 @@ bool is_optimal(int status) {
 
 ExitStatus exit_status_of(int status, bool feasible) {
   if (is_optimal(status)) return ExitStatus::solved;
+  if (status == TVK_STATUS_POPULATE_SOLUTION_LIMIT) return ExitStatus::solved;  // as many as asked for
   switch (status) {
     case TVK_STATUS_INFEASIBLE:
     case TVK_STATUS_MIP_INFEASIBLE:
@@ -62,6 +63,7 @@ ExitStatus exit_status_of_solve_error(int code) {
     case TVK_ERROR_OUT_OF_MEMORY:
       return ExitStatus::out_of_memory;
     case TVK_ERROR_NOT_FOR_MIP:
+    case TVK_ERROR_NOT_MIP:
     case TVK_ERROR_NOT_FOR_QP:
     case TVK_ERROR_NOT_FOR_QCP:
       return ExitStatus::usage;

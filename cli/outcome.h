@@ -81,11 +81,12 @@ struct Outcome {
   std::optional<double> objective, best_bound, gap;
   std::optional<Violations> violations;  // of the values, where there are any
   std::optional<int> simplex_iterations, barrier_iterations, nodes;
-  std::optional<double> ticks;  // deterministic work
-  std::optional<int> threads;   // that ran
-  Proof proof;                  // of an infeasible model
-  std::vector<Movement> ray;    // of an unbounded one
-  bool so_far = false;          // a limit came before feasibility: the violations are those of the last point
+  std::optional<int> pool_solutions;  // where somebody asks for them
+  std::optional<double> ticks;        // deterministic work
+  std::optional<int> threads;         // that ran
+  Proof proof;                        // of an infeasible model
+  std::vector<Movement> ray;          // of an unbounded one
+  bool so_far = false;  // a limit came before feasibility: the violations are those of the last point
   std::vector<Value> column_values, row_values;  // where they are asked for
   std::string method;
   std::optional<double> read_seconds, presolve_seconds, solve_seconds;

@@ -214,6 +214,8 @@ bool SolutionPool::make_room(const Member& incoming, const PoolRules& rules) {
       leaves = least_diverse(incoming);
       if (leaves == size()) return false;
     }
+    const double objective = (*this)[leaves].objective;
+    left_[key_of((*this)[leaves])] = objective;
     erase(leaves);
     ++replaced_;
   }
@@ -248,6 +250,8 @@ SolutionPool::Result SolutionPool::add(std::span<const double> x, double objecti
     note_best(objective, rules);
     return Result::improved;
   }
+  const auto gone = left_.find(key);
+  if (gone != left_.end() && worse_by(objective, gone->second) >= 0) return Result::known;
   note_best(objective, rules);
   if (worse_by(objective, best_) > pool_room(rules, best_)) return Result::too_bad;
   if (rules.capacity == 0) return Result::no_place;

@@ -42,7 +42,7 @@ class SolutionPool {
   enum class Result {
     added,
     improved,  // takes the place of a worse solution of the same decision
-    known,     // a solution of that decision is there that is as good
+    known,     // a solution of that decision that is as good is there, or has left for others
     too_bad,   // for the gaps, or for a full pool from which the worst leaves
     no_place   // the capacity is 0
   };
@@ -93,6 +93,7 @@ class SolutionPool {
   int sense_;
   std::vector<Member> members_;
   std::unordered_multimap<Key, std::int64_t> by_decision_;
+  std::unordered_map<Key, double> left_;  // objectives of those that left a full pool
   std::vector<Nearest> nearest_;  // of the first members, in their order; the others are still to come
   bool has_best_ = false;
   double best_ = 0;

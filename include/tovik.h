@@ -24,6 +24,7 @@ extern "C" {
  *   ... and in pieces     TVKnewcols, TVKnewrows, TVKaddcols, TVKaddrows, TVKchgcoef, TVKchgbds, TVKchgobj, TVKchgrhs
  *   integers and more     TVKcopyctype, TVKaddsos, TVKEaddindconstr, TVKaddlazyconstraints, TVKaddusercuts, TVKaddmipstarts
  *   solve                 TVKlpopt, TVKdualopt, TVKprimopt, TVKsiftopt, TVKbaropt; TVKmipopt; TVKNETprimopt; TVKpresolve
+ *   many solutions        TVKpopulate, TVKgetsolnpoolnumsolns, TVKgetsolnpoolobjval, TVKgetsolnpoolx, TVKsolwritesolnpoolall
  *   the answer            TVKgetstat, TVKsolution, TVKgetobjval, TVKgetx, TVKgetpi, TVKgetdj, TVKgetslack, TVKsolninfo
  *   why there is none     TVKgetfarkas, TVKgetray, TVKgetquality, TVKgetrowinfeas, TVKgetcolinfeas
  *   what if               TVKgetobjsens, TVKgetrhssens, TVKgetboundsens, TVKgetsensobjval
@@ -1207,8 +1208,8 @@ TVK_API int TVKgetticks(ConstEnvHandle env, ConstProbHandle lp, double *ticks_p)
 #define TVK_PARAM_SOLNPOOLREPLACE        2104 /* int 0, 0 to 2 */
 #define TVK_PARAM_SOLNPOOLGAP            2105 /* double 1e75, 0 to 1e75 */
 #define TVK_PARAM_SOLNPOOLAGAP           2106 /* double 1e75, 0 to 1e75 */
-#define TVK_PARAM_SOLNPOOLINTENSITY      2107 /* int 0, 0 to 4; stored only */
-#define TVK_PARAM_POPULATELIM            2108 /* int 20, 1 to 2100000000; stored only */
+#define TVK_PARAM_SOLNPOOLINTENSITY      2107 /* int 0, 0 to 4 */
+#define TVK_PARAM_POPULATELIM            2108 /* int 20, 1 to 2100000000 */
 #define TVK_PARAM_MIPSEARCH              2109 /* int 0, 0 to 2 */
 #define TVK_PARAM_MIQCPSTRAT             2110 /* int 0, 0 to 2; stored only */
 #define TVK_PARAM_ZEROHALFCUTS           2111 /* int 0, -1 to 2 */
@@ -2180,6 +2181,20 @@ TVK_API int TVKgetsolnpoolsolnindex(ConstEnvHandle env, ConstProbHandle lp, cons
 /* Delete members begin..end, or those whose entry of delstat is exactly 1. The incumbent stays. */
 TVK_API int TVKdelsolnpoolsolns(ConstEnvHandle env, ProbHandle lp, int begin, int end);
 TVK_API int TVKdelsetsolnpoolsolns(ConstEnvHandle env, ProbHandle lp, int *delstat);
+
+/* Fills the pool. Solves the problem first, as TVKmipopt does, or goes on with the tree that it left; where that is done, and the
+ * model has not changed, it is not repeated. Then a search of its own goes on until TVK_PARAM_POPULATELIM solutions have come into
+ * the pool in this call, or none is left that the gaps of the pool allow; the next call goes on where this one ended, unless a gap was
+ * made wider or the intensity changed. TVK_PARAM_SOLNPOOLINTENSITY: 1 looks for solutions where the
+ * search comes upon them; 2 (and 0) follows every branch to all solutions that are left by presolve, which drops columns
+ * and values that no best solution needs; 3 and 4 keep all: in the end, with TVK_PARAM_SOLNPOOLCAPACITY large enough, the pool holds one
+ * solution for every assignment of the integer columns that has any within the gaps, and the best that this assignment
+ * has. What user cuts cut off may be missing.
+ *
+ * Statuses: 128 the limit was met; 129 all that can be reached were found, 130 all of them within a finite gap; 105 to 134 as TVKmipopt
+ * where another limit ended the call, in either part, and 103, 118, 119 where there is nothing to fill it with. The incumbent is the
+ * best solution of all. Limits and errors as TVKmipopt; nodes and iterations of both parts count together. */
+TVK_API int TVKpopulate(ConstEnvHandle env, ProbHandle lp);
 
 /* Tests the starting basis for primal feasibility within TVK_PARAM_EPRHS: *infeas_p receives the index of the most
  * infeasible basic variable (column j, or number of columns + i for the slack of row i), or 2100000000 when there is none.

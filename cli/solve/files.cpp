@@ -41,14 +41,16 @@ int write_obstacle(const std::string& file) {
 }  // namespace
 
 bool writes_to_output(const Options& options) {
-  for (const std::string* file : {&options.solution_file, &options.new_basis_file, &options.model_file}) {
+  for (const std::string* file :
+       {&options.solution_file, &options.pool_file, &options.new_basis_file, &options.model_file}) {
     if (target(*file) == kOutput) return true;
   }
   return false;
 }
 
 std::string unwritable_target(const Options& options) {
-  for (const std::string* file : {&options.solution_file, &options.new_basis_file, &options.model_file}) {
+  for (const std::string* file :
+       {&options.solution_file, &options.pool_file, &options.new_basis_file, &options.model_file}) {
     if (file->empty()) continue;
     if (const int why = write_obstacle(target(*file)); why != 0)
       return *file + ": " + std::generic_category().message(why);
@@ -89,6 +91,14 @@ void write_results(const SolveContext& context, const Model& model, Outcome& out
     outcome.written.push_back(options.solution_file);
   } else if (!options.solution_file.empty()) {
     context.console.print_error("tovik: no solution to write to " + options.solution_file);
+  }
+  if (!options.pool_file.empty() && outcome.pool_solutions.value_or(0) > 0) {
+    with_label(context, options.pool_file, [&] {
+      return TVKsolwritesolnpoolall(env, model.handle(), target(options.pool_file).c_str());
+    });
+    outcome.written.push_back(options.pool_file);
+  } else if (!options.pool_file.empty()) {
+    context.console.print_error("tovik: no solutions to write to " + options.pool_file);
   }
   if (options.new_basis_file.empty()) return;
   with_label(context, options.new_basis_file,

@@ -84,6 +84,7 @@ std::string ray_text(const std::vector<Movement>& ray) {
 std::string work_line(const Outcome& outcome) {
   std::string line = format("Work        %.2f s", outcome.solve_seconds.value_or(0));
   if (outcome.nodes) line += ", " + counted(*outcome.nodes, "node");
+  if (outcome.pool_solutions) line += ", " + counted(*outcome.pool_solutions, "solution");
   if (outcome.simplex_iterations) line += ", " + counted(*outcome.simplex_iterations, "iteration");
   if (outcome.barrier_iterations.value_or(0) > 0)
     line += ", " + counted(*outcome.barrier_iterations, "barrier iteration");
@@ -219,6 +220,7 @@ std::string json_line(const Outcome& outcome, JsonParts with) {
   object["simplex_iterations"] = number(outcome.simplex_iterations);
   object["barrier_iterations"] = number(outcome.barrier_iterations);
   object["nodes"] = number(outcome.nodes);
+  if (outcome.pool_solutions) object["pool_solutions"] = *outcome.pool_solutions;
   object["ticks"] = number(outcome.ticks);
   object["threads"] = number(outcome.threads);
   object["method"] = text(outcome.method);

@@ -62,7 +62,7 @@ void read_model(const SolveContext& context, Model& model, const std::string& fi
 void optimize(const SolveContext& context, Model& model, Outcome& outcome) {
   const ProgressLines progress(context.environment, context.console);
   const Stopwatch watch;
-  const auto solve = model.mixed_integer() ? TVKmipopt : TVKlpopt;
+  const auto solve = context.options.populate ? TVKpopulate : model.mixed_integer() ? TVKmipopt : TVKlpopt;
   const int code = solve(context.environment.handle(), model.handle());
   outcome.solve_seconds = watch.seconds();
   outcome.presolve_seconds = context.console.presolve_seconds();
@@ -86,6 +86,8 @@ void collect_evidence(const SolveContext& context, const Model& model, bool dual
 void collect_search(const SolveContext& context, const Model& model, Outcome& outcome) {
   ConstEnvHandle env = context.environment.handle();
   outcome.nodes = TVKgetnodecnt(env, model.handle());
+  if (context.options.populate || !context.options.pool_file.empty())
+    outcome.pool_solutions = TVKgetsolnpoolnumsolns(env, model.handle());
   double bound = 0, gap = 0;
   if (TVKgetbestobjval(env, model.handle(), &bound) == 0 && std::fabs(bound) < 1e75)
     outcome.best_bound = bound;
@@ -200,6 +202,8 @@ Outcome solve_file(const SolveContext& context, const std::string& file) {
   } catch (const LibraryError& error) {
     outcome.error = context.console.first_error().empty() ? error.what() : context.console.first_error();
     outcome.exit_status = exit_status_of(stage, error.code);
+    if (stage == Stage::solving && error.code == TVK_ERROR_NOT_MIP)
+      context.console.print_error("tovik: --populate is for mixed-integer models");
     if (stage == Stage::solving && error.code == TVK_ERROR_NOT_FOR_MIP)
       context.console.print_error("tovik: --relax solves the continuous relaxation");
   } catch (const DroppedText& error) {

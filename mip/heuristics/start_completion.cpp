@@ -136,6 +136,7 @@ std::vector<double> StartCompletion::search(const Domain& domain, double cutoff)
     return counts ? x : std::vector<double>();
   }
   Settings s = settings_;
+  s.enumeration = {};
   s.cutoff = cutoff;
   s.relative_gap = std::max(s.relative_gap, kGap);
   s.node_limit = s.heuristics.sub_nodes;

@@ -44,7 +44,11 @@ std::unique_ptr<SolutionPool> empty_pool(const tovik::Problem& problem) {
 }
 
 PoolFeed::PoolFeed(const Environment& env, tovik::Problem& problem)
-    : problem_(problem), rules_(pool_rules(env)) {}
+    : problem_(problem), rules_(pool_rules(env)) {
+  // Gaps may be smaller than they were.
+  if (problem.pool != nullptr && problem.solution != nullptr && problem.status != TVK_STATUS_NONE)
+    problem.pool->note_best(problem.solution->objective, rules_);
+}
 
 void PoolFeed::add(const mip::Solution& solution) {
   const auto columns = static_cast<std::size_t>(problem_.pool->num_columns());

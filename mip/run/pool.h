@@ -22,13 +22,16 @@ class PoolFeed : public SolutionSink {
  public:
   PoolFeed(const Environment& env, tovik::Problem& problem);
   void add(const mip::Solution& solution) override;
-  /* Solutions that have come, without those that the pool has refused. */
-  std::int64_t added() const { return added_; }
+  /* Null where the pool has no place for anything. */
+  SolutionSink* sink() { return rules_.capacity > 0 ? this : nullptr; }
+  bool is_full() const override { return added_ >= limit_; }
+  /* Counts what has come without what the pool has refused, from the beginning. */
+  void set_limit(std::int64_t limit) { limit_ = limit; }
 
  private:
   tovik::Problem& problem_;
   const PoolRules rules_;
-  std::int64_t added_ = 0;
+  std::int64_t added_ = 0, limit_ = INT64_MAX;
 };
 
 /* A point in the user's columns with its slacks, as the mixed-integer optimizer leaves one. objective: the user's. */

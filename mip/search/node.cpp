@@ -239,7 +239,9 @@ Search::NodeResult Search::try_relaxation(int slot, double objective, bool* agai
     }
     value = take(std::move(*found), nullptr);
   }
-  if (value) {
+  if (enumerates()) {
+    if (value && !global_.settings.enumeration.splits) return NodeResult::integral;
+  } else if (value) {
     // No point of the node is better than its relaxation, whose value is known to its tolerances only.
     if (prunes(tree_[slot].bound) ||
         *value <= objective + kBoundTrust * std::max(1.0, std::fabs(objective))) {

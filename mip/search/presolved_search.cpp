@@ -76,6 +76,11 @@ void PresolvedSearch::change_settings(const Settings& settings) {
 }
 
 bool PresolvedSearch::can_go_on_with(const Settings& wanted) const {
+  const EnumerationSettings &now = settings_.enumeration, &then = wanted.enumeration;
+  if (now.on != then.on) return false;
+  if (now.on && (now.splits != then.splits || settings_.presolve.dual != wanted.presolve.dual ||
+                 then.relative_gap > now.relative_gap || then.absolute_gap > now.absolute_gap))
+    return false;
   return wanted.cutoff <= settings_.cutoff && wanted.least_improvement >= settings_.least_improvement &&
          wanted.least_relative_improvement >= settings_.least_relative_improvement &&
          wanted.tolerances.integrality == settings_.tolerances.integrality &&
@@ -130,8 +135,8 @@ bool PresolvedSearch::offer(std::span<const double> x) {
     if (sink_ != nullptr && judge_.accept_as_it_is(x, &found)) sink_->add(found);
     return false;
   }
-  if (sink_ != nullptr) sink_->add(found);
   incumbent_ = std::move(found);
+  if (sink_ != nullptr) sink_->add(incumbent_);
   ++earlier_.solutions;
   earlier_statistics_.incumbents.push_back({control_.seconds(), 0, incumbent_.objective, "start"});
   observer_.solution(incumbent_.objective, incumbent_.x);

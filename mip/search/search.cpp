@@ -42,6 +42,8 @@ Search::~Search() = default;
 void Search::change_settings(const Settings& settings) {
   global_.settings = settings;
   global_.cutoff = std::min(global_.cutoff, settings.cutoff);
+  if (enumerates() && global_.has_incumbent())
+    global_.cutoff = std::min(global_.cutoff, enumeration_cutoff(global_.incumbent_value));
   worker_.relaxation->set_options(settings.lp);
 }
 
@@ -70,12 +72,14 @@ std::optional<double> Search::judge(std::span<const double> x, const char* found
     return std::nullopt;
   }
   if (callbacks_ != nullptr && admit(*found, false) != Admission::admitted) return std::nullopt;
-  return take(std::move(*found), found_by);
+  const bool is_better = found->solution.objective < incumbent_.objective;
+  const double value = take(std::move(*found), found_by);
+  return is_better || !enumerates() ? std::optional(value) : std::nullopt;
 }
 
 /* A solution that is no better than the incumbent. Callbacks are asked about better ones only. */
 void Search::keep_for_pool(std::span<const double> x) const {
-  if (sink_ == nullptr || callbacks_ != nullptr) return;
+  if (sink_ == nullptr || callbacks_ != nullptr || enumerates()) return;
   Solution solution;
   if (!judge_.accept_as_it_is(x, &solution)) return;
   if (origin_ != nullptr && !origin_->accept_as_it_is(std::vector<double>(solution.x), &solution)) return;
@@ -83,9 +87,13 @@ void Search::keep_for_pool(std::span<const double> x) const {
 }
 
 double Search::take(Accepted found, const char* found_by) {
-  if (sink_ != nullptr) sink_->add(found.solution);
+  if (enumerates() && !(found.solution.objective < incumbent_.objective)) {
+    if (sink_ != nullptr) sink_->add(found.solution);
+    return found.solution.objective;
+  }
   if (origin_ != nullptr) origin_->take(found.solution);
   set_incumbent(std::move(found.solution), found.point);
+  if (sink_ != nullptr) sink_->add(incumbent_);
   ++solutions_;
   node_of_incumbent_ = nodes_;
   new_incumbent_ = true;
@@ -111,6 +119,13 @@ void Search::inherit(const Solution& solution, std::span<const double> x) {
   new_incumbent_ = true;
 }
 
+/* What rounding is worth is within the gaps. */
+double Search::enumeration_cutoff(double best) const {
+  const EnumerationSettings& gaps = global_.settings.enumeration;
+  const double room = std::min(gaps.absolute_gap, gaps.relative_gap * (1e-10 + std::fabs(best)));
+  return best + room + 1e-8 * std::max(1.0, std::fabs(best));
+}
+
 /* All that an improved solution changes. */
 void Search::set_incumbent(Solution solution, std::span<const double> x) {
   const Settings& settings = global_.settings;
@@ -128,7 +143,7 @@ void Search::set_incumbent(Solution solution, std::span<const double> x) {
   }
   global_.incumbent.assign(x.begin(), x.end());
   global_.incumbent_value = u;
-  global_.cutoff = std::min(global_.cutoff, u - improvement);
+  global_.cutoff = std::min(global_.cutoff, enumerates() ? enumeration_cutoff(u) : u - improvement);
 }
 
 std::int64_t Search::judges_iterations() const {
@@ -167,6 +182,7 @@ double Search::rounded_bound(double bound) const {
 }
 
 bool Search::gap_is_closed(double bound) const {
+  if (enumerates()) return prunes(bound);
   if (!global_.has_incumbent()) return false;
   const double gap = global_.incumbent_value - bound;
   return gap <= global_.settings.absolute_gap ||
@@ -235,6 +251,7 @@ Conclusion Search::conclude() {
   const bool all_decided = undecided_bound_ == kInf;  // below all, -inf, where the node has no bound
   if (!all_decided && !gap_is_closed(undecided_bound_)) return Conclusion::failed;
   if (!global_.has_incumbent()) return Conclusion::infeasible;
+  if (enumerates()) return Conclusion::optimal;
   return tree_.empty() && all_decided ? Conclusion::optimal : Conclusion::within_gap;
 }
 
@@ -306,7 +323,9 @@ bool Search::goes_on_with(int child) {
   double share = global_.settings.backtrack_share;
   const bool may_end = plunged_ >= kLeastPlunge && global_.settings.node_rule != NodeRule::depth_first;
   if (may_end) share = std::min(share, kPlungeShare);
-  return bound - best <= share * (global_.incumbent_value - best);
+  // Of a search for all solutions every node may be beyond the incumbent.
+  const double worst = enumerates() ? global_.cutoff : global_.incumbent_value;
+  return bound - best <= share * (worst - best);
 }
 
 /* The child of the plunge, else the queue's best. Nodes within the gap only hold the bound up. */

@@ -7,6 +7,9 @@
  * - Trust: incumbents pass the judge on the problem as it was given. A node is dropped only by a bound that holds
  *   whatever rounding did, a proof of infeasibility that stands on the data, or propagation; where neither can be had it
  *   counts with its parent's bound until it is decided, or for ever.
+ * - With Settings::enumeration the sink gets a solution for every assignment of the integer columns that has one within
+ *   the gaps, as good as the best with that assignment, before optimal is told; a node whose relaxation is a solution is
+ *   branched on until its integer columns are fixed. Where presolve keeps all points these are all there are of the given problem.
  * - Paths depend on settings and seed, never on the clock.
  * - Errors: bad_alloc; the object can then only be asked for its incumbent and progress. */
 #pragma once
@@ -144,7 +147,11 @@ class Search {
   lp::Stop asks_to_stop();
   bool gap_is_closed(double bound) const;
   bool prunes(double bound) const { return bound >= global_.cutoff; }
-  bool has_enough_solutions() const { return solutions_ >= global_.settings.solution_limit; }
+  bool has_enough_solutions() const {
+    return solutions_ >= global_.settings.solution_limit || (sink_ != nullptr && sink_->is_full());
+  }
+  bool enumerates() const { return global_.settings.enumeration.on; }
+  double enumeration_cutoff(double best) const;
   double open_bound();
 
   int pick();

@@ -13,6 +13,8 @@ class SolutionSink {
   virtual ~SolutionSink() = default;
   /* A solution of the problem that the search was given, found feasible there; callbacks have admitted it. */
   virtual void add(const Solution& solution) = 0;
+  /* No more are wanted: the search ends as at its limit on solutions. */
+  virtual bool is_full() const { return false; }
 };
 
 }  // namespace tovik::mip

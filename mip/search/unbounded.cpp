@@ -69,6 +69,7 @@ Search::NodeResult Search::branch_unbounded(int slot, bool* again) {
   settings.objective_stop = -kInf;
   settings.solution_limit = 1;
   settings.witness = {};
+  settings.enumeration = {};
   SilentObserver silent;
   Search search(any, settings, control_, silent);
   const Conclusion end = search.run();

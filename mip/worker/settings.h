@@ -51,6 +51,14 @@ struct HeuristicSettings {
   bool fixing = true;  // fixing and propagation
 };
 
+/* A search for all solutions instead of a better one: nodes are dropped for what is worse than the best solution by more than both
+ * gaps allow, and none for the gap that is left. */
+struct EnumerationSettings {
+  bool on = false;
+  bool splits = true;  // nodes whose relaxation is a solution are searched further
+  double relative_gap = kInf, absolute_gap = kInf;
+};
+
 struct Settings {
   Tolerances tolerances;
   lp::simplex::Options lp;
@@ -87,6 +95,7 @@ struct Settings {
   PresolveSettings presolve;
   CutSettings cuts;
   HeuristicSettings heuristics;
+  EnumerationSettings enumeration;
   std::uint64_t seed = 1;
   Witness witness;
 };

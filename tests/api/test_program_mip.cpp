@@ -63,6 +63,26 @@ TEST_F(ProgramMip, ATimeLimitKeepsTheIncumbent) {
   EXPECT_EQ(run({"verify", "a.lp", "a.sol"}).exit, 0);
 }
 
+TEST_F(ProgramMip, PopulatesAndWritesAllSolutions) {
+  write("a.lp", "Maximize\n 3 a + 2 b + c\nSubject To\n a + b + c <= 2\nBinary\n a b c\nEnd\n");
+  const Result all = run({"a.lp", "--json", "-q", "--populate", "100", "--pool-solutions", "p.sol", "--set",
+                          "SOLNPOOLINTENSITY=4", "--set", "SOLNPOOLAGAP=2"});
+  EXPECT_EQ(all.exit, 0) << all.err;
+  EXPECT_EQ(all.json()["status"], 130);
+  EXPECT_EQ(all.json()["pool_solutions"], 4);
+  for (const char* pick : {"1", "2", "3", "4"})
+    EXPECT_EQ(run({"verify", "a.lp", "p.sol", "--pick", pick}).exit, 0) << pick;
+  EXPECT_EQ(run({"verify", "a.lp", "p.sol", "--pick", "5"}).exit, 7);
+  const Result some = run({"a.lp", "--populate", "4"});  // as many as asked for
+  EXPECT_EQ(some.exit, 0) << some.err;
+  EXPECT_TRUE(contains(some.out, " solutions,")) << some.out;
+  EXPECT_FALSE(run({"a.lp", "--json", "-q"}).json().contains("pool_solutions"));
+  write("b.lp", "Minimize\n x\nSubject To\n x >= 2\nEnd\n");
+  const Result continuous = run({"b.lp", "--populate", "4"});
+  EXPECT_EQ(continuous.exit, 2);
+  EXPECT_TRUE(contains(continuous.err, "--populate is for mixed-integer models")) << continuous.err;
+}
+
 TEST_F(ProgramMip, StartsComeFromSolutionFilesAndMipStartFiles) {
   write("a.lp", market_split(20, true));
   ASSERT_EQ(run({"a.lp", "-q", "--nodes", "30", "--solution", "a.sol"}).exit, 3);
