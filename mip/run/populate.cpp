@@ -33,6 +33,8 @@ Settings settings_of_enumeration(const Environment& env, const tovik::Problem& p
   settings.enumeration = {true, intensity >= kSplits, gap(rules.relative_gap), gap(rules.absolute_gap)};
   if (intensity >= kKeepsAllPoints) settings.presolve.keep_all_points();
   settings.presolve.restarts = 0;
+  // A column that is whole where the others are would be split on, without end where it has no bounds.
+  settings.presolve.rules &= ~rule_bit(PresolveRule::implied_integers);
   settings.objective_stop = -kInf;
   settings.solution_limit = kNoLimit;
   settings.least_improvement = settings.least_relative_improvement = 0;
