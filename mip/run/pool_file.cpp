@@ -21,7 +21,9 @@ fileio::SolutionReport report_of(const Environment& env, const tovik::Problem& p
   report.mixed_integer = true;
   report.type = kPrimalValuesOnly;
   report.status = problem.status;
-  report.status_text = status_text(problem.status);
+  // While the first search runs, callbacks see members and no status yet.
+  const char* const text = status_text(problem.status);
+  report.status_text = text != nullptr ? text : "unknown";
   if (const SearchResult* search = search_result(problem); search != nullptr) report.nodes = search->nodes;
   report.quality = lp::run::quality_of_point(env, problem, solution);
   report.level = fileio::write_level(env);
