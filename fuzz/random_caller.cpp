@@ -15,7 +15,7 @@ namespace {
 
 /* What may run long or leave no problem to compare, as its contract says. */
 bool is_optimizer(const std::string& name) {
-  static const char* const kNames[] = {"lpopt",  "mipopt", "primopt",  "dualopt", "siftopt",
+  static const char* const kNames[] = {"lpopt",  "mipopt", "populate", "primopt", "dualopt",     "siftopt",
                                        "baropt", "netopt", "presolve", "pivot",   "strongbranch"};
   return std::any_of(std::begin(kNames), std::end(kNames),
                      [&](const char* part) { return name.find(part) != std::string::npos; });
