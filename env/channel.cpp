@@ -23,7 +23,9 @@ void deliver(const Destination& destination, const char* text) noexcept {
 }  // namespace
 
 Channel::Channel(const Environment& environment)
-    : environment_(environment), list_(std::make_shared<List>()), live_(this, HandleKind::channel) {}
+    : environment_(environment),
+      list_(std::make_shared<List>()),
+      live_(std::in_place, this, HandleKind::channel) {}
 
 Channel::~Channel() {
   list_->destinations.clear();
@@ -90,6 +92,11 @@ bool Channel::has_file(FILE* file) const {
 void Channel::disconnect() noexcept {
   flush();
   list_->destinations.clear();
+}
+
+void Channel::retire() noexcept {
+  disconnect();
+  live_.reset();
 }
 
 void Channel::flush() noexcept {

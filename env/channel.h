@@ -12,6 +12,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "env/registry.h"
@@ -50,13 +51,14 @@ class Channel {
   void reserve();  // room for one more destination
   bool has_file(FILE* file) const;
   void disconnect() noexcept;  // flushes the files, then empties the list
+  void retire() noexcept;      // disconnects, and its handle names nothing any more
   void flush() noexcept;
   void write(const char* text) noexcept;  // delivers to every destination
   void write_to_files(const char* text) noexcept;
   bool empty() const;
   bool delivering() const;  // a message is on its way: called from a destination function
   const Environment& environment() const { return environment_; }
-  void* handle() const { return live_.value(); }
+  void* handle() const { return live_ ? live_->value() : nullptr; }
 
  private:
   struct List {
@@ -70,7 +72,7 @@ class Channel {
 
   const Environment& environment_;  // that it belongs to
   std::shared_ptr<List> list_;      // shared with the deliveries that are on their way
-  LiveHandle live_;
+  std::optional<LiveHandle> live_;
 };
 
 /* Formats by the printf rules, whatever the length, and delivers. A null channel delivers nothing. Returns

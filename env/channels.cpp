@@ -17,11 +17,17 @@ Status delete_channel(Environment& env, const Channel* channel) {
   const auto is_it = [channel](const auto& owned) { return owned.get() == channel; };
   const auto found = std::find_if(env.channels.begin(), env.channels.end(), is_it);
   if (found == env.channels.end()) return TVK_ERROR_NO_CHANNEL;
+  const bool at_work = !may_be_freed(env, 1).ok();
+  if (at_work) env.retired_channels.reserve(env.retired_channels.size() + 1);
   for (Channel** standard :
        {&env.error_channel, &env.warning_channel, &env.results_channel, &env.log_channel}) {
     if (*standard == found->get()) *standard = nullptr;
   }
-  (*found)->disconnect();
+  (*found)->retire();
+  if (at_work)
+    env.retired_channels.push_back(std::move(*found));
+  else
+    env.retired_channels.clear();
   env.channels.erase(found);
   return 0;
 }

@@ -43,7 +43,9 @@ struct Environment {
   void* binding_handle = nullptr;
   Settings settings;
   std::vector<std::unique_ptr<Channel>> channels;  // the four standard ones and the callers' own
-  Channel* error_channel = nullptr;                // null once the caller deleted it; so the next three
+  std::vector<std::unique_ptr<Channel>>
+      retired_channels;              // deleted while routines at work might still write to them
+  Channel* error_channel = nullptr;  // null once the caller deleted it; so the next three
   Channel* warning_channel = nullptr;
   Channel* results_channel = nullptr;
   Channel* log_channel = nullptr;

@@ -105,6 +105,37 @@ TEST_F(Channels, ListsMayChangeUnderDelivery) {
   EXPECT_EQ(meddler.calls, 2);
 }
 
+TEST_F(Channels, ASolveGoesOnWhenTheChannelThatItWritesToIsDeleted) {
+  struct Deleter {
+    EnvHandle env;
+    ChannelHandle channel;
+    int calls, code;
+  } deleter{env_, results_, 0, -1};
+  const auto remove = [](void* handle, const char*) {
+    auto* self = static_cast<Deleter*>(handle);
+    ++self->calls;
+    self->code = TVKdelchannel(self->env, &self->channel);
+  };
+  int status = 0;
+  ProbHandle lp = TVKcreateprob(env_, &status, "knapsack");
+  ASSERT_NE(lp, nullptr);
+  const double objective[] = {5, 4, 3, 1}, upper[] = {1, 1, 1, 1}, rhs[] = {5, 4}, values[] = {2, 3, 1, 1};
+  const char types[] = "BBBB", senses[] = "LL";
+  const int begin[] = {0, 3}, index[] = {0, 1, 2, 3};
+  ASSERT_EQ(TVKnewcols(env_, lp, 4, objective, nullptr, upper, types, nullptr), 0);
+  ASSERT_EQ(TVKaddrows(env_, lp, 0, 2, 4, rhs, senses, begin, index, values, nullptr, nullptr), 0);
+  ASSERT_EQ(TVKchgobjsen(env_, lp, TVK_MAX), 0);
+  ASSERT_EQ(TVKaddfuncdest(env_, results_, &deleter, remove), 0);
+  EXPECT_EQ(TVKmipopt(env_, lp), 0);
+  EXPECT_EQ(deleter.calls, 1);
+  EXPECT_EQ(deleter.code, 0);
+  EXPECT_EQ(deleter.channel, nullptr);
+  double best = 0;
+  EXPECT_EQ(TVKgetobjval(env_, lp, &best), 0);
+  EXPECT_DOUBLE_EQ(best, 10);
+  EXPECT_EQ(TVKfreeprob(env_, &lp), 0);
+}
+
 TEST_F(Channels, AnEnvironmentIsNotClosedUnderItsOwnMessage) {
   struct Closer {
     EnvHandle env;
