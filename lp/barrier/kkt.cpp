@@ -9,7 +9,7 @@
 namespace tovik::lp::barrier {
 namespace {
 
-constexpr double kTickShare = 0.3;  // work of an operation in dense loops against one by lists
+constexpr double kTickShare = 0.1;  // work of an operation in dense loops against one by lists
 
 /* Fewest entries from which on a column is dense: an empty stretch in the counts below which nearly all lie. */
 int dense_threshold(std::vector<int> counts) {

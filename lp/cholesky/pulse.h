@@ -27,8 +27,8 @@ class Pulse {
   void stop() { stopped_.store(true, std::memory_order_relaxed); }
 
  private:
-  static constexpr double kOperationsPerTick = 20;  // a tick elsewhere is an entry touched
-  static constexpr std::int64_t kTicksBetweenLooks = 2'000'000;
+  static constexpr double kOperationsPerTick = 60;  // a tick elsewhere is an entry touched
+  static constexpr std::int64_t kTicksBetweenLooks = 700'000;
 
   Control& control_;
   std::atomic<bool> stopped_ = false;
