@@ -4,29 +4,39 @@
 #include <cmath>
 
 #include "lp/cholesky/blas.h"
+#include "lp/cholesky/trailing_rows.h"
 
 namespace tovik::lp::cholesky {
 namespace {
 
-constexpr int kLeaf = 32;              // columns eliminated one by one
 constexpr int kRowsAtOnce = 1024;      // of a triangular solve
-constexpr double kWorthSharing = 4e6;  // operations
+constexpr int kHalvable = 64;          // columns of a square on the diagonal
+constexpr double kWorthHalving = 4e5;  // operations
 constexpr int kSmallFront = 24;        // products of less run in loops of our own
 
-/* Columns of a product with `rows` rows, of which the upper triangle is wasted: the wider, the more of it, but the more is
- * done with each row that is packed. */
-int tile_of(int rows) {
-  return rows <= 96 ? 32 : rows <= 384 ? 64 : rows <= 1024 ? 128 : kTile;
+/* The lower trapezoid of C := beta C - A B', `columns` of `rows` numbers each: squares on the diagonal are halved as long as
+ * that saves more than calls cost. */
+void multiply_lower(int rows, blas::ConstBlock a, blas::ConstBlock b, int inner, double beta, blas::Block c,
+                    int columns) {
+  if (columns < kHalvable || static_cast<double>(columns) * columns * inner < kWorthHalving) {
+    blas::multiply('N', 'T', {rows, columns, inner}, -1, a, b, beta, c);
+    return;
+  }
+  const int half = columns / 2 / 8 * 8;
+  if (rows > columns)
+    blas::multiply('N', 'T', {rows - columns, columns, inner}, -1, {a.value + columns, a.stride}, b, beta,
+                   {c.value + columns, c.stride});
+  multiply_lower(columns, a, b, inner, beta, c, half);
+  multiply_lower(columns - half, {a.value + half, a.stride}, {b.value + half, b.stride}, inner, beta,
+                 {c.value + half + static_cast<std::int64_t>(half) * c.stride, c.stride}, columns - half);
 }
 
 }  // namespace
 
-template <class Work>
-void FrontElimination::share(int pieces, double operations, const Work& work) {
-  if (team_ != nullptr && team_->workers() > 1 && operations > kWorthSharing)
-    team_->run(pieces, work, [this] { pulse_.look(); });
-  else
-    for (int piece = 0; piece < pieces; ++piece) work(piece, worker_);
+/* Columns of a product with `rows` rows, of which the upper triangle is wasted: the wider, the more of it, but the more is
+ * done with each row that is packed. */
+int FrontElimination::tile_of(int rows) {
+  return rows <= 96 ? 32 : rows <= 384 ? 64 : rows <= 1024 ? 128 : kTile;
 }
 
 /* Halves, so that most of the work is done by products with a long inner dimension. */
@@ -76,20 +86,9 @@ void FrontElimination::eliminate_leaf(int begin, int end) {
   const double width = end - begin;
   share(pieces, width * width * (rows - end), [&](int piece, int) {
     const int first = end + piece * kRowsAtOnce;
-    solve_rows(first, std::min(first + kRowsAtOnce, rows), begin, end);
+    solve_trailing_rows(at(begin, begin), front_.inverse + begin, end - begin, at(first, begin),
+                        std::min(kRowsAtOnce, rows - first), rows);
   });
-}
-
-/* X L' = A, then L := X D^-1. */
-void FrontElimination::solve_rows(int first, int last, int begin, int end) {
-  const int rows = last - first, width = end - begin, stride = front_.rows;
-  const double one = 1;
-  blas::dtrsm_("R", "L", "T", "U", &rows, &width, &one, at(begin, begin), &stride, at(first, begin), &stride);
-  for (int k = begin; k < end; ++k) {
-    double* const column = at(0, k);
-    const double inverse = front_.inverse[k];
-    for (int i = first; i < last; ++i) column[i] *= inverse;
-  }
 }
 
 /* scaled(i - first, k - begin) = L(i, k) D(k). */
@@ -112,36 +111,29 @@ void FrontElimination::update(int begin, int middle, int end) {
     const int first = middle + piece * tile, last = std::min(first + tile, end);
     double* const scaled = workspaces_[worker].scaled.data();
     scale_rows(first, last, begin, middle, scaled);
-    blas::multiply('N', 'T', {front_.rows - first, last - first, middle - begin}, -1,
-                   {at(first, begin), front_.rows}, {scaled, last - first}, 1,
-                   {at(first, first), front_.rows});
+    multiply_lower(front_.rows - first, {at(first, begin), front_.rows}, {scaled, last - first},
+                   middle - begin, 1, {at(first, first), front_.rows}, last - first);
     pulse_.add(inner * (last - first) * (front_.rows - first), worker);
   });
 }
 
-void FrontElimination::update_square(double* square) {
+void FrontElimination::update_square_columns(double* square, int first, int last, int worker) {
   const int below = front_.rows - front_.width, width = front_.width;
-  const int tile = tile_of(below), pieces = (below + tile - 1) / tile;
-  const double work = width;
-  share(pieces, work * below * below, [&](int piece, int worker) {
-    if (pulse_.stopped()) return;
-    const int first = piece * tile, last = std::min(first + tile, below);
-    double* const scaled = workspaces_[worker].scaled.data();
-    double* const target = square + first + static_cast<std::int64_t>(first) * below;
-    scale_rows(width + first, width + last, 0, width, scaled);
-    if (width * (below - first) < kSmallFront) {
-      for (int j = first; j < last; ++j)
-        for (int i = j; i < below; ++i) {
-          double sum = 0;
-          for (int k = 0; k < width; ++k) sum -= *at(width + i, k) * scaled[j - first + k * (last - first)];
-          square[i + static_cast<std::int64_t>(j) * below] = sum;
-        }
-    } else {
-      blas::multiply('N', 'T', {below - first, last - first, width}, -1, {at(width + first, 0), front_.rows},
-                     {scaled, last - first}, 0, {target, below});
-    }
-    pulse_.add(work * (last - first) * (below - first), worker);
-  });
+  double* const scaled = workspaces_[worker].scaled.data();
+  double* const target = square + first + static_cast<std::int64_t>(first) * below;
+  scale_rows(width + first, width + last, 0, width, scaled);
+  if (width * (below - first) < kSmallFront) {
+    for (int j = first; j < last; ++j)
+      for (int i = j; i < below; ++i) {
+        double sum = 0;
+        for (int k = 0; k < width; ++k) sum -= *at(width + i, k) * scaled[j - first + k * (last - first)];
+        square[i + static_cast<std::int64_t>(j) * below] = sum;
+      }
+  } else {
+    multiply_lower(below - first, {at(width + first, 0), front_.rows}, {scaled, last - first}, width, 0,
+                   {target, below}, last - first);
+  }
+  pulse_.add(static_cast<double>(width) * (last - first) * (below - first), worker);
 }
 
 }  // namespace tovik::lp::cholesky

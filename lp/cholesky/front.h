@@ -5,6 +5,7 @@
  * Sizes of all products depend on the front alone, so that digits do not depend on the number of workers. */
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <vector>
 
@@ -43,20 +44,39 @@ class FrontElimination {
         pulse_(pulse) {}
 
   void eliminate_panel() { eliminate(0, front_.width); }
-  void update_square(double* square);
+  /* `add` is called for columns begin .. end - 1 of the square once they are there: (begin, end, worker). */
+  template <class Add>
+  void update_square(double* square, const Add& add) {
+    const int below = front_.rows - front_.width, tile = tile_of(below);
+    const double work = front_.width;
+    share((below + tile - 1) / tile, work * below * below, [&](int piece, int worker) {
+      if (pulse_.stopped()) return;
+      const int first = piece * tile, last = std::min(first + tile, below);
+      update_square_columns(square, first, last, worker);
+      add(first, last, worker);
+    });
+  }
+  /* Pieces by the team where they are worth it: (piece, worker). */
+  template <class Work>
+  void share(int pieces, double operations, const Work& work) {
+    if (team_ != nullptr && team_->workers() > 1 && operations > kWorthSharing)
+      team_->run(pieces, work, [this] { pulse_.look(); });
+    else
+      for (int piece = 0; piece < pieces; ++piece) work(piece, worker_);
+  }
 
  private:
+  static constexpr double kWorthSharing = 1e6;  // operations
+  static int tile_of(int rows);
+  void update_square_columns(double* square, int first, int last, int worker);
   double* at(int row, int column) const {
     return front_.panel + row + static_cast<std::int64_t>(column) * front_.rows;
   }
-  template <class Work>
-  void share(int pieces, double operations, const Work& work);
   void eliminate(int begin, int end);
   void eliminate_leaf(int begin, int end);
   void pivot(int column);
   void update(int begin, int middle, int end);
   void scale_rows(int first, int last, int begin, int end, double* scaled) const;
-  void solve_rows(int first, int last, int begin, int end);
 
   Front front_;
   const Pivoting& pivoting_;

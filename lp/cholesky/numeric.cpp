@@ -12,7 +12,8 @@ namespace {
 
 constexpr double kOperationsPerAssembled = 16;
 constexpr double kOperationsPerFront = 5000, kOperationsPerColumn = 200;
-constexpr int kRunWorth = 4;  // rows a run must have on average for adding run by run
+constexpr int kColumnsAtOnce = 64;  // of a panel that is assembled
+constexpr int kRunWorth = 4;        // rows a run must have on average for adding run by run
 
 std::unique_ptr<double[]> numbers(std::int64_t count) {
   return std::unique_ptr<double[]>(new double[static_cast<std::size_t>(count)]);
@@ -136,62 +137,73 @@ void Numeric::process(Job& job, int s, int worker, Stacks& stacks, Team* team) {
   double* panel = nullptr;
   if (!job.went_well(panels_.begin(s, worker, &panel))) return;
   double* const square = push(s, stacks);
-  std::vector<int>& run = workspaces_[worker].run;
-  assemble_entries(job, s, panel);
   double assembled = static_cast<double>(symbolic_.panel[s + 1] - symbolic_.panel[s]);
-  for (int c = symbolic_.first_child[s]; c >= 0; c = symbolic_.sibling[c]) {
-    assemble_child(c, s, panel, true, run);
+  for (int c = symbolic_.first_child[s]; c >= 0; c = symbolic_.sibling[c])
     assembled += static_cast<double>(symbolic_.square(c));
-  }
   FrontElimination front({panel, symbolic_.front(s), width,
                           job.signs == nullptr ? nullptr : job.signs + first, inverse_.data() + first},
                          job.pivoting, workspaces_, worker, team, job.pulse);
+  const int pieces = (width + kColumnsAtOnce - 1) / kColumnsAtOnce;
+  front.share(pieces, kOperationsPerAssembled * assembled, [&](int piece, int by) {
+    const int begin = piece * kColumnsAtOnce, end = std::min(begin + kColumnsAtOnce, width);
+    assemble_entries(job, s, begin, end, panel);
+    assemble_children(s, begin, end, panel, 0, workspaces_[by].run);
+  });
   front.eliminate_panel();
-  front.update_square(square);
+  front.update_square(square, [&](int begin, int end, int by) {
+    assemble_children(s, width + begin, width + end, square, width, workspaces_[by].run);
+  });
   panels_.finish(s, panel);
-  for (int c = symbolic_.first_child[s]; c >= 0; c = symbolic_.sibling[c])
-    assemble_child(c, s, square, false, run);
   pop_children(s, stacks);
   job.pulse.add(kOperationsPerAssembled * assembled + kOperationsPerFront + kOperationsPerColumn * width,
                 worker);
 }
 
-void Numeric::assemble_entries(const Job& job, int s, double* panel) const {
-  double* column = panel;
-  std::memset(column, 0,
-              sizeof(double) * static_cast<std::size_t>(symbolic_.panel[s + 1] - symbolic_.panel[s]));
-  for (int j = symbolic_.start[s]; j < symbolic_.start[s + 1]; ++j, column += symbolic_.front(s))
+/* Columns begin .. end - 1 of the panel. */
+void Numeric::assemble_entries(const Job& job, int s, int begin, int end, double* panel) const {
+  const int rows = symbolic_.front(s);
+  double* column = panel + static_cast<std::int64_t>(begin) * rows;
+  std::memset(column, 0, sizeof(double) * static_cast<std::size_t>(rows) * (end - begin));
+  for (int j = symbolic_.start[s] + begin; j < symbolic_.start[s] + end; ++j, column += rows)
     for (std::int64_t e = symbolic_.entry_start[j]; e < symbolic_.entry_start[j + 1]; ++e)
       column[symbolic_.entry_row[e]] += job.values[symbolic_.entry[e]];
 }
 
-/* Adds the columns of the child's contribution that belong to the parent's panel, or those that belong to its square. */
-void Numeric::assemble_child(int child, int parent, double* target, bool to_panel, std::vector<int>& run) {
-  const int rows = symbolic_.below(child), width = symbolic_.width(parent);
-  if (rows == 0) return;
+void Numeric::assemble_children(int parent, int begin, int end, double* target, int offset,
+                                std::vector<int>& run) const {
+  for (int c = symbolic_.first_child[parent]; c >= 0; c = symbolic_.sibling[c])
+    assemble_child(c, parent, begin, end, target, offset, run);
+}
+
+/* Adds what the child contributes to columns begin .. end - 1 of the parent's front. The target begins with column and row
+ * `offset` of the front. */
+void Numeric::assemble_child(int child, int parent, int begin, int end, double* target, int offset,
+                             std::vector<int>& run) const {
+  const int rows = symbolic_.below(child);
   const int* const place = symbolic_.relative.data() + symbolic_.row_start[child];
-  const int split = static_cast<int>(std::lower_bound(place, place + rows, width) - place);
-  const int begin = to_panel ? 0 : split, end = to_panel ? split : rows;
-  if (begin == end) return;
-  const int offset = to_panel ? 0 : width, stride = symbolic_.front(parent) - offset;
+  const int from = static_cast<int>(std::lower_bound(place, place + rows, begin) - place);
+  int to = from;
+  while (to < rows && place[to] < end) ++to;
+  if (from == to) return;
+  const int stride = symbolic_.front(parent) - offset;
   run.clear();  // begins of runs of consecutive places
-  for (int i = begin; i < rows; ++i)
-    if (i == begin || place[i] != place[i - 1] + 1) run.push_back(i);
-  const bool by_runs = static_cast<std::size_t>(rows - begin) >= kRunWorth * run.size();
+  for (int i = from; i < rows; ++i)
+    if (i == from || place[i] != place[i - 1] + 1) run.push_back(i);
+  const bool by_runs = static_cast<std::size_t>(rows - from) >= kRunWorth * run.size();
   run.push_back(rows);
   std::size_t current = 0;
-  for (int j = begin; j < end; ++j) {
-    const double* const from = square_[child] + static_cast<std::int64_t>(j) * rows;
-    double* const to = target + static_cast<std::int64_t>(place[j] - offset) * stride - offset;
+  for (int j = from; j < to; ++j) {
+    const double* const source = square_[child] + static_cast<std::int64_t>(j) * rows;
+    double* const column = target + static_cast<std::int64_t>(place[j] - offset) * stride - offset;
     if (!by_runs) {
-      for (int i = j; i < rows; ++i) to[place[i]] += from[i];
+      for (int i = j; i < rows; ++i) column[place[i]] += source[i];
       continue;
     }
     while (run[current + 1] <= j) ++current;
     for (std::size_t k = current; k + 1 < run.size(); ++k) {
       const int i_begin = std::max(run[k], j), count = run[k + 1] - i_begin;
-      double* const sum = to + place[i_begin];
-      const double* const term = from + i_begin;
+      double* const sum = column + place[i_begin];
+      const double* const term = source + i_begin;
       for (int i = 0; i < count; ++i) sum[i] += term[i];
     }
   }

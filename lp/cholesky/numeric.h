@@ -55,8 +55,11 @@ class Numeric {
   std::int64_t bytes_beside() const;  // the panels
   void run_task(Job& job, const Plan::Task& task, int worker);
   void process(Job& job, int s, int worker, Stacks& stacks, Team* team);
-  void assemble_entries(const Job& job, int s, double* panel) const;
-  void assemble_child(int child, int parent, double* target, bool to_panel, std::vector<int>& runs);
+  void assemble_entries(const Job& job, int s, int begin, int end, double* panel) const;
+  void assemble_children(int parent, int begin, int end, double* target, int offset,
+                         std::vector<int>& run) const;
+  void assemble_child(int child, int parent, int begin, int end, double* target, int offset,
+                      std::vector<int>& run) const;
   double* push(int s, Stacks& stacks);
   void pop_children(int s, Stacks& stacks);
 

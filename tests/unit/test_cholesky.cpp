@@ -15,6 +15,7 @@
 #include "lp/cholesky/quotient_graph.h"
 #include "lp/cholesky/supernodes.h"
 #include "lp/cholesky/symbolic.h"
+#include "lp/cholesky/trailing_rows.h"
 #include "support/quiet_control.h"
 #include "support/random.h"
 
@@ -268,6 +269,46 @@ TEST(Cholesky, ProductsUseWhatTheProcessorCanDo) {
   if (!__builtin_cpu_supports("avx2") || !__builtin_cpu_supports("fma")) GTEST_SKIP() << "an old processor";
   EXPECT_STRNE(openblas_get_corename(), "Prescott");
 #endif
+}
+
+/* Against the definition, for all widths, rows around the sizes of registers, and a pivot that is infinite; what stands beside
+ * the rows stays. */
+TEST(Cholesky, TrailingRowsSolveTheTriangleAndDivideByThePivots) {
+  constexpr int kMost = 37, kStride = kLeaf + kMost + 1;
+  constexpr double kBeside = 1e300;
+  Random random(20);
+  for (const auto solve : {solve_trailing_rows, solve_trailing_rows_by_blas}) {
+    for (int width = 1; width <= kLeaf; ++width) {
+      for (int rows = 1; rows <= kMost; ++rows) {
+        std::vector<double> panel(static_cast<std::size_t>(kStride) * width, kBeside), inverse(width);
+        const auto at = [&](int i, int j) -> double& {
+          return panel[i + static_cast<std::size_t>(j) * kStride];
+        };
+        for (int j = 0; j < width; ++j) {
+          const bool infinite = width > 3 && j == width / 2;
+          at(j, j) = infinite ? 0 : 2 + random.uniform(-1, 1);
+          inverse[j] = infinite ? 0 : 1 / at(j, j);
+          for (int i = j + 1; i < width; ++i) at(i, j) = infinite ? 0 : random.uniform(-1, 1) / 4;
+          for (int i = 0; i < rows; ++i) at(width + i, j) = random.uniform(-1, 1);
+        }
+        const std::vector<double> before = panel;
+        solve(panel.data(), inverse.data(), width, panel.data() + width, rows, kStride);
+        for (int j = 0; j < width; ++j) {
+          EXPECT_EQ(at(width + rows, j), kBeside);
+          for (int i = width; i < width + rows; ++i) {
+            if (inverse[j] == 0) {
+              EXPECT_EQ(at(i, j), 0);
+              continue;
+            }
+            double sum = 0;
+            for (int k = 0; k <= j; ++k) sum += at(i, k) * at(k, k) * (k == j ? 1 : at(j, k));
+            EXPECT_NEAR(sum, before[i + static_cast<std::size_t>(j) * kStride], 1e-13)
+                << width << ' ' << rows;
+          }
+        }
+      }
+    }
+  }
 }
 
 TEST(Cholesky, PreviewCountsWhatAnalyzeGoesOnFrom) {
