@@ -27,7 +27,7 @@ void Newton::solve_once(const Blocks& wanted, Kkt::Accuracy accuracy, Point& ste
     if (form_.has_upper[j]) right += (wanted.upper_pairs[j] - at.v[j] * wanted.upper[j]) / at.w[j];
     dual_[j] = right;
   }
-  constexpr double kTicksPerColumn = 4, kTicksPerEntry = 0.7;  // the residuals and steps around it included
+  constexpr double kTicksPerColumn = 6, kTicksPerEntry = 1;  // the residuals and steps around it included
   control.add_work(static_cast<std::uint64_t>(kTicksPerColumn * form_.n +
                                               kTicksPerEntry * static_cast<double>(form_.a.index.size())));
   primal_ = wanted.primal;

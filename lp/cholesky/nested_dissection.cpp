@@ -12,6 +12,7 @@ namespace tovik::lp::cholesky {
 namespace {
 
 /* Graphs above these sizes are cut one separator at a time, so that a stop waits for one cut only. */
+constexpr std::uint64_t kTicksPerEntry = 12;  // of a part, to cut it
 constexpr std::size_t kWholeSize = 20000, kWholeEntries = 4000000;
 
 /* The package seeds and draws from rand(), the one generator of the process, which belongs to the application. While it works
@@ -63,7 +64,7 @@ class Dissection {
       Part part = std::move(waiting_.back());
       waiting_.pop_back();
       span(part);
-      control_.add_work(part.neighbour.size());
+      control_.add_work(kTicksPerEntry * part.neighbour.size());
       if (part.vertices.size() <= kWholeSize && part.neighbour.size() <= kWholeEntries)
         order_whole(part);
       else

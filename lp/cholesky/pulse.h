@@ -27,7 +27,7 @@ class Pulse {
   void stop() { stopped_.store(true, std::memory_order_relaxed); }
 
  private:
-  static constexpr double kOperationsPerTick = 60;  // a tick elsewhere is an entry touched
+  static constexpr double kOperationsPerTick = 40;  // a tick elsewhere is an entry touched
   static constexpr std::int64_t kTicksBetweenLooks = 700'000;
 
   Control& control_;

@@ -30,8 +30,9 @@
 namespace tovik::lp::run {
 namespace {
 
-constexpr std::uint64_t kHandicap = 100000000;  // ticks that all but the dual simplex begin with
-constexpr std::uint64_t kHeadStart = 20000000;  // ticks of the first clone before the clock alone decides
+constexpr std::uint64_t kHeadStart = 20000000;  // ticks of the first clone before the others begin
+constexpr std::uint64_t kHandicap =
+    kHeadStart;  // that all but the dual simplex begin with, where ticks decide
 
 bool is_deterministic(const Environment& env) {
   return env.settings.integer(TVK_PARAM_PARALLELMODE) >= 0;
@@ -67,15 +68,12 @@ class CloneControl : public EngineControl {
   std::uint64_t time() const { return handicap_ + work(); }
   bool is_beaten() const { return line_.beats(clone_, time()); }
   Stop poll() override {
-    if (start_others_ && work() >= head_start_) std::exchange(start_others_, nullptr)();
+    if (start_others_ && work() >= kHeadStart) std::exchange(start_others_, nullptr)();
     return is_beaten() ? Stop::user_abort : EngineControl::poll();
   }
   Stop poll_clock() override { return is_beaten() ? Stop::user_abort : EngineControl::poll_clock(); }
-  /* `start` is called once, from the clone's thread, when so much work is done. */
-  void after(std::uint64_t ticks, std::function<void()> start) {
-    head_start_ = ticks;
-    start_others_ = std::move(start);
-  }
+  /* `start` is called once, from the clone's thread, after the head start. */
+  void then(std::function<void()> start) { start_others_ = std::move(start); }
 
  private:
   const WorkCounter& work_;
@@ -83,7 +81,6 @@ class CloneControl : public EngineControl {
   const FinishLine& line_;
   const int clone_;
   const std::uint64_t handicap_;
-  std::uint64_t head_start_ = 0;
   std::function<void()> start_others_;
 };
 
@@ -160,7 +157,7 @@ class ContestRun {
       if (contest.status = set_up(k); !contest.status.ok()) return contest;
     }
     clones_[0].optimizer = std::move(question_.ready);
-    clones_[0].control->after(is_deterministic(env_) ? kHandicap : kHeadStart, [this] { start_others(); });
+    clones_[0].control->then([this] { start_others(); });
     work(0);
     // The caller's wishes reach its own thread only: nobody works on when it has been told to stop.
     if (is_stop(clones_[0].outcome)) line_.close();
@@ -350,8 +347,7 @@ namespace {
 bool is_solved_at_once(Environment& env, Problem& problem, Method method, const Continuation& continuation,
                        Status& status) {
   constexpr double kUnlimited = 1e75;
-  const std::uint64_t head_start = is_deterministic(env) ? kHandicap : kHeadStart;
-  env.limits.push(clock_seconds(env), kUnlimited, env.work->ticks, static_cast<double>(head_start));
+  env.limits.push(clock_seconds(env), kUnlimited, env.work->ticks, static_cast<double>(kHeadStart));
   try {
     status = run_simplex(env, problem, {method}, continuation);
   } catch (...) {
