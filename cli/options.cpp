@@ -163,6 +163,8 @@ void describe_solve(CLI::App& app, Options& options) {
         options.populate = true;
         options.assignments.push_back({"--populate", "POPULATELIM", value});
       });
+  add_file("--filters", options.filter_file,
+           "Of many solutions take only those that pass the filters in this file");
   add_file("--pool-solutions", options.pool_file, "Write all solutions that were met to this file");
   add_file("--write-basis", options.new_basis_file, "Write the last basis to this file");
   add_file("--write-model", options.model_file, "Write the model as it is solved (.lp, .mps, .sav, .gz ...)");

@@ -27,6 +27,7 @@ struct Options {
   std::vector<Assignment> assignments;
   std::string params_file;
   std::string basis_file, start_file;                     // to read before the solve
+  std::string filter_file;                                // the same: filters of the pool
   std::string solution_file, new_basis_file, model_file;  // to write
   std::string pool_file;                                  // the same: all solutions of the pool
   bool populate = false;                                  // fill the pool

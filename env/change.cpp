@@ -18,6 +18,7 @@ enum Dropped : unsigned {
   kNorms = 1u << 6,         // stored pricing norms
   kMixedInteger = 1u << 7,  // tree bookkeeping, MIP start and cached mixed-integer data
   kStart = 1u << 8,         // starting basis and values
+  kFilters = 1u << 9,       // filters of the solution pool
 };
 
 constexpr unsigned kBase = kStatus | kWorking | kSecond | kPresolve;
@@ -40,13 +41,13 @@ constexpr Rule kRules[] = {
     {Change::matrix, kBase | kSimplex | kStart, 1},
     {Change::senses, kBase | kSimplex | kStart, 1},
     {Change::add_columns, kBase, 3},
-    {Change::delete_columns, kBase | kSimplex | kNorms, 1},  // norms name their columns by index
+    {Change::delete_columns, kBase | kSimplex | kNorms | kFilters, 1},  // norms name their columns by index
     {Change::rows, kDerived, 1},
     {Change::column_types, kDerived, 1},
     {Change::sets, kDerived, 1},
     {Change::branching_order, kWorking | kSecond | kMixedInteger, 0},
     {Change::starts, kWorking | kSecond, 0},
-    {Change::whole_problem, kEverything, 1},
+    {Change::whole_problem, kEverything | kFilters, 1},
     {Change::quadratic, kEverything, 1},
     {Change::problem_type, kEverything, 1},
     {Change::norms, kNorms, 0},
@@ -96,6 +97,7 @@ void discard(Problem& problem, const Rule& rule, bool engine_follows) noexcept {
     problem.status = TVK_STATUS_NONE;
     problem.pool.reset();
   }
+  if (drops(kFilters)) problem.filters.clear();
   problem.start.change_level = std::max(problem.start.change_level, rule.level);
 }
 

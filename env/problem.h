@@ -15,6 +15,7 @@
 #include "env/read_report.h"
 #include "env/registry.h"
 #include "env/solution.h"
+#include "env/solution_filter.h"
 #include "env/solution_pool.h"
 
 namespace tovik {
@@ -75,6 +76,7 @@ struct Problem {
   std::unique_ptr<model::Model> model;
   std::unique_ptr<Solution> solution;  // null until the first optimization
   std::unique_ptr<SolutionPool> pool;  // of the last mixed-integer search; null: none
+  SolutionFilters filters;             // that members of the pool pass
   Start start;
   Norms norms;
   std::unique_ptr<Derived> simplex;  // live basis and factor between optimizations

@@ -155,6 +155,16 @@ void SolutionPool::remove(int begin, int end) {
   for (int k = end; k >= begin; --k) erase(k);
 }
 
+void SolutionPool::remove_filtered(std::span<const SolutionFilter> filters) {
+  std::vector<int> leaving;
+  for (int k = size() - 1; k >= 0; --k) {
+    const std::vector<double> x = point(k);
+    const auto passes = [&](const SolutionFilter& filter) { return filter.passes(x); };
+    if (!std::all_of(filters.begin(), filters.end(), passes)) leaving.push_back(k);
+  }
+  for (const int k : leaving) erase(k);
+}
+
 SolutionPool::Nearest SolutionPool::nearest_of(const Member& member, std::size_t except) const {
   Nearest nearest{kInfinite, 0};
   for (std::size_t i = 0; i < members_.size(); ++i) {
@@ -237,6 +247,10 @@ void SolutionPool::note_best(double objective, const PoolRules& rules) {
 }
 
 SolutionPool::Result SolutionPool::add(std::span<const double> x, double objective, const PoolRules& rules) {
+  if (rules.filters != nullptr && !rules.filters->passes(x)) {
+    note_best(objective, rules);
+    return Result::filtered;
+  }
   Member member = make_member(x, objective);
   const Key key = key_of(member);
   const int known = find_decision(member, key);

@@ -4,7 +4,8 @@
  *   one decision the best solution stays. Members keep their number for life and stand by ascending number, the order in
  *   which they came.
  * - Rules (PoolRules) hold for what is added from then on: nothing stays that is worse than the best objective ever offered by
- *   more than both gaps allow; where the pool is full one member leaves for each that comes.
+ *   more than both gaps allow; nothing comes that does not pass the filters; where the pool is full one member leaves for each
+ *   that comes.
  * - Memory: 12 bytes a nonzero. Cost of adding: a hash; where the least diverse leaves, a comparison with every member.
  * - Errors: bad_alloc; what was to be added is then not there. */
 #pragma once
@@ -16,6 +17,8 @@
 #include <unordered_map>
 #include <vector>
 
+#include "env/solution_filter.h"
+
 namespace tovik {
 
 enum class PoolReplacement { oldest, worst, least_diverse };
@@ -24,6 +27,7 @@ struct PoolRules {
   int capacity = 2100000000;
   PoolReplacement replacement = PoolReplacement::oldest;
   double relative_gap = 1e75, absolute_gap = 1e75;  // 1e75: none
+  const SolutionFilters* filters = nullptr;         // that members pass; null: none
 };
 
 /* How much worse than the best a solution may be by both gaps, with what rounding is worth; infinite without any. */
@@ -44,6 +48,7 @@ class SolutionPool {
     improved,  // takes the place of a worse solution of the same decision
     known,     // a solution of that decision that is as good is there, or has left for others
     too_bad,   // for the gaps, or for a full pool from which the worst leaves
+    filtered,  // does not pass the filters; still nothing is worse than it by more than the gaps
     no_place   // the capacity is 0
   };
 
@@ -55,6 +60,8 @@ class SolutionPool {
   void note_best(double objective, const PoolRules& rules);
   /* Members begin..end go. */
   void remove(int begin, int end);
+  /* Members that do not pass go. Nothing goes where memory runs out. */
+  void remove_filtered(std::span<const SolutionFilter> filters);
 
   int size() const { return static_cast<int>(members_.size()); }
   const Member& operator[](int k) const { return members_[static_cast<std::size_t>(k)]; }

@@ -19,6 +19,7 @@ ITEMS = [
     (r"NET.*(node|supply|getpi|getslack)", "nodes"), (r"NET", "arcs"), (r"sos", "sets"), (r"indconstr", "indicators"),
     (r"usercut", "user_cuts"), (r"lazyconstraint", "lazy_constraints"), (r"mipstart", "starts"),
     (r"qconstr", "quadratic_rows"), (r"(del|delset)solnpoolsolns", "pool_members"),
+    (r"solnpool.*filter", "filters"),
     (r"solnpoolslack", "rows"),
     (r"(getpi|getslack|getax|rowinfeas|rows|getrhs|chgrhs|sense|rngval|rowname|rhssens|baseinv|tableaurow|origrowind|pivotin)$",
      "rows"),
@@ -42,7 +43,8 @@ COUNTED = {
     "beg": ["mcnt"], "varindices": ["nzcnt", "startspace"], "effortlevel": ["mcnt"], "mipstartindices": ["mcnt"],
     "priority": ["cnt", "space"], "direction": ["cnt", "space"], "qmatind": ["qmatspace"], "qmatval": ["qmatspace"],
     "supply": ["numnodes", "ncnt"], "tail": ["numarcs", "acnt", "cnt"], "head": ["numarcs", "acnt", "cnt", "len"],
-    "arc": ["arcspace"], "namestore": ["storespace"], "numbers": ["space"], "ind": ["len"], "val": ["len"],
+    "arc": ["arcspace"], "namestore": ["storespace"], "numbers": ["space"], "ind": ["len", "nzcnt", "space"], "val": ["len", "nzcnt", "space"],
+    "weight": ["nzcnt", "space"], "refval": ["nzcnt", "space"],
     "pind": ["plen"], "pval": ["plen"], "rlist": ["rlen"], "clist": ["clen"], "downobj": ["cnt"], "upobj": ["cnt"],
     "norm": ["len"], "cutind": ["nzcnt"], "cutval": ["nzcnt"], "varind": ["varcnt"], "varlu": ["varcnt"], "varbd": ["varcnt"],
 }

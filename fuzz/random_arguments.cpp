@@ -191,7 +191,7 @@ const char* Caller::text(const std::string& name) {
     const std::string base = pick({"a", "b", "c"});
     return zero_terminated(folder_ + '/' + base +
                            pick({".lp", ".mps", ".sav", ".net", ".bas", ".vec", ".sol", ".mst", ".ord",
-                                 ".prm", ".lp.gz", ".mps.bz2", ".sol.gz", "", ".restart"}));
+                                 ".flt", ".prm", ".lp.gz", ".mps.bz2", ".sol.gz", "", ".restart"}));
   }
   if (name == "filetype")
     return zero_terminated(pick({"LP", "MPS", "SAV", "NET", "RLP", "REW", "lpx", "", "MIN"}));
@@ -302,6 +302,9 @@ int Caller::starts() {
 }
 int Caller::pool_members() {
   return count_of(TVKgetsolnpoolnumsolns);
+}
+int Caller::filters() {
+  return count_of(TVKgetsolnpoolnumfilters);
 }
 int Caller::quadratic_rows() {
   return count_of(TVKgetnumqconstrs);

@@ -117,7 +117,7 @@ class Caller {
   std::size_t counted_end(const int* begin, const int* count, int vectors) const;
   int small(const char*) { return below(3); }
   int columns(), rows(), nodes(), arcs(), sets(), indicators(), user_cuts(), lazy_constraints(), starts(),
-      quadratic_rows(), pool_members();
+      quadratic_rows(), pool_members(), filters();
   int reduced_columns(), reduced_rows();
 
   /* ---- results ---- */

@@ -24,7 +24,8 @@ extern "C" {
  *   ... and in pieces     TVKnewcols, TVKnewrows, TVKaddcols, TVKaddrows, TVKchgcoef, TVKchgbds, TVKchgobj, TVKchgrhs
  *   integers and more     TVKcopyctype, TVKaddsos, TVKEaddindconstr, TVKaddlazyconstraints, TVKaddusercuts, TVKaddmipstarts
  *   solve                 TVKlpopt, TVKdualopt, TVKprimopt, TVKsiftopt, TVKbaropt; TVKmipopt; TVKNETprimopt; TVKpresolve
- *   many solutions        TVKpopulate, TVKgetsolnpoolnumsolns, TVKgetsolnpoolobjval, TVKgetsolnpoolx, TVKsolwritesolnpoolall
+ *   many solutions        TVKpopulate, TVKgetsolnpoolnumsolns, TVKgetsolnpoolobjval, TVKgetsolnpoolx, TVKsolwritesolnpoolall,
+ *                         TVKaddsolnpooldivfilter, TVKaddsolnpoolrngfilter
  *   the answer            TVKgetstat, TVKsolution, TVKgetobjval, TVKgetx, TVKgetpi, TVKgetdj, TVKgetslack, TVKsolninfo
  *   why there is none     TVKgetfarkas, TVKgetray, TVKgetquality, TVKgetrowinfeas, TVKgetcolinfeas
  *   what if               TVKgetobjsens, TVKgetrhssens, TVKgetboundsens, TVKgetsensobjval
@@ -2195,6 +2196,49 @@ TVK_API int TVKdelsetsolnpoolsolns(ConstEnvHandle env, ProbHandle lp, int *delst
  * where another limit ended the call, in either part, and 103, 118, 119 where there is nothing to fill it with. The incumbent is the
  * best solution of all. Limits and errors as TVKmipopt; nodes and iterations of both parts count together. */
 TVK_API int TVKpopulate(ConstEnvHandle env, ProbHandle lp);
+
+/* ---- Filters of the solution pool ----
+ * The pool takes only solutions that pass all filters; the incumbent need not pass them, and gaps count from the best solution all
+ * the same. A diversity filter bounds the distance from a reference point, the sum of weight[k] * |x[ind[k]] - refval[k]|
+ * over binary columns; a range filter bounds the sum of val[k] * x[ind[k]] over columns of any type; both with a tolerance of
+ * 1e-6, relative to 1 + |bound|. Bounds from TVK_INFBOUND on are none; where the lower one is above the upper one nothing passes.
+ * Members that are there when a filter comes are looked through too. TVKpopulate looks only for solutions that pass: it finds for each
+ * assignment of the integer columns the best one that does. It begins anew where filters came or went. Its incumbent is the best
+ * solution of all as far as the gaps of TVKmipopt (TVK_PARAM_EPGAP) tell.
+ * Filters stay until they are deleted, until columns are deleted, the problem becomes continuous or a whole problem is copied; a
+ * clone has none. A column that is no longer binary counts by its distance all the same.
+ * Errors: 1003 a negative count, a name with control characters that no file can hold; 1004 a null array where the count is
+ * not 0; 1201 a column outside; 1222 one twice; 1225 a bound, coefficient or value that is no number, 1233 an infinite one of the latter; 3003 not a
+ * mixed-integer problem; 3414 a diversity filter with a column that is not binary (type 'B', or 'I' with bounds within 0 and 1).
+ * A call that fails changes nothing. Queries: 1200 no such filter; 1003 one of the other kind; 1004 a null pointer. */
+#define TVK_FILTER_DIVERSITY 1
+#define TVK_FILTER_RANGE 2
+/* weight null: all 1; name null or empty: f1, f2, .. by a count of all filters that came. */
+TVK_API int TVKaddsolnpooldivfilter(ConstEnvHandle env, ProbHandle lp, double lower, double upper, int nzcnt,
+                                    const int *ind, const double *weight, const double *refval, const char *name);
+TVK_API int TVKaddsolnpoolrngfilter(ConstEnvHandle env, ProbHandle lp, double lower, double upper, int nzcnt,
+                                    const int *ind, const double *val, const char *name);
+TVK_API int TVKgetsolnpoolnumfilters(ConstEnvHandle env, ConstProbHandle lp);
+TVK_API int TVKgetsolnpoolfiltertype(ConstEnvHandle env, ConstProbHandle lp, int *type_p, int which);
+/* By the surplus protocol: with too little space 1207, and *surplus_p is negative; bounds are written anyway, where their
+ * pointers are not null. */
+TVK_API int TVKgetsolnpooldivfilter(ConstEnvHandle env, ConstProbHandle lp, double *lower_p, double *upper_p,
+                                    int *nzcnt_p, int *ind, double *weight, double *refval, int space, int *surplus_p,
+                                    int which);
+TVK_API int TVKgetsolnpoolrngfilter(ConstEnvHandle env, ConstProbHandle lp, double *lower_p, double *upper_p,
+                                    int *nzcnt_p, int *ind, double *val, int space, int *surplus_p, int which);
+TVK_API int TVKgetsolnpoolfiltername(ConstEnvHandle env, ConstProbHandle lp, char *buffer, int space, int *surplus_p,
+                                     int which);
+TVK_API int TVKgetsolnpoolfilterindex(ConstEnvHandle env, ConstProbHandle lp, const char *name, int *index_p);
+/* Delete filters begin..end, or those whose entry of delstat is exactly 1. */
+TVK_API int TVKdelsolnpoolfilters(ConstEnvHandle env, ProbHandle lp, int begin, int end);
+TVK_API int TVKdelsetsolnpoolfilters(ConstEnvHandle env, ProbHandle lp, int *delstat);
+/* Filters as an XML file, which holds numbers and names exactly, and those of a file behind the ones that are there, all or none;
+ * columns by name, where the problem has names and the file tells them, else by index; unknown ones are left out with a warning.
+ * Errors of writing: 1421, 1422, 1803; of reading: 1423, 1425 no XML or no filter file, 1434, and those above. The extension .flt
+ * may be left out. */
+TVK_API int TVKfltwrite(ConstEnvHandle env, ConstProbHandle lp, const char *filename);
+TVK_API int TVKreadcopysolnpoolfilters(ConstEnvHandle env, ProbHandle lp, const char *filename);
 
 /* Tests the starting basis for primal feasibility within TVK_PARAM_EPRHS: *infeas_p receives the index of the most
  * infeasible basic variable (column j, or number of columns + i for the slack of row i), or 2100000000 when there is none.

@@ -10,7 +10,7 @@ _tovik() {
       compopt -o nospace; return ;;
   esac
   case $verb in
-    solve) options="--params --set --time-limit --ticks --threads --nodes --gap --seed --method --relax --lenient --quiet --verbose --print --basis --start --solution --exact --populate --pool-solutions --write-basis --write-model --log --json --statistics --exit-zero --version --help" ;;
+    solve) options="--params --set --time-limit --ticks --threads --nodes --gap --seed --method --relax --lenient --quiet --verbose --print --basis --start --solution --exact --populate --filters --pool-solutions --write-basis --write-model --log --json --statistics --exit-zero --version --help" ;;
     convert) options="--lenient --params --set --help" ;;
     display) options="--params --set --help" ;;
     check) options="--most --strict --quiet --json --params --set --help" ;;

@@ -32,6 +32,7 @@ complete -c tovik -n "__tovik_verb solve" -r -F -l start
 complete -c tovik -n "__tovik_verb solve" -r -F -l solution
 complete -c tovik -n "__tovik_verb solve" -l exact
 complete -c tovik -n "__tovik_verb solve" -x -l populate
+complete -c tovik -n "__tovik_verb solve" -r -F -l filters
 complete -c tovik -n "__tovik_verb solve" -r -F -l pool-solutions
 complete -c tovik -n "__tovik_verb solve" -r -F -l write-basis
 complete -c tovik -n "__tovik_verb solve" -r -F -l write-model

@@ -69,6 +69,10 @@ void read_starts(const SolveContext& context, const Model& model) {
     with_label(context, options.start_file,
                [&] { return TVKreadcopymipstart(env, model.handle(), options.start_file.c_str()); });
   }
+  if (!options.filter_file.empty()) {
+    with_label(context, options.filter_file,
+               [&] { return TVKreadcopysolnpoolfilters(env, model.handle(), options.filter_file.c_str()); });
+  }
 }
 
 void write_model(const SolveContext& context, const Model& model, Outcome& outcome) {

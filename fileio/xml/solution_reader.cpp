@@ -1,39 +1,18 @@
-#include <expat.h>
-
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <cstring>
-#include <memory>
-#include <new>
+#include <utility>
 
 #include "fileio/basis/card_file.h"
 #include "fileio/stream/number.h"
 #include "fileio/xml/solution_file.h"
-#include "fileio/xml/xml_memory.h"
+#include "fileio/xml/xml_reader.h"
 #include "include/tovik.h"
 
 namespace tovik::fileio {
 namespace {
 
-constexpr std::size_t kBlock = std::size_t{1} << 16;
 constexpr std::size_t kFirstLook = std::size_t{1} << 16;
-constexpr int kDeepest = 100;  // elements within each other; a sound file has four, and each one takes memory
-
-/* Two-byte characters of UTF-8 as the single bytes that they stand for. */
-std::string folded(const char* text) {
-  std::string bytes;
-  for (; *text != '\0'; ++text) {
-    const auto first = static_cast<unsigned char>(text[0]), second = static_cast<unsigned char>(text[1]);
-    if ((first & 0xE0) == 0xC0 && (second & 0xC0) == 0x80) {
-      bytes += static_cast<char>((first & 0x1F) << 6 | (second & 0x3F));
-      ++text;
-    } else {
-      bytes += *text;
-    }
-  }
-  return bytes;
-}
 
 int status_of(std::string_view word) {
   constexpr std::string_view kWords[] = {"LL", "BS", "UL", "SB"};
@@ -41,121 +20,45 @@ int status_of(std::string_view word) {
   return found == std::end(kWords) ? -1 : static_cast<int>(found - std::begin(kWords));
 }
 
-class Parser {
+class Parser : public XmlReader {
  public:
   Parser(const model::Model& model, const SolutionReading& reading, ReaderLog& log,
          std::vector<SolutionFile>& solutions)
-      : model_(model), reading_(reading), log_(log), solutions_(solutions), parser_(memory_.make_parser()) {
-    if (!parser_) throw std::bad_alloc();
-    XML_SetUserData(parser_.get(), this);
-    XML_SetElementHandler(parser_.get(), on_start, on_end);
-    XML_SetXmlDeclHandler(parser_.get(), on_declaration);
-  }
+      : XmlReader(log), model_(model), reading_(reading), solutions_(solutions) {}
 
-  ReadFailure run(ByteSource& source);
   int found() const { return found_; }
 
  private:
   enum class Part { none, rows, columns };
-  struct Identity {
-    const char* name = nullptr;
-    const char* index = nullptr;
+  struct Values : Identity {
     const char* value = nullptr;
     const char* dual = nullptr;
     const char* status = nullptr;
   };
 
-  /* No exception may pass through the parser. */
-  template <class Work>
-  static void guarded(void* self, Work&& work) {
-    Parser& parser = *static_cast<Parser*>(self);
-    if (parser.out_of_memory_ || parser.failure_) return;
-    try {
-      work(parser);
-    } catch (const std::bad_alloc&) {
-      parser.out_of_memory_ = true;
-    }
-    if (parser.out_of_memory_ || parser.failure_) XML_StopParser(parser.parser_.get(), XML_FALSE);
-  }
-  static void XMLCALL on_start(void* self, const XML_Char* name, const XML_Char** attributes) {
-    guarded(self, [&](Parser& parser) {
-      if (++parser.depth_ > kDeepest)
-        parser.failure_ = ReadFailure::at(TVK_ERROR_XML_PARSE, parser.line(), "elements nested too deep");
-      if (!parser.failure_) parser.start(name, attributes);
-    });
-  }
-  static void XMLCALL on_end(void* self, const XML_Char* name) {
-    guarded(self, [&](Parser& parser) {
-      --parser.depth_;
-      parser.end(name);
-    });
-  }
-  static void XMLCALL on_declaration(void* self, const XML_Char*, const XML_Char* encoding, int) {
-    if (encoding == nullptr) return;
-    std::string word(encoding);
-    std::ranges::transform(word, word.begin(),
-                           [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c; });
-    static_cast<Parser*>(self)->latin1_ = word == "iso-8859-1";
-  }
-
-  void start(std::string_view name, const XML_Char** attributes);
-  void end(std::string_view name);
+  void start(std::string_view name, const XML_Char** attributes) override;
+  void end(std::string_view name) override;
   void begin_solution();
   void keep_values();
   void header(const XML_Char** attributes);
-  Identity identity(const XML_Char** attributes) const;
-  void variable(const Identity& element);
-  void constraint(const Identity& element);
-  int resolve(const Identity& element, const model::NameTable& names, int count, bool column);
+  static Values values_of(const XML_Char** attributes);
+  void variable(const Values& element);
+  void constraint(const Values& element);
+  int find(const Identity& element, const model::NameTable& names, int count, bool column);
   void note_met(std::vector<char>& met, int k, const Identity& element, bool column);
-  double number(const char* text, double absent);
-  int line() const { return static_cast<int>(XML_GetCurrentLineNumber(parser_.get())); }
-  std::string text(const char* bytes) const { return latin1_ ? folded(bytes) : std::string(bytes); }
   bool counts() const { return depth_in_solution_ > 0 && (reading_.several || found_ - 1 == reading_.which); }
-  template <class... Arguments>
-  void warn(const char* format, Arguments... arguments) {
-    if (warnings_.admit()) log_.warn(format, arguments...);
-  }
 
   const model::Model& model_;
   const SolutionReading& reading_;
-  ReaderLog& log_;
   std::vector<SolutionFile>& solutions_;
-  XmlMemory memory_;
-  XmlParser parser_;
-  ReadFailure failure_;
-  bool out_of_memory_ = false;
-  bool latin1_ = false;
   int found_ = 0;
-  int depth_ = 0, depth_in_solution_ = 0;
+  int depth_in_solution_ = 0;
   Part part_ = Part::none;
   std::vector<char> met_columns_, met_rows_;
   std::vector<double> spare_;  // where several solutions are read: a vector without values for the next one
   std::vector<int> columns_of_one_;  // met in the current solution
   std::int64_t kept_ = 0;            // what all solutions take, in values
-  WarningLimit warnings_;
 };
-
-ReadFailure Parser::run(ByteSource& source) {
-  const auto block = std::make_unique_for_overwrite<char[]>(kBlock);
-  for (bool last = false; !last;) {
-    std::size_t size = 0;
-    while (size < kBlock) {
-      const std::size_t count = source.read(block.get() + size, kBlock - size);
-      if (count == 0) break;
-      size += count;
-    }
-    last = size < kBlock;
-    if (memory_.parse(parser_.get(), block.get(), size, last) == XML_STATUS_OK) continue;
-    const XML_Error error = XML_GetErrorCode(parser_.get());
-    if (memory_.exceeded()) return ReadFailure::at(TVK_ERROR_XML_PARSE, line(), "elements too large");
-    if (out_of_memory_ || error == XML_ERROR_NO_MEMORY) throw std::bad_alloc();
-    if (failure_) return failure_;
-    return ReadFailure::at(TVK_ERROR_XML_PARSE, line(), XML_ErrorString(error));
-  }
-  if (warnings_.suppressed() > 0) log_.warn("%d warnings not printed.\n", warnings_.suppressed());
-  return {};
-}
 
 void Parser::start(std::string_view name, const XML_Char** attributes) {
   if (depth_in_solution_ > 0) ++depth_in_solution_;
@@ -169,8 +72,8 @@ void Parser::start(std::string_view name, const XML_Char** attributes) {
   if (name == "header") return header(attributes);
   if (name == "linearConstraints") part_ = Part::rows;
   if (name == "variables") part_ = Part::columns;
-  if (name == "variable" && part_ == Part::columns) variable(identity(attributes));
-  if (name == "constraint" && part_ == Part::rows && reading_.rows) constraint(identity(attributes));
+  if (name == "variable" && part_ == Part::columns) variable(values_of(attributes));
+  if (name == "constraint" && part_ == Part::rows && reading_.rows) constraint(values_of(attributes));
 }
 
 void Parser::end(std::string_view name) {
@@ -248,8 +151,8 @@ void Parser::header(const XML_Char** attributes) {
   }
 }
 
-Parser::Identity Parser::identity(const XML_Char** attributes) const {
-  Identity element;
+Parser::Values Parser::values_of(const XML_Char** attributes) {
+  Values element;
   for (; *attributes != nullptr; attributes += 2) {
     const std::string_view key = attributes[0];
     if (key == "name") element.name = attributes[1];
@@ -261,38 +164,10 @@ Parser::Identity Parser::identity(const XML_Char** attributes) const {
   return element;
 }
 
-double Parser::number(const char* digits, double absent) {
-  if (digits == nullptr) return absent;
-  double value = 0;
-  if (!parse_whole_number(digits, digits + std::strlen(digits), value))
-    failure_ = ReadFailure::at(TVK_ERROR_LINE_NUMBER_CONVERSION, line(), digits);
-  return value;
-}
-
-/* The position of an element, -1 after a warning. Of several items with one name the index chooses. */
-int Parser::resolve(const Identity& element, const model::NameTable& names, int count, bool column) {
-  const double index = element.index == nullptr ? -1 : std::trunc(number(element.index, -1));
-  const bool inside = index >= 0 && index < count;
-  if (failure_) return -1;
-  if (element.name != nullptr && !names.empty()) {
-    const std::string name = text(element.name);
-    if (inside && names.name(static_cast<int>(index)) == name) return static_cast<int>(index);
-    const int found = names.find(name);
-    if (found < 0) {
-      ++solutions_.back().unknown;
-      warn(column ? "Warning, line %d: '%.255s' is not a variable.\n"
-                  : "Warning, line %d: '%.255s' is not a constraint.\n",
-           line(), name.c_str());
-    }
-    return found;
-  }
-  if (inside) return static_cast<int>(index);
-  ++solutions_.back().unknown;
-  const int shown = static_cast<int>(std::clamp(index, -2147483647.0, 2147483647.0));
-  warn(column ? "Warning, line %d: Variable index '%d' out of range.\n"
-              : "Warning, line %d: Constraint index '%d' out of range.\n",
-       line(), shown);
-  return -1;
+int Parser::find(const Identity& element, const model::NameTable& names, int count, bool column) {
+  const int k = resolve(element, names, count, column);
+  if (k < 0) ++solutions_.back().unknown;
+  return k;
 }
 
 void Parser::note_met(std::vector<char>& met, int k, const Identity& element, bool column) {
@@ -311,8 +186,8 @@ void Parser::note_met(std::vector<char>& met, int k, const Identity& element, bo
 }
 
 /* Of repeated elements the last one counts. */
-void Parser::variable(const Identity& element) {
-  const int j = resolve(element, model_.column_names(), model_.num_columns(), true);
+void Parser::variable(const Values& element) {
+  const int j = find(element, model_.column_names(), model_.num_columns(), true);
   if (j < 0) return;
   note_met(met_columns_, j, element, true);
   SolutionFile& solution = solutions_.back();
@@ -323,8 +198,8 @@ void Parser::variable(const Identity& element) {
   solution.column_status[at] = element.status == nullptr ? -1 : status_of(element.status);
 }
 
-void Parser::constraint(const Identity& element) {
-  const int i = resolve(element, model_.row_names(), model_.num_rows(), false);
+void Parser::constraint(const Values& element) {
+  const int i = find(element, model_.row_names(), model_.num_rows(), false);
   if (i < 0) return;
   note_met(met_rows_, i, element, false);
   SolutionFile& solution = solutions_.back();

@@ -68,13 +68,21 @@ void XmlWriter::open(std::string_view name) {
   ++level_;
 }
 
-void XmlWriter::open_with_version(std::string_view name, std::string_view version) {
+void XmlWriter::begin_container(std::string_view name) {
   indent();
   out_.put('<');
   out_.put(name);
-  attribute("version", version);
+}
+
+void XmlWriter::end_of_attributes() {
   out_.put(">\n");
   ++level_;
+}
+
+void XmlWriter::open_with_version(std::string_view name, std::string_view version) {
+  begin_container(name);
+  attribute("version", version);
+  end_of_attributes();
 }
 
 void XmlWriter::close(std::string_view name) {

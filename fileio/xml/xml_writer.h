@@ -18,6 +18,9 @@ class XmlWriter {
 
   void open(std::string_view name);  // a container: <name>
   void close(std::string_view name);
+  /* A container with attributes, which stand between the two. */
+  void begin_container(std::string_view name);
+  void end_of_attributes();
   /* An empty element with attributes; each on a line of its own when `tall`. */
   void begin(std::string_view name, bool tall = false);
   void end();

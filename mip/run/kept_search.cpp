@@ -31,8 +31,10 @@ Settings settings_with_callbacks(const Environment& env, const tovik::Problem& p
 }
 
 KeptSearch::Part::Part(Environment& env, const tovik::Problem& user, KeptSearch& kept,
-                       const Settings& settings)
-    : search(kept.problem, settings, kept.control, kept.audience),
+                       const Settings& settings, std::unique_ptr<const mip::Problem> own)
+    : own_problem(std::move(own)),
+      filters(user.filters.revision()),
+      search(own_problem != nullptr ? *own_problem : kept.problem, settings, kept.control, kept.audience),
       spaces(user.model->num_columns(), kept.problem.num_columns(), search) {
   search.set_listener([&kept, &env, &user](const Presolved& presolved, bool again) {
     write_presolve_lines(env, user, presolved, kept.log.seconds(), again);

@@ -81,9 +81,12 @@ Settings settings_with_callbacks(const Environment& env, const tovik::Problem& p
 Settings settings_of_search(Environment& env, const tovik::Problem& user, const mip::Problem& problem);
 
 struct KeptSearch : Derived {
-  /* A search, and what callbacks see of it. */
+  /* A search, and what callbacks see of it. own: the problem that it searches, where it is not the one of all. */
   struct Part {
-    Part(Environment& env, const tovik::Problem& user, KeptSearch& kept, const Settings& settings);
+    Part(Environment& env, const tovik::Problem& user, KeptSearch& kept, const Settings& settings,
+         std::unique_ptr<const mip::Problem> own = nullptr);
+    const std::unique_ptr<const mip::Problem> own_problem;
+    const std::uint64_t filters;  // revision of those that it knows
     PresolvedSearch search;
     const SpaceMap spaces;
     SearchedProblem searched_problem;

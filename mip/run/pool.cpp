@@ -22,7 +22,7 @@ Status check_member(const tovik::Problem& problem, int soln) {
 
 }  // namespace
 
-PoolRules pool_rules(const Environment& env) {
+PoolRules pool_rules(const Environment& env, const tovik::Problem& problem) {
   const tovik::Settings& s = env.settings;
   PoolRules rules;
   rules.capacity = s.integer(TVK_PARAM_SOLNPOOLCAPACITY);
@@ -32,6 +32,7 @@ PoolRules pool_rules(const Environment& env) {
   };
   take(s.real(TVK_PARAM_SOLNPOOLGAP), rules.relative_gap);
   take(s.real(TVK_PARAM_SOLNPOOLAGAP), rules.absolute_gap);
+  rules.filters = &problem.filters;
   return rules;
 }
 
@@ -44,7 +45,7 @@ std::unique_ptr<SolutionPool> empty_pool(const tovik::Problem& problem) {
 }
 
 PoolFeed::PoolFeed(const Environment& env, tovik::Problem& problem)
-    : problem_(problem), rules_(pool_rules(env)) {
+    : problem_(problem), rules_(pool_rules(env, problem)) {
   // Gaps may be smaller than they were.
   if (problem.pool != nullptr && problem.solution != nullptr && problem.status != TVK_STATUS_NONE)
     problem.pool->note_best(problem.solution->objective, rules_);

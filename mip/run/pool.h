@@ -12,8 +12,8 @@
 
 namespace tovik::mip::run {
 
-/* By the parameters of the pool. */
-PoolRules pool_rules(const Environment& env);
+/* By the parameters of the pool and the filters of the problem, which stays. */
+PoolRules pool_rules(const Environment& env, const tovik::Problem& problem);
 
 std::unique_ptr<SolutionPool> empty_pool(const tovik::Problem& problem);
 

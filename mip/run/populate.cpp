@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <cmath>
 #include <memory>
 #include <optional>
 #include <utility>
@@ -9,6 +10,7 @@
 #include "include/tovik.h"
 #include "lp/binding/engine_control.h"
 #include "lp/run/statistics.h"
+#include "mip/run/filter_rows.h"
 #include "mip/run/kept_search.h"
 #include "mip/run/pool.h"
 #include "mip/run/settings.h"
@@ -19,18 +21,26 @@ namespace tovik::mip::run {
 namespace {
 
 constexpr double kNoGap = 1e75;
+constexpr double kRounding = 1e-8;  // relative, of an objective value
 /* TVK_PARAM_SOLNPOOLINTENSITY: what 0 means here, from where on nodes that are solutions are searched further, and from where
  * on presolve keeps every feasible point. */
 constexpr int kAutomaticIntensity = 2, kSplits = 2, kKeepsAllPoints = 3;
 
-Settings settings_of_enumeration(const Environment& env, const tovik::Problem& problem,
-                                 const Progress& spent) {
+/* Of what the gaps allow, in the sense of the search. The best solution counts whether it passes the filters or not. */
+double worst_in_pool(const PoolRules& rules, KeptSearch& kept) {
+  const double best = kept.main.search.incumbent().objective;
+  return best + pool_room(rules, best) + kRounding * std::max(1.0, std::fabs(best));
+}
+
+Settings settings_of_enumeration(const Environment& env, const tovik::Problem& problem, KeptSearch& kept) {
+  const Progress spent = kept.main.search.progress();
   Settings settings = settings_with_callbacks(env, problem);
   const int wanted = env.settings.integer(TVK_PARAM_SOLNPOOLINTENSITY);
   const int intensity = wanted == 0 ? kAutomaticIntensity : wanted;
-  const PoolRules rules = pool_rules(env);
+  const PoolRules rules = pool_rules(env, problem);
   const auto gap = [](double value) { return value < kNoGap ? value : kInf; };
   settings.enumeration = {true, intensity >= kSplits, gap(rules.relative_gap), gap(rules.absolute_gap)};
+  if (problem.filters.size() > 0) settings.cutoff = std::min(settings.cutoff, worst_in_pool(rules, kept));
   if (intensity >= kKeepsAllPoints) settings.presolve.keep_all_points();
   settings.presolve.restarts = 0;
   // A column that is whole where the others are would be split on, without end where it has no bounds.
@@ -53,8 +63,9 @@ bool is_solved(const Environment& env, const tovik::Problem& problem) {
          kept->main.search.can_go_on_with(settings_of(env, problem));
 }
 
-int status_of_pool(Conclusion end, const PoolFeed& feed, const Environment& env) {
-  const PoolRules rules = pool_rules(env);
+int status_of_pool(Conclusion end, const PoolFeed& feed, const Environment& env,
+                   const tovik::Problem& problem) {
+  const PoolRules rules = pool_rules(env, problem);
   // Callbacks may have refused what they took before.
   if (end == Conclusion::optimal || end == Conclusion::infeasible) {
     const bool has_gap = rules.relative_gap < kNoGap || rules.absolute_gap < kNoGap;
@@ -66,12 +77,16 @@ int status_of_pool(Conclusion end, const PoolFeed& feed, const Environment& env)
 
 /* The search for all solutions, made anew where the last one cannot be gone on with. */
 KeptSearch::Part& enumeration_of(Environment& env, const tovik::Problem& problem, KeptSearch& kept) {
-  const Settings settings = settings_of_enumeration(env, problem, kept.main.search.progress());
-  if (kept.enumeration != nullptr && kept.enumeration->search.can_go_on_with(settings)) {
+  const Settings settings = settings_of_enumeration(env, problem, kept);
+  if (kept.enumeration != nullptr && kept.enumeration->filters == problem.filters.revision() &&
+      kept.enumeration->search.can_go_on_with(settings)) {
     kept.enumeration->search.change_settings(settings);
   } else {
     kept.enumeration.reset();
-    kept.enumeration = std::make_unique<KeptSearch::Part>(env, problem, kept, settings);
+    std::unique_ptr<const mip::Problem> filtered;
+    if (problem.filters.size() > 0)
+      filtered = std::make_unique<const mip::Problem>(with_filter_rows(kept.problem, problem.filters.all()));
+    kept.enumeration = std::make_unique<KeptSearch::Part>(env, problem, kept, settings, std::move(filtered));
   }
   return *kept.enumeration;
 }
@@ -119,7 +134,7 @@ Status enumerate(Environment& env, tovik::Problem& problem, KeptSearch& kept, Po
       part.search.search().drop_all_nodes();
     keep_result(problem, kept, part);
   }
-  problem.status = status_of_pool(end, feed, env);
+  problem.status = status_of_pool(end, feed, env, problem);
   if (!is_whole || kept.functions.delete_node) kept.enumeration.reset();
   return callbacks && callbacks->wants_to_stop() ? Status(TVK_ERROR_CALLBACK) : Status();
 }

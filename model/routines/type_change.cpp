@@ -45,6 +45,7 @@ void free_data(Problem& problem, unsigned kinds) noexcept {
     if (!problem.fixed()) admit_zero(model);  // a fixed one has decided which of them are 0
     model.set_column_types({});
     families.clear_mixed_integer();
+    problem.filters.clear();
   }
   if ((kinds & kQuadraticObjectiveData) != 0) families.quadratic_objective.clear();
   if ((kinds & kQuadraticRowData) != 0) families.quadratic_rows.clear();

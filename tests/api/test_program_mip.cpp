@@ -73,6 +73,13 @@ TEST_F(ProgramMip, PopulatesAndWritesAllSolutions) {
   for (const char* pick : {"1", "2", "3", "4"})
     EXPECT_EQ(run({"verify", "a.lp", "p.sol", "--pick", pick}).exit, 0) << pick;
   EXPECT_EQ(run({"verify", "a.lp", "p.sol", "--pick", "5"}).exit, 7);
+  write("a.flt",
+        "<TOVIKFilters><rangeFilter upperBound=\"1\"><variable name=\"a\"/><variable name=\"b\"/>"
+        "</rangeFilter></TOVIKFilters>");
+  const Result filtered = run({"a.lp", "--json", "-q", "--populate", "100", "--filters", "a.flt", "--set",
+                               "SOLNPOOLINTENSITY=4", "--set", "SOLNPOOLAGAP=2"});
+  EXPECT_EQ(filtered.json()["pool_solutions"], 3) << filtered.err;  // all but a + b
+  EXPECT_EQ(filtered.json()["objective"], 5);
   const Result some = run({"a.lp", "--populate", "4"});  // as many as asked for
   EXPECT_EQ(some.exit, 0) << some.err;
   EXPECT_TRUE(contains(some.out, " solutions,")) << some.out;
