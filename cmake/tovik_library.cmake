@@ -14,6 +14,7 @@ endfunction()
 
 target_link_libraries(tovik_fileio_xml PRIVATE EXPAT::EXPAT)
 target_link_libraries(tovik_fileio_stream PRIVATE ZLIB::ZLIB BZip2::BZip2)
+target_link_libraries(tovik_mip_search PRIVATE ZLIB::ZLIB)
 target_link_libraries(tovik_lp_cholesky PRIVATE AMD::AMD METIS::METIS)
 if(NOT TOVIK_BLAS_LINK_OPTIONS)
   set_source_files_properties(lp/cholesky/blas_buffers.cpp lp/cholesky/blas_kernels.cpp PROPERTIES HEADER_FILE_ONLY ON)

@@ -1160,7 +1160,7 @@ TVK_API int TVKgetticks(ConstEnvHandle env, ConstProbHandle lp, double *ticks_p)
 #define TVK_PARAM_MIPDISPLAY             2012 /* int 2, 0 to 5 */
 #define TVK_PARAM_MIPINTERVAL            2013 /* int 0, -2100000000 to 2100000000 */
 #define TVK_PARAM_INTSOLLIM              2015 /* int 2100000000, 1 to 2100000000 */
-#define TVK_PARAM_NODEFILEIND            2016 /* int 1, 0 to 3; stored only */
+#define TVK_PARAM_NODEFILEIND            2016 /* int 1, 0 to 3 */
 #define TVK_PARAM_NODELIM                2017 /* int 2100000000, 0 to 2100000000 */
 #define TVK_PARAM_NODESEL                2018 /* int 1, 0 to 3 */
 #define TVK_PARAM_OBJDIF                 2019 /* double 0, any */
@@ -2130,6 +2130,12 @@ TVK_API int TVKhybnetopt(ConstEnvHandle env, ProbHandle lp, int method);
  * changed. It is optimal (101) when no better one exists, or (102) when none is better by more than TVK_PARAM_EPAGAP
  * or, in relation to its value, TVK_PARAM_EPGAP. What a solution holds: integer columns are whole, rows and bounds hold
  * within TVK_PARAM_EPRHS, whatever presolve or scaling did.
+ *
+ * Where what open nodes hold (bases, most of all) takes more than TVK_PARAM_WORKMEM megabytes, the nodes with the worst bounds put
+ * theirs away: TVK_PARAM_NODEFILEIND 1 compressed in memory, 2 in temporary files, 3 compressed in such files, 0 not at all. Files
+ * are made as TVKbaropt makes them, in TVK_PARAM_WORKDIR; nodes and answers are the same for each of the four. A file
+ * that fails ends the call with 1801, 1802 or 1803 and status 109 or 110: the best solution is kept, and the next call goes on.
+ * TVK_PARAM_TRELIM limits all of the tree, wherever it is.
  *
  * The solution of an earlier call, as far as its columns are still there, and MIP starts are tried first, and new starts when a
  * search goes on. With TVK_PARAM_ADVIND 0 neither the tree nor the solution of an earlier call is used.

@@ -26,10 +26,9 @@ inline constexpr auto kMip = std::to_array<Entry>({
             "Nodes between log rows: 0 automatic, k every k nodes, negative ever wider"),
     hidden_real(2014),
     integer(NAMED(INTSOLLIM), kUnlimited, 1, kUnlimited, "Largest number of integer solutions found"),
-    unused(integer(
-        NAMED(NODEFILEIND), 1, 0, 3,
-        "Node storage beyond the working memory: 0 none, 1 compressed in memory, 2 on disk, 3 on disk "
-        "compressed")),
+    integer(NAMED(NODEFILEIND), 1, 0, 3,
+            "Node storage beyond the working memory: 0 none, 1 compressed in memory, 2 on disk, 3 on disk "
+            "compressed"),
     integer(NAMED(NODELIM), kUnlimited, 0, kUnlimited, "Largest number of nodes"),
     integer(NAMED(NODESEL), 1, 0, 3,
             "Next node: 0 depth first, 1 best bound, 2 best estimate, 3 another best estimate"),

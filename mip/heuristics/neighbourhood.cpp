@@ -39,6 +39,7 @@ Settings settings_of_sub_search(const Global& global, const Moment& moment) {
   s.presolve.restarts = 0;
   s.witness = {};
   s.enumeration = {};
+  s.node_files = {};
   s.heuristics.neighbourhood_interval = -1;
   if (s.cuts.root_rounds == 0) s.cuts.root_rounds = kCutRounds;
   s.cuts.in_tree = -1;

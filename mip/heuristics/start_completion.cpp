@@ -137,6 +137,7 @@ std::vector<double> StartCompletion::search(const Domain& domain, double cutoff)
   }
   Settings s = settings_;
   s.enumeration = {};
+  s.node_files = {};
   s.cutoff = cutoff;
   s.relative_gap = std::max(s.relative_gap, kGap);
   s.node_limit = s.heuristics.sub_nodes;

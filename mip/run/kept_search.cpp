@@ -68,6 +68,17 @@ Conclusion run_within_memory(PresolvedSearch& search, bool* is_whole) {
   }
 }
 
+Status failure_of_node_files(PresolvedSearch& search) {
+  switch (search.search().node_files()) {
+    case NodeStore::State::not_opened:
+      return TVK_ERROR_TEMPORARY_FILE_OPEN;
+    case NodeStore::State::not_read:
+      return TVK_ERROR_TEMPORARY_FILE_READ;
+    default:
+      return TVK_ERROR_TEMPORARY_FILE_WRITE;
+  }
+}
+
 int status_code(Conclusion end, bool has_solution) {
   const auto either = [&](int with) { return has_solution ? with : with + 1; };
   switch (end) {

@@ -139,6 +139,9 @@ class CallScope {
 /* Where memory runs out the incumbent stays, as at the limit on the tree; the tree is not whole then. */
 Conclusion run_within_memory(PresolvedSearch& search, bool* is_whole);
 
+/* After Conclusion::node_file_failed: 1801, 1802 or 1803. */
+Status failure_of_node_files(PresolvedSearch& search);
+
 /* The status with a solution; without one it is the next number, where there is a pair. */
 int status_code(Conclusion end, bool has_solution);
 

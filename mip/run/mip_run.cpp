@@ -43,6 +43,7 @@ bool leaves_a_tree(Conclusion end) {
     case Conclusion::node_limit:
     case Conclusion::iteration_limit:
     case Conclusion::tree_limit:
+    case Conclusion::node_file_failed:
     case Conclusion::time_limit:
     case Conclusion::tick_limit:
     case Conclusion::user_abort:
@@ -174,7 +175,8 @@ Status run_main_search(Environment& env, tovik::Problem& problem, PoolFeed& feed
   problem.solution = std::move(solution);
   problem.start = Start{};
   if (made != nullptr) problem.mip = std::move(made);
-  return callbacks && callbacks->wants_to_stop() ? Status(TVK_ERROR_CALLBACK) : Status();
+  if (callbacks && callbacks->wants_to_stop()) return TVK_ERROR_CALLBACK;
+  return end == Conclusion::node_file_failed ? failure_of_node_files(kept->main.search) : Status();
 }
 
 Status run_branch_and_cut(Environment& env, tovik::Problem& problem) {

@@ -200,7 +200,17 @@ void NodeLog::elapsed_line(const Progress& progress) {
           wall ? "Elapsed real time = " : "Elapsed time = ", seconds(), progress.tree_bytes * kMegabyte,
           solutions >= kWideSolutions ? text(", solutions = %.1e", solutions).c_str()
                                       : text(", solutions = %d", static_cast<int>(solutions)).c_str());
+  if (progress.parked_bytes > 0) node_file_line(progress);
   if (env_.results_channel != nullptr) env_.results_channel->flush();
+}
+
+void NodeLog::node_file_line(const Progress& progress) {
+  if (progress.stored_bytes == progress.parked_bytes) {
+    message(env_.results_channel, "Nodefile size = %5.2f MB\n", progress.parked_bytes * kMegabyte);
+  } else {
+    message(env_.results_channel, "Nodefile size = %5.2f MB (%.2f MB after compression)\n",
+            progress.parked_bytes * kMegabyte, progress.stored_bytes * kMegabyte);
+  }
 }
 
 }  // namespace tovik::mip::run

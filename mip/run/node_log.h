@@ -32,6 +32,7 @@ class NodeLog : public Observer {
   void row(const NodeEvent& event, const Progress& progress);
   void branch_line(const NodeEvent& event);
   void elapsed_line(const Progress& progress);
+  void node_file_line(const Progress& progress);
   void brief_line(const NodeEvent& event, const Progress& progress);
   std::string objective_field(const NodeEvent& event) const;
   std::string number(double value) const;

@@ -135,8 +135,9 @@ Status enumerate(Environment& env, tovik::Problem& problem, KeptSearch& kept, Po
     keep_result(problem, kept, part);
   }
   problem.status = status_of_pool(end, feed, env, problem);
+  const Status failure = end == Conclusion::node_file_failed ? failure_of_node_files(part.search) : Status();
   if (!is_whole || kept.functions.delete_node) kept.enumeration.reset();
-  return callbacks && callbacks->wants_to_stop() ? Status(TVK_ERROR_CALLBACK) : Status();
+  return callbacks && callbacks->wants_to_stop() ? Status(TVK_ERROR_CALLBACK) : failure;
 }
 
 }  // namespace

@@ -36,6 +36,17 @@ void take_presolve(const tovik::Settings& s, PresolveSettings& out) {
   if (s.integer(TVK_PARAM_BNDSTRENIND) == 0) out.rules &= ~rule_bit(PresolveRule::propagation);
 }
 
+NodeFileSettings node_files(const tovik::Settings& s) {
+  const int kind = s.integer(TVK_PARAM_NODEFILEIND);
+  NodeFileSettings out;
+  out.on = kind != 0;
+  out.on_disk = kind == 2 || kind == 3;
+  out.compressed = kind == 1 || kind == 3;
+  take_number(s.real(TVK_PARAM_WORKMEM), out.memory);
+  out.directory = s.text(TVK_PARAM_WORKDIR);
+  return out;
+}
+
 FirstMethod first_method(int code) {
   return code == 1 ? FirstMethod::primal : code == 5 ? FirstMethod::sifting : FirstMethod::dual;
 }
@@ -94,6 +105,7 @@ Settings settings_of(const Environment& env, const tovik::Problem& problem) {
   out.solution_limit = limit(s.integer(TVK_PARAM_INTSOLLIM));
   out.iteration_limit = limit(s.integer(TVK_PARAM_ITLIM));
   take_number(s.real(TVK_PARAM_TRELIM), out.tree_limit);
+  out.node_files = node_files(s);
   out.node_rule = static_cast<NodeRule>(s.integer(TVK_PARAM_NODESEL));
   out.best_bound_interval = s.integer(TVK_PARAM_BBINTERVAL);
   take_number(s.real(TVK_PARAM_BTTOL), out.backtrack_share);

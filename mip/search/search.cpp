@@ -203,6 +203,8 @@ Progress Search::progress() {
   p.iterations = worker_.iterations + branching_.strong_iterations() + judges_iterations();
   p.solutions = solutions_;
   p.tree_bytes = tree_.bytes();
+  p.parked_bytes = static_cast<double>(tree_.parked_bytes());
+  p.stored_bytes = static_cast<double>(tree_.stored_bytes());
   // Where nothing is left the best solution is the bound.
   if (started_) p.best_bound = std::min(open_bound(), global_.incumbent_value);
   return p;
@@ -289,8 +291,12 @@ Conclusion Search::run_until_limit() {
     if (!apply_global_bounds()) drop_nodes(-kInf);
     if (tree_.empty() || gap_is_closed(open_bound())) return conclude();
     if (const std::optional<Conclusion> limit = limit_reached()) return *limit;
+    node_files_ = tree_.park(global_.settings.node_files);
+    if (node_files_ != NodeStore::State::done) return Conclusion::node_file_failed;
     int slot = pick();
     if (asks(&SearchCallbacks::Kinds::node)) slot = ask_for_node(slot);
+    node_files_ = tree_.fetch(slot);
+    if (node_files_ != NodeStore::State::done) return Conclusion::node_file_failed;
     if (const std::optional<Conclusion> end = process(slot)) return *end;
   }
 }

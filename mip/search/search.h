@@ -69,7 +69,8 @@ enum class Conclusion {
   time_limit,
   tick_limit,
   user_abort,
-  failed,  // nodes are left that no relaxation decides
+  failed,            // nodes are left that no relaxation decides
+  node_file_failed,  // Search::node_files() tells how; the tree is whole
   restart  // the root has fixed so much that presolve should see it; run() may be called again and asks again
 };
 
@@ -77,6 +78,7 @@ struct Progress {
   std::int64_t nodes = 0, left = 0, iterations = 0, solutions = 0;
   double best_bound = -kInf;  // of all solutions
   double tree_bytes = 0;
+  double parked_bytes = 0, stored_bytes = 0;  // of it in node files, and what is kept of that
 };
 
 class Search {
@@ -114,6 +116,8 @@ class Search {
   const Worker& worker() const { return worker_; }
   Worker& worker() { return worker_; }  // for queries that make what they answer
   const Tree& tree() const { return tree_; }
+  /* How the last attempt to use node files ended. */
+  NodeStore::State node_files() const { return node_files_; }
   int node_in_process() const { return in_process_; }  // slot; -1: none
   /* Between two runs; null: none. */
   void set_callbacks(SearchCallbacks* callbacks) { callbacks_ = callbacks; }
@@ -249,6 +253,7 @@ class Search {
   HeuristicSchedule heuristics_;
   TreeSubSearch sub_search_;
   Tree tree_;
+  NodeStore::State node_files_ = NodeStore::State::done;
   Solution incumbent_;
   std::vector<PathStep> path_;
   std::vector<double> x_;  // of the node's relaxation

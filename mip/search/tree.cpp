@@ -3,6 +3,19 @@
 #include <algorithm>
 
 namespace tovik::mip {
+namespace {
+
+constexpr int kFewDetails = 32;  // are not worth the search for the worst
+
+std::int64_t bytes_of(const StoredBasis* basis) {
+  if (basis == nullptr) return 0;
+  const lp::Basis& b = basis->basis;
+  return static_cast<std::int64_t>(sizeof(StoredBasis) +
+                                   (b.columns.size() + b.rows.size()) * sizeof(lp::BasisStatus) +
+                                   b.dual_weights.size() * sizeof(double));
+}
+
+}  // namespace
 
 int Tree::add(NewNode node) {
   const int slot = steps_.take();
@@ -23,9 +36,9 @@ int Tree::add(NewNode node) {
   Waiting& waiting = waiting_[step.waiting];
   waiting.bound = node.bound;
   waiting.estimate = node.estimate;
-  waiting.relaxation = node.relaxation;
-  waiting.branch = node.branch;
-  waiting.basis = std::move(node.basis);
+  waiting.detail = details_.take();
+  basis_bytes_ += bytes_of(node.basis.get());
+  details_[waiting.detail] = {node.relaxation, node.branch, std::move(node.basis)};
   waiting.slot = slot;
   waiting.id = step.id;
   if (node.parent >= 0) ++steps_[node.parent].children;
@@ -58,9 +71,21 @@ void Tree::put_back(int slot) {
   push(steps_[slot].waiting);
 }
 
+void Tree::drop_detail(Waiting& waiting) {
+  basis_bytes_ -= bytes_of(details_[waiting.detail].basis.get());
+  details_[waiting.detail] = {};
+  details_.give_back(waiting.detail);
+  waiting.detail = -1;
+}
+
 void Tree::drop_waiting(Step& step) {
   if (step.waiting < 0) return;
-  waiting_[step.waiting].basis.reset();
+  Waiting& waiting = waiting_[step.waiting];
+  if (waiting.detail >= 0) {
+    drop_detail(waiting);
+  } else {
+    store_.forget(waiting.place);
+  }
   waiting_.give_back(step.waiting);
   step.waiting = -1;
 }
@@ -120,9 +145,56 @@ NodeExtras& Tree::extras(int slot) {
   return *extras;
 }
 
+/* Half of those that are open, the worst bounds first, of equal ones the oldest. */
+std::vector<int> Tree::worst_with_details() const {
+  std::vector<int> with_details;
+  for (const int waiting : by_bound_.all()) {
+    if (waiting_[waiting].detail >= 0) with_details.push_back(waiting);
+  }
+  const auto half = with_details.begin() + static_cast<std::ptrdiff_t>(with_details.size() / 2);
+  std::partial_sort(with_details.begin(), half, with_details.end(), [&](int a, int b) {
+    const Waiting &x = waiting_[a], &y = waiting_[b];
+    return x.bound != y.bound ? x.bound > y.bound : x.id < y.id;
+  });
+  with_details.erase(half, with_details.end());
+  return with_details;
+}
+
+NodeStore::State Tree::park(const NodeFileSettings& settings) {
+  const double taken =
+      static_cast<double>(details_.in_use()) * sizeof(NodeDetail) + static_cast<double>(basis_bytes_);
+  if (!settings.on || taken <= settings.memory * 1048576 || details_.in_use() < kFewDetails)
+    return NodeStore::State::done;
+  const std::vector<int> parked = worst_with_details();
+  store_.configure(settings);
+  std::vector<const NodeDetail*> details;
+  for (const int waiting : parked) details.push_back(&details_[waiting_[waiting].detail]);
+  std::vector<NodeStore::Place> places(parked.size());
+  std::size_t stored = 0;
+  const NodeStore::State state = store_.put(details, places, &stored);
+  for (std::size_t k = 0; k < stored; ++k) {
+    Waiting& waiting = waiting_[parked[k]];
+    drop_detail(waiting);
+    waiting.place = places[k];
+  }
+  return state;
+}
+
+NodeStore::State Tree::fetch(int slot) {
+  Waiting& waiting = waiting_[steps_[slot].waiting];
+  if (waiting.detail >= 0) return NodeStore::State::done;
+  NodeDetail detail;
+  const NodeStore::State state = store_.take(waiting.place, &detail);
+  if (state != NodeStore::State::done) return state;
+  waiting.detail = details_.take();
+  basis_bytes_ += bytes_of(detail.basis.get());
+  details_[waiting.detail] = std::move(detail);
+  return state;
+}
+
 double Tree::bytes() const {
   return static_cast<double>(steps_.in_use()) * sizeof(Step) +
-         static_cast<double>(waiting_.in_use()) * (sizeof(Waiting) + 2 * sizeof(int)) +
+         static_cast<double>(waiting_.in_use()) * (sizeof(Waiting) + sizeof(NodeDetail) + 2 * sizeof(int)) +
          static_cast<double>(more_changes_) * sizeof(NodeChange);
 }
 

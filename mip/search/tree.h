@@ -1,8 +1,10 @@
 /* The nodes of a search that are open or lead to open ones, each as what it adds to its parent.
  *
- * - Memory: 48 bytes a node, 80 more while it is open or in process, 16 a bound change beyond the first. A node lives until it
- *   and all below it are closed, so an open node in a binary tree takes some 180 bytes with its share of the path. Bases are
+ * - Memory: 48 bytes a node, 88 more while it is open or in process, 16 a bound change beyond the first. A node lives until it
+ *   and all below it are closed, so an open node in a binary tree takes some 190 bytes with its share of the path. Bases are
  *   shared by siblings and go when both were branched on or closed; who adds nodes limits them.
+ * - park() puts the details of open nodes (40 bytes, and the bases) away, those with the worst bounds first; what the queue needs
+ *   stays, so that the order of the nodes does not depend on it. fetch() brings back what a node needs to be taken.
  * - Queue: the open nodes by bound, and by estimate; of equal keys the newest first: it is deep, and near to where the search
  *   stands. A node leaves both heaps where it stands.
  * - Errors: bad_alloc. */
@@ -18,6 +20,7 @@
 #include "mip/branching/branch.h"
 #include "mip/pool/cut.h"
 #include "mip/search/node_heap.h"
+#include "mip/search/node_store.h"
 #include "mip/search/slot_pool.h"
 
 namespace tovik::mip {
@@ -30,14 +33,8 @@ struct NodeExtras {
   double infeasibility_sum = 0;
 };
 
-/* Where the rows of the basis stand: behind the problem's rows those of cuts, by their numbers. */
-struct StoredBasis {
-  lp::Basis basis;
-  std::shared_ptr<const std::vector<std::int64_t>> cut_rows;
-};
-
 /* A node as one sees it; it shows what the tree holds until that changes. Of a node that was branched on only id, parent,
- * depth and changes are left. */
+ * depth and changes are left; of one that is parked relaxation, branch and basis are missing. */
 struct Node {
   std::int64_t id;
   int parent;  // slot
@@ -92,7 +89,16 @@ class Tree {
   std::int64_t take_id() { return next_id_++; }
   NodeExtras& extras(int slot);
   std::int64_t nodes_made() const { return next_id_; }
+  /* Whether its details are put away or not. */
   double bytes() const;
+
+  /* Puts details away while those of open nodes take more than the settings allow. Where that fails they stay in memory. */
+  [[nodiscard]] NodeStore::State park(const NodeFileSettings& settings);
+  /* Before take(). Where it fails the node stays what it was. */
+  [[nodiscard]] NodeStore::State fetch(int slot);
+  /* What is put away, and what is kept of it. */
+  std::int64_t parked_bytes() const { return store_.bytes(); }
+  std::int64_t stored_bytes() const { return store_.stored_bytes(); }
 
  private:
   struct More {
@@ -110,12 +116,12 @@ class Tree {
     std::unique_ptr<More> more;             // what few nodes have
   };
   struct Waiting {
-    double bound, estimate, relaxation;
-    BranchRecord branch;
-    std::shared_ptr<const StoredBasis> basis;
-    int slot;
+    double bound, estimate;
     std::int64_t id;
+    int slot;
     int place_by_bound, place_by_estimate;
+    int detail = -1;         // -1: put away
+    NodeStore::Place place;  // then
   };
   using ByBound = NodeHeap<Waiting, &Waiting::bound, &Waiting::place_by_bound>;
   using ByEstimate = NodeHeap<Waiting, &Waiting::estimate, &Waiting::place_by_estimate>;
@@ -126,11 +132,16 @@ class Tree {
   }
   static More& more_of(Step& step);
   void push(int waiting);
+  std::vector<int> worst_with_details() const;
+  void drop_detail(Waiting& waiting);
   void drop_waiting(Step& step);
   void release(int slot);
 
   SlotPool<Step> steps_;
   SlotPool<Waiting> waiting_;
+  SlotPool<NodeDetail> details_;
+  NodeStore store_;
+  std::int64_t basis_bytes_ = 0;  // of those in memory; of siblings both count
   ByBound by_bound_;
   ByEstimate by_estimate_;
   std::int64_t next_id_ = 0;
@@ -153,9 +164,11 @@ inline Node Tree::operator[](int slot) const {
   const Waiting& waiting = waiting_[step.waiting];
   node.bound = waiting.bound;
   node.estimate = waiting.estimate;
-  node.relaxation = waiting.relaxation;
-  node.branch = waiting.branch;
-  node.basis = waiting.basis.get();
+  if (waiting.detail < 0) return node;
+  const NodeDetail& detail = details_[waiting.detail];
+  node.relaxation = detail.relaxation;
+  node.branch = detail.branch;
+  node.basis = detail.basis.get();
   return node;
 }
 

@@ -70,6 +70,7 @@ Search::NodeResult Search::branch_unbounded(int slot, bool* again) {
   settings.solution_limit = 1;
   settings.witness = {};
   settings.enumeration = {};
+  settings.node_files = {};
   SilentObserver silent;
   Search search(any, settings, control_, silent);
   const Conclusion end = search.run();

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 
 #include "lp/simplex/types.h"
 #include "mip/domain/problem.h"
@@ -59,6 +60,14 @@ struct EnumerationSettings {
   double relative_gap = kInf, absolute_gap = kInf;
 };
 
+/* What open nodes hold is put away where it takes more than `memory`. */
+struct NodeFileSettings {
+  bool on = false;
+  bool compressed = true, on_disk = false;
+  double memory = 128;    // megabytes
+  std::string directory;  // for files: "" is the current one
+};
+
 struct Settings {
   Tolerances tolerances;
   lp::simplex::Options lp;
@@ -96,6 +105,7 @@ struct Settings {
   CutSettings cuts;
   HeuristicSettings heuristics;
   EnumerationSettings enumeration;
+  NodeFileSettings node_files;
   std::uint64_t seed = 1;
   Witness witness;
 };

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <map>
+#include <memory>
 #include <vector>
 
 #include "mip/search/tree.h"
@@ -12,16 +13,19 @@
 namespace {
 
 using namespace tovik::mip;
+using tovik::lp::BasisStatus;
 
 /* What the tree should hold. */
 struct Known {
   std::int64_t id;
-  double bound, estimate;
+  double bound, estimate, first_bound;
   int parent, depth, changes;
+  std::shared_ptr<const StoredBasis> basis;  // a copy
   bool is_open = true;
 };
 
-class TreeAgainstLists : public testing::Test {
+/* NODEFILEIND 0 to 3. */
+class TreeAgainstLists : public testing::TestWithParam<int> {
  protected:
   int add(int parent) {
     const int count = random_.below(4);
@@ -34,16 +38,73 @@ class TreeAgainstLists : public testing::Test {
                  nullptr};
     for (int k = 0; k < count; ++k)
       node.changes.push_back({k, Side::upper, static_cast<double>(10 * count + k)});
+    node.relaxation = node.bound / 7;
+    node.branch = {count, Direction::up, node.estimate / 3};
+    node.basis = draw_basis();
     const Known known{tree_.nodes_made(),
                       node.bound,
                       node.estimate,
+                      node.bound,
                       parent,
                       parent < 0 ? 0 : nodes_.at(parent).depth + 1,
-                      count};
+                      count,
+                      node.basis == nullptr ? nullptr : std::make_shared<const StoredBasis>(*node.basis)};
     const int slot = tree_.add(std::move(node));
     EXPECT_EQ(nodes_.count(slot), 0u);
     nodes_[slot] = known;
     return slot;
+  }
+  /* Of some nodes that of the one before, as siblings share theirs. */
+  std::shared_ptr<const StoredBasis> draw_basis() {
+    if (random_.chance(0.3)) return last_basis_;
+    last_basis_ = nullptr;
+    if (random_.chance(0.2)) return nullptr;
+    auto basis = std::make_shared<StoredBasis>();
+    const int columns = random_.pick(0, 900), rows = random_.pick(0, 900);
+    for (int j = 0; j < columns; ++j)
+      basis->basis.columns.push_back(static_cast<BasisStatus>(random_.below(4)));
+    for (int i = 0; i < rows; ++i) basis->basis.rows.push_back(static_cast<BasisStatus>(random_.below(4)));
+    if (random_.chance(0.7)) {
+      for (const auto* statuses : {&basis->basis.columns, &basis->basis.rows}) {
+        for (const BasisStatus status : *statuses)
+          basis->basis.dual_weights.push_back(status == BasisStatus::basic ? random_.uniform(0, 5) : 1);
+      }
+    }
+    if (random_.chance(0.8)) {
+      if (cut_rows_ == nullptr || random_.chance(0.1))
+        cut_rows_ = std::make_shared<const std::vector<std::int64_t>>(3, random_.below(100));
+      basis->cut_rows = cut_rows_;
+    }
+    return last_basis_ = basis;
+  }
+  /* Takes the node as a search does. */
+  void take(int slot) {
+    ASSERT_EQ(tree_.fetch(slot), NodeStore::State::done);
+    tree_.take(slot);
+    Known& known = nodes_.at(slot);
+    known.is_open = false;
+    const Node node = tree_[slot];
+    EXPECT_EQ(node.relaxation, known.first_bound / 7);
+    EXPECT_EQ(node.branch.column, known.changes);
+    EXPECT_EQ(node.branch.direction, Direction::up);
+    EXPECT_EQ(node.branch.distance, known.estimate / 3);
+    ASSERT_EQ(node.basis == nullptr, known.basis == nullptr);
+    if (node.basis == nullptr) return;
+    EXPECT_EQ(node.basis->basis.columns, known.basis->basis.columns);
+    EXPECT_EQ(node.basis->basis.rows, known.basis->basis.rows);
+    EXPECT_EQ(node.basis->basis.dual_weights, known.basis->basis.dual_weights);
+    EXPECT_EQ(node.basis->cut_rows, known.basis->cut_rows);  // the very list
+  }
+  void park() {
+    NodeFileSettings settings{GetParam() != 0, GetParam() % 2 == 1, GetParam() >= 2, 0.05,
+                              testing::TempDir()};
+    ASSERT_EQ(tree_.park(settings), NodeStore::State::done);
+    most_parked_ = std::max(most_parked_, tree_.parked_bytes());
+    if (GetParam() == 2) {
+      EXPECT_EQ(tree_.stored_bytes(), tree_.parked_bytes());
+    } else if (tree_.parked_bytes() > 100000) {
+      EXPECT_LT(tree_.stored_bytes(), tree_.parked_bytes());
+    }
   }
   /* The ids below a node that live. */
   int children(int slot) const {
@@ -104,14 +165,18 @@ class TreeAgainstLists : public testing::Test {
   }
 
   support::Random random_{20};
+  std::shared_ptr<const StoredBasis> last_basis_;
+  std::shared_ptr<const std::vector<std::int64_t>> cut_rows_;
+  std::int64_t most_parked_ = 0;
   Tree tree_;
   std::map<int, Known> nodes_;  // by slot
 };
 
-TEST_F(TreeAgainstLists, HoldsTheSameAfterAnyStep) {
+TEST_P(TreeAgainstLists, HoldsTheSameAfterAnyStep) {
   for (int step = 0; step < 3000; ++step) {
     SCOPED_TRACE(step);
     if (open() == 0) add(-1);
+    ASSERT_NO_FATAL_FAILURE(park());
     const int slot = any_open();
     Known& node = nodes_.at(slot);
     switch (random_.below(8)) {
@@ -124,8 +189,7 @@ TEST_F(TreeAgainstLists, HoldsTheSameAfterAnyStep) {
         break;
       }
       case 2: {  // what was taken comes back with a better bound
-        tree_.take(slot);
-        node.is_open = false;
+        ASSERT_NO_FATAL_FAILURE(take(slot));
         compare();
         node.bound += random_.below(5);
         tree_.raise_bound(slot, node.bound);
@@ -152,8 +216,7 @@ TEST_F(TreeAgainstLists, HoldsTheSameAfterAnyStep) {
         break;
       }
       default: {  // branched on
-        tree_.take(slot);
-        node.is_open = false;
+        ASSERT_NO_FATAL_FAILURE(take(slot));
         const int count = 1 + random_.below(2);
         for (int k = 0; k < count; ++k) add(slot);
         close(slot);
@@ -161,7 +224,17 @@ TEST_F(TreeAgainstLists, HoldsTheSameAfterAnyStep) {
     }
     ASSERT_NO_FATAL_FAILURE(compare());
   }
+  if (GetParam() == 0) {
+    EXPECT_EQ(most_parked_, 0);
+  } else {
+    EXPECT_GT(most_parked_, 500000);
+  }
+  tree_.prune(-1);
+  EXPECT_EQ(tree_.parked_bytes(), 0);
+  EXPECT_EQ(tree_.stored_bytes(), 0);
 }
+
+INSTANTIATE_TEST_SUITE_P(NodeFiles, TreeAgainstLists, testing::Range(0, 4));
 
 /* Plunges to a fixed depth from the open node that is least deep: paths are long and share most of their changes. */
 TEST(TreeMemory, TenMillionOpenNodesWithAHundredChangesAPathFitIntoTwoGigabytes) {
