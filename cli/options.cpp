@@ -350,8 +350,9 @@ std::string near_options(const CLI::App& app, const std::vector<std::string>& wo
 
 /* Each of these files belongs to one model. */
 bool names_one_model_file(const Options& options) {
-  for (const std::string* file : {&options.basis_file, &options.start_file, &options.solution_file,
-                                  &options.pool_file, &options.new_basis_file, &options.model_file}) {
+  for (const std::string* file :
+       {&options.basis_file, &options.start_file, &options.filter_file, &options.solution_file,
+        &options.pool_file, &options.new_basis_file, &options.model_file}) {
     if (!file->empty()) return true;
   }
   return false;

@@ -82,8 +82,9 @@ bool is_solved_as_network(const SolveContext& context, const std::string& file) 
   const Options& options = context.options;
   const int method = context.environment.integer_parameter(TVK_PARAM_LPMETHOD);
   const bool any_file = !options.basis_file.empty() || !options.start_file.empty() ||
-                        !options.solution_file.empty() || !options.pool_file.empty() ||
-                        !options.new_basis_file.empty() || !options.model_file.empty();
+                        !options.filter_file.empty() || !options.solution_file.empty() ||
+                        !options.pool_file.empty() || !options.new_basis_file.empty() ||
+                        !options.model_file.empty();
   return is_network_file(file) && (method == 0 || method == 3) && !any_file && !options.statistics &&
          !options.populate;
 }
