@@ -5,6 +5,8 @@
 namespace tovik::mip {
 namespace {
 
+// Bytes put away at once: a search that is to stop does not wait for more.
+constexpr std::int64_t kMostAtOnce = std::int64_t{1} << 23;
 constexpr int kFewDetails = 32;  // are not worth the search for the worst
 
 std::int64_t bytes_of(const StoredBasis* basis) {
@@ -145,7 +147,7 @@ NodeExtras& Tree::extras(int slot) {
   return *extras;
 }
 
-/* Half of those that are open, the worst bounds first, of equal ones the oldest. */
+/* Half of those that are open at most, the worst bounds first, of equal ones the oldest. */
 std::vector<int> Tree::worst_with_details() const {
   std::vector<int> with_details;
   for (const int waiting : by_bound_.all()) {
@@ -156,7 +158,12 @@ std::vector<int> Tree::worst_with_details() const {
     const Waiting &x = waiting_[a], &y = waiting_[b];
     return x.bound != y.bound ? x.bound > y.bound : x.id < y.id;
   });
-  with_details.erase(half, with_details.end());
+  std::int64_t bytes = 0;
+  auto last = with_details.begin();
+  for (; last != half && bytes < kMostAtOnce; ++last)
+    bytes += bytes_of(details_[waiting_[*last].detail].basis.get()) +
+             static_cast<std::int64_t>(sizeof(NodeDetail));
+  with_details.erase(last, with_details.end());
   return with_details;
 }
 

@@ -92,7 +92,7 @@ class Tree {
   /* Whether its details are put away or not. */
   double bytes() const;
 
-  /* Puts details away while those of open nodes take more than the settings allow. Where that fails they stay in memory. */
+  /* Puts some away where the details of open nodes take more than the settings allow. Where that fails they stay in memory. */
   [[nodiscard]] NodeStore::State park(const NodeFileSettings& settings);
   /* Before take(). Where it fails the node stays what it was. */
   [[nodiscard]] NodeStore::State fetch(int slot);
