@@ -2134,8 +2134,8 @@ TVK_API int TVKhybnetopt(ConstEnvHandle env, ProbHandle lp, int method);
  * Where what open nodes hold (bases, most of all) takes more than TVK_PARAM_WORKMEM megabytes, the nodes with the worst bounds put
  * theirs away: TVK_PARAM_NODEFILEIND 1 compressed in memory, 2 in temporary files, 3 compressed in such files, 0 not at all. Files
  * are made as TVKbaropt makes them, in TVK_PARAM_WORKDIR; nodes and answers are the same for each of the four. A file
- * that fails ends the call with 1801, 1802 or 1803 and status 109 or 110: the best solution is kept, and the next call goes on.
- * TVK_PARAM_TRELIM limits all of the tree, wherever it is.
+ * that fails ends the call with 1801, 1802 or 1803 and status 109 or 110: the best solution is kept, and the next call goes on,
+ * or begins anew after 1802. TVK_PARAM_TRELIM limits all of the tree, wherever it is.
  *
  * The solution of an earlier call, as far as its columns are still there, and MIP starts are tried first, and new starts when a
  * search goes on. With TVK_PARAM_ADVIND 0 neither the tree nor the solution of an earlier call is used.

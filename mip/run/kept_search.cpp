@@ -61,7 +61,10 @@ bool KeptSearch::is_current(const Environment& env, const tovik::Problem& user) 
 
 Conclusion run_within_memory(PresolvedSearch& search, bool* is_whole) {
   try {
-    return search.run();
+    const Conclusion end = search.run();
+    *is_whole =
+        end != Conclusion::node_file_failed || search.search().node_files() != NodeStore::State::not_read;
+    return end;
   } catch (const std::bad_alloc&) {
     *is_whole = false;
     return Conclusion::tree_limit;

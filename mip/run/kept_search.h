@@ -136,7 +136,8 @@ class CallScope {
   KeptSearch::Part& part_;
 };
 
-/* Where memory runs out the incumbent stays, as at the limit on the tree; the tree is not whole then. */
+/* Where memory runs out the incumbent stays, as at the limit on the tree; the tree is not whole then, nor where node files cannot
+ * be read. */
 Conclusion run_within_memory(PresolvedSearch& search, bool* is_whole);
 
 /* After Conclusion::node_file_failed: 1801, 1802 or 1803. */

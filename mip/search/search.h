@@ -70,7 +70,7 @@ enum class Conclusion {
   tick_limit,
   user_abort,
   failed,            // nodes are left that no relaxation decides
-  node_file_failed,  // Search::node_files() tells how; the tree is whole
+  node_file_failed,  // Search::node_files() tells how; what was not read is lost, else the tree is whole
   restart  // the root has fixed so much that presolve should see it; run() may be called again and asks again
 };
 

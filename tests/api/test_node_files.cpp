@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "support/knapsack_models.h"
+#include "support/scratch_files.h"
 
 namespace {
 
@@ -171,6 +172,22 @@ TEST_F(NodeFiles, FailuresKeepTheIncumbentAndTheTree) {
       TVKfreeprob(env_, &lp);
     }
   }
+}
+
+TEST_F(NodeFiles, WhatCannotBeReadIsSearchedAnew) {
+  set_memory(0);
+  set(TVK_PARAM_NODEFILEIND, 2);
+  set(TVK_PARAM_NODELIM, 700);
+  ProbHandle lp = model();
+  ASSERT_EQ(solve(lp), TVK_STATUS_MIP_NODE_LIMIT);
+  const double before = objective(lp);
+  support::truncate_scratch_files();
+  set(TVK_PARAM_NODELIM, 2100000000);
+  EXPECT_EQ(TVKmipopt(env_, lp), TVK_ERROR_TEMPORARY_FILE_READ);
+  EXPECT_EQ(TVKgetstat(env_, lp), TVK_STATUS_MIP_ERROR);
+  EXPECT_GE(objective(lp), before);
+  EXPECT_EQ(solve(lp), TVK_STATUS_MIP_OPTIMAL);
+  EXPECT_GE(objective(lp), before);
 }
 
 }  // namespace

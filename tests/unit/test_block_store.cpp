@@ -12,6 +12,7 @@
 
 #include "mip/search/block_store.h"
 #include "support/random.h"
+#include "support/scratch_files.h"
 
 namespace {
 
@@ -101,6 +102,11 @@ TEST_F(Blocks, FailuresLeaveWhatIsThere) {
   ASSERT_EQ(store.put(second, &none), State::done);
   ASSERT_EQ(store.get(none, &read), State::done);
   EXPECT_EQ(read, second);
+  support::truncate_scratch_files();
+  EXPECT_EQ(store.get(block, &read), State::not_read);
+  store.drop(block);
+  store.drop(none);
+  EXPECT_EQ(store.bytes(), 0);
 }
 
 }  // namespace
