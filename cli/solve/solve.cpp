@@ -59,6 +59,13 @@ void read_model(const SolveContext& context, Model& model, const std::string& fi
   outcome.problem_type = model.type();
 }
 
+/* A search whose node files failed has its incumbent all the same. */
+bool keeps_incumbent(const Environment& environment, const Model& model, int code) {
+  return (code == TVK_ERROR_TEMPORARY_FILE_OPEN || code == TVK_ERROR_TEMPORARY_FILE_READ ||
+          code == TVK_ERROR_TEMPORARY_FILE_WRITE) &&
+         TVKgetstat(environment.handle(), model.handle()) == TVK_STATUS_MIP_ERROR;
+}
+
 void optimize(const SolveContext& context, Model& model, Outcome& outcome) {
   const ProgressLines progress(context.environment, context.console);
   const Stopwatch watch;
@@ -66,7 +73,11 @@ void optimize(const SolveContext& context, Model& model, Outcome& outcome) {
   const int code = solve(context.environment.handle(), model.handle());
   outcome.solve_seconds = watch.seconds();
   outcome.presolve_seconds = context.console.presolve_seconds();
-  context.environment.check(code);
+  if (keeps_incumbent(context.environment, model, code)) {
+    outcome.error = context.console.first_error();
+  } else {
+    context.environment.check(code);
+  }
 }
 
 /* What there is to say without a feasible point: why there is none, or how far the last one was. */

@@ -63,6 +63,18 @@ TEST_F(ProgramMip, ATimeLimitKeepsTheIncumbent) {
   EXPECT_EQ(run({"verify", "a.lp", "a.sol"}).exit, 0);
 }
 
+TEST_F(ProgramMip, NodeFilesThatFailKeepTheIncumbent) {
+  write("a.lp", market_split(45, true));
+  const Result result =
+      run({"a.lp", "--json", "-q", "--nodes", "5000", "--solution", "a.sol", "--set", "NODESEL=2", "--set",
+           "NODEFILEIND=2", "--set", "WORKMEM=0", "--set", "WORKDIR=missing"});
+  EXPECT_EQ(result.exit, 9) << result.err;
+  EXPECT_EQ(result.json()["status"], 109);
+  EXPECT_TRUE(contains(result.json()["error"].get<std::string>(), "1801")) << result.out;
+  EXPECT_TRUE(contains(result.err, "TOVIK Error  1801: Could not open temporary file.")) << result.err;
+  EXPECT_EQ(run({"verify", "a.lp", "a.sol"}).exit, 0);
+}
+
 TEST_F(ProgramMip, PopulatesAndWritesAllSolutions) {
   write("a.lp", "Maximize\n 3 a + 2 b + c\nSubject To\n a + b + c <= 2\nBinary\n a b c\nEnd\n");
   const Result all = run({"a.lp", "--json", "-q", "--populate", "100", "--pool-solutions", "p.sol", "--set",
