@@ -41,7 +41,8 @@ const std::vector<Shorthand>& shorthands() {
       {"--ticks", "--ticks", "Limit on deterministic work, in ticks", {kTickLimit}},
       {"--threads",
        "--threads",
-       "Most threads to use; 0, or more than there are: all processors (the concurrent method only)",
+       "Most threads to use; 0, or more than there are: all processors (concurrent method, mixed-integer "
+       "search)",
        {"THREADS"}},
       {"--nodes", "--nodes", "Nodes that a mixed-integer search may process", {"NODELIM"}},
       {"--gap", "--gap", "Relative gap at which a mixed-integer search may end", {"EPGAP"}},

@@ -2137,6 +2137,11 @@ TVK_API int TVKhybnetopt(ConstEnvHandle env, ProbHandle lp, int method);
  * that fails ends the call with 1801, 1802 or 1803 and status 109 or 110: the best solution is kept, and the next call goes on,
  * or begins anew after 1802. TVK_PARAM_TRELIM limits all of the tree, wherever it is.
  *
+ * With TVK_PARAM_THREADS above 1, or 0 on a machine with more processors, that many threads share the tree once the root and some
+ * nodes are done; by TVK_PARAM_PARALLELMODE 0 and 1 on the same path in every run, by -1 as the clock has it. One searches
+ * alone where control callbacks take part, where TVK_PARAM_NODELIM, TVK_PARAM_ITLIM or TVK_PARAM_INTSOLLIM is a limit, and where
+ * TVK_PARAM_MEMORYEMPHASIS is 1. Informational callbacks hear of one thread's nodes and of what all together have done.
+ *
  * The solution of an earlier call, as far as its columns are still there, and MIP starts are tried first, and new starts when a
  * search goes on. With TVK_PARAM_ADVIND 0 neither the tree nor the solution of an earlier call is used.
  * User cuts become rows of the relaxation where they are violated; what they cut off may be left out of the search, but no

@@ -55,6 +55,7 @@ class BranchingRule {
   Branching choose(Worker& worker, std::span<const double> x, const Shortfall& shortfall,
                    double node_objective, PseudoCosts& seen);
   void set_root_values(std::span<const double> x) { root_values_.assign(x.begin(), x.end()); }
+  std::span<const double> root_values() const { return root_values_; }
   /* On an integer column whose range is not a point, at its value; -1 as column: there is none. */
   static Branching split(const Worker& worker, int column, double value);
   std::int64_t strong_iterations() const { return strong_iterations_; }

@@ -43,9 +43,30 @@ class PseudoCosts {
   double average_inference() const { return (all_inference_[0].mean(0) + all_inference_[1].mean(0)) / 2; }
   double average_cutoff() const { return (all_cutoff_[0].mean(0) + all_cutoff_[1].mean(0)) / 2; }
 
+  /* What `now` has seen since it was `before`. */
+  void add_difference(const PseudoCosts& now, const PseudoCosts& before) {
+    for (std::size_t j = 0; j < columns_.size(); ++j) {
+      for (std::size_t d = 0; d < 2; ++d) {
+        columns_[j].gain[d].add_difference(now.columns_[j].gain[d], before.columns_[j].gain[d]);
+        columns_[j].cutoff[d].add_difference(now.columns_[j].cutoff[d], before.columns_[j].cutoff[d]);
+        columns_[j].inference[d].add_difference(now.columns_[j].inference[d],
+                                                before.columns_[j].inference[d]);
+      }
+    }
+    for (std::size_t d = 0; d < 2; ++d) {
+      all_gain_[d].add_difference(now.all_gain_[d], before.all_gain_[d]);
+      all_cutoff_[d].add_difference(now.all_cutoff_[d], before.all_cutoff_[d]);
+      all_inference_[d].add_difference(now.all_inference_[d], before.all_inference_[d]);
+    }
+  }
+
  private:
   struct Sum {
     double total = 0, weight = 0;
+    void add_difference(const Sum& now, const Sum& before) {
+      total += now.total - before.total;
+      weight += now.weight - before.weight;
+    }
     void add(double value, double w) {
       total += w * value;
       weight += w;

@@ -150,6 +150,7 @@ Status run_main_search(Environment& env, tovik::Problem& problem, PoolFeed& feed
   bool is_whole = true;
   const Conclusion end = run_within_memory(kept->main.search, &is_whole);
   kept->log.set_in_search(false);
+  kept->log.team(kept->main.search.team_times());
   kept->may_go_on = leaves_a_tree(end) && is_whole && !functions.delete_node;
   lp::run::OptimizationStatistics& statistics = lp::run::statistics_of(problem);
   statistics.presolve.reset();

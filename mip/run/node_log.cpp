@@ -68,6 +68,17 @@ void NodeLog::begin() {
   start_ = clock_seconds(env_);
 }
 
+void NodeLog::team(const TeamTimes& times) {
+  if (times.threads < 2 || display() == 0) return;
+  const auto say = [this](const std::string& line) { message(env_.results_channel, "%s", line.c_str()); };
+  say(text("\nRoot node processing (before b&c):\n  Real time             = %7.2f\n", times.before));
+  say(text("Parallel b&c, %d threads:\n  Real time             = %7.2f\n", times.threads, times.together));
+  say(text("  Sync time (average)   = %7.2f\n  Wait time (average)   = %7.2f\n", times.meetings,
+           times.waiting));
+  say(text("                          -------\nTotal (root+branch&cut) = %7.2f sec.\n",
+           times.before + times.together));
+}
+
 double NodeLog::seconds() const {
   return clock_seconds(env_) - start_;
 }

@@ -21,6 +21,8 @@ class NodeLog : public Observer {
   void begin();
   double seconds() const;  // since then
   void set_in_search(bool in_search) { in_search_ = in_search; }
+  /* Of a run in which several threads have searched. */
+  void team(const TeamTimes& times);
 
   void node(const NodeEvent& event) override;
   void cuts(const CutCounts& added) override;

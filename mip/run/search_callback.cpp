@@ -191,7 +191,7 @@ Status SearchCallback::write(int item, void* result) {
     case TVK_CALLBACK_INFO_TREE_SIZE:
       return put(result, search.progress().tree_bytes / kMegabyte);
     case TVK_CALLBACK_INFO_THREADS:
-      return put(result, std::int64_t{1});
+      return put(result, std::int64_t{search.threads()});
     case TVK_CALLBACK_INFO_RESTARTS:
       return put(result, std::max<std::int64_t>(1, static_cast<std::int64_t>(search.stages().size())) - 1);
     case TVK_CALLBACK_INFO_OPEN_INTEGERS:

@@ -142,6 +142,9 @@ Settings settings_of(const Environment& env, const tovik::Problem& problem) {
   // A user's cuts may cut off the one of two equal solutions that dual reductions would keep.
   if (!problem.model->families().user_cuts.empty()) out.presolve.dual = false;
   out.seed = out.lp.seed;
+  const int threads = s.integer(TVK_PARAM_THREADS);
+  out.team.threads = s.integer(TVK_PARAM_MEMORYEMPHASIS) != 0 ? 1 : threads == 0 ? thread_limit() : threads;
+  out.team.deterministic = s.integer(TVK_PARAM_PARALLELMODE) >= 0;
   return out;
 }
 

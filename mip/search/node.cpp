@@ -493,13 +493,13 @@ NodeEvent Search::event_of(int slot) const {
   event.branch_column = node.branch.column;
   event.branch_direction = node.branch.direction;
   event.objective = node.bound;
-  event.nodes = nodes_;
-  event.left = tree_.open();
+  event.nodes = nodes_ + beside_.nodes;
+  event.left = tree_.open() + beside_.left;
   return event;
 }
 
 void Search::report(NodeEvent& event, NodeResult result) {
-  event.left = tree_.open();
+  event.left = tree_.open() + beside_.left;
   event.new_incumbent = relaxation_was_taken_;
   switch (result) {
     case NodeResult::branched:

@@ -237,10 +237,45 @@ std::optional<Conclusion> PresolvedSearch::prepare() {
   return std::nullopt;
 }
 
+/* Judges what a member of a team finds; what it takes counts when the leader hears of it. */
+class PresolvedSearch::MemberOrigin : public Origin {
+ public:
+  MemberOrigin(const PresolvedSearch& whole, lp::Control& control)
+      : whole_(whole), judge_(whole.problem_, whole.settings_, control) {}
+  bool accept(std::span<const double> x, double cutoff, Solution* solution) override {
+    return judge_.accept(whole_.expand(x), cutoff, solution);
+  }
+  bool accept_as_it_is(std::span<const double> x, Solution* solution) const override {
+    return judge_.accept_as_it_is(whole_.expand(x), solution);
+  }
+  void take(const Solution&) override {}
+  std::vector<double> crush(std::span<const double> x) const override { return whole_.crush(x); }
+  void add_cut(const Cut& cut) override { judge_.add_cut(cut); }
+  std::int64_t iterations() const override { return judge_.iterations(); }
+
+ private:
+  const PresolvedSearch& whole_;
+  Judge judge_;
+};
+
+Conclusion PresolvedSearch::run_search() {
+  const Settings settings = of_search();
+  team_times_ = {};
+  if (!TeamSearch::serves(settings, callbacks_)) return search_->run();
+  const Problem& searched = stages_.empty() ? problem_ : stages_.back()->problem;
+  const auto make_origin = [this](lp::Control& control) -> std::unique_ptr<Origin> {
+    return is_direct() ? nullptr : std::make_unique<MemberOrigin>(*this, control);
+  };
+  TeamSearch team(*search_, searched, settings, control_, make_origin, sink_);
+  const Conclusion end = team.run();
+  team_times_ = team.times();
+  return end;
+}
+
 Conclusion PresolvedSearch::run() {
   if (const std::optional<Conclusion> end = prepare()) return *end;
   for (;;) {
-    const Conclusion end = search_->run();
+    const Conclusion end = run_search();
     if (end != Conclusion::restart) return end;
     if (const std::optional<Conclusion> stopped = restart()) return *stopped;
   }

@@ -19,6 +19,7 @@
 
 #include "mip/presolve/presolve.h"
 #include "mip/search/search.h"
+#include "mip/search/team_search.h"
 
 namespace tovik::mip {
 
@@ -55,6 +56,10 @@ class PresolvedSearch : private Origin {
 
   /* From the problem that is searched to the given one, and back. */
   std::vector<double> expand(std::span<const double> x) const;
+  /* That search once there is a tree. */
+  int threads() const { return TeamSearch::serves(of_search(), callbacks_) ? settings_.team.threads : 1; }
+  /* Of the last run. */
+  const TeamTimes& team_times() const { return team_times_; }
   std::vector<double> crush(std::span<const double> x) const override;
 
   /* Called after each presolve; again: it was not the first. */
@@ -64,6 +69,9 @@ class PresolvedSearch : private Origin {
   std::span<const std::unique_ptr<Presolved>> stages() const { return stages_; }
 
  private:
+  class MemberOrigin;
+
+  Conclusion run_search();
   bool is_direct() const { return search_ != nullptr && stages_.empty(); }
   bool accept(std::span<const double> x, double cutoff, Solution* solution) override;
   bool accept_as_it_is(std::span<const double> x, Solution* solution) const override;
@@ -94,6 +102,7 @@ class PresolvedSearch : private Origin {
   Solution incumbent_;
   std::int64_t judged_ = 0;  // iterations of the judge that count as earlier
   int restarts_ = 0;
+  TeamTimes team_times_;
   SearchStatistics earlier_statistics_;
   double seconds_before_ = 0;  // of earlier calls, of which the present search's clock knows nothing
   Progress earlier_;           // of searches that were given up for a restart, and of what was offered

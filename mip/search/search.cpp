@@ -165,6 +165,7 @@ SearchStatistics Search::statistics() const {
   all.strong_iterations = branching_.strong_iterations();
   all.heuristic_iterations = heuristics_.iterations();
   all.judge_iterations = judges_iterations();
+  add_counts(all, absorbed_);
   return all;
 }
 
@@ -197,6 +198,16 @@ double Search::open_bound() {
 }
 
 Progress Search::progress() {
+  Progress p = own_progress();
+  p.nodes += beside_.nodes;
+  p.left += beside_.left;
+  p.iterations += beside_.iterations;
+  p.tree_bytes += beside_.tree_bytes;
+  if (beside_.nodes > 0) p.best_bound = std::min(p.best_bound, beside_.best_bound);
+  return p;
+}
+
+Progress Search::own_progress() {
   Progress p;
   p.nodes = nodes_;
   p.left = tree_.open();
@@ -240,6 +251,8 @@ std::optional<Conclusion> Search::limit_reached() {
   const Settings& settings = global_.settings;
   stop_ = asks_to_stop();
   if (stop_ != Stop::none) return stop_reason();
+  if (control_.ticks() >= pause_.ticks || (pause_.seconds < kInf && control_.seconds() >= pause_.seconds))
+    return Conclusion::paused;
   if (has_enough_solutions()) return Conclusion::solution_limit;
   if (global_.incumbent_value <= settings.objective_stop) return Conclusion::objective_stop;
   if (nodes_ >= settings.node_limit) return Conclusion::node_limit;
@@ -273,12 +286,21 @@ void Search::start() {
 }
 
 Conclusion Search::run() {
-  meter_.begin();
-  if (!started_) start();
-  enter(Phase::tree);
-  const Conclusion end = run_until_limit();
-  meter_.end();
+  begin_run();
+  const Conclusion end = go_on();
+  end_run();
   return end;
+}
+
+void Search::begin_run() {
+  meter_.begin();
+  pause_ = {};
+  if (!started_) start();
+}
+
+Conclusion Search::go_on() {
+  enter(Phase::tree);
+  return run_until_limit();
 }
 
 Conclusion Search::run_until_limit() {
@@ -409,7 +431,7 @@ bool Search::install(int slot) {
   }
   const bool possible = worker_.propagate();
   const BranchRecord branch = tree_[slot].branch;
-  if (branch.column >= 0 && common + 1 == chain.size()) {
+  if (branch.column >= 0 && common + 1 == chain.size() && tree_[slot].changes.size() == 1) {
     global_.pseudo_costs.add_inference(branch.column, branch.direction, domain.position() - before);
   }
   return possible;

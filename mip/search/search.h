@@ -71,7 +71,16 @@ enum class Conclusion {
   user_abort,
   failed,            // nodes are left that no relaxation decides
   node_file_failed,  // Search::node_files() tells how; what was not read is lost, else the tree is whole
+  paused,            // as pause_after() has asked
   restart  // the root has fixed so much that presolve should see it; run() may be called again and asks again
+};
+
+/* An open node on its way from one tree to another: all that its path changes. */
+struct MovedNode {
+  double bound, estimate, relaxation;
+  BranchRecord branch;
+  std::vector<NodeChange> path;
+  std::shared_ptr<const StoredBasis> basis;  // null: none
 };
 
 struct Progress {
@@ -131,6 +140,41 @@ class Search {
   /* All open nodes go: there is nothing left to search. */
   void drop_all_nodes() { drop_nodes(-kInf); }
 
+  // As a member of a team that searches one tree (team_search): member.cpp.
+
+  /* run() in pieces: begin, any number of go_on, end. */
+  void begin_run();
+  Conclusion go_on();
+  void end_run() { meter_.end(); }
+  /* From now on go_on() ends before a node once so much is done, in ticks or in seconds. */
+  void pause_after(std::int64_t ticks, double seconds);
+  /* Before it begins: without nodes, but with what the leader's root has left. The leader is between two nodes. */
+  void join(Search& leader);
+  std::int64_t open_nodes() const { return tree_.open(); }
+  /* Of all its nodes; kInf: none is left. */
+  double bound() { return open_bound(); }
+  bool closes_gap(double bound) const { return gap_is_closed(bound); }
+  /* So many nodes are better; kInf: there are fewer. */
+  double bound_behind(std::int64_t nodes) const;
+  /* Every second one of its best nodes, at most so many. */
+  std::vector<MovedNode> hand_over(std::int64_t most);
+  /* All of them. */
+  std::vector<MovedNode> hand_over();
+  void take_over(std::vector<MovedNode> nodes);
+  /* A better solution that another member has found. */
+  void hear_of(const Search& finder, bool is_leader);
+  /* Where cuts in the tree have paid for one they are due for all. */
+  bool cuts_have_paid() const { return tree_cuts_.failures == 0; }
+  void set_cuts_due() { tree_cuts_.failures = tree_cuts_.waits = 0; }
+  const PseudoCosts& pseudo_costs() const { return global_.pseudo_costs; }
+  void set_pseudo_costs(const PseudoCosts& costs) { global_.pseudo_costs = costs; }
+  /* Without what the leader had done when it joined. */
+  Progress progress_since_joining();
+  /* What the others have done so far, for the leader's reports. */
+  void set_beside(const Progress& beside) { beside_ = beside; }
+  /* The member leaves: its work, its nodes and what it could not decide count here. */
+  void absorb(Search& member);
+
  private:
   struct Accepted {
     std::vector<double> point;  // of the problem
@@ -161,6 +205,8 @@ class Search {
   int pick();
   int next_of_plunge();
   bool goes_on_with(int child);
+  MovedNode take_out(int slot);
+  Progress own_progress();
   bool install(int slot);
   void leave_path(std::size_t steps);
   bool apply_global_bounds();
@@ -298,6 +344,13 @@ class Search {
   bool started_ = false, tried_before_relaxation_ = false, new_incumbent_ = false;
   bool relaxation_was_taken_ = false;  // the relaxation of the node in process is an incumbent
   std::int64_t work_told_ = 0;         // entries of propagation that the control knows of
+  Progress beside_;                    // of the other members of a team
+  SearchStatistics absorbed_;          // of those that have left
+  struct {
+    std::int64_t ticks = kNoLimit;
+    double seconds = kInf;
+  } pause_;
+  std::int64_t nodes_at_joining_ = 0;
   lp::Stop stop_ = lp::Stop::none;
 };
 

@@ -8,7 +8,7 @@ namespace {
 
 constexpr std::int64_t kTicksBetweenReadings = 2000000;
 
-/* The same plugins stand in both lists. */
+/* The same plugins stand in both lists, where there are any. */
 void add(std::vector<PluginCounts>& sums, const std::vector<PluginCounts>& more) {
   if (sums.empty()) sums.resize(more.size());
   for (std::size_t k = 0; k < more.size(); ++k) {
@@ -24,30 +24,32 @@ void add(std::vector<PluginCounts>& sums, const std::vector<PluginCounts>& more)
 
 SearchStatistics joined(SearchStatistics earlier, const SearchStatistics& later, double seconds_before) {
   SearchStatistics all = std::move(earlier);
-  for (std::size_t k = 0; k < kPhases; ++k) {
-    all.phases[k].seconds += later.phases[k].seconds;
-    all.phases[k].ticks += later.phases[k].ticks;
-  }
+  add_counts(all, later);
+  for (std::size_t k = 0; k < kPhases; ++k) all.phases[k].seconds += later.phases[k].seconds;
   all.seconds = seconds_before + later.seconds;
   all.last_run = later.last_run;
   all.root_seconds = later.root_seconds < 0 ? -1 : seconds_before + later.root_seconds;
   if (all.root_bound_before_cuts == -kInf) all.root_bound_before_cuts = later.root_bound_before_cuts;
   all.root_bound_after_cuts = std::max(all.root_bound_after_cuts, later.root_bound_after_cuts);
-  all.cut_rounds += later.cut_rounds;
-  all.tree_cut_rounds += later.tree_cut_rounds;
-  all.largest_depth = std::max(all.largest_depth, later.largest_depth);
   for (IncumbentRecord found : later.incumbents) {
     found.seconds += seconds_before;
     if (all.incumbents.size() == kMostIncumbents) all.incumbents.pop_back();
     all.incumbents.push_back(found);
   }
-  add(all.separators, later.separators);
-  add(all.heuristics, later.heuristics);
-  for (std::size_t k = 0; k < kCutClasses; ++k) all.cuts[k] += later.cuts[k];
-  all.strong_iterations += later.strong_iterations;
-  all.heuristic_iterations += later.heuristic_iterations;
-  all.judge_iterations += later.judge_iterations;
   return all;
+}
+
+void add_counts(SearchStatistics& all, const SearchStatistics& beside) {
+  for (std::size_t k = 0; k < kPhases; ++k) all.phases[k].ticks += beside.phases[k].ticks;
+  all.cut_rounds += beside.cut_rounds;
+  all.tree_cut_rounds += beside.tree_cut_rounds;
+  all.largest_depth = std::max(all.largest_depth, beside.largest_depth);
+  add(all.separators, beside.separators);
+  add(all.heuristics, beside.heuristics);
+  for (std::size_t k = 0; k < kCutClasses; ++k) all.cuts[k] += beside.cuts[k];
+  all.strong_iterations += beside.strong_iterations;
+  all.heuristic_iterations += beside.heuristic_iterations;
+  all.judge_iterations += beside.judge_iterations;
 }
 
 void PhaseMeter::begin() {

@@ -59,6 +59,9 @@ inline constexpr std::size_t kMostIncumbents = 1000;
 /* Of one search after another. seconds_before: of the earlier ones, which the later one's clock does not know. */
 SearchStatistics joined(SearchStatistics earlier, const SearchStatistics& later, double seconds_before);
 
+/* What another search counted that worked beside this one: all but times and incumbents. */
+void add_counts(SearchStatistics& all, const SearchStatistics& beside);
+
 /* Hands on to the control of a call, and counts the work on its way. */
 class MeteredControl : public lp::Control {
  public:

@@ -6,7 +6,9 @@ namespace tovik::mip {
 
 SubSearchResult TreeSubSearch::run(const Problem& problem, const Settings& settings, lp::Control& control) {
   SilentObserver silent;
-  PresolvedSearch search(problem, settings, control, silent);
+  Settings alone = settings;
+  alone.team.threads = 1;
+  PresolvedSearch search(problem, alone, control, silent);
   const Conclusion end = search.run();
   SubSearchResult result;
   result.found = search.has_incumbent();

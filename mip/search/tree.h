@@ -61,6 +61,8 @@ struct NewNode {
 
 class Tree {
  public:
+  static constexpr std::size_t kMostChildren = 255;  // of a node
+
   /* The slot of a new open node. */
   int add(NewNode node);
   Node operator[](int slot) const;

@@ -68,6 +68,15 @@ struct NodeFileSettings {
   std::string directory;  // for files: "" is the current one
 };
 
+/* Searches that share one tree. */
+struct TeamSettings {
+  int threads = 1;
+  bool deterministic = true;                 // the same path in every run with as many threads
+  std::int64_t ticks_alone = 30'000'000;     // of the first one, before others join
+  std::int64_t nodes_each = 8;               // open, for others to join
+  std::int64_t ticks_together = 10'000'000;  // between two meetings, the first time
+};
+
 struct Settings {
   Tolerances tolerances;
   lp::simplex::Options lp;
@@ -107,6 +116,7 @@ struct Settings {
   EnumerationSettings enumeration;
   NodeFileSettings node_files;
   std::uint64_t seed = 1;
+  TeamSettings team;
   Witness witness;
 };
 
