@@ -78,7 +78,8 @@ TEST_F(MipCallbackItems, EveryItemHasItsValueInEveryContext) {
   ASSERT_EQ(TVKsetintparam(env_, TVK_PARAM_CUTPASS, 1), 0);
   ASSERT_EQ(TVKsetintparam(env_, TVK_PARAM_HEURFREQ, -1), 0);
   ASSERT_EQ(TVKsetdblparam(env_, TVK_PARAM_EPGAP, 0), 0);
-  ASSERT_EQ(TVKsetintparam(env_, TVK_PARAM_THREADS, 3), 0);
+  const int threads = TVKEgetmaxthreads(env_);
+  ASSERT_EQ(TVKsetintparam(env_, TVK_PARAM_THREADS, threads), 0);
   const Items items = watch(lp, TVK_STATUS_MIP_OPTIMAL);
   const auto last = [&](int item) { return items.last.at(item); };
   for (const auto& [context, calls] : items.contexts) {
@@ -88,7 +89,7 @@ TEST_F(MipCallbackItems, EveryItemHasItsValueInEveryContext) {
   EXPECT_GT(items.contexts.at(TVK_CALLBACK_MIP_ROOT_CUTS), 0);
   EXPECT_GT(items.contexts.at(TVK_CALLBACK_MIP_INCUMBENT), 0);
   EXPECT_EQ(items.contexts.at(TVK_CALLBACK_MIP_PRESOLVE), last(TVK_CALLBACK_INFO_RESTARTS) + 1);
-  EXPECT_EQ(last(TVK_CALLBACK_INFO_THREADS), 3);
+  EXPECT_EQ(last(TVK_CALLBACK_INFO_THREADS), threads);
   EXPECT_LE(last(TVK_CALLBACK_INFO_SEARCHED_ROWS), slack_row);
   EXPECT_LE(last(TVK_CALLBACK_INFO_SEARCHED_COLUMNS), 40);
   EXPECT_GT(last(TVK_CALLBACK_INFO_SEARCHED_COLUMNS), 0);
