@@ -21,7 +21,9 @@ int optimize(ConstEnvHandle env, ProbHandle lp, Status (*run)(Environment&, Prob
     const api::OptimizerFrame frame(e);
     const api::Profile profile(e, 0);
     const Status status = run(e, p);
-    if (status.ok()) lp::run::note_threads(p, e.limits.top()->threads.count());
+    const mip::run::SearchResult* const search = mip::run::search_result(p);
+    if (status.ok() && search != nullptr)
+      lp::run::note_threads(p, std::max(search->threads, e.limits.top()->threads.count()));
     return status;
   });
 }

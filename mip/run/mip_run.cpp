@@ -168,6 +168,7 @@ Status run_main_search(Environment& env, tovik::Problem& problem, PoolFeed& feed
   kept->result.nodes_left = progress.left;
   kept->result.solutions = progress.solutions;
   kept->result.iterations = progress.iterations;
+  kept->result.threads = std::max(1, kept->main.search.team_times().threads);
   if (solution != nullptr)
     solution->iterations = static_cast<int>(std::min<std::int64_t>(progress.iterations, INT_MAX));
   problem.status = status_code(end, solution != nullptr);

@@ -10,6 +10,7 @@ namespace tovik::mip::run {
 struct SearchResult {
   double best_bound = 0;  // in the user's sense; +-1e75: none
   std::int64_t nodes = 0, nodes_left = 0, solutions = 0, iterations = 0;
+  int threads = 1;  // that searched
 };
 
 /* 3003 and its kin for a problem that is none; 1017's like for quadratic parts. */

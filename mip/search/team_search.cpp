@@ -13,6 +13,7 @@
 namespace tovik::mip {
 namespace {
 
+constexpr int kPauses = 10;               // after which few open nodes do: they take long
 constexpr double kSecondsPerTick = 5e-9;  // where the clock decides when to meet
 constexpr double kLongestWhile = 8, kGrowth = 1.3;
 constexpr auto kBetweenLooks = std::chrono::milliseconds(20);
@@ -119,10 +120,12 @@ Conclusion TeamSearch::run() {
 
 /* paused: it is time for a team. */
 Conclusion TeamSearch::run_alone() {
-  for (;;) {
+  for (int pauses = 0;; ++pauses) {
     leader_.pause_after(std::max<std::int64_t>(1, team_.ticks_alone), kInf);
     const Conclusion end = leader_.go_on();
-    if (end != Conclusion::paused || leader_.open_nodes() >= team_.nodes_each * team_.threads) return end;
+    if (end != Conclusion::paused ||
+        leader_.open_nodes() >= (pauses < kPauses ? team_.nodes_each : 1) * team_.threads)
+      return end;
   }
 }
 
