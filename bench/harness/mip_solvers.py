@@ -6,7 +6,7 @@ import shutil
 import tempfile
 from pathlib import Path
 
-from .solvers import Solver, Tovik
+from .solvers import Solver, Tovik, find_highs
 
 GAP = 1e-4
 _NUMBER = r"[-+]?(?:\d[\d.]*(?:[eE][-+]?\d+)?|inf)"
