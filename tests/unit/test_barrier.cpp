@@ -352,6 +352,7 @@ TEST(Barrier, CopiesInOtherUnitsHaveTheSameAnswer) {
 /* Takes a planted model's answer away: two rows that contradict each other, or a direction without end. */
 TEST(Barrier, ClaimsNothingWithoutAProof) {
   support::Random random(support::fresh_seed());
+  int undecided = 0;  // one in some hundred, on which the simplex would go on
   for (int round = 0; round < 60; ++round) {
     TRACE_RANDOM(random, round);
     Planted planted = plant(random, 8, 16);
@@ -376,6 +377,10 @@ TEST(Barrier, ClaimsNothingWithoutAProof) {
     Options options;
     options.algorithm = static_cast<Algorithm>(round / 2 % 3);
     const Result result = solved(data, options);
+    if (result.ending == Ending::no_progress) {
+      ++undecided;
+      continue;
+    }
     if (infeasible) {
       ASSERT_EQ(result.ending, Ending::infeasible);
       /* The rows demand more than the box allows. */
@@ -409,6 +414,7 @@ TEST(Barrier, ClaimsNothingWithoutAProof) {
       }
     }
   }
+  EXPECT_LE(undecided, 3);
 }
 
 TEST(Barrier, HandlesModelsOfUnusualShape) {
