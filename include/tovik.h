@@ -1057,7 +1057,8 @@ TVK_API int TVKgetcrossdexchcnt(ConstEnvHandle env, ConstProbHandle lp);
  *           simplex, all the rest, crossover too. Sifting's working problems are counted under sifting alone
  * mip       only of a mixed-integer search, all runs of a tree together; objectives and bounds in the sense of the problem, null
  *           where there is none, seconds by the clock that TVK_PARAM_CLOCKTYPE names: seconds, nodes, nodes_left,
- *           nodes_per_second behind the root, largest_depth, tree_cut_rounds, solutions, best_bound; iterations: all, and those of
+ *           nodes_per_second behind the root, largest_depth, tree_cut_rounds, solutions, best_bound; conflicts: learned (clauses
+ *           from nodes without a better solution), bounds in them, propagations that they made; iterations: all, and those of
  *           strong_branching, heuristics and solution_check; root: seconds until it was branched on, bound_before_cuts,
  *           bound_after_cuts, cut_rounds, gap_closed (share of the gap between the first bound and the last incumbent);
  *           phases presolve, root_lp, cuts (and the solves after each round), heuristics, branching and tree (all the rest), each

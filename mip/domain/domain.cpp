@@ -56,6 +56,7 @@ bool Domain::tighten(int column, Side side, double value, Reason reason) {
   if (is_lower ? value > other : value < other) {
     if (std::fabs(value - other) > tolerances_.feasibility || problem_.is_integer[column] != 0) {
       infeasible_ = true;
+      contradiction_ = {column, side, value, reason};
       return false;
     }
     value = other;
@@ -88,6 +89,12 @@ void Domain::move(int column, Side side, double from, double to, bool queue) {
   }
   work_ += columns.start[column + 1] - columns.start[column];
   note_moved(column);
+}
+
+double Domain::bound_before(int j, Side side, int p) const {
+  double value = side == Side::lower ? lower_[j] : upper_[j];
+  for (int q = last_move(j, side); q >= p; q = trail_[q].earlier) value = trail_[q].before;
+  return value;
 }
 
 void Domain::note_moved(int column) {

@@ -30,8 +30,9 @@ struct Reason {
     semi_column,
     set,
     indicator,
-    reduced_cost,
+    reduced_cost,  // index: of the worker's proofs, -1: none was kept
     objective,
+    clause,  // index: the number of the clause
     probing,
     known,  // holds globally
   };
@@ -44,6 +45,14 @@ struct BoundMove {
   Side side;
   double value, before;
   int earlier;  // position of the change of the same bound before this; -1: none
+  Reason reason;
+};
+
+/* What made a domain infeasible: a bound that would cross the other one, or (column -1) the reason by itself. */
+struct Contradiction {
+  int column = -1;
+  Side side = Side::lower;
+  double value = 0;
   Reason reason;
 };
 
@@ -80,13 +89,22 @@ class Domain {
     tighten(j, Side::lower, v, reason);
     tighten(j, Side::upper, v, reason);
   }
-  void set_infeasible() { infeasible_ = true; }
+  void set_infeasible(Reason reason) {
+    infeasible_ = true;
+    contradiction_ = {-1, Side::lower, 0, reason};
+  }
+  /* Where it is infeasible. */
+  const Contradiction& contradiction() const { return contradiction_; }
 
   int position() const { return static_cast<int>(trail_.size()); }
   void backtrack(int position);
   /* Makes what is on the trail global: it can no longer be taken back. */
   void commit();
   std::span<const BoundMove> trail() const { return trail_; }
+  /* Position of the last change of a bound; -1: none is on the trail. */
+  int last_move(int j, Side side) const { return side == Side::lower ? last_lower_[j] : last_upper_[j]; }
+  /* The bound that held before position p of the trail. */
+  double bound_before(int j, Side side, int p) const;
 
   const ActivityBound& least(int row) const { return least_[row]; }
   const ActivityBound& largest(int row) const { return largest_[row]; }
@@ -123,6 +141,7 @@ class Domain {
   std::vector<char> is_queued_, has_moved_;
   std::vector<int> moved_;
   bool infeasible_ = false;
+  Contradiction contradiction_;
   std::int64_t work_ = 0;
 };
 

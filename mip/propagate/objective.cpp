@@ -39,7 +39,7 @@ bool ObjectivePropagator::run(Domain& domain, double cutoff) {
   if (std::isinf(terms)) return false;
   const double room = cutoff + kTolerance * std::max(1.0, std::fabs(cutoff)) + kRounding * terms - least;
   if (room < 0) {
-    domain.set_infeasible();
+    domain.set_infeasible({Reason::Kind::objective, -1});
     return true;
   }
   bool moved = false;

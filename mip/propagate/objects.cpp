@@ -80,7 +80,7 @@ void ObjectPropagator::ordered_set(Domain& domain, int index) {
   if (last < 0) return;
   const int reach = set.type - 1;
   if (last - first > reach) {
-    domain.set_infeasible();
+    domain.set_infeasible(reason);
     return;
   }
   for (int k = 0; k < count && !domain.is_infeasible(); ++k) {

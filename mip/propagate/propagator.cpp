@@ -16,9 +16,12 @@ constexpr std::int64_t kMostEntries = 30000000;
 bool Propagator::run(Domain& domain) {
   std::int64_t looks = static_cast<std::int64_t>(kRounds) * (domain.problem().num_rows() + 1);
   const std::int64_t most_work = work_ + kMostEntries;
+  if (clauses_.has_new()) clauses_.propagate_new(domain);
   while (!domain.is_infeasible()) {
     if (seen_ < domain.position()) {
-      objects_.propagate(domain, domain.trail()[seen_++].column);
+      const BoundMove move = domain.trail()[seen_++];
+      objects_.propagate(domain, move.column);
+      if (!clauses_.empty()) clauses_.propagate(domain, move);
     } else if (domain.has_queued_row() && looks > 0 && work_ < most_work) {
       --looks;
       const int row = domain.take_queued_row();

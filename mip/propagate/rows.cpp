@@ -31,7 +31,7 @@ class RowPropagation {
     const double tolerance = domain_.tolerances().feasibility +
                              kRounding * std::max(std::fabs(side), std::fabs(activity.finite_part()));
     if (activity.is_finite() && sign * activity.finite_part() > side + tolerance) {
-      domain_.set_infeasible();
+      domain_.set_infeasible(reason_);
       return;
     }
     for (std::size_t k = 0; k < entries_.columns.size(); ++k) {

@@ -69,6 +69,11 @@ class SearchDescription : public lp::run::FurtherStatistics {
     }
     out.count("largest_depth", counts_.largest_depth);
     out.count("tree_cut_rounds", counts_.tree_cut_rounds);
+    out.object("conflicts", [&] {
+      out.count("learned", counts_.conflicts);
+      out.count("bounds", counts_.conflict_bounds);
+      out.count("propagations", counts_.clause_moves);
+    });
     out.count("solutions", progress_.solutions);
     out.number("best_bound", sense_ * progress_.best_bound);
     out.object("iterations", [&] {

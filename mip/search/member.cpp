@@ -134,6 +134,7 @@ void Search::hear_of(const Search& finder, bool is_leader) {
 
 void Search::absorb(Search& member) {
   take_over(member.hand_over());
+  findings_.reset();
   new_incumbent_ = true;  // some of them may be beyond the cutoff
   nodes_ += member.nodes_ - member.nodes_at_joining_;
   worker_.iterations += member.own_progress().iterations;

@@ -40,6 +40,7 @@ std::optional<Conclusion> Search::process(int slot) {
   statistics_.largest_depth = std::max(statistics_.largest_depth, event.depth);
   relaxation_was_taken_ = false;
   const NodeResult result = install(slot) ? work_on(slot, event) : NodeResult::infeasible;
+  if (worker_.domain.is_infeasible()) learn_from_propagation();
   watch_node(slot, result);
   if (result == NodeResult::stopped || result == NodeResult::restart) {
     in_process_ = -1;
@@ -156,10 +157,16 @@ Search::NodeResult Search::solve_relaxation() {
       case Outcome::optimal:
         return NodeResult::branched;
       case Outcome::infeasible:
-        if (worker_.is_proven_infeasible()) return NodeResult::infeasible;
+        if (worker_.is_proven_infeasible()) {
+          learn_from_infeasibility();
+          return NodeResult::infeasible;
+        }
         break;
       case Outcome::objective_limit:
-        if (prunes(rounded_bound(worker_.safe_bound()))) return NodeResult::cutoff;
+        if (prunes(rounded_bound(worker_.safe_bound()))) {
+          learn_from_bound();
+          return NodeResult::cutoff;
+        }
         break;
       case Outcome::unbounded:
         return NodeResult::unbounded;
@@ -184,7 +191,9 @@ Search::NodeResult Search::bound_node(int slot) {
     root_upper_.assign(worker_.domain.upper().begin(), worker_.domain.upper().end());
     branching_.set_root_values(worker_.relaxation->primal());
   }
-  return prunes(tree_[slot].bound) ? NodeResult::cutoff : NodeResult::branched;
+  if (!prunes(tree_[slot].bound)) return NodeResult::branched;
+  learn_from_bound();
+  return NodeResult::cutoff;
 }
 
 /* With the duals that gave the node's bound, whose value counts before any rounding. True when a bound moved. */
@@ -195,9 +204,12 @@ bool Search::fix_by_reduced_costs() {
   const std::span<const double> d = worker_.safe_reduced_costs();
   Domain& domain = worker_.domain;
   bool moved = false;
+  constexpr int kNotKept = -2;
+  int proof = learns() ? kNotKept : -1;
   for (const int j : global_.integer_columns) {
     if (d[j] == 0 || !(std::fabs(d[j]) * (domain.upper(j) - domain.lower(j)) > room)) continue;
-    const Reason reason{Reason::Kind::reduced_cost, j};
+    if (proof == kNotKept) proof = worker_.keep_proof();
+    const Reason reason{Reason::Kind::reduced_cost, proof};
     moved |= d[j] > 0 ? domain.tighten_upper(j, domain.lower(j) + room / d[j], reason)
                       : domain.tighten_lower(j, domain.upper(j) + room / d[j], reason);
   }
@@ -341,6 +353,7 @@ bool Search::separate_in_tree(int slot, double objective) {
     tree_cuts_.work += separation_.work() - before;
     if (added > 0) {
       watch_cuts(added);
+      keep_cuts_of_tree(added);
       return true;
     }
   }
@@ -478,7 +491,8 @@ Search::NodeResult Search::add_children(int slot, const Branching& branching, do
 }
 
 void Search::tell_work() {
-  const std::int64_t work = worker_.domain.work() + worker_.propagator.work() + worker_.objective.work();
+  const std::int64_t work =
+      worker_.domain.work() + worker_.propagator.work() + worker_.objective.work() + learning_work();
   control_.add_work(static_cast<std::uint64_t>(work - work_told_));
   work_told_ = work;
 }

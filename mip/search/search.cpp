@@ -32,6 +32,7 @@ Search::Search(const Problem& problem, const Settings& settings, lp::Control& co
       judge_(problem, global_.settings, control_),
       origin_(origin),
       branching_(global_),
+      conflicts_(global_),
       separation_(global_),
       heuristics_(global_) {
   worker_.sub_search = &sub_search_;
@@ -165,6 +166,7 @@ SearchStatistics Search::statistics() const {
   all.strong_iterations = branching_.strong_iterations();
   all.heuristic_iterations = heuristics_.iterations();
   all.judge_iterations = judges_iterations();
+  all.clause_moves = worker_.propagator.clauses().moves();
   add_counts(all, absorbed_);
   return all;
 }

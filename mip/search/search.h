@@ -21,6 +21,7 @@
 #include <vector>
 
 #include "mip/branching/branching.h"
+#include "mip/learning/conflict_analysis.h"
 #include "mip/search/callbacks.h"
 #include "mip/search/heuristic_schedule.h"
 #include "mip/search/judge.h"
@@ -81,6 +82,12 @@ struct MovedNode {
   BranchRecord branch;
   std::vector<NodeChange> path;
   std::shared_ptr<const StoredBasis> basis;  // null: none
+};
+
+/* What a search has found that holds for all nodes, also those of others that search the same tree with the same cutoff. */
+struct Findings {
+  std::vector<std::vector<BoundLiteral>> clauses;  // short ones; of a single bound, too
+  std::vector<Cut> cuts;                           // that became rows in the tree
 };
 
 struct Progress {
@@ -166,6 +173,9 @@ class Search {
   /* Where cuts in the tree have paid for one they are due for all. */
   bool cuts_have_paid() const { return tree_cuts_.failures == 0; }
   void set_cuts_due() { tree_cuts_.failures = tree_cuts_.waits = 0; }
+  /* What it has found since the last call; the first call only begins to keep it. */
+  Findings take_findings();
+  void learn_from(const Findings& findings);
   const PseudoCosts& pseudo_costs() const { return global_.pseudo_costs; }
   void set_pseudo_costs(const PseudoCosts& costs) { global_.pseudo_costs = costs; }
   /* Without what the leader had done when it joined. */
@@ -226,6 +236,14 @@ class Search {
   double rounded_bound(double bound) const;
   bool fix_by_reduced_costs();
   bool relaxation_is_cut_off() const;
+  // From what is infeasible or beyond the cutoff: learning.cpp.
+  std::int64_t learning_work() const;
+  bool learns();
+  void learn_from_propagation();
+  void learn_from_bound();
+  void learn_from_infeasibility();
+  void take_learned(bool learned);
+  void keep_cuts_of_tree(int count);
   void learn_from_branch(const Node& node, double objective);
   NodeResult try_relaxation(int slot, double objective, bool* again);
   NodeResult branch_on(int slot, const Shortfall& shortfall, double objective, bool* again);
@@ -259,6 +277,7 @@ class Search {
   bool separate(int slot, const NodeEvent& event);
   bool wants_restart(int slot) const;
   void watch_cuts(int count) const;
+  void watch_clause(std::span<const BoundLiteral> clause) const;
   void watch_node(int slot, NodeResult result) const;
   Effort due_in_tree();
   bool separate_in_tree(int slot, double objective);
@@ -295,6 +314,8 @@ class Search {
   Judge judge_;
   Origin* origin_;
   BranchingRule branching_;
+  ConflictAnalysis conflicts_;
+  std::optional<Findings> findings_;  // none: nobody asks
   Separation separation_;
   HeuristicSchedule heuristics_;
   TreeSubSearch sub_search_;

@@ -22,6 +22,8 @@ class Separation {
 
   /* Cuts that became rows. x: the relaxation's optimum. */
   int round(Worker& worker, std::span<const double> x, const Moment& moment);
+  /* For the next round: a cut that another search has found. */
+  void offer(Cut cut) { pool_.add(std::move(cut)); }
   /* Rows that were slack at the last kPatience optima (all that are slack: at_once) leave; the next solve has nothing to do
    * for them. True when some did. */
   bool drop_slack_rows(Worker& worker, bool at_once);

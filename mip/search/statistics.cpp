@@ -44,6 +44,9 @@ void add_counts(SearchStatistics& all, const SearchStatistics& beside) {
   all.cut_rounds += beside.cut_rounds;
   all.tree_cut_rounds += beside.tree_cut_rounds;
   all.largest_depth = std::max(all.largest_depth, beside.largest_depth);
+  all.conflicts += beside.conflicts;
+  all.conflict_bounds += beside.conflict_bounds;
+  all.clause_moves += beside.clause_moves;
   add(all.separators, beside.separators);
   add(all.heuristics, beside.heuristics);
   for (std::size_t k = 0; k < kCutClasses; ++k) all.cuts[k] += beside.cuts[k];

@@ -47,6 +47,9 @@ struct SearchStatistics {
   double root_bound_before_cuts = -kInf, root_bound_after_cuts = -kInf;
   int cut_rounds = 0, tree_cut_rounds = 0;  // at the root, and below
   int largest_depth = 0;
+  std::int64_t conflicts = 0;               // that were learned
+  std::int64_t conflict_bounds = 0;         // bounds in them
+  std::int64_t clause_moves = 0;            // bounds that followed from them
   std::vector<IncumbentRecord> incumbents;  // the first kMostIncumbents - 1, and the last
   // Of plugins and cuts, filled when they are asked for.
   std::vector<PluginCounts> separators, heuristics;

@@ -7,6 +7,7 @@ namespace tovik::mip {
 SubSearchResult TreeSubSearch::run(const Problem& problem, const Settings& settings, lp::Control& control) {
   SilentObserver silent;
   Settings alone = settings;
+  alone.learn_conflicts = false;
   alone.team.threads = 1;
   PresolvedSearch search(problem, alone, control, silent);
   const Conclusion end = search.run();

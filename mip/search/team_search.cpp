@@ -167,6 +167,7 @@ void TeamSearch::gather() {
   }
   times_.threads = team_.threads;
   shared_costs_ = leader_.pseudo_costs();
+  for (const std::unique_ptr<Member>& member : members_) member->search->take_findings();
   share_nodes();
 }
 
@@ -256,6 +257,7 @@ bool TeamSearch::gap_is_closed() const {
 
 std::optional<Conclusion> TeamSearch::meet() {
   share_solutions();
+  share_findings();
   share_pseudo_costs();
   if (gap_is_closed()) return Conclusion::within_gap;
   share_nodes();
@@ -276,6 +278,17 @@ void TeamSearch::share_solutions() {
   }
   for (const std::unique_ptr<Member>& member : members_) {
     if (member->search != finder) member->search->hear_of(*finder, member == members_[0]);
+  }
+}
+
+/* They rest on the cutoff of the best solution at most, which all know by now. */
+void TeamSearch::share_findings() {
+  std::vector<Findings> findings;
+  for (const std::unique_ptr<Member>& member : members_) findings.push_back(member->search->take_findings());
+  for (std::size_t k = 0; k < members_.size(); ++k) {
+    for (std::size_t other = 0; other < members_.size(); ++other) {
+      if (other != k) members_[k]->search->learn_from(findings[other]);
+    }
   }
 }
 

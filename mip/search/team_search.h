@@ -2,7 +2,7 @@
  *
  * - Order: the leader, a Search that was made for it, does the root and the first nodes alone. Then it hands nodes to as many
  *   others as there are threads; all work for a while, meet, and pass on what they have found: the best solution,
- *   pseudo-costs, and nodes to those that have none as good. In the end the leader takes all that is left, and is what one search would
+ *   pseudo-costs, short clauses, cuts of the tree, and nodes to those that have none as good. In the end the leader takes all that is left, and is what one search would
  *   have become: it may be run again, alone or with a team.
  * - A while is so much work, in ticks, where the path has to be the same in every run with as many threads; else so much time.
  * - Caller: only the leader knows the caller's control, and reports. The others stop where it does, and count in its
@@ -58,6 +58,7 @@ class TeamSearch {
   void work_as(Member& member);
   std::optional<Conclusion> meet();
   void share_solutions();
+  void share_findings();
   void share_pseudo_costs();
   void share_nodes();
   void report();

@@ -1,4 +1,5 @@
 // Who cuts off a solution that is known: looked for at every cut and at every node that is done with.
+#include <algorithm>
 #include <cmath>
 #include <string>
 
@@ -39,6 +40,8 @@ const char* name_of(Reason::Kind kind) {
       return "reduced cost";
     case Reason::Kind::objective:
       return "objective";
+    case Reason::Kind::clause:
+      return "clause";
     case Reason::Kind::probing:
       return "probing";
     default:
@@ -62,6 +65,16 @@ void Search::watch_cuts(int count) const {
       witness.complain("cut of class " + std::to_string(static_cast<int>(cut.kind)));
     }
   }
+}
+
+/* What was learned. */
+void Search::watch_clause(std::span<const BoundLiteral> clause) const {
+  const Witness& witness = global_.settings.witness;
+  if (!witness.is_watched() || !is_better(objective(problem_, witness.x), global_.cutoff)) return;
+  const bool none_holds = std::all_of(clause.begin(), clause.end(), [&](const BoundLiteral& literal) {
+    return misses({literal.column, literal.side, literal.value, 0, -1, {}}, witness.x[literal.column]);
+  });
+  if (none_holds) witness.complain("clause that was learned");
 }
 
 /* The work at the node has ended: where the solution is in it and better than the cutoff, bounds and result must have kept

@@ -110,6 +110,7 @@ struct Settings {
 
   // What is switched on.
   bool propagate = true, fix_by_reduced_cost = true, propagate_objective = true;
+  bool learn_conflicts = true;
   PresolveSettings presolve;
   CutSettings cuts;
   HeuristicSettings heuristics;

@@ -11,6 +11,7 @@ namespace tovik::mip {
 namespace {
 
 constexpr int kObjectiveRounds = 5;  // of rows and objective in turn
+constexpr std::size_t kMostProofEntries = 4000000;
 
 }  // namespace
 
@@ -46,6 +47,23 @@ bool Worker::propagate() {
 void Worker::backtrack(int position) {
   domain.backtrack(position);
   propagator.went_back(domain);
+  while (!proofs.empty() && proofs.back().position >= position) {
+    proof_entries_ -= proofs.back().columns.size();
+    proofs.pop_back();
+  }
+}
+
+int Worker::keep_proof() {
+  if (proof_entries_ + safe_reduced_costs_.size() > kMostProofEntries) return -1;
+  BoundProof proof{{}, {}, global.cutoff - safe_constant_, domain.position()};
+  for (std::size_t j = 0; j < safe_reduced_costs_.size(); ++j) {
+    if (safe_reduced_costs_[j] == 0) continue;
+    proof.columns.push_back(static_cast<int>(j));
+    proof.values.push_back(safe_reduced_costs_[j]);
+  }
+  proof_entries_ += proof.columns.size();
+  proofs.push_back(std::move(proof));
+  return static_cast<int>(proofs.size()) - 1;
 }
 
 RelaxationRow Worker::row(int i) const {
@@ -124,6 +142,7 @@ double Worker::safe_bound() {
       bound.add_product(used, side);
     }
   }
+  const double constant = bound.value();
   safe_reduced_costs_.resize(static_cast<std::size_t>(rows.num_columns()));
   double margin = 0;  // what rounding may have added
   const double allowed = kLoss * std::max(1.0, std::fabs(relaxation->objective()));
@@ -147,6 +166,7 @@ double Worker::safe_bound() {
       return -kInf;
     }
   }
+  safe_constant_ = constant - margin;
   return bound.value() - margin;
 }
 

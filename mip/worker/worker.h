@@ -39,6 +39,14 @@ struct Out {
   std::int64_t work = 0;  // entries that plugins have touched
 };
 
+/* values x <= side: what duals and cutoff tell of all better solutions. */
+struct BoundProof {
+  std::vector<int> columns;
+  std::vector<double> values;
+  double side;
+  int position;  // of the trail when it was made
+};
+
 /* A row of the relaxation. */
 struct RelaxationRow {
   std::span<const int> columns;
@@ -63,6 +71,7 @@ struct Worker {
   Out out;
   std::vector<Cut> cut_rows;        // of the relaxation, behind the problem's rows
   std::int64_t iterations = 0;      // of the simplex, of all solves and sub-searches
+  std::vector<BoundProof> proofs;   // of bounds on the trail
   SubSearch* sub_search = nullptr;  // null: this worker has none
 
   int num_rows() const { return global.problem.num_rows() + static_cast<int>(cut_rows.size()); }
@@ -75,6 +84,8 @@ struct Worker {
   /* Rows, objects and the cutoff. False when the domain holds nothing better than the cutoff. */
   bool propagate();
   void backtrack(int position);
+  /* For the reason of bounds by reduced costs, after safe_bound(): its index among the proofs; -1: it would take too much. */
+  int keep_proof();
   /* Gives the domain's bounds of discrete columns to the relaxation. */
   void flush();
   /* flush() and resolve(). */
@@ -89,12 +100,16 @@ struct Worker {
    * entries. */
   double safe_bound();
   std::span<const double> safe_reduced_costs() const { return safe_reduced_costs_; }
+  /* The bound without what columns add to it: the objective is at least this plus the sum of d_j x_j. */
+  double safe_constant() const { return safe_constant_; }
   /* After infeasible: the proof stands on the relaxation's data. */
   bool is_proven_infeasible();
 
  private:
   std::vector<lp::simplex::BoundChange> changes_;
   std::vector<double> safe_reduced_costs_, used_duals_;
+  double safe_constant_ = 0;
+  std::size_t proof_entries_ = 0;
 };
 
 }  // namespace tovik::mip

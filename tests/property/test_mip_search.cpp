@@ -58,6 +58,7 @@ void vary(Settings& settings, int k, support::Random& random) {
     case 1:
       settings.fix_by_reduced_cost = random.chance(0.5);
       settings.propagate_objective = random.chance(0.5);
+      settings.learn_conflicts = random.chance(0.3);
       break;
     case 2:
       settings.variable_rule = random.pick(-1, 4);
@@ -149,7 +150,7 @@ TEST(MipSearch, AgreesWithEnumerationHoweverTheProblemIsSaid) {
 Settings bare() {
   Settings settings;
   settings.presolve.on = settings.propagate = settings.fix_by_reduced_cost = false;
-  settings.propagate_objective = false;
+  settings.propagate_objective = settings.learn_conflicts = false;
   settings.cuts.root_rounds = settings.cuts.in_tree = -1;
   settings.heuristics.interval = settings.heuristics.neighbourhood_interval = settings.heuristics.pump = -1;
   settings.heuristics.rounding = settings.heuristics.diving = settings.heuristics.improvement = false;
