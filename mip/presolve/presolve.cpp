@@ -72,6 +72,9 @@ class Presolver {
     reduce_parallel_columns(state_);
     fast_rounds();
     watch("parallel columns");
+    fix_dominated_columns(state_);
+    fast_rounds();
+    watch("dominated columns");
     aggregate(state_);
     fast_rounds();
     watch("aggregator");

@@ -26,6 +26,8 @@ void find_implied_integers(PresolveState& state);
 
 /* parallel_columns.cpp */
 void reduce_parallel_columns(PresolveState& state);
+/* dominated_columns.cpp: columns that another one, or the cheapest ones of their rows, replace at no higher cost. */
+void fix_dominated_columns(PresolveState& state);
 
 /* aggregate.cpp: equations of two columns, columns of one row, columns that an equation leaves free. */
 void aggregate(PresolveState& state);

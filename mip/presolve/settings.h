@@ -22,17 +22,18 @@ enum class PresolveRule : unsigned char {
   slack_columns,     // columns of one row that become its sides
   free_columns,      // continuous columns that an equation leaves free
   probing,
+  dominated_columns,  // those that others make up for at no higher cost
 };
-inline constexpr std::size_t kPresolveRules = 14;
+inline constexpr std::size_t kPresolveRules = 15;
 
 constexpr std::uint32_t rule_bit(PresolveRule rule) {
   return 1U << static_cast<unsigned>(rule);
 }
 inline constexpr std::uint32_t kAllPresolveRules = (1U << kPresolveRules) - 1;
 /* Those that keep an optimal point only, not every feasible one. */
-inline constexpr std::uint32_t kDualPresolveRules = rule_bit(PresolveRule::dual_fixing) |
-                                                    rule_bit(PresolveRule::parallel_columns) |
-                                                    rule_bit(PresolveRule::implied_integers);
+inline constexpr std::uint32_t kDualPresolveRules =
+    rule_bit(PresolveRule::dual_fixing) | rule_bit(PresolveRule::parallel_columns) |
+    rule_bit(PresolveRule::implied_integers) | rule_bit(PresolveRule::dominated_columns);
 
 struct PresolveSettings {
   bool on = true;

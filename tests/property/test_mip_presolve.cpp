@@ -180,4 +180,36 @@ TEST(MipPresolve, KeepsTheOptimumAndFindsTheWayBackWhateverIsSwitchedOff) {
   }
 }
 
+/* Rules that few models give occasion to, each alone with what it needs: the models must make it fire. */
+TEST(MipPresolve, KeepsTheOptimumByEachRareRuleAlone) {
+  struct Rare {
+    PresolveRule rule;
+    std::uint32_t with;
+  };
+  const Rare rules[] = {{PresolveRule::dominated_columns, 0}};
+  const int count = support::models(600);
+  for (const Rare& rare : rules) {
+    int fired = 0;
+    for (int k = 0; k < count && !HasFailure(); ++k) {
+      support::PlantedMip maker(support::fresh_seed() + static_cast<unsigned>(k));
+      TRACE_RANDOM(maker.random(), k);
+      const Problem problem = maker.draw();
+      const auto counts_with = [&](std::uint32_t bits) {
+        PresolveSettings settings;
+        settings.rules = bits;
+        support::QuietControl control;
+        const PresolveCounts counts = presolve(problem, settings, {}, control).counts;
+        return counts.rows_eliminated + counts.columns_eliminated + counts.coefficients_modified +
+               counts.bounds_improved;
+      };
+      if (counts_with(rare.with | rule_bit(rare.rule)) == counts_with(rare.with)) continue;
+      ++fired;
+      PresolveSettings settings;
+      settings.rules = rare.with | rule_bit(rare.rule);
+      check(problem, enumerate(problem), settings, maker.random());
+    }
+    EXPECT_GT(fired, count / 50) << static_cast<int>(rare.rule);
+  }
+}
+
 }  // namespace

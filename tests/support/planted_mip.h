@@ -1,5 +1,5 @@
 /* Random small mixed-integer problems with what presolve looks for planted in them: copies of columns and rows, equations of
- * two columns, slacks, packing rows, rows with common divisors. */
+ * two columns, slacks, packing and covering rows, columns that others dominate, rows with common divisors. */
 #pragma once
 
 #include <cmath>
@@ -18,13 +18,15 @@ class PlantedMip {
     load();
     Random& random = maker_.random();
     const int plants = random.pick(0, 3);
-    for (int k = 0; k < plants && num_columns() < 9; ++k) plant(random.pick(0, 6));
+    for (int k = 0; k < plants && num_columns() < 9; ++k) plant(random.pick(0, kKinds - 1));
     store();
     return problem_;
   }
   Random& random() { return maker_.random(); }
 
  private:
+  static constexpr int kKinds = 9;
+
   int num_columns() const { return problem_.num_columns(); }
 
   void load() {
@@ -65,9 +67,16 @@ class PlantedMip {
         return packing_row();
       case 5:
         return divisible_row();
+      case 6:
+        return dominated_column();
+      case 7:
+        return covering_rows();
       default:
         return defined_column();
     }
+  }
+  bool is_binary(int j) const {
+    return problem_.is_integer[j] != 0 && problem_.lp.lower[j] == 0 && problem_.lp.upper[j] == 1;
   }
   int any_column() { return random().below(num_columns()); }
   double ratio() {
@@ -136,9 +145,37 @@ class PlantedMip {
   void packing_row() {
     const int i = add_row(random().chance(0.2) ? 1 : -kInf, 1);
     for (int j = 0; j < num_columns(); ++j) {
-      const bool binary =
-          problem_.is_integer[j] != 0 && problem_.lp.lower[j] == 0 && problem_.lp.upper[j] == 1;
-      if (binary && random().chance(0.8)) dense_[i][j] = 1;
+      if (is_binary(j) && random().chance(0.8)) dense_[i][j] = 1;
+    }
+  }
+  /* A column that does no row more good than another one. */
+  void dominated_column() {
+    const int j = any_column();
+    const bool unlimited = random().chance(0.3) && problem_.is_integer[j] == 0;
+    if (unlimited) problem_.lp.upper[j] = kInf;
+    const double cost = problem_.lp.cost[j] + random().pick(0, 2);
+    const int k = add_column(cost, 0, random().pick(1, 2), random().chance(0.8) ? 1 : 0);
+    for (std::size_t i = 0; i < dense_.size(); ++i) {
+      const bool above = problem_.lp.row_upper[i]<kInf, below = problem_.lp.row_lower[i]> - kInf;
+      const int worse = above == below ? 0 : random().pick(0, 2);
+      dense_[i][k] = dense_[i][j] + (above ? worse : -worse);
+    }
+    if (random().chance(0.5)) packing_row();
+  }
+  /* Rows that binary columns cover, some of them columns of their own. */
+  void covering_rows() {
+    std::vector<int> columns;
+    for (int j = 0; j < num_columns(); ++j) {
+      if (is_binary(j) && random().chance(0.8)) columns.push_back(j);
+    }
+    const int own = random().pick(1, 2);
+    for (int k = 0; k < own; ++k) columns.push_back(add_column(random().pick(0, 4), 0, 1, 1));
+    const int rows = random().pick(1, 3);
+    for (int k = 0; k < rows; ++k) {
+      const int i = add_row(random().pick(1, 2), kInf);
+      for (const int j : columns) {
+        if (random().chance(0.7)) dense_[i][j] = random().pick(1, 2);
+      }
     }
   }
   void divisible_row() {
