@@ -69,6 +69,12 @@ class Presolver {
     tighten_coefficients(state_);
     fast_rounds();
     watch("coefficients");
+    remove_dominated_rows(state_);
+    fast_rounds();
+    watch("dominated rows");
+    merge_cliques(state_);
+    fast_rounds();
+    watch("cliques");
     reduce_parallel_columns(state_);
     fast_rounds();
     watch("parallel columns");

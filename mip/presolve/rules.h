@@ -21,6 +21,10 @@ void reduce_objects(PresolveState& state);
 /* coefficients.cpp: all rows. */
 void reduce_divisors(PresolveState& state);
 void tighten_coefficients(PresolveState& state);
+/* dominated_rows.cpp: pairs of rows where one has entries wherever the other has. */
+void remove_dominated_rows(PresolveState& state);
+/* cliques.cpp: rows that are cliques take up what makes others redundant. */
+void merge_cliques(PresolveState& state);
 /* implied_integers.cpp */
 void find_implied_integers(PresolveState& state);
 

@@ -23,8 +23,10 @@ enum class PresolveRule : unsigned char {
   free_columns,      // continuous columns that an equation leaves free
   probing,
   dominated_columns,  // those that others make up for at no higher cost
+  dominated_rows,     // those that one other row implies, and what pairs of rows say of columns
+  cliques,            // packing rows within larger cliques, columns that an equation excludes
 };
-inline constexpr std::size_t kPresolveRules = 15;
+inline constexpr std::size_t kPresolveRules = 17;
 
 constexpr std::uint32_t rule_bit(PresolveRule rule) {
   return 1U << static_cast<unsigned>(rule);

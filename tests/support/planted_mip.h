@@ -25,7 +25,7 @@ class PlantedMip {
   Random& random() { return maker_.random(); }
 
  private:
-  static constexpr int kKinds = 9;
+  static constexpr int kKinds = 11;
 
   int num_columns() const { return problem_.num_columns(); }
 
@@ -71,6 +71,10 @@ class PlantedMip {
         return dominated_column();
       case 7:
         return covering_rows();
+      case 8:
+        return conflicts();
+      case 9:
+        return nested_row();
       default:
         return defined_column();
     }
@@ -176,6 +180,51 @@ class PlantedMip {
       for (const int j : columns) {
         if (random().chance(0.7)) dense_[i][j] = random().pick(1, 2);
       }
+    }
+  }
+  /* Binary columns, or their complements, of which most pairs exclude each other. */
+  void conflicts() {
+    std::vector<int> columns;
+    for (int j = 0; j < num_columns(); ++j) {
+      if (is_binary(j)) columns.push_back(j);
+    }
+    while (columns.size() < 3) columns.push_back(add_column(random().pick(-3, 1), 0, 1, 1));
+    std::vector<char> complemented(static_cast<std::size_t>(num_columns()));
+    for (const int j : columns) complemented[j] = random().chance(0.3) ? 1 : 0;
+    const auto exclude = [&](const std::vector<int>& members, bool equation) {
+      const double scale = ratio();
+      const int i = add_row(0, 0);
+      double side = 1;
+      for (const int j : members) {
+        dense_[i][j] = scale * (complemented[j] != 0 ? -1 : 1);
+        side -= complemented[j];
+      }
+      problem_.lp.row_upper[i] = scale > 0 || equation ? scale * side : kInf;
+      problem_.lp.row_lower[i] = scale < 0 || equation ? scale * side : -kInf;
+    };
+    for (std::size_t k = 0; k < columns.size(); ++k) {
+      for (std::size_t l = 0; l < k; ++l) {
+        if (random().chance(0.8)) exclude({columns[k], columns[l]}, false);
+      }
+    }
+    std::vector<int> some;
+    for (const int j : columns) {
+      if (random().chance(0.6)) some.push_back(j);
+    }
+    if (some.size() > 1 && random().chance(0.5)) exclude(some, random().chance(0.5));
+  }
+  /* A multiple of a row and a little more. */
+  void nested_row() {
+    if (dense_.empty()) return;
+    const auto i = static_cast<std::size_t>(random().below(static_cast<int>(dense_.size())));
+    const double g = ratio(), move = random().pick(-2, 2);
+    double low = g * problem_.lp.row_lower[i], high = g * problem_.lp.row_upper[i];
+    if (g < 0) std::swap(low, high);
+    const int k = add_row(low + move, high + move);
+    for (int j = 0; j < num_columns(); ++j) {
+      dense_[k][j] = g * dense_[i][j];
+      const bool is_slack = problem_.lp.cost[j] == 0 && problem_.is_integer[j] == 0;
+      if (!is_slack && random().chance(0.3)) dense_[k][j] += random().pick(-2, 2);
     }
   }
   void divisible_row() {
