@@ -44,12 +44,15 @@ class DominatedColumns {
       if (!is_candidate(k)) continue;
       if (fall_back_on_saturators(k)) continue;
       entries_of(k);
-      if (!is_dominated(k, -1)) is_dominated(k, 1);
+      if (!pair_up(k, -1)) pair_up(k, 1);
       forget_entries();
     }
   }
 
  private:
+  struct Move {
+    int column, direction;
+  };
   /* The cheapest columns that make a row hold alone, by what it costs to move them to their bound. */
   struct Saturator {
     int column = -1;
@@ -162,56 +165,65 @@ class DominatedColumns {
     for (const int i : loaded_) scattered_[i] = 0;
   }
 
-  /* Whether another column makes up in all rows for a move of k, at no higher cost. k is then fixed. */
-  bool is_dominated(int k, int direction) {
-    const double bound = end(k, direction);
-    if (std::fabs(bound) > kLargestMove || count_locks(k, direction) == 0) return false;
+  /* Moves of this column that others make up for in all rows, at no higher cost: whichever of the two meets its bound last,
+   * some optimal point has the first one there. True when the column is fixed. */
+  bool pair_up(int k, int direction) {
+    if (count_locks(k, direction) == 0) return false;
     int shortest = -1;
-    double a = 0;
     for (const int i : loaded_) {
       if (!harms(i, direction * scattered_[i])) continue;
       if (shortest < 0 || ws_.row_length(i) < ws_.row_length(shortest)) shortest = i;
     }
-    a = direction * scattered_[shortest];
+    const double a = direction * scattered_[shortest];
     const View row = ws_.row(shortest);
     ws_.add_work(row.length);
+    partners_.clear();
     for (int e = 0; e < row.length; ++e) {
-      const int j = row.index[e];
-      const int other = (row.value[e] > 0) == (a > 0) ? -1 : 1;
+      const Move partner{row.index[e], (row.value[e] > 0) == (a > 0) ? -1 : 1};
+      const int j = partner.column;
       if (j == k || std::fabs(row.value[e]) < std::fabs(a)) continue;
-      if ((locks(k, direction) & ~supports_[j].rows) != 0 || (locks(j, other) & ~supports_[k].rows) != 0)
-        continue;
-      if (ws_.cost[j] * other + ws_.cost[k] * direction > 0) continue;
-      if (!is_candidate(j) || (state_.is_integer(j) && !state_.is_integer(k))) continue;
-      if (!makes_up(j, other, k, direction) || !has_room(j, other, k, direction)) continue;
-      state_.fix(k, bound);
-      return true;
+      if ((locks(k, direction) & ~supports_[j].rows) != 0) continue;
+      if ((locks(j, partner.direction) & ~supports_[k].rows) != 0) continue;
+      if (ws_.cost[j] * partner.direction + ws_.cost[k] * direction <= 0) partners_.push_back(partner);
+    }
+    for (const Move& partner : partners_) {
+      if (!goes_on()) return false;
+      if (!is_candidate(partner.column) || !harms_no_row(partner, {k, direction})) continue;
+      if (replaces(partner, {k, direction})) return true;
+      replaces({k, direction}, partner);
     }
     return false;
   }
 
-  /* In all rows; k is scattered. */
-  bool makes_up(int j, int other, int k, int direction) {
-    const View column = ws_.column(j);
+  /* Both moves together; the column of the second is scattered. */
+  bool harms_no_row(const Move& m, const Move& scattered) {
+    const View column = ws_.column(m.column);
     int seen = 0;
     for (int e = 0; e < column.length; ++e) {
       const int i = column.index[e];
-      const double own = direction * scattered_[i];
-      if (harms(i, other * column.value[e] + own)) {
+      const double own = scattered.direction * scattered_[i];
+      if (harms(i, m.direction * column.value[e] + own)) {
         ws_.add_work(e);
         return false;
       }
       seen += harms(i, own) ? 1 : 0;
     }
     ws_.add_work(column.length);
-    return seen == count_locks(k, direction);
+    return seen == count_locks(scattered.column, scattered.direction);
   }
 
-  /* No bound keeps j from making up for k, or where one does, k is not wanted any more. */
-  bool has_room(int j, int other, int k, int direction) {
-    const double bound = end(j, other);
-    return !is_finite(bound) || is_implied(j, other, bound) ||
-           (ws_.cost[k] * direction <= 0 && is_enough(j, bound, direction));
+  /* Fixes the column that goes where no bound keeps the other one from making up for it, or where one does, nothing needs it
+   * any more. */
+  bool replaces(const Move& other, const Move& goes) {
+    const double bound = end(goes.column, goes.direction), limit = end(other.column, other.direction);
+    if (std::fabs(bound) > kLargestMove ||
+        (state_.is_integer(other.column) && !state_.is_integer(goes.column)))
+      return false;
+    const bool has_room =
+        !is_finite(limit) || is_implied(other.column, other.direction, limit) ||
+        (ws_.cost[goes.column] * goes.direction <= 0 && is_enough(other.column, limit, goes));
+    if (has_room) state_.fix(goes.column, bound);
+    return has_room;
   }
 
   bool is_implied(int j, int direction, double bound) {
@@ -227,17 +239,19 @@ class DominatedColumns {
     return false;
   }
 
-  /* Rows that want k hold without it while j is at its bound. */
-  bool is_enough(int j, double bound, int direction) {
-    ws_.add_work(static_cast<std::int64_t>(loaded_.size()));
-    for (const int i : loaded_) {
-      const double move = direction * scattered_[i];
+  /* With column j at this bound, rows hold wherever the other one ends. */
+  bool is_enough(int j, double bound, const Move& goes) {
+    const View column = ws_.column(goes.column);
+    ws_.add_work(column.length);
+    for (int e = 0; e < column.length; ++e) {
+      const int i = column.index[e];
+      const double move = goes.direction * column.value[e];
       if (!harms(i, move)) continue;
       const double sign = move > 0 ? 1 : -1, a = ws_.entry(i, j);
       const Activity& activity = ws_.activity(i);
       const double most = sign > 0 ? activity.most() : -activity.least();
       if (!is_finite(most)) return false;
-      // The move of k is the worst for the row, so its bound is in the sum.
+      // The move is the worst for the row, so where it ends is in the sum.
       const double worst = sign * a > 0 ? ws_.upper[j] : ws_.lower[j];
       const double side = sign > 0 ? ws_.row_upper[i] : -ws_.row_lower[i];
       if (most + sign * a * (bound - worst) > side + tolerance(i, side, activity)) return false;
@@ -253,6 +267,7 @@ class DominatedColumns {
   std::vector<double> scattered_;       // by row: entries of one column
   std::vector<int> loaded_;             // its rows
   std::vector<int> chosen_;
+  std::vector<Move> partners_;
 };
 
 }  // namespace
