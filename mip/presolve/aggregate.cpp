@@ -129,12 +129,40 @@ void absorb_slack(PresolveState& state, int s) {
                   std::isinf(sides.upper) || std::isinf(least) ? kInf : sides.upper - least);
 }
 
-/* An equation that keeps the column within its bounds whatever the others do defines it. */
+/* Rows that keep a column within its bounds whatever the others do, on either side. */
+struct Implied {
+  bool below, above;
+  bool free() const { return below && above; }
+};
+
+Implied implied_bounds(Workspace& ws, int s, const std::vector<int>& rows,
+                       const std::vector<double>& values) {
+  Implied implied{ws.lower[s] == -kInf, ws.upper[s] == kInf};
+  for (std::size_t k = 0; k < rows.size() && !implied.free(); ++k) {
+    if (!implied.below) implied.below = ws.implied_lower(rows[k], s, values[k]) >= ws.lower[s];
+    if (!implied.above) implied.above = ws.implied_upper(rows[k], s, values[k]) <= ws.upper[s];
+  }
+  return implied;
+}
+
+/* An integer column that the equation defines is whole where the others are. */
+bool gives_whole_numbers(PresolveState& state, int i, double a) {
+  Workspace& ws = state.ws();
+  const View row = ws.row(i);
+  ws.add_work(row.length);
+  for (int k = 0; k < row.length; ++k) {
+    if (!state.is_integer(row.index[k]) || !is_whole(row.value[k] / a)) return false;
+  }
+  return is_whole(ws.row_lower[i] / a);
+}
+
+/* A column that rows keep within its bounds whatever the others do is put in from an equation. */
 bool substitute_free(PresolveState& state, int s) {
   Workspace& ws = state.ws();
   const View view = ws.column(s);
   const std::vector<int> rows(view.index, view.index + view.length);
   const std::vector<double> values(view.value, view.value + view.length);
+  ws.add_work(view.length);
   int best = -1;
   for (std::size_t k = 0; k < rows.size(); ++k) {
     const int i = rows[k];
@@ -143,11 +171,11 @@ bool substitute_free(PresolveState& state, int s) {
     const int others = ws.row_length(i) - 1;
     const std::int64_t fill = static_cast<std::int64_t>(others) * (view.length - 1) - others - view.length;
     if (fill > state.settings().fill) continue;
-    if (ws.implied_lower(i, s, a) < ws.lower[s] || ws.implied_upper(i, s, a) > ws.upper[s]) continue;
-    if (has_held_continuous(state, i)) continue;
-    if (best < 0 || ws.row_length(i) < ws.row_length(best)) best = i;
+    if (best >= 0 && ws.row_length(i) >= ws.row_length(best)) continue;
+    if (has_held_continuous(state, i) || (state.is_integer(s) && !gives_whole_numbers(state, i, a))) continue;
+    best = i;
   }
-  if (best < 0) return false;
+  if (best < 0 || !implied_bounds(ws, s, rows, values).free()) return false;
   state.substitute(best, s);
   return true;
 }
@@ -163,7 +191,7 @@ void aggregate_once(PresolveState& state) {
     if (!ws.column_alive(s) || state.is_held(s) || state.is_fixed(s)) continue;
     if (ws.column_length(s) == 1) {
       if (state.allows(PresolveRule::slack_columns)) absorb_slack(state, s);
-    } else if (ws.column_length(s) > 1 && !state.is_integer(s)) {
+    } else if (ws.column_length(s) > 1) {
       if (state.allows(PresolveRule::free_columns)) substitute_free(state, s);
     }
   }

@@ -20,7 +20,7 @@ enum class PresolveRule : unsigned char {
   parallel_columns,  // merged, or the dearer one fixed
   doubletons,        // equations of two columns
   slack_columns,     // columns of one row that become its sides
-  free_columns,      // continuous columns that an equation leaves free
+  free_columns,      // columns that rows leave free, by an equation
   probing,
   dominated_columns,  // those that others make up for at no higher cost
   dominated_rows,     // those that one other row implies, and what pairs of rows say of columns
