@@ -14,7 +14,7 @@ using lp::presolve::View;
 using lp::presolve::Workspace;
 
 constexpr double kRounding = 1e-9;     // by which an implied bound may miss the bound
-constexpr std::int64_t kEffort = 50;   // entries that one call may look at, relative to those of the problem
+constexpr std::int64_t kEffort = 20;   // entries that one call may look at, relative to those of the problem
 constexpr int kScanned = 8;            // entries of a row that are passed over in the time of one
 constexpr double kLargestMove = 1e12;  // value that is moved into sides
 
@@ -36,18 +36,24 @@ struct Support {
 class DominatedColumns {
  public:
   explicit DominatedColumns(PresolveState& state)
-      : state_(state), ws_(state.ws()), last_work_(ws_.work() + kEffort * state.size()) {}
+      : state_(state),
+        ws_(state.ws()),
+        last_work_(ws_.work() + kEffort * state.size()),
+        is_gone_(static_cast<std::size_t>(ws_.num_columns()), 0) {}
 
   void run() {
     find_supports();
     find_saturators();
-    for (int k = 0; k < ws_.num_columns() && goes_on(); ++k) {
-      if (!is_candidate(k)) continue;
-      if (fall_back_on_saturators(k)) continue;
+    const int n = ws_.num_columns();
+    int& k = state_.next_dominated;
+    for (int seen = 0; seen < n && goes_on(); ++seen, ++k) {
+      if (k >= n) k = 0;
+      if (!is_candidate(k) || fall_back_on_saturators(k)) continue;
       entries_of(k);
       if (!pair_up(k, -1)) pair_up(k, 1);
       forget_entries();
     }
+    for (const Term& fixed : fixed_) state_.fix(fixed.column, fixed.value);
   }
 
  private:
@@ -65,7 +71,13 @@ class DominatedColumns {
 
   bool goes_on() { return ws_.work() < last_work_ && state_.goes_on(); }
   bool is_candidate(int j) {
-    return ws_.column_alive(j) && !state_.is_held(j) && !state_.is_fixed(j) && ws_.column_length(j) > 0;
+    return ws_.column_alive(j) && is_gone_[j] == 0 && !state_.is_held(j) && !state_.is_fixed(j) &&
+           ws_.column_length(j) > 0;
+  }
+  /* In the end: what is judged until then by the old bounds holds for the new ones, and the activities stay. */
+  void fix(int j, double value) {
+    is_gone_[j] = 1;
+    fixed_.push_back({j, value});
   }
   double end(int j, int direction) const { return direction < 0 ? ws_.lower[j] : ws_.upper[j]; }
 
@@ -146,13 +158,13 @@ class DominatedColumns {
       const int i = column.index[e];
       if (!harms(i, direction * column.value[e])) continue;
       const Saturator& s = saturators_[i].first.column == k ? saturators_[i].second : saturators_[i].first;
-      if (s.column < 0 || !ws_.column_alive(s.column)) return false;
+      if (s.column < 0 || is_gone_[s.column] != 0) return false;
       if (std::find(chosen_.begin(), chosen_.end(), s.column) != chosen_.end()) continue;
       chosen_.push_back(s.column);
       sum += std::max(0.0, s.cost);
       if (sum > cost) return false;
     }
-    state_.fix(k, bound);
+    fix(k, bound);
     return true;
   }
 
@@ -223,7 +235,7 @@ class DominatedColumns {
     const bool has_room =
         !is_finite(limit) || is_implied(other.column, other.direction, limit) ||
         (ws_.cost[goes.column] * goes.direction <= 0 && is_enough(other.column, limit, goes));
-    if (has_room) state_.fix(goes.column, bound);
+    if (has_room) fix(goes.column, bound);
     return has_room;
   }
 
@@ -263,6 +275,8 @@ class DominatedColumns {
   PresolveState& state_;
   Workspace& ws_;
   const std::int64_t last_work_;
+  std::vector<char> is_gone_;  // by column
+  std::vector<Term> fixed_;
   std::vector<Support> supports_;
   std::vector<Saturators> saturators_;  // by row
   std::vector<double> scattered_;       // by row: entries of one column

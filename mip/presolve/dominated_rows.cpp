@@ -14,6 +14,9 @@ using lp::presolve::Workspace;
 
 constexpr std::int64_t kEffort = 10;  // entries that one call may look at, relative to those of the problem
 constexpr int kCompared = 100;        // rows that one row is compared with
+constexpr int kLonger =
+    10;  // times the length of a row, and some more: what longer rows add to it is too much
+constexpr int kScanned = 8;  // rows of a column that are passed over in the time of one entry
 
 /* One bit of 64 for each column. */
 std::uint64_t bit_of(int j) {
@@ -67,10 +70,12 @@ class RowPairs {
     partners_.clear();
     for (int k = 0; k < column.length && static_cast<int>(partners_.size()) < kCompared; ++k) {
       const int b = column.index[k];
-      if (b == a || (supports_[a] & ~supports_[b]) != 0 || ws_.row_length(b) < row.length) continue;
+      if (b == a || (supports_[a] & ~supports_[b]) != 0 || ws_.row_length(b) < row.length ||
+          ws_.row_length(b) > kLonger * (row.length + 2))
+        continue;
       partners_.push_back({b, column.value[k] / entry});
     }
-    ws_.add_work(column.length);
+    ws_.add_work(column.length / kScanned);
     if (partners_.empty()) return;
     columns_.assign(row.index, row.index + row.length);
     for (int k = 0; k < row.length; ++k) scattered_[row.index[k]] = row.value[k];

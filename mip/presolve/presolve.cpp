@@ -69,22 +69,32 @@ class Presolver {
     tighten_coefficients(state_);
     fast_rounds();
     watch("coefficients");
-    remove_dominated_rows(state_);
-    fast_rounds();
+    now_and_then(dominated_rows_, remove_dominated_rows);
     watch("dominated rows");
-    merge_cliques(state_);
-    fast_rounds();
+    now_and_then(cliques_, merge_cliques);
     watch("cliques");
     reduce_parallel_columns(state_);
     fast_rounds();
     watch("parallel columns");
-    fix_dominated_columns(state_);
-    fast_rounds();
+    now_and_then(dominated_columns_, fix_dominated_columns);
     watch("dominated columns");
     aggregate(state_);
     fast_rounds();
     watch("aggregator");
     find_implied_integers(state_);
+  }
+
+  /* A rule that looks at much: where it finds nothing it waits for ever more rounds. */
+  struct Occasion {
+    int failures = 0, wait = 0;
+  };
+  void now_and_then(Occasion& occasion, void (*rule)(PresolveState&)) {
+    if (occasion.wait-- > 0) return;
+    const double before = progress();
+    rule(state_);
+    fast_rounds();
+    occasion.failures = progress() > before ? 0 : occasion.failures + 1;
+    occasion.wait = occasion.failures - 1;
   }
 
   /* Whether the witness is still there; `rule` is what was done last. */
@@ -127,6 +137,7 @@ class Presolver {
   }
 
   PresolveState state_;
+  Occasion dominated_rows_, cliques_, dominated_columns_;
   const Witness& witness_;
   bool is_lost_ = false;  // the witness
 };

@@ -12,6 +12,8 @@ using lp::presolve::Workspace;
 
 constexpr double kNoLimit = 1e75;
 
+constexpr int kReward = 20;  // a probe with a result pays for so many like it
+
 struct Effort {
   std::int64_t work;  // entries, relative to those of the problem
   int useless;        // probes in a row without a result
@@ -45,7 +47,7 @@ class Probing {
   void run() {
     const Effort effort = effort_of(state_.settings().probing);
     const auto entries = static_cast<std::int64_t>(problem_.lp.matrix.index.size());
-    const std::int64_t most = effort.work * (entries + problem_.num_columns()) + 100000;
+    std::int64_t most = effort.work * (entries + problem_.num_columns()) + 100000;
     bool possible = propagator_.run_all(domain_);
     commit();
     int useless = 0;
@@ -53,8 +55,10 @@ class Probing {
       if (!possible || work() > most || useless > effort.useless || !goes_on()) break;
       if (domain_.is_fixed(j) || is_replaced_[j] != 0) continue;
       const int before = results_;
+      const std::int64_t begin = work();
       possible = probe(j);
       useless = results_ > before ? 0 : useless + 1;
+      if (results_ > before) most += kReward * (work() - begin);
     }
     tell_work();
     if (!possible) {

@@ -78,6 +78,7 @@ class PresolveState {
 
   Postsolve postsolve;
   PresolveCounts counts;
+  int next_dominated = 0;  // column at which the search for dominated ones goes on
   // Objects that are not decided, in original columns.
   std::vector<SemiColumn> semi_columns;
   std::vector<OrderedSet> sets;
