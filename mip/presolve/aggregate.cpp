@@ -180,6 +180,43 @@ bool substitute_free(PresolveState& state, int s) {
   return true;
 }
 
+/* The only row that keeps a column from moving this way; none, or several: -1. */
+int only_lock(const Workspace& ws, const View& column, int direction) {
+  int found = -1;
+  for (int k = 0; k < column.length; ++k) {
+    const int i = column.index[k];
+    const bool up = (column.value[k] > 0) == (direction > 0);
+    if (up ? ws.row_upper[i] == kInf : ws.row_lower[i] == -kInf) continue;
+    if (found >= 0) return -1;
+    found = k;
+  }
+  return found;
+}
+
+/* A continuous column that only one row keeps from its better bound, and that row always before the bound does: some optimal
+ * point meets the row's side, which then is an equation. It is made one where the column can leave by it. */
+void make_equation(PresolveState& state, int s) {
+  Workspace& ws = state.ws();
+  const View view = ws.column(s);
+  const std::vector<int> rows(view.index, view.index + view.length);
+  const std::vector<double> values(view.value, view.value + view.length);
+  ws.add_work(view.length);
+  for (const int direction : {-1, 1}) {
+    const int lock = ws.cost[s] * direction > 0 ? -1 : only_lock(ws, ws.column(s), direction);
+    if (lock < 0) continue;
+    const int i = rows[lock];
+    const double a = values[lock];
+    if (ws.equation(i) || ws.row_length(i) < 2 || std::fabs(a) < 0.01 * ws.activity(i).largest) continue;
+    if (has_held_continuous(state, i)) continue;
+    const bool is_met = direction < 0 ? ws.lower[s] == -kInf || ws.implied_lower(i, s, a) >= ws.lower[s]
+                                      : ws.upper[s] == kInf || ws.implied_upper(i, s, a) <= ws.upper[s];
+    if (!is_met || (rows.size() > 1 && !implied_bounds(ws, s, rows, values).free())) continue;
+    const double side = (a > 0) == (direction > 0) ? ws.row_upper[i] : ws.row_lower[i];
+    ws.change_sides(i, side, side);
+    return;
+  }
+}
+
 void aggregate_once(PresolveState& state) {
   Workspace& ws = state.ws();
   for (int i = 0; i < ws.num_rows(); ++i) {
@@ -189,6 +226,7 @@ void aggregate_once(PresolveState& state) {
   for (int s = 0; s < ws.num_columns(); ++s) {
     if (!state.goes_on()) return;
     if (!ws.column_alive(s) || state.is_held(s) || state.is_fixed(s)) continue;
+    if (!state.is_integer(s) && state.allows(PresolveRule::tight_rows)) make_equation(state, s);
     if (ws.column_length(s) == 1) {
       if (state.allows(PresolveRule::slack_columns)) absorb_slack(state, s);
     } else if (ws.column_length(s) > 1) {

@@ -25,8 +25,9 @@ enum class PresolveRule : unsigned char {
   dominated_columns,  // those that others make up for at no higher cost
   dominated_rows,     // those that one other row implies, and what pairs of rows say of columns
   cliques,            // packing rows within larger cliques, columns that an equation excludes
+  tight_rows,         // that some optimal point meets: equations, by which a continuous column leaves
 };
-inline constexpr std::size_t kPresolveRules = 17;
+inline constexpr std::size_t kPresolveRules = 18;
 
 constexpr std::uint32_t rule_bit(PresolveRule rule) {
   return 1U << static_cast<unsigned>(rule);
@@ -35,7 +36,8 @@ inline constexpr std::uint32_t kAllPresolveRules = (1U << kPresolveRules) - 1;
 /* Those that keep an optimal point only, not every feasible one. */
 inline constexpr std::uint32_t kDualPresolveRules =
     rule_bit(PresolveRule::dual_fixing) | rule_bit(PresolveRule::parallel_columns) |
-    rule_bit(PresolveRule::implied_integers) | rule_bit(PresolveRule::dominated_columns);
+    rule_bit(PresolveRule::implied_integers) | rule_bit(PresolveRule::dominated_columns) |
+    rule_bit(PresolveRule::tight_rows);
 
 struct PresolveSettings {
   bool on = true;

@@ -186,8 +186,11 @@ TEST(MipPresolve, KeepsTheOptimumByEachRareRuleAlone) {
     PresolveRule rule;
     std::uint32_t with;
   };
-  const Rare rules[] = {
-      {PresolveRule::dominated_columns, 0}, {PresolveRule::dominated_rows, 0}, {PresolveRule::cliques, 0}};
+  const Rare rules[] = {{PresolveRule::dominated_columns, 0},
+                        {PresolveRule::dominated_rows, 0},
+                        {PresolveRule::cliques, 0},
+                        {PresolveRule::tight_rows,
+                         rule_bit(PresolveRule::slack_columns) | rule_bit(PresolveRule::free_columns)}};
   const int count = support::models(600);
   for (const Rare& rare : rules) {
     int fired = 0;
