@@ -12,6 +12,8 @@ using lp::presolve::View;
 using lp::presolve::Workspace;
 
 constexpr double kWeakPivot = 1e-3;  // relative to the other coefficients
+constexpr double kFreePivot = 0.01;  // the same, of a free column
+constexpr double kWeakSlack = 1e-5;  // of a column of one row: what it takes over is put in nowhere else
 constexpr int kRounds = 10;
 
 bool is_whole(double v) {
@@ -97,7 +99,7 @@ void absorb_slack(PresolveState& state, int s) {
   const bool equation = ws.equation(i);
   if (!equation && state.settings().linear_only) return;
   if (ws.row_length(i) < 2 || (cost != 0 && (!equation || has_held_continuous(state, i)))) return;
-  if (std::fabs(a) < kWeakPivot || std::fabs(a) < kWeakPivot * ws.activity(i).largest) return;
+  if (std::fabs(a) < kWeakPivot || std::fabs(a) < kWeakSlack * ws.activity(i).largest) return;
   const Postsolve::Box box{ws.lower[s], ws.upper[s]}, sides{ws.row_lower[i], ws.row_upper[i]};
   if (state.is_integer(s)) {
     const auto fits = [&](double v) { return std::isinf(v) || is_whole(v / a); };
@@ -145,15 +147,15 @@ Implied implied_bounds(Workspace& ws, int s, const std::vector<int>& rows,
   return implied;
 }
 
-/* An integer column that the equation defines is whole where the others are. */
-bool gives_whole_numbers(PresolveState& state, int i, double a) {
+/* An integer column with entry a that the row, where it meets this side, defines is whole where the others are. */
+bool gives_whole_numbers(PresolveState& state, int i, double a, double side) {
   Workspace& ws = state.ws();
   const View row = ws.row(i);
   ws.add_work(row.length);
   for (int k = 0; k < row.length; ++k) {
     if (!state.is_integer(row.index[k]) || !is_whole(row.value[k] / a)) return false;
   }
-  return is_whole(ws.row_lower[i] / a);
+  return is_whole(side / a);
 }
 
 /* A column that rows keep within its bounds whatever the others do is put in from an equation. */
@@ -167,12 +169,14 @@ bool substitute_free(PresolveState& state, int s) {
   for (std::size_t k = 0; k < rows.size(); ++k) {
     const int i = rows[k];
     const double a = values[k];
-    if (!ws.equation(i) || std::fabs(a) < 0.01 * ws.activity(i).largest) continue;
+    if (!ws.equation(i) || std::fabs(a) < kFreePivot * ws.activity(i).largest) continue;
     const int others = ws.row_length(i) - 1;
     const std::int64_t fill = static_cast<std::int64_t>(others) * (view.length - 1) - others - view.length;
     if (fill > state.settings().fill) continue;
     if (best >= 0 && ws.row_length(i) >= ws.row_length(best)) continue;
-    if (has_held_continuous(state, i) || (state.is_integer(s) && !gives_whole_numbers(state, i, a))) continue;
+    if (has_held_continuous(state, i) ||
+        (state.is_integer(s) && !gives_whole_numbers(state, i, a, ws.row_lower[i])))
+      continue;
     best = i;
   }
   if (best < 0 || !implied_bounds(ws, s, rows, values).free()) return false;
@@ -193,7 +197,7 @@ int only_lock(const Workspace& ws, const View& column, int direction) {
   return found;
 }
 
-/* A continuous column that only one row keeps from its better bound, and that row always before the bound does: some optimal
+/* A column that only one row keeps from its better bound, and that row always before the bound does: some optimal
  * point meets the row's side, which then is an equation. It is made one where the column can leave by it. */
 void make_equation(PresolveState& state, int s) {
   Workspace& ws = state.ws();
@@ -206,12 +210,14 @@ void make_equation(PresolveState& state, int s) {
     if (lock < 0) continue;
     const int i = rows[lock];
     const double a = values[lock];
-    if (ws.equation(i) || ws.row_length(i) < 2 || std::fabs(a) < 0.01 * ws.activity(i).largest) continue;
+    if (ws.equation(i) || ws.row_length(i) < 2) continue;
+    if (std::fabs(a) < (rows.size() > 1 ? kFreePivot : kWeakSlack) * ws.activity(i).largest) continue;
     if (has_held_continuous(state, i)) continue;
     const bool is_met = direction < 0 ? ws.lower[s] == -kInf || ws.implied_lower(i, s, a) >= ws.lower[s]
                                       : ws.upper[s] == kInf || ws.implied_upper(i, s, a) <= ws.upper[s];
     if (!is_met || (rows.size() > 1 && !implied_bounds(ws, s, rows, values).free())) continue;
     const double side = (a > 0) == (direction > 0) ? ws.row_upper[i] : ws.row_lower[i];
+    if (state.is_integer(s) && !gives_whole_numbers(state, i, a, side)) continue;
     ws.change_sides(i, side, side);
     return;
   }
@@ -226,7 +232,7 @@ void aggregate_once(PresolveState& state) {
   for (int s = 0; s < ws.num_columns(); ++s) {
     if (!state.goes_on()) return;
     if (!ws.column_alive(s) || state.is_held(s) || state.is_fixed(s)) continue;
-    if (!state.is_integer(s) && state.allows(PresolveRule::tight_rows)) make_equation(state, s);
+    if (state.allows(PresolveRule::tight_rows)) make_equation(state, s);
     if (ws.column_length(s) == 1) {
       if (state.allows(PresolveRule::slack_columns)) absorb_slack(state, s);
     } else if (ws.column_length(s) > 1) {
