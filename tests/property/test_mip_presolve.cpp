@@ -191,7 +191,7 @@ TEST(MipPresolve, KeepsTheOptimumByEachRareRuleAlone) {
                         {PresolveRule::cliques, 0},
                         {PresolveRule::tight_rows,
                          rule_bit(PresolveRule::slack_columns) | rule_bit(PresolveRule::free_columns)}};
-  const int count = support::models(600);
+  const int count = support::models(1500);
   for (const Rare& rare : rules) {
     int fired = 0;
     for (int k = 0; k < count && !HasFailure(); ++k) {

@@ -188,7 +188,7 @@ class PlantedMip {
     for (int j = 0; j < num_columns(); ++j) {
       if (is_binary(j)) columns.push_back(j);
     }
-    while (columns.size() < 3) columns.push_back(add_column(random().pick(-3, 1), 0, 1, 1));
+    while (columns.size() < 4) columns.push_back(add_column(random().pick(-3, 1), 0, 1, 1));
     std::vector<char> complemented(static_cast<std::size_t>(num_columns()));
     for (const int j : columns) complemented[j] = random().chance(0.3) ? 1 : 0;
     const auto exclude = [&](const std::vector<int>& members, bool equation) {
@@ -204,7 +204,7 @@ class PlantedMip {
     };
     for (std::size_t k = 0; k < columns.size(); ++k) {
       for (std::size_t l = 0; l < k; ++l) {
-        if (random().chance(0.8)) exclude({columns[k], columns[l]}, false);
+        if (random().chance(0.7)) exclude({columns[k], columns[l]}, false);
       }
     }
     std::vector<int> some;
