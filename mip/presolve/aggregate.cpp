@@ -197,8 +197,9 @@ int only_lock(const Workspace& ws, const View& column, int direction) {
   return found;
 }
 
-/* A column that only one row keeps from its better bound, and that row always before the bound does: some optimal
- * point meets the row's side, which then is an equation. It is made one where the column can leave by it. */
+/* An integer column that only one row keeps from its better bound, and that row always before the bound does: some optimal
+ * point meets the row's side, which then is an equation. It is made one where the column can leave by it. Continuous columns
+ * stay: without them rows of flows and their cuts become worse. */
 void make_equation(PresolveState& state, int s) {
   Workspace& ws = state.ws();
   const View view = ws.column(s);
@@ -217,7 +218,7 @@ void make_equation(PresolveState& state, int s) {
                                       : ws.upper[s] == kInf || ws.implied_upper(i, s, a) <= ws.upper[s];
     if (!is_met || (rows.size() > 1 && !implied_bounds(ws, s, rows, values).free())) continue;
     const double side = (a > 0) == (direction > 0) ? ws.row_upper[i] : ws.row_lower[i];
-    if (state.is_integer(s) && !gives_whole_numbers(state, i, a, side)) continue;
+    if (!gives_whole_numbers(state, i, a, side)) continue;
     ws.change_sides(i, side, side);
     return;
   }
@@ -232,7 +233,7 @@ void aggregate_once(PresolveState& state) {
   for (int s = 0; s < ws.num_columns(); ++s) {
     if (!state.goes_on()) return;
     if (!ws.column_alive(s) || state.is_held(s) || state.is_fixed(s)) continue;
-    if (state.allows(PresolveRule::tight_rows)) make_equation(state, s);
+    if (state.is_integer(s) && state.allows(PresolveRule::tight_rows)) make_equation(state, s);
     if (ws.column_length(s) == 1) {
       if (state.allows(PresolveRule::slack_columns)) absorb_slack(state, s);
     } else if (ws.column_length(s) > 1) {

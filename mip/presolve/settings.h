@@ -25,7 +25,7 @@ enum class PresolveRule : unsigned char {
   dominated_columns,  // those that others make up for at no higher cost
   dominated_rows,     // those that one other row implies, and what pairs of rows say of columns
   cliques,            // packing rows within larger cliques, columns that an equation excludes
-  tight_rows,         // that some optimal point meets: equations, by which a column leaves
+  tight_rows,         // that some optimal point meets: equations, by which an integer column leaves
 };
 inline constexpr std::size_t kPresolveRules = 18;
 
