@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cmath>
+#include <span>
 #include <utility>
 #include <vector>
 
@@ -137,8 +138,7 @@ struct Implied {
   bool free() const { return below && above; }
 };
 
-Implied implied_bounds(Workspace& ws, int s, const std::vector<int>& rows,
-                       const std::vector<double>& values) {
+Implied implied_bounds(Workspace& ws, int s, std::span<const int> rows, std::span<const double> values) {
   Implied implied{ws.lower[s] == -kInf, ws.upper[s] == kInf};
   for (std::size_t k = 0; k < rows.size() && !implied.free(); ++k) {
     if (!implied.below) implied.below = ws.implied_lower(rows[k], s, values[k]) >= ws.lower[s];
@@ -158,7 +158,8 @@ bool gives_whole_numbers(PresolveState& state, int i, double a, double side) {
   return is_whole(side / a);
 }
 
-/* A column that rows keep within its bounds whatever the others do is put in from an equation. */
+/* A column that rows keep within its bounds whatever the others do is put in from an equation; for a continuous column that
+ * must be the equation itself: with the help of other rows flows are put in at the wrong end, and their cuts become worse. */
 bool substitute_free(PresolveState& state, int s) {
   Workspace& ws = state.ws();
   const View view = ws.column(s);
@@ -177,9 +178,10 @@ bool substitute_free(PresolveState& state, int s) {
     if (has_held_continuous(state, i) ||
         (state.is_integer(s) && !gives_whole_numbers(state, i, a, ws.row_lower[i])))
       continue;
+    if (!state.is_integer(s) && !implied_bounds(ws, s, {&rows[k], 1}, {&values[k], 1}).free()) continue;
     best = i;
   }
-  if (best < 0 || !implied_bounds(ws, s, rows, values).free()) return false;
+  if (best < 0 || (state.is_integer(s) && !implied_bounds(ws, s, rows, values).free())) return false;
   state.substitute(best, s);
   return true;
 }

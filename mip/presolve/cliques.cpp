@@ -22,7 +22,13 @@ struct CliqueRow {
   std::vector<Literal> literals;
 };
 
-/* Merging of cliques (Achterberg, Bixby, Gu, Rothberg, Weninger, INFORMS J. Computing 32 (2020), section 3.6). */
+/* Merging of cliques ("Presolve reductions in mixed integer programming", INFORMS J. Computing 32 (2020)).
+ *
+ * - A literal that excludes every literal of an equation is false.
+ * - A packing row is extended greedily by literals that exclude all of its own, and each other. Where other packing rows lie
+ *   within the larger clique they go, and the row takes up the extension.
+ * - What excludes what is said by all rows (CliqueTable), and holds whatever becomes of the rows here: each row that goes is
+ *   implied by one that stays. */
 class CliqueRows {
  public:
   explicit CliqueRows(PresolveState& state)
@@ -185,7 +191,7 @@ class CliqueRows {
       keep_neighbours_of(l, candidates_);
     }
     remove_subsets(r, rows_[r].literals);
-    if (extension_.empty()) return;
+    if (extension_.empty() || state_.settings().coefficients == 0) return;
     std::vector<Literal> all = rows_[r].literals;
     all.insert(all.end(), extension_.begin(), extension_.end());
     if (remove_subsets(r, all)) extend(r);

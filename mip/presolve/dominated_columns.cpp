@@ -33,6 +33,18 @@ struct Support {
   int downs = 0, ups = 0;  // rows that a move can violate
 };
 
+/* Two arguments, each of a feasible point that is changed for one that costs no more:
+ *
+ * - Pairs ("Progress in presolving for mixed integer programming", Math. Programming Computation 7 (2015)). If moving one
+ *   column by a unit makes up in all rows for moving another one, the two can be moved on until one of them meets its bound. A
+ *   bound of the one that makes up is never met first where it is infinite, or implied by a row: rows still hold then. Where
+ *   it is met, the other one can go on to its bound if the rows hold without it from there.
+ * - Saturators, as known for set covering: columns that no row keeps from one of their bounds, and one of which, there, makes a
+ *   row hold whatever the other columns do. If the cheapest ones of all rows that want a unit of an integer column cost no
+ *   more than that unit, it stays at its cheaper bound.
+ *
+ * Cost: candidates are taken from the shortest row that one of the pair can violate, and sorted out by bit sets of their
+ * rows; within a limit, at which the next call goes on. */
 class DominatedColumns {
  public:
   explicit DominatedColumns(PresolveState& state)

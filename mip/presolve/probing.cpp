@@ -21,10 +21,12 @@ struct Effort {
 
 Effort effort_of(int level) {
   switch (level) {
+    case 1:
+      return {20, 1000};
     case 2:
-      return {40, 2000};
+      return {60, 4000};
     case 3:
-      return {200, 20000};
+      return {300, 40000};
     default:
       return {10, 300};
   }

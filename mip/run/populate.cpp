@@ -44,7 +44,10 @@ Settings settings_of_enumeration(const Environment& env, const tovik::Problem& p
   if (intensity >= kKeepsAllPoints) settings.presolve.keep_all_points();
   settings.presolve.restarts = 0;
   // A column that is whole where the others are would be split on, without end where it has no bounds.
-  settings.presolve.rules &= ~rule_bit(PresolveRule::implied_integers);
+  // Rules that fix many columns at once leave too few solutions.
+  settings.presolve.rules &=
+      ~(rule_bit(PresolveRule::implied_integers) | rule_bit(PresolveRule::dominated_columns) |
+        rule_bit(PresolveRule::tight_rows));
   settings.objective_stop = -kInf;
   settings.solution_limit = kNoLimit;
   settings.least_improvement = settings.least_relative_improvement = 0;

@@ -162,21 +162,21 @@ TEST_F(MipCallbackItems, ASearchIsStoppedAfterPresolve) {
 
 TEST_F(MipCallbackItems, ProbingHasNoTimeWhereItsLimitIsZero) {
   const auto columns = [&] {
-    // Where x1 is 1, x2 to x9 are 0, where it is 0, the last row is short of them: probing finds it.
+    // Where x0 is 1, x1 to x10 are 0, and rows are short of them. No pair of rows has nested entries: only probing finds it.
     ProbHandle lp = knapsacks(12, 1, 1);
     std::vector<int> index;
     std::vector<double> value;
     std::vector<int> begin;
     std::vector<double> rhs;
     std::string sense;
-    for (int j = 1; j < 6; ++j) {  // x0 + xj <= 1, x0 - xj >= 0: x0 = 1 is impossible
+    for (int j = 1; j < 6; ++j) {
       begin.push_back(static_cast<int>(index.size()));
       index.insert(index.end(), {0, j, j + 5});
       value.insert(value.end(), {1, 1, 0.5});
       rhs.push_back(1);
       sense += 'L';
       begin.push_back(static_cast<int>(index.size()));
-      index.insert(index.end(), {0, j, j + 5});
+      index.insert(index.end(), {0, j, j % 5 + 6});
       value.insert(value.end(), {-1, 1, 0.5});
       rhs.push_back(0);
       sense += 'G';
