@@ -12,7 +12,7 @@ namespace {
 using lp::presolve::View;
 using lp::presolve::Workspace;
 
-constexpr std::int64_t kEffort = 20;  // entries that one call may look at, relative to those of the problem
+constexpr std::int64_t kEffort = 30;  // entries that one call may look at, relative to those of the problem
 
 /* A row that says of literals, all with one coefficient, that at most one of them is true, or exactly one. */
 struct CliqueRow {
@@ -148,6 +148,7 @@ class CliqueRows {
   }
 
   void keep_neighbours_of(Literal m, std::vector<Literal>& literals) {
+    ws_.add_work(static_cast<std::int64_t>(literals.size()));
     if (size_[m] > 8 * static_cast<std::int64_t>(literals.size())) {
       std::erase_if(literals, [&](Literal l) { return !are_neighbours(l, m); });
       return;

@@ -14,8 +14,7 @@ using lp::presolve::Workspace;
 
 constexpr std::int64_t kEffort = 10;  // entries that one call may look at, relative to those of the problem
 constexpr int kCompared = 100;        // rows that one row is compared with
-constexpr int kLonger =
-    10;  // times the length of a row, and some more: what longer rows add to it is too much
+constexpr int kLonger = 10;  // times the length of a row, and some more: longer rows add too much to it
 constexpr int kScanned = 8;  // rows of a column that are passed over in the time of one entry
 
 /* One bit of 64 for each column. */

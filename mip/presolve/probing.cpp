@@ -50,6 +50,7 @@ class Probing {
     const Effort effort = effort_of(state_.settings().probing);
     const auto entries = static_cast<std::int64_t>(problem_.lp.matrix.index.size());
     std::int64_t most = effort.work * (entries + problem_.num_columns()) + 100000;
+    const std::int64_t longest = std::max(most, state_.budget_left() / 2);
     bool possible = propagator_.run_all(domain_);
     commit();
     int useless = 0;
@@ -60,7 +61,7 @@ class Probing {
       const std::int64_t begin = work();
       possible = probe(j);
       useless = results_ > before ? 0 : useless + 1;
-      if (results_ > before) most += kReward * (work() - begin);
+      if (results_ > before) most = std::min(most + kReward * (work() - begin), longest);
     }
     tell_work();
     if (!possible) {
