@@ -1063,7 +1063,9 @@ TVK_API int TVKgetcrossdexchcnt(ConstEnvHandle env, ConstProbHandle lp);
  *           bound_after_cuts, cut_rounds, gap_closed (share of the gap between the first bound and the last incumbent);
  *           phases presolve, root_lp, cuts (and the solves after each round), heuristics, branching and tree (all the rest), each
  *           with seconds and ticks; separators and heuristics by name with calls, successes, cuts or points that they handed out,
- *           seconds; cuts, how many of each class became rows; primal_integral: seconds, each weighed by the distance of the
+ *           seconds; cuts, how many of each class became rows; symmetry: generators of the group that was found, orbitopes
+ *           (matrices whose columns it permutes in every way), moved (binary columns where use is made of it), fixings (bounds at nodes that came of it), ticks, detection_ticks (those of them that the
+ *           generators took); primal_integral: seconds, each weighed by the distance of the
  *           incumbent from the last one; incumbents, the first 999 and the last, with seconds, nodes, objective and found_by.
  *           The other members then tell of the relaxation of the tree
  * threads   how many threads have worked
@@ -1194,7 +1196,7 @@ TVK_API int TVKgetticks(ConstEnvHandle env, ConstProbHandle lp, double *ticks_p)
 #define TVK_PARAM_MIPCBREDLP             2055 /* int 1, 0 to 1 */
 #define TVK_PARAM_CUTPASS                2056 /* int 0, -1 to 2100000000 */
 #define TVK_PARAM_MIPEMPHASIS            2058 /* int 0, 0 to 4 */
-#define TVK_PARAM_SYMMETRY               2059 /* int -1, -1 to 5; stored only */
+#define TVK_PARAM_SYMMETRY               2059 /* int -1, -1 to 5 */
 #define TVK_PARAM_DIVETYPE               2060 /* int 0, 0 to 3 */
 #define TVK_PARAM_RINSHEUR               2061 /* int 0, -1 to 2100000000 */
 #define TVK_PARAM_SUBMIPNODELIM          2062 /* int 500, 1 to 2100000000 */

@@ -34,6 +34,8 @@ struct Reason {
     objective,
     clause,  // index: the number of the clause
     probing,
+    // No row implies it: an equivalent solution is elsewhere in the tree.
+    symmetry,
     known,  // holds globally
   };
   Kind kind = Kind::branching;

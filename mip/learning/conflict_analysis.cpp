@@ -50,8 +50,12 @@ void ConflictAnalysis::begin(const Worker& worker) {
   domain_ = &worker.domain;
   trail_ = domain_->trail();
   decisions_.clear();
+  first_symmetry_ = static_cast<int>(trail_.size());
   for (std::size_t p = 0; p < trail_.size(); ++p) {
-    if (trail_[p].reason.kind == Reason::Kind::branching) decisions_.push_back(static_cast<int>(p));
+    const int position = static_cast<int>(p);
+    if (trail_[p].reason.kind == Reason::Kind::branching) decisions_.push_back(position);
+    if (trail_[p].reason.kind == Reason::Kind::symmetry && !decisions_.empty())
+      first_symmetry_ = std::min(first_symmetry_, position);
   }
   const int first = decisions_.empty() ? 0 : decisions_.front();
   for (std::size_t p = static_cast<std::size_t>(first); p < trail_.size(); ++p) {
@@ -269,13 +273,17 @@ double ConflictAnalysis::sign_in_row(const BoundMove& move) const {
   return 1;
 }
 
-void ConflictAnalysis::explain(int position) {
+/* False where nothing can be said of what the bound rests on: what symmetry says of a node holds for it only. */
+bool ConflictAnalysis::explain(int position) {
   marked_[position] = 0;
   --count_[level_of(position)];
   bool told = reason_of(position, bounds_);
   for (std::size_t k = 0; told && k < bounds_.size(); ++k) told = add(bounds_[k], position);
+  if (told) return true;
+  if (first_symmetry_ <= position) return false;
   // What was marked before it failed is implied by the decisions and does no harm.
-  if (!told) add_decisions(position);
+  add_decisions(position);
+  return true;
 }
 
 /* Until one bound of the deepest level is left and none of a continuous column. */
@@ -290,7 +298,7 @@ bool ConflictAnalysis::resolve() {
       is_unique = true;
       continue;
     }
-    explain(p);
+    if (!explain(p)) return false;
   }
   return true;
 }

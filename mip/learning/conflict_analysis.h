@@ -7,7 +7,8 @@
  *   implication point) and no continuous column; what the others imply is left out ("GRASP: a search algorithm for propositional satisfiability",
  *   1999; Achterberg, "Conflict analysis in mixed integer programming", Discrete Optimization 4 (2007)). A level is a
  *   decision, a bound whose reason is branching, with all that follows; what lies before the first decision holds globally.
- * - A bound without a reason that can be told (objects, probing) is explained by all decisions before it.
+ * - A bound without a reason that can be told (objects, probing) is explained by all decisions before it. What rests on symmetry
+ *   teaches nothing: another node has the equivalent solutions.
  * - Leaves the clause with the worker's propagator, or a global bound in the worker's `out`. Long clauses are dropped.
  * - Cost: the trail, the rows of the explanations, and for each of their columns the moves of its bounds. */
 #pragma once
@@ -52,7 +53,7 @@ class ConflictAnalysis {
   bool add(const BoundLiteral& bound, int before);
   int earliest(const BoundLiteral& bound, int before) const;
   void add_decisions(int before);
-  void explain(int position);
+  bool explain(int position);
   bool reason_of(int position, std::vector<BoundLiteral>& bounds);
   bool reason_of(const BoundMove& move, double needed, int before, std::vector<BoundLiteral>& bounds);
   double sign_in_row(const BoundMove& move) const;
@@ -69,6 +70,7 @@ class ConflictAnalysis {
   const Worker* worker_ = nullptr;
   std::span<const BoundMove> trail_;
   std::vector<int> decisions_;     // positions
+  int first_symmetry_ = 0;         // position behind the first decision; none: the end
   std::vector<double> base_;       // by bound that has moved since the first decision: what it was then
   std::vector<char> marked_;       // by position
   std::vector<double> needed_;     // of those marked: the bound that is needed

@@ -118,6 +118,7 @@ Settings settings_of(const Environment& env, const tovik::Problem& problem) {
   out.strong_candidates = s.integer(TVK_PARAM_STRONGCANDLIM);
   out.strong_iterations = s.integer(TVK_PARAM_STRONGITLIM);
   take_presolve(s, out.presolve);
+  out.symmetry = s.integer(TVK_PARAM_SYMMETRY);
   out.cuts.fractional = s.integer(TVK_PARAM_FRACCUTS);
   out.cuts.rounding = s.integer(TVK_PARAM_MIRCUTS);
   out.cuts.covers = s.integer(TVK_PARAM_COVERS);
@@ -140,7 +141,10 @@ Settings settings_of(const Environment& env, const tovik::Problem& problem) {
   out.heuristics.repair_tries = s.integer(TVK_PARAM_REPAIRTRIES);
   apply_emphasis(s.integer(TVK_PARAM_MIPEMPHASIS), out);
   // A user's cuts may cut off the one of two equal solutions that dual reductions would keep.
-  if (!problem.model->families().user_cuts.empty()) out.presolve.dual = false;
+  if (!problem.model->families().user_cuts.empty()) {
+    out.presolve.dual = false;
+    out.symmetry = 0;
+  }
   out.seed = out.lp.seed;
   const int threads = s.integer(TVK_PARAM_THREADS);
   out.team.threads = s.integer(TVK_PARAM_MEMORYEMPHASIS) != 0 ? 1 : threads == 0 ? thread_limit() : threads;

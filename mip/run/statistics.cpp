@@ -50,6 +50,14 @@ class SearchDescription : public lp::run::FurtherStatistics {
           if (counts_.cuts[k] > 0) out.count(kCutNames[k], counts_.cuts[k]);
         }
       });
+      out.object("symmetry", [&] {
+        out.count("generators", counts_.symmetry.generators);
+        out.count("orbitopes", counts_.symmetry.orbitopes);
+        out.count("moved", counts_.symmetry.moved);
+        out.count("fixings", counts_.symmetry.fixings);
+        out.count("ticks", counts_.symmetry.ticks);
+        out.count("detection_ticks", counts_.symmetry.found_in);
+      });
       write_incumbents(out);
     });
   }

@@ -93,7 +93,7 @@ Search::NodeResult Search::work_on(int slot, NodeEvent& event) {
     const std::span<const double> x = worker_.relaxation->primal();
     x_.assign(x.begin(), x.end());
     if (presolves(slot) && fix_by_reduced_costs()) {
-      if (!worker_.propagate()) return NodeResult::cutoff;
+      if (!worker_.propagate() || !fix_by_symmetry()) return NodeResult::cutoff;
       if (relaxation_is_cut_off()) continue;
     }
     if (callbacks_ != nullptr && use_cuts(x_)) continue;
@@ -125,6 +125,10 @@ Search::NodeResult Search::work_on(int slot, NodeEvent& event) {
     }
     if (callbacks_ != nullptr && use_cuts(x_)) continue;
     if (wants_restart(slot)) return NodeResult::restart;
+    if (is_root && find_symmetry()) {
+      if (!fix_by_symmetry()) return NodeResult::cutoff;
+      if (relaxation_is_cut_off()) continue;
+    }
     const NodeResult result = branch_on(slot, shortfall, objective, &again);
     if (!again) return result;
   }
@@ -491,8 +495,8 @@ Search::NodeResult Search::add_children(int slot, const Branching& branching, do
 }
 
 void Search::tell_work() {
-  const std::int64_t work =
-      worker_.domain.work() + worker_.propagator.work() + worker_.objective.work() + learning_work();
+  const std::int64_t work = worker_.domain.work() + worker_.propagator.work() + worker_.objective.work() +
+                            learning_work() + symmetry_ticks();
   control_.add_work(static_cast<std::uint64_t>(work - work_told_));
   work_told_ = work;
 }

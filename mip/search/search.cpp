@@ -162,6 +162,7 @@ SearchStatistics Search::statistics() const {
   SearchStatistics all = statistics_;
   all.separators = separation_.plugin_counts();
   all.cuts = separation_.all_counts();
+  all.symmetry = symmetry_counts();
   all.heuristics = heuristics_.plugin_counts();
   all.strong_iterations = branching_.strong_iterations();
   all.heuristic_iterations = heuristics_.iterations();
@@ -422,6 +423,7 @@ bool Search::install(int slot) {
       domain.tighten(c.column, c.side, c.value, {Reason::Kind::branching, c.column});
     }
   }
+  follow_symmetry(chain);
   if (local_rows_made_ > 0) bring_rows(chain);
   if (is_jump && tree_[slot].basis != nullptr) {
     load_basis(*tree_[slot].basis);
@@ -436,7 +438,7 @@ bool Search::install(int slot) {
   if (branch.column >= 0 && common + 1 == chain.size() && tree_[slot].changes.size() == 1) {
     global_.pseudo_costs.add_inference(branch.column, branch.direction, domain.position() - before);
   }
-  return possible;
+  return possible && fix_by_symmetry();
 }
 
 /* Reduced costs of the root tell what a better solution may take. */

@@ -30,6 +30,8 @@
 #include "mip/search/statistics.h"
 #include "mip/search/sub_search.h"
 #include "mip/search/tree.h"
+#include "mip/symmetry/orbital_fixing.h"
+#include "mip/symmetry/plan.h"
 #include "mip/worker/observer.h"
 #include "mip/worker/worker.h"
 
@@ -160,6 +162,8 @@ class Search {
   std::int64_t open_nodes() const { return tree_.open(); }
   /* Of all its nodes; kInf: none is left. */
   double bound() { return open_bound(); }
+  /* Of the open ones alone. */
+  double bound_of_nodes() { return tree_.best_bound(); }
   bool closes_gap(double bound) const { return gap_is_closed(bound); }
   /* So many nodes are better; kInf: there are fewer. */
   double bound_behind(std::int64_t nodes) const;
@@ -244,6 +248,14 @@ class Search {
   void learn_from_infeasibility();
   void take_learned(bool learned);
   void keep_cuts_of_tree(int count);
+  // What symmetry says of a node: node_symmetry.cpp.
+  bool finds_symmetry() const;
+  bool find_symmetry();
+  void follow_symmetry(const std::vector<int>& chain);
+  bool fix_by_symmetry();
+  std::int64_t symmetry_ticks() const;
+  void use_symmetry(std::shared_ptr<const SymmetryPlan> plan);
+  SymmetryCounts symmetry_counts() const;
   void learn_from_branch(const Node& node, double objective);
   NodeResult try_relaxation(int slot, double objective, bool* again);
   NodeResult branch_on(int slot, const Shortfall& shortfall, double objective, bool* again);
@@ -365,8 +377,14 @@ class Search {
   bool started_ = false, tried_before_relaxation_ = false, new_incumbent_ = false;
   bool relaxation_was_taken_ = false;  // the relaxation of the node in process is an incumbent
   std::int64_t work_told_ = 0;         // entries of propagation that the control knows of
-  Progress beside_;                    // of the other members of a team
-  SearchStatistics absorbed_;          // of those that have left
+  std::shared_ptr<const SymmetryPlan> symmetry_plan_;  // null: not looked for
+  std::unique_ptr<OrbitalFixing> orbital_fixing_;      // null: there is nothing to use
+  std::unique_ptr<OrbitopalFixing> orbitopal_fixing_;
+  std::int64_t detection_ticks_ = 0;
+  int idle_symmetry_ = 0;  // nodes since it has fixed anything
+  std::vector<BranchedBound> branched_;
+  Progress beside_;            // of the other members of a team
+  SearchStatistics absorbed_;  // of those that have left
   struct {
     std::int64_t ticks = kNoLimit;
     double seconds = kInf;

@@ -39,6 +39,15 @@ struct IncumbentRecord {
   const char* found_by = "";  // a heuristic's name, "start", or "relaxation"
 };
 
+struct SymmetryCounts {
+  std::int64_t generators = 0;
+  std::int64_t orbitopes = 0;
+  std::int64_t moved = 0;     // binary columns that are moved where use is made of it
+  std::int64_t fixings = 0;   // bounds at nodes
+  std::int64_t ticks = 0;     // of all that symmetry takes, and
+  std::int64_t found_in = 0;  // of these to find the generators
+};
+
 struct SearchStatistics {
   std::array<Spent, kPhases> phases{};
   double seconds = 0;        // of all runs
@@ -54,6 +63,7 @@ struct SearchStatistics {
   // Of plugins and cuts, filled when they are asked for.
   std::vector<PluginCounts> separators, heuristics;
   CutCounts cuts{};  // that became rows
+  SymmetryCounts symmetry;
   std::int64_t strong_iterations = 0, heuristic_iterations = 0, judge_iterations = 0;
 };
 

@@ -9,6 +9,7 @@ SubSearchResult TreeSubSearch::run(const Problem& problem, const Settings& setti
   Settings alone = settings;
   alone.learn_conflicts = false;
   alone.team.threads = 1;
+  alone.symmetry = 0;
   PresolvedSearch search(problem, alone, control, silent);
   const Conclusion end = search.run();
   SubSearchResult result;

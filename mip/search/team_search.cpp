@@ -263,8 +263,10 @@ std::optional<Conclusion> TeamSearch::meet() {
   share_nodes();
   report();
   while_ = std::min(kLongestWhile, while_ * kGrowth);
-  const bool any = std::any_of(members_.begin(), members_.end(),
-                               [](const auto& member) { return member->search->open_nodes() > 0; });
+  // Nodes within the gap are left alone; where a node that nothing decides keeps the gap open they are the leader's in the end.
+  const bool any = std::any_of(members_.begin(), members_.end(), [this](const auto& member) {
+    return member->search->open_nodes() > 0 && !leader_.closes_gap(member->search->bound_of_nodes());
+  });
   return any ? std::nullopt : std::optional(Conclusion::optimal);
 }
 

@@ -71,6 +71,7 @@ Search::NodeResult Search::branch_unbounded(int slot, bool* again) {
   settings.witness = {};
   settings.enumeration = {};
   settings.node_files = {};
+  settings.symmetry = 0;
   SilentObserver silent;
   Search search(any, settings, control_, silent);
   const Conclusion end = search.run();

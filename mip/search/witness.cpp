@@ -44,6 +44,8 @@ const char* name_of(Reason::Kind kind) {
       return "clause";
     case Reason::Kind::probing:
       return "probing";
+    case Reason::Kind::symmetry:
+      return "symmetry";
     default:
       return "global bound";
   }

@@ -114,6 +114,7 @@ struct Settings {
   PresolveSettings presolve;
   CutSettings cuts;
   HeuristicSettings heuristics;
+  int symmetry = -1;  // -1 automatic, 0 off, 1 to 5: ever more work for finding it
   EnumerationSettings enumeration;
   NodeFileSettings node_files;
   std::uint64_t seed = 1;
