@@ -212,6 +212,7 @@ bool Search::fix_by_reduced_costs() {
   int proof = learns() ? kNotKept : -1;
   for (const int j : global_.integer_columns) {
     if (d[j] == 0 || !(std::fabs(d[j]) * (domain.upper(j) - domain.lower(j)) > room)) continue;
+    if (std::isinf(d[j] > 0 ? domain.lower(j) : domain.upper(j))) continue;  // then it is noise
     if (proof == kNotKept) proof = worker_.keep_proof();
     const Reason reason{Reason::Kind::reduced_cost, proof};
     moved |= d[j] > 0 ? domain.tighten_upper(j, domain.lower(j) + room / d[j], reason)

@@ -146,6 +146,32 @@ TEST(MipSearch, AgreesWithEnumerationHoweverTheProblemIsSaid) {
   }
 }
 
+/* Two machines and a makespan, whole because the loads are, that nothing bounds from above: its reduced cost is noise of either
+ * sign, and no reason for a bound. */
+TEST(MipSearch, WholeColumnsWithoutAnUpperBoundAreDecided) {
+  using tovik::lp::kInf;
+  Problem problem;
+  tovik::lp::LpData& lp = problem.lp;
+  lp.cost = {1, 0, 0, 1, 1, 1, 0};
+  lp.lower.assign(7, 0);
+  lp.upper = {kInf, 1, 1, 1, 1, 1, 1};
+  problem.is_integer = {0, 1, 1, 1, 1, 1, 1};
+  lp.row_lower = {1, -kInf, -kInf, 1, 1};
+  lp.row_upper = {1, 0, 0, 1, 1};
+  lp.matrix.rows = 5;
+  lp.matrix.columns = 7;
+  lp.matrix.start = {0, 2, 4, 6, 8, 10, 12, 14};
+  lp.matrix.index = {1, 2, 1, 4, 2, 3, 1, 3, 0, 1, 2, 4, 0, 2};
+  lp.matrix.value = {-1, -1, 5, 1, 4, 1, 4, 1, 1, 6, 5, 1, 1, 6};
+  for (std::uint64_t seed = 1; seed <= 20; ++seed) {
+    Settings settings;
+    settings.seed = settings.lp.seed = seed;
+    const support::MipTruth truth = support::searched(problem, settings);
+    EXPECT_TRUE(truth.feasible);
+    EXPECT_NEAR(truth.objective, 10, 1e-5);
+  }
+}
+
 /* Nothing but branching and bounding, without which no search can do. */
 Settings bare() {
   Settings settings;
