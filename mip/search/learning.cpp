@@ -4,15 +4,14 @@
 #include "mip/search/search.h"
 
 namespace tovik::mip {
-
 namespace {
 
 constexpr std::int64_t kWeight = 4;            // of an entry that learning touches, here and there in memory
 constexpr double kShare = 0.1, kStart = 10e6;  // of all ticks, that learning may take
 constexpr std::size_t kFewClauses = 100;       // which cost little
-
-constexpr std::size_t kPassedOn = 10;       // bounds of a clause that others are told of
-constexpr std::size_t kMostPassedOn = 500;  // clauses between two meetings
+constexpr double kNoise = 1e-13;               // of a sum, relative to its terms
+constexpr std::size_t kPassedOn = 10;          // bounds of a clause that others are told of
+constexpr std::size_t kMostPassedOn = 500;     // clauses between two meetings
 
 }  // namespace
 
@@ -67,7 +66,6 @@ void Search::learn_from_infeasibility() {
       value -= a * y[i];
       terms += std::fabs(a * y[i]);
     });
-    constexpr double kNoise = 1e-13;
     sum[static_cast<std::size_t>(j)] = std::fabs(value) > kNoise * terms ? value : 0;
   }
   take_learned(

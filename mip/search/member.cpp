@@ -39,7 +39,6 @@ void Search::join(Search& leader) {
   node_of_incumbent_ = leader.node_of_incumbent_;
   tree_cuts_.waits = leader.tree_cuts_.waits;
   tree_cuts_.failures = leader.tree_cuts_.failures;
-  if (leader.symmetry_plan_ != nullptr) use_symmetry(leader.symmetry_plan_);
 }
 
 /* Rows of cuts are others in every member: the basis keeps the problem's rows. */

@@ -51,7 +51,7 @@ bool Search::find_symmetry() {
   const double most = std::clamp(effort(strength) * size, kLeastTicks, limit);
   Symmetries found = find_symmetries(problem_, static_cast<std::int64_t>(most));
   detection_ticks_ = found.ticks;
-  auto plan = std::make_shared<SymmetryPlan>();
+  auto plan = std::make_unique<SymmetryPlan>();
   plan->found = static_cast<std::int64_t>(found.generators.size());
   plan->generators = std::move(found.generators);
   if (strength != kOrbitsOnly) plan->orbitopes = take_orbitopes(problem_, plan->generators);
@@ -59,7 +59,7 @@ bool Search::find_symmetry() {
   return orbital_fixing_ != nullptr;
 }
 
-void Search::use_symmetry(std::shared_ptr<const SymmetryPlan> plan) {
+void Search::use_symmetry(std::unique_ptr<const SymmetryPlan> plan) {
   symmetry_plan_ = std::move(plan);
   const auto binaries =
       std::count_if(global_.integer_columns.begin(), global_.integer_columns.end(),

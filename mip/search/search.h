@@ -254,7 +254,7 @@ class Search {
   void follow_symmetry(const std::vector<int>& chain);
   bool fix_by_symmetry();
   std::int64_t symmetry_ticks() const;
-  void use_symmetry(std::shared_ptr<const SymmetryPlan> plan);
+  void use_symmetry(std::unique_ptr<const SymmetryPlan> plan);
   SymmetryCounts symmetry_counts() const;
   void learn_from_branch(const Node& node, double objective);
   NodeResult try_relaxation(int slot, double objective, bool* again);
@@ -377,7 +377,7 @@ class Search {
   bool started_ = false, tried_before_relaxation_ = false, new_incumbent_ = false;
   bool relaxation_was_taken_ = false;  // the relaxation of the node in process is an incumbent
   std::int64_t work_told_ = 0;         // entries of propagation that the control knows of
-  std::shared_ptr<const SymmetryPlan> symmetry_plan_;  // null: not looked for
+  std::unique_ptr<const SymmetryPlan> symmetry_plan_;  // null: not looked for
   std::unique_ptr<OrbitalFixing> orbital_fixing_;      // null: there is nothing to use
   std::unique_ptr<OrbitopalFixing> orbitopal_fixing_;
   std::int64_t detection_ticks_ = 0;

@@ -50,7 +50,7 @@ void add_counts(SearchStatistics& all, const SearchStatistics& beside) {
   add(all.separators, beside.separators);
   add(all.heuristics, beside.heuristics);
   for (std::size_t k = 0; k < kCutClasses; ++k) all.cuts[k] += beside.cuts[k];
-  // Members of a team have the same generators, and the search after a restart others.
+  // The search after a restart has other generators.
   all.symmetry.generators = std::max(all.symmetry.generators, beside.symmetry.generators);
   all.symmetry.orbitopes = std::max(all.symmetry.orbitopes, beside.symmetry.orbitopes);
   all.symmetry.moved = std::max(all.symmetry.moved, beside.symmetry.moved);

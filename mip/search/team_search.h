@@ -2,8 +2,8 @@
  *
  * - Order: the leader, a Search that was made for it, does the root and the first nodes alone. Then it hands nodes to as many
  *   others as there are threads; all work for a while, meet, and pass on what they have found: the best solution,
- *   pseudo-costs, short clauses, cuts of the tree, and nodes to those that have none as good. In the end the leader takes all that is left, and is what one search would
- *   have become: it may be run again, alone or with a team.
+ *   pseudo-costs, short clauses, cuts of the tree, and nodes to those that have none as good. In the end the leader takes all
+ *   that is left, and is what one search would have become: it may be run again, alone or with a team.
  * - A while is so much work, in ticks, where the path has to be the same in every run with as many threads; else so much time.
  * - Caller: only the leader knows the caller's control, and reports. The others stop where it does, and count in its
  *   progress as of the last meeting.

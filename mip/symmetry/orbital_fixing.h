@@ -9,15 +9,15 @@
  * Why that is valid. Order all solutions by the tree as it is at the end: at each branching on a binary column those with one
  * come before those with zero; solutions of one leaf are equal. A solution counts where it is better than the final cutoff.
  * Claim: who counts, satisfies all branchings of a, and violates a bound on the trail of a has an equivalent solution that comes
- * strictly before it.
+ * strictly before all solutions of the node whose bound it is, a or an ancestor, and so of a.
  *  - A bound by rows, objects, cutoff, reduced costs, probing or strong branching is implied for all solutions that count by the
  *    branchings and by bounds before it on the trail: who violates it violates one of those. So do bounds that were found later and hold
  *    globally: nobody who counts violates them at all.
  *  - A bound of orbital fixing, x_j = 0 because of x_i = 0 and g in G_a with g(j) = i: let x have x_j = 1, then y = g(x) has
  *    y_i = 1, and counts as well. Branchings to one are kept by g as a set, all others but those to zero column by column. If y violates
- *    a branching, then the first on the path that it violates is one to zero, whose sibling holds y: y comes before x. Else y
- *    is at a and violates x_i = 0, which stands before on the trail: by induction something equivalent to y and x comes
- *    before it. If x_j = 1 because of x_i = 1, y has y_i = 0: the same.
+ *    a branching, then the first on the path that it violates is one to zero, whose sibling holds y: y comes before all of a.
+ *    Else y is at a and violates x_i = 0, which stands before on the trail: by induction something equivalent to y and x comes
+ *    before all of a. If x_j = 1 because of x_i = 1, y has y_i = 0: the same.
  * A class of equivalent solutions is finite, so one of those that count has none before it: it violates no bound of its leaf, and its
  * leaf is not dropped. Nothing asks for the same generators everywhere, so members of a team and searches that go on after a limit
  * may differ in them; what the proof needs is that

@@ -1,4 +1,4 @@
-/* What a search does with the symmetries of its problem: the same in all searches on one tree, and from its beginning to its end. */
+/* What a search does with the symmetries of its problem: the same from its beginning to its end. */
 #pragma once
 
 #include <cstdint>

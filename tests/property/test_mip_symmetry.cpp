@@ -99,49 +99,50 @@ TEST(MipSymmetry, AgreesWithTheSearchWithoutAndWithEnumeration) {
   EXPECT_TRUE(answers.fixings() > count || count < 100) << "nothing was put to the test";
 }
 
-TEST(MipSymmetry, KeepsWhatItHasFoundWhereTheSearchIsStopped) {
-  const int count = support::models(200);
-  Answers answers;
-  for (int k = 0; k < count && !HasFailure(); ++k) {
+/* check(problem, what the search without symmetries says, other settings, random numbers). */
+template <class Check>
+void each_problem(int count, Answers& answers, Check check) {
+  for (int k = 0; k < count && !testing::Test::HasFailure(); ++k) {
     support::SymmetricMip maker(support::fresh_seed() + static_cast<unsigned>(k));
     TRACE_RANDOM(maker.random(), k);
     const Problem problem = maker.draw();
-    Settings settings = some_settings(maker.random());
-    settings.symmetry = 0;
-    const std::optional<support::MipTruth> truth = answers.of(problem, settings);
-    settings = some_settings(maker.random());
-    support::QuietControl control;
-    SilentObserver observer;
-    PresolvedSearch search(problem, settings, control, observer);
-    Conclusion end = Conclusion::node_limit;
-    for (int runs = 1; runs < 200 && (end == Conclusion::node_limit || end == Conclusion::user_abort);
-         ++runs) {
-      settings.node_limit = runs < 60 ? runs * maker.random().pick(1, 2) : kNoLimit;
-      control.allowed = maker.random().chance(0.3) ? control.polls + maker.random().pick(1, 60) : INT64_MAX;
-      if (runs > 100) control.allowed = INT64_MAX;
-      // Switched off and on again in between.
-      if (maker.random().chance(0.2)) settings.symmetry = maker.random().pick(0, 2);
-      search.change_settings(settings);
-      end = search.run();
-    }
-    expect_same(truth, answers.of(search, end));
+    Settings without = some_settings(maker.random());
+    without.symmetry = 0;
+    const std::optional<support::MipTruth> truth = answers.of(problem, without);
+    check(problem, truth, some_settings(maker.random()), maker.random());
   }
 }
 
-TEST(MipSymmetry, AgreesWithSeveralSearchesOnOneTree) {
-  const int count = support::models(100);
+TEST(MipSymmetry, KeepsWhatItHasFoundWhereTheSearchIsStopped) {
   Answers answers;
-  for (int k = 0; k < count && !HasFailure(); ++k) {
-    support::SymmetricMip maker(support::fresh_seed() + static_cast<unsigned>(k));
-    TRACE_RANDOM(maker.random(), k);
-    const Problem problem = maker.draw();
-    Settings settings = some_settings(maker.random());
-    settings.symmetry = 0;
-    const std::optional<support::MipTruth> truth = answers.of(problem, settings);
-    settings = some_settings(maker.random());
-    settings.team = {2, true, 0, 1, 2000};
-    expect_same(truth, answers.of(problem, settings));
-  }
+  each_problem(support::models(200), answers,
+               [&](const Problem& problem, const auto& truth, Settings settings, support::Random& random) {
+                 support::QuietControl control;
+                 SilentObserver observer;
+                 PresolvedSearch search(problem, settings, control, observer);
+                 Conclusion end = Conclusion::node_limit;
+                 for (int runs = 1;
+                      runs < 200 && (end == Conclusion::node_limit || end == Conclusion::user_abort);
+                      ++runs) {
+                   settings.node_limit = runs < 60 ? runs * random.pick(1, 2) : kNoLimit;
+                   control.allowed = random.chance(0.3) ? control.polls + random.pick(1, 60) : INT64_MAX;
+                   if (runs > 100) control.allowed = INT64_MAX;
+                   // Switched off and on again in between.
+                   if (random.chance(0.2)) settings.symmetry = random.pick(0, 2);
+                   search.change_settings(settings);
+                   end = search.run();
+                 }
+                 expect_same(truth, answers.of(search, end));
+               });
+}
+
+TEST(MipSymmetry, AgreesWithSeveralSearchesOnOneTree) {
+  Answers answers;
+  each_problem(support::models(100), answers,
+               [&](const Problem& problem, const auto& truth, Settings settings, support::Random&) {
+                 settings.team = {2, true, 0, 1, 2000};
+                 expect_same(truth, answers.of(problem, settings));
+               });
 }
 
 }  // namespace
