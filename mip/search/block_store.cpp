@@ -35,6 +35,10 @@ BlockStore::State state_of(FileState state) {
   }
 }
 
+std::uint32_t checksum(const std::vector<char>& bytes) {
+  return static_cast<std::uint32_t>(crc32_z(0, reinterpret_cast<const Bytef*>(bytes.data()), bytes.size()));
+}
+
 /* Empty where that does not make it shorter. */
 std::vector<char> compressed(const std::vector<char>& bytes) {
   uLongf size = compressBound(static_cast<uLong>(bytes.size()));
@@ -125,6 +129,7 @@ BlockStore::State BlockStore::put(const std::vector<char>& bytes, int* block) {
   bytes_ += made.bytes;
   stored_bytes_ += made.stored;
   if (on_disk_) {
+    made.checksum = checksum(stored);
     const State state = write(stored, &made);
     if (state != State::done) {
       drop(number);
@@ -145,6 +150,7 @@ BlockStore::State BlockStore::get(int block, std::vector<char>* bytes) const {
     const File& file = *files_[static_cast<std::size_t>(from.file)];
     const State state = state_of(file.file.read(from.at, read.data(), from.stored));
     if (state != State::done) return state;
+    if (checksum(read) != from.checksum) return State::not_read;
   }
   const std::vector<char>& stored = from.file >= 0 ? read : from.memory;
   bytes->resize(static_cast<std::size_t>(from.bytes));

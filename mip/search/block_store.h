@@ -3,6 +3,7 @@
  * - Files are made below a directory as they are needed, each larger than the last; their names are removed as soon as they are
  *   open, so that nothing is left behind however the program ends. Their room is reserved before it is used: a full disk shows
  *   here, and nowhere else. A file goes when nothing in it is needed any more, and what a block leaves is used again.
+ * - What comes back from a file is compared by a checksum: a file that was tampered with is not_read.
  * - Failures: State; what was there stays as it was. Errors: bad_alloc. */
 #pragma once
 
@@ -36,6 +37,7 @@ class BlockStore {
     std::vector<char> memory;
     int file = -1;  // -1: in memory
     std::int64_t at = 0, room = 0, stored = 0, bytes = 0;
+    std::uint32_t checksum = 0;  // of what is in the file
   };
   struct File {
     lp::cholesky::ScratchFile file;

@@ -104,6 +104,13 @@ TEST_F(Blocks, FailuresLeaveWhatIsThere) {
   EXPECT_EQ(read, second);
   support::truncate_scratch_files();
   EXPECT_EQ(store.get(block, &read), State::not_read);
+  // What is written now makes the files grow again, with zeros where the others were.
+  int later = -1;
+  ASSERT_EQ(store.put(first, &later), State::done);
+  EXPECT_EQ(store.get(block, &read), State::not_read);
+  ASSERT_EQ(store.get(later, &read), State::done);
+  EXPECT_EQ(read, first);
+  store.drop(later);
   store.drop(block);
   store.drop(none);
   EXPECT_EQ(store.bytes(), 0);
