@@ -157,10 +157,9 @@ void Relaxation::set_basis(const Basis& basis) {
 
 // ---- the tableau ----
 
-void Relaxation::tableau_row(int position, SparseEntries& weights, SparseEntries& columns) {
+void Relaxation::tableau_row(int position, SparseEntries& weights, SparseEntries* columns) {
   Core& core = *core_;
   weights.clear();
-  columns.clear();
   core.ensure_rows();
   if (row_.dimension() != core.m()) row_.resize(core.m());
   if (alpha_.dimension() != core.n()) alpha_.resize(core.n());
@@ -175,6 +174,7 @@ void Relaxation::tableau_row(int position, SparseEntries& weights, SparseEntries
     if (rho == 0) return;
     weights.index.push_back(i);
     weights.value.push_back(rho * row_scale(i) * unit);
+    if (columns == nullptr) return;
     const auto index = core.rows.row_index(i);
     const auto value = core.rows.row_value(i);
     for (size_t k = 0; k < index.size(); ++k) {
@@ -186,11 +186,13 @@ void Relaxation::tableau_row(int position, SparseEntries& weights, SparseEntries
     }
   };
   for_listed(row_, add_row);
+  if (columns == nullptr) return;
+  columns->clear();
   for (int k = 0; k < alpha_.count; ++k) {
     const int j = alpha_.index[k];
     if (std::fabs(alpha_.array[j]) < kTiny) continue;
-    columns.index.push_back(j);
-    columns.value.push_back(alpha_.array[j] * unit / column_scale(j));
+    columns->index.push_back(j);
+    columns->value.push_back(alpha_.array[j] * unit / column_scale(j));
   }
 }
 

@@ -3,6 +3,8 @@
  * chooses multipliers; the combination is summed from the rows. */
 #pragma once
 
+#include <vector>
+
 #include "mip/cuts/rounding.h"
 #include "mip/worker/plugin.h"
 
@@ -14,6 +16,7 @@ class GomoryCuts : public Plugin {
   Verdict call(Worker& worker, const Moment& moment) override;
 
  private:
+  static std::vector<int> candidates(const Worker& worker);  // positions in the basis, best first
   bool one_row(Worker& worker, int position, RowSum& sum, Rounding& rounding);
 };
 

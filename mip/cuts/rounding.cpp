@@ -9,8 +9,9 @@ namespace {
 constexpr double kLeastFraction = 0.01, kLargestFraction = 0.99;  // of the side
 constexpr double kZero = 1e-9;  // coefficients below count as 0, relative to the largest
 constexpr double kLeastEfficacy = 1e-4;
-constexpr double kInside = 1e-6;     // from both bounds
-constexpr std::size_t kDeltas = 12;  // tried for each inequality
+constexpr double kInside = 1e-6;        // from both bounds
+constexpr std::size_t kDeltas = 12;     // tried for each inequality
+constexpr std::size_t kFewListed = 16;  // less than one of so many columns
 
 double frac(double v) {
   return v - std::floor(v);
@@ -232,6 +233,18 @@ bool Rounding::separate(const RowSum& sum, double sign, std::span<const double> 
   return finish_cut(worker_, x, cut);
 }
 
+/* Ascending; a long list is read off the marks. */
+void Rounding::order_listed() {
+  if (listed_.size() < is_listed_.size() / kFewListed) {
+    std::sort(listed_.begin(), listed_.end());
+    return;
+  }
+  listed_.clear();
+  for (std::size_t j = 0; j < is_listed_.size(); ++j) {
+    if (is_listed_[j] != 0) listed_.push_back(static_cast<int>(j));
+  }
+}
+
 /* Shifts back: each variable by its bound, slacks by their rows. */
 bool Rounding::build(const RowSum& sum, double delta, Cut* cut) {
   const double f0 = frac(side_ / delta);
@@ -268,7 +281,7 @@ bool Rounding::build(const RowSum& sum, double delta, Cut* cut) {
       }
     }
   }
-  std::sort(listed_.begin(), listed_.end());
+  order_listed();
   cut->columns.clear();
   cut->values.clear();
   double largest = 0;

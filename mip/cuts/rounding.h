@@ -51,6 +51,7 @@ class Rounding {
   double best_delta(double* efficacy);
   bool build(const RowSum& sum, double delta, Cut* cut);
   void add(int j, double a, double factor);
+  void order_listed();
 
   const Worker& worker_;
   const bool with_variable_bounds_;

@@ -9,6 +9,8 @@ namespace {
 
 constexpr int kOldest = 10;                    // rounds without violation
 constexpr std::int64_t kMostWork = 100000000;  // entries compared in one selection: some tenths of a second
+constexpr double kAtBound = 1e-9;
+constexpr double kLeastNormShare = 1e-3;  // of a cut's terms between bounds, by that of all
 constexpr double kObjectiveWeight = 0.1, kIntegerWeight = 0.1;
 
 double norm_of(std::span<const double> values) {
@@ -21,6 +23,16 @@ double violation_of(const Cut& cut, std::span<const double> x) {
   double activity = 0;
   for (std::size_t k = 0; k < cut.columns.size(); ++k) activity += cut.values[k] * x[cut.columns[k]];
   return activity - cut.side;
+}
+
+/* Of the terms on columns between their bounds: how far the point moves is measured where it can move both ways. */
+double norm_between_bounds(const Cut& cut, const lp::LpData& lp, std::span<const double> x) {
+  double sum = 0;
+  for (std::size_t k = 0; k < cut.columns.size(); ++k) {
+    const int j = cut.columns[k];
+    if (x[j] > lp.lower[j] + kAtBound && x[j] < lp.upper[j] - kAtBound) sum += cut.values[k] * cut.values[k];
+  }
+  return std::sqrt(sum);
 }
 
 }  // namespace
@@ -86,7 +98,9 @@ std::vector<Cut> CutPool::select(std::span<const double> x, const SelectionRules
     work_ += static_cast<std::int64_t>(kept.cut.columns.size());
     const double by = violation_of(kept.cut, x);
     if (by > rules.least_violation && by > rules.least_efficacy * kept.norm) {
-      violated.push_back({k, score(kept, by / kept.norm)});
+      const double norm =
+          std::max(norm_between_bounds(kept.cut, problem_.lp, x), kLeastNormShare * kept.norm);
+      violated.push_back({k, score(kept, by / norm)});
       kept.age = 0;
     } else {
       ++kept.age;

@@ -2,8 +2,8 @@
  *
  * - Holds: by cut its terms, Euclidean norm, and age: rounds in which it was not violated. A cut whose terms are those of
  *   another, up to scale, replaces it where its side is tighter, else it is dropped.
- * - select(): the violated cuts, best first: efficacy (violation by norm), parallelism to the objective, integer support;
- *   what is too parallel to a better one stays (Achterberg 2007, section 8.9).
+ * - select(): the violated cuts, best first: violation by the norm of the terms on columns between their bounds, parallelism to
+ *   the objective, integer support; what is too parallel to a better one stays (Achterberg 2007, section 8.9).
  * - Cost: a selection costs the entries of all cuts, and those of the selected ones for each candidate.
  * - Errors: bad_alloc. */
 #pragma once

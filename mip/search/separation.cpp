@@ -11,7 +11,7 @@ namespace {
 constexpr int kPatience = 5;  // solves that a cut row may be slack
 constexpr int kFewRows = 200;
 constexpr std::size_t kWindow = 6;    // rounds over which a stall is judged
-constexpr double kLeastShare = 0.01;  // of the gain of all rounds
+constexpr double kLeastShare = 0.03;  // of the gain of all rounds
 constexpr int kFailures = 3;          // of a separator before it waits
 constexpr int kRootCuts = 2000, kNodeCuts = 100;
 constexpr double kRoomShare = 0.25;  // of all rows that may be; with less left, slack ones leave at once

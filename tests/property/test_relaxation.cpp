@@ -167,7 +167,7 @@ class Sequence {
     if (now.outcome != Outcome::optimal || lp_.num_rows() == 0) return;
     const int p = pick(random_, 0, lp_.num_rows() - 1);
     SparseEntries weights, columns;
-    engine_->tableau_row(p, weights, columns);
+    engine_->tableau_row(p, weights, &columns);
     std::vector<double> sum(lp_.cost.size(), 0.0), size(lp_.cost.size(), 1.0);
     for (size_t k = 0; k < weights.index.size(); ++k) {
       for (const auto& e : lp_.rows[weights.index[k]]) {
