@@ -30,12 +30,13 @@ class Cbc(Solver):
 
     name = "cbc"
 
-    def __init__(self, program):
+    def __init__(self, program, gap=GAP):
         self.program = program
+        self.gap = gap
 
     def command(self, path, model, settings):
         clock = "cpu" if settings.cpu_clock else "elapsed"
-        return [self.program, str(path), "-timeMode", clock, "-seconds", f"{settings.limit:g}", "-ratioGap", f"{GAP:g}", "-solve"]
+        return [self.program, str(path), "-timeMode", clock, "-seconds", f"{settings.limit:g}", "-ratioGap", f"{self.gap:g}", "-solve"]
 
     def read(self, run, out, err):
         result = re.search(r"^Result - (.*)$", out, re.MULTILINE)
@@ -62,11 +63,11 @@ class Highs(Solver):
     stops_itself = False
     _ROW = re.compile(r"^ .\s+\S+\s+\S+\s+\S+\s+[\d.]+%\s+(\S+)\s+(\S+)\s+\S+\s+\S+\s+\S+\s+\S+\s+\S+\s+([\d.]+)s\s*$", re.MULTILINE)
 
-    def __init__(self, program):
+    def __init__(self, program, gap=GAP):
         self.program = program
         handle, self.options = tempfile.mkstemp(prefix="highs-", suffix=".options")
         with os.fdopen(handle, "w") as stream:
-            stream.write(f"threads = 1\nparallel = off\nmip_rel_gap = {GAP:g}\nlog_file = {os.devnull}\n")
+            stream.write(f"threads = 1\nparallel = off\nmip_rel_gap = {gap:g}\nlog_file = {os.devnull}\n")
 
     def command(self, path, model, settings):
         command = [self.program, "--options_file", self.options]
@@ -94,7 +95,7 @@ class Highs(Solver):
             run.iterations = _count(r"^  LP iterations\s+(\d+)", out)
 
 
-def find_solvers(names, tovik, highs, folder):
+def find_solvers(names, tovik, highs, folder, gap=GAP):
     """Those of `names` that are installed; an error text for those that are not."""
     solvers, missing = [], []
     for name in names:
@@ -103,7 +104,7 @@ def find_solvers(names, tovik, highs, folder):
             continue
         program = shutil.which("cbc") if name == "cbc" else find_highs(highs, folder)
         if program:
-            solvers.append((Cbc if name == "cbc" else Highs)(program))
+            solvers.append((Cbc if name == "cbc" else Highs)(program, gap))
         else:
             missing.append(name)
     return solvers, missing

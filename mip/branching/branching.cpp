@@ -40,7 +40,10 @@ Shortfall find_shortfall(const Worker& worker, std::span<const double> x) {
   const Tolerances& tolerances = worker.global.settings.tolerances;
   Shortfall result;
   for (const int j : worker.global.integer_columns) {
-    if (fractionality(x[j]) > tolerances.integrality) result.fractions.push_back({j, x[j]});
+    if (fractionality(x[j]) <= tolerances.integrality) continue;
+    // A value beyond its bound, by the relaxation's tolerance, stands for the bound: no branch would move it.
+    const double value = std::clamp(x[j], worker.domain.lower(j), worker.domain.upper(j));
+    if (fractionality(value) > tolerances.integrality) result.fractions.push_back({j, value});
   }
   const auto each = [&](const auto& objects, std::vector<int>& lacking) {
     for (std::size_t k = 0; k < objects.size(); ++k) {

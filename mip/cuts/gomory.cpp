@@ -11,7 +11,7 @@ namespace {
 constexpr double kLeastFraction = 0.005;
 constexpr double kSmallMultiplier = 1e-9, kWidestMultipliers = 1e6;
 constexpr int kHighestRank = 20;
-constexpr int kFewCandidates = 64;  // where effort counts
+constexpr double kShare = 1.0 / 3;  // of the candidates that may be, where effort counts
 
 }  // namespace
 
@@ -53,7 +53,7 @@ std::vector<int> GomoryCuts::candidates(const Worker& worker) {
   std::stable_sort(positions.begin(), positions.end(),
                    [](const Position& a, const Position& b) { return a.score > b.score; });
   int most = settings.fractional_candidates;
-  if (settings.fractional == 0) most = std::min(most, kFewCandidates);
+  if (settings.fractional == 0) most = static_cast<int>(std::ceil(kShare * most));
   std::vector<int> result;
   for (const Position& p : positions) {
     if (static_cast<int>(result.size()) == most) break;

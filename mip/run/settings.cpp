@@ -1,5 +1,6 @@
 #include "mip/run/settings.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "include/tovik.h"
@@ -11,6 +12,7 @@ namespace {
 
 constexpr double kNoCutoff = 1e75;
 constexpr int kUnlimited = 2100000000;
+constexpr double kLeastIntegrality = 1e-9;
 
 void take_number(double value, double& option) {
   if (!std::isnan(value)) option = value;
@@ -93,6 +95,8 @@ Settings settings_of(const Environment& env, const tovik::Problem& problem) {
   out.lp.iteration_limit = kUnlimited;
   out.tolerances.feasibility = out.lp.primal_tolerance;
   take_number(s.real(TVK_PARAM_EPINT), out.tolerances.integrality);
+  // Relaxations have no more digits; integer columns of solutions are whole exactly, whatever this is.
+  out.tolerances.integrality = std::max(out.tolerances.integrality, kLeastIntegrality);
   take_number(s.real(TVK_PARAM_EPGAP), out.relative_gap);
   take_number(s.real(TVK_PARAM_EPAGAP), out.absolute_gap);
   // Cutoffs in the sense of the problem; here all is minimized.

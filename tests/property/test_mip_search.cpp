@@ -62,6 +62,7 @@ void vary(Settings& settings, int k, support::Random& random) {
       break;
     case 2:
       settings.variable_rule = random.pick(-1, 4);
+      settings.tolerances.integrality = random.chance(0.5) ? 0 : 1e-9;
       break;
     case 3:
       settings.node_rule = static_cast<NodeRule>(random.pick(0, 3));
