@@ -80,6 +80,34 @@ bool is_solution(const Problem& problem, std::span<const double> x) {
   return v.integrality <= 1e-5 && v.primal() <= 1e-6 && v.object <= 1e-6;
 }
 
+/* A bound that is missed by less than the relaxation's tolerance gives no branch: none would move it. */
+TEST(MipBranching, FractionsLieBetweenTheBounds) {
+  int looked_at = 0;
+  for (unsigned seed = 1; seed <= 50; ++seed) {
+    const Problem problem = support::RandomMip(seed).draw();
+    Root root(problem);
+    if (!root.solve()) continue;
+    root.global.settings.tolerances.integrality = 0;
+    const Worker& worker = root.worker;
+    for (const int j : root.global.integer_columns) {
+      std::vector<double> x(worker.relaxation->primal().begin(), worker.relaxation->primal().end());
+      for (const int k : root.global.integer_columns) x[k] = std::round(x[k]);
+      const double lower = worker.domain.lower(j), upper = worker.domain.upper(j);
+      if (std::isinf(lower) || std::isinf(upper) || lower == upper) continue;
+      ++looked_at;
+      for (const double beyond : {lower - 1e-7, upper + 1e-7}) {
+        x[j] = beyond;
+        EXPECT_TRUE(find_shortfall(worker, x).fractions.empty());
+      }
+      x[j] = lower + 1e-7;
+      const Shortfall shortfall = find_shortfall(worker, x);
+      ASSERT_EQ(shortfall.fractions.size(), 1U);
+      EXPECT_EQ(shortfall.fractions[0].value, x[j]);
+    }
+  }
+  EXPECT_GT(looked_at, 20);
+}
+
 TEST(MipHeuristics, LeaveTheWorkerAsItWas) {
   int called = 0;
   for (unsigned seed = 1; seed <= 1500 && !HasFailure(); ++seed) {
