@@ -179,7 +179,8 @@ Search::NodeResult Search::solve_relaxation() {
 Search::NodeResult Search::bound_node(int slot) {
   lagrangian_bound_ = worker_.safe_bound();
   tree_.raise_bound(slot, rounded_bound(lagrangian_bound_));
-  if (tree_[slot].parent < 0 && !std::isinf(lagrangian_bound_)) {
+  // Without rows that were not worth keeping the root's bound is weaker than it was.
+  if (tree_[slot].parent < 0 && !std::isinf(lagrangian_bound_) && lagrangian_bound_ >= root_bound_) {
     root_bound_ = lagrangian_bound_;
     if (std::isinf(statistics_.root_bound_before_cuts)) statistics_.root_bound_before_cuts = root_bound_;
     statistics_.root_bound_after_cuts = root_bound_;

@@ -9,6 +9,8 @@ namespace {
 
 constexpr double kWorthwhileGain = 1e-5;  // of the root's bound by a round of cuts, relative
 constexpr int kStalledRounds = 8, kRootRounds = 100;
+// By all rounds at the root, else their rows go again: a share of the gap to the incumbent, or of the bound itself.
+constexpr double kLeastClosed = 0.05, kLeastMoved = 1e-3;
 constexpr int kTreeRounds = 3;     // of cuts at a node
 constexpr double kTreeGain = 0.1;  // of the node's gap that a round of cuts, or all, should close
 constexpr double kTreeShare =
@@ -46,9 +48,23 @@ bool Search::separate(int slot, const NodeEvent& event) {
   rounds_.round = -1;  // done here
   enter(Phase::tree);
   if (rounds_.any) observer_.node(event);
-  const bool any_left = separation_.drop_slack_rows(worker_, true);
+  bool any_left = separation_.drop_slack_rows(worker_, true);
+  if (rounds_.any && !cuts_were_worthwhile(event.objective)) {
+    separation_.remove_rows(worker_, [](const Cut& cut) { return !cut.stays && cut.kind != CutClass::user; });
+    any_left = true;
+  }
   for (Cut& cut : separation_.take_left()) idle_cuts_.push_back(std::move(cut));
   return any_left;
+}
+
+/* Rows that hardly moved the root's bound would make all relaxations below dearer for as little: with big constants in the
+ * problem by a factor of ten. Both measures have to say so: incumbents may still be poor, and gaps small. Rows that an
+ * earlier stage has left count as worthwhile: what they moved is not known. */
+bool Search::cuts_were_worthwhile(double bound) const {
+  if (had_given_cuts_) return true;
+  const double before = statistics_.root_bound_before_cuts, moved = bound - before;
+  if (moved >= kLeastMoved * std::max(1.0, std::fabs(before))) return true;
+  return !std::isinf(global_.cutoff) && moved >= kLeastClosed * (global_.cutoff - before);
 }
 
 /* More than a share of the gap, or of the value where there is none. */

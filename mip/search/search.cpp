@@ -281,7 +281,8 @@ void Search::start() {
   worker_.domain.commit();
   worker_.propagator.went_back(worker_.domain);
   for (const int j : global_.integer_columns) open_columns_ += worker_.domain.is_fixed(j) ? 0 : 1;
-  if (!given_cuts_.empty()) separation_.add_rows(worker_, given_cuts_);
+  had_given_cuts_ = !given_cuts_.empty();
+  if (had_given_cuts_) separation_.add_rows(worker_, given_cuts_);
   given_cuts_.clear();
   separation_.take_counts();
   next_child_ = tree_.add({-kInf, -kInf, -kInf, -1, {}, {}, nullptr});

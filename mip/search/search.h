@@ -294,6 +294,7 @@ class Search {
   Effort due_in_tree();
   bool separate_in_tree(int slot, double objective);
   bool is_worthwhile(double gain, double from) const;
+  bool cuts_were_worthwhile(double bound) const;
   void load_basis(const StoredBasis& basis);
   void try_before_relaxation();
   bool try_heuristics(int slot, bool before_cuts);
@@ -353,6 +354,7 @@ class Search {
   std::vector<double> root_reduced_costs_;  // at the bounds that held then:
   std::vector<double> root_lower_, root_upper_;
   std::vector<Cut> given_cuts_;
+  bool had_given_cuts_ = false;
   int open_columns_ = 0;                    // integer columns that were not fixed at the beginning
   std::vector<GlobalBound> global_bounds_;  // found, not yet in the domain
   std::vector<Cut> idle_cuts_;              // of the caller, no rows for now
