@@ -142,7 +142,10 @@ Search::NodeResult Search::solve_relaxation() {
   if (asks(&SearchCallbacks::Kinds::solve)) {
     const OwnSolve::Result result = ask_for_solve();
     if (callbacks_->wants_to_stop()) return NodeResult::stopped;
-    if (result == OwnSolve::Result::no_solution) return NodeResult::undecided;
+    // Where nothing is left to branch on, only a solve of our own can decide the node.
+    const bool can_branch = std::any_of(global_.integer_columns.begin(), global_.integer_columns.end(),
+                                        [&](int j) { return !worker_.domain.is_fixed(j); });
+    if (result == OwnSolve::Result::no_solution && can_branch) return NodeResult::undecided;
   }
   solve_first();
   for (int attempt = 0; attempt < 3; ++attempt) {

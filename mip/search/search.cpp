@@ -14,9 +14,9 @@ using lp::Stop;
 namespace {
 
 constexpr std::size_t kEarlierIncumbents = 2;
-constexpr int kMostBacktracks = 100;   // of one plunge
-constexpr double kPlungeShare = 0.25;  // of the gap, above the best bound, in which a plunge goes on ...
-constexpr int kLeastPlunge = 5;        // ... after as many nodes that need not stay in it
+constexpr int kMostBacktracks = 500;  // of one plunge
+constexpr double kPlungeShare = 0.5;  // of the gap, above the best bound, in which a plunge goes on ...
+constexpr int kLeastPlunge = 5;       // ... after as many nodes that need not stay in it
 
 }  // namespace
 
