@@ -1200,10 +1200,10 @@ TVK_API int TVKgetticks(ConstEnvHandle env, ConstProbHandle lp, double *ticks_p)
 #define TVK_PARAM_DIVETYPE               2060 /* int 0, 0 to 3 */
 #define TVK_PARAM_RINSHEUR               2061 /* int 0, -1 to 2100000000 */
 #define TVK_PARAM_SUBMIPNODELIM          2062 /* int 500, 1 to 2100000000 */
-#define TVK_PARAM_LBHEUR                 2063 /* int 0, 0 to 1; stored only */
+#define TVK_PARAM_LBHEUR                 2063 /* int 0, 0 to 1 */
 #define TVK_PARAM_REPEATPRESOLVE         2064 /* int -1, -1 to 3 */
 #define TVK_PARAM_PROBETIME              2065 /* double 1e75, 0 to 1e75 */
-#define TVK_PARAM_POLISHTIME             2066 /* double 0, 0 to 1e75; stored only */
+#define TVK_PARAM_POLISHTIME             2066 /* double 0, 0 to 1e75 */
 #define TVK_PARAM_REPAIRTRIES            2067 /* int 0, -1 to 2100000000 */
 #define TVK_PARAM_EPRELAX                2073 /* double 1e-6, 0 to 1e20; stored only */
 #define TVK_PARAM_FPHEUR                 2098 /* int 0, -1 to 2 */
@@ -1217,11 +1217,11 @@ TVK_API int TVKgetticks(ConstEnvHandle env, ConstProbHandle lp, double *ticks_p)
 #define TVK_PARAM_MIPSEARCH              2109 /* int 0, 0 to 2 */
 #define TVK_PARAM_MIQCPSTRAT             2110 /* int 0, 0 to 2; stored only */
 #define TVK_PARAM_ZEROHALFCUTS           2111 /* int 0, -1 to 2 */
-#define TVK_PARAM_POLISHAFTEREPAGAP      2126 /* double 0, 0 to 1e20; stored only */
-#define TVK_PARAM_POLISHAFTEREPGAP       2127 /* double 0, 0 to 1; stored only */
-#define TVK_PARAM_POLISHAFTERNODE        2128 /* int 2100000000, 0 to 2100000000; stored only */
-#define TVK_PARAM_POLISHAFTERINTSOL      2129 /* int 2100000000, 1 to 2100000000; stored only */
-#define TVK_PARAM_POLISHAFTERTIME        2130 /* double 1e75, 0 to 1e75; stored only */
+#define TVK_PARAM_POLISHAFTEREPAGAP      2126 /* double 0, 0 to 1e20 */
+#define TVK_PARAM_POLISHAFTEREPGAP       2127 /* double 0, 0 to 1 */
+#define TVK_PARAM_POLISHAFTERNODE        2128 /* int 2100000000, 0 to 2100000000 */
+#define TVK_PARAM_POLISHAFTERINTSOL      2129 /* int 2100000000, 1 to 2100000000 */
+#define TVK_PARAM_POLISHAFTERTIME        2130 /* double 1e75, 0 to 1e75 */
 #define TVK_PARAM_MCFCUTS                2134 /* int 0, -1 to 2; stored only */
 #define TVK_PARAM_MIPKAPPASTATS          2137 /* int 0, -1 to 2; stored only */
 #define TVK_PARAM_AUXROOTTHREADS         2139 /* int 0, from -1; stored only */

@@ -31,7 +31,7 @@ Verdict AggregatedRounding::call(Worker& worker, const Moment& moment) {
     failures = success ? 0 : failures + 1;
     found |= success;
   }
-  worker.out.work += sum.entries();
+  worker.out.work += sum.entries() + rounding.work();
   return found ? Verdict::found : Verdict::nothing;
 }
 
@@ -88,13 +88,10 @@ double AggregatedRounding::distance(const Worker& worker, int j) const {
 }
 
 bool AggregatedRounding::try_both_signs(Worker& worker, const RowSum& sum, Rounding& rounding) {
+  const CutClass kind = substitution_ == Substitution::bounds ? CutClass::mir : CutClass::flow_cover;
   bool found = false;
   for (const double sign : {1.0, -1.0}) {
-    Cut cut;
-    cut.kind = substitution_ == Substitution::bounds ? CutClass::mir : CutClass::flow_cover;
-    if (!rounding.separate(sum, sign, worker.relaxation->primal(), &cut)) continue;
-    worker.out.cuts.push_back(std::move(cut));
-    found = true;
+    found |= rounding.separate(sum, sign, worker.relaxation->primal(), kind, &worker.out.cuts);
   }
   return found;
 }

@@ -27,7 +27,7 @@ Verdict GomoryCuts::call(Worker& worker, const Moment& moment) {
     if (sum.entries() > moment.budget || worker.must_stop()) break;
     found |= one_row(worker, position, sum, rounding);
   }
-  worker.out.work += sum.entries();
+  worker.out.work += sum.entries() + rounding.work();
   return found ? Verdict::found : Verdict::nothing;
 }
 
@@ -77,11 +77,7 @@ bool GomoryCuts::one_row(Worker& worker, int position, RowSum& sum, Rounding& ro
   if (sum.rank() > kHighestRank) return false;
   bool found = false;
   for (const double sign : {1.0, -1.0}) {
-    Cut cut;
-    cut.kind = CutClass::fractional;
-    if (!rounding.separate(sum, sign, x, &cut)) continue;
-    worker.out.cuts.push_back(std::move(cut));
-    found = true;
+    found |= rounding.separate(sum, sign, x, CutClass::fractional, &worker.out.cuts);
   }
   return found;
 }

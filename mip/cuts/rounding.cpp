@@ -9,9 +9,10 @@ namespace {
 constexpr double kLeastFraction = 0.01, kLargestFraction = 0.99;  // of the side
 constexpr double kZero = 1e-9;  // coefficients below count as 0, relative to the largest
 constexpr double kLeastEfficacy = 1e-4;
-constexpr double kInside = 1e-6;        // from both bounds
-constexpr std::size_t kDeltas = 12;     // tried for each inequality
-constexpr std::size_t kFewListed = 16;  // less than one of so many columns
+constexpr double kInside = 1e-6;          // from both bounds
+constexpr std::size_t kDeltas = 12;       // tried for each inequality
+constexpr std::size_t kMostItems = 5000;  // of a knapsack
+constexpr std::size_t kFewListed = 16;    // less than one of so many columns
 
 double frac(double v) {
   return v - std::floor(v);
@@ -224,13 +225,26 @@ double Rounding::best_delta(double* efficacy_found) {
   return chosen;
 }
 
-bool Rounding::separate(const RowSum& sum, double sign, std::span<const double> x, Cut* cut) {
+bool Rounding::separate(const RowSum& sum, double sign, std::span<const double> x, CutClass kind,
+                        std::vector<Cut>* cuts) {
   if (!shift(sum, sign, x)) return false;
   double best = 0;
   const double delta = best_delta(&best);
-  if (best < kLeastEfficacy || !build(sum, delta, cut)) return false;
-  cut->rank = sum.rank() + 1;
-  return finish_cut(worker_, x, cut);
+  bool found = !with_variable_bounds_ && find_cover(best) && make(sum, x, kind, cuts);
+  if (best >= kLeastEfficacy) {
+    round_by(delta);
+    found |= make(sum, x, kind, cuts);
+  }
+  return found;
+}
+
+bool Rounding::make(const RowSum& sum, std::span<const double> x, CutClass kind, std::vector<Cut>* cuts) {
+  Cut cut;
+  cut.kind = kind;
+  cut.rank = sum.rank() + 1;
+  if (!build(sum, &cut) || !finish_cut(worker_, x, &cut)) return false;
+  cuts->push_back(std::move(cut));
+  return true;
 }
 
 /* Ascending; a long list is read off the marks. */
@@ -245,15 +259,74 @@ void Rounding::order_listed() {
   }
 }
 
-/* Shifts back: each variable by its bound, slacks by their rows. */
-bool Rounding::build(const RowSum& sum, double delta, Cut* cut) {
+void Rounding::round_by(double delta) {
   const double f0 = frac(side_ / delta);
-  largest_term_ = 0;
-  lp::CompensatedSum side;
-  side.add(std::floor(side_ / delta));
+  cut_side_ = std::floor(side_ / delta);
+  cut_values_.clear();
   for (const Term& t : terms_) {
     const double a = t.coefficient / delta;
-    const double c = t.is_integer ? rounded(a, f0) : std::min(0.0, a) / (1 - f0);
+    cut_values_.push_back(t.is_integer ? rounded(a, f0) : std::min(0.0, a) / (1 - f0));
+  }
+}
+
+/* Of the shifted inequality as a knapsack: binaries with positive weights, and what the other integers may take from it. False where
+ * it gives no cut of more efficacy than that. Where continuous variables may take from it, or bounds that binaries set, rounding
+ * does as well, and models of lot sizing were solved later with covers than without. */
+bool Rounding::find_cover(double efficacy_to_beat) {
+  cover_.clear();
+  double capacity = side_;
+  bool with_rest = false, is_fractional = false;
+  for (const Term& t : terms_) {
+    if (!is_item(t)) {
+      if (t.coefficient < 0 && !t.is_integer) return false;
+      with_rest = with_rest || t.coefficient < 0;
+      continue;
+    }
+    if (t.coefficient < 0) capacity -= t.coefficient;
+    const double value = std::clamp(t.coefficient < 0 ? 1 - t.value : t.value, 0.0, 1.0);
+    is_fractional = is_fractional || (value > kInside && value < 1 - kInside);
+    cover_.add(std::fabs(t.coefficient), value);
+  }
+  if (!is_fractional || !(capacity > 0) || cover_.size() > kMostItems || !cover_.find(capacity, with_rest))
+    return false;
+  const double efficacy = take_cover();
+  if (efficacy < kLeastEfficacy || efficacy <= efficacy_to_beat) return false;
+  cover_.complete();
+  take_cover();
+  return true;
+}
+
+/* The cover as a cut on the terms; its efficacy. */
+double Rounding::take_cover() {
+  cut_side_ = cover_.side();
+  cut_values_.clear();
+  double activity = 0, norm = 0;
+  std::size_t item = 0;
+  for (const Term& t : terms_) {
+    double c = std::min(0.0, t.coefficient);
+    if (is_item(t)) {
+      c = cover_.coefficient(item++);
+      if (t.coefficient < 0) {
+        cut_side_ -= c;
+        c = -c;
+      }
+    }
+    cut_values_.push_back(c);
+    if (t.value <= kZero) continue;
+    activity += c * t.value;
+    norm += c * c;
+  }
+  return norm > 0 ? (activity - cut_side_) / std::sqrt(norm) : 0;
+}
+
+/* Shifts back: each variable by its bound, slacks by their rows. */
+bool Rounding::build(const RowSum& sum, Cut* cut) {
+  largest_term_ = 0;
+  lp::CompensatedSum side;
+  side.add(cut_side_);
+  for (std::size_t at = 0; at < terms_.size(); ++at) {
+    const Term& t = terms_[at];
+    const double c = cut_values_[at];
     if (c == 0) continue;
     switch (t.at) {
       case At::slack: {

@@ -5,6 +5,9 @@
  *
  *     sum_int (floor(a/delta) + max(0, f - f0) / (1 - f0)) x + sum_cont min(0, a) / (delta (1 - f0)) x <= floor(side / delta).
  *
+ * On the binaries of the shifted inequality a cover is looked for, too (knapsack_cover); the other variables that help to
+ * satisfy it are its s.
+ *
  * With delta 1 and a tableau row it is Gomory's mixed-integer cut. Slacks of integral rows count as integers. A column may be
  * shifted to a bound that a binary column sets (x = slope z + constant -+ t); its share then falls to the binary. On rows
  * of flows with switched capacities that gives flow covers.
@@ -15,6 +18,7 @@
 #include <span>
 #include <vector>
 
+#include "mip/cuts/knapsack_cover.h"
 #include "mip/cuts/row_sum.h"
 #include "mip/pool/cut.h"
 
@@ -26,9 +30,13 @@ class Rounding {
  public:
   explicit Rounding(const Worker& worker, Substitution substitution = Substitution::bounds);
 
-  /* The most violated cut that the combination, taken as <= (sign 1) or as >= (sign -1), gives at x. False: none is violated
-   * enough. With variable bounds: false where none was of use, too. */
-  bool separate(const RowSum& sum, double sign, std::span<const double> x, Cut* cut);
+  /* Of the combination, taken as <= (sign 1) or as >= (sign -1): the rounded cut that is most violated at x, and the cover where it
+   * cuts deeper. False: none is violated enough. With variable bounds: false where none was of use, too. */
+  bool separate(const RowSum& sum, double sign, std::span<const double> x, CutClass kind,
+                std::vector<Cut>* cuts);
+
+  /* Entries touched by covers so far. */
+  std::int64_t work() const { return cover_.work(); }
 
  private:
   enum class At : unsigned char { lower, upper, variable_lower, variable_upper, slack };
@@ -49,7 +57,12 @@ class Rounding {
   void find_active_terms();
   double efficacy(double delta) const;
   double best_delta(double* efficacy);
-  bool build(const RowSum& sum, double delta, Cut* cut);
+  static bool is_item(const Term& t) { return t.is_integer && t.at != At::slack && t.range == 1; }
+  void round_by(double delta);
+  bool find_cover(double efficacy_to_beat);
+  double take_cover();
+  bool make(const RowSum& sum, std::span<const double> x, CutClass kind, std::vector<Cut>* cuts);
+  bool build(const RowSum& sum, Cut* cut);
   void add(int j, double a, double factor);
   void order_listed();
 
@@ -62,6 +75,9 @@ class Rounding {
   double side_ = 0, largest_ = 0;
   double largest_term_ = 0;  // that went into a sum of the cut in the making
   bool used_variable_bound_ = false;
+  KnapsackCover cover_;
+  std::vector<double> cut_values_;  // of the shifted cut, by term
+  double cut_side_ = 0;
   // Work space by column, clean between calls.
   std::vector<lp::CompensatedSum> value_;
   std::vector<char> is_listed_;

@@ -41,7 +41,7 @@ Verdict ZeroHalfCuts::call(Worker& worker, const Moment& moment) {
   Rounding rounding(worker);
   bool found = false;
   for (const std::vector<int>& rows : found_) found |= make_cut(worker, rows, sum, rounding);
-  worker.out.work += work_ + sum.entries();
+  worker.out.work += work_ + sum.entries() + rounding.work();
   return found ? Verdict::found : Verdict::nothing;
 }
 
@@ -139,11 +139,7 @@ bool ZeroHalfCuts::make_cut(Worker& worker, const std::vector<int>& rows, RowSum
     // Weights by which the slacks' coefficients are positive.
     if (!sum.add(worker, i, slack_of(worker.row(i), x).at_upper ? 0.5 : -0.5, x)) return false;
   }
-  Cut cut;
-  cut.kind = CutClass::zero_half;
-  if (!rounding.separate(sum, 1, x, &cut)) return false;
-  worker.out.cuts.push_back(std::move(cut));
-  return true;
+  return rounding.separate(sum, 1, x, CutClass::zero_half, &worker.out.cuts);
 }
 
 }  // namespace tovik::mip

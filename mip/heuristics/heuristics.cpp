@@ -49,10 +49,24 @@ std::vector<Heuristic> make_heuristics(const Global& global) {
   add(true, search_every,
       {std::make_unique<ReducedCostNeighbourhood>(), Kind::neighbourhood, 1, Place::root_only,
        Need::wide_gap});
-  add(true, search_every,
-      {std::make_unique<Rins>(), Kind::neighbourhood, 20, Place::everywhere, Need::wide_gap});
-  add(true, search_every, {std::make_unique<Crossover>(), Kind::neighbourhood, 20, Place::tree_only});
-  add(true, search_every, {std::make_unique<Region>(), Kind::neighbourhood, 20, Place::tree_only});
+  // Around incumbents: what is off in the tree serves polishing still.
+  const bool polishes = global.settings.polish.is_on();
+  const auto add_search = [&](std::unique_ptr<Plugin> search, Place place, Need need) {
+    if (search_every >= 0) {
+      add(true, search_every, {std::move(search), Kind::neighbourhood, 20, place, need});
+    } else {
+      add(polishes, 0, {std::move(search), Kind::neighbourhood, 1, Place::polishing_only});
+    }
+  };
+  add_search(std::make_unique<Rins>(), Place::everywhere, Need::wide_gap);
+  add_search(std::make_unique<Crossover>(), Place::tree_only, Need::none);
+  add_search(std::make_unique<Region>(), Place::tree_only, Need::none);
+  add(polishes, 0, {std::make_unique<Mutation>(), Kind::neighbourhood, 1, Place::polishing_only});
+  if (settings.local_branching) {
+    add(true, 0, {std::make_unique<LocalBranching>(), Kind::intensification, 1});
+  } else {
+    add(polishes, 0, {std::make_unique<LocalBranching>(), Kind::neighbourhood, 1, Place::polishing_only});
+  }
   return table;
 }
 

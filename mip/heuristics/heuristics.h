@@ -15,14 +15,15 @@ namespace tovik::mip {
 
 struct Heuristic {
   enum class Kind {
-    start,          // without a relaxation, once, before the root's
-    rounding,       // of the relaxation's point: as cheap as a pass over the entries
-    dive,           // one a node, in turn
-    rescue,         // where dives have left the search without an incumbent
-    neighbourhood,  // sub-searches
-    improvement     // of each new incumbent, once
+    start,            // without a relaxation, once, before the root's
+    rounding,         // of the relaxation's point: as cheap as a pass over the entries
+    dive,             // one a node, in turn
+    rescue,           // where dives have left the search without an incumbent
+    neighbourhood,    // sub-searches
+    intensification,  // sub-searches, once around each new incumbent
+    improvement       // of each new incumbent, once
   };
-  enum class Place { everywhere, root_only, tree_only };
+  enum class Place { everywhere, root_only, tree_only, polishing_only };
   enum class Need {
     none,
     wide_gap,  // at the root

@@ -4,7 +4,6 @@
 #include <cmath>
 
 #include "mip/domain/point.h"
-#include "mip/heuristics/reduced_problem.h"
 
 namespace tovik::mip {
 namespace {
@@ -13,8 +12,9 @@ constexpr double kAgreement = 1e-6;
 constexpr double kGap = 1e-3;  // relative, at which a sub-search may end
 constexpr int kCutRounds = 5;
 constexpr std::int64_t kStrongIterations = 500;
-constexpr std::int64_t kStallNodes = 100;        // without a better solution
-constexpr double kLarger = 0.8, kSmaller = 0.3;  // factors of what is fixed, and of what is left
+constexpr std::int64_t kStallNodes = 100;         // without a better solution
+constexpr double kLarger = 0.8, kSmaller = 0.3;   // factors of what is fixed, and of what is left
+constexpr double kLeastRadius = 4, kWider = 1.5;  // of local branching
 constexpr double kLeastMost = 0.3, kMostMost = 0.95;
 constexpr int kLongRow = 200;  // beyond, a row connects too much to say that columns are near each other
 
@@ -41,6 +41,8 @@ Settings settings_of_sub_search(const Global& global, const Moment& moment) {
   s.enumeration = {};
   s.node_files = {};
   s.heuristics.neighbourhood_interval = -1;
+  s.heuristics.local_branching = false;
+  s.polish = {};
   if (s.cuts.root_rounds == 0) s.cuts.root_rounds = kCutRounds;
   s.cuts.in_tree = -1;
   return s;
@@ -99,12 +101,13 @@ Verdict NeighbourhoodSearch::call(Worker& worker, const Moment& moment) {
   const Global& global = worker.global;
   fixings_.clear();
   propose(worker, worker.relaxation->primal(), fixings_);
-  if (fixings_.empty()) return Verdict::nothing;
+  if (fixings_.empty() && least_fixed_ > 0) return Verdict::nothing;
   std::stable_sort(fixings_.begin(), fixings_.end(),
                    [](const Fixing& a, const Fixing& b) { return a.rank < b.rank; });
   Domain domain(global.problem, global.settings.tolerances);
   if (!restrict_domain(worker, domain)) return Verdict::nothing;
-  const ReducedProblem reduced(domain);
+  ReducedProblem reduced(domain);
+  if (!restrict(global, reduced)) return Verdict::nothing;
   const SubSearchResult result =
       worker.sub_search->run(reduced.problem(), settings_of_sub_search(global, moment), worker.control);
   worker.iterations += result.iterations;
@@ -150,6 +153,36 @@ void Crossover::propose(Worker& worker, std::span<const double>, std::vector<Fix
                     [&](const std::vector<double>& x) { return std::fabs(x[j] - known) <= kAgreement; });
     if (agree) fixings.push_back({j, known, known, worker.random.real()});
   }
+}
+
+void Mutation::propose(Worker& worker, std::span<const double>, std::vector<Fixing>& fixings) {
+  const Global& global = worker.global;
+  if (!global.has_incumbent_point()) return;
+  for (const int j : global.integer_columns) {
+    fixings.push_back({j, global.incumbent[j], global.incumbent[j], worker.random.real()});
+  }
+}
+
+/* The binaries that are 1 in the incumbent less those that are not, at least as many as are 1 less the radius. */
+bool LocalBranching::restrict(const Global& global, ReducedProblem& reduced) {
+  if (!global.has_incumbent_point()) return false;
+  std::vector<int> columns;
+  std::vector<double> values;
+  int ones = 0;
+  for (const int j : global.integer_columns) {
+    if (global.problem.lp.lower[j] != 0 || global.problem.lp.upper[j] != 1) continue;
+    const bool is_one = global.incumbent[j] > 0.5;
+    ones += is_one ? 1 : 0;
+    columns.push_back(j);
+    values.push_back(is_one ? 1 : -1);
+  }
+  if (static_cast<double>(columns.size()) <= 2 * radius_) return false;  // it would be no restriction
+  reduced.add_row(columns, values, ones - std::floor(radius_), kInf);
+  return true;
+}
+
+void LocalBranching::adapt(bool found, bool exhausted) {
+  if (!found) radius_ = exhausted ? kWider * radius_ : std::max(kLeastRadius, radius_ / 2);
 }
 
 /* Breadth first over the rows. */

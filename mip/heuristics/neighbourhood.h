@@ -6,6 +6,9 @@
  * - ReducedCostNeighbourhood: whole columns of the relaxation, the larger the reduced cost the sooner.
  * - Crossover: what the last incumbents agree on.
  * - Region: all but the columns about one on which relaxation and incumbent differ, as rows connect them.
+ * - Mutation: columns at random stay as they are in the incumbent.
+ * - LocalBranching (Math. Programming 98 (2003)): nothing is fixed, but all binaries together may move away from the incumbent
+ *   by so many only.
  * Fixings are tried one after another on a domain of its own that holds what holds globally, each is propagated, and one that
  * fails is left out. Too few fixings: no search. Where a neighbourhood turns out to hold nothing the next one of its kind is
  * larger, where its search could not be ended it is smaller. What the search spends counts as the worker's iterations. */
@@ -14,6 +17,7 @@
 #include <span>
 #include <vector>
 
+#include "mip/heuristics/reduced_problem.h"
 #include "mip/worker/plugin.h"
 #include "mip/worker/worker.h"
 
@@ -32,12 +36,15 @@ class NeighbourhoodSearch : public Plugin {
     double lower, upper;
     double rank;  // least first
   };
-  /* What integer columns may take; those that are not named stay free. */
+  /* What integer columns may take; those that are not named stay free. Nothing: no search, unless none need be fixed. */
   virtual void propose(Worker& worker, std::span<const double> x, std::vector<Fixing>& fixings) = 0;
+  /* Rows that restrict what is left. False: there are none, and no search. */
+  virtual bool restrict(const Global&, ReducedProblem&) { return true; }
+  /* What the search in the last neighbourhood has said of its size. */
+  virtual void adapt(bool found, bool exhausted);
 
  private:
   bool restrict_domain(const Worker& worker, Domain& domain);
-  void adapt(bool found, bool exhausted);
 
   double least_fixed_, most_fixed_, first_most_fixed_;
   std::vector<Fixing> fixings_;
@@ -92,6 +99,29 @@ class Region : public NeighbourhoodSearch {
 
   std::vector<int> reached_;      // in order
   std::vector<char> is_reached_;  // by column
+};
+
+class Mutation : public NeighbourhoodSearch {
+ public:
+  Mutation() : NeighbourhoodSearch(0.1, 0.8) {}
+  const char* name() const override { return "mutation"; }
+
+ protected:
+  void propose(Worker& worker, std::span<const double> x, std::vector<Fixing>& fixings) override;
+};
+
+class LocalBranching : public NeighbourhoodSearch {
+ public:
+  explicit LocalBranching(double radius = 20) : NeighbourhoodSearch(0, 1), radius_(radius) {}
+  const char* name() const override { return "local branching"; }
+
+ protected:
+  void propose(Worker&, std::span<const double>, std::vector<Fixing>&) override {}
+  bool restrict(const Global& global, ReducedProblem& reduced) override;
+  void adapt(bool found, bool exhausted) override;
+
+ private:
+  double radius_;  // binaries that may change; grows where there is nothing, shrinks where there is too much
 };
 
 }  // namespace tovik::mip

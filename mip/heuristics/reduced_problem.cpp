@@ -127,4 +127,36 @@ std::vector<double> ReducedProblem::expand(std::span<const double> x) const {
   return whole;
 }
 
+void ReducedProblem::add_row(std::span<const int> columns, std::span<const double> values, double lower,
+                             double upper) {
+  lp::LpData& lp = reduced_.lp;
+  std::vector<double> entry(static_cast<std::size_t>(lp.num_columns()));
+  double fixed = 0;
+  for (std::size_t k = 0; k < columns.size(); ++k) {
+    const int j = new_column_[columns[k]];
+    if (j < 0) {
+      fixed += values[k] * fixed_[columns[k]];
+    } else {
+      entry[j] = values[k];
+    }
+  }
+  lp::Matrix extended;
+  extended.rows = lp.matrix.rows + 1;
+  extended.columns = lp.matrix.columns;
+  for (int j = 0; j < lp.matrix.columns; ++j) {
+    for (int k = lp.matrix.start[j]; k < lp.matrix.start[j + 1]; ++k) {
+      extended.index.push_back(lp.matrix.index[k]);
+      extended.value.push_back(lp.matrix.value[k]);
+    }
+    if (entry[j] != 0) {
+      extended.index.push_back(lp.matrix.rows);
+      extended.value.push_back(entry[j]);
+    }
+    extended.start.push_back(static_cast<int>(extended.index.size()));
+  }
+  lp.matrix = std::move(extended);
+  lp.row_lower.push_back(lower - fixed);
+  lp.row_upper.push_back(upper - fixed);
+}
+
 }  // namespace tovik::mip

@@ -16,6 +16,8 @@ class ReducedProblem {
   explicit ReducedProblem(const Domain& domain);
 
   const Problem& problem() const { return reduced_; }
+  /* One row more: lower <= values x <= upper, on columns of the whole problem. */
+  void add_row(std::span<const int> columns, std::span<const double> values, double lower, double upper);
   /* A point of the whole problem from one of what is left. */
   std::vector<double> expand(std::span<const double> x) const;
 

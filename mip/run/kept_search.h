@@ -35,7 +35,16 @@ class CallControl : public lp::Control {
                        (callbacks_ != nullptr && callbacks_->wants_to_stop());
     return stops ? lp::Stop::user_abort : control_->poll();
   }
-  lp::Stop poll_clock() override { return control_->poll_clock(); }
+  lp::Stop poll_clock() override {
+    const lp::Stop stop = control_->poll_clock();
+    if (!(extension_ > 0) || stop == lp::Stop::user_abort) return stop;
+    return control_->seconds() - extended_at_ < extension_ ? lp::Stop::none : lp::Stop::time_limit;
+  }
+  /* In place of the call's time limit: so many seconds from a time of the call on. 0: the call's own again. */
+  void extend(double from, double seconds) {
+    extended_at_ = from;
+    extension_ = seconds;
+  }
   lp::Stop iteration_callback(const lp::ProgressSource&) override {
     if (informer_ != nullptr) informer_->inform_now_and_then();
     return lp::Stop::none;
@@ -43,6 +52,7 @@ class CallControl : public lp::Control {
 
  private:
   lp::Control* control_;
+  double extended_at_ = 0, extension_ = 0;  // seconds
   Informer* informer_ = nullptr;
   const CallerCallbacks* callbacks_ = nullptr;
 };

@@ -98,6 +98,27 @@ void try_starts(Environment& env, const tovik::Problem& problem, lp::Control& co
   try_mip_starts(trial);
 }
 
+/* Limits of the search itself, not of work or of solutions: a time for polishing comes on top of them. */
+bool is_limit_on_search(Conclusion end) {
+  switch (end) {
+    case Conclusion::node_limit:
+    case Conclusion::iteration_limit:
+    case Conclusion::tree_limit:
+    case Conclusion::time_limit:
+      return true;
+    default:
+      return false;
+  }
+}
+
+void polish_at_limit(Environment& env, KeptSearch& kept, Conclusion* end) {
+  const double seconds = env.settings.real(TVK_PARAM_POLISHTIME);
+  if (!(seconds > 0) || !is_limit_on_search(*end)) return;
+  kept.control.extend(kept.control.seconds(), seconds);
+  if (const std::optional<Conclusion> closed = kept.main.search.polish()) *end = *closed;
+  kept.control.extend(0, 0);
+}
+
 }  // namespace
 
 Status check_mixed_integer(const tovik::Problem& problem) {
@@ -148,7 +169,8 @@ Status run_main_search(Environment& env, tovik::Problem& problem, PoolFeed& feed
   try_starts(env, problem, control, *kept, made != nullptr);
   kept->log.set_in_search(true);
   bool is_whole = true;
-  const Conclusion end = run_within_memory(kept->main.search, &is_whole);
+  Conclusion end = run_within_memory(kept->main.search, &is_whole);
+  if (is_whole) polish_at_limit(env, *kept, &end);
   kept->log.set_in_search(false);
   kept->log.team(kept->main.search.team_times());
   kept->may_go_on = leaves_a_tree(end) && is_whole && !functions.delete_node;

@@ -10,7 +10,7 @@
 namespace tovik::mip::run {
 namespace {
 
-constexpr double kNoCutoff = 1e75;
+constexpr double kNoCutoff = 1e75, kNever = 1e75;
 constexpr int kUnlimited = 2100000000;
 constexpr double kLeastIntegrality = 1e-9;
 
@@ -46,6 +46,17 @@ NodeFileSettings node_files(const tovik::Settings& s) {
   out.compressed = kind == 1 || kind == 3;
   take_number(s.real(TVK_PARAM_WORKMEM), out.memory);
   out.directory = s.text(TVK_PARAM_WORKDIR);
+  return out;
+}
+
+PolishSettings polish_settings(const tovik::Settings& s) {
+  PolishSettings out;
+  take_number(s.real(TVK_PARAM_POLISHAFTEREPAGAP), out.absolute_gap);
+  take_number(s.real(TVK_PARAM_POLISHAFTEREPGAP), out.relative_gap);
+  out.nodes = limit(s.integer(TVK_PARAM_POLISHAFTERNODE));
+  out.solutions = limit(s.integer(TVK_PARAM_POLISHAFTERINTSOL));
+  if (const double after = s.real(TVK_PARAM_POLISHAFTERTIME); after < kNever) out.seconds = after;
+  out.at_limits = s.real(TVK_PARAM_POLISHTIME) > 0;
   return out;
 }
 
@@ -142,6 +153,8 @@ Settings settings_of(const Environment& env, const tovik::Problem& problem) {
   out.heuristics.dives = static_cast<DiveKind>(s.integer(TVK_PARAM_DIVETYPE));
   out.heuristics.sub_nodes = limit(s.integer(TVK_PARAM_SUBMIPNODELIM));
   out.heuristics.pump = s.integer(TVK_PARAM_FPHEUR);
+  out.heuristics.local_branching = s.integer(TVK_PARAM_LBHEUR) != 0;
+  out.polish = polish_settings(s);
   out.heuristics.repair_tries = s.integer(TVK_PARAM_REPAIRTRIES);
   apply_emphasis(s.integer(TVK_PARAM_MIPEMPHASIS), out);
   // A user's cuts may cut off the one of two equal solutions that dual reductions would keep.

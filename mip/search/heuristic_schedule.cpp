@@ -15,6 +15,9 @@ constexpr double kEntryShare = 0.05;                          // of the entries 
 constexpr double kEntriesAtFirst = 3e6, kTimesAtFirst = 100;
 constexpr double kWideGap = 0.01;  // relative
 constexpr std::int64_t kStart = 1000, kSubStart = 2000;
+// Polishing: iterations of the first sub-search, and the part by which they grow with each that fails.
+constexpr std::int64_t kPolishingStart = 5000, kPolishingGrowth = 10;
+constexpr double kCuriosity = 0.3, kForgetting = 0.3;
 
 }  // namespace
 
@@ -32,6 +35,7 @@ HeuristicSchedule::Account HeuristicSchedule::account(Heuristic::Kind kind) {
     case Heuristic::Kind::rescue:
       return dives;
     case Heuristic::Kind::neighbourhood:
+    case Heuristic::Kind::intensification:
       return sub_searches;
     default:
       return cheap;
@@ -48,8 +52,9 @@ bool HeuristicSchedule::is_due(const Entry& entry, const Moment& moment, std::in
   if (moment.before_relaxation || h.kind == Heuristic::Kind::start) {
     return moment.before_relaxation && h.kind == Heuristic::Kind::start && entry.last < 0;
   }
-  if (h.kind == Heuristic::Kind::improvement) {
-    return global_.has_incumbent() && global_.incumbent_value < improved_value_;
+  if (h.place == Heuristic::Place::polishing_only) return false;
+  if (h.kind == Heuristic::Kind::improvement || h.kind == Heuristic::Kind::intensification) {
+    return global_.has_incumbent() && global_.incumbent_value < entry.improved_value;
   }
   if ((h.kind == Heuristic::Kind::rescue || h.need == Heuristic::Need::first) && !is_first()) return false;
   if (h.need == Heuristic::Need::wide_gap && moment.root && !has_wide_gap()) return false;
@@ -110,10 +115,15 @@ bool HeuristicSchedule::call(Entry& entry, Worker& worker, const Moment& moment,
   if (payer == cheap && entry.touched > 0 && !has_entries_left(worker)) return false;
   if (payer != cheap && now.iterations < least_to_begin(entry)) return false;
   if (payer == sub_searches && !has_ticks_left()) return false;
+  return make_call(entry, worker, now, take);
+}
+
+bool HeuristicSchedule::make_call(Entry& entry, Worker& worker, const Moment& moment, const Taker& take) {
+  const Account payer = account(entry.heuristic.kind);
   const std::int64_t before = worker.iterations, touched = entries_touched(worker);
   const std::int64_t ticks = control_->ticks();
   const TimedCall timed(entry.counts, worker.control);
-  if (entry.heuristic.plugin->call(worker, now) != Verdict::found) worker.out.candidates.clear();
+  if (entry.heuristic.plugin->call(worker, moment) != Verdict::found) worker.out.candidates.clear();
   const std::int64_t own = worker.iterations - before;
   if (payer == sub_searches) sub_ticks_ += control_->ticks() - ticks;
   entry.iterations += own;
@@ -168,6 +178,50 @@ int HeuristicSchedule::next_neighbourhood(const Moment& moment, std::int64_t nod
   return best;
 }
 
+/* By upper confidence bounds ("Finite-time analysis of the multiarmed bandit problem", Machine Learning 47 (2002)); -1:
+ * there is none. */
+int HeuristicSchedule::next_for_polishing() const {
+  const auto serves = [](const Entry& entry) {
+    const Heuristic& h = entry.heuristic;
+    const bool is_search =
+        h.kind == Heuristic::Kind::neighbourhood || h.kind == Heuristic::Kind::intensification;
+    return is_search && h.place != Heuristic::Place::root_only;
+  };
+  int calls = 0;
+  for (const Entry& entry : entries_) calls += serves(entry) ? entry.polishing_calls : 0;
+  int best = -1;
+  double highest = 0;
+  for (int k = 0; k < static_cast<int>(entries_.size()); ++k) {
+    const Entry& entry = entries_[k];
+    if (!serves(entry)) continue;
+    const double score =
+        entry.reward + kCuriosity * std::sqrt(std::log(1.0 + calls) / (1.0 + entry.polishing_calls));
+    if (best >= 0 && score <= highest) continue;
+    best = k;
+    highest = score;
+  }
+  return best;
+}
+
+bool HeuristicSchedule::polish(Worker& worker, const Passed& passed, const Taker& take) {
+  strong_iterations_ = passed.strong_iterations;
+  bound_ = passed.bound;
+  control_ = passed.control;
+  const int next = next_for_polishing();
+  if (next < 0) return false;
+  if (polishing_iterations_ == 0)
+    polishing_iterations_ = kPolishingStart + 2 * std::max<std::int64_t>(0, root_iterations_);
+  Entry& entry = entries_[next];
+  Moment moment;
+  moment.iterations = polishing_iterations_;
+  const bool better = make_call(entry, worker, moment, take);
+  ++entry.polishing_calls;
+  entry.reward += kForgetting * ((better ? 1.0 : 0.0) - entry.reward);
+  if (!better) polishing_iterations_ += polishing_iterations_ / kPolishingGrowth;
+  seen_value_ = std::min(seen_value_, global_.incumbent_value);
+  return better;
+}
+
 std::vector<PluginCounts> HeuristicSchedule::plugin_counts() const {
   std::vector<PluginCounts> counts;
   for (const Entry& entry : entries_) counts.push_back(entry.counts);
@@ -200,7 +254,7 @@ bool HeuristicSchedule::run(Worker& worker, const Moment& moment, const Passed& 
     if (worker.must_stop()) break;
     dived |= kind == Heuristic::Kind::dive;
     if (!moment.before_cuts) entry.last = nodes;
-    if (kind == Heuristic::Kind::improvement) improved_value_ = global_.incumbent_value;
+    entry.improved_value = global_.incumbent_value;
     found |= call(entry, worker, moment, take);
   }
   if (moment.before_relaxation && found) value_before_relaxation_ = global_.incumbent_value;

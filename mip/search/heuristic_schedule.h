@@ -44,6 +44,10 @@ class HeuristicSchedule {
   /* At the relaxation's optimum of a node, or before the root's. True when there is a new incumbent. */
   bool run(Worker& worker, const Moment& moment, const Passed& passed, const Taker& take);
 
+  /* One sub-search about the incumbent, whatever it may cost: the one that has been worth most, or has been tried seldom.
+   * The relaxation of the root stands at its optimum. True when there is a new incumbent. */
+  bool polish(Worker& worker, const Passed& passed, const Taker& take);
+
   std::vector<PluginCounts> plugin_counts() const;
   std::int64_t iterations() const { return in_worker_; }
 
@@ -54,6 +58,9 @@ class HeuristicSchedule {
     std::int64_t last = -1;                    // node of the last call
     int failures = 0;                          // in a row
     std::int64_t iterations = 0, touched = 0;  // of all calls
+    double improved_value = kInf;              // incumbent that it has seen, of improvements
+    double reward = 1;                         // of late, in polishing: 0 to 1
+    int polishing_calls = 0;
   };
   enum Account { cheap, dives, sub_searches, kAccounts };
 
@@ -70,6 +77,8 @@ class HeuristicSchedule {
   bool call(Entry& entry, Worker& worker, const Moment& moment, const Taker& take);
   int next_dive(const Moment& moment, std::int64_t nodes) const;
   int next_neighbourhood(const Moment& moment, std::int64_t nodes) const;
+  int next_for_polishing() const;
+  bool make_call(Entry& entry, Worker& worker, const Moment& moment, const Taker& take);
 
   const Global& global_;
   std::vector<Entry> entries_;
@@ -83,7 +92,7 @@ class HeuristicSchedule {
   double bound_ = -kInf;                   // of all solutions, at the last call
   double value_before_relaxation_ = kInf;  // what was found before the root's relaxation
   double seen_value_ = kInf;               // incumbent at the last call
-  double improved_value_ = kInf;           // incumbent that improvements have seen
+  std::int64_t polishing_iterations_ = 0;  // that one sub-search may spend in polishing; 0: not begun
 };
 
 }  // namespace tovik::mip

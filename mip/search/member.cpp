@@ -6,8 +6,9 @@
 
 namespace tovik::mip {
 
-void Search::pause_after(std::int64_t ticks, double seconds) {
+void Search::pause_after(std::int64_t ticks, double seconds, std::int64_t nodes) {
   pause_.ticks = ticks < kNoLimit ? control_.ticks() + ticks : kNoLimit;
+  pause_.nodes = nodes < kNoLimit ? nodes_ + nodes : kNoLimit;
   pause_.seconds = seconds < kInf ? control_.seconds() + seconds : kInf;
 }
 

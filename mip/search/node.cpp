@@ -291,16 +291,21 @@ void Search::try_before_relaxation() {
 
 bool Search::run_heuristics(const Moment& moment) {
   const Phase before = enter(Phase::heuristics);
-  const bool found =
-      heuristics_.run(worker_, moment, {nodes_, open_bound(), branching_.strong_iterations(), &control_},
-                      [this](const Candidate& candidate) {
-                        if (has_enough_solutions()) return HeuristicSchedule::Taken{};
-                        const std::int64_t iterations = judges_iterations();
-                        const bool better = judge(candidate.x, candidate.found_by).has_value();
-                        return HeuristicSchedule::Taken{better, judges_iterations() - iterations};
-                      });
+  const bool found = heuristics_.run(worker_, moment, passed(),
+                                     [this](const Candidate& candidate) { return try_candidate(candidate); });
   enter(before);
   return found;
+}
+
+HeuristicSchedule::Passed Search::passed() {
+  return {nodes_, open_bound(), branching_.strong_iterations(), &control_};
+}
+
+HeuristicSchedule::Taken Search::try_candidate(const Candidate& candidate) {
+  if (has_enough_solutions()) return {};
+  const std::int64_t iterations = judges_iterations();
+  const bool better = judge(candidate.x, candidate.found_by).has_value();
+  return {better, judges_iterations() - iterations};
 }
 
 Search::NodeResult Search::branch_on(int slot, const Shortfall& shortfall, double objective, bool* again) {

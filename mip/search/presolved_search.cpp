@@ -66,6 +66,8 @@ Settings PresolvedSearch::of_search() const {
   take(settings.node_limit, earlier_.nodes);
   take(settings.iteration_limit, earlier_.iterations);
   take(settings.solution_limit, earlier_.solutions);
+  take(settings.polish.nodes, earlier_.nodes);
+  take(settings.polish.solutions, earlier_.solutions);
   settings.witness = witness();
   return settings;
 }
@@ -279,6 +281,10 @@ Conclusion PresolvedSearch::run() {
     if (end != Conclusion::restart) return end;
     if (const std::optional<Conclusion> stopped = restart()) return *stopped;
   }
+}
+
+std::optional<Conclusion> PresolvedSearch::polish() {
+  return search_ == nullptr ? std::nullopt : search_->polish_on();
 }
 
 }  // namespace tovik::mip

@@ -38,6 +38,9 @@ class PresolvedSearch : private Origin {
   Search& search() { return *search_; }
 
   Conclusion run();
+  /* After run() has met a limit, until the control ends it: searches about the incumbent. The conclusion, where that has closed the
+   * gap. */
+  std::optional<Conclusion> polish();
   void change_settings(const Settings& settings);
   /* Between two runs: what was dropped so far does not count by these settings either. */
   bool can_go_on_with(const Settings& settings) const;

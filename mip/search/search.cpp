@@ -254,7 +254,8 @@ std::optional<Conclusion> Search::limit_reached() {
   const Settings& settings = global_.settings;
   stop_ = asks_to_stop();
   if (stop_ != Stop::none) return stop_reason();
-  if (control_.ticks() >= pause_.ticks || (pause_.seconds < kInf && control_.seconds() >= pause_.seconds))
+  if (control_.ticks() >= pause_.ticks || nodes_ >= pause_.nodes ||
+      (pause_.seconds < kInf && control_.seconds() >= pause_.seconds))
     return Conclusion::paused;
   if (has_enough_solutions()) return Conclusion::solution_limit;
   if (global_.incumbent_value <= settings.objective_stop) return Conclusion::objective_stop;
@@ -317,6 +318,10 @@ Conclusion Search::run_until_limit() {
     if (!apply_global_bounds()) drop_nodes(-kInf);
     if (tree_.empty() || gap_is_closed(open_bound())) return conclude();
     if (const std::optional<Conclusion> limit = limit_reached()) return *limit;
+    if (polishing_is_due()) {
+      polish();
+      continue;
+    }
     node_files_ = tree_.park(global_.settings.node_files);
     if (node_files_ != NodeStore::State::done) return Conclusion::node_file_failed;
     int slot = pick();

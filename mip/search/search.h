@@ -155,8 +155,11 @@ class Search {
   void begin_run();
   Conclusion go_on();
   void end_run() { meter_.end(); }
-  /* From now on go_on() ends before a node once so much is done, in ticks or in seconds. */
-  void pause_after(std::int64_t ticks, double seconds);
+  /* After run() has met a limit: polishes until the control, which must not stop it at once, ends it. What run() would return now where
+   * that has closed the gap. */
+  std::optional<Conclusion> polish_on();
+  /* From now on go_on() ends before a node once so much is done, in ticks, in seconds or in nodes. */
+  void pause_after(std::int64_t ticks, double seconds, std::int64_t nodes = kNoLimit);
   /* Before it begins: without nodes, but with what the leader's root has left. The leader is between two nodes. */
   void join(Search& leader);
   std::int64_t open_nodes() const { return tree_.open(); }
@@ -212,6 +215,10 @@ class Search {
   bool has_enough_solutions() const {
     return solutions_ >= global_.settings.solution_limit || (sink_ != nullptr && sink_->is_full());
   }
+  // Improving the incumbent instead of searching the tree: polishing.cpp.
+  bool polishing_is_due();
+  void polish();
+
   bool enumerates() const { return global_.settings.enumeration.on; }
   double enumeration_cutoff(double best) const;
   double open_bound();
@@ -299,6 +306,8 @@ class Search {
   void try_before_relaxation();
   bool try_heuristics(int slot, bool before_cuts);
   bool run_heuristics(const Moment& moment);
+  HeuristicSchedule::Passed passed();
+  HeuristicSchedule::Taken try_candidate(const Candidate& candidate);
   double estimate(const Shortfall& shortfall, double objective) const;
   /* What the judges make of a point of the problem, here and in the origin. */
   std::optional<Accepted> weigh(std::span<const double> x);
@@ -375,6 +384,11 @@ class Search {
     int failures = 0, waits = 0;  // nodes from the queue
     std::int64_t work = 0;
   } tree_cuts_;
+  struct {
+    bool is_on = false;
+    int failures = 0;     // in a row
+    double value = kInf;  // incumbent at the last one
+  } polishing_;
   bool from_queue_ = false;  // the node in process was not reached by a plunge
   bool started_ = false, tried_before_relaxation_ = false, new_incumbent_ = false;
   bool relaxation_was_taken_ = false;  // the relaxation of the node in process is an incumbent
@@ -388,7 +402,7 @@ class Search {
   Progress beside_;            // of the other members of a team
   SearchStatistics absorbed_;  // of those that have left
   struct {
-    std::int64_t ticks = kNoLimit;
+    std::int64_t ticks = kNoLimit, nodes = kNoLimit;
     double seconds = kInf;
   } pause_;
   std::int64_t nodes_at_joining_ = 0;

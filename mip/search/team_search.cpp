@@ -58,6 +58,7 @@ bool is_stop(Conclusion end) {
     case Conclusion::infeasible_or_unbounded:
     case Conclusion::objective_stop:
     case Conclusion::solution_limit:
+    case Conclusion::node_limit:
     case Conclusion::tree_limit:
     case Conclusion::node_file_failed:
     case Conclusion::time_limit:
@@ -74,8 +75,9 @@ bool is_stop(Conclusion end) {
 struct TeamSearch::Member {
   Search* search = nullptr;
   Conclusion end = Conclusion::paused;
-  double busy = 0;         // seconds since the last meeting
-  std::int64_t nodes = 0;  // since then
+  double busy = 0;                        // seconds since the last meeting
+  std::int64_t nodes = 0;                 // since then
+  std::int64_t allowed_nodes = kNoLimit;  // until the next one
   std::exception_ptr failure;
   // Of those that are not the leader:
   std::unique_ptr<MemberControl> control;
@@ -100,9 +102,8 @@ TeamSearch::~TeamSearch() = default;
 
 bool TeamSearch::serves(const Settings& settings, const SearchCallbacks* callbacks) {
   return settings.team.threads > 1 && callbacks == nullptr && !settings.enumeration.on &&
-         settings.node_limit == kNoLimit && settings.iteration_limit == kNoLimit &&
-         settings.solution_limit == kNoLimit && settings.stall_limit == kNoLimit &&
-         !settings.witness.is_watched();
+         settings.iteration_limit == kNoLimit && settings.solution_limit == kNoLimit &&
+         settings.stall_limit == kNoLimit && !settings.witness.is_watched();
 }
 
 Conclusion TeamSearch::run() {
@@ -134,7 +135,8 @@ Conclusion TeamSearch::run_together() {
   std::optional<Conclusion> end;
   try {
     while (!end) {
-      end = work();
+      end = allow_nodes() ? work() : Conclusion::node_limit;
+      if (end == Conclusion::node_limit) break;
       const double begin = seconds_now();
       if (!end) end = meet();
       times_.meetings += seconds_now() - begin;
@@ -171,15 +173,31 @@ void TeamSearch::gather() {
   share_nodes();
 }
 
+/* Equal shares of what the limit leaves; the last nodes go to one each, the leader's first. False: none are left. */
+bool TeamSearch::allow_nodes() {
+  if (settings_.node_limit == kNoLimit) return true;
+  report();
+  std::int64_t left = settings_.node_limit - leader_.progress().nodes;
+  std::int64_t working = 0;
+  for (const std::unique_ptr<Member>& member : members_) working += member->search->open_nodes() > 0 ? 1 : 0;
+  if (left <= 0) return false;
+  const std::int64_t share = std::max<std::int64_t>(1, left / std::max<std::int64_t>(1, working));
+  for (const std::unique_ptr<Member>& member : members_) {
+    member->allowed_nodes = member->search->open_nodes() > 0 ? std::min(share, left) : 0;
+    left -= member->allowed_nodes;
+  }
+  return true;
+}
+
 void TeamSearch::work_as(Member& member) {
   const double begin = seconds_now();
   const std::int64_t before = member.search->progress_since_joining().nodes;
   try {
     const double ticks = while_ * static_cast<double>(team_.ticks_together);
     if (team_.deterministic) {
-      member.search->pause_after(static_cast<std::int64_t>(ticks), kInf);
+      member.search->pause_after(static_cast<std::int64_t>(ticks), kInf, member.allowed_nodes);
     } else {
-      member.search->pause_after(kNoLimit, ticks * kSecondsPerTick);
+      member.search->pause_after(kNoLimit, ticks * kSecondsPerTick, member.allowed_nodes);
     }
     member.end = member.search->go_on();
   } catch (...) {

@@ -7,8 +7,9 @@
  * - A while is so much work, in ticks, where the path has to be the same in every run with as many threads; else so much time.
  * - Caller: only the leader knows the caller's control, and reports. The others stop where it does, and count in its
  *   progress as of the last meeting.
- * - Not for searches in which callbacks take part, that enumerate, or that have a limit of nodes, iterations or solutions:
- *   serves() tells.
+ * - A limit of nodes is kept exactly: what it leaves is shared out at each meeting.
+ * - Not for searches in which callbacks take part, that enumerate, or that have a limit of iterations or solutions: serves()
+ *   tells.
  * - Paper: "FiberSCIP - A Shared Memory Parallelization of SCIP", INFORMS J. Comput. 30 (2018), passes nodes and solutions alike.
  * - Errors: as Search. */
 #pragma once
@@ -54,6 +55,7 @@ class TeamSearch {
   Conclusion run_alone();
   Conclusion run_together();
   void gather();
+  bool allow_nodes();
   std::optional<Conclusion> work();
   void work_as(Member& member);
   std::optional<Conclusion> meet();

@@ -41,6 +41,7 @@ enum class DiveKind { automatic, traditional, probing, guided };
 
 struct HeuristicSettings {
   int interval = 0;                // nodes between calls: -1 never, 0 as it pays
+  bool local_branching = false;    // once around each new incumbent
   int neighbourhood_interval = 0;  // the same of searches in a neighbourhood
   DiveKind dives = DiveKind::automatic;
   std::int64_t sub_nodes = 500;  // of a sub-search
@@ -50,6 +51,19 @@ struct HeuristicSettings {
   bool rounding = true, diving = true, improvement = true;
   bool jumps = true;   // local searches without a relaxation
   bool fixing = true;  // fixing and propagation
+};
+
+/* When the search leaves its tree to improve the incumbent, until that has come to nothing for some time or the tree has a better
+ * one: at the first of these that is met. */
+struct PolishSettings {
+  double absolute_gap = 0, relative_gap = 0;            // 0: never
+  std::int64_t nodes = kNoLimit, solutions = kNoLimit;  // so many have been processed, found
+  double seconds = kInf;                                // of the call
+  bool at_limits = false;  // once a limit has ended the search, for a time that its caller sets
+  bool is_on() const {
+    return absolute_gap > 0 || relative_gap > 0 || nodes < kNoLimit || solutions < kNoLimit ||
+           seconds < kInf || at_limits;
+  }
 };
 
 /* A search for all solutions instead of a better one: nodes are dropped for what is worse than the best solution by more than both
@@ -114,6 +128,7 @@ struct Settings {
   PresolveSettings presolve;
   CutSettings cuts;
   HeuristicSettings heuristics;
+  PolishSettings polish;
   int symmetry = -1;  // -1 automatic, 0 off, 1 to 5: ever more work for finding it
   EnumerationSettings enumeration;
   NodeFileSettings node_files;

@@ -74,6 +74,12 @@ void vary(Settings& settings, int k, support::Random& random) {
       settings.heuristics.neighbourhood_interval = random.chance(0.5) ? -1 : 1;
       settings.heuristics.jumps = random.chance(0.5);
       settings.heuristics.fixing = random.chance(0.5);
+      settings.heuristics.local_branching = random.chance(0.5);
+      break;
+    case 10:
+      settings.polish.nodes = random.pick(0, 5);
+      settings.polish.absolute_gap = random.chance(0.5) ? 5 : 0;
+      settings.heuristics.interval = -1;
       break;
     case 6:
       settings.heuristics.dives = static_cast<DiveKind>(random.pick(1, 3));
@@ -211,7 +217,7 @@ TEST(MipSearch, AgreesWithABareOneOnProblemsBeyondEnumeration) {
     support::expect_same(truth, support::searched(problem, settings));
     support::expect_same(truth, support::searched(problem, eager(random)));
     vary_presolve(settings.presolve, random);
-    vary(settings, random.pick(0, 10), random);
+    vary(settings, random.pick(0, 11), random);
     support::expect_same(truth, support::searched(problem, settings));
     for (int said = 0; said < 2; ++said) {
       Settings other = said == 0 ? Settings() : eager(random);

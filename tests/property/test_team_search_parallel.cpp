@@ -130,6 +130,33 @@ TEST(TeamSearch, GoesTheSameWayInEveryRun) {
   }
 }
 
+TEST(TeamSearch, KeepsALimitOfNodesAndGoesOn) {
+  Random random(support::fresh_seed());
+  TRACE_RANDOM(random, 0);
+  int limited = 0;
+  for (int k = 0; k < 6; ++k) {
+    const Problem problem = knapsacks(random, 36, 4);
+    const double best = solve(problem, team_settings(1, true)).objective;
+    support::QuietControl control;
+    SilentObserver observer;
+    const Settings whole = team_settings(2 + k % 2, k < 4);
+    PresolvedSearch search(problem, whole, control, observer);
+    for (std::int64_t limit = 40; limit < 20000; limit += random.pick(1, 60)) {
+      Settings settings = whole;
+      settings.node_limit = limit;
+      search.change_settings(settings);
+      const Conclusion end = search.run();
+      if (is_solved(end)) break;
+      ASSERT_EQ(end, Conclusion::node_limit);
+      EXPECT_EQ(search.progress().nodes, limit);
+      limited += search.team_times().threads > 0 ? 1 : 0;
+    }
+    EXPECT_EQ(search.incumbent().objective, best);
+    EXPECT_LE(search.progress().best_bound, best + 1e-9);
+  }
+  EXPECT_GT(limited, 6);
+}
+
 /* Says stop once so much work is done. */
 class Impatient : public support::QuietControl {
  public:

@@ -175,7 +175,7 @@ TEST(MipHeuristics, WhatIsFoundIsASolution) {
 
 /* Neighbourhoods of an incumbent give points that are better than it, where they give any. */
 TEST(MipHeuristics, SearchesAroundAnIncumbentImproveIt) {
-  std::vector<int> found(3);
+  std::vector<int> found(5);
   for (unsigned seed = 1; seed <= 4000 && !HasFailure(); ++seed) {
     SCOPED_TRACE(seed);
     const Problem problem = support::RandomMip(seed).draw();
@@ -190,6 +190,8 @@ TEST(MipHeuristics, SearchesAroundAnIncumbentImproveIt) {
     plugins.push_back(std::make_unique<Rins>());
     plugins.push_back(std::make_unique<Crossover>());
     plugins.push_back(std::make_unique<Region>());
+    plugins.push_back(std::make_unique<Mutation>());
+    plugins.push_back(std::make_unique<LocalBranching>(1));
     for (std::size_t k = 0; k < plugins.size(); ++k) {
       SCOPED_TRACE(plugins[k]->name());
       root.worker.out.candidates.clear();
@@ -241,6 +243,18 @@ TEST(MipHeuristics, FixAndPropagateFindsAPartition) {
   EXPECT_TRUE(is_solution(maker.problem(), root.worker.out.candidates.back().x));
 }
 
+void add_row(Problem& problem, const std::vector<int>& columns, const std::vector<double>& values,
+             double lower, double upper) {
+  tovik::lp::Matrix rows = tovik::lp::transpose(problem.lp.matrix);
+  rows.index.insert(rows.index.end(), columns.begin(), columns.end());
+  rows.value.insert(rows.value.end(), values.begin(), values.end());
+  rows.start.push_back(static_cast<int>(rows.index.size()));
+  ++rows.columns;
+  problem.lp.matrix = tovik::lp::transpose(rows);
+  problem.lp.row_lower.push_back(lower);
+  problem.lp.row_upper.push_back(upper);
+}
+
 /* What is left has the optimum that the whole has within the same bounds. */
 TEST(MipHeuristics, AReducedProblemHasTheOptimumOfTheWholeWithinItsBounds) {
   int compared = 0;
@@ -254,14 +268,21 @@ TEST(MipHeuristics, AReducedProblemHasTheOptimumOfTheWholeWithinItsBounds) {
       if (maker.random().chance(0.4)) domain.fix(j, at, {Reason::Kind::branching, j});
     }
     if (domain.is_infeasible()) continue;
-    const ReducedProblem reduced(domain);
+    ReducedProblem reduced(domain);
+    const int rows = whole.num_rows();
+    if (seed % 2 == 0 && whole.num_columns() > 1) {
+      add_row(whole, {0, 1}, {1, -1}, -2, kInf);
+      const std::vector<int> columns{0, 1};
+      const std::vector<double> values{1, -1};
+      reduced.add_row(columns, values, -2, kInf);
+    }
     for (int j = 0; j < whole.num_columns(); ++j) {
       if (!domain.is_fixed(j)) continue;
       whole.lp.lower[j] = whole.lp.upper[j] = domain.lower(j);
     }
     // Rows without any column left are not looked at.
     bool empty_rows_hold = true;
-    for (int i = 0; i < whole.num_rows(); ++i) {
+    for (int i = 0; i < rows; ++i) {
       if (domain.least(i).is_finite() && domain.largest(i).is_finite()) {
         empty_rows_hold &= domain.least(i).finite_part() <= whole.lp.row_upper[i] + 1e-9 &&
                            domain.largest(i).finite_part() >= whole.lp.row_lower[i] - 1e-9;
@@ -345,22 +366,24 @@ TEST(MipHeuristics, SettingsSwitchFamiliesOff) {
     Settings settings;
     settings.heuristics = heuristics;
     const Global global(maker.problem(), settings);
-    std::vector<int> count(6);
+    std::vector<int> count(7);
     for (const Heuristic& h : make_heuristics(global)) ++count[static_cast<std::size_t>(h.kind)];
     return count;
   };
   HeuristicSettings settings;
-  EXPECT_EQ(kinds(settings), (std::vector<int>{1, 4, 4, 1, 5, 1}));
+  EXPECT_EQ(kinds(settings), (std::vector<int>{1, 4, 4, 1, 5, 0, 1}));
   settings.jumps = false;
-  EXPECT_EQ(kinds(settings), (std::vector<int>{0, 3, 4, 1, 5, 1}));
+  EXPECT_EQ(kinds(settings), (std::vector<int>{0, 3, 4, 1, 5, 0, 1}));
   settings.fixing = false;
-  EXPECT_EQ(kinds(settings), (std::vector<int>{0, 2, 4, 1, 5, 1}));
+  EXPECT_EQ(kinds(settings), (std::vector<int>{0, 2, 4, 1, 5, 0, 1}));
   settings.dives = DiveKind::probing;
-  EXPECT_EQ(kinds(settings), (std::vector<int>{0, 2, 1, 0, 5, 1}));
+  EXPECT_EQ(kinds(settings), (std::vector<int>{0, 2, 1, 0, 5, 0, 1}));
   settings.interval = -1;
-  EXPECT_EQ(kinds(settings), (std::vector<int>{0, 0, 0, 0, 5, 0}));
+  EXPECT_EQ(kinds(settings), (std::vector<int>{0, 0, 0, 0, 5, 0, 0}));
   settings.neighbourhood_interval = -1;
-  EXPECT_EQ(kinds(settings), (std::vector<int>{0, 0, 0, 0, 0, 0}));
+  EXPECT_EQ(kinds(settings), (std::vector<int>{0, 0, 0, 0, 0, 0, 0}));
+  settings.local_branching = true;
+  EXPECT_EQ(kinds(settings), (std::vector<int>{0, 0, 0, 0, 0, 1, 0}));
 }
 
 }  // namespace
