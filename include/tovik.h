@@ -1183,7 +1183,7 @@ TVK_API int TVKgetticks(ConstEnvHandle env, ConstProbHandle lp, double *ticks_p)
 #define TVK_PARAM_FLOWCOVERS             2040 /* int 0, -1 to 2 */
 #define TVK_PARAM_IMPLBD                 2041 /* int 0, -1 to 2 */
 #define TVK_PARAM_PROBE                  2042 /* int 0, -1 to 3 */
-#define TVK_PARAM_GUBCOVERS              2044 /* int 0, -1 to 2; stored only */
+#define TVK_PARAM_GUBCOVERS              2044 /* int 0, -1 to 2 */
 #define TVK_PARAM_STRONGCANDLIM          2045 /* int 10, 1 to 2100000000 */
 #define TVK_PARAM_STRONGITLIM            2046 /* int 0, 0 to 2100000000 */
 #define TVK_PARAM_FRACCAND               2048 /* int 200, 1 to 2100000000 */

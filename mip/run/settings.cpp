@@ -137,6 +137,7 @@ Settings settings_of(const Environment& env, const tovik::Problem& problem) {
   out.cuts.fractional = s.integer(TVK_PARAM_FRACCUTS);
   out.cuts.rounding = s.integer(TVK_PARAM_MIRCUTS);
   out.cuts.covers = s.integer(TVK_PARAM_COVERS);
+  out.cuts.gub_covers = s.integer(TVK_PARAM_GUBCOVERS);
   out.cuts.cliques = s.integer(TVK_PARAM_CLIQUES);
   out.cuts.flow_covers = s.integer(TVK_PARAM_FLOWCOVERS);
   out.cuts.flow_paths = s.integer(TVK_PARAM_FLOWPATHS);

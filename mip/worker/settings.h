@@ -24,7 +24,7 @@ inline constexpr int kMostCuts = 2100000000;
 /* Effort by family, and in all. */
 struct CutSettings {
   Effort fractional = 0, rounding = 0, covers = 0, cliques = 0, flow_covers = 0, implied_bounds = 0,
-         zero_half = 0, flow_paths = 0;
+         zero_half = 0, flow_paths = 0, gub_covers = 0;
   int root_rounds = 0;              // -1 none, 0 automatic
   int fractional_rounds = 0;        // at the root: 0 automatic
   Effort in_tree = 0;               // 0 at nodes that are taken from the queue, as it pays; 1 at each node

@@ -21,7 +21,7 @@ constexpr int kRounds = 6;
 CutSettings no_cuts() {
   CutSettings cuts;
   cuts.fractional = cuts.rounding = cuts.covers = cuts.cliques = -1;
-  cuts.flow_covers = cuts.flow_paths = cuts.implied_bounds = cuts.zero_half = -1;
+  cuts.flow_covers = cuts.flow_paths = cuts.implied_bounds = cuts.zero_half = cuts.gub_covers = -1;
   cuts.rows_factor = 100;
   return cuts;
 }
@@ -144,6 +144,10 @@ TEST_F(Cuts, FlowPathsHoldEverywhere) {
 
 TEST_F(Cuts, CoversHoldEverywhere) {
   run([](CutSettings& cuts) { cuts.covers = 0; });
+}
+
+TEST_F(Cuts, GubCoversHoldEverywhere) {
+  run([](CutSettings& cuts) { cuts.gub_covers = 1; });
 }
 
 TEST_F(Cuts, CliquesHoldEverywhere) {

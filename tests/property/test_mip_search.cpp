@@ -196,7 +196,7 @@ Settings eager(support::Random& random) {
   Settings settings;
   CutSettings& cuts = settings.cuts;
   cuts.fractional = cuts.rounding = cuts.covers = cuts.cliques = cuts.flow_covers = cuts.implied_bounds =
-      cuts.zero_half = cuts.flow_paths = 2;
+      cuts.zero_half = cuts.flow_paths = cuts.gub_covers = 2;
   cuts.in_tree = 1;
   cuts.rows_factor = 30;
   settings.presolve.on = random.chance(0.5);
