@@ -132,7 +132,8 @@ class Relaxation : public Solver {
   std::span<const int> basis_head() const { return core_->basis.head(); }
   /* Row `position` of the tableau as a combination of the model's rows: sum_i w_i a_i x = sum_j c_j x_j,
    * where c is 1 for the basic column of the position (w is 1 for the basic logical's own row) and 0 for
-   * other basic columns. columns: c of nonbasic columns, fixed ones included; null where only the weights are wanted. Nothing is forgotten. */
+   * other basic columns. columns: c of nonbasic columns, fixed ones included; null where only the weights are
+   * wanted. Nothing is forgotten. */
   void tableau_row(int position, SparseEntries& weights, SparseEntries* columns);
 
   /* The present state: statuses, values, duals, weights, bounds, costs and the factor. */
