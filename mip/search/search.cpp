@@ -131,11 +131,14 @@ double Search::enumeration_cutoff(double best) const {
 void Search::set_incumbent(Solution solution, std::span<const double> x) {
   const Settings& settings = global_.settings;
   const double u = solution.objective;
-  double improvement =
+  const double improvement =
       std::max({settings.least_improvement, settings.least_relative_improvement * std::fabs(u),
                 1e-9 * std::max(1.0, std::fabs(u))});
-  // The next better value is a step away, and bounds are rounded up to steps.
-  if (global_.objective_step > 0) improvement = std::max(improvement, global_.objective_step * (1 - 1e-5));
+  // The next better value is on a step, and bounds are rounded up to steps. The incumbent itself need not be on one: presolve
+  // may have left fewer values than the problem has from which it comes.
+  double cutoff = u - improvement;
+  if (const double step = global_.objective_step; step > 0)
+    cutoff = std::min(cutoff, rounded_bound(u) - step * (1 - 1e-5));
   incumbent_ = std::move(solution);
   if (global_.has_incumbent_point()) {
     std::vector<std::vector<double>>& earlier = global_.earlier_incumbents;
@@ -144,7 +147,7 @@ void Search::set_incumbent(Solution solution, std::span<const double> x) {
   }
   global_.incumbent.assign(x.begin(), x.end());
   global_.incumbent_value = u;
-  global_.cutoff = std::min(global_.cutoff, enumerates() ? enumeration_cutoff(u) : u - improvement);
+  global_.cutoff = std::min(global_.cutoff, enumerates() ? enumeration_cutoff(u) : cutoff);
 }
 
 std::int64_t Search::judges_iterations() const {

@@ -143,4 +143,22 @@ TEST_F(MipStarts, DecisionsOfObjectsAreTakenToo) {
   EXPECT_NEAR(with_start({z, y, s}, {1, 2, 0}, TVK_MIPSTART_SOLVEFIXED), 12, 1e-9);
 }
 
+/* Presolve leaves objective values of 1 less multiples of 5 only; the start's is none of them. */
+TEST_F(MipStarts, AStartBesideTheStepsOfThePresolvedObjectiveIsImproved) {
+  ProbHandle lp = read(
+      "min\n -5 a + c + d\nst\n -3 a + b <= 0\n -3 a >= -3\n 2 c + 2 d >= 2\n"
+      "bounds\n 2 <= a <= 4\n c <= 1\n d <= 1\ngeneral\n a c d\nsemi-continuous\n a\nend\n");
+  std::vector<int> column(4);
+  const char* const names[] = {"a", "b", "d", "c"};
+  for (int k = 0; k < 4; ++k) ASSERT_EQ(TVKgetcolindex(env_, lp, names[k], &column[k]), 0);
+  ASSERT_EQ(TVKcopyprotected(env_, lp, 3, column.data()), 0);
+  const int begin = 0, effort = TVK_MIPSTART_AUTO;
+  const double value[] = {0, 0, 1, 1};
+  ASSERT_EQ(TVKsetintparam(env_, TVK_PARAM_NODELIM, 2100000000), 0);
+  ASSERT_EQ(TVKaddmipstarts(env_, lp, 1, 4, &begin, column.data(), value, &effort, nullptr), 0);
+  EXPECT_EQ(solve(lp), TVK_STATUS_MIP_OPTIMAL);
+  EXPECT_NEAR(objective(lp), 1, 1e-9);
+  EXPECT_EQ(TVKfreeprob(env_, &lp), 0);
+}
+
 }  // namespace
